@@ -1,0 +1,42 @@
+# project_options: language level, warnings and sanitizers of every target.
+# strict_conversions: in addition, for the libraries that do not know Qt.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    # Precompiled headers need the first two; without hash_dir a second checkout shares the cache.
+    set(launcher ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros
+        CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE_PROGRAM})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+    set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+endif()
+
+add_library(project_options INTERFACE)
+target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_options(project_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2
+    $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>)
+if(TAVOLO_SANITIZE)
+    target_compile_options(project_options INTERFACE -fsanitize=${TAVOLO_SANITIZE}
+        -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_options INTERFACE -fsanitize=${TAVOLO_SANITIZE})
+endif()
+if(TAVOLO_FUZZ)
+    target_compile_options(project_options INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -g)
+    target_link_options(project_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+add_library(strict_conversions INTERFACE)
+target_compile_options(strict_conversions INTERFACE -Wconversion -Wsign-conversion)
+
+# qt_options: how the project uses Qt.
+if(TAVOLO_GUI)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg Multimedia Test)
+    add_library(qt_options INTERFACE)
+    target_compile_definitions(qt_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
+        QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)
+endif()

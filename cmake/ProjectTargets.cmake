@@ -1,0 +1,45 @@
+# add_std_library(name sources...): a library that knows the standard library only.
+function(add_std_library name)
+    add_library(${name} STATIC ${ARGN})
+    target_link_libraries(${name} PUBLIC project_options PRIVATE strict_conversions)
+endfunction()
+
+# add_qt_library(name sources...): a library on Qt Core, without a widget.
+function(add_qt_library name)
+    add_library(${name} STATIC ${ARGN})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Core)
+endfunction()
+
+# add_window_library(name sources...): windows; shares one precompiled header of Qt Widgets.
+function(add_window_library name)
+    add_library(${name} STATIC ${ARGN})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Widgets)
+    target_precompile_headers(${name} PRIVATE <QtWidgets/QtWidgets>)
+endfunction()
+
+# add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
+# `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
+# zone are fixed so that no machine's setting matters.
+function(add_unit_test name)
+    cmake_parse_arguments(T "QT;WIDGETS" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    if(NOT T_TIMEOUT)
+        set(T_TIMEOUT 120)
+    endif()
+    add_executable(${name} ${T_SOURCES})
+    target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE project_options ${T_LIBS} GTest::gtest GTest::gmock)
+    if(T_WIDGETS)
+        set_target_properties(${name} PROPERTIES AUTOMOC ON)
+        target_link_libraries(${name} PRIVATE qt_options Qt6::Widgets Qt6::Test widget_test_main)
+    elseif(T_QT)
+        set_target_properties(${name} PROPERTIES AUTOMOC ON)
+        target_link_libraries(${name} PRIVATE qt_options Qt6::Core Qt6::Test GTest::gtest_main)
+    else()
+        target_link_libraries(${name} PRIVATE GTest::gtest_main)
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST
+        PROPERTIES TIMEOUT ${T_TIMEOUT}
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TZ=UTC0;TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared")
+endfunction()

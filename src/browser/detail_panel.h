@@ -1,0 +1,68 @@
+// DetailPanel: the tabbed right-hand side of the main window: the record of the selected table with its pictures, notes
+// and rules, and its editing. The window around it is reached through DetailHost only.
+#pragma once
+
+#include "catalogue/pin_subs.h"
+#include "platform/user_prompts.h"
+
+#include <QtWidgets/QWidget>
+
+#include <memory>
+
+namespace browser {
+
+// What the panel needs of the window that holds it.
+class DetailHost {
+public:
+    virtual ~DetailHost() = default;
+    // Of the tree's selected node; empty when none is selected.
+    virtual QString SelectedTag() const = 0;
+    virtual QString SelectedText() const = 0;
+    // Makes the selected node the one that the next start shows again.
+    virtual void RememberSelectedNode() = 0;
+    virtual void RefreshTree() = 0;
+    // Panels 1..4 of the status bar.
+    virtual void SetStatusText(int panel, const QString& text) = 0;
+    // The label lblComments under the tree.
+    virtual void SetComments(const QString& text) = 0;
+    // Locks (true) or frees the filters, the operator, the tree, Refresh Tree, Play and the File and Utilities menus.
+    virtual void LockForEdit(bool changed) = 0;
+    // The button "View Table Info from VPT".
+    virtual void ViewTableInfo() = 0;
+};
+
+class DetailPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    // All arguments are borrowed and outlive the panel.
+    DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, DetailHost& host,
+                QWidget* parent = nullptr);
+    ~DetailPanel() override;
+
+    void ShowTableDetails(const QString& file_name);
+    void ClearTableDetails();
+    void SetRecordChanged(bool changed);
+    bool record_changed() const;
+
+    // Text of a field, 0..12; SetDetailText counts as an edit of the user.
+    QString DetailText(int index) const;
+    void SetDetailText(int index, const QString& text);
+    bool FavoriteChecked() const;
+
+    // The actions of cmdChange ("Save"), cmdSaveRules and cmdDelete.
+    void Save();
+    void SaveRules();
+    void Delete();
+
+    int CurrentTab() const;
+    void SetCurrentTab(int tab);
+
+    QString NotesSummary(const QString& file_name) const;
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace browser

@@ -1,0 +1,119 @@
+// Database and Table: tables, rows and indexes of one Jet 3 or Jet 4 file, below SQL.
+// Every changing call happens inside a transaction (Begin ... Commit/Rollback) that the caller opens, one per statement;
+// after a failed call the caller rolls back. Reading needs none.
+// Errors carry the engine's error number and text (3022 duplicate key, 3047 record too large, 3163 field too small,
+// 3314 required, 3315 zero length, 3027 read only, 3078 no such table, ...).
+// Threads: a Database and what it hands out belong to one thread.
+#pragma once
+
+#include "base/status.h"
+#include "jet/page_store.h"
+#include "jet/schema.h"
+#include "jet/value.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace jet {
+
+// Where a row is found: the page and slot it was first stored in. Never changes while the row lives.
+struct RowId {
+    PageNumber page = 0;
+    std::uint8_t slot = 0;
+    auto operator<=>(const RowId&) const = default;
+};
+
+// All rows of a table in physical order (page, slot). Rows inserted or deleted during the walk may or may not be met.
+class RowCursor {
+public:
+    virtual ~RowCursor() = default;
+    // The next live row; nullopt: the end.
+    virtual base::Result<std::optional<RowId>> Next() = 0;
+    // The row met last, decoded from the page that the cursor stands on (cheaper than Table::Read).
+    // `columns` are positions in TableDesign::columns; `values` has the same size and is filled in that order.
+    virtual base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) = 0;
+};
+
+// One end of a range of index keys: values for the first columns of the index. An empty `values` is no bound.
+struct KeyBound {
+    std::vector<Value> values;
+    bool inclusive = true;
+};
+
+struct ColumnChange {
+    std::size_t column = 0;
+    Value value;
+};
+
+class Table {
+public:
+    virtual ~Table() = default;
+    virtual const TableDesign& design() const = 0;
+    // As counted in the definition; a file that was damaged once may be off. Never use it to end a loop.
+    virtual std::uint32_t row_count() const = 0;
+    // Why rows cannot be changed (an index of a foreign sort order, a relation that would be violated is another
+    // matter: that fails the statement); nullopt: they can.
+    virtual std::optional<base::Status> read_only_reason() const = 0;
+
+    virtual base::Result<std::unique_ptr<RowCursor>> Scan() = 0;
+    // Rows of an index range in key order, or against it. Row ids only.
+    // Requires: index < design().indexes.size(), and that index is maintainable.
+    virtual base::Result<std::unique_ptr<RowCursor>> Range(std::size_t index, const KeyBound& from,
+                                                           const KeyBound& to, bool backwards) = 0;
+    // kNotFound with number 3167 ("Record is deleted."): no live row there.
+    virtual base::Status Read(RowId row, std::span<const std::size_t> columns,
+                              std::span<Value> values) = 0;
+
+    // `values` has one entry per column, already of the column's type or convertible to it by Coerce (jet/coerce.h).
+    // An autonumber column given as Null takes the next number. `inserted` (may be null) receives the stored values of
+    // autonumber columns in place.
+    virtual base::Result<RowId> Insert(std::span<Value> values) = 0;
+    virtual base::Status Update(RowId row, std::span<const ColumnChange> changes) = 0;
+    virtual base::Status Delete(RowId row) = 0;
+};
+
+class Database {
+public:
+    virtual ~Database() = default;
+
+    virtual bool read_only() const = 0;
+    virtual int jet_version() const = 0;  // 3 or 4
+    // User tables, in the catalog's order; system, hidden and deleted ones are left out.
+    virtual base::Result<std::vector<std::u16string>> TableNames() = 0;
+    // Name without regard to case. 3078: no such table. The table belongs to the database and lives until the
+    // table is altered or dropped, or a transaction that altered or created it is rolled back.
+    virtual base::Result<Table*> FindTable(std::u16string_view name) = 0;
+
+    virtual base::Status Begin() = 0;
+    virtual base::Status Commit() = 0;
+    virtual void Rollback() = 0;
+    virtual bool in_transaction() const = 0;
+
+    virtual base::Status CreateTable(const TableDesign& design) = 0;
+    virtual base::Status DropTable(std::u16string_view table) = 0;
+    virtual base::Status AddColumn(std::u16string_view table, const ColumnDesign& column) = 0;
+    // Changes type, size and rules of the column named in `column`; values are converted, what cannot be becomes null.
+    virtual base::Status AlterColumn(std::u16string_view table, const ColumnDesign& column) = 0;
+    virtual base::Status DropColumn(std::u16string_view table, std::u16string_view column) = 0;
+    virtual base::Status CreateIndex(std::u16string_view table, const IndexDesign& index) = 0;
+    virtual base::Status DropIndex(std::u16string_view table, std::u16string_view index) = 0;
+
+    virtual base::Status Flush() = 0;
+    virtual base::Status Close() = 0;
+    virtual PageStore& pages() = 0;
+};
+
+// Takes the store over. Refuses encoded, newer and password-protected files with a message that says what the file is.
+base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> pages,
+                                                     std::string_view path_for_messages);
+
+// Makes a new, empty Jet 4 file (`now`: the creation date, days since 1899-12-30). kAlreadyExists (3204): there is
+// such a file.
+base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now);
+
+}  // namespace jet

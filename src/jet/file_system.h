@@ -1,0 +1,57 @@
+// FileSystem and File: what the engine needs of an operating system. A program hands in an implementation
+// (the one of this system is platform::MakeFileSystem()); tests hand in one that fails on purpose.
+// Errors: kNotFound, kPermissionDenied, kBusy, kNoSpace, kIoError. Nothing here throws.
+#pragma once
+
+#include "base/status.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace jet {
+
+enum class OpenMode : std::uint8_t {
+    kRead,             // existing file, reading only
+    kReadWrite,        // existing file
+    kCreate,           // new or emptied file, read and write
+    kOpenOrCreate,     // existing file, or a new empty one; read and write
+};
+
+enum class FileLock : std::uint8_t { kNone, kShared, kExclusive };
+
+class File {
+public:
+    virtual ~File() = default;  // closes; releases the lock
+    virtual base::Result<std::uint64_t> Size() const = 0;
+    // Fills `bytes` from `offset` on. kIoError: the file ends before.
+    virtual base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const = 0;
+    virtual base::Status WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    virtual base::Status Truncate(std::uint64_t size) = 0;
+    // What was written is on the disk, not only in the system's cache, when this returns ok.
+    virtual base::Status Sync() = 0;
+    // Advisory lock of the whole file against other processes and other File objects; never waits.
+    // kBusy: somebody else holds it.
+    virtual base::Status Lock(FileLock lock) = 0;
+};
+
+class FileSystem {
+public:
+    virtual ~FileSystem() = default;
+    virtual base::Result<std::unique_ptr<File>> Open(const std::filesystem::path& path,
+                                                     OpenMode mode) = 0;
+    virtual bool Exists(const std::filesystem::path& path) = 0;
+    virtual base::Status Remove(const std::filesystem::path& path) = 0;
+    // Replaces `to` when it exists, in one step.
+    virtual base::Status Rename(const std::filesystem::path& from,
+                                const std::filesystem::path& to) = 0;
+    // Makes creations, removals and renames in `folder` permanent.
+    virtual base::Status SyncFolder(const std::filesystem::path& folder) = 0;
+    // "user@computer", for the message that says who holds a file. UTF-8.
+    virtual std::string OwnerName() = 0;
+};
+
+}  // namespace jet

@@ -1,0 +1,23 @@
+// Long work on the user-interface thread lets the windows live: ProcessEvents once per item. And the small status window
+// that says what is going on. Implemented by the windows; recorded by tests.
+#pragma once
+
+#include <QtCore/QString>
+
+namespace platform {
+
+class UserEvents {
+public:
+    virtual ~UserEvents() = default;
+    virtual void ProcessEvents() = 0;
+};
+
+class StatusDisplay {
+public:
+    virtual ~StatusDisplay() = default;
+    // Shows the window with this text, painted when the call returns.
+    virtual void Show(const QString& text) = 0;
+    virtual void Unload() = 0;
+};
+
+}  // namespace platform

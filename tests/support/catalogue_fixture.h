@@ -1,0 +1,63 @@
+// CatalogueFixture: a fresh application folder with an empty pinball.mdb, opened by Main, and fakes around it.
+#pragma once
+
+#include "catalogue/new_catalogue.h"
+#include "catalogue/pin_subs.h"
+#include "platform/file_system.h"
+#include "support/fakes.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QTemporaryDir>
+
+#include <memory>
+
+namespace test_support {
+
+class CatalogueFixture : public testing::Test {
+protected:
+    CatalogueFixture() {
+        values.ApplicationFolder = folder.path();
+        catalogue.CatalogueConnection = connection.get();
+        catalogue.values = &values;
+        catalogue.settings = &settings;
+        catalogue.clock = &clock;
+    }
+
+    void SetUp() override {
+        ASSERT_TRUE(folder.isValid());
+        const auto made = catalogue::CreateEmptyCatalogue(
+            *files, DatabasePath().toStdU16String(), catalogue::ToOleDate(clock.now));
+        ASSERT_TRUE(made.ok()) << made.message();
+        const auto opened = catalogue::Main(catalogue);
+        ASSERT_TRUE(opened.ok()) << opened.message();
+    }
+
+    QString DatabasePath() const { return folder.filePath(QStringLiteral("pinball.mdb")); }
+
+    // Runs a statement that must succeed.
+    void Execute(const QString& sql) {
+        const auto done = connection->Execute(sql.toStdU16String());
+        ASSERT_TRUE(done.ok()) << done.status().message() << " in " << sql.toStdString();
+    }
+    // First field of the first row as text; "<none>" without a row, "<error>" with its text on failure.
+    QString Scalar(const QString& sql) {
+        auto rows = connection->Execute(sql.toStdU16String());
+        if (!rows.ok()) return QStringLiteral("<error> ") + QString::fromStdString(rows.status().message());
+        if (rows->Eof()) return QStringLiteral("<none>");
+        const auto value = rows->Fields(std::size_t{0});
+        return value.ok() ? catalogue::FieldText(*value) : QStringLiteral("<error>");
+    }
+
+    QTemporaryDir folder;
+    std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
+    std::unique_ptr<jet::Connection> connection = std::make_unique<jet::Connection>(
+        *files, [this] { return catalogue::ToOleDate(clock.now); });
+    FakeClock clock;
+    FakeSettings settings;
+    FakePrompts prompts;
+    catalogue::ProcessValues values;
+    catalogue::Catalogue catalogue;
+};
+
+}  // namespace test_support

@@ -1,0 +1,11 @@
+// main() of the tests that need widgets: a QApplication around GoogleTest.
+#include <gtest/gtest.h>
+
+#include <QtWidgets/QApplication>
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return RUN_ALL_TESTS();
+}
