@@ -1,6 +1,6 @@
-// ReadU16 and the like: little-endian integers out of bytes, wherever they lie (no alignment needed).
-// The `...At` functions on a span check the bounds and answer nullopt outside of it; a span that comes from
-// a file is read only through them.
+// ReadU16 and the like: little-endian integers out of bytes, wherever they lie (no alignment
+// needed). The `...At` functions on a span check the bounds and answer nullopt outside of it; a
+// span that comes from a file is read only through them.
 #pragma once
 
 #include <bit>

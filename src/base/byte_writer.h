@@ -1,4 +1,5 @@
-// StoreLittle and AppendLittle: integers into bytes, little endian (StoreBig: big endian, as index keys want).
+// StoreLittle and AppendLittle: integers into bytes, little endian (StoreBig: big endian, as index
+// keys want).
 #pragma once
 
 #include <bit>

@@ -1,5 +1,6 @@
 // The pieces of a stored path. Texts, not files: nothing here looks at a disk.
-// Both "\" and "/" separate, on every system: a catalogue keeps the paths of the system it was made on.
+// Both "\" and "/" separate, on every system: a catalogue keeps the paths of the system it was made
+// on.
 #pragma once
 
 #include <string>
@@ -7,7 +8,9 @@
 
 namespace base {
 
-constexpr bool IsPathSeparator(char16_t c) { return c == u'\\' || c == u'/'; }
+constexpr bool IsPathSeparator(char16_t c) {
+    return c == u'\\' || c == u'/';
+}
 
 // The text after the last separator; a path without one is returned whole. Blank in, empty out.
 std::u16string_view GetFileName(std::u16string_view path);
@@ -16,13 +19,14 @@ std::u16string_view GetFileName(std::u16string_view path);
 // Blank in, empty out.
 std::u16string_view GetFolder(std::u16string_view path);
 
-// The name without its last four characters, whatever they are: made for table file names, which end in
-// .vpt. Blank in, empty out. A name of fewer than four characters is the caller's error; it gives the
-// empty text.
+// The name without its last four characters, whatever they are: made for table file names, which
+// end in .vpt. Blank in, empty out. A name of fewer than four characters is the caller's error; it
+// gives the empty text.
 std::u16string_view StripExtension(std::u16string_view file_name);
 
-// `folder` ending in a separator: as it is when it ends in one already; otherwise "\" is appended to a path of
-// the Windows kind (a drive letter, or a "\" in it), "/" to one that has a "/", and `native` to any other.
+// `folder` ending in a separator: as it is when it ends in one already; otherwise "\" is appended
+// to a path of the Windows kind (a drive letter, or a "\" in it), "/" to one that has a "/", and
+// `native` to any other.
 std::u16string WithTrailingSeparator(std::u16string_view folder, char16_t native);
 
 }  // namespace base

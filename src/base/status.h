@@ -1,7 +1,7 @@
 // Status and Result<T>: how this program reports what the world did to it.
-// A Status is a small code for the caller's decision, a text that names the thing that failed (UTF-8, a
-// sentence a user can read), and, where an engine or a system has one, its own error number.
-// Nothing here throws. Values; safe to pass between threads.
+// A Status is a small code for the caller's decision, a text that names the thing that failed
+// (UTF-8, a sentence a user can read), and, where an engine or a system has one, its own error
+// number. Nothing here throws. Values; safe to pass between threads.
 #pragma once
 
 #include <cassert>
@@ -15,7 +15,7 @@ namespace base {
 
 enum class StatusCode : std::uint8_t {
     kOk,
-    kNotFound,          // a file, row, stream or object that is not there
+    kNotFound,  // a file, row, stream or object that is not there
     kAlreadyExists,
     kInvalidArgument,   // the caller's or the user's input makes no sense
     kIoError,           // the system refused to read or write

@@ -97,7 +97,8 @@ std::string ToUtf8(std::u16string_view text) {
 std::u16string ToUtf16(std::string_view text) {
     std::u16string out;
     out.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) AppendUtf16(out, NextUtf8(text, at));
+    for (std::size_t at = 0; at < text.size();)
+        AppendUtf16(out, NextUtf8(text, at));
     return out;
 }
 

@@ -1,4 +1,5 @@
-// UTF-8 and UTF-16 into each other. Damaged input never fails: a lone surrogate or a bad byte becomes U+FFFD.
+// UTF-8 and UTF-16 into each other. Damaged input never fails: a lone surrogate or a bad byte
+// becomes U+FFFD.
 #pragma once
 
 #include <string>

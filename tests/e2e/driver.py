@@ -1,0 +1,316 @@
+"""Drives the real program in a real window: a virtual display with a window manager, a real pointer and keyboard.
+
+    with Desktop("main_job") as desktop, Tavolo(desktop, folder) as program:
+        program.wait_window("Find New Visual Pinball Tables")
+        program.click("cmdgo")
+        program.type_into("fileNameEdit", "/tmp/tables\n")
+        program.picture("scan")
+
+Every wait is for a condition and ends with a message that says what did not come. Python's standard library only.
+Environment: TAVOLO_BUILD names the build folder (bin/tavolo, plugins/generic/libtavolo_probe.so).
+"""
+
+import json
+import os
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+BUILD = Path(os.environ.get("TAVOLO_BUILD", "build/debug")).resolve()
+SHARED = Path(os.environ.get("TAVOLO_SHARED", "../shared")).resolve()
+TIMEOUT = 30.0
+
+
+class Failure(Exception):
+    pass
+
+
+def wait_for(condition, what, timeout=TIMEOUT):
+    """The first truthy result of condition(); Failure after `timeout` seconds."""
+    end = time.monotonic() + timeout
+    while True:
+        result = condition()
+        if result:
+            return result
+        if time.monotonic() > end:
+            raise Failure(f"waited {timeout:.0f} s in vain for {what}")
+        time.sleep(0.03)
+
+
+def check(condition, what):
+    if not condition:
+        raise Failure(what)
+
+
+def check_equal(seen, wanted, what):
+    if seen != wanted:
+        raise Failure(f"{what}: seen {seen!r}, wanted {wanted!r}")
+
+
+def export_rows(database, table="Tables"):
+    """The rows of a table as Debian's mdb-export prints them: a list of dicts."""
+    import csv
+    import io
+
+    text = subprocess.run(
+        ["mdb-export", "-T", "%Y-%m-%d %H:%M:%S", "-D", "%Y-%m-%d", str(database), table],
+        check=True, capture_output=True, text=True).stdout
+    return list(csv.DictReader(io.StringIO(text)))
+
+
+class Desktop:
+    """A virtual display with a window manager. Pictures go to <build>/pictures/<name>."""
+
+    def __init__(self, name, size="1280x900"):
+        self.name = name
+        self.size = size
+        self.pictures = BUILD / "pictures" / name
+        self.number = 0
+
+    def __enter__(self):
+        shutil.rmtree(self.pictures, ignore_errors=True)
+        self.pictures.mkdir(parents=True)
+        read_end, write_end = os.pipe()
+        self.server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", self.size + "x24", "-nolisten", "tcp"],
+            pass_fds=[write_end], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        with os.fdopen(read_end) as pipe:
+            line = pipe.readline().strip()
+        check(line, "Xvfb did not start")
+        self.display = ":" + line
+        self.env = dict(os.environ, DISPLAY=self.display)
+        self.env.pop("WAYLAND_DISPLAY", None)
+        self.home = Path(tempfile.mkdtemp(prefix="tavolo-home-"))
+        self.env.update(HOME=str(self.home), XDG_CONFIG_HOME=str(self.home / "config"),
+                        XDG_DATA_HOME=str(self.home / "data"), XDG_RUNTIME_DIR=str(self.home))
+        self.manager = subprocess.Popen(["openbox"], env=self.env, stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.DEVNULL)
+        wait_for(lambda: "WM_NAME" in self._root_property("_NET_SUPPORTING_WM_CHECK") or
+                 "window id" in self._root_property("_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        return self
+
+    def __exit__(self, *exception):
+        for process in (self.manager, self.server):
+            process.terminate()
+            process.wait()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    def _root_property(self, name):
+        return subprocess.run(["xprop", "-root", name], env=self.env, capture_output=True, text=True).stdout
+
+    def xdotool(self, *words):
+        return subprocess.run(["xdotool", *map(str, words)], env=self.env, capture_output=True, text=True)
+
+    def picture(self, label):
+        self.number += 1
+        path = self.pictures / f"{self.number:02d}-{label}.png"
+        subprocess.run(["import", "-window", "root", str(path)], env=self.env, check=True)
+        return path
+
+    def window_titles(self):
+        """Titles of the windows of all programs on this display."""
+        listed = subprocess.run(["wmctrl", "-l"], env=self.env, capture_output=True, text=True).stdout
+        return [line.split(None, 3)[3] if len(line.split(None, 3)) > 3 else "" for line in listed.splitlines()]
+
+
+class Tavolo:
+    """One run of the program on the application folder `folder`."""
+
+    def __init__(self, desktop, folder, arguments=(), env=None, program=None):
+        self.desktop = desktop
+        self.folder = Path(folder)
+        self.arguments = list(arguments)
+        self.extra_env = env or {}
+        self.program = program or BUILD / "bin" / "tavolo"
+        self.process = None
+        self.connection = None
+
+    def __enter__(self):
+        self.start()
+        return self
+
+    def __exit__(self, kind, *exception):
+        if kind is not None:
+            try:
+                self.picture("failure")
+            except Exception:  # the display itself may be what failed
+                pass
+        if self.process and self.process.poll() is None:
+            self.process.kill()
+            self.process.wait()
+
+    def start(self):
+        self.socket_name = str(self.desktop.home / f"probe-{os.getpid()}-{time.monotonic_ns()}")
+        env = dict(self.desktop.env, QT_QPA_PLATFORM="xcb", QT_PLUGIN_PATH=str(BUILD / "plugins"),
+                   QT_QPA_GENERIC_PLUGINS="tavolo_probe", TAVOLO_PROBE_SOCKET=self.socket_name, **self.extra_env)
+        self.process = subprocess.Popen([str(self.program), "--folder", str(self.folder), *self.arguments], env=env)
+        self.connection = wait_for(self._connect, "the probe inside the program")
+
+    def _connect(self):
+        if self.process.poll() is not None:
+            raise Failure(f"the program ended with status {self.process.returncode}")
+        client = socket.socket(socket.AF_UNIX)
+        try:
+            client.connect(self.socket_name)
+            client.settimeout(TIMEOUT)
+            return client.makefile("rw", encoding="utf-8")
+        except OSError:
+            client.close()
+            return None
+
+    def ask(self, op, **fields):
+        self.connection.write(json.dumps(dict(fields, op=op)) + "\n")
+        self.connection.flush()
+        line = self.connection.readline()
+        if not line:
+            raise Failure("the program went away")
+        return json.loads(line).get("result")
+
+    # What the program shows.
+
+    def widgets(self, name):
+        return self.ask("widgets", name=name) or []
+
+    def visible(self, name):
+        """The visible widget of that name (the modal one first), or None."""
+        found = [w for w in self.widgets(name) if w["visible"]]
+        found.sort(key=lambda w: not w["modal"])
+        return found[0] if found else None
+
+    def widget(self, name):
+        return wait_for(lambda: self.visible(name), f"the widget {name}")
+
+    def text(self, name):
+        return self.widget(name)["text"]
+
+    def wait_text(self, name, wanted, timeout=TIMEOUT):
+        return wait_for(lambda: self.visible(name) and self.visible(name)["text"] == wanted,
+                        f"the text {wanted!r} in {name} (it shows {(self.visible(name) or {}).get('text')!r})", timeout)
+
+    def windows(self):
+        return self.ask("windows")
+
+    def window(self, title):
+        return next((w for w in self.windows() if w["title"] == title), None)
+
+    def wait_window(self, title, timeout=TIMEOUT):
+        return wait_for(lambda: self.window(title), f"the window {title!r}", timeout)
+
+    def wait_window_gone(self, title, timeout=TIMEOUT):
+        wait_for(lambda: not self.window(title), f"the end of the window {title!r}", timeout)
+
+    def message(self, timeout=TIMEOUT):
+        """The text of the message box in front."""
+        box = wait_for(lambda: [w for w in self.windows() if w["class"].endswith("MessageBox")], "a message box", timeout)
+        return box[0]["text"]
+
+    def items(self, name="tvwDB"):
+        return self.ask("items", name=name) or []
+
+    def actions(self, menu):
+        return {a["name"]: a for a in self.ask("actions", menu=menu) if not a["separator"]}
+
+    def tab(self, index, name="DetTab"):
+        return self.ask("tab", name=name, index=index)
+
+    # What a hand does.
+
+    def _press_at(self, rect, button=1, repeat=1, at=None):
+        x = rect["x"] + (at[0] if at else rect["w"] // 2)
+        y = rect["y"] + (at[1] if at else rect["h"] // 2)
+        self.desktop.xdotool("mousemove", "--sync", x, y)
+        self.desktop.xdotool("click", "--repeat", repeat, "--delay", 60, button)
+
+    def click(self, name, button=1, repeat=1, at=None):
+        target = wait_for(lambda: (lambda w: w if w and w["enabled"] else None)(self.visible(name)),
+                          f"the enabled widget {name}")
+        self._press_at(target, button, repeat, at)
+
+    def click_item(self, text, name="tvwDB", button=1, repeat=1):
+        rect = wait_for(lambda: self.ask("item", name=name, text=text), f"the item {text!r} in {name}")
+        self._press_at(rect, button, repeat, (min(40, rect["w"] // 2), rect["h"] // 2))
+
+    def double_click_item(self, text, name="tvwDB"):
+        self.click_item(text, name, repeat=2)
+
+    def click_tab(self, index, name="DetTab"):
+        self._press_at(self.tab(index, name))
+
+    def choose(self, name, text):
+        """Picks an entry of the combo box `name` by hand."""
+        self.click(name)
+        self.click_item(text, name)
+        self.wait_text(name, text)
+
+    def menu(self, menu, action):
+        """Opens a menu of the menu bar (or uses the open pop-up menu) and clicks one of its actions."""
+        def opened():
+            found = self.actions(menu).get(action)
+            return found if found and found["visible"] else None
+        if not opened():
+            self._press_at(wait_for(lambda: self.ask("menubar", name=menu), f"the menu {menu}"))
+        self._press_at(wait_for(opened, f"the action {action} of {menu}"))
+
+    def press(self, *keys):
+        for key in keys:
+            self.desktop.xdotool("key", "--clearmodifiers", key)
+
+    def type(self, text):
+        self.desktop.xdotool("type", "--delay", 8, "--", text)
+
+    def type_into(self, name, text):
+        """Replaces the text of a field; a final line feed presses Enter."""
+        self.click(name)
+        wait_for(lambda: self.visible(name)["focus"] or True, f"the focus in {name}")
+        self.press("ctrl+a", "Delete")
+        self.type(text.rstrip("\n"))
+        if text.endswith("\n"):
+            self.press("Return")
+
+    def answer(self, key="Return"):
+        """Answers the message box in front by a key ("Return", "alt+y", "alt+n", "Escape") and waits for its end."""
+        before = [w for w in self.windows() if w["class"].endswith("MessageBox")]
+        self.press(key)
+        wait_for(lambda: len([w for w in self.windows() if w["class"].endswith("MessageBox")]) < max(1, len(before)),
+                 "the end of the message box")
+
+    def choose_file(self, path):
+        """Types a path into the open file or folder dialog and accepts it."""
+        self.type_into("fileNameEdit", str(path) + "\n")
+        wait_for(lambda: not self.visible("fileNameEdit"), "the end of the file dialog")
+
+    def picture(self, label):
+        return self.desktop.picture(label)
+
+    def close(self, timeout=TIMEOUT):
+        """Closes the main window as its close button does; waits for the end of the program."""
+        main = next(w for w in self.windows() if w["title"].startswith("Tavolo -"))
+        subprocess.run(["wmctrl", "-F", "-c", main["title"]], env=self.desktop.env, check=True)
+        self.wait_end(timeout)
+
+    def wait_end(self, timeout=TIMEOUT):
+        try:
+            self.process.wait(timeout)
+        except subprocess.TimeoutExpired as error:
+            raise Failure("the program did not end") from error
+        check_equal(self.process.returncode, 0, "exit status of the program")
+
+    def kill(self):
+        self.process.send_signal(signal.SIGKILL)
+        self.process.wait()
+
+
+def run(body):
+    """Runs a test's body; prints why it failed and ends with the status ctest understands."""
+    try:
+        body()
+    except Failure as failure:
+        print(f"FAILED: {failure}", file=sys.stderr)
+        sys.exit(1)
+    print("passed")

@@ -1,0 +1,242 @@
+// A Qt plugin of the tests that is loaded into the real, unchanged program
+// (QT_QPA_GENERIC_PLUGINS=tavolo_probe) and answers, on the local socket named by
+// TAVOLO_PROBE_SOCKET, where its widgets are and what they show, so that a test can click them with
+// a real pointer. It changes nothing in the program. One JSON object per line in, one per line out:
+//   {"op":"widgets","name":N}           every widget named N
+//   {"op":"windows"}                    visible top-level windows
+//   {"op":"item","name":N,"text":T}     the item with text T of the item view (or open combo box
+//   list) named N
+//   {"op":"items","name":N}             texts of the rows that the item view named N shows
+//   {"op":"actions","menu":M}           the actions of the menu named M
+//   {"op":"menubar","name":M}           where the menu bar shows that menu's title
+//   {"op":"tab","name":N,"index":I}     a tab of the tab widget named N
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QPointer>
+#include <QtCore/QVariant>
+#include <QtGui/QAction>
+#include <QtGui/qgenericplugin.h>
+#include <QtNetwork/QLocalServer>
+#include <QtNetwork/QLocalSocket>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QTabBar>
+#include <QtWidgets/QTreeView>
+
+namespace {
+
+QJsonObject RectOf(const QPoint& top_left, const QSize& size) {
+    return {{QStringLiteral("x"), top_left.x()},
+            {QStringLiteral("y"), top_left.y()},
+            {QStringLiteral("w"), size.width()},
+            {QStringLiteral("h"), size.height()}};
+}
+
+QString TextOf(const QWidget& widget) {
+    if (const auto* box = qobject_cast<const QMessageBox*>(&widget)) return box->text();
+    if (const auto* combo = qobject_cast<const QComboBox*>(&widget)) return combo->currentText();
+    for (const char* property : {"text", "plainText", "title", "windowTitle"}) {
+        const QVariant value = widget.property(property);
+        if (value.isValid() && !value.toString().isEmpty()) return value.toString();
+    }
+    return {};
+}
+
+QJsonObject Describe(const QWidget& widget) {
+    QJsonObject object = RectOf(widget.mapToGlobal(QPoint(0, 0)), widget.size());
+    object[QStringLiteral("name")] = widget.objectName();
+    object[QStringLiteral("class")] = QString::fromLatin1(widget.metaObject()->className());
+    object[QStringLiteral("text")] = TextOf(widget);
+    object[QStringLiteral("title")] = widget.windowTitle();
+    object[QStringLiteral("visible")] = widget.isVisible();
+    object[QStringLiteral("enabled")] = widget.isEnabled();
+    object[QStringLiteral("focus")] = widget.hasFocus();
+    object[QStringLiteral("checked")] = widget.property("checked").toBool();
+    object[QStringLiteral("modal")] = QApplication::activeModalWidget() == widget.window();
+    return object;
+}
+
+QAbstractItemView* ViewNamed(const QString& name) {
+    const auto widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        if (widget->objectName() != name) continue;
+        if (auto* view = qobject_cast<QAbstractItemView*>(widget)) return view;
+        if (auto* combo = qobject_cast<QComboBox*>(widget)) return combo->view();
+    }
+    return nullptr;
+}
+
+template <typename Visit>
+bool WalkItems(const QAbstractItemView& view, const QModelIndex& parent, const Visit& visit) {
+    const auto* tree = qobject_cast<const QTreeView*>(&view);
+    for (int row = 0; row < view.model()->rowCount(parent); ++row) {
+        const QModelIndex index = view.model()->index(row, 0, parent);
+        if (visit(index)) return true;
+        if (tree && tree->isExpanded(index) && WalkItems(view, index, visit)) return true;
+    }
+    return false;
+}
+
+QJsonObject FindItem(QAbstractItemView& view, const QString& text) {
+    QJsonObject found;
+    WalkItems(view, view.rootIndex(), [&](const QModelIndex& index) {
+        if (index.data().toString() != text) return false;
+        view.scrollTo(index);
+        const QRect rect = view.visualRect(index);
+        found = RectOf(view.viewport()->mapToGlobal(rect.topLeft()), rect.size());
+        found[QStringLiteral("text")] = text;
+        found[QStringLiteral("selected")] = view.currentIndex() == index;
+        return true;
+    });
+    return found;
+}
+
+QJsonArray ItemTexts(const QAbstractItemView& view) {
+    constexpr int kMost = 2000;
+    QJsonArray texts;
+    WalkItems(view, view.rootIndex(), [&](const QModelIndex& index) {
+        texts.append(index.data().toString());
+        return texts.size() >= kMost;
+    });
+    return texts;
+}
+
+QJsonArray ActionsOf(const QString& menu_name) {
+    QJsonArray actions;
+    const auto widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        auto* menu = qobject_cast<QMenu*>(widget);
+        if (!menu || menu->objectName() != menu_name) continue;
+        const auto members = menu->actions();
+        for (QAction* action : members) {
+            const QRect rect = menu->actionGeometry(action);
+            QJsonObject object = RectOf(menu->mapToGlobal(rect.topLeft()), rect.size());
+            object[QStringLiteral("name")] = action->objectName();
+            object[QStringLiteral("text")] = action->text();
+            object[QStringLiteral("enabled")] = action->isEnabled();
+            object[QStringLiteral("checked")] = action->isChecked();
+            object[QStringLiteral("separator")] = action->isSeparator();
+            object[QStringLiteral("visible")] = menu->isVisible();
+            actions.append(object);
+        }
+    }
+    return actions;
+}
+
+// Where the menu bar shows the title of the menu `name`.
+QJsonValue MenuTitle(const QString& name) {
+    const auto widgets = QApplication::allWidgets();
+    for (QWidget* widget : widgets) {
+        auto* bar = qobject_cast<QMenuBar*>(widget);
+        if (!bar) continue;
+        const auto titles = bar->actions();
+        for (QAction* title : titles) {
+            if (!title->menu() || title->menu()->objectName() != name) continue;
+            const QRect rect = bar->actionGeometry(title);
+            QJsonObject object = RectOf(bar->mapToGlobal(rect.topLeft()), rect.size());
+            object[QStringLiteral("enabled")] = title->isEnabled();
+            return object;
+        }
+    }
+    return QJsonValue::Null;
+}
+
+QJsonArray WidgetsNamed(const QString& name) {
+    QJsonArray found;
+    const auto widgets = QApplication::allWidgets();
+    for (const QWidget* widget : widgets)
+        if (widget->objectName() == name) found.append(Describe(*widget));
+    return found;
+}
+
+QJsonArray Windows() {
+    QJsonArray found;
+    const auto widgets = QApplication::topLevelWidgets();
+    for (const QWidget* widget : widgets)
+        if (widget->isVisible()) found.append(Describe(*widget));
+    return found;
+}
+
+QJsonObject Answer(const QJsonObject& question) {
+    const QString op = question[QStringLiteral("op")].toString();
+    const QString name = question[QStringLiteral("name")].toString();
+    const auto reply = [](const QJsonValue& value) {
+        return QJsonObject{{QStringLiteral("result"), value}};
+    };
+    if (op == QLatin1String("widgets")) return reply(WidgetsNamed(name));
+    if (op == QLatin1String("windows")) return reply(Windows());
+    if (op == QLatin1String("actions"))
+        return reply(ActionsOf(question[QStringLiteral("menu")].toString()));
+    if (op == QLatin1String("menubar")) return reply(MenuTitle(name));
+    if (op == QLatin1String("tab")) {
+        const auto widgets = QApplication::allWidgets();
+        for (QWidget* widget : widgets) {
+            auto* bar = qobject_cast<QTabBar*>(widget);
+            if (!bar || bar->parentWidget() == nullptr || bar->parentWidget()->objectName() != name)
+                continue;
+            const int tab = question[QStringLiteral("index")].toInt();
+            const QRect rect = bar->tabRect(tab);
+            QJsonObject object = RectOf(bar->mapToGlobal(rect.topLeft()), rect.size());
+            object[QStringLiteral("enabled")] = bar->isTabEnabled(tab);
+            object[QStringLiteral("current")] = bar->currentIndex() == tab;
+            object[QStringLiteral("text")] = bar->tabText(tab);
+            return reply(object);
+        }
+    }
+    QAbstractItemView* view = ViewNamed(name);
+    if (!view) return reply(QJsonValue::Null);
+    if (op == QLatin1String("items")) return reply(ItemTexts(*view));
+    if (op == QLatin1String("item")) {
+        const QJsonObject item = FindItem(*view, question[QStringLiteral("text")].toString());
+        return reply(item.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(item));
+    }
+    return {{QStringLiteral("error"), QStringLiteral("unknown op")}};
+}
+
+class Probe final : public QObject {
+public:
+    explicit Probe(const QString& socket_name) {
+        QLocalServer::removeServer(socket_name);
+        connect(&server_, &QLocalServer::newConnection, this, [this] {
+            QLocalSocket* socket = server_.nextPendingConnection();
+            connect(socket, &QLocalSocket::readyRead, socket, [socket] { Serve(*socket); });
+            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+        });
+        server_.listen(socket_name);
+    }
+
+private:
+    static void Serve(QLocalSocket& socket) {
+        while (socket.canReadLine()) {
+            const QJsonObject question = QJsonDocument::fromJson(socket.readLine()).object();
+            socket.write(QJsonDocument(Answer(question)).toJson(QJsonDocument::Compact) + '\n');
+            socket.flush();
+        }
+    }
+
+    QLocalServer server_;
+};
+
+}  // namespace
+
+class ProbePlugin final : public QGenericPlugin {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "probe.json")
+
+public:
+    QObject* create(const QString& key, const QString&) override {
+        const QString socket_name = qEnvironmentVariable("TAVOLO_PROBE_SOCKET");
+        if (key != QLatin1String("tavolo_probe") || socket_name.isEmpty()) return nullptr;
+        return new Probe(socket_name);
+    }
+};
+
+#include "probe_plugin.moc"
