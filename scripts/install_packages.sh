@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# install_packages.sh build|run|test ...: installs the Debian 12 packages that building, running or testing needs; what is
+# there is skipped, so a second call costs nothing. Uses sudo when not root.
+set -euo pipefail
+
+build="g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-multimedia-dev
+    libgl1-mesa-dev libx11-dev libxcb1-dev libxcb-ewmh-dev libxcb-icccm4-dev libjpeg62-turbo-dev libdeflate-dev
+    python3 fp-utils"
+run="xvfb openbox imagemagick x11-utils wmctrl xdotool fonts-dejavu-core libqt6svg6 qt6-qpa-plugins xdg-utils"
+test="libgtest-dev libgmock-dev libgsf-1-dev mdbtools mdbtools-dev zlib1g-dev xclip rhash libjpeg-turbo-progs
+    libchm-bin clang libclang-rt-14-dev wine wine64 gcc-mingw-w64-x86-64 pulseaudio pulseaudio-utils sox dbus-x11 procps"
+
+wanted=()
+for set in "$@"; do
+    case $set in
+        build) wanted+=($build) ;;
+        run) wanted+=($run) ;;
+        test) wanted+=($test) ;;
+        *) echo "usage: $0 build|run|test ..." >&2; exit 2 ;;
+    esac
+done
+
+missing=()
+for package in "${wanted[@]}"; do
+    dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+echo "installing: ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
