@@ -1,0 +1,199 @@
+// Files of a POSIX system. Locks are those of the open file description (fcntl F_OFD_SETLK): they
+// conflict with locks of other processes and of other openings in this one, and vanish with the
+// process. Programs that do not ask for locks read the file all the same.
+#include "platform/file_system.h"
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+namespace {
+
+using base::Result;
+using base::Status;
+using base::StatusCode;
+
+StatusCode CodeOf(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return StatusCode::kNotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+    case ETXTBSY:
+        return StatusCode::kPermissionDenied;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return StatusCode::kNoSpace;
+    default:
+        return StatusCode::kIoError;
+    }
+}
+
+Status Failure(int error, const std::string& what) {
+    return {CodeOf(error), what + ": " + std::generic_category().message(error), error};
+}
+
+int FlagsOf(jet::OpenMode mode) {
+    switch (mode) {
+    case jet::OpenMode::kRead:
+        return O_RDONLY;
+    case jet::OpenMode::kReadWrite:
+        return O_RDWR;
+    case jet::OpenMode::kCreate:
+        return O_RDWR | O_CREAT | O_TRUNC;
+    case jet::OpenMode::kOpenOrCreate:
+        return O_RDWR | O_CREAT;
+    }
+    return O_RDONLY;
+}
+
+// Calls `call` until no signal interrupts it.
+template <typename Call>
+auto Uninterrupted(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+class PosixFile final : public jet::File {
+public:
+    PosixFile(int descriptor, std::string name) : descriptor_(descriptor), name_(std::move(name)) {}
+    ~PosixFile() override { ::close(descriptor_); }
+    PosixFile(const PosixFile&) = delete;
+    PosixFile& operator=(const PosixFile&) = delete;
+
+    Result<std::uint64_t> Size() const override {
+        struct stat info {};
+        if (::fstat(descriptor_, &info) != 0) return Failure(errno, name_);
+        return static_cast<std::uint64_t>(info.st_size);
+    }
+
+    Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        while (!bytes.empty()) {
+            const ssize_t count = Uninterrupted([&] {
+                return ::pread(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            });
+            if (count < 0) return Failure(errno, name_);
+            if (count == 0) return {StatusCode::kIoError, name_ + ": the file ends too early"};
+            offset += static_cast<std::uint64_t>(count);
+            bytes = bytes.subspan(static_cast<std::size_t>(count));
+        }
+        return {};
+    }
+
+    Status WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        while (!bytes.empty()) {
+            const ssize_t count = Uninterrupted([&] {
+                return ::pwrite(descriptor_, bytes.data(), bytes.size(),
+                                static_cast<off_t>(offset));
+            });
+            if (count < 0) return Failure(errno, name_);
+            if (count == 0) return Failure(ENOSPC, name_);
+            offset += static_cast<std::uint64_t>(count);
+            bytes = bytes.subspan(static_cast<std::size_t>(count));
+        }
+        return {};
+    }
+
+    Status Truncate(std::uint64_t size) override {
+        const int done =
+            Uninterrupted([&] { return ::ftruncate(descriptor_, static_cast<off_t>(size)); });
+        return done == 0 ? Status() : Failure(errno, name_);
+    }
+
+    Status Sync() override {
+        const int done = Uninterrupted([&] { return ::fdatasync(descriptor_); });
+        return done == 0 ? Status() : Failure(errno, name_);
+    }
+
+    Status Lock(jet::FileLock lock) override {
+        struct flock whole_file {};
+        whole_file.l_whence = SEEK_SET;
+        whole_file.l_type = lock == jet::FileLock::kNone     ? F_UNLCK
+                            : lock == jet::FileLock::kShared ? F_RDLCK
+                                                             : F_WRLCK;
+        const int done =
+            Uninterrupted([&] { return ::fcntl(descriptor_, F_OFD_SETLK, &whole_file); });
+        if (done == 0) return {};
+        if (errno == EAGAIN || errno == EACCES)
+            return {StatusCode::kBusy, name_ + " is in use", errno};
+        return Failure(errno, name_);
+    }
+
+private:
+    int descriptor_;
+    std::string name_;
+};
+
+class PosixFileSystem final : public jet::FileSystem {
+public:
+    Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
+                                            jet::OpenMode mode) override {
+        // O_NONBLOCK: a pipe under the name must not stop the program; it means nothing for files.
+        const int flags = FlagsOf(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+        const int descriptor = Uninterrupted([&] { return ::open(path.c_str(), flags, 0666); });
+        if (descriptor < 0) return Failure(errno, path.string());
+        auto file = std::make_unique<PosixFile>(descriptor, path.string());
+        struct stat info {};
+        if (::fstat(descriptor, &info) != 0) return Failure(errno, path.string());
+        if (!S_ISREG(info.st_mode))
+            return Status(StatusCode::kPermissionDenied, path.string() + " is not a file");
+        return std::unique_ptr<jet::File>(std::move(file));
+    }
+
+    bool Exists(const std::filesystem::path& path) override {
+        std::error_code error;
+        return std::filesystem::exists(path, error);
+    }
+
+    Status Remove(const std::filesystem::path& path) override {
+        return ::unlink(path.c_str()) == 0 ? Status() : Failure(errno, path.string());
+    }
+
+    Status Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
+        return ::rename(from.c_str(), to.c_str()) == 0 ? Status() : Failure(errno, from.string());
+    }
+
+    Status SyncFolder(const std::filesystem::path& folder) override {
+        const std::string name = folder.empty() ? "." : folder.string();
+        const int descriptor =
+            Uninterrupted([&] { return ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+        if (descriptor < 0) return Failure(errno, name);
+        const int done = Uninterrupted([&] { return ::fsync(descriptor); });
+        const int error = errno;
+        ::close(descriptor);
+        // Some network file systems cannot sync a folder and say so with EINVAL; there is nothing
+        // to wait for then.
+        return done == 0 || error == EINVAL ? Status() : Failure(error, name);
+    }
+
+    std::string OwnerName() override {
+        char computer[256] = "localhost";
+        ::gethostname(computer, sizeof computer - 1);
+        passwd entry{};
+        passwd* found = nullptr;
+        char buffer[4096];
+        ::getpwuid_r(::geteuid(), &entry, buffer, sizeof buffer, &found);
+        const std::string user = found != nullptr ? entry.pw_name : std::to_string(::geteuid());
+        return user + "@" + computer;
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<jet::FileSystem> MakeFileSystem() {
+    return std::make_unique<PosixFileSystem>();
+}
+
+}  // namespace platform
