@@ -1,0 +1,19 @@
+#include "dialogs/about_text.h"
+
+namespace dialogs {
+
+// The name is reserved for examples: it can never lead to a stranger's site.
+QString WebSiteAddress() {
+    return QStringLiteral("https://tavolo.example/");
+}
+
+QString CreditsText() {
+    return QStringLiteral("Thanks to everybody who tried the early versions on their own "
+                          "collection, to the authors of the tables, who "
+                          "fill them with life and with the descriptions that this catalogue "
+                          "shows, and to the makers of "
+                          "Qt, libjpeg-turbo, mdbtools and libgsf.\n\n"
+                          "Tavolo is free software under the MIT licence.");
+}
+
+}  // namespace dialogs

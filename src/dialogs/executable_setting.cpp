@@ -1,0 +1,47 @@
+#include "dialogs/executable_setting.h"
+
+#include "platform/files.h"
+
+namespace dialogs {
+namespace {
+
+const QString kExecutableKey = QStringLiteral("VPEXE");
+
+QString Application() {
+    return catalogue::kSettingsApplication.toString();
+}
+
+QString Section() {
+    return catalogue::kSettingsSection.toString();
+}
+
+}  // namespace
+
+QString StoredExecutable(const catalogue::Catalogue& catalogue) {
+    return catalogue.settings->GetSetting(Application(), Section(), kExecutableKey);
+}
+
+QString ChooseExecutable(platform::UserPrompts& prompts, const QString& current) {
+    platform::FileDialog dialog;
+    dialog.title = QStringLiteral("Select Visual Pinball Executable");
+    dialog.filter = QStringLiteral("Executables (*.Exe)|*.Exe");
+    dialog.file_name = current;
+    const QString chosen = prompts.ChooseFileToOpen(dialog);
+    return chosen.isEmpty() ? current : chosen;
+}
+
+bool StoreExecutable(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                     const QString& path) {
+    if (!platform::FileExists(path)) {
+        platform::Message message;
+        message.text = QStringLiteral("Please select a valid Executable");
+        message.icon = platform::MessageIcon::kInformation;
+        prompts.Ask(message);
+        return false;
+    }
+    catalogue.settings->SaveSetting(Application(), Section(), kExecutableKey, path);
+    catalogue.values->VisualPinballExe = path;
+    return true;
+}
+
+}  // namespace dialogs

@@ -1,0 +1,19 @@
+#include "dialogs/help.h"
+
+#include "platform/application_folder.h"
+#include "platform/files.h"
+
+namespace dialogs {
+
+QString HelpFile(const QString& application_folder, const QString& program_folder) {
+    const QString name = QStringLiteral("tavolo.chm");
+    const QString own = platform::FileIn(application_folder, name);
+    const QString delivered = platform::FileIn(program_folder, name);
+    return !platform::FileExists(own) && platform::FileExists(delivered) ? delivered : own;
+}
+
+void OpenHelp(platform::Shell& shell, const QString& application_folder) {
+    shell.Open(HelpFile(application_folder, platform::ProgramFolder())).Ignore();
+}
+
+}  // namespace dialogs

@@ -1,0 +1,21 @@
+// What this program is called and which version it is.
+#pragma once
+
+#include <QtCore/QString>
+
+namespace dialogs {
+
+struct Version {
+    int major = 0;
+    int minor = 0;
+    int revision = 0;
+};
+
+// "Tavolo".
+QString ApplicationTitle();
+// From the build.
+Version ProgramVersion();
+// "1.6.0".
+QString VersionText(const Version& version);
+
+}  // namespace dialogs

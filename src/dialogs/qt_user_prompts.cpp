@@ -1,0 +1,146 @@
+#include "dialogs/qt_user_prompts.h"
+
+#include "catalogue/pin_subs.h"
+#include "dialogs/file_filter.h"
+#include "dialogs/program_version.h"
+
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+
+namespace dialogs {
+namespace {
+
+using platform::MessageAnswer;
+using platform::MessageButtons;
+using platform::MessageIcon;
+
+QMessageBox::Icon QtIcon(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::kNone:
+        return QMessageBox::NoIcon;
+    case MessageIcon::kInformation:
+        return QMessageBox::Information;
+    case MessageIcon::kExclamation:
+        return QMessageBox::Warning;
+    case MessageIcon::kCritical:
+        return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+// The texts part their lines with CR or CR LF; Qt's labels want LF.
+QString WithLineFeeds(QString text) {
+    return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+}
+
+void AddButton(QMessageBox& box, QMessageBox::StandardButton button, const QString& name) {
+    box.addButton(button)->setObjectName(name);
+}
+
+// Each set's last button is the one that Escape and the close button press.
+void AddButtons(QMessageBox& box, MessageButtons buttons) {
+    if (buttons == MessageButtons::kYesNo) {
+        AddButton(box, QMessageBox::Yes, QStringLiteral("cmdYes"));
+        AddButton(box, QMessageBox::No, QStringLiteral("cmdNo"));
+        box.setDefaultButton(QMessageBox::Yes);
+        box.setEscapeButton(QMessageBox::No);
+        return;
+    }
+    AddButton(box, QMessageBox::Ok, QStringLiteral("cmdOK"));
+    if (buttons == MessageButtons::kOkCancel)
+        AddButton(box, QMessageBox::Cancel, QStringLiteral("cmdCancel"));
+    box.setDefaultButton(QMessageBox::Ok);
+}
+
+MessageAnswer AnswerOf(int button, MessageButtons buttons) {
+    switch (button) {
+    case QMessageBox::Yes:
+        return MessageAnswer::kYes;
+    case QMessageBox::Ok:
+        return MessageAnswer::kOk;
+    default:
+        return buttons == MessageButtons::kYesNo ? MessageAnswer::kNo : MessageAnswer::kCancel;
+    }
+}
+
+// Where the dialog opens and which name it offers. A preset path whose folder is not there (the
+// catalogue of another system) offers nothing rather than a name in an unrelated folder.
+void Preset(QFileDialog& window, const platform::FileDialog& dialog) {
+    const QString folder = catalogue::GetFolder(dialog.file_name);
+    if (!folder.isEmpty() && !QDir(folder).exists()) return;
+    if (!folder.isEmpty())
+        window.setDirectory(folder);
+    else if (!dialog.folder.isEmpty() && QDir(dialog.folder).exists())
+        window.setDirectory(dialog.folder);
+    const QString name = catalogue::GetFileName(dialog.file_name);
+    if (!name.isEmpty()) window.selectFile(name);
+}
+
+QString Chosen(QFileDialog& window) {
+    if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) return {};
+    return QDir::toNativeSeparators(window.selectedFiles().constFirst());
+}
+
+void Prepare(QFileDialog& window, const platform::FileDialog& dialog) {
+    window.setObjectName(QStringLiteral("FileDialog"));
+    window.setOption(QFileDialog::DontUseNativeDialog);
+    if (!dialog.title.isEmpty()) window.setWindowTitle(dialog.title);
+    const QStringList filters = QtNameFilters(dialog.filter);
+    if (!filters.isEmpty()) window.setNameFilters(filters);
+    if (!dialog.default_extension.isEmpty()) window.setDefaultSuffix(dialog.default_extension);
+}
+
+}  // namespace
+
+QtUserPrompts::QtUserPrompts(QWidget* owner) : owner_(owner) {}
+
+void QtUserPrompts::SetOwner(QWidget* owner) {
+    owner_ = owner;
+}
+
+QWidget* QtUserPrompts::Owner() const {
+    QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr ? modal : owner_.data();
+}
+
+MessageAnswer QtUserPrompts::Ask(const platform::Message& message) {
+    QMessageBox box(Owner());
+    box.setObjectName(QStringLiteral("MessageBox"));
+    box.setWindowTitle(message.title.isEmpty() ? ApplicationTitle() : message.title);
+    box.setTextFormat(Qt::PlainText);
+    box.setText(WithLineFeeds(message.text));
+    box.setIcon(QtIcon(message.icon));
+    AddButtons(box, message.buttons);
+    return AnswerOf(box.exec(), message.buttons);
+}
+
+QString QtUserPrompts::ChooseFileToOpen(const platform::FileDialog& dialog) {
+    QFileDialog window(Owner());
+    Prepare(window, dialog);
+    window.setFileMode(QFileDialog::ExistingFile);
+    Preset(window, dialog);
+    return Chosen(window);
+}
+
+QString QtUserPrompts::ChooseFileToSave(const platform::FileDialog& dialog) {
+    QFileDialog window(Owner());
+    Prepare(window, dialog);
+    window.setAcceptMode(QFileDialog::AcceptSave);
+    window.setFileMode(QFileDialog::AnyFile);
+    Preset(window, dialog);
+    return Chosen(window);
+}
+
+QString QtUserPrompts::ChooseFolder(const QString& title) {
+    QFileDialog window(Owner());
+    window.setObjectName(QStringLiteral("FolderDialog"));
+    window.setOption(QFileDialog::DontUseNativeDialog);
+    window.setOption(QFileDialog::ShowDirsOnly);
+    window.setFileMode(QFileDialog::Directory);
+    window.setWindowTitle(title.isEmpty() ? QStringLiteral("Select a folder.") : title);
+    return Chosen(window);
+}
+
+}  // namespace dialogs
