@@ -1,0 +1,62 @@
+// AllocationTable: which sector follows which (the FAT), its own sectors found through the header
+// and the DIFAT chain. SectorChain: the sectors of one chain by position, walked as far as it is
+// asked for. Every chain has an end here: a link outside the file and a loop are kCorruption. A
+// loop is found after at most a small multiple of its length (Brent's method), without memory.
+#pragma once
+
+#include "base/status.h"
+#include "cfb/header.h"
+#include "cfb/layout.h"
+#include "cfb/sector_reader.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace cfb {
+
+// Tells whether a walk along links goes round in circles: it keeps one link met before and moves it
+// on at every power of two.
+class LoopDetector {
+public:
+    // True: `link` was met before.
+    bool Meets(SectorNumber link);
+
+private:
+    SectorNumber mark_ = kEndOfChain;
+    std::uint64_t steps_ = 0;
+    std::uint64_t next_mark_ = 1;
+};
+
+class AllocationTable {
+public:
+    // Requires: `sectors` outlives the table.
+    AllocationTable(SectorReader& sectors, const Header& header);
+    // The sector after `sector`, or kEndOfChain. kCorruption: it is neither.
+    base::Result<SectorNumber> Next(SectorNumber sector);
+
+private:
+    base::Result<SectorNumber> FatSector(std::size_t index);
+    base::Status ReadNextDifatSector();
+
+    SectorReader& sectors_;
+    std::vector<SectorNumber> fat_sectors_;  // as far as the DIFAT has been read
+    SectorNumber next_difat_;
+    LoopDetector difat_loop_;
+};
+
+class SectorChain {
+public:
+    // Requires: `table` outlives the chain.
+    SectorChain(AllocationTable& table, SectorNumber start);
+    // The sector at this position of the chain. kCorruption: the chain is shorter.
+    base::Result<SectorNumber> At(std::uint64_t position);
+
+private:
+    AllocationTable& table_;
+    SectorNumber next_;
+    std::vector<SectorNumber> known_;
+    LoopDetector loop_;
+};
+
+}  // namespace cfb

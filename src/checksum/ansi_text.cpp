@@ -1,0 +1,31 @@
+#include "checksum/ansi_text.h"
+
+#include <algorithm>
+#include <array>
+
+namespace checksum {
+namespace {
+
+// What the bytes 0x80 to 0x9F stand for in code page 1252. The five that it leaves open stand for
+// themselves, as the platform's converter has it.
+constexpr std::array<char16_t, 32> kFrom80To9F = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+std::byte AnsiByte(char16_t c) {
+    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) return static_cast<std::byte>(c);
+    const auto* const found = std::find(kFrom80To9F.begin(), kFrom80To9F.end(), c);
+    if (found == kFrom80To9F.end()) return std::byte{'?'};
+    return static_cast<std::byte>(0x80 + (found - kFrom80To9F.begin()));
+}
+
+}  // namespace
+
+std::vector<std::byte> ToAnsi(std::u16string_view text) {
+    std::vector<std::byte> bytes(text.size());
+    std::transform(text.begin(), text.end(), bytes.begin(), AnsiByte);
+    return bytes;
+}
+
+}  // namespace checksum

@@ -1,0 +1,13 @@
+// Text in the ANSI code page (1252, Western European), one byte per UTF-16 unit.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace checksum {
+
+// Characters that the code page does not have become "?".
+std::vector<std::byte> ToAnsi(std::u16string_view text);
+
+}  // namespace checksum

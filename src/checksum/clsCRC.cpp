@@ -1,0 +1,107 @@
+#include "checksum/clsCRC.h"
+
+#include "checksum/ansi_text.h"
+#include "checksum/crc_16.h"
+
+#include <libdeflate.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <system_error>
+
+namespace checksum {
+namespace {
+
+// Large enough that the calls into the system do not count, small enough to stay in the
+// second-level cache between the copy and the sum.
+constexpr std::size_t kChunkBytes = std::size_t{256} << 10;
+
+constexpr std::int32_t kFileNotFoundNumber = 53;
+
+std::string NameOf(const std::filesystem::path& path) {
+    const std::u8string name = path.filename().u8string();
+    return {name.begin(), name.end()};
+}
+
+// Only ordinary files have a length and an end; a pipe would block for ever.
+base::Result<std::uint64_t> LengthOf(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status))
+        return base::Status(base::StatusCode::kNotFound, NameOf(path) + ": file not found",
+                            kFileNotFoundNumber);
+    if (!std::filesystem::is_regular_file(status))
+        return base::Status(base::StatusCode::kUnsupported, NameOf(path) + ": not a file");
+    const std::uint64_t length = std::filesystem::file_size(path, error);
+    if (error)
+        return base::Status(base::StatusCode::kIoError, NameOf(path) + ": its size cannot be read");
+    return length;
+}
+
+std::uint32_t UpdateRegister(bool is_crc32, std::uint32_t value, std::span<const std::byte> bytes) {
+    // The library's argument and result are complemented already.
+    if (is_crc32) return ~libdeflate_crc32(~value, bytes.data(), bytes.size());
+    return UpdateCrc16(value, bytes);
+}
+
+}  // namespace
+
+std::int32_t clsCRC::AddBytes(std::span<const std::byte> bytes) {
+    if (!bytes.empty()) Register() = UpdateRegister(is_crc32_, Register(), bytes);
+    return Value();
+}
+
+std::int32_t clsCRC::AddString(std::u16string_view text) {
+    return AddBytes(ToAnsi(text));
+}
+
+void clsCRC::Algorithm(std::int32_t selector) {
+    is_crc32_ = selector != Crc16;
+    Clear();
+}
+
+std::int32_t clsCRC::CalculateBytes(std::span<const std::byte> bytes) {
+    Clear();
+    return AddBytes(bytes);
+}
+
+base::Result<std::optional<std::int32_t>> clsCRC::CalculateFile(const std::filesystem::path& path) {
+    ASSIGN_OR_RETURN(std::uint64_t left, LengthOf(path));
+    if (left == 0) return std::optional<std::int32_t>();
+    std::ifstream file;
+    file.rdbuf()->pubsetbuf(nullptr, 0);  // the chunks are the buffer
+    file.open(path, std::ios::binary);
+    buffer_.resize(kChunkBytes);
+    clsCRC fresh;
+    fresh.Algorithm(is_crc32_ ? Crc32 : Crc16);
+    while (left > 0) {
+        const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(left, kChunkBytes));
+        if (!file.read(reinterpret_cast<char*>(buffer_.data()), static_cast<std::streamsize>(size)))
+            return base::Status(base::StatusCode::kIoError, NameOf(path) + ": cannot be read");
+        fresh.AddBytes(std::span(buffer_).first(size));
+        left -= size;
+    }
+    Clear();
+    Register() = fresh.Register();
+    return std::optional(Value());
+}
+
+std::int32_t clsCRC::CalculateString(std::u16string_view text) {
+    return CalculateBytes(ToAnsi(text));
+}
+
+std::int32_t clsCRC::Value() const {
+    return static_cast<std::int32_t>(is_crc32_ ? ~crc32_ : crc16_ & 0xFFFF);
+}
+
+void clsCRC::Value(std::int32_t value) {
+    Register() = static_cast<std::uint32_t>(value);
+}
+
+void clsCRC::Clear() {
+    crc16_ = 0;
+    crc32_ = 0xFFFFFFFF;
+}
+
+}  // namespace checksum
