@@ -1,0 +1,25 @@
+// tavolo-new-catalogue FILE: makes the empty catalogue that the program is delivered with. A tool
+// of the build.
+#include "catalogue/new_catalogue.h"
+#include "catalogue/pin_subs.h"
+#include "platform/clock.h"
+#include "platform/file_system.h"
+
+#include <cstdio>
+#include <filesystem>
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fputs(
+            "usage: tavolo-new-catalogue FILE\nMakes an empty catalogue; FILE must not exist.\n",
+            stderr);
+        return 2;
+    }
+    const auto files = platform::MakeFileSystem();
+    platform::SystemClock clock;
+    const base::Status made = catalogue::CreateEmptyCatalogue(
+        *files, std::filesystem::path(argv[1]), catalogue::ToOleDate(clock.Now()));
+    if (made.ok()) return 0;
+    std::fprintf(stderr, "%s: %s\n", argv[1], made.message().c_str());
+    return 1;
+}

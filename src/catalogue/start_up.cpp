@@ -1,0 +1,66 @@
+// Main: how the program's data come to life.
+#include "catalogue/pin_subs.h"
+#include "platform/application_folder.h"
+
+namespace catalogue {
+namespace {
+
+// Windows 0x00BBGGRR: yellow, red, green; the first entry is never shown.
+constexpr StatusColourTable kStatusColours = {0, 65535, 255, 65280};
+
+// The columns that catalogues made by the first versions do not have. Every start tries them all: a
+// column that is there already refuses to be added, and that is how a catalogue is brought up to
+// date without a version number.
+constexpr std::u16string_view kAddColumns[] = {
+    u"Alter Table TABLES ADD RulesFile varchar(255) NULL",
+    u"Alter Table TABLES ADD FileDate DATE NULL",
+    u"Alter Table TABLES ADD RulesText memo NULL",
+    u"Alter Table TABLES ADD TimesPlayed INT DEFAULT 0 NULL",
+    u"Alter Table TABLES ADD LastPlayed DATE NULL",
+    u"Alter Table TABLES ADD DateAdded DATE NULL",
+    u"Alter Table TABLES ADD CRC VarChar(50) NULL ",
+};
+
+void FillProcessValues(ProcessValues& values) {
+    values.StatusColours = kStatusColours;
+    values.TableInfoStreamNames = {
+        QStringLiteral("TableName"),     QStringLiteral("AuthorName"),
+        QStringLiteral("Screenshot"),    QStringLiteral("TableBlurb"),
+        QStringLiteral("TableRules"),    QStringLiteral("AuthorEmail"),
+        QStringLiteral("ReleaseDate"),   QStringLiteral("TableVersion"),
+        QStringLiteral("AuthorWebSite"), QStringLiteral("TableDescription"),
+    };
+}
+
+base::Status OpenCatalogue(Catalogue& catalogue) {
+    const QString connection_string =
+        QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") +
+        platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb"));
+    return catalogue.CatalogueConnection->Open(connection_string.toStdU16String());
+}
+
+void AddMissingColumns(jet::Connection& connection) {
+    for (const std::u16string_view statement : kAddColumns)
+        connection.Execute(statement).status().Ignore();
+}
+
+void StampUndatedRows(jet::Connection& connection, const QString& today) {
+    const QString statement = QStringLiteral("Update tables set DateAdded = '") + QuoteSql(today) +
+                              QStringLiteral("' Where (isNull(DateAdded) or DateAdded = '')");
+    connection.Execute(statement.toStdU16String()).status().Ignore();
+}
+
+}  // namespace
+
+base::Status Main(Catalogue& catalogue) {
+    const QString today = MediumDate(catalogue.clock->Now());
+    FillProcessValues(*catalogue.values);
+    catalogue.values->VisualPinballExe = catalogue.settings->GetSetting(
+        kSettingsApplication.toString(), kSettingsSection.toString(), QStringLiteral("VPEXE"));
+    RETURN_IF_ERROR(OpenCatalogue(catalogue));
+    AddMissingColumns(*catalogue.CatalogueConnection);
+    StampUndatedRows(*catalogue.CatalogueConnection, today);
+    return {};
+}
+
+}  // namespace catalogue
