@@ -31,6 +31,7 @@ struct FolderEntry {
 };
 
 // Calls `visit` for every entry of `folder` ("." and ".." left out) in the order in which the file system returns them.
+// What is neither a file nor a folder (a device, a pipe, a link to nothing) is left out: reading it could block.
 // A folder that cannot be listed gives a Status and no call.
 base::Status ListFolder(const QString& folder, const std::function<void(const FolderEntry&)>& visit);
 

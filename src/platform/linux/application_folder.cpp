@@ -1,0 +1,36 @@
+#include "platform/application_folder.h"
+
+#include "platform/files.h"
+#include "platform/linux/file_names.h"
+
+#include <QtCore/QStandardPaths>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+
+QString ProgramFolder() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return DecodeFileName(program.parent_path().native());
+}
+
+QString UserDataFolder() {
+    return FileIn(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation),
+                  QStringLiteral("tavolo"));
+}
+
+bool IsWritableFolder(const QString& folder) {
+    struct stat facts {};
+    const std::string name = SystemPath(folder);
+    return !name.empty() && stat(name.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode) &&
+           access(name.c_str(), W_OK | X_OK) == 0;
+}
+
+QString FileIn(const QString& folder, const QString& name) {
+    if (folder.endsWith(NativeSeparator())) return folder + name;
+    return folder + NativeSeparator() + name;
+}
+
+}  // namespace platform

@@ -1,0 +1,62 @@
+#include "platform/settings_store.h"
+
+#include "platform/application_folder.h"
+
+#include <QtCore/QSettings>
+#include <QtCore/QStandardPaths>
+
+#include <map>
+
+namespace platform {
+namespace {
+
+// One file <user's configuration folder>/<application>.ini for each application, one group for each
+// section. Every value is written to the file at once.
+class IniSettingsStore final : public SettingsStore {
+public:
+    QString GetSetting(const QString& application, const QString& section, const QString& key,
+                       const QString& fallback) override {
+        const QVariant value = FileOf(application).value(Name(section, key));
+        if (!value.isValid()) return fallback;
+        // A comma that a person typed into the file without quotes makes a list of the value.
+        if (value.typeId() == QMetaType::QStringList)
+            return value.toStringList().join(QStringLiteral(", "));
+        return value.toString();
+    }
+
+    void SaveSetting(const QString& application, const QString& section, const QString& key,
+                     const QString& value) override {
+        QSettings& file = FileOf(application);
+        file.setValue(Name(section, key), value);
+        file.sync();
+    }
+
+private:
+    // Qt keeps the keys that have no group in the section "General" of the file, and reads that
+    // name without regard to letter case; a group of that name would not be found again.
+    static QString Name(const QString& section, const QString& key) {
+        const bool is_general = section.compare(QLatin1String("general"), Qt::CaseInsensitive) == 0;
+        return is_general ? key : section + u'/' + key;
+    }
+
+    QSettings& FileOf(const QString& application) {
+        auto& file = files_[application];
+        if (!file) {
+            const QString folder =
+                QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+            file = std::make_unique<QSettings>(FileIn(folder, application + QStringLiteral(".ini")),
+                                               QSettings::IniFormat);
+        }
+        return *file;
+    }
+
+    std::map<QString, std::unique_ptr<QSettings>> files_;
+};
+
+}  // namespace
+
+std::unique_ptr<SettingsStore> MakeSettingsStore() {
+    return std::make_unique<IniSettingsStore>();
+}
+
+}  // namespace platform

@@ -1,0 +1,57 @@
+#include "platform/shell.h"
+
+#include "platform/linux/file_names.h"
+#include "platform/linux/spawn.h"
+#include "platform/linux/system_error.h"
+
+#include <QtCore/QStandardPaths>
+
+#include <array>
+#include <system_error>
+
+namespace platform {
+namespace {
+
+// What desktops call it, the more telling ones first.
+constexpr std::array kInformationTools = {
+    "hardinfo2",           "hardinfo",  "kinfocenter",          "gnome-system-monitor",
+    "mate-system-monitor", "ksysguard", "plasma-systemmonitor", "xfce4-taskmanager"};
+
+QString FindProgram(const char* name) {
+    return QStandardPaths::findExecutable(QString::fromLatin1(name));
+}
+
+// A target that looks like an option names a file of the current directory.
+QString AsArgument(const QString& target) {
+    return target.startsWith(u'-') ? QStringLiteral("./") + target : target;
+}
+
+class DesktopShell final : public Shell {
+public:
+    base::Status Open(const QString& target) override {
+        if (target.isEmpty() || target.contains(QChar(0)))
+            return {base::StatusCode::kInvalidArgument, "There is nothing to open."};
+        const QString opener = FindProgram("xdg-open");
+        if (opener.isEmpty())
+            return {base::StatusCode::kUnsupported,
+                    "xdg-open, which opens files and addresses on this desktop, is not installed."};
+        const auto started = Spawn({EncodeFileName(opener), EncodeFileName(AsArgument(target))});
+        if (started.error_number == 0) return {};
+        return FileError(base::StatusCode::kIoError,
+                         std::generic_category().message(started.error_number).c_str(), opener);
+    }
+
+    QString SystemInformationTool() override {
+        for (const char* name : kInformationTools)
+            if (const QString tool = FindProgram(name); !tool.isEmpty()) return tool;
+        return {};
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Shell> MakeShell() {
+    return std::make_unique<DesktopShell>();
+}
+
+}  // namespace platform
