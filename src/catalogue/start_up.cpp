@@ -1,6 +1,9 @@
 // Main: how the program's data come to life.
 #include "catalogue/pin_subs.h"
+#include "catalogue/table_info_names.h"
 #include "platform/application_folder.h"
+
+#include <algorithm>
 
 namespace catalogue {
 namespace {
@@ -23,13 +26,9 @@ constexpr std::u16string_view kAddColumns[] = {
 
 void FillProcessValues(ProcessValues& values) {
     values.StatusColours = kStatusColours;
-    values.TableInfoStreamNames = {
-        QStringLiteral("TableName"),     QStringLiteral("AuthorName"),
-        QStringLiteral("Screenshot"),    QStringLiteral("TableBlurb"),
-        QStringLiteral("TableRules"),    QStringLiteral("AuthorEmail"),
-        QStringLiteral("ReleaseDate"),   QStringLiteral("TableVersion"),
-        QStringLiteral("AuthorWebSite"), QStringLiteral("TableDescription"),
-    };
+    std::transform(kTableInfoStreamNames.begin(), kTableInfoStreamNames.end(),
+                   values.TableInfoStreamNames.begin(),
+                   [](QStringView name) { return name.toString(); });
 }
 
 base::Status OpenCatalogue(Catalogue& catalogue) {

@@ -1,0 +1,104 @@
+#include "tableinfo/storage_tools.h"
+
+#include "catalogue/table_info_names.h"
+#include "cfb/compound_file.h"
+#include "platform/files.h"
+#include "tableinfo/table_text.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace tableinfo {
+namespace {
+
+constexpr std::u16string_view kStorageName = u"TableInfo";
+
+std::u16string_view View(const QString& text) {
+    return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())};
+}
+
+}  // namespace
+
+class TableInfoFile::Impl {
+public:
+    explicit Impl(const QString& path) {
+        auto opened = cfb::CompoundFile::Open(platform::ToPath(path));
+        if (!opened.ok()) return;
+        file_ = std::move(*opened);
+        const auto storage = file_->Find(file_->root(), kStorageName);
+        if (storage.ok() && storage->type == cfb::ElementType::kStorage) storage_ = *storage;
+    }
+
+    std::vector<cfb::Element> RootElements() {
+        return file_ ? file_->List(file_->root()).value_or({}) : std::vector<cfb::Element>();
+    }
+    std::vector<cfb::Element> InfoElements() {
+        return storage_ ? file_->List(*storage_).value_or({}) : std::vector<cfb::Element>();
+    }
+    std::vector<std::byte> Read(std::u16string_view stream_name) {
+        if (!storage_) return {};
+        const auto stream = file_->Find(*storage_, stream_name);
+        if (!stream.ok()) return {};
+        return file_->Read(*stream).value_or({});
+    }
+
+private:
+    std::unique_ptr<cfb::CompoundFile> file_;
+    std::optional<cfb::Element> storage_;
+};
+
+TableInfoFile::TableInfoFile(const QString& path) : impl_(std::make_unique<Impl>(path)) {}
+TableInfoFile::~TableInfoFile() = default;
+TableInfoFile::TableInfoFile(TableInfoFile&&) noexcept = default;
+TableInfoFile& TableInfoFile::operator=(TableInfoFile&&) noexcept = default;
+
+bool TableInfoFile::HasTableInfo() {
+    const auto elements = impl_->RootElements();
+    return std::any_of(elements.begin(), elements.end(),
+                       [](const cfb::Element& element) { return element.name == kStorageName; });
+}
+
+QString TableInfoFile::ReadStream(const QString& stream_name) {
+    return DecodeTableText(impl_->Read(View(stream_name)));
+}
+
+int TableInfoFile::ListCustomStreams(QStringList& names) {
+    const auto elements = impl_->InfoElements();
+    for (const cfb::Element& element : elements) {
+        const QString name = QString::fromStdU16String(element.name);
+        if (element.type == cfb::ElementType::kStream && !IsStandardInfoStream(name))
+            names.append(name);
+    }
+    return static_cast<int>(elements.size());
+}
+
+std::optional<QByteArray> TableInfoFile::Screenshot() {
+    const auto bytes = impl_->Read(u"Screenshot");
+    if (bytes.empty()) return std::nullopt;
+    return QByteArray(reinterpret_cast<const char*>(bytes.data()),
+                      static_cast<qsizetype>(bytes.size()));
+}
+
+QString ReadTableInfoStream(const QString& path, const QString& stream_name) {
+    return TableInfoFile(path).ReadStream(stream_name);
+}
+
+bool HasTableInfo(const QString& path) {
+    return TableInfoFile(path).HasTableInfo();
+}
+
+int ListCustomInfoStreams(const QString& path, QStringList& names) {
+    return TableInfoFile(path).ListCustomStreams(names);
+}
+
+bool IsStandardInfoStream(const QString& name) {
+    const auto& standard = catalogue::kTableInfoStreamNames;
+    return std::find(standard.begin(), standard.end(), QStringView(name)) != standard.end();
+}
+
+std::optional<QByteArray> LoadTableScreenshot(const QString& path) {
+    return TableInfoFile(path).Screenshot();
+}
+
+}  // namespace tableinfo

@@ -1,0 +1,109 @@
+#include "tableinfo/update_from_table_files.h"
+
+#include "jet/recordset.h"
+#include "tableinfo/storage_tools.h"
+
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace tableinfo {
+namespace {
+
+struct Mapping {
+    QStringView stream;
+    std::u16string_view column;
+};
+
+constexpr std::array<Mapping, 7> kMappings = {{
+    {u"TableName", u"DisplayName"},
+    {u"AuthorName", u"Author"},
+    {u"TableRules", u"RulesText"},
+    {u"TableVersion", u"Version"},
+    {u"TableBlurb", u"Notes"},
+    {u"CompanyName", u"Company"},
+    {u"CompanyYear", u"Year"},
+}};
+
+using NewFields = std::vector<std::pair<std::u16string_view, std::u16string>>;
+
+// Spaces only: line ends and tabs at the ends of a text belong to it.
+QString TrimSpaces(const QString& text) {
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && text[begin] == u' ')
+        ++begin;
+    while (end > begin && text[end - 1] == u' ')
+        --end;
+    return text.sliced(begin, end - begin);
+}
+
+NewFields FieldsFrom(TableInfoFile& file) {
+    NewFields fields;
+    for (const Mapping& mapping : kMappings) {
+        const QString text =
+            TrimSpaces(catalogue::QuoteSql(file.ReadStream(mapping.stream.toString())));
+        if (!text.isEmpty()) fields.emplace_back(mapping.column, text.toStdU16String());
+    }
+    return fields;
+}
+
+// The text itself is the trouble, not the database: too long for its column, or refused by an
+// index.
+bool IsValueTrouble(const base::Status& status) {
+    return status.code() == base::StatusCode::kConstraint ||
+           status.code() == base::StatusCode::kInvalidArgument;
+}
+
+base::Status Store(jet::Recordset& rows, const NewFields& fields) {
+    for (const auto& [column, text] : fields)
+        RETURN_IF_ERROR(rows.SetField(column, jet::Value::Text(text)));
+    return rows.Update();
+}
+
+// Field by field, so that one that does not fit takes no other with it.
+base::Status StoreWhatFits(jet::Recordset& rows, const NewFields& fields) {
+    for (const auto& field : fields) {
+        const base::Status stored = Store(rows, {field});
+        if (stored.ok()) continue;
+        rows.CancelUpdate();
+        if (!IsValueTrouble(stored)) return stored;
+    }
+    return base::Status::Ok();
+}
+
+base::Status UpdateRow(jet::Recordset& rows) {
+    TableInfoFile file(catalogue::FieldText(rows, u"FileName"));
+    if (!file.HasTableInfo()) return base::Status::Ok();
+    const NewFields fields = FieldsFrom(file);
+    base::Status stored = Store(rows, fields);
+    if (stored.ok()) return stored;
+    rows.CancelUpdate();
+    return IsValueTrouble(stored) ? StoreWhatFits(rows, fields) : stored;
+}
+
+base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* progress) {
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(u"Select *  from Tables", connection, jet::CursorType::kDynamic,
+                              jet::LockType::kOptimistic));
+    if (rows.Bof() && rows.Eof()) return base::Status::Ok();
+    RETURN_IF_ERROR(rows.MoveFirst());
+    if (progress) progress->Show(QStringLiteral("Updating from VPTs..."));
+    while (!rows.Eof()) {
+        RETURN_IF_ERROR(UpdateRow(rows));
+        RETURN_IF_ERROR(rows.MoveNext());
+    }
+    return base::Status::Ok();
+}
+
+}  // namespace
+
+base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
+                                  platform::StatusDisplay* status) {
+    base::Status done =
+        UpdateRows(*catalogue.CatalogueConnection, show_progress == 1 ? status : nullptr);
+    if (status) status->Unload();
+    return done;
+}
+
+}  // namespace tableinfo
