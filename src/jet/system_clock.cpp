@@ -1,0 +1,34 @@
+#include "jet/system_clock.h"
+
+#include "jet/conversions.h"
+
+#include <ctime>
+
+namespace jet {
+namespace {
+
+CivilDateTime LocalNow() {
+    const std::time_t now = std::time(nullptr);
+    const std::tm* local = std::localtime(&now);
+    if (local == nullptr) return {};
+    CivilDateTime civil;
+    civil.year = local->tm_year + 1900;
+    civil.month = local->tm_mon + 1;
+    civil.day = local->tm_mday;
+    civil.hour = local->tm_hour;
+    civil.minute = local->tm_min;
+    civil.second = local->tm_sec < 60 ? local->tm_sec : 59;  // a leap second
+    return civil;
+}
+
+}  // namespace
+
+double SystemNow() {
+    return DaysFromCivil(LocalNow());
+}
+
+int CurrentYear() {
+    return LocalNow().year;
+}
+
+}  // namespace jet
