@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace checksum {
 namespace {
@@ -20,12 +21,23 @@ std::byte AnsiByte(char16_t c) {
     return static_cast<std::byte>(0x80 + (found - kFrom80To9F.begin()));
 }
 
+char16_t AnsiCharacter(std::byte byte) {
+    const auto value = std::to_integer<std::uint8_t>(byte);
+    return value >= 0x80 && value <= 0x9F ? kFrom80To9F[value - 0x80U] : char16_t{value};
+}
+
 }  // namespace
 
 std::vector<std::byte> ToAnsi(std::u16string_view text) {
     std::vector<std::byte> bytes(text.size());
     std::transform(text.begin(), text.end(), bytes.begin(), AnsiByte);
     return bytes;
+}
+
+std::u16string FromAnsi(std::span<const std::byte> bytes) {
+    std::u16string text(bytes.size(), u'\0');
+    std::transform(bytes.begin(), bytes.end(), text.begin(), AnsiCharacter);
+    return text;
 }
 
 }  // namespace checksum

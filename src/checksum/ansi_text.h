@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -9,5 +11,8 @@ namespace checksum {
 
 // Characters that the code page does not have become "?".
 std::vector<std::byte> ToAnsi(std::u16string_view text);
+
+// Every byte is a character.
+std::u16string FromAnsi(std::span<const std::byte> bytes);
 
 }  // namespace checksum

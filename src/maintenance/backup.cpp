@@ -1,0 +1,81 @@
+#include "maintenance/backup.h"
+
+#include "platform/application_folder.h"
+#include "platform/file_system.h"
+#include "platform/files.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace maintenance {
+namespace {
+
+constexpr std::uint64_t kChunkBytes = 1 << 20;
+
+base::Status CopyBytes(const jet::File& from, jet::File& to) {
+    ASSIGN_OR_RETURN(const std::uint64_t size, from.Size());
+    std::vector<std::byte> chunk(static_cast<std::size_t>(std::min(size, kChunkBytes)));
+    for (std::uint64_t offset = 0; offset < size;) {
+        const std::span<std::byte> piece =
+            std::span(chunk).first(static_cast<std::size_t>(std::min(size - offset, kChunkBytes)));
+        RETURN_IF_ERROR(from.ReadAt(offset, piece));
+        RETURN_IF_ERROR(to.WriteAt(offset, piece));
+        offset += piece.size();
+    }
+    return to.Sync();
+}
+
+// The file is closed when this returns, so that it can be renamed on every system.
+base::Status WriteCopy(jet::FileSystem& files, const std::filesystem::path& database,
+                       const std::filesystem::path& copy) {
+    ASSIGN_OR_RETURN(const auto from, files.Open(database, jet::OpenMode::kRead));
+    ASSIGN_OR_RETURN(const auto to, files.Open(copy, jet::OpenMode::kCreate));
+    return CopyBytes(*from, *to);
+}
+
+base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files) {
+    RETURN_IF_ERROR(catalogue.CatalogueConnection->Flush());
+    const QString& folder = catalogue.values->ApplicationFolder;
+    return CopyDatabase(files, platform::FileIn(folder, QStringLiteral("pinball.mdb")),
+                        platform::FileIn(folder, QStringLiteral("pinball.BU")));
+}
+
+QString SuccessText(const QString& folder) {
+    return QStringLiteral(
+               "Database copied to:%1\r\nRename to %2 WHILE TAVOLO IS NOT RUNNING to restore.")
+        .arg(platform::FileIn(folder, QStringLiteral("pinball.BU")),
+             platform::FileIn(folder, QStringLiteral("pinball.mdb")));
+}
+
+}  // namespace
+
+base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup) {
+    const std::filesystem::path copy = platform::ToPath(backup + QStringLiteral(".new"));
+    const std::filesystem::path target = platform::ToPath(backup);
+    base::Status done = WriteCopy(files, platform::ToPath(database), copy);
+    if (done.ok()) done = files.Rename(copy, target);
+    if (!done.ok()) {
+        files.Remove(copy).Ignore();
+        return done;
+    }
+    // The complete copy is in place; whether its name is on the disk yet only decides which of two
+    // good backups a power cut leaves.
+    files.SyncFolder(target.parent_path()).Ignore();
+    return {};
+}
+
+void BackupData(CommandContext context, jet::FileSystem& files, const QString& caption) {
+    if (!MakeBackup(context.catalogue, files).ok()) return;
+    platform::Message message;
+    message.text = SuccessText(context.catalogue.values->ApplicationFolder);
+    message.title = caption;
+    message.icon = platform::MessageIcon::kInformation;
+    context.prompts.Ask(message);
+}
+
+void BackupData(CommandContext context, const QString& caption) {
+    BackupData(std::move(context), *platform::MakeFileSystem(), caption);
+}
+
+}  // namespace maintenance

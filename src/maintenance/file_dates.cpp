@@ -1,0 +1,42 @@
+#include "maintenance/file_dates.h"
+
+#include "catalogue/error_report.h"
+#include "maintenance/row_walk.h"
+#include "platform/files.h"
+
+namespace maintenance {
+namespace {
+
+bool UserAgrees(platform::UserPrompts& prompts) {
+    platform::Message question;
+    question.text = QStringLiteral("Update all file dates?");
+    question.title = QStringLiteral("Update Dates");
+    question.buttons = platform::MessageButtons::kYesNo;
+    return prompts.Ask(question) == platform::MessageAnswer::kYes;
+}
+
+base::Status StoreFileDate(jet::Recordset& rows) {
+    const QString file = catalogue::FieldText(rows, u"FileName");
+    const QDateTime modified = platform::LastModified(file);
+    if (!platform::FileExists(file) || !modified.isValid()) return {};
+    RETURN_IF_ERROR(
+        rows.SetField(u"FileDate", jet::Value::DateTime(catalogue::ToOleDate(modified))));
+    return rows.Update();
+}
+
+}  // namespace
+
+void UpdateFileDates(CommandContext context) {
+    if (!UserAgrees(context.prompts)) return;
+    // Catalogues of early versions hold the column with another type; on all others this fails or
+    // changes nothing.
+    if (const auto altered = context.catalogue.CatalogueConnection->Execute(
+            u"Alter table tables alter column filedate DATE NULL");
+        !altered.ok())
+        altered.status().Ignore();
+    catalogue::ShowError(context.prompts,
+                         WalkRows(context, QStringLiteral("select * from tables"), StoreFileDate));
+    context.refresh_tree();
+}
+
+}  // namespace maintenance

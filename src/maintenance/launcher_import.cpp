@@ -1,0 +1,157 @@
+#include "maintenance/launcher_import.h"
+
+#include "catalogue/error_report.h"
+#include "maintenance/launcher_statements.h"
+#include "maintenance/match_index.h"
+#include "maintenance/text_lines.h"
+#include "platform/application_folder.h"
+#include "platform/file_system.h"
+#include "platform/files.h"
+
+#include <optional>
+
+namespace maintenance {
+namespace {
+
+struct Match {
+    MatchColumn column = MatchColumn::kChecksum;
+    std::optional<std::int64_t> only_row;
+};
+
+bool HasRows(jet::Connection& connection, const QString& sql, bool& failed) {
+    const auto rows = connection.Execute(sql.toStdU16String());
+    failed = !rows.ok();
+    return rows.ok() && !(rows->Bof() && rows->Eof());
+}
+
+// nullopt: no row, or a key that the database refuses.
+std::optional<Match> AskDatabase(jet::Connection& connection, const QString& key,
+                                 const QString& date_condition) {
+    for (const MatchColumn column : {MatchColumn::kChecksum, MatchColumn::kDisplayName}) {
+        bool failed = false;
+        if (HasRows(connection, MatchQuery(column, key, date_condition), failed))
+            return Match{column, std::nullopt};
+        if (failed) return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<Match> FindMatch(jet::Connection& connection, const MatchIndex& index,
+                               const QString& key, const QString& date_condition) {
+    if (!index.CanAnswer(key)) return AskDatabase(connection, key, date_condition);
+    if (const auto rows = index.ByChecksum(key); rows.count > 0)
+        return Match{MatchColumn::kChecksum, rows.id};
+    if (const auto rows = index.ByDisplayName(key); rows.count > 0)
+        return Match{MatchColumn::kDisplayName, rows.id};
+    return std::nullopt;
+}
+
+}  // namespace
+
+QStringList DatesAdded(jet::Connection& connection) {
+    QStringList dates;
+    auto rows = connection.Execute(u"Select Distinct DateAdded from Tables");
+    if (!rows.ok()) return dates;
+    while (!rows->Eof()) {
+        const auto date = rows->Fields(std::size_t{0});
+        if (date.ok() && !date->is_null()) dates.append(catalogue::FieldText(*date));
+        if (!rows->MoveNext().ok()) break;
+    }
+    return dates;
+}
+
+LauncherImport::LauncherImport(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                               platform::UserEvents& events, ImportDisplay& display)
+    : catalogue_(catalogue), prompts_(prompts), events_(events), display_(display) {}
+
+void LauncherImport::ImportAll() {
+    Run({});
+}
+
+void LauncherImport::ImportAddedAfter(const QString& date) {
+    if (catalogue::IsDate(date))
+        Run(DateCondition(date));
+    else
+        Say(QStringLiteral("Please enter a valid date"));
+}
+
+void LauncherImport::Run(const QString& date_condition) {
+    display_.SetBusy(true);
+    const QString path = LocateDataFile();
+    if (path.isEmpty()) {
+        Say(QStringLiteral("The selected File is not a valid VPLauncher.dat file"));
+    } else {
+        ReadFile(path, date_condition);
+        ShowResult();
+    }
+    display_.SetBusy(false);
+}
+
+// Cancelling the dialog leaves the preset file chosen. Empty: the file is not there.
+QString LauncherImport::LocateDataFile() {
+    platform::FileDialog dialog;
+    dialog.title = QStringLiteral("Locate DAT File");
+    dialog.filter = QStringLiteral("VPlauncher.DAT|VPlauncher.dat");
+    dialog.file_name =
+        platform::FileIn(catalogue_.values->ApplicationFolder, QStringLiteral("vpLauncher.dat"));
+    const QString chosen = prompts_.ChooseFileToOpen(dialog);
+    const QString path = chosen.isEmpty() ? dialog.file_name : chosen;
+    const bool accepted = !catalogue::GetFileName(path).isEmpty() && platform::FileExists(path);
+    return accepted ? path : QString();
+}
+
+void LauncherImport::ReadFile(const QString& path, const QString& date_condition) {
+    updated_lines_ = 0;
+    const auto files = platform::MakeFileSystem();
+    auto lines = TextLines::Open(*files, path);
+    if (!lines.ok()) {
+        catalogue::ShowError(prompts_, lines.status());
+        return;
+    }
+    const MatchIndex index(*catalogue_.CatalogueConnection, date_condition);
+    while (const auto line = lines->Next())
+        ImportLine(*line, index, date_condition);
+    catalogue::ShowError(prompts_, lines->status());
+}
+
+void LauncherImport::ImportLine(const QString& line, const MatchIndex& index,
+                                const QString& date_condition) {
+    events_.ProcessEvents();
+    display_.SetReading({});
+    display_.SetWriting({});
+    const auto record = ParseLauncherLine(line);
+    if (!record) return;
+    display_.SetReading(QStringLiteral("Reading: ") + record->name + QStringLiteral(" CRC: ") +
+                        record->checksum);
+    if (!Update(*record, index, date_condition)) return;
+    ++updated_lines_;
+    display_.SetWriting(QStringLiteral("Witing values from ") + record->name +
+                        QStringLiteral(" to database"));
+}
+
+bool LauncherImport::Update(const LauncherRecord& record, const MatchIndex& index,
+                            const QString& date_condition) {
+    jet::Connection& connection = *catalogue_.CatalogueConnection;
+    const auto match = FindMatch(connection, index, record.key, date_condition);
+    if (!match) return false;
+    const QString sql = UpdateStatement(record, match->column, date_condition, match->only_row);
+    return connection.Execute(sql.toStdU16String()).ok();
+}
+
+void LauncherImport::ShowResult() {
+    if (updated_lines_ == 0) {
+        display_.SetWriting(QStringLiteral("Task Complete %1 records updated").arg(updated_lines_));
+        return;
+    }
+    display_.SetWriting(QStringLiteral("Task Complete!"));
+    display_.SetReading({});
+    display_.SetDone();
+}
+
+void LauncherImport::Say(const QString& text) {
+    platform::Message message;
+    message.text = text;
+    prompts_.Ask(message);
+}
+
+}  // namespace maintenance

@@ -1,0 +1,64 @@
+// LauncherImport: takes version, author, year, company and the need of VPinMAME over from
+// VPLauncher's data file into the rows that are in the catalogue already, found by checksum, else
+// by display name.
+#pragma once
+
+#include "catalogue/pin_subs.h"
+#include "jet/file_system.h"
+#include "maintenance/launcher_record.h"
+#include "platform/user_events.h"
+#include "platform/user_prompts.h"
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace maintenance {
+
+class MatchIndex;
+
+// The window of an import.
+class ImportDisplay {
+public:
+    virtual ~ImportDisplay() = default;
+    // Disables everything that starts or changes an import, and keeps the window open, while busy.
+    virtual void SetBusy(bool busy) = 0;
+    virtual void SetReading(const QString& text) = 0;
+    virtual void SetWriting(const QString& text) = 0;
+    // The import is over and has changed rows: the start button becomes "Done".
+    virtual void SetDone() = 0;
+};
+
+// The dates on which tables were added, as texts, in the database's order; rows without a date give
+// none.
+QStringList DatesAdded(jet::Connection& connection);
+
+class LauncherImport {
+public:
+    // Everything is borrowed and outlives the import. `events` is called once per line and may
+    // deliver the user's input.
+    LauncherImport(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                   platform::UserEvents& events, ImportDisplay& display);
+
+    // Every matching row.
+    void ImportAll();
+    // Rows added after `date` only; a text that is no date is refused.
+    void ImportAddedAfter(const QString& date);
+
+private:
+    void Run(const QString& date_condition);
+    QString LocateDataFile();
+    void ReadFile(const QString& path, const QString& date_condition);
+    void ImportLine(const QString& line, const MatchIndex& index, const QString& date_condition);
+    bool Update(const LauncherRecord& record, const MatchIndex& index,
+                const QString& date_condition);
+    void ShowResult();
+    void Say(const QString& text);
+
+    catalogue::Catalogue& catalogue_;
+    platform::UserPrompts& prompts_;
+    platform::UserEvents& events_;
+    ImportDisplay& display_;
+    std::int64_t updated_lines_ = 0;
+};
+
+}  // namespace maintenance

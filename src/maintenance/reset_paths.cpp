@@ -1,0 +1,76 @@
+#include "maintenance/reset_paths.h"
+
+#include "jet/recordset.h"
+
+#include <array>
+
+namespace maintenance {
+namespace {
+
+struct PathKind {
+    QStringView kind;
+    QStringView column;
+};
+
+constexpr std::array<PathKind, 4> kPathKinds = {{{u"Table", u"FileName"},
+                                                 {u"Picture", u"ImageFile"},
+                                                 {u"Flyer", u"FlyerFile"},
+                                                 {u"Rules", u"RulesFile"}}};
+
+struct Move {
+    std::u16string column;
+    QString existing;
+    QString next;
+};
+
+base::Status ChangeRow(jet::Recordset& rows, const Move& move) {
+    ASSIGN_OR_RETURN(const jet::Value stored, rows.Fields(move.column));
+    if (stored.is_null()) return {};
+    const QString moved = MovedPath(catalogue::FieldText(stored), move.existing, move.next);
+    if (moved.isNull()) return {};
+    RETURN_IF_ERROR(rows.SetField(move.column, jet::Value::Text(moved.toStdU16String())));
+    return rows.Update();
+}
+
+void SayPathsChanged(platform::UserPrompts& prompts) {
+    platform::Message message;
+    message.text = QStringLiteral("Paths Changed");
+    message.title = QStringLiteral("Reset Paths");
+    message.icon = platform::MessageIcon::kInformation;
+    prompts.Ask(message);
+}
+
+}  // namespace
+
+QString PathColumn(const QString& kind) {
+    for (const PathKind& known : kPathKinds)
+        if (known.kind == kind) return known.column.toString();
+    return {};
+}
+
+QString MovedPath(const QString& stored, const QString& existing, const QString& next) {
+    if (catalogue::GetFolder(stored).compare(existing, Qt::CaseInsensitive) != 0) return {};
+    return next + catalogue::GetFileName(stored);
+}
+
+base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                        const QString& kind, const QString& existing, const QString& next) {
+    const QString column = PathColumn(kind);
+    if (column.isEmpty())
+        return {base::StatusCode::kInvalidArgument, "Unknown kind of path: " + kind.toStdString()};
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(u"select * from tables", *catalogue.CatalogueConnection,
+                              jet::CursorType::kStatic, jet::LockType::kOptimistic));
+    if (rows.Bof() && rows.Eof()) return {};
+    const Move move{column.toStdU16String(), catalogue::WithTrailingSeparator(existing),
+                    catalogue::WithTrailingSeparator(next)};
+    while (!rows.Eof()) {
+        RETURN_IF_ERROR(ChangeRow(rows, move));
+        RETURN_IF_ERROR(rows.MoveNext());
+    }
+    rows.Close();
+    SayPathsChanged(prompts);
+    return {};
+}
+
+}  // namespace maintenance

@@ -1,0 +1,26 @@
+// ResetPaths: the catalogue follows files that were moved to another folder.
+#pragma once
+
+#include "catalogue/pin_subs.h"
+#include "platform/user_prompts.h"
+
+#include <QtCore/QString>
+
+namespace maintenance {
+
+// The column that a kind of path stands for: "Table", "Picture", "Flyer" or "Rules". Empty: no such
+// kind.
+QString PathColumn(const QString& kind);
+
+// What `stored` becomes when the files of folder `existing` are now in folder `next`; a null text
+// when it is in another folder. Both folders end in a separator. Letter case does not count;
+// subfolders are other folders.
+QString MovedPath(const QString& stored, const QString& existing, const QString& next);
+
+// Rewrites the path column of `kind` in every row whose folder is `existing`, whatever the letter
+// case, and says "Paths Changed". The folders are taken as given but for a separator added at the
+// end. An empty catalogue: nothing is said. A failure leaves the rows changed so far.
+base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                        const QString& kind, const QString& existing, const QString& next);
+
+}  // namespace maintenance

@@ -1,0 +1,52 @@
+#include "maintenance/row_walk.h"
+
+#include "jet/recordset.h"
+
+namespace maintenance {
+namespace {
+
+// Passes each whole percent on, and the end in any case.
+class ProgressMeter {
+public:
+    ProgressMeter(const CommandContext& context, std::int64_t total)
+        : context_(context), total_(total) {}
+    ~ProgressMeter() { Tell(total_); }
+    ProgressMeter(const ProgressMeter&) = delete;
+    ProgressMeter& operator=(const ProgressMeter&) = delete;
+
+    void Step() {
+        ++done_;
+        const std::int64_t percent = total_ > 0 ? done_ * 100 / total_ : 0;
+        if (percent != percent_ && done_ < total_) Tell(done_);
+        percent_ = percent;
+        context_.events.ProcessEvents();
+    }
+
+private:
+    void Tell(std::int64_t done) const {
+        if (context_.progress) context_.progress(done, total_);
+    }
+
+    const CommandContext& context_;
+    std::int64_t total_;
+    std::int64_t done_ = 0;
+    std::int64_t percent_ = -1;
+};
+
+}  // namespace
+
+base::Status WalkRows(CommandContext& context, const QString& sql,
+                      const std::function<base::Status(jet::Recordset&)>& visit) {
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), *context.catalogue.CatalogueConnection,
+                              jet::CursorType::kDynamic, jet::LockType::kOptimistic));
+    ProgressMeter meter(context, rows.RecordCount());
+    while (!rows.Eof()) {
+        RETURN_IF_ERROR(visit(rows));
+        RETURN_IF_ERROR(rows.MoveNext());
+        meter.Step();
+    }
+    return {};
+}
+
+}  // namespace maintenance
