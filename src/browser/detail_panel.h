@@ -1,5 +1,6 @@
-// DetailPanel: the tabbed right-hand side of the main window: the record of the selected table with its pictures, notes
-// and rules, and its editing. The window around it is reached through DetailHost only.
+// DetailPanel: the tabbed right-hand side of the main window: the record of the selected table with
+// its pictures, notes and rules, and its editing. The window around it is reached through
+// DetailHost only.
 #pragma once
 
 #include "catalogue/pin_subs.h"
@@ -25,7 +26,8 @@ public:
     virtual void SetStatusText(int panel, const QString& text) = 0;
     // The label lblComments under the tree.
     virtual void SetComments(const QString& text) = 0;
-    // Locks (true) or frees the filters, the operator, the tree, Refresh Tree, Play and the File and Utilities menus.
+    // Locks (true) or frees the filters, the operator, the tree, Refresh Tree, Play and the File
+    // and Utilities menus.
     virtual void LockForEdit(bool changed) = 0;
     // The button "View Table Info from VPT".
     virtual void ViewTableInfo() = 0;

@@ -1,0 +1,215 @@
+#include "browser/detail_controls.h"
+
+#include "browser/detail_record.h"
+
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QVBoxLayout>
+
+namespace browser {
+namespace {
+
+using tableinfo::PictureBox;
+using tableinfo::TextBox;
+
+// An element of a control array is named after the array and its index.
+QString ElementName(const char* array, int index) {
+    return QLatin1String(array) + QLatin1Char('_') + QString::number(index);
+}
+
+template <typename Widget>
+Widget* Named(Widget* widget, const char* name) {
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
+QPushButton* Button(const char* name, const QString& caption) {
+    return Named(new QPushButton(caption), name);
+}
+
+QToolButton* BrowseButton(const char* name, const QString& hint) {
+    auto* button = Named(new QToolButton, name);
+    button->setText(QStringLiteral("..."));
+    button->setToolTip(hint);
+    button->setAccessibleName(hint);
+    return button;
+}
+
+// Makes `box` the element `index` of txtDet.
+QWidget* Adopt(DetailControls& controls, int index, const TextBox& box) {
+    box.widget()->setObjectName(ElementName("txtDet", index));
+    controls.txtDet[static_cast<std::size_t>(index)] = box;
+    return box.widget();
+}
+
+QLabel* Caption(int index, const QString& text, QWidget* buddy) {
+    auto* label = new QLabel(text);
+    label->setObjectName(ElementName("Label2", index));
+    label->setBuddy(buddy);
+    return label;
+}
+
+// The grid has six columns: caption and box three times; a box may span more of them.
+void PlaceLine(DetailControls& controls, QGridLayout* grid, int row, int column, int span,
+               int index, const QString& caption) {
+    QWidget* line = Adopt(controls, index, TextBox::OneLine());
+    grid->addWidget(Caption(index, caption, line), row, column);
+    grid->addWidget(line, row, column + 1, 1, span);
+}
+
+void PlaceFileLine(DetailControls& controls, QGridLayout* grid, int row, int index,
+                   const QString& caption, QToolButton* browse) {
+    PlaceLine(controls, grid, row, 0, 4, index, caption);
+    grid->addWidget(browse, row, 5);
+}
+
+void PlaceTextFields(DetailControls& controls, QGridLayout* grid) {
+    PlaceLine(controls, grid, 0, 0, 5, kDisplayName, QStringLiteral("Name"));
+    PlaceLine(controls, grid, 1, 0, 5, kFileName, QStringLiteral("File Name"));
+    PlaceLine(controls, grid, 2, 0, 3, kAuthor, QStringLiteral("Author"));
+    PlaceLine(controls, grid, 2, 4, 1, kVersion, QStringLiteral("Ver."));
+    PlaceLine(controls, grid, 3, 0, 3, kCompany, QStringLiteral("Company"));
+    PlaceLine(controls, grid, 3, 4, 1, kYear, QStringLiteral("Year"));
+    controls.Command2 = BrowseButton("Command2", QStringLiteral("Select Image File"));
+    controls.Command3 = BrowseButton("Command3", QStringLiteral("Select Flyer File"));
+    controls.Command4 = BrowseButton("Command4", QStringLiteral("Select Rules File"));
+    PlaceFileLine(controls, grid, 4, kImageFile, QStringLiteral("Image File"), controls.Command2);
+    PlaceFileLine(controls, grid, 5, kFlyerFile, QStringLiteral("Flyer File"), controls.Command3);
+    PlaceFileLine(controls, grid, 6, kRulesFile, QStringLiteral("Rules File"), controls.Command4);
+    PlaceLine(controls, grid, 7, 0, 5, kFileDate, QStringLiteral("File Date"));
+    controls.txtDet[kFileDate].SetReadOnly();
+}
+
+void PlaceNotes(DetailControls& controls, QGridLayout* grid) {
+    QWidget* notes = Adopt(controls, kNotes, TextBox::SeveralLines());
+    notes->setMinimumHeight(notes->fontMetrics().lineSpacing() * 3);
+    grid->addWidget(Caption(kNotes, QStringLiteral("Notes:"), notes), 8, 0, Qt::AlignTop);
+    grid->addWidget(notes, 8, 1, 1, 5);
+    grid->setRowStretch(8, 1);
+}
+
+void PlaceChecks(DetailControls& controls, QGridLayout* grid) {
+    controls.chkFavorite = Named(new QCheckBox(QStringLiteral("Favorite")), "chkFavorite");
+    controls.chkPinMame = Named(new QCheckBox(QStringLiteral("PinMame")), "chkPinMame");
+    controls.cmdReadInfo = Button("cmdReadInfo", QStringLiteral("View Table Info from VPT"));
+    auto* row = new QHBoxLayout;
+    row->addWidget(controls.chkFavorite);
+    row->addWidget(controls.chkPinMame);
+    row->addStretch();
+    row->addWidget(controls.cmdReadInfo);
+    grid->addLayout(row, 9, 0, 1, 6);
+}
+
+// Keeps the record's key; nobody edits it.
+void AddHiddenId(DetailControls& controls, QWidget* page) {
+    Adopt(controls, kId, TextBox::OneLine(page))->hide();
+    controls.txtDet[kId].SetReadOnly();
+}
+
+// The page scrolls, so that the window can be made as small as the user likes.
+QWidget* BuildDetailsPage(DetailControls& controls) {
+    auto* page = new QWidget;
+    auto* grid = new QGridLayout(page);
+    grid->setContentsMargins(6, 6, 6, 6);
+    grid->setVerticalSpacing(4);
+    grid->setColumnStretch(1, 3);
+    grid->setColumnStretch(2, 1);
+    grid->setColumnStretch(3, 1);
+    grid->setColumnStretch(5, 1);
+    PlaceTextFields(controls, grid);
+    PlaceNotes(controls, grid);
+    PlaceChecks(controls, grid);
+    AddHiddenId(controls, page);
+    auto* scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidget(page);
+    return scroll;
+}
+
+QWidget* BuildRulesTextPage(DetailControls& controls) {
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
+    column->setContentsMargins(6, 6, 6, 6);
+    column->addWidget(Adopt(controls, kRulesText, TextBox::SeveralLines()), 1);
+    controls.cmdReadRule = Button("cmdReadRule", QStringLiteral("Read From File"));
+    controls.cmdSaveRules = Button("cmdSaveRules", QStringLiteral("Save"));
+    controls.cmdCancelRules = Button("cmdCancelRules", QStringLiteral("Cancel"));
+    auto* row = new QHBoxLayout;
+    row->addWidget(controls.cmdReadRule);
+    row->addStretch();
+    row->addWidget(controls.cmdSaveRules);
+    row->addWidget(controls.cmdCancelRules);
+    column->addLayout(row);
+    return page;
+}
+
+QWidget* BuildPicturePage(PictureBox*& picture, const char* name) {
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
+    column->setContentsMargins(6, 6, 6, 6);
+    picture = Named(new PictureBox, name);
+    column->addWidget(picture);
+    return page;
+}
+
+QTabWidget* BuildTabs(DetailControls& controls) {
+    auto* tabs = Named(new QTabWidget, "DetTab");
+    tabs->setUsesScrollButtons(true);
+    tabs->addTab(BuildDetailsPage(controls), QStringLiteral("Details"));
+    tabs->addTab(BuildPicturePage(controls.imgShot, "imgShot"), QStringLiteral("Screenshot"));
+    tabs->addTab(BuildPicturePage(controls.imgFlyer, "imgFlyer"), QStringLiteral("Flyer"));
+    tabs->addTab(BuildPicturePage(controls.imgRules, "imgRules"), QStringLiteral("Rules Sheet"));
+    tabs->addTab(BuildRulesTextPage(controls), QStringLiteral("Rules Text"));
+    return tabs;
+}
+
+// The warning keeps its place while it is hidden, so that nothing moves under the user's pointer.
+QLabel* BuildAlert() {
+    auto* alert = Named(new QLabel, "pnlAlert");
+    alert->setAlignment(Qt::AlignCenter);
+    alert->setWordWrap(true);
+    QSizePolicy policy = alert->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    alert->setSizePolicy(policy);
+    alert->setMinimumHeight(alert->fontMetrics().height() + 4);
+    alert->hide();
+    return alert;
+}
+
+QWidget* BuildActionRow(DetailControls& controls) {
+    auto* actions = new QWidget;
+    auto* row = new QHBoxLayout(actions);
+    row->setContentsMargins(0, 0, 0, 0);
+    controls.cmdChange = Button("cmdChange", QStringLiteral("Save"));
+    controls.cmdCancel = Button("cmdCancel", QStringLiteral("Cancel"));
+    controls.cmdDelete = Button("cmdDelete", QStringLiteral("Delete"));
+    row->addStretch();
+    row->addWidget(controls.cmdChange);
+    row->addWidget(controls.cmdCancel);
+    row->addWidget(controls.cmdDelete);
+    return actions;
+}
+
+}  // namespace
+
+DetailControls BuildDetailControls(QWidget* panel) {
+    DetailControls controls;
+    controls.pnlAlert = BuildAlert();
+    controls.DetTab = BuildTabs(controls);
+    QWidget* actions = BuildActionRow(controls);
+    auto* column = new QVBoxLayout(panel);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    column->addWidget(controls.pnlAlert);
+    column->addWidget(controls.DetTab, 1);
+    column->addWidget(actions);
+    // The rules text has its own Save and Cancel; two pairs side by side would not say which saves
+    // what.
+    QObject::connect(controls.DetTab, &QTabWidget::currentChanged, actions,
+                     [actions](int tab) { actions->setVisible(tab != kRulesTextTab); });
+    return controls;
+}
+
+}  // namespace browser

@@ -1,0 +1,52 @@
+// DetailControls: the widgets of the detail panel and how they are laid out; no behaviour.
+#pragma once
+
+#include "tableinfo/picture_box.h"
+#include "tableinfo/text_box.h"
+
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QTabWidget>
+#include <QtWidgets/QToolButton>
+
+#include <array>
+
+namespace browser {
+
+// Pages of DetTab. The settings and the state of the Utilities menu depend on these numbers.
+enum DetailTab : int {
+    kDetailsTab = 0,
+    kScreenshotTab,
+    kFlyerTab,
+    kRulesSheetTab,
+    kRulesTextTab,
+    kDetailTabCount
+};
+
+// All widgets belong to the panel that they were built into.
+struct DetailControls {
+    QTabWidget* DetTab = nullptr;
+    QLabel* pnlAlert = nullptr;
+    std::array<tableinfo::TextBox, 13> txtDet;
+    QCheckBox* chkFavorite = nullptr;
+    QCheckBox* chkPinMame = nullptr;
+    QToolButton* Command2 = nullptr;  // image file
+    QToolButton* Command3 = nullptr;  // flyer file
+    QToolButton* Command4 = nullptr;  // rules file
+    QPushButton* cmdReadInfo = nullptr;
+    QPushButton* cmdChange = nullptr;
+    QPushButton* cmdCancel = nullptr;
+    QPushButton* cmdDelete = nullptr;
+    tableinfo::PictureBox* imgShot = nullptr;
+    tableinfo::PictureBox* imgFlyer = nullptr;
+    tableinfo::PictureBox* imgRules = nullptr;
+    QPushButton* cmdReadRule = nullptr;
+    QPushButton* cmdSaveRules = nullptr;
+    QPushButton* cmdCancelRules = nullptr;
+};
+
+// Builds the widgets into `panel`, which has no layout yet.
+DetailControls BuildDetailControls(QWidget* panel);
+
+}  // namespace browser

@@ -1,0 +1,369 @@
+#include "browser/detail_panel.h"
+
+#include "base/scope_guards.h"
+#include "browser/detail_controls.h"
+#include "browser/detail_record.h"
+#include "browser/notes_summary.h"
+#include "browser/rules_file.h"
+#include "platform/files.h"
+#include "tableinfo/storage_tools.h"
+
+namespace browser {
+namespace {
+
+using tableinfo::PictureBox;
+using tableinfo::PictureSource;
+using tableinfo::TextBox;
+
+constexpr std::size_t At(int index) {
+    return static_cast<std::size_t>(index);
+}
+
+// What a run of ShowTableDetails is doing; kept for whoever looks with a debugger.
+constexpr QStringView kLoadingScreenShot = u"Loading Screen Shot";
+constexpr QStringView kLoadingFlyer = u"Loading Flyer Pic";
+constexpr QStringView kLoadingRules = u"Loading Rules PIc";
+
+// A box with the program's title and an OK button.
+platform::Message Told(const QString& text, platform::MessageIcon icon) {
+    platform::Message message;
+    message.text = text;
+    message.icon = icon;
+    return message;
+}
+
+platform::Message DeleteQuestion() {
+    platform::Message question;
+    question.text = QStringLiteral("Delete the current table?");
+    question.title = QStringLiteral("Warning");
+    question.buttons = platform::MessageButtons::kYesNo;
+    return question;
+}
+
+}  // namespace
+
+class DetailPanel::Impl {
+public:
+    Impl(DetailPanel& panel, catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+         DetailHost& host)
+        : catalogue_(catalogue), prompts_(prompts), host_(host),
+          controls_(BuildDetailControls(&panel)) {
+        ConnectFields();
+        ConnectButtons();
+        ConnectPictures();
+    }
+
+    void ShowTableDetails(const QString& file_name);
+    void ClearTableDetails();
+    void SetRecordChanged(bool changed);
+    bool record_changed() const { return !controls_.pnlAlert->isHidden(); }
+    void Save();
+    void SaveRules();
+    void Delete();
+
+    DetailControls& controls() { return controls_; }
+    jet::Connection& connection() { return *catalogue_.CatalogueConnection; }
+
+private:
+    void ConnectFields();
+    void ConnectButtons();
+    void ConnectPictures();
+
+    bool FillFields(const QString& file_name);
+    void ShowRecord(const DetailRecord& record);
+    void ShowPictures();
+    bool ShowPicture(PictureBox* box, int field, QStringView step);
+    void ShowEmbeddedScreenshot();
+    void ShowPlaceholders(std::initializer_list<PictureBox*> boxes);
+
+    void MarkEdited();
+    DetailRecord EditedRecord() const;
+    void GoToField(DetailField field);
+    void EndEdit();
+    void Cancel();
+    void ChoosePicture(DetailField field, const QString& title);
+    void ReadRules();
+    void Report(const base::Status& status);
+
+    catalogue::Catalogue& catalogue_;
+    platform::UserPrompts& prompts_;
+    DetailHost& host_;
+    DetailControls controls_;
+    bool loading_details_ = false;
+    QStringView current_step_;
+};
+
+void DetailPanel::Impl::ConnectFields() {
+    const auto edited = [this] { MarkEdited(); };
+    for (const TextBox& box : controls_.txtDet)
+        box.OnChange(edited);
+    for (QCheckBox* box : {controls_.chkFavorite, controls_.chkPinMame})
+        QObject::connect(box, &QCheckBox::toggled, box, edited);
+}
+
+void DetailPanel::Impl::ConnectButtons() {
+    const auto on_click = [](QAbstractButton* button, auto action) {
+        QObject::connect(button, &QAbstractButton::clicked, button, action);
+    };
+    on_click(controls_.cmdChange, [this] { Save(); });
+    on_click(controls_.cmdCancel, [this] { Cancel(); });
+    on_click(controls_.cmdDelete, [this] { Delete(); });
+    on_click(controls_.cmdReadInfo, [this] { host_.ViewTableInfo(); });
+    on_click(controls_.cmdReadRule, [this] { ReadRules(); });
+    on_click(controls_.cmdSaveRules, [this] { SaveRules(); });
+    on_click(controls_.cmdCancelRules, [this] { Cancel(); });
+    on_click(controls_.Command2,
+             [this] { ChoosePicture(kImageFile, QStringLiteral("Select Image File")); });
+    on_click(controls_.Command3,
+             [this] { ChoosePicture(kFlyerFile, QStringLiteral("Select Flyer File")); });
+    on_click(controls_.Command4,
+             [this] { ChoosePicture(kRulesFile, QStringLiteral("Select Rules File")); });
+}
+
+// A picture that turns out to be damaged when it is first painted ends the loading there, as one
+// that is seen to be damaged at once does: the pictures after it keep the placeholder.
+void DetailPanel::Impl::ConnectPictures() {
+    QObject::connect(controls_.imgShot, &PictureBox::Undecodable, controls_.imgShot, [this] {
+        ShowPlaceholders({controls_.imgFlyer, controls_.imgRules});
+    });
+    QObject::connect(controls_.imgFlyer, &PictureBox::Undecodable, controls_.imgFlyer,
+                     [this] { ShowPlaceholders({controls_.imgRules}); });
+}
+
+void DetailPanel::Impl::ShowTableDetails(const QString& file_name) {
+    ClearTableDetails();
+    if (!FillFields(file_name)) return;
+    ShowPictures();
+}
+
+bool DetailPanel::Impl::FillFields(const QString& file_name) {
+    const base::ScopedFlag loading(loading_details_);
+    DetailRecord record;
+    const base::Status loaded = LoadDetailRecord(connection(), file_name, record);
+    ShowRecord(record);
+    if (!loaded.ok()) return false;
+    const auto summary = browser::NotesSummary(connection(), file_name);
+    if (!summary.ok()) return false;
+    host_.SetComments(*summary);
+    return true;
+}
+
+void DetailPanel::Impl::ShowRecord(const DetailRecord& record) {
+    for (std::size_t i = 0; i < record.fields.size(); ++i)
+        controls_.txtDet[i].SetText(record.fields[i]);
+    controls_.chkPinMame->setChecked(record.pin_mame);
+    controls_.chkFavorite->setChecked(record.favorite);
+    if (record.checks_read)
+        host_.SetStatusText(2, QStringLiteral("Current Table: ") + record.fields[kDisplayName]);
+    if (record.times_played)
+        host_.SetStatusText(3, QStringLiteral("Times Played: ") + *record.times_played);
+    if (record.last_played)
+        host_.SetStatusText(4, QStringLiteral("Last Played: ") + *record.last_played);
+}
+
+// A picture that cannot be decoded ends the work.
+void DetailPanel::Impl::ShowPictures() {
+    if (!ShowPicture(controls_.imgShot, kImageFile, kLoadingScreenShot)) return;
+    if (!ShowPicture(controls_.imgFlyer, kFlyerFile, kLoadingFlyer)) return;
+    if (!ShowPicture(controls_.imgRules, kRulesFile, kLoadingRules)) return;
+    controls_.DetTab->setEnabled(true);
+}
+
+// False: there is a file, and it is no picture.
+bool DetailPanel::Impl::ShowPicture(PictureBox* box, int field, QStringView step) {
+    current_step_ = step;
+    const QString path = controls_.txtDet[At(field)].Text();
+    if (IsUsablePictureFile(path)) return box->SetPicture(PictureSource::File(path)).ok();
+    box->ShowPlaceholder();
+    if (box == controls_.imgShot) ShowEmbeddedScreenshot();
+    return true;
+}
+
+void DetailPanel::Impl::ShowEmbeddedScreenshot() {
+    const auto bytes = tableinfo::LoadTableScreenshot(controls_.txtDet[kFileName].Text());
+    if (bytes) controls_.imgShot->SetPicture(PictureSource::Bytes(*bytes)).Ignore();
+}
+
+void DetailPanel::Impl::ShowPlaceholders(std::initializer_list<PictureBox*> boxes) {
+    for (PictureBox* box : boxes)
+        box->ShowPlaceholder();
+}
+
+void DetailPanel::Impl::ClearTableDetails() {
+    const base::ScopedFlag loading(loading_details_);
+    for (TextBox& box : controls_.txtDet)
+        box.SetText({});
+    controls_.chkPinMame->setChecked(false);
+    controls_.chkFavorite->setChecked(false);
+    ShowPlaceholders({controls_.imgShot, controls_.imgFlyer, controls_.imgRules});
+    for (const int panel : {2, 3, 4})
+        host_.SetStatusText(panel, {});
+    host_.SetComments({});
+}
+
+void DetailPanel::Impl::MarkEdited() {
+    if (!loading_details_) SetRecordChanged(true);
+}
+
+void DetailPanel::Impl::SetRecordChanged(bool changed) {
+    controls_.pnlAlert->hide();
+    host_.LockForEdit(changed);
+    for (int tab = 0; tab < kDetailTabCount; ++tab)
+        controls_.DetTab->setTabEnabled(tab, !changed || tab == controls_.DetTab->currentIndex());
+    if (!changed) return;
+    host_.SetComments({});
+    QPalette red = controls_.pnlAlert->palette();
+    red.setColor(QPalette::WindowText, QColor(255, 0, 0));
+    controls_.pnlAlert->setPalette(red);
+    controls_.pnlAlert->setText(
+        QStringLiteral("Record Changed! Click CANCEL or SAVE to continue."));
+    controls_.pnlAlert->show();
+}
+
+DetailRecord DetailPanel::Impl::EditedRecord() const {
+    DetailRecord record;
+    for (std::size_t i = 0; i < record.fields.size(); ++i)
+        record.fields[i] = controls_.txtDet[i].Text();
+    record.pin_mame = controls_.chkPinMame->isChecked();
+    record.favorite = controls_.chkFavorite->isChecked();
+    return record;
+}
+
+// The field's tab becomes the one that stays usable.
+void DetailPanel::Impl::GoToField(DetailField field) {
+    if (controls_.DetTab->currentIndex() != kDetailsTab) {
+        controls_.DetTab->setTabEnabled(kDetailsTab, true);
+        controls_.DetTab->setCurrentIndex(kDetailsTab);
+        SetRecordChanged(record_changed());
+    }
+    controls_.txtDet[field].FocusAndSelectAll();
+}
+
+void DetailPanel::Impl::Save() {
+    const DetailRecord record = EditedRecord();
+    if (record.fields[kId].isEmpty()) return;
+    if (const auto field = FirstMissingFile(record)) {
+        prompts_.Ask(Told(QStringLiteral("Please select a valid file name or leave blank"),
+                          platform::MessageIcon::kNone));
+        return GoToField(*field);
+    }
+    if (const auto saved = SaveDetailRecord(connection(), record); !saved.ok())
+        return Report(saved);
+    EndEdit();
+}
+
+void DetailPanel::Impl::SaveRules() {
+    const QString id = controls_.txtDet[kId].Text();
+    if (id.isEmpty()) return;
+    const auto saved = SaveRulesText(connection(), id, controls_.txtDet[kRulesText].Text());
+    if (!saved.ok()) return Report(saved);
+    EndEdit();
+}
+
+void DetailPanel::Impl::EndEdit() {
+    SetRecordChanged(false);
+    host_.RememberSelectedNode();
+    ShowTableDetails(host_.SelectedTag());
+}
+
+void DetailPanel::Impl::Cancel() {
+    ShowTableDetails(host_.SelectedTag());
+    SetRecordChanged(false);
+}
+
+void DetailPanel::Impl::Delete() {
+    const QString id = controls_.txtDet[kId].Text();
+    if (id.isEmpty()) return;
+    if (prompts_.Ask(DeleteQuestion()) != platform::MessageAnswer::kYes) return;
+    if (const auto deleted = DeleteRecord(connection(), id); !deleted.ok()) return Report(deleted);
+    SetRecordChanged(false);
+    host_.RefreshTree();
+}
+
+void DetailPanel::Impl::ChoosePicture(DetailField field, const QString& title) {
+    platform::FileDialog dialog;
+    dialog.title = title;
+    dialog.filter = QStringLiteral("Pictures (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif");
+    dialog.file_name = controls_.txtDet[field].Text();
+    dialog.folder = catalogue_.values->LastPictureDir;
+    const QString chosen = prompts_.ChooseFileToOpen(dialog);
+    if (chosen.isEmpty()) return;
+    catalogue_.values->LastPictureDir = catalogue::GetFolder(chosen);
+    controls_.txtDet[field].SetText(chosen);
+}
+
+void DetailPanel::Impl::ReadRules() {
+    platform::FileDialog dialog;
+    dialog.title = QStringLiteral("Select Rules File");
+    dialog.filter = QStringLiteral("Text (*.txt)|*.txt");
+    const QString chosen = prompts_.ChooseFileToOpen(dialog);
+    if (!platform::FileExists(chosen)) return;
+    const auto text = ReadRulesFile(chosen);
+    if (!text.ok()) return Report(text.status());
+    controls_.txtDet[kRulesText].SetText(*text);
+}
+
+void DetailPanel::Impl::Report(const base::Status& status) {
+    prompts_.Ask(
+        Told(QString::fromStdString(status.message()), platform::MessageIcon::kExclamation));
+}
+
+DetailPanel::DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                         DetailHost& host, QWidget* parent)
+    : QWidget(parent), impl_(std::make_unique<Impl>(*this, catalogue, prompts, host)) {}
+
+DetailPanel::~DetailPanel() = default;
+
+void DetailPanel::ShowTableDetails(const QString& file_name) {
+    impl_->ShowTableDetails(file_name);
+}
+
+void DetailPanel::ClearTableDetails() {
+    impl_->ClearTableDetails();
+}
+
+void DetailPanel::SetRecordChanged(bool changed) {
+    impl_->SetRecordChanged(changed);
+}
+
+bool DetailPanel::record_changed() const {
+    return impl_->record_changed();
+}
+
+QString DetailPanel::DetailText(int index) const {
+    return impl_->controls().txtDet.at(At(index)).Text();
+}
+
+void DetailPanel::SetDetailText(int index, const QString& text) {
+    impl_->controls().txtDet.at(At(index)).SetText(text);
+}
+
+bool DetailPanel::FavoriteChecked() const {
+    return impl_->controls().chkFavorite->isChecked();
+}
+
+void DetailPanel::Save() {
+    impl_->Save();
+}
+
+void DetailPanel::SaveRules() {
+    impl_->SaveRules();
+}
+
+void DetailPanel::Delete() {
+    impl_->Delete();
+}
+
+int DetailPanel::CurrentTab() const {
+    return impl_->controls().DetTab->currentIndex();
+}
+
+void DetailPanel::SetCurrentTab(int tab) {
+    impl_->controls().DetTab->setCurrentIndex(tab);
+}
+
+QString DetailPanel::NotesSummary(const QString& file_name) const {
+    return browser::NotesSummary(impl_->connection(), file_name).value_or(QString());
+}
+
+}  // namespace browser

@@ -1,0 +1,146 @@
+#include "browser/detail_record.h"
+
+#include "catalogue/pin_subs.h"
+#include "platform/files.h"
+
+#include <span>
+
+namespace browser {
+namespace {
+
+struct FieldColumn {
+    DetailField field;
+    const char16_t* column;
+};
+
+// In the order of filling, which decides what a failure leaves.
+constexpr FieldColumn kShownColumns[] = {
+    {kId, u"ID"},
+    {kYear, u"Year"},
+    {kDisplayName, u"DisplayName"},
+    {kFileName, u"FileName"},
+    {kAuthor, u"Author"},
+    {kVersion, u"Version"},
+    {kCompany, u"Company"},
+    {kImageFile, u"ImageFile"},
+    {kFlyerFile, u"FlyerFile"},
+    {kNotes, u"Notes"},
+    {kFileDate, u"FileDate"},
+    {kRulesFile, u"RulesFile"},
+    {kRulesText, u"RulesText"},
+};
+
+constexpr FieldColumn kSavedColumns[] = {
+    {kYear, u"Year"},           {kDisplayName, u"DisplayName"}, {kFileName, u"FileName"},
+    {kAuthor, u"Author"},       {kVersion, u"Version"},         {kCompany, u"Company"},
+    {kImageFile, u"ImageFile"}, {kFlyerFile, u"FlyerFile"},     {kNotes, u"Notes"},
+    {kRulesFile, u"RulesFile"},
+};
+
+// "Field '|' cannot be a zero-length string": columns that older programs made may say so.
+constexpr std::int32_t kZeroLengthRefused = 3315;
+
+base::Status OpenById(jet::Connection& connection, const QString& id, jet::Recordset& rows) {
+    const QString sql = QStringLiteral("Select * from Tables where ID = ") + id;
+    return rows.Open(sql.toStdU16String(), connection, jet::CursorType::kDynamic,
+                     jet::LockType::kOptimistic, jet::CursorLocation::kServer);
+}
+
+enum class EmptyText { kStaysText, kBecomesNull };
+
+jet::Value FieldValue(const QString& text, EmptyText empty) {
+    if (text.isEmpty() && empty == EmptyText::kBecomesNull) return jet::Value::Null();
+    return jet::Value::Text(text.toStdU16String());
+}
+
+base::Status WriteFields(jet::Recordset& rows, const DetailRecord& record,
+                         std::span<const FieldColumn> columns, EmptyText empty) {
+    for (const auto& [field, column] : columns)
+        RETURN_IF_ERROR(rows.SetField(column, FieldValue(record.fields[field], empty)));
+    return {};
+}
+
+base::Status WriteChecks(jet::Recordset& rows, const DetailRecord& record) {
+    RETURN_IF_ERROR(rows.SetField(u"PinMame", jet::Value::Boolean(record.pin_mame)));
+    return rows.SetField(u"favorite", jet::Value::Boolean(record.favorite));
+}
+
+// Runs `write` and Update; a database that refuses empty texts gets Nulls in their place.
+template <typename Write>
+base::Status WriteRow(jet::Recordset& rows, const Write& write) {
+    base::Status done;
+    for (const EmptyText empty : {EmptyText::kStaysText, EmptyText::kBecomesNull}) {
+        done = write(empty);
+        if (done.ok()) done = rows.Update();
+        if (done.ok()) return done;
+        rows.CancelUpdate();
+        if (done.number() != kZeroLengthRefused) return done;
+    }
+    return done;
+}
+
+base::Result<QString> TextOf(jet::Recordset& rows, std::u16string_view column) {
+    ASSIGN_OR_RETURN(const jet::Value value, rows.Fields(column));
+    return catalogue::FieldText(value);
+}
+
+base::Result<bool> IsTrue(jet::Recordset& rows, std::u16string_view column) {
+    ASSIGN_OR_RETURN(const jet::Value value, rows.Fields(column));
+    return jet::ToBool(value);
+}
+
+}  // namespace
+
+base::Status LoadDetailRecord(jet::Connection& connection, const QString& file_name,
+                              DetailRecord& record) {
+    const QString sql = QStringLiteral("Select * from tables where FileName = '") +
+                        catalogue::QuoteSqlExpr(file_name) + QStringLiteral("'");
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), connection));
+    for (const auto& [field, column] : kShownColumns) {
+        ASSIGN_OR_RETURN(record.fields[field], TextOf(rows, column));
+    }
+    ASSIGN_OR_RETURN(record.pin_mame, IsTrue(rows, u"Pinmame"));
+    ASSIGN_OR_RETURN(record.favorite, IsTrue(rows, u"favorite"));
+    record.checks_read = true;
+    ASSIGN_OR_RETURN(record.times_played, TextOf(rows, u"TimesPlayed"));
+    ASSIGN_OR_RETURN(record.last_played, TextOf(rows, u"LastPlayed"));
+    return {};
+}
+
+std::optional<DetailField> FirstMissingFile(const DetailRecord& record) {
+    for (const DetailField field : {kImageFile, kFlyerFile, kRulesFile}) {
+        const QString& path = record.fields[field];
+        if (!path.trimmed().isEmpty() && !platform::FileExists(path)) return field;
+    }
+    return std::nullopt;
+}
+
+base::Status SaveDetailRecord(jet::Connection& connection, const DetailRecord& record) {
+    jet::Recordset rows;
+    RETURN_IF_ERROR(OpenById(connection, record.fields[kId], rows));
+    return WriteRow(rows, [&](EmptyText empty) {
+        RETURN_IF_ERROR(WriteFields(rows, record, kSavedColumns, empty));
+        return WriteChecks(rows, record);
+    });
+}
+
+base::Status SaveRulesText(jet::Connection& connection, const QString& id, const QString& text) {
+    jet::Recordset rows;
+    RETURN_IF_ERROR(OpenById(connection, id, rows));
+    return WriteRow(rows, [&](EmptyText empty) {
+        return rows.SetField(u"rulestext", FieldValue(text, empty));
+    });
+}
+
+base::Status DeleteRecord(jet::Connection& connection, const QString& id) {
+    const QString sql = QStringLiteral("Delete from tables where ID = ") + id;
+    const auto done = connection.Execute(sql.toStdU16String());
+    return done.ok() ? base::Status() : done.status();
+}
+
+bool IsUsablePictureFile(const QString& path) {
+    return path.contains(QLatin1Char('.')) && platform::FileExists(path);
+}
+
+}  // namespace browser

@@ -1,0 +1,60 @@
+#include "browser/table_info_command.h"
+
+#include "tableinfo/frmReadVPT.h"
+#include "tableinfo/storage_tools.h"
+#include "tableinfo/update_from_table_files.h"
+
+namespace browser {
+namespace {
+
+class PanelAsTarget final : public tableinfo::DetailTarget {
+public:
+    explicit PanelAsTarget(DetailPanel& panel) : panel_(panel) {}
+    void SetDetailText(int index, const QString& text) override {
+        panel_.SetDetailText(index, text);
+    }
+    void Save() override { panel_.Save(); }
+    void SaveRules() override { panel_.SaveRules(); }
+
+private:
+    DetailPanel& panel_;
+};
+
+platform::Message NoInformation() {
+    platform::Message message;
+    message.text = QStringLiteral("There is no table Information for this table");
+    message.title = QStringLiteral("Table Info");
+    message.icon = platform::MessageIcon::kInformation;
+    return message;
+}
+
+platform::Message Failure(const base::Status& status) {
+    platform::Message message;
+    message.text = QString::fromStdString(status.message());
+    message.icon = platform::MessageIcon::kExclamation;
+    return message;
+}
+
+constexpr int kShowProgress = 1;
+
+}  // namespace
+
+void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::UserPrompts& prompts,
+                   platform::Shell& shell, QWidget* parent) {
+    if (!tableinfo::HasTableInfo(table_file)) {
+        prompts.Ask(NoInformation());
+        return;
+    }
+    PanelAsTarget target(details);
+    tableinfo::frmReadVPT dialog(table_file, prompts, shell, target, parent);
+    dialog.exec();
+}
+
+void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
+                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree) {
+    const auto updated = tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status);
+    if (!updated.ok()) prompts.Ask(Failure(updated));
+    refresh_tree();
+}
+
+}  // namespace browser

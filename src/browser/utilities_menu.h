@@ -1,0 +1,16 @@
+// Which entries of the Utilities menu can be chosen when it opens.
+#pragma once
+
+namespace browser {
+
+struct UtilitiesMenuState {
+    bool reset_paths = true;   // mnuRest
+    bool reset_dates = true;   // mnuDates
+    bool default_size = true;  // mnuSize
+    bool operator==(const UtilitiesMenuState&) const = default;
+};
+
+// `current_tab`: of the detail tabs, 0..4. `window_normal`: neither minimised nor maximised.
+UtilitiesMenuState UtilitiesMenuFor(int current_tab, bool window_normal);
+
+}  // namespace browser

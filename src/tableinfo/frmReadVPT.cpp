@@ -1,0 +1,217 @@
+#include "tableinfo/frmReadVPT.h"
+
+#include "tableinfo/picture_box.h"
+#include "tableinfo/storage_tools.h"
+#include "tableinfo/text_box.h"
+
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+namespace tableinfo {
+namespace {
+
+constexpr int kMailBox = 4;
+constexpr int kSiteBox = 5;
+constexpr QSize kOpeningSize(720, 600);
+
+QString ElementName(const char* array, int index) {
+    return QLatin1String(array) + QLatin1Char('_') + QString::number(index);
+}
+
+template <typename Widget>
+Widget* Named(Widget* widget, const char* name) {
+    widget->setObjectName(QLatin1String(name));
+    return widget;
+}
+
+QPushButton* Button(const char* name, const QString& caption) {
+    auto* button = Named(new QPushButton(caption), name);
+    button->setAutoDefault(false);
+    return button;
+}
+
+// The element `index` of txtInfo.
+TextBox MakeInfoBox(int index) {
+    const bool several_lines = kInfoBoxes[static_cast<std::size_t>(index)].several_lines;
+    const TextBox box = several_lines ? TextBox::SeveralLines() : TextBox::OneLine();
+    box.widget()->setObjectName(ElementName("txtInfo", index));
+    if (several_lines)
+        box.widget()->setMinimumHeight(box.widget()->fontMetrics().lineSpacing() * 3);
+    return box;
+}
+
+}  // namespace
+
+struct frmReadVPT::Controls {
+    std::array<TextBox, kInfoBoxCount> txtInfo;
+    QComboBox* cboCustom = Named(new QComboBox, "cboCustom");
+    WholeTextEdit* txtCustom = Named(new WholeTextEdit, "txtCustom");
+    PictureBox* picThm = Named(new PictureBox, "picThm");
+    QPushButton* cmdUpdateFace = Button("cmdUpdateFace", QStringLiteral("Update Tavolo Details"));
+    QPushButton* cmdMail = Button("cmdMail", QStringLiteral("Send Mail"));
+    QPushButton* cmdSite = Button("cmdSite", QStringLiteral("Go To Site"));
+    QPushButton* Command1 = Button("Command1", QStringLiteral("Close"));
+
+    void PlaceInfoBox(QGridLayout* grid, int row, int index, int columns);
+    QLayout* Lines();
+    QLayout* Picture();
+    QLayout* LongTexts();
+    QLayout* CustomFields();
+    QLayout* Buttons();
+};
+
+void frmReadVPT::Controls::PlaceInfoBox(QGridLayout* grid, int row, int index, int columns) {
+    const auto i = static_cast<std::size_t>(index);
+    txtInfo[i] = MakeInfoBox(index);
+    auto* label = new QLabel(QString::fromUtf16(kInfoBoxes[i].label));
+    label->setObjectName(ElementName("lblInfo", index));
+    label->setBuddy(txtInfo[i].widget());
+    grid->addWidget(label, row, 0, kInfoBoxes[i].several_lines ? Qt::AlignTop : Qt::AlignVCenter);
+    grid->addWidget(txtInfo[i].widget(), row, 1, 1, columns);
+}
+
+QLayout* frmReadVPT::Controls::Lines() {
+    auto* grid = new QGridLayout;
+    for (int index = 0; index < kMailBox; ++index)
+        PlaceInfoBox(grid, index, index, 2);
+    PlaceInfoBox(grid, kMailBox, kMailBox, 1);
+    grid->addWidget(cmdMail, kMailBox, 2);
+    PlaceInfoBox(grid, kSiteBox, kSiteBox, 1);
+    grid->addWidget(cmdSite, kSiteBox, 2);
+    grid->setRowStretch(kSiteBox + 1, 1);
+    return grid;
+}
+
+QLayout* frmReadVPT::Controls::Picture() {
+    auto* column = new QVBoxLayout;
+    column->addWidget(new QLabel(QStringLiteral("Picture Preview")));
+    picThm->setMinimumSize(220, 150);
+    column->addWidget(picThm, 1);
+    return column;
+}
+
+QLayout* frmReadVPT::Controls::LongTexts() {
+    auto* grid = new QGridLayout;
+    for (int index = kSiteBox + 1; index < kInfoBoxCount; ++index) {
+        const int row = index - kSiteBox - 1;
+        PlaceInfoBox(grid, row, index, 1);
+        grid->setRowStretch(row, index == kInfoBoxCount - 1 ? 2 : 1);
+    }
+    return grid;
+}
+
+QLayout* frmReadVPT::Controls::CustomFields() {
+    auto* row = new QHBoxLayout;
+    auto* label = new QLabel(QStringLiteral("Custom:"));
+    label->setBuddy(cboCustom);
+    cboCustom->setMinimumContentsLength(16);
+    txtCustom->setMinimumHeight(txtCustom->fontMetrics().lineSpacing() * 2);
+    txtCustom->setMaximumHeight(txtCustom->fontMetrics().lineSpacing() * 4);
+    row->addWidget(label, 0, Qt::AlignTop);
+    row->addWidget(cboCustom, 0, Qt::AlignTop);
+    row->addWidget(txtCustom, 1);
+    return row;
+}
+
+QLayout* frmReadVPT::Controls::Buttons() {
+    auto* row = new QHBoxLayout;
+    row->addWidget(cmdUpdateFace);
+    row->addStretch();
+    row->addWidget(Command1);
+    return row;
+}
+
+frmReadVPT::frmReadVPT(const QString& path, platform::UserPrompts& prompts, platform::Shell& shell,
+                       DetailTarget& details, QWidget* parent)
+    : QDialog(parent), path_(path), prompts_(prompts), shell_(shell), details_(details),
+      controls_(std::make_unique<Controls>()) {
+    setObjectName(QStringLiteral("frmReadVPT"));
+    setWindowTitle(QStringLiteral("Table Information"));
+    BuildControls();
+    ConnectControls();
+    LoadInformation();
+    resize(kOpeningSize);
+}
+
+frmReadVPT::~frmReadVPT() = default;
+
+void frmReadVPT::BuildControls() {
+    auto* upper = new QHBoxLayout;
+    upper->addLayout(controls_->Lines(), 3);
+    upper->addLayout(controls_->Picture(), 2);
+    auto* column = new QVBoxLayout(this);
+    column->addLayout(upper);
+    column->addLayout(controls_->LongTexts(), 1);
+    column->addLayout(controls_->CustomFields());
+    column->addLayout(controls_->Buttons());
+}
+
+void frmReadVPT::ConnectControls() {
+    connect(controls_->cboCustom, &QComboBox::currentIndexChanged, this,
+            &frmReadVPT::ShowCustomText);
+    connect(controls_->cmdUpdateFace, &QPushButton::clicked, this, &frmReadVPT::UpdateDetails);
+    connect(controls_->cmdMail, &QPushButton::clicked, this, &frmReadVPT::SendMail);
+    connect(controls_->cmdSite, &QPushButton::clicked, this, &frmReadVPT::GoToSite);
+    connect(controls_->Command1, &QPushButton::clicked, this, &QDialog::close);
+}
+
+void frmReadVPT::LoadInformation() {
+    TableInfoFile file(path_);
+    ShowCustomNames(file);
+    if (const auto screenshot = file.Screenshot())
+        controls_->picThm->SetPicture(PictureSource::Bytes(*screenshot)).Ignore();
+    for (std::size_t i = 0; i < kInfoBoxes.size(); ++i)
+        controls_->txtInfo[i].SetText(file.ReadStream(QString::fromUtf16(kInfoBoxes[i].tag)));
+}
+
+void frmReadVPT::ShowCustomNames(TableInfoFile& file) {
+    QStringList names;
+    file.ListCustomStreams(names);
+    const QSignalBlocker nothing_chosen_yet(controls_->cboCustom);
+    controls_->cboCustom->addItems(names);
+    controls_->cboCustom->setCurrentIndex(-1);
+    controls_->cboCustom->setEnabled(!names.isEmpty());
+}
+
+QString frmReadVPT::ReadStream(const QString& name) const {
+    return ReadTableInfoStream(path_, name);
+}
+
+QString frmReadVPT::InfoText(int index) const {
+    return controls_->txtInfo[static_cast<std::size_t>(index)].Text();
+}
+
+void frmReadVPT::ShowCustomText() {
+    controls_->txtCustom->SetWholeText(ReadStream(controls_->cboCustom->currentText()));
+}
+
+void frmReadVPT::UpdateDetails() {
+    InfoTexts texts;
+    for (int index = 0; index < kInfoBoxCount; ++index)
+        texts[static_cast<std::size_t>(index)] = InfoText(index);
+    CopyIntoDetails(
+        texts, [this](const QString& name) { return ReadStream(name); }, details_);
+}
+
+void frmReadVPT::SendMail() {
+    OpenAddress(MailAddress(InfoText(kMailBox), InfoText(0)));
+}
+
+void frmReadVPT::GoToSite() {
+    OpenAddress(SiteAddress(InfoText(kSiteBox)));
+}
+
+// The address comes from a stranger's file: it is one argument of the open call and nothing more.
+void frmReadVPT::OpenAddress(const QString& address) {
+    if (shell_.Open(address).ok()) return;
+    platform::Message message;
+    message.text = QStringLiteral("Cannot open site: ") + address;
+    message.icon = platform::MessageIcon::kInformation;
+    prompts_.Ask(message);
+}
+
+}  // namespace tableinfo

@@ -1,0 +1,16 @@
+// The window that shows a picture large: as large as it is, or as large as the screen allows.
+// A click into it or Escape closes it.
+#pragma once
+
+#include "tableinfo/picture_loader.h"
+
+#include <QtCore/QSize>
+#include <QtWidgets/QWidget>
+
+namespace tableinfo {
+
+// Opens the window (object name frmLargePicture), owned by `parent`; it deletes itself when it is
+// closed. `own_size`: the picture's size in pixels; empty: not known.
+void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* parent);
+
+}  // namespace tableinfo

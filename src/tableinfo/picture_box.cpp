@@ -1,0 +1,125 @@
+#include "tableinfo/picture_box.h"
+
+#include "tableinfo/large_picture_window.h"
+
+#include <QtGui/QMouseEvent>
+#include <QtGui/QPainter>
+#include <QtSvg/QSvgRenderer>
+
+namespace tableinfo {
+namespace {
+
+constexpr int kResizePauseMs = 150;
+
+// `size` as large as fits into `box`, in the middle of it.
+QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
+    if (may_grow || size.width() > box.width() || size.height() > box.height())
+        size.scale(box.size(), Qt::KeepAspectRatio);
+    QRectF place(QPointF(), size);
+    place.moveCenter(box.center());
+    return place;
+}
+
+void DrawPlaceholder(QPainter& painter, const QRectF& box) {
+    static QSvgRenderer artwork(QStringLiteral(":/tavolo/placeholder.svg"));
+    if (!artwork.isValid()) return;
+    artwork.render(&painter, Centred(artwork.defaultSize(), box, true));
+}
+
+}  // namespace
+
+PictureBox::PictureBox(QWidget* parent, Click click) : QWidget(parent), click_(click) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    decode_again_.setSingleShot(true);
+    decode_again_.setInterval(kResizePauseMs);
+    connect(&decode_again_, &QTimer::timeout, this, [this] {
+        decoded_ = {};
+        update();
+    });
+}
+
+base::Status PictureBox::SetPicture(const PictureSource& source) {
+    auto size = PictureSize(source);
+    if (!size.ok()) {
+        ShowPlaceholder();
+        return size.status();
+    }
+    SetSource(source);
+    own_size_ = *size;
+    return {};
+}
+
+void PictureBox::ShowPlaceholder() {
+    SetSource({});
+}
+
+void PictureBox::SetSource(const PictureSource& source) {
+    source_ = source;
+    own_size_ = {};
+    decoded_ = {};
+    decode_again_.stop();
+    const bool opens = click_ == Click::kShowsLarge && !source_.is_empty();
+    setCursor(opens ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    update();
+}
+
+QImage PictureBox::ShownImage() {
+    if (decoded_.isNull() && !shows_placeholder()) Decode();
+    return decoded_;
+}
+
+QSize PictureBox::sizeHint() const {
+    return {320, 240};
+}
+
+QSize PictureBox::minimumSizeHint() const {
+    return {32, 24};
+}
+
+QSize PictureBox::BoxInPixels() const {
+    return (QSizeF(size()) * devicePixelRatioF()).toSize().expandedTo({1, 1});
+}
+
+void PictureBox::Decode() {
+    auto decoded = DecodePicture(source_, BoxInPixels());
+    if (decoded.ok()) {
+        decoded_ = std::move(*decoded);
+        return;
+    }
+    ShowPlaceholder();
+    // Not from inside a paint: a receiver may change other boxes.
+    QMetaObject::invokeMethod(this, &PictureBox::Undecodable, Qt::QueuedConnection);
+}
+
+bool PictureBox::DecodedIsTooSmall() const {
+    if (decoded_.isNull() || own_size_.isEmpty() || decoded_.size() == own_size_) return false;
+    const QSize wanted = own_size_.scaled(BoxInPixels(), Qt::KeepAspectRatio).boundedTo(own_size_);
+    return decoded_.width() < wanted.width() || decoded_.height() < wanted.height();
+}
+
+void PictureBox::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (DecodedIsTooSmall()) decode_again_.start();
+}
+
+void PictureBox::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QImage image = ShownImage();
+    if (image.isNull()) return DrawPlaceholder(painter, rect());
+    const QSizeF natural =
+        QSizeF(own_size_.isEmpty() ? image.size() : own_size_) / devicePixelRatioF();
+    painter.drawImage(Centred(natural, rect(), false), image);
+}
+
+void PictureBox::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
+    if (click_ == Click::kShowsLarge) ShowLarge();
+    Q_EMIT Clicked();
+}
+
+void PictureBox::ShowLarge() {
+    if (!shows_placeholder()) ShowPictureLarge(source_, own_size_, window());
+}
+
+}  // namespace tableinfo

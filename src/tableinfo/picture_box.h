@@ -1,0 +1,60 @@
+// PictureBox: shows one picture with its proportions kept, centred, never enlarged; a placeholder
+// when there is none. The picture is decoded when the box is first painted and at the size it has
+// then, so a box on a hidden tab costs only the look at a header. A click shows the picture large
+// in a window of its own.
+#pragma once
+
+#include "base/status.h"
+#include "tableinfo/picture_loader.h"
+
+#include <QtCore/QTimer>
+#include <QtGui/QImage>
+#include <QtWidgets/QWidget>
+
+namespace tableinfo {
+
+class PictureBox : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class Click { kShowsLarge, kIsSignalled };
+
+    explicit PictureBox(QWidget* parent = nullptr, Click click = Click::kShowsLarge);
+
+    // Looks at the picture's header and shows it. On failure the box shows the placeholder.
+    base::Status SetPicture(const PictureSource& source);
+    void ShowPlaceholder();
+    bool shows_placeholder() const { return source_.is_empty(); }
+    const PictureSource& source() const { return source_; }
+
+    // What the box shows, at its present size; null when it shows the placeholder.
+    QImage ShownImage();
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    void Clicked();
+    // The header promised a picture that the data does not hold; the box shows the placeholder now.
+    void Undecodable();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    QSize BoxInPixels() const;
+    bool DecodedIsTooSmall() const;
+    void Decode();
+    void ShowLarge();
+    void SetSource(const PictureSource& source);
+
+    Click click_;
+    PictureSource source_;
+    QSize own_size_;       // of the picture; empty: not known before decoding
+    QImage decoded_;       // null until the first paint
+    QTimer decode_again_;  // waits until the resizing has paused
+};
+
+}  // namespace tableinfo

@@ -1,0 +1,111 @@
+#include "tableinfo/picture_loader.h"
+
+#include <QtCore/QBuffer>
+#include <QtCore/QFile>
+#include <QtCore/QtEndian>
+#include <QtGui/QImageReader>
+
+#include <cstdlib>
+#include <memory>
+
+namespace tableinfo {
+namespace {
+
+base::Status Failure(base::StatusCode code, const PictureSource& source, const QString& reason) {
+    const QString name = source.path.isEmpty() ? QStringLiteral("picture") : source.path;
+    return {code, (name + QStringLiteral(": ") + reason).toStdString()};
+}
+
+// The bytes of a picture, opened for reading. nullptr: they cannot be read.
+std::unique_ptr<QIODevice> OpenSource(const PictureSource& source) {
+    std::unique_ptr<QIODevice> device;
+    if (source.path.isEmpty()) {
+        auto buffer = std::make_unique<QBuffer>();
+        buffer->setData(source.bytes);
+        device = std::move(buffer);
+    } else {
+        device = std::make_unique<QFile>(source.path);
+    }
+    if (!device->open(QIODevice::ReadOnly)) return nullptr;
+    return device;
+}
+
+// Windows bitmap file header and info header: offset of the pixels at 10, width at 18, height at
+// 22, bits per pixel at 28, compression at 30 (0: rows as they are), all little-endian.
+constexpr qsizetype kBitmapHeaderBytes = 34;
+
+// The decoder hands out unwritten memory for rows that are missing, so they are counted here.
+bool IsCutBitmap(QIODevice& device) {
+    const QByteArray header = device.peek(kBitmapHeaderBytes);
+    if (header.size() < kBitmapHeaderBytes || !header.startsWith("BM")) return false;
+    const char* bytes = header.constData();
+    const qint64 info_bytes = qFromLittleEndian<quint32>(bytes + 14);
+    if (info_bytes < 40 || qFromLittleEndian<quint32>(bytes + 30) != 0) return false;
+    const qint64 width = qFromLittleEndian<qint32>(bytes + 18);
+    const qint64 height = std::abs(qint64{qFromLittleEndian<qint32>(bytes + 22)});
+    const qint64 bits = qFromLittleEndian<quint16>(bytes + 28);
+    const qint64 row_bytes = (width * bits + 31) / 32 * 4;
+    if (width <= 0 || height == 0 || row_bytes <= 0) return true;
+    const qint64 present = device.size() - qint64{qFromLittleEndian<quint32>(bytes + 10)};
+    return present / row_bytes < height;
+}
+
+bool IsRotated(const QImageReader& reader) {
+    return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
+}
+
+// Set up for `device`; refuses what is no picture.
+base::Status Prepare(QImageReader& reader, const PictureSource& source) {
+    QImageReader::setAllocationLimit(kPictureMemoryMegabytes);
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    if (!reader.canRead() || reader.format().startsWith("svg"))
+        return Failure(base::StatusCode::kUnsupported, source,
+                       QStringLiteral("this is not a picture that can be shown"));
+    if (reader.format() == "bmp" && IsCutBitmap(*reader.device()))
+        return Failure(base::StatusCode::kCorruption, source,
+                       QStringLiteral("the bitmap is shorter than its header says"));
+    return {};
+}
+
+base::Status Missing(const PictureSource& source) {
+    return Failure(base::StatusCode::kNotFound, source, QStringLiteral("the file cannot be read"));
+}
+
+// The size to decode to, in the orientation of the file. Empty: the size is known only after
+// decoding.
+QSize StoredTarget(const QImageReader& reader, QSize box) {
+    const QSize stored = reader.size();
+    if (stored.isEmpty()) return {};
+    if (IsRotated(reader)) box.transpose();
+    if (stored.width() <= box.width() && stored.height() <= box.height()) return stored;
+    return stored.scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1});
+}
+
+}  // namespace
+
+base::Result<QSize> PictureSize(const PictureSource& source) {
+    const auto device = OpenSource(source);
+    if (!device) return Missing(source);
+    QImageReader reader(device.get());
+    RETURN_IF_ERROR(Prepare(reader, source));
+    QSize size = reader.size();
+    if (IsRotated(reader)) size.transpose();
+    return size;
+}
+
+base::Result<QImage> DecodePicture(const PictureSource& source, QSize box) {
+    const auto device = OpenSource(source);
+    if (!device) return Missing(source);
+    QImageReader reader(device.get());
+    RETURN_IF_ERROR(Prepare(reader, source));
+    const QSize target = StoredTarget(reader, box);
+    if (!target.isEmpty() && target != reader.size()) reader.setScaledSize(target);
+    QImage image = reader.read();
+    if (image.isNull()) return Failure(base::StatusCode::kCorruption, source, reader.errorString());
+    if (image.width() > box.width() || image.height() > box.height())
+        image = image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    return image;
+}
+
+}  // namespace tableinfo

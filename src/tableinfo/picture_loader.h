@@ -1,0 +1,40 @@
+// Pictures of unknown origin: found out about from their headers, decoded at the size they are
+// shown in. Formats: BMP, JPEG, GIF and whatever else Qt reads, vector formats excepted (nothing
+// bounds the work of drawing one). Every file is taken as hostile: a picture that would need more
+// than kPictureMemoryMegabytes of memory, or that is shorter than its header says, is refused
+// before the memory is taken. Errors: kNotFound (no such file, no bytes), kUnsupported (no picture,
+// or too large), kCorruption (its data is damaged). Nothing throws.
+#pragma once
+
+#include "base/status.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QSize>
+#include <QtCore/QString>
+#include <QtGui/QImage>
+
+namespace tableinfo {
+
+// 64 megapixels of four bytes.
+inline constexpr int kPictureMemoryMegabytes = 256;
+
+// Where a picture comes from: the file `path`, or `bytes` when there is no path.
+struct PictureSource {
+    QString path;
+    QByteArray bytes;
+
+    static PictureSource File(const QString& path) { return {path, {}}; }
+    static PictureSource Bytes(const QByteArray& bytes) { return {{}, bytes}; }
+    bool is_empty() const { return path.isEmpty() && bytes.isEmpty(); }
+    bool operator==(const PictureSource&) const = default;
+};
+
+// Width and height in pixels as the picture is meant to be seen (a camera's rotation applied).
+// Reads the header only.
+base::Result<QSize> PictureSize(const PictureSource& source);
+
+// The picture with its proportions kept, as large as fits into `box` (pixels), never larger than it
+// is. Requires: box is not empty.
+base::Result<QImage> DecodePicture(const PictureSource& source, QSize box);
+
+}  // namespace tableinfo

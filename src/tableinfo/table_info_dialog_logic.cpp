@@ -1,0 +1,87 @@
+#include "tableinfo/table_info_dialog_logic.h"
+
+namespace tableinfo {
+namespace {
+
+// Boxes of the dialog.
+constexpr int kNameBox = 0;
+constexpr int kAuthorBox = 1;
+constexpr int kVersionBox = 2;
+constexpr int kBlurbBox = 6;
+constexpr int kRulesBox = 8;
+
+// Fields of the main window's details.
+constexpr int kYearField = 1;
+constexpr int kNameField = 2;
+constexpr int kAuthorField = 4;
+constexpr int kVersionField = 5;
+constexpr int kCompanyField = 6;
+constexpr int kNotesField = 9;
+constexpr int kRulesTextField = 12;
+
+struct Copy {
+    int box;
+    int field;
+};
+
+constexpr Copy kCopies[] = {
+    {kNameBox, kNameField},
+    {kAuthorBox, kAuthorField},
+    {kVersionBox, kVersionField},
+    {kBlurbBox, kNotesField},
+};
+
+const QString& TextOf(const InfoTexts& texts, int box) {
+    return texts[static_cast<std::size_t>(box)];
+}
+
+bool IsBlank(const QString& text) {
+    return text.trimmed().isEmpty();
+}
+
+void CopyStream(const StreamReader& read_stream, const QString& stream_name, int field,
+                DetailTarget& target) {
+    const QString text = read_stream(stream_name);
+    if (!text.isEmpty()) target.SetDetailText(field, text);
+}
+
+}  // namespace
+
+const std::array<InfoBox, kInfoBoxCount> kInfoBoxes = {{
+    {u"TableName", u"Table Name", false},
+    {u"AuthorName", u"Table Author", false},
+    {u"TableVersion", u"Version", false},
+    {u"ReleaseDate", u"Release Date", false},
+    {u"AuthorEmail", u"E-Mail", false},
+    {u"AuthorWebSite", u"Web Site", false},
+    {u"TableBlurb", u"Short Blurb", true},
+    {u"TableDescription", u"Description", true},
+    {u"TableRules", u"Rules", true},
+}};
+
+// The prefix is looked for in lower case among upper-cased letters, so it is never found: an
+// address that brings it along gets it twice, as it always has.
+QString MailAddress(const QString& address, const QString& table_name) {
+    return QStringLiteral("Mailto:") + address + QStringLiteral("?subject=") + table_name;
+}
+
+QString SiteAddress(const QString& address) {
+    const bool is_complete = address.left(7).toUpper() == QStringLiteral("HTTP://");
+    return is_complete ? address : QStringLiteral("http://") + address;
+}
+
+void CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream,
+                     DetailTarget& target) {
+    for (const auto& [box, field] : kCopies)
+        if (const QString& text = TextOf(texts, box); !IsBlank(text))
+            target.SetDetailText(field, text);
+    CopyStream(read_stream, QStringLiteral("CompanyName"), kCompanyField, target);
+    CopyStream(read_stream, QStringLiteral("CompanyYear"), kYearField, target);
+    target.Save();
+    const QString& rules = TextOf(texts, kRulesBox);
+    if (IsBlank(rules)) return;
+    target.SetDetailText(kRulesTextField, rules);
+    target.SaveRules();
+}
+
+}  // namespace tableinfo

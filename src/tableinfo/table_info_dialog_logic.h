@@ -1,0 +1,51 @@
+// What the table information dialog does besides showing texts: which box shows which stream, the
+// addresses it opens, and the copying into the main window's details.
+#pragma once
+
+#include <QtCore/QString>
+
+#include <array>
+#include <functional>
+
+namespace tableinfo {
+
+inline constexpr int kInfoBoxCount = 9;
+
+// One element of the control array txtInfo.
+struct InfoBox {
+    const char16_t* tag;    // name of the stream that it shows
+    const char16_t* label;  // caption beside it
+    bool several_lines;
+};
+
+extern const std::array<InfoBox, kInfoBoxCount> kInfoBoxes;
+
+// The texts of the boxes, by index.
+using InfoTexts = std::array<QString, kInfoBoxCount>;
+
+// "Mailto:" + address + "?subject=" + table name, also for an address that has the prefix already.
+QString MailAddress(const QString& address, const QString& table_name);
+
+// The address as it is when it begins with "HTTP://" in any letter case, otherwise with "http://"
+// in front.
+QString SiteAddress(const QString& address);
+
+// The details of the table in the main window.
+class DetailTarget {
+public:
+    virtual ~DetailTarget() = default;
+    // `index`: of the field, 0..12. Counts as an edit of the user.
+    virtual void SetDetailText(int index, const QString& text) = 0;
+    // The two Save commands; what goes wrong is shown by them.
+    virtual void Save() = 0;
+    virtual void SaveRules() = 0;
+};
+
+// The text of a stream of the table file by its name; empty when there is none.
+using StreamReader = std::function<QString(const QString& stream_name)>;
+
+// "Update Tavolo Details": puts the texts that are not blank into the details and saves them, then
+// the rules.
+void CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream, DetailTarget& target);
+
+}  // namespace tableinfo

@@ -1,0 +1,35 @@
+// TextBox: a field that shows a text, in one line or in several, and gives it back as it was given
+// unless it was edited.
+#pragma once
+
+#include "tableinfo/whole_text_edit.h"
+
+#include <QtWidgets/QLineEdit>
+
+#include <functional>
+
+namespace tableinfo {
+
+// A handle to a widget that somebody else owns; copies stand for the same widget. A default-made
+// one stands for none.
+class TextBox {
+public:
+    TextBox() = default;
+    static TextBox OneLine(QWidget* parent = nullptr);
+    static TextBox SeveralLines(QWidget* parent = nullptr);
+
+    QString Text() const;
+    void SetText(const QString& text);
+    void SetReadOnly();
+    // The focus, with the whole text selected.
+    void FocusAndSelectAll();
+    // Calls `action` after every change of the text while the widget lives.
+    void OnChange(const std::function<void()>& action) const;
+    QWidget* widget() const;
+
+private:
+    QLineEdit* line_ = nullptr;       // this one
+    WholeTextEdit* lines_ = nullptr;  // or that one
+};
+
+}  // namespace tableinfo

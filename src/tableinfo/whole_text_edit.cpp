@@ -1,0 +1,51 @@
+#include "tableinfo/whole_text_edit.h"
+
+namespace tableinfo {
+namespace {
+
+// The editor lays out a paragraph as one piece: its time and memory grow with the longest line.
+// These bounds keep the longest wait under a second.
+constexpr qsizetype kMostCharacters = 2'000'000;
+constexpr qsizetype kLongestLine = 50'000;
+
+bool IsLineEnd(QChar c) {
+    return c == QLatin1Char('\r') || c == QLatin1Char('\n');
+}
+
+// How much of `text` the editor can show.
+qsizetype ShownLength(const QString& text) {
+    const qsizetype most = qMin(text.size(), kMostCharacters);
+    qsizetype line_start = 0;
+    for (qsizetype i = 0; i < most; ++i) {
+        if (IsLineEnd(text[i])) line_start = i + 1;
+        if (i - line_start >= kLongestLine) return i;
+    }
+    return most;
+}
+
+}  // namespace
+
+WholeTextEdit::WholeTextEdit(QWidget* parent) : QPlainTextEdit(parent) {
+    setTabChangesFocus(true);
+}
+
+void WholeTextEdit::SetWholeText(const QString& text) {
+    text_ = text;
+    const qsizetype shown = ShownLength(text);
+    shows_beginning_only_ = shown < text.size();
+    setReadOnly(shows_beginning_only_);
+    setToolTip(shows_beginning_only_
+                   ? tr("This text is too long to be edited here. Its beginning is shown.")
+                   : QString());
+    setPlainText(shows_beginning_only_ ? text.left(shown) : text);
+}
+
+QString WholeTextEdit::WholeText() const {
+    if (shows_beginning_only_ || !document()->isModified()) return text_;
+    // Not toPlainText(), which turns no-break spaces into blanks.
+    QString text = document()->toRawText();
+    text.replace(QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator));
+    return text.replace(QChar(QChar::ParagraphSeparator), QStringLiteral("\r\n"));
+}
+
+}  // namespace tableinfo
