@@ -1,0 +1,101 @@
+#include "pictures/capture_session.h"
+
+#include "pictures/jpeg_bridge.h"
+#include "platform/application_folder.h"
+
+#include <QtCore/QFile>
+#include <QtGui/QPainter>
+
+namespace pictures {
+namespace {
+
+// Bitmaps have no transparency: what shines through is white, as paper is.
+QImage Opaque(const QImage& image) {
+    if (!image.hasAlphaChannel()) return image.convertToFormat(QImage::Format_RGB32);
+    QImage flat(image.size(), QImage::Format_RGB32);
+    flat.fill(Qt::white);
+    QPainter(&flat).drawImage(0, 0, image);
+    return flat;
+}
+
+}  // namespace
+
+bool IsJpegName(const QString& path) {
+    const QString extension = path.section(u'.', -1).toLower();
+    return path.contains(u'.') &&
+           (extension == u"jpg" || extension == u"jpe" || extension == u"jpeg");
+}
+
+CaptureSession::CaptureSession(catalogue::ProcessValues& values, platform::UserPrompts& prompts)
+    : values_(values), prompts_(prompts) {}
+
+void CaptureSession::Paste(const QImage& clipboard) {
+    if (clipboard.isNull()) return;
+    const QString bmp = platform::FileIn(values_.ApplicationFolder, QStringLiteral("temp.bmp"));
+    const QString jpeg = platform::FileIn(values_.ApplicationFolder, QStringLiteral("temp.jpg"));
+    if (WriteTemporaryBmp(clipboard, bmp) && Convert(bmp, jpeg) && Show(jpeg)) current_file_ = jpeg;
+    QFile::remove(bmp);
+}
+
+bool CaptureSession::WriteTemporaryBmp(const QImage& image, const QString& path) {
+    if (qint64{image.width()} * image.height() <= kMostPixels && Opaque(image).save(path, "BMP"))
+        return true;
+    ReportStatus({base::StatusCode::kIoError,
+                  (path + QStringLiteral(": the picture cannot be written")).toStdString()});
+    return false;
+}
+
+bool CaptureSession::Convert(const QString& bmp, const QString& jpeg) {
+    cDIBSection pasted;
+    if (!pasted.Load(bmp, prompts_)) return false;
+    const auto saved = SaveJPG(pasted, jpeg, prompts_);
+    if (!saved.ok()) ReportStatus(saved.status());
+    return saved.value_or(false);
+}
+
+void CaptureSession::SetScale(int scale) {
+    scale_ = scale;
+    if (!current_file_.isEmpty()) Show(current_file_);
+}
+
+bool CaptureSession::Show(const QString& path) {
+    cDIBSection shown;
+    if (!IsJpegName(path)) {
+        if (!shown.Load(path, prompts_)) return false;
+    } else {
+        const auto loaded = LoadJPG(shown, path, scale_, prompts_);
+        if (!loaded.ok()) ReportStatus(loaded.status());
+        if (!loaded.value_or(false)) return false;
+    }
+    picture_ = std::move(shown);
+    return true;
+}
+
+QString CaptureSession::Save() {
+    const QString path = prompts_.ChooseFileToSave(
+        {.title = {},
+         .filter = QStringLiteral("JPEG Files (*.jpg;*.jpe;*.jpeg)|*.jpg;*.jpe;*.jpeg|"),
+         .file_name = {},
+         .folder = values_.LastPictureDir,
+         .default_extension = QStringLiteral(".jpg")});
+    if (path.isEmpty()) return {};
+    const auto saved = SaveJPG(picture_, path, prompts_);
+    if (!saved.ok()) ReportStatus(saved.status());
+    return saved.value_or(false) ? path : QString();
+}
+
+void CaptureSession::RememberFolderOf(const QString& path) {
+    values_.LastPictureDir = catalogue::GetFolder(path);
+}
+
+QString CaptureSession::SizeText() const {
+    return QStringLiteral("%1X%2").arg(picture_.dib_width()).arg(picture_.dib_height());
+}
+
+void CaptureSession::ReportStatus(const base::Status& status) {
+    prompts_.Ask({.text = QString::fromStdString(status.message()),
+                  .title = {},
+                  .icon = platform::MessageIcon::kExclamation});
+}
+
+}  // namespace pictures

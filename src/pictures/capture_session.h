@@ -1,0 +1,55 @@
+// CaptureSession: one picture from the clipboard on its way to a JPEG file, without a window. Every
+// paste goes through a JPEG round trip, so what is shown and saved later is the compressed picture;
+// a reduction happens while decoding, and saving writes the reduced picture.
+#pragma once
+
+#include "catalogue/pin_subs.h"
+#include "pictures/dib_section.h"
+#include "platform/user_prompts.h"
+
+#include <QtGui/QImage>
+
+#include <functional>
+
+namespace pictures {
+
+// "jpg", "jpe" or "jpeg" after the last ".", in any letter case.
+bool IsJpegName(const QString& path);
+
+class CaptureSession {
+public:
+    // Both borrowed; they outlive the session.
+    CaptureSession(catalogue::ProcessValues& values, platform::UserPrompts& prompts);
+
+    // The clipboard's picture (null: it holds none, and nothing happens) becomes temp.jpg in the
+    // application folder and is shown. After a failure, which was reported, current file and
+    // picture are what they were.
+    void Paste(const QImage& clipboard);
+    // 1, 2, 4 or 8; shows the current file again if there is one.
+    void SetScale(int scale);
+    // Asks for a name and writes the picture there. Empty: cancelled, or it could not be written
+    // (reported).
+    QString Save();
+    // What became of LastPictureDir after "Save and Set" and after "Save Only".
+    void RememberFolderOf(const QString& path);
+
+    const cDIBSection& picture() const { return picture_; }
+    const QString& current_file() const { return current_file_; }
+    int scale() const { return scale_; }
+    // "200X150".
+    QString SizeText() const;
+
+private:
+    bool WriteTemporaryBmp(const QImage& image, const QString& path);
+    bool Convert(const QString& bmp, const QString& jpeg);
+    bool Show(const QString& path);
+    void ReportStatus(const base::Status& status);
+
+    catalogue::ProcessValues& values_;
+    platform::UserPrompts& prompts_;
+    cDIBSection picture_;
+    QString current_file_;
+    int scale_ = 1;
+};
+
+}  // namespace pictures

@@ -1,0 +1,91 @@
+#include "pictures/jpeg_bridge.h"
+
+#include "pictures/jpeg_codec.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QSaveFile>
+
+namespace pictures {
+namespace {
+
+// Larger than any JPEG of kMostPixels pixels.
+constexpr qint64 kMostFileBytes = qint64{512} << 20;
+
+QString DecodeContext(JpegStep step) {
+    switch (step) {
+    case JpegStep::kInitialise:
+        return QStringLiteral("Failed to initialise the IJL library: ");
+    case JpegStep::kReadParameters:
+        return QStringLiteral("FAILED TO READ IMAGE PARAMS - ");
+    default:
+        return QStringLiteral("FAILED TO READ IMAGE DATA - ");
+    }
+}
+
+QString EncodeContext(JpegStep step) {
+    return step == JpegStep::kInitialise ? QStringLiteral("Failed to initialise the IJL library")
+                                         : QStringLiteral("Failed to save to JPG");
+}
+
+void Report(const JpegOutcome& outcome, const QString& context, platform::UserPrompts& prompts) {
+    ReportIJLError(context, outcome.code, PtrToString(outcome.text.c_str()), prompts);
+}
+
+base::Status FileError(const QFileDevice& file) {
+    const auto code = file.error() == QFileDevice::ResourceError ? base::StatusCode::kNoSpace
+                                                                 : base::StatusCode::kIoError;
+    return {code, (file.fileName() + QStringLiteral(": ") + file.errorString()).toStdString()};
+}
+
+}  // namespace
+
+base::Result<bool> LoadJPG(cDIBSection& target, const QString& path, int scale,
+                           platform::UserPrompts& prompts) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return FileError(file);
+    if (file.size() > kMostFileBytes)
+        return base::Status(base::StatusCode::kUnsupported,
+                            (path + QStringLiteral(": the file is too large")).toStdString());
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) return FileError(file);
+    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.constData());  // NOLINT: bytes
+    return LoadJPGFromPtr(target, {data, static_cast<std::size_t>(bytes.size())}, scale, prompts);
+}
+
+bool LoadJPGFromPtr(cDIBSection& target, std::span<const std::uint8_t> jpeg, int scale,
+                    platform::UserPrompts& prompts) {
+    const JpegOutcome outcome = JpegDecode(jpeg, scale, target);
+    if (!outcome.ok()) Report(outcome, DecodeContext(outcome.failed), prompts);
+    return outcome.ok();
+}
+
+base::Result<bool> SaveJPG(const cDIBSection& source, const QString& path,
+                           platform::UserPrompts& prompts) {
+    std::vector<std::uint8_t> jpeg;
+    const JpegOutcome outcome = JpegEncode(source, kJpegQuality, jpeg);
+    if (!outcome.ok()) {
+        Report(outcome, EncodeContext(outcome.failed), prompts);
+        return false;
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) return FileError(file);
+    const auto* data = reinterpret_cast<const char*>(jpeg.data());  // NOLINT: bytes
+    if (file.write(data, static_cast<qint64>(jpeg.size())) != static_cast<qint64>(jpeg.size()) ||
+        !file.commit())
+        return FileError(file);
+    return true;
+}
+
+void ReportIJLError(const QString& context, int status, const QString& text,
+                    platform::UserPrompts& prompts) {
+    prompts.Ask({.text = QStringLiteral("IJL ERROR: [%1]").arg(status) + QStringLiteral(" - ") +
+                         text + QStringLiteral(" - ") + context,
+                 .title = QStringLiteral("Intel(R) JPEG Library"),
+                 .icon = platform::MessageIcon::kExclamation});
+}
+
+QString PtrToString(const char* text) {
+    return QString::fromLatin1(text);
+}
+
+}  // namespace pictures
