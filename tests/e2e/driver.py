@@ -63,6 +63,17 @@ def export_rows(database, table="Tables"):
     return list(csv.DictReader(io.StringIO(text)))
 
 
+def make_table_file(path, texts=None, screenshot=None, filler=3000):
+    """Writes a table file (a compound file) through libgsf; `texts` maps stream names to their texts."""
+    Path(path).parent.mkdir(parents=True, exist_ok=True)
+    words = [str(BUILD / "bin" / "make_table_file"), str(path), "--filler", str(filler)]
+    for stream, text in (texts or {}).items():
+        words += ["--text", stream, text]
+    if screenshot:
+        words += ["--screenshot", str(screenshot)]
+    subprocess.run(words, check=True)
+
+
 class Desktop:
     """A virtual display with a window manager. Pictures go to <build>/pictures/<name>."""
 
