@@ -3,6 +3,7 @@
 #include <QtGui/QImage>
 #include <QtGui/QImageReader>
 
+#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -32,8 +33,10 @@ int ScanLine(int width, int channels) {
 QImage ReadBmp(const QString& path) {
     QImageReader reader(path, QByteArrayLiteral("bmp"));
     reader.setAutoDetectImageFormat(false);
+    // A negative height means rows from the top.
     const QSize size = reader.size();
-    if (!size.isValid() || !IsReasonable(size.width(), size.height(), 3)) return {};
+    if (size.height() < -kMostPixels || !IsReasonable(size.width(), std::abs(size.height()), 3))
+        return {};
     reader.setAutoTransform(false);
     return reader.read().convertToFormat(QImage::Format_BGR888);
 }

@@ -68,7 +68,9 @@ base::Result<bool> SaveJPG(const cDIBSection& source, const QString& path,
         return false;
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) return FileError(file);
+    // Unbuffered: a failing write shows in its result; the buffer's last flush would hide it from
+    // commit().
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return FileError(file);
     const auto* data = reinterpret_cast<const char*>(jpeg.data());  // NOLINT: bytes
     if (file.write(data, static_cast<qint64>(jpeg.size())) != static_cast<qint64>(jpeg.size()) ||
         !file.commit())

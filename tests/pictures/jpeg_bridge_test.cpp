@@ -5,9 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
+
+#include <sys/resource.h>
+
+#include <csignal>
 
 namespace pictures {
 namespace {
@@ -88,11 +93,38 @@ TEST_F(JpegBridgeTest, UnwritableFolderLeavesNothingBehind) {
     EXPECT_FALSE(QFileInfo::exists(nowhere));
 }
 
+// No file of this process may grow past so many bytes while the guard lives: a full disk in small.
+class SmallDisk {
+public:
+    explicit SmallDisk(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+private:
+    rlimit before_{};
+    void (*handler_)(int) = nullptr;
+};
+
 TEST_F(JpegBridgeTest, FullDiskKeepsWhatWasThere) {
-    // A device that is always full stands for the disk.
-    const auto section_of = test_pictures::SectionOf(test_pictures::Colourful(400, 300));
-    const auto saved = SaveJPG(section_of, QStringLiteral("/dev/full"), prompts);
-    EXPECT_FALSE(saved.ok());
+    Write("the old picture");
+    {
+        const SmallDisk disk(1000);
+        const auto picture = test_pictures::SectionOf(test_pictures::Colourful(400, 300));
+        EXPECT_FALSE(SaveJPG(picture, path, prompts).ok());
+    }
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArrayLiteral("the old picture"));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
 
 TEST_F(JpegBridgeTest, NullAddressIsAnEmptyText) {
