@@ -1,6 +1,6 @@
 #include "dialogs/qt_user_prompts.h"
 
-#include "catalogue/pin_subs.h"
+#include "base/path_pieces.h"
 #include "dialogs/file_filter.h"
 #include "dialogs/program_version.h"
 
@@ -68,13 +68,14 @@ MessageAnswer AnswerOf(int button, MessageButtons buttons) {
 // Where the dialog opens and which name it offers. A preset path whose folder is not there (the
 // catalogue of another system) offers nothing rather than a name in an unrelated folder.
 void Preset(QFileDialog& window, const platform::FileDialog& dialog) {
-    const QString folder = catalogue::GetFolder(dialog.file_name);
+    const std::u16string path = dialog.file_name.toStdU16String();
+    const QString folder = QStringView(base::GetFolder(path)).toString();
     if (!folder.isEmpty() && !QDir(folder).exists()) return;
     if (!folder.isEmpty())
         window.setDirectory(folder);
     else if (!dialog.folder.isEmpty() && QDir(dialog.folder).exists())
         window.setDirectory(dialog.folder);
-    const QString name = catalogue::GetFileName(dialog.file_name);
+    const QString name = QStringView(base::GetFileName(path)).toString();
     if (!name.isEmpty()) window.selectFile(name);
 }
 

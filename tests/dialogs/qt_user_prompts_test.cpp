@@ -1,0 +1,235 @@
+#include "dialogs/qt_user_prompts.h"
+
+#include "dialogs/box_driver.h"
+#include "dialogs/qt_user_events.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListView>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+
+namespace dialogs {
+namespace {
+
+using platform::Message;
+using platform::MessageAnswer;
+using platform::MessageButtons;
+using platform::MessageIcon;
+using test_support::BoxDriver;
+
+void Press(QWidget& box, const char* button) {
+    auto* found = box.findChild<QPushButton*>(QString::fromLatin1(button));
+    ASSERT_NE(found, nullptr) << button;
+    QTest::mouseClick(found, Qt::LeftButton);
+}
+
+// What the box of `message` answers when `act` is done to it.
+MessageAnswer AnswerWhen(const Message& message, const std::function<void(QWidget&)>& act) {
+    BoxDriver driver(QStringLiteral("MessageBox"), act);
+    QtUserPrompts prompts;
+    const MessageAnswer answer = prompts.Ask(message);
+    EXPECT_TRUE(driver.seen());
+    return answer;
+}
+
+MessageAnswer AnswerOfButton(MessageButtons buttons, const char* button) {
+    return AnswerWhen({QStringLiteral("Sure?"), {}, MessageIcon::kNone, buttons},
+                      [button](QWidget& box) { Press(box, button); });
+}
+
+MessageAnswer AnswerOfEscape(MessageButtons buttons) {
+    return AnswerWhen({QStringLiteral("Sure?"), {}, MessageIcon::kNone, buttons},
+                      [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+}
+
+TEST(MessageBoxTest, EachButtonGivesItsAnswer) {
+    EXPECT_EQ(AnswerOfButton(MessageButtons::kYesNo, "cmdYes"), MessageAnswer::kYes);
+    EXPECT_EQ(AnswerOfButton(MessageButtons::kYesNo, "cmdNo"), MessageAnswer::kNo);
+    EXPECT_EQ(AnswerOfButton(MessageButtons::kOkCancel, "cmdOK"), MessageAnswer::kOk);
+    EXPECT_EQ(AnswerOfButton(MessageButtons::kOkCancel, "cmdCancel"), MessageAnswer::kCancel);
+    EXPECT_EQ(AnswerOfButton(MessageButtons::kOk, "cmdOK"), MessageAnswer::kOk);
+}
+
+TEST(MessageBoxTest, EscapeMeansNoOrCancel) {
+    EXPECT_EQ(AnswerOfEscape(MessageButtons::kYesNo), MessageAnswer::kNo);
+    EXPECT_EQ(AnswerOfEscape(MessageButtons::kOkCancel), MessageAnswer::kCancel);
+}
+
+TEST(MessageBoxTest, ShowsTextTitleAndIcon) {
+    const Message message{QStringLiteral("one\rtwo\r\nthree <b>"), QStringLiteral("Warning"),
+                          MessageIcon::kExclamation, MessageButtons::kYesNo};
+    AnswerWhen(message, [](QWidget& widget) {
+        auto& box = dynamic_cast<QMessageBox&>(widget);
+        EXPECT_EQ(box.text(), QStringLiteral("one\ntwo\nthree <b>"));
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        EXPECT_EQ(box.windowTitle(), QStringLiteral("Warning"));
+        EXPECT_EQ(box.icon(), QMessageBox::Warning);
+        Press(box, "cmdNo");
+    });
+}
+
+TEST(MessageBoxTest, WithoutATitleItBearsTheProgramsName) {
+    AnswerWhen({QStringLiteral("Hello"), {}, MessageIcon::kNone, MessageButtons::kOk},
+               [](QWidget& box) {
+                   EXPECT_EQ(box.windowTitle(), QStringLiteral("Tavolo"));
+                   Press(box, "cmdOK");
+               });
+}
+
+TEST(MessageBoxTest, BelongsToTheOwnerUnlessADialogIsOpen) {
+    QWidget owner;
+    QDialog dialog;
+    QtUserPrompts prompts(&owner);
+    const Message message{QStringLiteral("Hello"), {}, MessageIcon::kNone, MessageButtons::kOk};
+    {
+        BoxDriver driver(QStringLiteral("MessageBox"), [&owner](QWidget& box) {
+            EXPECT_EQ(box.parentWidget(), &owner);
+            Press(box, "cmdOK");
+        });
+        prompts.Ask(message);
+        EXPECT_TRUE(driver.seen());
+    }
+    dialog.setModal(true);
+    dialog.show();
+    BoxDriver driver(QStringLiteral("MessageBox"), [&dialog](QWidget& box) {
+        EXPECT_EQ(box.parentWidget(), &dialog);
+        Press(box, "cmdOK");
+    });
+    prompts.Ask(message);
+    EXPECT_TRUE(driver.seen());
+}
+
+class FileDialogTest : public testing::Test {
+protected:
+    FileDialogTest() {
+        Make(QStringLiteral("LOUD.BMP"));
+        Make(QStringLiteral("quiet.bmp"));
+        Make(QStringLiteral("text.txt"));
+        request.title = QStringLiteral("Select a Picture");
+        request.filter = QStringLiteral("Pictures (*.bmp;*.jpg)|*.bmp;*.jpg");
+        request.folder = folder.path();
+    }
+
+    void Make(const QString& name) {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+
+    QString OpenWhile(const std::function<void(QFileDialog&)>& act) {
+        BoxDriver driver(QStringLiteral("FileDialog"),
+                         [&act](QWidget& widget) { act(dynamic_cast<QFileDialog&>(widget)); });
+        const QString chosen = prompts.ChooseFileToOpen(request);
+        EXPECT_TRUE(driver.seen());
+        return chosen;
+    }
+
+    static void Type(QFileDialog& dialog, const QString& name) {
+        auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(edit, nullptr);
+        edit->setText(name);
+        QTest::keyClick(edit, Qt::Key_Return);
+    }
+
+    QTemporaryDir folder;
+    platform::FileDialog request;
+    QtUserPrompts prompts;
+};
+
+TEST_F(FileDialogTest, ATypedNameIsChosen) {
+    const QString chosen =
+        OpenWhile([](QFileDialog& dialog) { Type(dialog, QStringLiteral("quiet.bmp")); });
+    EXPECT_EQ(chosen, folder.filePath(QStringLiteral("quiet.bmp")));
+}
+
+TEST_F(FileDialogTest, TheFilterMatchesWithoutRegardToLetterCase) {
+    OpenWhile([](QFileDialog& dialog) {
+        auto* list = dialog.findChild<QListView*>(QStringLiteral("listView"));
+        ASSERT_NE(list, nullptr);
+        const auto names = [list] {
+            QStringList shown;
+            for (int row = 0; row < list->model()->rowCount(list->rootIndex()); ++row)
+                shown.append(list->model()->index(row, 0, list->rootIndex()).data().toString());
+            shown.sort();
+            return shown;
+        };
+        EXPECT_TRUE(QTest::qWaitFor([&names] { return names().size() == 2; }))
+            << names().join(u' ').toStdString();
+        EXPECT_EQ(names(), (QStringList{QStringLiteral("LOUD.BMP"), QStringLiteral("quiet.bmp")}));
+        dialog.reject();
+    });
+}
+
+TEST_F(FileDialogTest, CancellingGivesAnEmptyPath) {
+    EXPECT_EQ(OpenWhile([](QFileDialog& dialog) { dialog.reject(); }), QString());
+}
+
+TEST_F(FileDialogTest, APresetPathOpensItsFolderAndNamesTheFile) {
+    request.file_name = folder.filePath(QStringLiteral("LOUD.BMP"));
+    request.folder.clear();
+    OpenWhile([this](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.directory().absolutePath(), folder.path());
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Select a Picture"));
+        EXPECT_EQ(dialog.selectedFiles(), QStringList{folder.filePath(QStringLiteral("LOUD.BMP"))});
+        dialog.reject();
+    });
+}
+
+TEST_F(FileDialogTest, APresetPathOfAnotherSystemOffersNoName) {
+    request.file_name = QStringLiteral("C:\\VP\\VPinball.exe");
+    OpenWhile([](QFileDialog& dialog) {
+        auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        EXPECT_EQ(edit->text(), QString());
+        dialog.reject();
+    });
+}
+
+TEST_F(FileDialogTest, SavingAddsTheDefaultExtension) {
+    request.default_extension = QStringLiteral("jpg");
+    BoxDriver driver(QStringLiteral("FileDialog"), [](QWidget& widget) {
+        Type(dynamic_cast<QFileDialog&>(widget), QStringLiteral("new"));
+    });
+    EXPECT_EQ(prompts.ChooseFileToSave(request), folder.filePath(QStringLiteral("new.jpg")));
+    EXPECT_TRUE(driver.seen());
+}
+
+TEST(FolderDialogTest, WithoutATitleItAsksForAFolder) {
+    QtUserPrompts prompts;
+    BoxDriver driver(QStringLiteral("FolderDialog"), [](QWidget& widget) {
+        EXPECT_EQ(widget.windowTitle(), QStringLiteral("Select a folder."));
+        dynamic_cast<QFileDialog&>(widget).reject();
+    });
+    EXPECT_EQ(prompts.ChooseFolder(QString()), QString());
+    EXPECT_TRUE(driver.seen());
+}
+
+TEST(FolderDialogTest, ATypedFolderIsChosen) {
+    const QTemporaryDir folder;
+    QtUserPrompts prompts;
+    BoxDriver driver(QStringLiteral("FolderDialog"), [&folder](QWidget& widget) {
+        auto* edit = widget.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(edit, nullptr);
+        edit->setText(folder.path());
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
+    EXPECT_EQ(prompts.ChooseFolder(QString()), folder.path());
+    EXPECT_TRUE(driver.seen());
+}
+
+TEST(QtUserEventsTest, PostedEventsAreDelivered) {
+    bool ran = false;
+    QTimer::singleShot(0, [&ran] { ran = true; });
+    QtUserEvents events;
+    for (int i = 0; i < 100 && !ran; ++i)
+        events.ProcessEvents();
+    EXPECT_TRUE(ran);
+}
+
+}  // namespace
+}  // namespace dialogs
