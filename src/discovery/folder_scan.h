@@ -1,0 +1,71 @@
+// FolderScan: walks a folder tree breadth first and adds to the catalogue every table file (.vpt)
+// that it does not hold yet. The queue of folders is kept outside of the call stack, so no depth is
+// too deep. A folder that is met twice (links may form cycles) is listed once; one that cannot be
+// listed is passed over, and so is a file that cannot be read or stored. Paths are texts as the
+// catalogue stores them. Threads: the user-interface thread; pending events are processed before
+// each directory entry but the first of its folder.
+#pragma once
+
+#include "base/status.h"
+#include "catalogue/pin_subs.h"
+#include "checksum/clsCRC.h"
+#include "platform/user_events.h"
+
+#include <QtCore/QSet>
+#include <QtCore/QString>
+
+#include <cstdint>
+#include <deque>
+
+namespace discovery {
+
+// What a scan tells while it runs. Called on the thread of Run.
+class ScanObserver {
+public:
+    virtual ~ScanObserver() = default;
+    // The folder has gone to the end of the queue.
+    virtual void FolderQueued(const QString& folder) = 0;
+    // The first folder of the queue is about to be listed.
+    virtual void ListingFolder(const QString& folder) = 0;
+    // The first folder has left the queue.
+    virtual void FolderListed() = 0;
+    virtual void TableAdded(const QString& display_name, const QString& checksum_text) = 0;
+};
+
+class FolderScan {
+public:
+    // All three are borrowed and outlive the scan.
+    FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& events,
+               ScanObserver& observer);
+
+    // Walks `folder` and all folders below it. An empty text is the root folder of the current
+    // drive. The result is the number of tables added.
+    std::int64_t Run(const QString& folder);
+
+private:
+    void Queue(const QString& folder);
+    void ListFolder(const QString& folder);
+    void HandleFile(const QString& path);
+    bool IsKnown(const QString& path);
+    base::Status Add(const QString& path);
+    base::Status Insert(const QString& path, const QString& display_name,
+                        const QString& checksum_text);
+
+    catalogue::Catalogue& catalogue_;
+    platform::UserEvents& events_;
+    ScanObserver& observer_;
+    std::deque<QString> queue_;
+    QSet<QString> met_folders_;  // by identity
+    checksum::clsCRC crc_;
+    std::int64_t found_count_ = 0;
+};
+
+// The name of a file without its folder and its last extension: "Game.final" for
+// C:\Tables\Game.final.vpt .
+QString BaseName(const QString& path);
+// True for a path that ends in .vpt, in whatever letter case.
+bool IsTableFileName(const QString& path);
+// `folder` as the scan lists it: without spaces at its ends, ending in a separator.
+QString ListedFolder(const QString& folder);
+
+}  // namespace discovery

@@ -1,0 +1,140 @@
+#include "discovery/frmsearch.h"
+
+#include "tableinfo/update_from_table_files.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+#include <utility>
+
+namespace discovery {
+namespace {
+
+// Shows names that come from the disk: as plain text, and without stretching the dialog to their
+// length.
+QLabel* MakeLabel(const char* object_name, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(QLatin1String(object_name));
+    label->setTextFormat(Qt::PlainText);
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+QPushButton* MakeButton(const char* object_name, const QString& caption, QWidget* parent) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(QLatin1String(object_name));
+    return button;
+}
+
+}  // namespace
+
+frmsearch::frmsearch(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                     std::function<void()> refresh_tree, QWidget* parent)
+    : QDialog(parent), catalogue_(catalogue), prompts_(prompts),
+      refresh_tree_(std::move(refresh_tree)) {
+    setObjectName(QStringLiteral("frmsearch"));
+    setWindowTitle(QStringLiteral("Find New Visual Pinball Tables"));
+    BuildControls();
+    BuildLayout();
+    connect(cmdgo_, &QPushButton::clicked, this, &frmsearch::Scan);
+    connect(cmdExit_, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void frmsearch::BuildControls() {
+    lstdirs_ = new QListWidget(this);
+    lstdirs_->setObjectName(QStringLiteral("lstdirs"));
+    lstdirs_->setUniformItemSizes(true);
+    lstdirs_->setFocusPolicy(Qt::NoFocus);
+    lstdirs_->setAccessibleName(QStringLiteral("Folders still to be searched"));
+    lbltime_ = MakeLabel("lbltime", this);
+    Label2_ = MakeLabel("Label2", this);
+    lblCRC_ = MakeLabel("lblCRC", this);
+    cmdgo_ = MakeButton("cmdgo", QStringLiteral("&Search"), this);
+    cmdgo_->setDefault(true);
+    cmdExit_ = MakeButton("cmdExit", QStringLiteral("&Done"), this);
+}
+
+void frmsearch::BuildLayout() {
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdgo_);
+    buttons->addWidget(cmdExit_);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(lbltime_);
+    column->addWidget(lstdirs_, 1);
+    column->addWidget(Label2_);
+    column->addWidget(lblCRC_);
+    column->addLayout(buttons);
+    resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 22);
+}
+
+void frmsearch::done(int result) {
+    if (idle_) {
+        run_count_ = 0;
+        QDialog::done(result);
+        return;
+    }
+    prompts_.Ask({QStringLiteral("Still scanning. Please wait..."),
+                  {},
+                  platform::MessageIcon::kInformation,
+                  platform::MessageButtons::kOk});
+}
+
+void frmsearch::Scan() {
+    if (run_count_ >= 1) return;
+    ++run_count_;
+    idle_ = false;
+    found_count_ = 0;
+    cmdgo_->hide();
+    WalkFolders();
+    idle_ = true;
+    ReadTableInformation();
+    ShowResult();
+    if (refresh_tree_) refresh_tree_();
+}
+
+void frmsearch::WalkFolders() {
+    found_count_ = FolderScan(catalogue_, *this, *this).Run(prompts_.ChooseFolder());
+}
+
+void frmsearch::ReadTableInformation() {
+    Label2_->setText(QStringLiteral("Reading VPT Info..."));
+    repaint();
+    // What cannot be stored stays as it was; the labels are the only report of a scan.
+    tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr).Ignore();
+}
+
+void frmsearch::ShowResult() {
+    Label2_->setText(QStringLiteral("Process Complete"));
+    lblCRC_->clear();
+    lbltime_->setText(QStringLiteral("New Tables Found and added to your database: ") +
+                      QString::number(found_count_));
+}
+
+void frmsearch::FolderQueued(const QString& folder) {
+    lstdirs_->addItem(folder);
+}
+
+void frmsearch::ListingFolder(const QString& folder) {
+    lbltime_->setText(QStringLiteral("Searching . . . ") + folder);
+}
+
+void frmsearch::FolderListed() {
+    delete lstdirs_->takeItem(0);
+}
+
+void frmsearch::TableAdded(const QString& display_name, const QString& checksum_text) {
+    Label2_->setText(QStringLiteral("Adding: ") + display_name);
+    lblCRC_->setText(checksum_text);
+    repaint();
+}
+
+void frmsearch::ProcessEvents() {
+    QCoreApplication::processEvents();
+}
+
+}  // namespace discovery
