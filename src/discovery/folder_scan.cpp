@@ -1,5 +1,6 @@
 #include "discovery/folder_scan.h"
 
+#include "base/trim_spaces.h"
 #include "checksum/checksum_text.h"
 #include "jet/recordset.h"
 #include "platform/files.h"
@@ -10,13 +11,9 @@ namespace discovery {
 namespace {
 
 QString TrimSpaces(const QString& text) {
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text[begin] == u' ')
-        ++begin;
-    while (end > begin && text[end - 1] == u' ')
-        --end;
-    return text.sliced(begin, end - begin);
+    const QStringView view(text);
+    const auto trimmed = base::TrimSpaces({view.utf16(), static_cast<std::size_t>(view.size())});
+    return QString::fromUtf16(trimmed.data(), static_cast<qsizetype>(trimmed.size()));
 }
 
 }  // namespace

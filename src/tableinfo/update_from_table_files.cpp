@@ -1,5 +1,6 @@
 #include "tableinfo/update_from_table_files.h"
 
+#include "base/trim_spaces.h"
 #include "jet/recordset.h"
 #include "tableinfo/storage_tools.h"
 
@@ -27,23 +28,14 @@ constexpr std::array<Mapping, 7> kMappings = {{
 
 using NewFields = std::vector<std::pair<std::u16string_view, std::u16string>>;
 
-// Spaces only: line ends and tabs at the ends of a text belong to it.
-QString TrimSpaces(const QString& text) {
-    qsizetype begin = 0;
-    qsizetype end = text.size();
-    while (begin < end && text[begin] == u' ')
-        ++begin;
-    while (end > begin && text[end - 1] == u' ')
-        --end;
-    return text.sliced(begin, end - begin);
-}
-
 NewFields FieldsFrom(TableInfoFile& file) {
     NewFields fields;
     for (const Mapping& mapping : kMappings) {
-        const QString text =
-            TrimSpaces(catalogue::QuoteSql(file.ReadStream(mapping.stream.toString())));
-        if (!text.isEmpty()) fields.emplace_back(mapping.column, text.toStdU16String());
+        const QString quoted = catalogue::QuoteSql(file.ReadStream(mapping.stream.toString()));
+        const std::u16string text = quoted.toStdU16String();
+        // Line ends and tabs at the ends of a text belong to it.
+        const std::u16string_view trimmed = base::TrimSpaces(text);
+        if (!trimmed.empty()) fields.emplace_back(mapping.column, trimmed);
     }
     return fields;
 }

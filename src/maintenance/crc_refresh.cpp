@@ -1,0 +1,66 @@
+#include "maintenance/crc_refresh.h"
+
+#include "checksum/checksum_text.h"
+#include "checksum/clsCRC.h"
+#include "jet/recordset.h"
+#include "platform/files.h"
+
+#include <optional>
+
+namespace maintenance {
+namespace {
+
+// nullopt: the file is missing or cannot be read.
+std::optional<std::u16string> ChecksumTextOf(checksum::clsCRC& crc, const QString& path) {
+    if (!platform::FileExists(path)) return std::nullopt;
+    const auto value = crc.CalculateFile(platform::ToPath(path));
+    if (!value.ok()) return std::nullopt;
+    return checksum::ChecksumText(*value);
+}
+
+base::Status RefreshRow(jet::Recordset& rows, checksum::clsCRC& crc,
+                        const std::function<void(const QString&)>& show) {
+    const auto text = ChecksumTextOf(crc, catalogue::FieldText(rows, u"FileName"));
+    if (!text) return base::Status::Ok();
+    show(QStringLiteral("Processing: ") + catalogue::FieldText(rows, u"DisplayName") +
+         QStringLiteral("  ") + QString::fromStdU16String(*text));
+    RETURN_IF_ERROR(rows.SetField(u"CRC", jet::Value::Text(*text)));
+    return rows.Update();
+}
+
+}  // namespace
+
+// The words of the question are kept as its users know them.
+bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
+    const platform::Message question{
+        QStringLiteral(
+            "This will function will update the database with the current CRC values of your "
+            "tables."
+            "\r"
+            "This is required ONLY for files added to your database with versions of Tavolo prior "
+            "to "
+            "1.5.0 beta"
+            "\r\r"
+            "This may take a few minutes depending on the nuber of tables in your database."
+            "\r\r"
+            "This utility facilites import of VBLauncher data"),
+        QStringLiteral("CRC"), platform::MessageIcon::kNone, platform::MessageButtons::kOkCancel};
+    return prompts.Ask(question) == platform::MessageAnswer::kOk;
+}
+
+base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
+                         const std::function<void(const QString& line)>& show) {
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
+                              *catalogue.CatalogueConnection, jet::CursorType::kKeyset,
+                              jet::LockType::kOptimistic, jet::CursorLocation::kServer));
+    checksum::clsCRC crc;
+    while (!rows.Eof()) {
+        events.ProcessEvents();
+        RETURN_IF_ERROR(RefreshRow(rows, crc, show));
+        RETURN_IF_ERROR(rows.MoveNext());
+    }
+    return base::Status::Ok();
+}
+
+}  // namespace maintenance

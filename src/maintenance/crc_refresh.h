@@ -1,0 +1,26 @@
+// The CRC refresh: computes the checksum of every table file that is there anew and stores its text
+// form.
+#pragma once
+
+#include "base/status.h"
+#include "catalogue/pin_subs.h"
+#include "platform/user_events.h"
+#include "platform/user_prompts.h"
+
+#include <QtCore/QString>
+
+#include <functional>
+
+namespace maintenance {
+
+// Asks whether to go on. True: the user said OK.
+bool ConfirmCrcRefresh(platform::UserPrompts& prompts);
+
+// Visits the rows in the order of their display names. `show` gets the progress line of each row
+// whose file was read, before the row is stored. A row whose file is missing or cannot be read
+// keeps its checksum. A failure of the database ends the run with its Status; the rows done so far
+// are kept.
+base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
+                         const std::function<void(const QString& line)>& show);
+
+}  // namespace maintenance

@@ -1,0 +1,84 @@
+#include "maintenance/frmCRC.h"
+
+#include "base/scope_guards.h"
+#include "maintenance/crc_refresh.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+#include <QtGui/QShowEvent>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+namespace maintenance {
+
+frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent)
+    : QDialog(parent), catalogue_(catalogue) {
+    setObjectName(QStringLiteral("frmCRC"));
+    setWindowTitle(QStringLiteral("CRC Utility - Update all CRC Values in database"));
+    BuildControls();
+    connect(Command1_, &QPushButton::clicked, this, &frmCRC::Refresh);
+}
+
+void frmCRC::BuildControls() {
+    Label1_ = new QLabel(this);
+    Label1_->setObjectName(QStringLiteral("Label1"));
+    // Names that come from table files: plain text, and no longer than the window is wide.
+    Label1_->setTextFormat(Qt::PlainText);
+    Label1_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    Command1_ = new QPushButton(QStringLiteral("Command1"), this);
+    Command1_->setObjectName(QStringLiteral("Command1"));
+    Command1_->hide();  // only the window itself presses it
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(Label1_);
+    column->addWidget(Command1_);
+    resize(fontMetrics().averageCharWidth() * 80, fontMetrics().height() * 4);
+}
+
+void frmCRC::done(int result) {
+    if (!busy_) QDialog::done(result);
+}
+
+void frmCRC::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) StartSoon();
+}
+
+// A desktop without a window manager never makes a window active.
+void frmCRC::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    StartSoon();
+}
+
+// Not at once: exec() must be waiting before the window closes itself.
+void frmCRC::StartSoon() {
+    QTimer::singleShot(0, this, [this] {
+        if (isVisible()) Command1_->click();
+    });
+}
+
+void frmCRC::Refresh() {
+    if (busy_) return;
+    {
+        const base::ScopedFlag busy(busy_);
+        // A failure ends the run without a message; the rows done so far are kept.
+        RefreshCrcs(catalogue_, *this, [this](const QString& line) { ShowLine(line); }).Ignore();
+        ShowLine(QStringLiteral("Task Complete!"));
+    }
+    accept();
+}
+
+void frmCRC::ShowLine(const QString& line) {
+    Label1_->setText(line);
+    repaint();
+}
+
+void frmCRC::ProcessEvents() {
+    QCoreApplication::processEvents();
+}
+
+void UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, QWidget* owner) {
+    if (ConfirmCrcRefresh(prompts)) frmCRC(catalogue, owner).exec();
+}
+
+}  // namespace maintenance

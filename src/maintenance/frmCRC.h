@@ -1,0 +1,47 @@
+// frmCRC: the small window of the CRC refresh. It starts the run by itself when it becomes active,
+// cannot be closed during the run, and closes itself afterwards.
+#pragma once
+
+#include "catalogue/pin_subs.h"
+#include "platform/user_events.h"
+#include "platform/user_prompts.h"
+
+#include <QtWidgets/QDialog>
+
+class QLabel;
+class QPushButton;
+
+namespace maintenance {
+
+class frmCRC : public QDialog, private platform::UserEvents {
+    Q_OBJECT
+
+public:
+    // `catalogue` is borrowed and outlives the window. Shown modally by exec().
+    explicit frmCRC(catalogue::Catalogue& catalogue, QWidget* parent = nullptr);
+
+    // Every way of closing ends here; refused without a word while the refresh runs.
+    void done(int result) override;
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void BuildControls();
+    void StartSoon();
+    void Refresh();
+    void ShowLine(const QString& line);
+    void ProcessEvents() override;
+
+    catalogue::Catalogue& catalogue_;
+    QLabel* Label1_ = nullptr;
+    QPushButton* Command1_ = nullptr;
+    bool busy_ = false;
+};
+
+// The whole command: asks, and on OK shows the window until the refresh is over. `owner`: the main
+// window.
+void UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, QWidget* owner);
+
+}  // namespace maintenance
