@@ -21,9 +21,10 @@ endfunction()
 
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
 # `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
-# zone are fixed so that no machine's setting matters.
+# zone are fixed so that no machine's setting matters. DISPLAY: each test has a virtual display and
+# a window manager of its own instead (tests/support/with_display.sh).
 function(add_unit_test name)
-    cmake_parse_arguments(T "QT;WIDGETS" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(T "QT;WIDGETS;DISPLAY" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 120)
     endif()
@@ -39,7 +40,13 @@ function(add_unit_test name)
     else()
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
     endif()
+    set(platform_of_windows offscreen)
+    if(T_DISPLAY)
+        set(platform_of_windows xcb)
+        set_target_properties(${name} PROPERTIES
+            CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with_display.sh)
+    endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT ${T_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TZ=UTC0;TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared")
+        ENVIRONMENT "QT_QPA_PLATFORM=${platform_of_windows};LC_ALL=C.UTF-8;TZ=UTC0;TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared")
 endfunction()

@@ -1,0 +1,106 @@
+#include "platform/process_starter.h"
+
+#include "platform/command_line.h"
+#include "platform/files.h"
+#include "platform/linux/file_names.h"
+#include "platform/linux/spawn.h"
+#include "platform/linux/system_error.h"
+#include "platform/linux/windows_program.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+#include <system_error>
+
+namespace platform {
+namespace {
+
+base::Status CannotStart(int error_number, const QString& program) {
+    switch (error_number) {
+    case ENOENT:  // also a script whose interpreter is missing
+        return FileError(base::StatusCode::kNotFound, "File not found", program, kFileNotFound);
+    case EACCES:
+    case EPERM:
+        return FileError(base::StatusCode::kPermissionDenied,
+                         "Permission denied. The file is not marked as a program", program,
+                         kPermissionDenied);
+    case ENOEXEC:
+        return FileError(base::StatusCode::kUnsupported,
+                         "The file is not a program that this system can start", program,
+                         kInvalidProcedureCall);
+    default: {
+        const std::string reason = std::generic_category().message(error_number);
+        return FileError(base::StatusCode::kIoError,
+                         ("The program cannot be started (" + reason + ")").c_str(), program,
+                         kInvalidProcedureCall);
+    }
+    }
+}
+
+bool IsFolder(const std::string& name) {
+    struct stat facts {};
+    return stat(name.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+}
+
+// The folder part of the path, "." for a bare name.
+std::string FolderOf(const std::string& name) {
+    const std::size_t slash = name.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return name.substr(0, slash + 1);
+}
+
+base::Status CheckProgram(const QString& program) {
+    const std::string name = SystemPath(program);
+    if (name.empty() || !IsFolder(FolderOf(name)))
+        return FileError(base::StatusCode::kNotFound, "Path not found", program, kPathNotFound);
+    if (IsFolder(name))
+        return FileError(base::StatusCode::kPermissionDenied,
+                         "Permission denied. A folder is not a program", program,
+                         kPermissionDenied);
+    if (!FileExists(program))
+        return FileError(base::StatusCode::kNotFound, "File not found", program, kFileNotFound);
+    return {};
+}
+
+base::Result<std::int64_t> StartProgram(const QString& program, const QStringList& arguments) {
+    std::vector<std::string> words{SystemPath(program)};
+    for (const QString& argument : arguments)
+        words.push_back(EncodeFileName(argument));
+    const SpawnResult started = Spawn(words);
+    if (started.error_number != 0) return CannotStart(started.error_number, program);
+    return std::int64_t{started.process_id};
+}
+
+base::Result<std::int64_t> StartWithWine(const QString& program, const QStringList& arguments) {
+    const QString wine = FindWine();
+    if (wine.isEmpty())
+        return FileError(base::StatusCode::kUnsupported,
+                         "Wine, which runs Windows programs here, is not installed", program);
+    QStringList words{program};
+    for (const QString& argument : arguments)
+        words.push_back(ArgumentForWindows(argument));
+    return StartProgram(wine, words);
+}
+
+class LinuxProcessStarter final : public ProcessStarter {
+public:
+    base::Result<std::int64_t> Start(const QString& command_line) override {
+        QStringList words = SplitCommandLine(command_line);
+        const QString program = words.isEmpty() ? QString() : words.takeFirst();
+        RETURN_IF_ERROR(CheckProgram(program));
+        if (IsWindowsProgram(program)) return StartWithWine(program, words);
+        return StartProgram(program, words);
+    }
+
+    base::Result<std::int64_t> StartTool(const QString& program) override {
+        RETURN_IF_ERROR(CheckProgram(program));
+        return StartProgram(program, {});
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<ProcessStarter> MakeProcessStarter() {
+    return std::make_unique<LinuxProcessStarter>();
+}
+
+}  // namespace platform

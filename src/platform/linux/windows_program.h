@@ -1,0 +1,21 @@
+// Windows programs on this system: recognised by their first bytes, started by Wine.
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace platform {
+
+// True for a file that starts with the signature "MZ" of Windows and DOS programs, and for an .exe
+// that cannot be read or has no signature of this system's programs.
+bool IsWindowsProgram(const QString& path);
+
+// Wine's loader; empty: Wine is not installed.
+QString FindWine();
+
+// An argument as the Windows program has to see it: a native path, alone or after the "-" of an
+// option, becomes a path of the drive Z: on which Wine shows this system's root. `/Play` is an
+// option and no path: a path goes on after a second "/" or follows "-".
+QString ArgumentForWindows(const QString& argument);
+
+}  // namespace platform

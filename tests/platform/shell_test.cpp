@@ -1,0 +1,88 @@
+#include "platform/shell.h"
+
+#include "support/wait_for.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QTemporaryDir>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using test_support::WaitFor;
+
+// Programs of this test are the only ones that can be found.
+class ShellTest : public testing::Test {
+protected:
+    void SetUp() override { qputenv("PATH", folder_.path().toUtf8()); }
+    void TearDown() override { qputenv("PATH", before_path_); }
+
+    std::string Path(const std::string& name) const {
+        return folder_.path().toStdString() + "/" + name;
+    }
+    void Install(const std::string& name) {
+        std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\nprintf '%s<%s>' $# \"$1\" >'" +
+                                         Path("part") + "'\nmv '" + Path("part") + "' '" +
+                                         Path("out") + "'\n";
+        std::filesystem::permissions(Path(name), std::filesystem::perms::owner_all);
+    }
+    std::string Output() {
+        if (!WaitFor([&] { return std::filesystem::exists(Path("out")); })) return "<none>";
+        std::ostringstream text;
+        text << std::ifstream(Path("out")).rdbuf();
+        return text.str();
+    }
+
+    QTemporaryDir folder_;
+    QByteArray before_path_ = qgetenv("PATH");
+    std::unique_ptr<platform::Shell> shell_ = platform::MakeShell();
+};
+
+class OpenedTarget : public ShellTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(OpenedTarget, IsOneArgumentAsItStands) {
+    Install("xdg-open");
+    ASSERT_TRUE(shell_->Open(QString::fromUtf8(GetParam())).ok());
+    EXPECT_EQ(Output(), std::string("1<") + GetParam() + ">");
+}
+
+INSTANTIATE_TEST_SUITE_P(ShellTest, OpenedTarget,
+                         testing::Values("http://example.org/a?b=c&d=e", "mailto:a@example.org",
+                                         "/app/my folder/tavolo.chm", "http://x/; touch /tmp/owned",
+                                         "$(touch /tmp/owned)", "`id`", "a\nb", "\"'|&<>*?~#%s",
+                                         "Grüße"));
+
+TEST_F(ShellTest, ATargetThatLooksLikeAnOptionIsNone) {
+    Install("xdg-open");
+    ASSERT_TRUE(shell_->Open(QStringLiteral("--version")).ok());
+    EXPECT_EQ(Output(), "1<./--version>");
+}
+
+TEST_F(ShellTest, NothingCannotBeOpened) {
+    Install("xdg-open");
+    EXPECT_EQ(shell_->Open({}).code(), base::StatusCode::kInvalidArgument);
+    EXPECT_EQ(shell_->Open(QString(QChar(0))).code(), base::StatusCode::kInvalidArgument);
+}
+
+TEST_F(ShellTest, WithoutADesktopNothingIsOpened) {
+    EXPECT_EQ(shell_->Open(QStringLiteral("a")).code(), base::StatusCode::kUnsupported);
+}
+
+TEST_F(ShellTest, ThereIsNoInformationToolWhenNoneIsInstalled) {
+    EXPECT_TRUE(shell_->SystemInformationTool().isEmpty());
+}
+
+class InformationTool : public ShellTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(InformationTool, IsFoundWhenInstalled) {
+    Install(GetParam());
+    EXPECT_EQ(shell_->SystemInformationTool().toStdString(), Path(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(ShellTest, InformationTool,
+                         testing::Values("hardinfo", "kinfocenter", "gnome-system-monitor"));
+
+}  // namespace

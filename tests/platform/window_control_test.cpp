@@ -1,0 +1,136 @@
+// Real windows on a real display, listed by a real window manager.
+#include "platform/window_control.h"
+
+#include "platform/process_starter.h"
+#include "support/wait_for.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QTemporaryDir>
+
+#include <fstream>
+
+namespace {
+
+using test_support::WaitFor;
+
+const QString kClass = QStringLiteral("VPinball");
+
+class WindowControlTest : public testing::Test {
+protected:
+    void SetUp() override { SetEnvironment("SIMULATOR_LOG", Path("log")); }
+    void TearDown() override {
+        for (const QString& title : {Playing(), Ended()})
+            if (const auto window = windows_->Find(kClass, title)) windows_->RequestClose(*window);
+        qunsetenv("SIMULATOR_CLASS");
+    }
+
+    std::string Path(const std::string& name) const {
+        return folder_.path().toStdString() + "/" + name;
+    }
+    static void SetEnvironment(const char* name, const std::string& value) {
+        qputenv(name, value.c_str());
+    }
+    QString Playing() const { return QStringLiteral("Visual Pinball - [%1*]").arg(table_); }
+    QString Ended() const { return QStringLiteral("Visual Pinball - [%1]").arg(table_); }
+
+    void StartSimulator() {
+        SetEnvironment("SIMULATOR_END_FILE", Path("end"));
+        const QString line =
+            QStringLiteral("\"%1\" /Play -\"/t/%2.vpt\"").arg(QStringLiteral(SIMULATOR), table_);
+        const auto started = platform::MakeProcessStarter()->Start(line);
+        ASSERT_TRUE(started.ok()) << started.status().message();
+    }
+    void EndPlay() const { std::ofstream(Path("end")) << "x"; }
+    bool Appears(const QString& title) {
+        return WaitFor([&] { return windows_->Find(kClass, title).has_value(); });
+    }
+    bool Logged(const std::string& line) const {
+        return WaitFor([&] {
+            std::ifstream log(Path("log"));
+            for (std::string text; std::getline(log, text);)
+                if (text == line) return true;
+            return false;
+        });
+    }
+
+    QTemporaryDir folder_;
+    QString table_ = QStringLiteral("Grüße [1] 漢");
+    std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
+};
+
+TEST_F(WindowControlTest, AWindowIsFoundByClassAndExactTitle) {
+    StartSimulator();
+    ASSERT_TRUE(Appears(Playing()));
+    EXPECT_FALSE(windows_->Find(kClass, Ended()));
+    EXPECT_FALSE(windows_->Find(kClass, Playing().toUpper()));
+    EXPECT_FALSE(windows_->Find(QStringLiteral("Other"), Playing()));
+}
+
+TEST_F(WindowControlTest, ANewTitleIsSeen) {
+    StartSimulator();
+    ASSERT_TRUE(Appears(Playing()));
+    EndPlay();
+    EXPECT_TRUE(Appears(Ended()));
+    EXPECT_FALSE(windows_->Find(kClass, Playing()));
+}
+
+TEST_F(WindowControlTest, TheCloseReachesTheProgram) {
+    StartSimulator();
+    ASSERT_TRUE(Appears(Playing()));
+    windows_->RequestClose(*windows_->Find(kClass, Playing()));
+    EXPECT_TRUE(Logged("close"));
+    EXPECT_TRUE(WaitFor([&] { return !windows_->Find(kClass, Playing()); }));
+}
+
+TEST_F(WindowControlTest, ClosingAWindowThatIsGoneDoesNothing) {
+    StartSimulator();
+    ASSERT_TRUE(Appears(Playing()));
+    const auto window = windows_->Find(kClass, Playing());
+    windows_->RequestClose(*window);
+    ASSERT_TRUE(WaitFor([&] { return !windows_->Find(kClass, Playing()); }));
+    windows_->RequestClose(*window);
+    EXPECT_FALSE(windows_->Find(kClass, Playing()));
+}
+
+class ShownClass : public WindowControlTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(ShownClass, IsThatOfTheSimulator) {
+    SetEnvironment("SIMULATOR_CLASS", GetParam());
+    StartSimulator();
+    EXPECT_TRUE(Appears(Playing()));
+}
+
+INSTANTIATE_TEST_SUITE_P(WindowControlTest, ShownClass,
+                         testing::Values("VPinball", "vpinball", "vpinball.exe",
+                                         "VPinball995.exe"));
+
+TEST_F(WindowControlTest, AnotherProgramWhoseNameOnlyBeginsAlikeIsNotFound) {
+    SetEnvironment("SIMULATOR_CLASS", "VPinballViewer");
+    StartSimulator();
+    ASSERT_TRUE(WaitFor(
+        [&] { return windows_->Find(QStringLiteral("VPinballViewer"), Playing()).has_value(); }));
+    EXPECT_FALSE(windows_->Find(kClass, Playing()));
+}
+
+// The watch looks as often as it can: a search must cost far less than a frame of 16 ms.
+TEST_F(WindowControlTest, AThousandSearchesTakeUnderFiveSeconds) {
+    StartSimulator();
+    ASSERT_TRUE(Appears(Playing()));
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_TRUE(windows_->Find(kClass, Playing()));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+TEST_F(WindowControlTest, WithoutADisplayNothingIsFound) {
+    const QByteArray display = qgetenv("DISPLAY");
+    qunsetenv("DISPLAY");
+    const auto blind = platform::MakeWindowControl();
+    EXPECT_FALSE(blind->Find(kClass, Playing()));
+    blind->RequestClose(platform::WindowHandle{1});
+    qputenv("DISPLAY", display);
+}
+
+}  // namespace
