@@ -50,6 +50,30 @@ bool IsCutBitmap(QIODevice& device) {
     return present / row_bytes < height;
 }
 
+// The fewest bits that a JPEG block of 8 x 8 samples takes, and six of them cover 16 x 16 pixels: a
+// file that has more pixels than this for each of its bytes is filled up with grey, at the cost of
+// a whole picture.
+constexpr qint64 kMostPixelsPerJpegByte = 512;
+constexpr qint64 kPixelsNotWorthAsking = 1'000'000;
+
+bool IsCutJpeg(const QImageReader& reader, qint64 pixels) {
+    return pixels > kPixelsNotWorthAsking + kMostPixelsPerJpegByte * reader.device()->size();
+}
+
+// What the header says is compared with what is there.
+base::Status CheckSize(const QImageReader& reader, const PictureSource& source) {
+    const QSize size = reader.size();
+    const qint64 pixels = qint64{size.width()} * size.height();
+    if (pixels > kMostPicturePixels)
+        return Failure(base::StatusCode::kUnsupported, source,
+                       QStringLiteral("the picture is too large to be shown"));
+    if ((reader.format() == "bmp" && IsCutBitmap(*reader.device())) ||
+        (reader.format() == "jpeg" && IsCutJpeg(reader, pixels)))
+        return Failure(base::StatusCode::kCorruption, source,
+                       QStringLiteral("the picture is shorter than its header says"));
+    return {};
+}
+
 bool IsRotated(const QImageReader& reader) {
     return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
 }
@@ -62,10 +86,7 @@ base::Status Prepare(QImageReader& reader, const PictureSource& source) {
     if (!reader.canRead() || reader.format().startsWith("svg"))
         return Failure(base::StatusCode::kUnsupported, source,
                        QStringLiteral("this is not a picture that can be shown"));
-    if (reader.format() == "bmp" && IsCutBitmap(*reader.device()))
-        return Failure(base::StatusCode::kCorruption, source,
-                       QStringLiteral("the bitmap is shorter than its header says"));
-    return {};
+    return CheckSize(reader, source);
 }
 
 base::Status Missing(const PictureSource& source) {

@@ -15,7 +15,9 @@
 
 namespace tableinfo {
 
-// 64 megapixels of four bytes.
+// A sheet of paper scanned at 800 dots per inch. Of four bytes each they are the
+// kPictureMemoryMegabytes that a decoder may take at once.
+inline constexpr qint64 kMostPicturePixels = 64 * 1024 * 1024;
 inline constexpr int kPictureMemoryMegabytes = 256;
 
 // Where a picture comes from: the file `path`, or `bytes` when there is no path.

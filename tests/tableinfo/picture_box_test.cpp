@@ -1,0 +1,132 @@
+// Needs widgets; runs offscreen.
+#include "tableinfo/picture_box.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QBuffer>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+
+namespace tableinfo {
+namespace {
+
+PictureSource Png(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(image.save(&buffer, "png"));
+    return PictureSource::Bytes(bytes);
+}
+
+bool IsRed(const QImage& image, int x, int y) {
+    return image.pixelColor(x, y) == QColor(Qt::red);
+}
+
+QImage Painted(PictureBox& box) {
+    return box.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+QWidget* LargeWindow() {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+        if (widget->objectName() == QStringLiteral("frmLargePicture") && widget->isVisible())
+            return widget;
+    return nullptr;
+}
+
+TEST(PictureBoxTest, AWidePictureKeepsItsProportionsInTheMiddleOfTheBox) {
+    PictureBox box;
+    box.resize(100, 100);
+    ASSERT_TRUE(box.SetPicture(Png(400, 200)).ok());
+    const QImage seen = Painted(box);
+    EXPECT_TRUE(IsRed(seen, 50, 50));
+    EXPECT_TRUE(IsRed(seen, 1, 50));
+    EXPECT_TRUE(IsRed(seen, 50, 27));
+    EXPECT_FALSE(IsRed(seen, 50, 22));
+    EXPECT_FALSE(IsRed(seen, 50, 78));
+}
+
+TEST(PictureBoxTest, ASmallPictureIsNotEnlarged) {
+    PictureBox box;
+    box.resize(100, 100);
+    ASSERT_TRUE(box.SetPicture(Png(20, 20)).ok());
+    const QImage seen = Painted(box);
+    EXPECT_TRUE(IsRed(seen, 50, 50));
+    EXPECT_FALSE(IsRed(seen, 50, 35));
+}
+
+TEST(PictureBoxTest, ItDecodesAtTheSizeOfTheBox) {
+    PictureBox box;
+    box.resize(100, 100);
+    ASSERT_TRUE(box.SetPicture(Png(1000, 500)).ok());
+    EXPECT_EQ(box.ShownImage().size(), QSize(100, 50));
+}
+
+TEST(PictureBoxTest, AGrownBoxDecodesAgain) {
+    PictureBox box;
+    box.resize(100, 100);
+    ASSERT_TRUE(box.SetPicture(Png(1000, 500)).ok());
+    box.show();
+    ASSERT_EQ(box.ShownImage().width(), 100);
+    box.resize(400, 400);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return box.ShownImage().width() == 400; }));
+}
+
+TEST(PictureBoxTest, GarbageLeavesThePlaceholder) {
+    PictureBox box;
+    EXPECT_FALSE(box.SetPicture(PictureSource::Bytes("no picture")).ok());
+    EXPECT_TRUE(box.shows_placeholder());
+    EXPECT_TRUE(box.ShownImage().isNull());
+}
+
+TEST(PictureBoxTest, ABodyThatCannotBeDecodedIsNoticedWhenItIsPainted) {
+    PictureBox box;
+    box.resize(100, 100);
+    QSignalSpy noticed(&box, &PictureBox::Undecodable);
+    PictureSource damaged = Png(50, 50);
+    damaged.bytes.truncate(50);
+    ASSERT_TRUE(box.SetPicture(damaged).ok());
+    Painted(box);
+    EXPECT_TRUE(box.shows_placeholder());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return noticed.count() == 1; }));
+}
+
+TEST(PictureBoxTest, AClickShowsThePictureLargeAndASecondOneClosesIt) {
+    PictureBox box;
+    box.resize(60, 60);
+    ASSERT_TRUE(box.SetPicture(Png(300, 300)).ok());
+    box.show();
+    QTest::mouseClick(&box, Qt::LeftButton);
+    QWidget* large = LargeWindow();
+    ASSERT_NE(large, nullptr);
+    EXPECT_GE(large->width(), 300);
+    auto* inside = large->findChild<PictureBox*>();
+    ASSERT_NE(inside, nullptr);
+    EXPECT_EQ(inside->ShownImage().size(), QSize(300, 300));
+    QTest::mouseClick(inside, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
+}
+
+TEST(PictureBoxTest, EscapeClosesTheLargePicture) {
+    PictureBox box;
+    ASSERT_TRUE(box.SetPicture(Png(300, 300)).ok());
+    box.show();
+    QTest::mouseClick(&box, Qt::LeftButton);
+    QWidget* large = LargeWindow();
+    ASSERT_NE(large, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(large));
+    QTest::keyClick(large, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
+}
+
+TEST(PictureBoxTest, AClickOnThePlaceholderShowsNothing) {
+    PictureBox box;
+    box.show();
+    QTest::mouseClick(&box, Qt::LeftButton);
+    EXPECT_EQ(LargeWindow(), nullptr);
+}
+
+}  // namespace
+}  // namespace tableinfo
