@@ -60,6 +60,11 @@ bool IsCutJpeg(const QImageReader& reader, qint64 pixels) {
     return pixels > kPixelsNotWorthAsking + kMostPixelsPerJpegByte * reader.device()->size();
 }
 
+base::Status TooShort(const PictureSource& source) {
+    return Failure(base::StatusCode::kCorruption, source,
+                   QStringLiteral("the picture is shorter than its header says"));
+}
+
 // What the header says is compared with what is there.
 base::Status CheckSize(const QImageReader& reader, const PictureSource& source) {
     const QSize size = reader.size();
@@ -67,10 +72,7 @@ base::Status CheckSize(const QImageReader& reader, const PictureSource& source) 
     if (pixels > kMostPicturePixels)
         return Failure(base::StatusCode::kUnsupported, source,
                        QStringLiteral("the picture is too large to be shown"));
-    if ((reader.format() == "bmp" && IsCutBitmap(*reader.device())) ||
-        (reader.format() == "jpeg" && IsCutJpeg(reader, pixels)))
-        return Failure(base::StatusCode::kCorruption, source,
-                       QStringLiteral("the picture is shorter than its header says"));
+    if (reader.format() == "jpeg" && IsCutJpeg(reader, pixels)) return TooShort(source);
     return {};
 }
 
@@ -83,6 +85,8 @@ base::Status Prepare(QImageReader& reader, const PictureSource& source) {
     QImageReader::setAllocationLimit(kPictureMemoryMegabytes);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
+    // Before the reader takes bytes from the device.
+    if (IsCutBitmap(*reader.device())) return TooShort(source);
     if (!reader.canRead() || reader.format().startsWith("svg"))
         return Failure(base::StatusCode::kUnsupported, source,
                        QStringLiteral("this is not a picture that can be shown"));

@@ -48,7 +48,7 @@ TEST_P(PictureFormatTest, AFileIsDecodedWhateverItsNameSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, PictureFormatTest, testing::Values("bmp", "jpg", "png"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& test) { return std::string(test.param); });
 
 TEST(PictureLoaderTest, AGifIsDecoded) {
     const auto picture = DecodePicture(PictureSource::Bytes(OnePixelGif()), {10, 10});
@@ -95,7 +95,8 @@ TEST(PictureLoaderTest, ADrawingIsRefused) {
 }
 
 void Put32(QByteArray& bytes, int at, quint32 value) {
-    for (int i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
+    for (int i = 0; i < 4; ++i)
+        bytes[at + i] = static_cast<char>(value >> (8 * i));
 }
 
 TEST(PictureLoaderTest, ABitmapShorterThanItsHeaderSaysIsCorrupt) {
@@ -153,7 +154,7 @@ TEST_P(DamagedPictureTest, CutAtEveryLengthItGivesAPictureOrAStatus) {
     for (qsizetype length = 0; length < whole.size(); ++length) {
         const auto source = PictureSource::Bytes(whole.left(length));
         const auto picture = DecodePicture(source, {100, 100});
-        if (picture.ok()) EXPECT_LE(picture->width(), 100) << length;
+        EXPECT_TRUE(!picture.ok() || picture->width() <= 100) << length;
     }
 }
 
@@ -163,12 +164,12 @@ TEST_P(DamagedPictureTest, WithEveryByteFlippedItGivesAPictureOrAStatus) {
         QByteArray bytes = whole;
         bytes[at] = static_cast<char>(~bytes[at]);
         const auto picture = DecodePicture(PictureSource::Bytes(bytes), {100, 100});
-        if (picture.ok()) EXPECT_LE(picture->height(), 100) << at;
+        EXPECT_TRUE(!picture.ok() || picture->height() <= 100) << at;
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictureTest, testing::Values("bmp", "jpg", "png"),
-                         [](const auto& info) { return std::string(info.param); });
+                         [](const auto& test) { return std::string(test.param); });
 
 }  // namespace
 }  // namespace tableinfo

@@ -41,7 +41,8 @@ TEST(WholeTextEditTest, ATextThatIsUndoneComesBackAsItWas) {
 
 TEST(WholeTextEditTest, FiftyMegabytesAreKeptWholeAndShownInPart) {
     WholeTextEdit edit;
-    const QString text = QStringLiteral("A line of the rules of this table.\r\n").repeated(1'400'000);
+    const QString text =
+        QStringLiteral("A line of the rules of this table.\r\n").repeated(1'400'000);
     edit.SetWholeText(text);
     EXPECT_TRUE(edit.shows_beginning_only());
     EXPECT_TRUE(edit.isReadOnly());

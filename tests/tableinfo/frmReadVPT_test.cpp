@@ -1,0 +1,198 @@
+// Needs widgets; runs offscreen.
+#include "tableinfo/frmReadVPT.h"
+
+#include "support/fakes.h"
+#include "support/vpt_builder.h"
+#include "tableinfo/picture_box.h"
+#include "tableinfo/recorded_details.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QBuffer>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QPushButton>
+
+namespace tableinfo {
+namespace {
+
+using test_support::BytesOf;
+using test_support::VptBuilder;
+
+std::vector<std::byte> Jpeg(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(image.save(&buffer, "jpg"));
+    return BytesOf(bytes.toStdString());
+}
+
+class frmReadVPTTest : public testing::Test {
+protected:
+    void Open(const VptBuilder& table) {
+        ASSERT_TRUE(table.Write(path().toStdU16String()).ok());
+        OpenFile();
+    }
+    void OpenFile() {
+        dialog = std::make_unique<frmReadVPT>(path(), prompts, shell, details);
+        dialog->show();
+    }
+    QString path() const { return folder.filePath(QStringLiteral("table.vpt")); }
+
+    template <typename Widget>
+    Widget* Find(const QString& name) {
+        auto* widget = dialog->findChild<Widget*>(name);
+        EXPECT_NE(widget, nullptr) << name.toStdString();
+        return widget;
+    }
+    QString Info(int index) {
+        const QString name = QStringLiteral("txtInfo_%1").arg(index);
+        if (auto* line = dialog->findChild<QLineEdit*>(name)) return line->text();
+        return Find<QPlainTextEdit>(name)->toPlainText();
+    }
+    void Click(const char* button) {
+        QTest::mouseClick(Find<QPushButton>(QLatin1String(button)), Qt::LeftButton);
+    }
+
+    QTemporaryDir folder;
+    test_support::FakePrompts prompts;
+    test_support::FakeShell shell;
+    RecordedDetails details;
+    std::unique_ptr<frmReadVPT> dialog;
+};
+
+TEST_F(frmReadVPTTest, ItsCaptionIsTableInformation) {
+    Open(VptBuilder().WithTableInfo());
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Table Information"));
+}
+
+TEST_F(frmReadVPTTest, EveryBoxShowsItsStream) {
+    VptBuilder table;
+    for (const InfoBox& box : kInfoBoxes)
+        table.Text(box.tag, std::u16string(u"<") + box.tag + u">");
+    Open(table);
+    for (int i = 0; i < kInfoBoxCount; ++i) {
+        const auto& box = kInfoBoxes[static_cast<std::size_t>(i)];
+        EXPECT_EQ(Info(i), QStringLiteral("<%1>").arg(QString::fromUtf16(box.tag)));
+        EXPECT_EQ(Find<QLabel>(QStringLiteral("lblInfo_%1").arg(i))->text(),
+                  QString::fromUtf16(box.label));
+    }
+}
+
+TEST_F(frmReadVPTTest, AbsentStreamsAreEmptyBoxes) {
+    Open(VptBuilder().Text(u"TableName", u"Attack"));
+    EXPECT_EQ(Info(0), QStringLiteral("Attack"));
+    for (int i = 1; i < kInfoBoxCount; ++i)
+        EXPECT_EQ(Info(i), QString()) << i;
+}
+
+TEST_F(frmReadVPTTest, CustomFieldsAreListedAndAChosenOneIsShown) {
+    Open(VptBuilder()
+             .Text(u"TableName", u"Attack")
+             .Text(u"CompanyName", u"Playmatic")
+             .Text(u"CompanyYear", u"1977"));
+    auto* names = Find<QComboBox>(QStringLiteral("cboCustom"));
+    auto* text = Find<QPlainTextEdit>(QStringLiteral("txtCustom"));
+    ASSERT_EQ(names->count(), 2);
+    EXPECT_EQ(names->currentIndex(), -1);
+    EXPECT_EQ(text->toPlainText(), QString());
+    names->setCurrentText(QStringLiteral("CompanyYear"));
+    EXPECT_EQ(text->toPlainText(), QStringLiteral("1977"));
+    names->setCurrentText(QStringLiteral("CompanyName"));
+    EXPECT_EQ(text->toPlainText(), QStringLiteral("Playmatic"));
+}
+
+TEST_F(frmReadVPTTest, WithoutCustomFieldsThereIsNothingToChoose) {
+    Open(VptBuilder().Text(u"TableName", u"Attack"));
+    EXPECT_FALSE(Find<QComboBox>(QStringLiteral("cboCustom"))->isEnabled());
+}
+
+TEST_F(frmReadVPTTest, TheScreenshotIsShown) {
+    Open(VptBuilder().Screenshot(Jpeg(64, 48)));
+    EXPECT_EQ(Find<PictureBox>(QStringLiteral("picThm"))->ShownImage().size(), QSize(64, 48));
+}
+
+TEST_F(frmReadVPTTest, AnUndecodableScreenshotIsThePlaceholder) {
+    Open(VptBuilder().Screenshot(BytesOf("no picture")).Text(u"TableName", u"Attack"));
+    EXPECT_TRUE(Find<PictureBox>(QStringLiteral("picThm"))->shows_placeholder());
+    EXPECT_EQ(Info(0), QStringLiteral("Attack"));
+}
+
+TEST_F(frmReadVPTTest, UpdateCopiesWhatTheBoxesShow) {
+    Open(VptBuilder()
+             .Text(u"TableName", u"Attack")
+             .Text(u"TableRules", u"Hit it.")
+             .Text(u"CompanyName", u"Playmatic"));
+    auto* author = Find<QLineEdit>(QStringLiteral("txtInfo_1"));
+    author->setText(QStringLiteral("Anna"));
+    Click("cmdUpdateFace");
+    EXPECT_EQ(details.steps.join(QLatin1Char('|')),
+              QStringLiteral("2=Attack|4=Anna|6=Playmatic|Save|12=Hit it.|SaveRules"));
+}
+
+TEST_F(frmReadVPTTest, NothingIsCopiedUntilUpdate) {
+    Open(VptBuilder().Text(u"TableName", u"Attack"));
+    Click("Command1");
+    EXPECT_TRUE(details.steps.isEmpty());
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(frmReadVPTTest, AFileReplacedByGarbageIsEmpty) {
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(4096, 'x'));
+    file.close();
+    OpenFile();
+    for (int i = 0; i < kInfoBoxCount; ++i)
+        EXPECT_EQ(Info(i), QString()) << i;
+    Click("cmdUpdateFace");
+    EXPECT_EQ(details.steps, QStringList{QStringLiteral("Save")});
+}
+
+TEST_F(frmReadVPTTest, AFileReplacedWhileItIsShownGivesNoCustomText) {
+    Open(VptBuilder().Text(u"Custom", u"text"));
+    ASSERT_TRUE(QFile::remove(path()));
+    Find<QComboBox>(QStringLiteral("cboCustom"))->setCurrentIndex(0);
+    EXPECT_EQ(Find<QPlainTextEdit>(QStringLiteral("txtCustom"))->toPlainText(), QString());
+}
+
+TEST_F(frmReadVPTTest, TheMailAddressIsOneArgumentOfTheOpenCall) {
+    Open(VptBuilder()
+             .Text(u"TableName", u"Bob's; rm -rf \"x\" & Table")
+             .Text(u"AuthorEmail", u"a@b.org --option $(date)"));
+    Click("cmdMail");
+    ASSERT_EQ(shell.opened.size(), 1u);
+    EXPECT_EQ(
+        shell.opened[0],
+        QStringLiteral("Mailto:a@b.org --option $(date)?subject=Bob's; rm -rf \"x\" & Table"));
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(frmReadVPTTest, TheSiteAddressIsOpened) {
+    Open(VptBuilder().Text(u"AuthorWebSite", u"www.b.org/a b"));
+    Click("cmdSite");
+    ASSERT_EQ(shell.opened.size(), 1u);
+    EXPECT_EQ(shell.opened[0], QStringLiteral("http://www.b.org/a b"));
+}
+
+TEST_F(frmReadVPTTest, AnAddressThatCannotBeOpenedIsTold) {
+    shell.answer = base::Status(base::StatusCode::kNotFound, "no program");
+    Open(VptBuilder().Text(u"AuthorWebSite", u"b.org").Text(u"AuthorEmail", u"a@b.org"));
+    Click("cmdSite");
+    Click("cmdMail");
+    ASSERT_EQ(prompts.messages.size(), 2u);
+    EXPECT_EQ(prompts.messages[0].text, QStringLiteral("Cannot open site: http://b.org"));
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kInformation);
+    EXPECT_EQ(prompts.messages[1].text,
+              QStringLiteral("Cannot open site: Mailto:a@b.org?subject="));
+}
+
+}  // namespace
+}  // namespace tableinfo

@@ -1,0 +1,22 @@
+// RecordedDetails: the main window's details as the information dialog sees them; writes down what
+// is done to them.
+#pragma once
+
+#include "tableinfo/table_info_dialog_logic.h"
+
+#include <QtCore/QStringList>
+
+namespace tableinfo {
+
+class RecordedDetails final : public DetailTarget {
+public:
+    QStringList steps;  // "2=Attack", "Save", "SaveRules"
+
+    void SetDetailText(int index, const QString& text) override {
+        steps << QString::number(index) + QLatin1Char('=') + text;
+    }
+    void Save() override { steps << QStringLiteral("Save"); }
+    void SaveRules() override { steps << QStringLiteral("SaveRules"); }
+};
+
+}  // namespace tableinfo
