@@ -1,0 +1,183 @@
+#include "browser/filter_bar.h"
+
+#include "browser/filter_kinds.h"
+#include "catalogue/selection.h"
+
+#include <QtCore/QSignalBlocker>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QFrame>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListView>
+#include <QtWidgets/QPushButton>
+
+namespace browser {
+namespace {
+
+// A column may hold as many different values as there are tables: the list must not measure each of them.
+void PrepareForManyItems(QComboBox& combo) {
+    auto* list = new QListView;
+    list->setUniformItemSizes(true);
+    combo.setView(list);
+    combo.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+}
+
+}  // namespace
+
+FilterBar::FilterBar(ValueSource values, platform::UserPrompts& prompts, IconList& icons,
+                     QWidget* parent)
+    : QWidget(parent), values_(std::move(values)), prompts_(prompts), icons_(icons) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    BuildKinds();
+    BuildValue();
+    row->addWidget(cboFilter_);
+    row->addWidget(cmdOperator_);
+    row->addWidget(fraFilter_, 1);
+    row->addStretch(0);
+    HideValue();
+}
+
+void FilterBar::BuildKinds() {
+    cboFilter_ = new QComboBox(this);
+    cboFilter_->setObjectName(QStringLiteral("cboFilter"));
+    for (const FilterKind& kind : kFilterKinds)
+        cboFilter_->addItem(icons_.Icon(kind.icon_key.toString()), kind.text.toString(),
+                            kind.key.toString());
+    cboFilter_->setMaxVisibleItems(static_cast<int>(kFilterKinds.size()));
+    connect(cboFilter_, &QComboBox::activated, this, &FilterBar::KindChosen);
+}
+
+void FilterBar::BuildValue() {
+    fraFilter_ = new QFrame(this);
+    fraFilter_->setObjectName(QStringLiteral("fraFilter"));
+    auto* row = new QHBoxLayout(fraFilter_);
+    row->setContentsMargins(0, 0, 0, 0);
+
+    cboFilterDet_ = new QComboBox(fraFilter_);
+    cboFilterDet_->setObjectName(QStringLiteral("cboFilterDet"));
+    PrepareForManyItems(*cboFilterDet_);
+    cboFilterDet_->setEditable(true);
+    cboFilterDet_->setInsertPolicy(QComboBox::NoInsert);
+    cboFilterDet_->setCompleter(nullptr);  // "19" is a value, not the beginning of one
+    row->addWidget(cboFilterDet_);
+    connect(cboFilterDet_, &QComboBox::editTextChanged, this, &FilterBar::Changed);
+
+    cmdOperator_ = new QPushButton(this);
+    cmdOperator_->setObjectName(QStringLiteral("cmdOperator"));
+    cmdOperator_->setToolTip(QStringLiteral("Click to Change Operator"));
+    cmdOperator_->setFixedWidth(36);
+    connect(cmdOperator_, &QPushButton::clicked, this, &FilterBar::NextOperator);
+}
+
+QString FilterBar::FilterKey() const {
+    return cboFilter_->currentData().toString();
+}
+
+QString FilterBar::FilterText() const {
+    return cboFilter_->currentText();
+}
+
+QString FilterBar::FilterValue() const {
+    return cboFilterDet_->currentText();
+}
+
+QString FilterBar::Comparison() const {
+    return cmdOperator_->text();
+}
+
+void FilterBar::SetComparison(const QString& symbol) {
+    cmdOperator_->setText(symbol);
+}
+
+bool FilterBar::TakesValue() const {
+    return !fraFilter_->isHidden();
+}
+
+void FilterBar::Describe(Selection& selection) const {
+    selection.filter_key = FilterKey();
+    selection.filter_value = FilterValue();
+    selection.comparison = Comparison();
+    selection.takes_value = TakesValue();
+}
+
+void FilterBar::SelectKey(const QString& filter_key) {
+    const int found = cboFilter_->findData(filter_key);
+    cboFilter_->setCurrentIndex(found < 0 ? 0 : found);
+}
+
+void FilterBar::Restore(const QString& filter_key, const QString& value) {
+    const QSignalBlocker silent(this);
+    SelectKey(filter_key);
+    if (catalogue::IsValueFilter(FilterKey())) {
+        FillFilterValues();
+        SetValueText(value);
+    } else {
+        HideValue();
+        SetComparison(QStringLiteral("="));
+    }
+}
+
+void FilterBar::Choose(const QString& filter_key) {
+    SelectKey(filter_key);
+    KindChosen();
+}
+
+void FilterBar::KindChosen() {
+    SetValueText({});
+    if (catalogue::IsValueFilter(FilterKey()))
+        FillFilterValues();
+    else
+        HideValue();
+    Q_EMIT Changed();
+}
+
+void FilterBar::FillFilterValues() {
+    const QString key = FilterKey();
+    SetValues({});
+    const auto values = values_(key);
+    if (!values.ok()) return;
+    if (values->isEmpty()) {
+        prompts_.Ask({QStringLiteral("The database contains no values for ") + key, {},
+                      platform::MessageIcon::kInformation});
+        return;
+    }
+    SetValues(*values);
+    fraFilter_->show();
+    cmdOperator_->show();
+}
+
+void FilterBar::SetValues(const QStringList& values) {
+    const QSignalBlocker silent(cboFilterDet_);
+    const QString text = cboFilterDet_->currentText();
+    cboFilterDet_->clear();
+    cboFilterDet_->addItems(values);
+    cboFilterDet_->setCurrentIndex(-1);
+    cboFilterDet_->setEditText(text);
+}
+
+void FilterBar::SetValueText(const QString& text) {
+    const QSignalBlocker silent(cboFilterDet_);
+    cboFilterDet_->setEditText(text);
+}
+
+void FilterBar::HideValue() {
+    fraFilter_->hide();
+    cmdOperator_->hide();
+    SetValues({});
+    SetValueText({});
+}
+
+void FilterBar::NextOperator() {
+    SetComparison(OperatorSymbols[operator_clicks_].toString());
+    operator_clicks_ = (operator_clicks_ + 1) % OperatorSymbols.size();
+    Q_EMIT Changed();
+}
+
+void FilterBar::FocusValue() {
+    if (!TakesValue()) return;
+    cboFilterDet_->setFocus();
+    cboFilterDet_->lineEdit()->selectAll();
+}
+
+}  // namespace browser

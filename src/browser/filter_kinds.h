@@ -1,0 +1,35 @@
+// The kinds of selection that the filter combo offers, in its order.
+#pragma once
+
+#include <QtCore/QStringView>
+
+#include <array>
+
+namespace browser {
+
+struct FilterKind {
+    QStringView icon_key;
+    QStringView text;
+    QStringView key;
+};
+
+inline constexpr std::array<FilterKind, 10> kFilterKinds = {{
+    {u"pinball", u"All", u"All"},
+    {u"mame", u"VPinMAME", u"PinMame"},
+    {u"favorite", u"Favorites", u"Favorites"},
+    {u"vp", u"VP Only", u"VP Only"},
+    {u"author", u"Author", u"Author"},
+    {u"company", u"Company", u"Company"},
+    {u"year", u"Year", u"Year"},
+    {u"filedate", u"File Date", u"FileDate"},
+    {u"number", u"Times Played", u"TimesPlayed"},
+    {u"filedate", u"Date Added", u"DateAdded"},
+}};
+
+inline constexpr std::array<QStringView, 6> kOrderCaptions = {
+    {u"Table Name", u"Year", u"Author", u"Company", u"Date Added", u"Times Played"}};
+
+// The operator button shows them in turn, the first one on the first click of a run.
+inline constexpr std::array<QStringView, 4> OperatorSymbols = {{u">", u"<", u"<>", u"="}};
+
+}  // namespace browser

@@ -1,0 +1,86 @@
+#include "browser/frmSplash.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtGui/QWindow>
+#include <QtWidgets/QFrame>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QVBoxLayout>
+
+namespace browser {
+namespace {
+
+// A window system that never says that the window is visible must not hold up the work.
+constexpr int kLongestWaitMs = 400;
+
+QLabel* NamedLabel(const QString& name, const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignCenter);
+    return label;
+}
+
+}  // namespace
+
+frmSplash::frmSplash(QWidget* owner)
+    : QDialog(owner, Qt::Dialog | Qt::FramelessWindowHint | Qt::CustomizeWindowHint) {
+    setObjectName(QStringLiteral("frmSplash"));
+    setWindowTitle(QCoreApplication::applicationName());
+    setModal(false);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_DeleteOnClose);
+    BuildLayout();
+}
+
+void frmSplash::BuildLayout() {
+    auto* frame = new QFrame(this);
+    frame->setObjectName(QStringLiteral("Frame1"));
+    frame->setFrameShape(QFrame::StyledPanel);
+    QLabel* const starting =
+        NamedLabel(QStringLiteral("lblCompanyProduct"), QStringLiteral("Starting:"), frame);
+    lblStat_ = NamedLabel(QStringLiteral("lblStat"), QStringLiteral("Loading..."), frame);
+    lblStat_->setWordWrap(true);
+    lblStat_->setStyleSheet(QStringLiteral(
+        "background: #1d2733; color: #ffd35a; border-radius: 4px; padding: 10px;"
+        "font-weight: bold; font-size: 13pt;"));
+    QLabel* const wait = NamedLabel(QStringLiteral("Label1"), QStringLiteral("Please Wait..."), frame);
+
+    auto* rows = new QVBoxLayout(frame);
+    rows->setContentsMargins(18, 14, 18, 14);
+    rows->setSpacing(10);
+    rows->addWidget(starting);
+    rows->addWidget(lblStat_, 1);
+    rows->addWidget(wait);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(frame);
+    setFixedSize(360, 150);
+}
+
+void frmSplash::SetStatus(const QString& text) {
+    lblStat_->setText(text);
+}
+
+void frmSplash::ShowNow() {
+    show();
+    raise();
+    QElapsedTimer waited;
+    waited.start();
+    do {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 20);
+    } while (!(windowHandle() && windowHandle()->isExposed()) && waited.elapsed() < kLongestWaitMs);
+    repaint();
+}
+
+void SplashDisplay::Show(const QString& text) {
+    if (!window_) window_ = new frmSplash(owner_);
+    window_->SetStatus(text);
+    window_->ShowNow();
+}
+
+void SplashDisplay::Unload() {
+    delete window_.data();
+}
+
+}  // namespace browser

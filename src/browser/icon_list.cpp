@@ -1,0 +1,37 @@
+#include "browser/icon_list.h"
+
+#include <QtCore/QFile>
+#include <QtGui/QPainter>
+#include <QtGui/QPixmap>
+#include <QtSvg/QSvgRenderer>
+
+namespace browser {
+namespace {
+
+// Small icons at scales of 1 to 3, and the play button.
+constexpr int kSizes[] = {16, 24, 32, 48, 64};
+
+QIcon Render(const QString& file) {
+    QIcon icon;
+    QSvgRenderer renderer(file);
+    if (!renderer.isValid()) return icon;
+    for (const int size : kSizes) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        renderer.render(&painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+}  // namespace
+
+QIcon IconList::Icon(const QString& key) {
+    const auto known = icons_.constFind(key);
+    if (known != icons_.cend()) return *known;
+    return *icons_.insert(key, Render(QStringLiteral(":/icons/") + key + QStringLiteral(".svg")));
+}
+
+}  // namespace browser

@@ -1,0 +1,19 @@
+// IconList: the small pictures of the tree, the filter combo and the play button, by key.
+#pragma once
+
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtGui/QIcon>
+
+namespace browser {
+
+class IconList {
+public:
+    // A null icon for an unknown key. Drawn from vector artwork, sharp at the usual scales.
+    QIcon Icon(const QString& key);
+
+private:
+    QHash<QString, QIcon> icons_;
+};
+
+}  // namespace browser

@@ -1,0 +1,103 @@
+#include "browser/order_bar.h"
+
+#include "browser/filter_kinds.h"
+
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
+
+namespace browser {
+namespace {
+
+// The text effect of the button: raised and shaded while a refresh is pending, plain otherwise.
+constexpr int kPlain = 0;
+constexpr int kEmphasised = 3;
+constexpr char kTextEffect[] = "textEffect";
+
+constexpr char kRefreshStyle[] =
+    "QPushButton[textEffect=\"3\"] { font-weight: bold; color: #4a2c00; background: #ffc14d;"
+    " border: 1px solid #c47f00; border-radius: 3px; padding: 3px 10px; }"
+    "QPushButton[textEffect=\"3\"]:hover { background: #ffcf75; }"
+    "QPushButton[textEffect=\"3\"]:pressed { background: #e8a52c; }"
+    "QPushButton[textEffect=\"3\"]:disabled { color: #9c8a6a; background: #f3e3c3; }";
+
+}  // namespace
+
+OrderBar::OrderBar(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("ssOrder"));
+    BuildOrder();
+    BuildRefresh();
+    auto* caption = new QLabel(QStringLiteral("Order:"), this);
+    caption->setObjectName(QStringLiteral("Label3"));
+    caption->setBuddy(cboOrder_);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(caption);
+    row->addWidget(cboOrder_);
+    row->addWidget(lblDirection_);
+    row->addSpacing(8);
+    row->addWidget(cmdGo_);
+}
+
+void OrderBar::BuildOrder() {
+    cboOrder_ = new QComboBox(this);
+    cboOrder_->setObjectName(QStringLiteral("cboOrder"));
+    for (const QStringView caption : kOrderCaptions) cboOrder_->addItem(caption.toString());
+    connect(cboOrder_, &QComboBox::activated, this, &OrderBar::Changed);
+
+    lblDirection_ = new QPushButton(QStringLiteral("Asc"), this);
+    lblDirection_->setObjectName(QStringLiteral("lblDirection"));
+    lblDirection_->setToolTip(QStringLiteral("Changes Sort Direction"));
+    lblDirection_->setFixedWidth(48);
+    connect(lblDirection_, &QPushButton::clicked, this, &OrderBar::ToggleDirection);
+}
+
+void OrderBar::BuildRefresh() {
+    cmdGo_ = new QPushButton(QStringLiteral("Refresh Tree"), this);
+    cmdGo_->setObjectName(QStringLiteral("cmdGo"));
+    cmdGo_->setToolTip(QStringLiteral("Click to Apply Selection(s)"));
+    cmdGo_->setStyleSheet(QString::fromLatin1(kRefreshStyle));
+    SetRefreshPending(false);
+    connect(cmdGo_, &QPushButton::clicked, this, &OrderBar::RefreshClicked);
+}
+
+QString OrderBar::OrderCaption() const {
+    return cboOrder_->currentText();
+}
+
+void OrderBar::SetOrderCaption(const QString& caption) {
+    const int found = cboOrder_->findText(caption);
+    if (found >= 0) cboOrder_->setCurrentIndex(found);
+}
+
+QString OrderBar::Direction() const {
+    return lblDirection_->text();
+}
+
+void OrderBar::SetDirection(const QString& caption) {
+    lblDirection_->setText(caption);
+}
+
+void OrderBar::Describe(Selection& selection) const {
+    selection.order_caption = OrderCaption();
+    selection.direction = Direction();
+}
+
+void OrderBar::ToggleDirection() {
+    SetDirection(Direction() == u"Asc" ? QStringLiteral("Desc") : QStringLiteral("Asc"));
+    Q_EMIT Changed();
+}
+
+void OrderBar::SetRefreshPending(bool pending) {
+    cmdGo_->setProperty(kTextEffect, pending ? kEmphasised : kPlain);
+    cmdGo_->style()->unpolish(cmdGo_);
+    cmdGo_->style()->polish(cmdGo_);
+}
+
+bool OrderBar::refresh_pending() const {
+    return cmdGo_->property(kTextEffect).toInt() == kEmphasised;
+}
+
+}  // namespace browser

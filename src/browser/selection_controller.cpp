@@ -1,0 +1,123 @@
+#include "browser/selection_controller.h"
+
+#include "browser/filter_kinds.h"
+#include "catalogue/selection.h"
+
+#include <algorithm>
+
+namespace browser {
+namespace {
+
+constexpr int kCountPanel = 1;
+
+QString IconOfKind(const QString& filter_key) {
+    const auto* const kind =
+        std::find_if(kFilterKinds.begin(), kFilterKinds.end(),
+                     [&](const FilterKind& candidate) { return candidate.key == filter_key; });
+    return kind == kFilterKinds.end() ? QString() : kind->icon_key.toString();
+}
+
+// While the tree is filled it is not drawn, and the progress bar stands in the status bar.
+class [[nodiscard]] TreeUnderConstruction {
+public:
+    TreeUnderConstruction(TableTreeView& tree, StatusPanels& status, std::int64_t tables)
+        : tree_(tree), status_(status) {
+        tree_.setUpdatesEnabled(false);
+        status_.StartProgress(tables);
+    }
+    ~TreeUnderConstruction() {
+        status_.EndProgress();
+        tree_.setUpdatesEnabled(true);
+    }
+    TreeUnderConstruction(const TreeUnderConstruction&) = delete;
+    TreeUnderConstruction& operator=(const TreeUnderConstruction&) = delete;
+
+private:
+    TableTreeView& tree_;
+    StatusPanels& status_;
+};
+
+}  // namespace
+
+SelectionController::SelectionController(const Parts& parts, std::function<void()> clear_details)
+    : parts_(parts), clear_details_(std::move(clear_details)) {
+    const auto mark = [this] { parts_.order_bar.SetRefreshPending(true); };
+    connect(&parts_.filter_bar, &FilterBar::Changed, this, mark);
+    connect(&parts_.order_bar, &OrderBar::Changed, this, mark);
+    connect(&parts_.order_bar, &OrderBar::RefreshClicked, this, &SelectionController::RefreshTree);
+}
+
+Selection SelectionController::Current() const {
+    Selection selection;
+    parts_.filter_bar.Describe(selection);
+    parts_.order_bar.Describe(selection);
+    return selection;
+}
+
+void SelectionController::RestoreFilter(const AppliedSelection& saved) {
+    applied_ = saved;
+    parts_.filter_bar.Restore(saved.FilterKey, saved.FilterValue);
+    if (catalogue::IsValueFilter(parts_.filter_bar.FilterKey())) return;
+    applied_.FilterValue.clear();
+    applied_.CurrentOperator = QStringLiteral("=");
+}
+
+void SelectionController::RefreshTree() {
+    clear_details_();
+    parts_.model.Clear();
+    const Selection selection = Current();
+    if (const auto wrong = WrongValue(selection))
+        ReportWrongValue(*wrong);
+    else
+        ShowSelection(selection).Ignore();
+    parts_.order_bar.SetRefreshPending(false);
+}
+
+void SelectionController::ReportWrongValue(const QString& message) {
+    parts_.prompts.Ask({message, {}, platform::MessageIcon::kInformation});
+    parts_.filter_bar.FocusValue();
+}
+
+base::Status SelectionController::ShowSelection(const Selection& selection) {
+    ASSIGN_OR_RETURN(auto rows,
+                     OpenSelection(*parts_.catalogue.CatalogueConnection, selection));
+    if (!rows) {
+        ReportNothingFound();
+        return {};
+    }
+    Apply(selection);
+    return BuildTree(*rows, selection);
+}
+
+void SelectionController::ReportNothingFound() {
+    parts_.prompts.Ask(
+        {QStringLiteral("No matching records found"), {}, platform::MessageIcon::kInformation});
+    parts_.status.SetPanelText(kCountPanel, {});
+}
+
+void SelectionController::Apply(const Selection& selection) {
+    applied_.FilterKey = selection.filter_key;
+    applied_.FilterValue = selection.filter_value;
+    applied_.CurrentOperator =
+        selection.comparison.isEmpty() ? QStringLiteral("=") : selection.comparison;
+}
+
+base::Status SelectionController::BuildTree(jet::Recordset& rows, const Selection& selection) {
+    RETURN_IF_ERROR(rows.MoveLast());
+    const std::int64_t count = rows.RecordCount();
+    parts_.status.SetPanelText(kCountPanel, CountText(count));
+    RETURN_IF_ERROR(rows.MoveFirst());
+    const TreeUnderConstruction construction(parts_.tree, parts_.status, count);
+    ASSIGN_OR_RETURN(TableSnapshot tables,
+                     TableSnapshot::Read(rows, [this](std::int64_t read) {
+                         parts_.status.Advance(read);
+                     }));
+    rows.Close();
+    parts_.model.Show(std::move(tables),
+                      RootText(parts_.filter_bar.FilterText(), selection),
+                      IconOfKind(selection.filter_key));
+    parts_.tree.expand(parts_.model.RootIndex());
+    return {};
+}
+
+}  // namespace browser

@@ -1,0 +1,70 @@
+#include "browser/status_panels.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QProgressBar>
+
+#include <algorithm>
+
+namespace browser {
+namespace {
+
+constexpr int kHundred = 100;
+// Below this the work is over before a bar can be read.
+constexpr std::int64_t kWorthShowing = 2000;
+
+// Width shares of the panels: count, current table, times played, last played.
+constexpr std::array<int, 4> kStretch = {3, 5, 3, 4};
+
+}  // namespace
+
+StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
+    setObjectName(QStringLiteral("sbrDB"));
+    for (std::size_t i = 0; i < panels_.size(); ++i) {
+        panels_[i] = new QLabel(this);
+        panels_[i]->setObjectName(QStringLiteral("sbrDB_") + QString::number(i + 1));
+        // A long table name is cut, not the window widened.
+        panels_[i]->setMinimumWidth(1);
+        panels_[i]->setTextFormat(Qt::PlainText);
+        addWidget(panels_[i], kStretch[i]);
+    }
+    prgLoad_ = new QProgressBar(this);
+    prgLoad_->setObjectName(QStringLiteral("prgLoad"));
+    prgLoad_->setMaximum(kHundred);
+    prgLoad_->setTextVisible(false);
+    prgLoad_->setMaximumHeight(14);
+    addWidget(prgLoad_, 1);
+    prgLoad_->hide();
+}
+
+void StatusPanels::SetPanelText(int panel, const QString& text) {
+    QLabel* const label = panels_.at(static_cast<std::size_t>(panel - 1));
+    label->setText(text);
+    label->setToolTip(text.trimmed());
+}
+
+QString StatusPanels::PanelText(int panel) const {
+    return panels_.at(static_cast<std::size_t>(panel - 1))->text();
+}
+
+void StatusPanels::StartProgress(std::int64_t steps) {
+    steps_ = std::max<std::int64_t>(steps, 1);
+    prgLoad_->setValue(0);
+    for (QLabel* const panel : panels_) panel->hide();
+    prgLoad_->show();
+}
+
+void StatusPanels::Advance(std::int64_t step) {
+    const int hundredths = static_cast<int>(step * kHundred / steps_);
+    if (hundredths == prgLoad_->value()) return;
+    prgLoad_->setValue(hundredths);
+    if (steps_ >= kWorthShowing && isVisible())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void StatusPanels::EndProgress() {
+    prgLoad_->hide();
+    for (QLabel* const panel : panels_) panel->show();
+}
+
+}  // namespace browser

@@ -1,0 +1,142 @@
+#include "browser/table_snapshot.h"
+
+#include "catalogue/pin_subs.h"
+
+#include <algorithm>
+#include <bit>
+#include <optional>
+
+namespace browser {
+namespace {
+
+struct DetailColumn {
+    QStringView label;
+    QStringView column;
+};
+
+constexpr std::array<DetailColumn, kDetailCount> kDetails = {{
+    {u"File Date: ", u"FileDate"},
+    {u"Author: ", u"Author"},
+    {u"Company: ", u"Company"},
+    {u"Year: ", u"Year"},
+    {u"Last Played: ", u"LastPlayed"},
+    {u"Date Added: ", u"DateAdded"},
+}};
+
+}  // namespace
+
+// Where the columns stand in the query's rows; nullopt: a column of an old catalogue that could not be added to a
+// read-only file.
+struct TableSnapshot::Columns {
+    using Place = std::optional<std::size_t>;
+
+    explicit Columns(const jet::Recordset& rows)
+        : id(Find(rows, u"ID")),
+          display_name(Find(rows, u"DisplayName")),
+          file_name(Find(rows, u"FileName")),
+          favorite(Find(rows, u"Favorite")),
+          pinmame(Find(rows, u"PinMame")) {
+        for (std::size_t detail = 0; detail < details.size(); ++detail)
+            details[detail] = Find(rows, kDetails[detail].column);
+    }
+
+    static Place Find(const jet::Recordset& rows, QStringView name) {
+        for (std::size_t field = 0; field < rows.FieldCount(); ++field) {
+            const std::u16string& candidate = rows.FieldName(field);
+            if (name.compare(QStringView(candidate), Qt::CaseInsensitive) == 0) return field;
+        }
+        return std::nullopt;
+    }
+
+    static base::Result<jet::Value> ValueOf(jet::Recordset& rows, Place place) {
+        if (!place) return jet::Value::Null();
+        return rows.Fields(*place);
+    }
+
+    Place id;
+    Place display_name;
+    Place file_name;
+    Place favorite;
+    Place pinmame;
+    std::array<Place, kDetailCount> details;
+};
+
+QString DetailLabel(int detail) {
+    return kDetails[static_cast<std::size_t>(detail)].label.toString();
+}
+
+QString TableSnapshot::Text(TextStore::Reference reference) const {
+    const std::u16string_view text = texts_.Get(reference);
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+TextStore::Reference TableSnapshot::KeepText(const jet::Value& value) {
+    const auto* text = value.get_if<std::u16string>();
+    return texts_.Add(text ? *text : jet::ToText(value));
+}
+
+void TableSnapshot::KeepDetail(Row& row, int detail, const jet::Value& value) {
+    auto kind = DetailKind::kNull;
+    std::uint64_t& kept = row.details[static_cast<std::size_t>(detail)];
+    if (const auto* date = value.get_if<jet::Date>()) {
+        kind = DetailKind::kDate;
+        kept = std::bit_cast<std::uint64_t>(date->days);
+    } else if (!value.is_null()) {
+        kind = DetailKind::kText;
+        kept = std::bit_cast<std::uint64_t>(KeepText(value));
+    }
+    row.detail_kinds = static_cast<std::uint16_t>(
+        row.detail_kinds | (static_cast<unsigned>(kind) << (2 * detail)));
+}
+
+QString TableSnapshot::DetailLine(std::size_t table, int detail) const {
+    const Row& row = rows_[table];
+    const std::uint64_t kept = row.details[static_cast<std::size_t>(detail)];
+    const QString label = DetailLabel(detail);
+    switch (static_cast<DetailKind>((row.detail_kinds >> (2 * detail)) & 3)) {
+        case DetailKind::kDate:
+            return label +
+                   catalogue::FieldText(jet::Value::DateTime(std::bit_cast<double>(kept)));
+        case DetailKind::kText: return label + Text(std::bit_cast<TextStore::Reference>(kept));
+        case DetailKind::kNull: break;
+    }
+    return label;
+}
+
+base::Status TableSnapshot::AddRow(jet::Recordset& rows, const Columns& columns) {
+    Row row;
+    ASSIGN_OR_RETURN(const jet::Value id, Columns::ValueOf(rows, columns.id));
+    ASSIGN_OR_RETURN(const jet::Value name, Columns::ValueOf(rows, columns.display_name));
+    ASSIGN_OR_RETURN(const jet::Value file, Columns::ValueOf(rows, columns.file_name));
+    ASSIGN_OR_RETURN(const jet::Value favorite, Columns::ValueOf(rows, columns.favorite));
+    ASSIGN_OR_RETURN(const jet::Value pinmame, Columns::ValueOf(rows, columns.pinmame));
+    row.id = static_cast<std::int32_t>(jet::ToInteger(id));
+    row.display_name = KeepText(name);
+    row.file_name = KeepText(file);
+    row.favorite = jet::ToBool(favorite);
+    row.pinmame = jet::ToBool(pinmame);
+    for (int detail = 0; detail < kDetailCount; ++detail) {
+        ASSIGN_OR_RETURN(
+            const jet::Value value,
+            Columns::ValueOf(rows, columns.details[static_cast<std::size_t>(detail)]));
+        KeepDetail(row, detail, value);
+    }
+    rows_.push_back(row);
+    return {};
+}
+
+base::Result<TableSnapshot> TableSnapshot::Read(jet::Recordset& rows,
+                                                const std::function<void(std::int64_t)>& progress) {
+    TableSnapshot snapshot;
+    snapshot.rows_.reserve(
+        static_cast<std::size_t>(std::max<std::int64_t>(rows.RecordCount(), 0)));
+    const Columns columns(rows);
+    while (!rows.Eof()) {
+        RETURN_IF_ERROR(snapshot.AddRow(rows, columns));
+        if (progress) progress(static_cast<std::int64_t>(snapshot.size()));
+        RETURN_IF_ERROR(rows.MoveNext());
+    }
+    return snapshot;
+}
+
+}  // namespace browser

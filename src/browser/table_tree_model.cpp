@@ -1,0 +1,167 @@
+#include "browser/table_tree_model.h"
+
+#include "platform/files.h"
+
+#include <QtGui/QFont>
+
+namespace browser {
+namespace {
+
+// Internal ids of indexes: which node the row is counted under.
+constexpr quintptr kTopLevel = 0;  // the root itself
+constexpr quintptr kUnderRoot = 1;
+constexpr quintptr kFirstTable = 2;  // details carry kFirstTable + their table
+
+QVariant RootFont() {
+    QFont bold;
+    bold.setBold(true);
+    return bold;
+}
+
+}  // namespace
+
+TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* parent)
+    : QAbstractItemModel(parent),
+      icons_(std::move(icons)),
+      file_test_(file_test ? std::move(file_test) : FileTest(platform::FileExists)) {}
+
+void TableTreeModel::Show(TableSnapshot tables, const QString& root_text, const QString& root_icon) {
+    beginResetModel();
+    tables_ = std::move(tables);
+    has_nodes_ = true;
+    root_text_ = root_text;
+    root_icon_ = root_icon;
+    icon_overrides_.clear();
+    file_states_.assign(tables_.size(), FileState::kUnknown);
+    endResetModel();
+}
+
+void TableTreeModel::Clear() {
+    beginResetModel();
+    tables_ = {};
+    has_nodes_ = false;
+    icon_overrides_.clear();
+    file_states_.clear();
+    endResetModel();
+}
+
+void TableTreeModel::SetRootIcon(const QString& icon_key) {
+    root_icon_ = icon_key;
+    if (has_nodes_) Q_EMIT dataChanged(RootIndex(), RootIndex(), {Qt::DecorationRole, kIconKeyRole});
+}
+
+void TableTreeModel::SetTableIcon(const QModelIndex& index, const QString& icon_key) {
+    icon_overrides_[*NodeOf(index).table] = icon_key;
+    Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole});
+}
+
+QModelIndex TableTreeModel::RootIndex() const {
+    return has_nodes_ ? createIndex(0, 0, kTopLevel) : QModelIndex();
+}
+
+Node TableTreeModel::NodeOf(const QModelIndex& index) {
+    if (index.internalId() == kTopLevel) return {};
+    if (index.internalId() == kUnderRoot) return {static_cast<std::size_t>(index.row()), {}};
+    return {static_cast<std::size_t>(index.internalId() - kFirstTable), index.row()};
+}
+
+QModelIndex TableTreeModel::IndexOf(const Node& node) const {
+    if (!node.table) return RootIndex();
+    if (node.detail) return createIndex(*node.detail, 0, kFirstTable + *node.table);
+    return createIndex(static_cast<int>(*node.table), 0, kUnderRoot);
+}
+
+QModelIndex TableTreeModel::IndexOfNode(std::int64_t number) const {
+    if (!has_nodes_) return {};
+    const auto node = NodeAt(number, tables_.size());
+    return node ? IndexOf(*node) : QModelIndex();
+}
+
+std::int64_t TableTreeModel::NodeNumber(const QModelIndex& index) const {
+    return index.isValid() ? NumberOf(NodeOf(index)) : 0;
+}
+
+QModelIndex TableTreeModel::index(int row, int column, const QModelIndex& parent) const {
+    if (row < 0 || column != 0 || row >= rowCount(parent)) return {};
+    if (!parent.isValid()) return RootIndex();
+    const Node node = NodeOf(parent);
+    return node.table ? createIndex(row, 0, kFirstTable + *node.table) : createIndex(row, 0, kUnderRoot);
+}
+
+QModelIndex TableTreeModel::parent(const QModelIndex& child) const {
+    if (!child.isValid() || child.internalId() == kTopLevel) return {};
+    if (child.internalId() == kUnderRoot) return RootIndex();
+    return IndexOf({NodeOf(child).table, std::nullopt});
+}
+
+int TableTreeModel::rowCount(const QModelIndex& parent) const {
+    if (!parent.isValid()) return has_nodes_ ? 1 : 0;
+    const Node node = NodeOf(parent);
+    if (!node.table) return static_cast<int>(tables_.size());
+    return node.detail ? 0 : kDetailCount;
+}
+
+int TableTreeModel::columnCount(const QModelIndex&) const {
+    return 1;
+}
+
+bool TableTreeModel::hasChildren(const QModelIndex& parent) const {
+    return rowCount(parent) > 0;
+}
+
+Qt::ItemFlags TableTreeModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) return Qt::NoItemFlags;
+    Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    if (NodeOf(index).detail) flags |= Qt::ItemNeverHasChildren;
+    return flags;
+}
+
+QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    const Node node = NodeOf(index);
+    switch (role) {
+        case Qt::DisplayRole: return TextOf(node);
+        case Qt::DecorationRole: return icons_ ? icons_(IconKeyOf(node)) : QVariant();
+        case Qt::FontRole: return node.table ? QVariant() : RootFont();
+        case kTagRole: return TagOf(node);
+        case kIconKeyRole: return IconKeyOf(node);
+        case kNodeKeyRole:
+            if (!node.table || node.detail) return {};
+            return QString(QStringLiteral("X") + QString::number(tables_.Id(*node.table)));
+        default: return {};
+    }
+}
+
+QString TableTreeModel::TextOf(const Node& node) const {
+    if (!node.table) return root_text_;
+    return node.detail ? tables_.DetailLine(*node.table, *node.detail)
+                       : tables_.DisplayName(*node.table);
+}
+
+QString TableTreeModel::TagOf(const Node& node) const {
+    if (!node.table) return kRootTag.toString();
+    return node.detail ? kDetailTag.toString() : tables_.FileName(*node.table);
+}
+
+QString TableTreeModel::IconKeyOf(const Node& node) const {
+    if (!node.table) return root_icon_;
+    return node.detail ? QStringLiteral("detail") : TableIconKey(*node.table);
+}
+
+// A missing file wins over a favourite, a favourite over a PinMAME table.
+QString TableTreeModel::TableIconKey(std::size_t table) const {
+    if (const auto chosen = icon_overrides_.constFind(table); chosen != icon_overrides_.cend())
+        return *chosen;
+    if (!FileIsThere(table)) return QStringLiteral("stop");
+    if (tables_.Favorite(table)) return QStringLiteral("favorite");
+    return tables_.PinMame(table) ? QStringLiteral("mame") : QStringLiteral("pinball");
+}
+
+bool TableTreeModel::FileIsThere(std::size_t table) const {
+    FileState& state = file_states_[table];
+    if (state == FileState::kUnknown)
+        state = file_test_(tables_.FileName(table)) ? FileState::kThere : FileState::kMissing;
+    return state == FileState::kThere;
+}
+
+}  // namespace browser

@@ -1,0 +1,70 @@
+#include "browser/table_tree_view.h"
+
+#include "base/scope_guards.h"
+#include "browser/main_window_settings.h"
+#include "browser/table_tree_model.h"
+
+#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
+#include <QtWidgets/QHeaderView>
+
+namespace browser {
+
+TableTreeView::TableTreeView(TableTreeModel& model, QWidget* parent) : QTreeView(parent) {
+    setObjectName(QStringLiteral("tvwDB"));
+    setUniformRowHeights(true);
+    setHeaderHidden(true);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    setIndentation(18);
+    setModel(&model);
+    // Long names scroll; only what is seen is measured.
+    header()->setStretchLastSection(false);
+    header()->setResizeContentsPrecision(0);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+}
+
+void TableTreeView::SelectNode(const QModelIndex& index) {
+    const base::ScopedFlag guard(selecting_);
+    setCurrentIndex(index);
+    scrollTo(index);
+}
+
+void TableTreeView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QTreeView::currentChanged(current, previous);
+    if (!selecting_ && current.isValid()) Q_EMIT NodeClicked(current);
+}
+
+// A click on the node that is current already is a click, too. The arrow before it is not the node.
+void TableTreeView::mousePressEvent(QMouseEvent* event) {
+    const QPersistentModelIndex before = currentIndex();
+    QTreeView::mousePressEvent(event);
+    const QModelIndex hit = indexAt(event->position().toPoint());
+    if (!hit.isValid() || hit != before) return;
+    if (event->position().x() >= visualRect(hit).left()) Q_EMIT NodeClicked(hit);
+}
+
+void TableTreeView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QTreeView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton) Q_EMIT DoubleClicked();
+}
+
+void TableTreeView::mouseReleaseEvent(QMouseEvent* event) {
+    QTreeView::mouseReleaseEvent(event);
+    if (event->button() == Qt::RightButton)
+        Q_EMIT RightButtonUp(ToTwips(qRound(event->position().x())),
+                             event->globalPosition().toPoint());
+}
+
+void TableTreeView::keyPressEvent(QKeyEvent* event) {
+    const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool is_character = is_enter || !event->text().isEmpty();
+    if (is_enter)
+        Q_EMIT EnterPressed();
+    else
+        QTreeView::keyPressEvent(event);
+    if (is_character) Q_EMIT KeyPressed();
+}
+
+}  // namespace browser

@@ -1,0 +1,41 @@
+// TableTreeView: the tree tvwDB. Turns mouse and keyboard into the few events that the program knows.
+#pragma once
+
+#include <QtWidgets/QTreeView>
+
+namespace browser {
+
+class TableTreeModel;
+
+class TableTreeView : public QTreeView {
+    Q_OBJECT
+
+public:
+    // `model` is borrowed and outlives the view.
+    explicit TableTreeView(TableTreeModel& model, QWidget* parent = nullptr);
+
+    // Selects a node and scrolls to it, without NodeClicked.
+    void SelectNode(const QModelIndex& index);
+
+Q_SIGNALS:
+    // A node was clicked, or reached with the keyboard.
+    void NodeClicked(const QModelIndex& index);
+    void DoubleClicked();
+    void EnterPressed();
+    // After every key that is a character, Enter included.
+    void KeyPressed();
+    // The right button was let go at `x_twips` from the left edge.
+    void RightButtonUp(int x_twips, const QPoint& global_position);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+
+private:
+    bool selecting_ = false;  // the program selects, not the user
+};
+
+}  // namespace browser

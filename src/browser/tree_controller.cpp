@@ -1,0 +1,120 @@
+#include "browser/tree_controller.h"
+
+#include "platform/files.h"
+
+#include <QtWidgets/QMenu>
+
+namespace browser {
+
+bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_twips) {
+    if (!model.has_nodes() || !selected.isValid()) return false;
+    return TableTreeModel::Tag(selected) != kDetailTag && model.NodeNumber(selected) > kRootNode &&
+           x_twips < kPopupLimitTwips;
+}
+
+TreeController::TreeController(const Parts& parts, DetailHost& host) : parts_(parts), host_(host) {
+    ConnectTree();
+    parts_.menu.SetCommand(QStringLiteral("mnuPlay"), [this] { DoubleClick(); });
+    parts_.menu.SetCommand(QStringLiteral("mnuAddit"), [this] { ToggleFavorites(); });
+}
+
+void TreeController::ConnectTree() {
+    TableTreeView* const tree = &parts_.tree;
+    connect(tree, &TableTreeView::NodeClicked, this, &TreeController::NodeClick);
+    connect(tree, &TableTreeView::DoubleClicked, this, &TreeController::DoubleClick);
+    connect(tree, &TableTreeView::EnterPressed, this, [this] { PlaySelected(); });
+    connect(tree, &TableTreeView::KeyPressed, this, &TreeController::KeyPress);
+    connect(tree, &TableTreeView::RightButtonUp, this, &TreeController::ShowPopup);
+    const auto root_icon = [this](const QString& icon) {
+        return [this, icon](const QModelIndex& index) {
+            if (parts_.model.NodeNumber(index) == kRootNode) parts_.model.SetRootIcon(icon);
+        };
+    };
+    connect(tree, &QTreeView::expanded, this, root_icon(QStringLiteral("open")));
+    connect(tree, &QTreeView::collapsed, this, root_icon(QStringLiteral("closed")));
+}
+
+QString TreeController::SelectedTag() const {
+    return TableTreeModel::Tag(parts_.tree.currentIndex());
+}
+
+QString TreeController::SelectedText() const {
+    return parts_.tree.currentIndex().data().toString();
+}
+
+bool TreeController::IsTable(const QModelIndex& index) const {
+    const QString tag = TableTreeModel::Tag(index);
+    return index.isValid() && tag != kRootTag && tag != kDetailTag;
+}
+
+void TreeController::RememberSelectedNode() {
+    const std::int64_t number = parts_.model.NodeNumber(parts_.tree.currentIndex());
+    if (number != 0) selected_node_index_ = number;
+}
+
+void TreeController::SelectTableNode(std::int64_t number) {
+    const QModelIndex index = parts_.model.IndexOfNode(number);
+    if (!index.isValid()) return;
+    parts_.tree.SelectNode(index);
+    NodeClick(index);
+}
+
+void TreeController::NodeClick(const QModelIndex& index) {
+    const QString tag = TableTreeModel::Tag(index);
+    if (tag == kRootTag) return;
+    if (tag == kDetailTag) {
+        parts_.details.ClearTableDetails();
+        return;
+    }
+    selected_node_index_ = parts_.model.NodeNumber(index);
+    parts_.details.ShowTableDetails(tag);
+}
+
+bool TreeController::PlaySelected() {
+    const QString tag = SelectedTag();
+    if (!parts_.model.has_nodes() || tag.isEmpty() || tag == kDetailTag) return false;
+    if (play_table_ && platform::FileExists(tag))
+        play_table_(tag, SelectedText(), parts_.details.DetailText(0).toInt());
+    // Windows live while a table is played: by now another node may be selected, or a record be in the middle of a change.
+    const QString selected = SelectedTag();
+    if (selected.isEmpty() || selected == kDetailTag || parts_.details.record_changed()) return false;
+    parts_.details.ShowTableDetails(selected);
+    return true;
+}
+
+void TreeController::DoubleClick() {
+    if (!PlaySelected()) return;
+    const QModelIndex selected = parts_.tree.currentIndex();
+    if (IsTable(selected)) parts_.tree.collapse(selected);
+}
+
+void TreeController::KeyPress() {
+    host_.SetComments(parts_.details.NotesSummary(SelectedTag()));
+}
+
+void TreeController::ShowPopup(int x_twips, const QPoint& position) {
+    if (OpensPopup(parts_.model, parts_.tree.currentIndex(), x_twips))
+        parts_.menu.Menu(QStringLiteral("mnufavorites"))->popup(position);
+}
+
+void TreeController::ToggleFavorites() {
+    const QModelIndex selected = parts_.tree.currentIndex();
+    if (!IsTable(selected)) return;
+    const QString flag = parts_.details.FavoriteChecked() ? QStringLiteral("false")
+                                                          : QStringLiteral("true");
+    const QString statement = QStringLiteral("Update tables set favorite = ") + flag +
+                              QStringLiteral(" where displayname= '") +
+                              catalogue::QuoteSql(SelectedText()) + QStringLiteral("'");
+    const auto done = parts_.catalogue.CatalogueConnection->Execute(statement.toStdU16String());
+    if (!done.ok()) {
+        parts_.prompts.Ask({QString::fromStdString(done.status().message()), {},
+                            platform::MessageIcon::kCritical});
+        return;
+    }
+    // In both directions: the node keeps the favourite's icon until the tree is built again.
+    parts_.model.SetTableIcon(selected, QStringLiteral("favorite"));
+    parts_.details.ShowTableDetails(SelectedTag());
+    if (parts_.filter_bar.FilterKey() == u"Favorites") parts_.filter_bar.Choose(QStringLiteral("All"));
+}
+
+}  // namespace browser
