@@ -14,7 +14,8 @@
 namespace browser {
 namespace {
 
-// A column may hold as many different values as there are tables: the list must not measure each of them.
+// A column may hold as many different values as there are tables: the list must not measure each of
+// them.
 void PrepareForManyItems(QComboBox& combo) {
     auto* list = new QListView;
     list->setUniformItemSizes(true);
@@ -138,7 +139,8 @@ void FilterBar::FillFilterValues() {
     const auto values = values_(key);
     if (!values.ok()) return;
     if (values->isEmpty()) {
-        prompts_.Ask({QStringLiteral("The database contains no values for ") + key, {},
+        prompts_.Ask({QStringLiteral("The database contains no values for ") + key,
+                      {},
                       platform::MessageIcon::kInformation});
         return;
     }

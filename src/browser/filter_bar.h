@@ -1,4 +1,5 @@
-// FilterBar: which tables are shown: the filter kind and, for a kind that compares a column, the operator and the value.
+// FilterBar: which tables are shown: the filter kind and, for a kind that compares a column, the
+// operator and the value.
 #pragma once
 
 #include "base/status.h"
@@ -37,7 +38,8 @@ public:
     // Fills in the bar's part.
     void Describe(Selection& selection) const;
 
-    // Selects a kind as a saved selection does: `value` is put back, nothing is marked. An unknown key selects "All".
+    // Selects a kind as a saved selection does: `value` is put back, nothing is marked. An unknown
+    // key selects "All".
     void Restore(const QString& filter_key, const QString& value);
     // Selects a kind as the user does. Requires: a key of filter_kinds.h.
     void Choose(const QString& filter_key);

@@ -41,10 +41,11 @@ void frmSplash::BuildLayout() {
         NamedLabel(QStringLiteral("lblCompanyProduct"), QStringLiteral("Starting:"), frame);
     lblStat_ = NamedLabel(QStringLiteral("lblStat"), QStringLiteral("Loading..."), frame);
     lblStat_->setWordWrap(true);
-    lblStat_->setStyleSheet(QStringLiteral(
-        "background: #1d2733; color: #ffd35a; border-radius: 4px; padding: 10px;"
-        "font-weight: bold; font-size: 13pt;"));
-    QLabel* const wait = NamedLabel(QStringLiteral("Label1"), QStringLiteral("Please Wait..."), frame);
+    lblStat_->setStyleSheet(
+        QStringLiteral("background: #1d2733; color: #ffd35a; border-radius: 4px; padding: 10px;"
+                       "font-weight: bold; font-size: 13pt;"));
+    QLabel* const wait =
+        NamedLabel(QStringLiteral("Label1"), QStringLiteral("Please Wait..."), frame);
 
     auto* rows = new QVBoxLayout(frame);
     rows->setContentsMargins(18, 14, 18, 14);

@@ -1,9 +1,10 @@
 #include "browser/icon_list.h"
 
-#include <QtCore/QFile>
 #include <QtGui/QPainter>
 #include <QtGui/QPixmap>
 #include <QtSvg/QSvgRenderer>
+
+#include "assets.h"
 
 namespace browser {
 namespace {
@@ -28,10 +29,15 @@ QIcon Render(const QString& file) {
 
 }  // namespace
 
+IconList::IconList() {
+    assets::Load();
+}
+
 QIcon IconList::Icon(const QString& key) {
     const auto known = icons_.constFind(key);
     if (known != icons_.cend()) return *known;
-    return *icons_.insert(key, Render(QStringLiteral(":/icons/") + key + QStringLiteral(".svg")));
+    const QString name = key == u"play" ? key : QStringLiteral("icons/") + key;
+    return *icons_.insert(key, Render(QStringLiteral(":/tavolo/") + name + QStringLiteral(".svg")));
 }
 
 }  // namespace browser

@@ -1,4 +1,5 @@
-// IconList: the small pictures of the tree, the filter combo and the play button, by key.
+// IconList: the small pictures of the tree, the filter combo and the play button, by key ("play"
+// for the button).
 #pragma once
 
 #include <QtCore/QHash>
@@ -9,6 +10,8 @@ namespace browser {
 
 class IconList {
 public:
+    IconList();
+
     // A null icon for an unknown key. Drawn from vector artwork, sharp at the usual scales.
     QIcon Icon(const QString& key);
 

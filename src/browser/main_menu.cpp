@@ -24,8 +24,8 @@ void MainMenu::Fill(QMenu& menu, const MenuLayout& layout) {
     menus_.insert(layout.name.toString(), &menu);
     for (const MenuItem& entry : layout.items) {
         const QString name = entry.name.toString();
-        QAction* const action = entry.caption == u"-" ? menu.addSeparator()
-                                                      : menu.addAction(entry.caption.toString());
+        QAction* const action =
+            entry.caption == u"-" ? menu.addSeparator() : menu.addAction(entry.caption.toString());
         action->setObjectName(name);
         if (action->isSeparator()) continue;
         action->setCheckable(entry.checkable);

@@ -1,5 +1,5 @@
-// MainMenu: the menu bar and the tree's pop-up menu. A command is attached to its item by name; an item without a command
-// is there and disabled.
+// MainMenu: the menu bar and the tree's pop-up menu. A command is attached to its item by name; an
+// item without a command is there and disabled.
 #pragma once
 
 #include <QtCore/QHash>
@@ -25,13 +25,15 @@ public:
     explicit MainMenu(QMenuBar& bar);
     ~MainMenu() override;
 
-    // Attaches a command, or replaces it; an empty one disables the item. Requires: an item of menu_layout.h.
+    // Attaches a command, or replaces it; an empty one disables the item. Requires: an item of
+    // menu_layout.h.
     void SetCommand(const QString& item, Command command);
     bool HasCommand(const QString& item) const;
     // Does what a click on the item would do; nothing when the item is disabled.
     void Run(const QString& item);
 
-    // A reason of the moment against an item (true: none). The item is enabled when it has a command and no such reason.
+    // A reason of the moment against an item (true: none). The item is enabled when it has a
+    // command and no such reason.
     void SetAllowed(const QString& item, bool allowed);
     bool IsEnabled(const QString& item) const;
 

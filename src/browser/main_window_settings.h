@@ -11,8 +11,12 @@ namespace browser {
 
 // A twip is 1/1440 inch; a screen of 96 dots per inch has 15 of them in a pixel.
 inline constexpr int kTwipsPerPixel = 15;
-constexpr int ToTwips(int pixels) { return pixels * kTwipsPerPixel; }
-constexpr int ToPixels(int twips) { return twips / kTwipsPerPixel; }
+constexpr int ToTwips(int pixels) {
+    return pixels * kTwipsPerPixel;
+}
+constexpr int ToPixels(int twips) {
+    return twips / kTwipsPerPixel;
+}
 
 // Size of a first start, and the one that "Restore Default Size" sets. The heights differ.
 inline constexpr int kDefaultWidthTwips = 9570;
@@ -40,8 +44,8 @@ struct MainWindowSettings {
     bool operator==(const MainWindowSettings&) const = default;
 };
 
-// A missing value, or one that is not what it should be, is the default. The size is read only when the window was not
-// maximised.
+// A missing value, or one that is not what it should be, is the default. The size is read only when
+// the window was not maximised.
 MainWindowSettings ReadSettings(platform::SettingsStore& store);
 // In the order in which they have always been written; the picture folder only when there is one.
 void WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings);

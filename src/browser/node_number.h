@@ -1,5 +1,5 @@
-// Node numbers: the positions of the tree's nodes as if they had been added one by one: the root is 1, then each table is
-// followed by its detail lines. Saved settings hold such numbers.
+// Node numbers: the positions of the tree's nodes as if they had been added one by one: the root is
+// 1, then each table is followed by its detail lines. Saved settings hold such numbers.
 #pragma once
 
 #include "browser/table_snapshot.h"
@@ -21,7 +21,8 @@ struct Node {
 
 constexpr std::int64_t NumberOf(const Node& node) {
     if (!node.table) return kRootNode;
-    const std::int64_t table = kRootNode + 1 + static_cast<std::int64_t>(*node.table) * kNodesPerTable;
+    const std::int64_t table =
+        kRootNode + 1 + static_cast<std::int64_t>(*node.table) * kNodesPerTable;
     return node.detail ? table + 1 + *node.detail : table;
 }
 

@@ -44,7 +44,8 @@ OrderBar::OrderBar(QWidget* parent) : QWidget(parent) {
 void OrderBar::BuildOrder() {
     cboOrder_ = new QComboBox(this);
     cboOrder_->setObjectName(QStringLiteral("cboOrder"));
-    for (const QStringView caption : kOrderCaptions) cboOrder_->addItem(caption.toString());
+    for (const QStringView caption : kOrderCaptions)
+        cboOrder_->addItem(caption.toString());
     connect(cboOrder_, &QComboBox::activated, this, &OrderBar::Changed);
 
     lblDirection_ = new QPushButton(QStringLiteral("Asc"), this);
@@ -94,6 +95,10 @@ void OrderBar::SetRefreshPending(bool pending) {
     cmdGo_->setProperty(kTextEffect, pending ? kEmphasised : kPlain);
     cmdGo_->style()->unpolish(cmdGo_);
     cmdGo_->style()->polish(cmdGo_);
+}
+
+void OrderBar::LockRefresh(bool locked) {
+    cmdGo_->setEnabled(!locked);
 }
 
 bool OrderBar::refresh_pending() const {

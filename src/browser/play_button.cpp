@@ -19,7 +19,8 @@ QString CssColour(std::uint32_t blue_green_red) {
 
 }  // namespace
 
-PlayButton::PlayButton(const catalogue::ProcessValues& values, const QIcon& picture, QWidget* parent)
+PlayButton::PlayButton(const catalogue::ProcessValues& values, const QIcon& picture,
+                       QWidget* parent)
     : QPushButton(picture, QStringLiteral("Play"), parent), values_(values) {
     setObjectName(QStringLiteral("cmdPlay"));
     setIconSize(QSize(28, 28));

@@ -17,7 +17,8 @@ public:
     using Sound = std::function<void(const QString& wave_file_name)>;
 
     // `values` is borrowed and outlives the button.
-    PlayButton(const catalogue::ProcessValues& values, const QIcon& picture, QWidget* parent = nullptr);
+    PlayButton(const catalogue::ProcessValues& values, const QIcon& picture,
+               QWidget* parent = nullptr);
 
     void SetSound(Sound sound) { sound_ = std::move(sound); }
     // Windows 0x00BBGGRR.

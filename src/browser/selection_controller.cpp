@@ -79,8 +79,7 @@ void SelectionController::ReportWrongValue(const QString& message) {
 }
 
 base::Status SelectionController::ShowSelection(const Selection& selection) {
-    ASSIGN_OR_RETURN(auto rows,
-                     OpenSelection(*parts_.catalogue.CatalogueConnection, selection));
+    ASSIGN_OR_RETURN(auto rows, OpenSelection(*parts_.catalogue.CatalogueConnection, selection));
     if (!rows) {
         ReportNothingFound();
         return {};
@@ -108,13 +107,11 @@ base::Status SelectionController::BuildTree(jet::Recordset& rows, const Selectio
     parts_.status.SetPanelText(kCountPanel, CountText(count));
     RETURN_IF_ERROR(rows.MoveFirst());
     const TreeUnderConstruction construction(parts_.tree, parts_.status, count);
-    ASSIGN_OR_RETURN(TableSnapshot tables,
-                     TableSnapshot::Read(rows, [this](std::int64_t read) {
+    ASSIGN_OR_RETURN(TableSnapshot tables, TableSnapshot::Read(rows, [this](std::int64_t read) {
                          parts_.status.Advance(read);
                      }));
     rows.Close();
-    parts_.model.Show(std::move(tables),
-                      RootText(parts_.filter_bar.FilterText(), selection),
+    parts_.model.Show(std::move(tables), RootText(parts_.filter_bar.FilterText(), selection),
                       IconOfKind(selection.filter_key));
     parts_.tree.expand(parts_.model.RootIndex());
     return {};

@@ -1,5 +1,5 @@
-// SelectionController: brings the filter bar and the order bar together with the tree: RefreshTree, the saved selection, and
-// the mark that the tree is out of date.
+// SelectionController: brings the filter bar and the order bar together with the tree: RefreshTree,
+// the saved selection, and the mark that the tree is out of date.
 #pragma once
 
 #include "browser/filter_bar.h"
@@ -35,10 +35,12 @@ public:
         StatusPanels& status;
     };
 
-    // Everything in `parts` is borrowed and outlives the controller. `clear_details` empties the panel of details.
+    // Everything in `parts` is borrowed and outlives the controller. `clear_details` empties the
+    // panel of details.
     SelectionController(const Parts& parts, std::function<void()> clear_details);
 
-    // Shows what the controls say. An impossible value is reported and nothing is shown; a failing query ends silently.
+    // Shows what the controls say. An impossible value is reported and nothing is shown; a failing
+    // query ends silently.
     void RefreshTree();
     // Puts a saved selection into the controls.
     void RestoreFilter(const AppliedSelection& saved);

@@ -50,8 +50,10 @@ QString StatusPanels::PanelText(int panel) const {
 void StatusPanels::StartProgress(std::int64_t steps) {
     steps_ = std::max<std::int64_t>(steps, 1);
     prgLoad_->setValue(0);
-    for (QLabel* const panel : panels_) panel->hide();
+    for (QLabel* const panel : panels_)
+        panel->hide();
     prgLoad_->show();
+    in_progress_ = true;
 }
 
 void StatusPanels::Advance(std::int64_t step) {
@@ -63,8 +65,10 @@ void StatusPanels::Advance(std::int64_t step) {
 }
 
 void StatusPanels::EndProgress() {
+    in_progress_ = false;
     prgLoad_->hide();
-    for (QLabel* const panel : panels_) panel->show();
+    for (QLabel* const panel : panels_)
+        panel->show();
 }
 
 }  // namespace browser

@@ -1,5 +1,5 @@
-// StatusPanels: the status bar sbrDB with its four panels and the progress bar prgLoad, which takes their place while
-// something long is going on.
+// StatusPanels: the status bar sbrDB with its four panels and the progress bar prgLoad, which takes
+// their place while something long is going on.
 #pragma once
 
 #include <QtWidgets/QStatusBar>
@@ -27,11 +27,13 @@ public:
     // Draws the bar when it has moved by a hundredth.
     void Advance(std::int64_t step);
     void EndProgress();
+    bool in_progress() const { return in_progress_; }
 
 private:
     std::array<QLabel*, 4> panels_{};
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;
+    bool in_progress_ = false;
 };
 
 }  // namespace browser

@@ -25,16 +25,14 @@ constexpr std::array<DetailColumn, kDetailCount> kDetails = {{
 
 }  // namespace
 
-// Where the columns stand in the query's rows; nullopt: a column of an old catalogue that could not be added to a
-// read-only file.
+// Where the columns stand in the query's rows; nullopt: a column of an old catalogue that could not
+// be added to a read-only file.
 struct TableSnapshot::Columns {
     using Place = std::optional<std::size_t>;
 
     explicit Columns(const jet::Recordset& rows)
-        : id(Find(rows, u"ID")),
-          display_name(Find(rows, u"DisplayName")),
-          file_name(Find(rows, u"FileName")),
-          favorite(Find(rows, u"Favorite")),
+        : id(Find(rows, u"ID")), display_name(Find(rows, u"DisplayName")),
+          file_name(Find(rows, u"FileName")), favorite(Find(rows, u"Favorite")),
           pinmame(Find(rows, u"PinMame")) {
         for (std::size_t detail = 0; detail < details.size(); ++detail)
             details[detail] = Find(rows, kDetails[detail].column);
@@ -85,8 +83,8 @@ void TableSnapshot::KeepDetail(Row& row, int detail, const jet::Value& value) {
         kind = DetailKind::kText;
         kept = std::bit_cast<std::uint64_t>(KeepText(value));
     }
-    row.detail_kinds = static_cast<std::uint16_t>(
-        row.detail_kinds | (static_cast<unsigned>(kind) << (2 * detail)));
+    row.detail_kinds = static_cast<std::uint16_t>(row.detail_kinds |
+                                                  (static_cast<unsigned>(kind) << (2 * detail)));
 }
 
 QString TableSnapshot::DetailLine(std::size_t table, int detail) const {
@@ -94,11 +92,12 @@ QString TableSnapshot::DetailLine(std::size_t table, int detail) const {
     const std::uint64_t kept = row.details[static_cast<std::size_t>(detail)];
     const QString label = DetailLabel(detail);
     switch (static_cast<DetailKind>((row.detail_kinds >> (2 * detail)) & 3)) {
-        case DetailKind::kDate:
-            return label +
-                   catalogue::FieldText(jet::Value::DateTime(std::bit_cast<double>(kept)));
-        case DetailKind::kText: return label + Text(std::bit_cast<TextStore::Reference>(kept));
-        case DetailKind::kNull: break;
+    case DetailKind::kDate:
+        return label + catalogue::FieldText(jet::Value::DateTime(std::bit_cast<double>(kept)));
+    case DetailKind::kText:
+        return label + Text(std::bit_cast<TextStore::Reference>(kept));
+    case DetailKind::kNull:
+        break;
     }
     return label;
 }
@@ -116,9 +115,8 @@ base::Status TableSnapshot::AddRow(jet::Recordset& rows, const Columns& columns)
     row.favorite = jet::ToBool(favorite);
     row.pinmame = jet::ToBool(pinmame);
     for (int detail = 0; detail < kDetailCount; ++detail) {
-        ASSIGN_OR_RETURN(
-            const jet::Value value,
-            Columns::ValueOf(rows, columns.details[static_cast<std::size_t>(detail)]));
+        ASSIGN_OR_RETURN(const jet::Value value,
+                         Columns::ValueOf(rows, columns.details[static_cast<std::size_t>(detail)]));
         KeepDetail(row, detail, value);
     }
     rows_.push_back(row);
@@ -128,8 +126,7 @@ base::Status TableSnapshot::AddRow(jet::Recordset& rows, const Columns& columns)
 base::Result<TableSnapshot> TableSnapshot::Read(jet::Recordset& rows,
                                                 const std::function<void(std::int64_t)>& progress) {
     TableSnapshot snapshot;
-    snapshot.rows_.reserve(
-        static_cast<std::size_t>(std::max<std::int64_t>(rows.RecordCount(), 0)));
+    snapshot.rows_.reserve(static_cast<std::size_t>(std::max<std::int64_t>(rows.RecordCount(), 0)));
     const Columns columns(rows);
     while (!rows.Eof()) {
         RETURN_IF_ERROR(snapshot.AddRow(rows, columns));

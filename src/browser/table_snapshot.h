@@ -1,4 +1,5 @@
-// TableSnapshot: what the tree shows of the selected tables, as they were when the query ran; 72 bytes a table and its texts.
+// TableSnapshot: what the tree shows of the selected tables, as they were when the query ran; 72
+// bytes a table and its texts.
 #pragma once
 
 #include "base/status.h"
@@ -29,11 +30,12 @@ public:
     QString FileName(std::size_t table) const { return Text(rows_[table].file_name); }
     bool Favorite(std::size_t table) const { return rows_[table].favorite; }
     bool PinMame(std::size_t table) const { return rows_[table].pinmame; }
-    // The label and the value, a date in the general form; nothing after the label when the column is null.
+    // The label and the value, a date in the general form; nothing after the label when the column
+    // is null.
     QString DetailLine(std::size_t table, int detail) const;
 
-    // Reads `rows` from the current one to the end; columns that the query lacks count as null. `progress` (may be empty) is
-    // called after each row with the number of tables read so far.
+    // Reads `rows` from the current one to the end; columns that the query lacks count as null.
+    // `progress` (may be empty) is called after each row with the number of tables read so far.
     static base::Result<TableSnapshot> Read(jet::Recordset& rows,
                                             const std::function<void(std::int64_t)>& progress = {});
 

@@ -21,11 +21,11 @@ QVariant RootFont() {
 }  // namespace
 
 TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* parent)
-    : QAbstractItemModel(parent),
-      icons_(std::move(icons)),
+    : QAbstractItemModel(parent), icons_(std::move(icons)),
       file_test_(file_test ? std::move(file_test) : FileTest(platform::FileExists)) {}
 
-void TableTreeModel::Show(TableSnapshot tables, const QString& root_text, const QString& root_icon) {
+void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
+                          const QString& root_icon) {
     beginResetModel();
     tables_ = std::move(tables);
     has_nodes_ = true;
@@ -47,7 +47,8 @@ void TableTreeModel::Clear() {
 
 void TableTreeModel::SetRootIcon(const QString& icon_key) {
     root_icon_ = icon_key;
-    if (has_nodes_) Q_EMIT dataChanged(RootIndex(), RootIndex(), {Qt::DecorationRole, kIconKeyRole});
+    if (has_nodes_)
+        Q_EMIT dataChanged(RootIndex(), RootIndex(), {Qt::DecorationRole, kIconKeyRole});
 }
 
 void TableTreeModel::SetTableIcon(const QModelIndex& index, const QString& icon_key) {
@@ -85,7 +86,8 @@ QModelIndex TableTreeModel::index(int row, int column, const QModelIndex& parent
     if (row < 0 || column != 0 || row >= rowCount(parent)) return {};
     if (!parent.isValid()) return RootIndex();
     const Node node = NodeOf(parent);
-    return node.table ? createIndex(row, 0, kFirstTable + *node.table) : createIndex(row, 0, kUnderRoot);
+    return node.table ? createIndex(row, 0, kFirstTable + *node.table)
+                      : createIndex(row, 0, kUnderRoot);
 }
 
 QModelIndex TableTreeModel::parent(const QModelIndex& child) const {
@@ -120,15 +122,21 @@ QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     const Node node = NodeOf(index);
     switch (role) {
-        case Qt::DisplayRole: return TextOf(node);
-        case Qt::DecorationRole: return icons_ ? icons_(IconKeyOf(node)) : QVariant();
-        case Qt::FontRole: return node.table ? QVariant() : RootFont();
-        case kTagRole: return TagOf(node);
-        case kIconKeyRole: return IconKeyOf(node);
-        case kNodeKeyRole:
-            if (!node.table || node.detail) return {};
-            return QString(QStringLiteral("X") + QString::number(tables_.Id(*node.table)));
-        default: return {};
+    case Qt::DisplayRole:
+        return TextOf(node);
+    case Qt::DecorationRole:
+        return icons_ ? icons_(IconKeyOf(node)) : QVariant();
+    case Qt::FontRole:
+        return node.table ? QVariant() : RootFont();
+    case kTagRole:
+        return TagOf(node);
+    case kIconKeyRole:
+        return IconKeyOf(node);
+    case kNodeKeyRole:
+        if (!node.table || node.detail) return {};
+        return QString(QStringLiteral("X") + QString::number(tables_.Id(*node.table)));
+    default:
+        return {};
     }
 }
 

@@ -1,6 +1,7 @@
-// TableTreeModel: the tree of the selected tables: a root that names the selection, a node per table, six detail
-// lines under each. No object per node: an index carries the table's number, and texts and icons are computed when a
-// view asks for them. Whether a table file exists is looked up once, when its row is first drawn.
+// TableTreeModel: the tree of the selected tables: a root that names the selection, a node per
+// table, six detail lines under each. No object per node: an index carries the table's number, and
+// texts and icons are computed when a view asks for them. Whether a table file exists is looked up
+// once, when its row is first drawn.
 #pragma once
 
 #include "browser/node_number.h"
@@ -30,9 +31,11 @@ public:
     using IconSource = std::function<QVariant(const QString& icon_key)>;
 
     // `file_test` empty: platform::FileExists.
-    explicit TableTreeModel(IconSource icons = {}, FileTest file_test = {}, QObject* parent = nullptr);
+    explicit TableTreeModel(IconSource icons = {}, FileTest file_test = {},
+                            QObject* parent = nullptr);
 
-    // Shows another selection. `root_icon` is the selection's own icon, shown until the root is first opened or closed.
+    // Shows another selection. `root_icon` is the selection's own icon, shown until the root is
+    // first opened or closed.
     void Show(TableSnapshot tables, const QString& root_text, const QString& root_icon);
     void Clear();
     bool has_nodes() const { return has_nodes_; }

@@ -1,4 +1,5 @@
-// TableTreeView: the tree tvwDB. Turns mouse and keyboard into the few events that the program knows.
+// TableTreeView: the tree tvwDB. Turns mouse and keyboard into the few events that the program
+// knows.
 #pragma once
 
 #include <QtWidgets/QTreeView>

@@ -11,7 +11,8 @@ TextStore::Reference TextStore::Add(std::u16string_view text) {
         blocks_.emplace_back().reserve(std::max(text.size(), std::size_t{kBlockSize}));
     std::u16string& block = blocks_.back();
     const auto block_number = static_cast<std::uint32_t>(blocks_.size() - 1);
-    const Reference reference{(block_number << kBlockBits) | static_cast<std::uint32_t>(block.size()),
+    const Reference reference{(block_number << kBlockBits) |
+                                  static_cast<std::uint32_t>(block.size()),
                               static_cast<std::uint32_t>(text.size())};
     block += text;
     return reference;

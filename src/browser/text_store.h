@@ -1,5 +1,6 @@
-// TextStore: many short texts in a few large blocks. A text costs its characters and a 8-byte reference, and adding one never
-// moves the others, so that a catalogue of 100,000 tables is read without a peak of memory.
+// TextStore: many short texts in a few large blocks. A text costs its characters and a 8-byte
+// reference, and adding one never moves the others, so that a catalogue of 100,000 tables is read
+// without a peak of memory.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +14,8 @@ class TextStore {
 public:
     // Where a text lies. Values; belong to the store that gave them.
     struct Reference {
-        std::uint32_t start = 0;   // block number in the upper bits, character within the block below
+        std::uint32_t start =
+            0;  // block number in the upper bits, character within the block below
         std::uint32_t length = 0;  // UTF-16 units
     };
 

@@ -15,7 +15,7 @@ bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_
 TreeController::TreeController(const Parts& parts, DetailHost& host) : parts_(parts), host_(host) {
     ConnectTree();
     parts_.menu.SetCommand(QStringLiteral("mnuPlay"), [this] { DoubleClick(); });
-    parts_.menu.SetCommand(QStringLiteral("mnuAddit"), [this] { ToggleFavorites(); });
+    parts_.menu.SetCommand(QStringLiteral("mnuAddit"), [this] { ToggleSelectedFavorite(); });
 }
 
 void TreeController::ConnectTree() {
@@ -75,9 +75,11 @@ bool TreeController::PlaySelected() {
     if (!parts_.model.has_nodes() || tag.isEmpty() || tag == kDetailTag) return false;
     if (play_table_ && platform::FileExists(tag))
         play_table_(tag, SelectedText(), parts_.details.DetailText(0).toInt());
-    // Windows live while a table is played: by now another node may be selected, or a record be in the middle of a change.
+    // Windows live while a table is played: by now another node may be selected, or a record be in
+    // the middle of a change.
     const QString selected = SelectedTag();
-    if (selected.isEmpty() || selected == kDetailTag || parts_.details.record_changed()) return false;
+    if (selected.isEmpty() || selected == kDetailTag || parts_.details.record_changed())
+        return false;
     parts_.details.ShowTableDetails(selected);
     return true;
 }
@@ -97,24 +99,36 @@ void TreeController::ShowPopup(int x_twips, const QPoint& position) {
         parts_.menu.Menu(QStringLiteral("mnufavorites"))->popup(position);
 }
 
-void TreeController::ToggleFavorites() {
-    const QModelIndex selected = parts_.tree.currentIndex();
-    if (!IsTable(selected)) return;
-    const QString flag = parts_.details.FavoriteChecked() ? QStringLiteral("false")
-                                                          : QStringLiteral("true");
-    const QString statement = QStringLiteral("Update tables set favorite = ") + flag +
-                              QStringLiteral(" where displayname= '") +
-                              catalogue::QuoteSql(SelectedText()) + QStringLiteral("'");
-    const auto done = parts_.catalogue.CatalogueConnection->Execute(statement.toStdU16String());
-    if (!done.ok()) {
-        parts_.prompts.Ask({QString::fromStdString(done.status().message()), {},
-                            platform::MessageIcon::kCritical});
-        return;
-    }
-    // In both directions: the node keeps the favourite's icon until the tree is built again.
-    parts_.model.SetTableIcon(selected, QStringLiteral("favorite"));
-    parts_.details.ShowTableDetails(SelectedTag());
-    if (parts_.filter_bar.FilterKey() == u"Favorites") parts_.filter_bar.Choose(QStringLiteral("All"));
+void TreeController::ToggleSelectedFavorite() {
+    if (!IsTable(parts_.tree.currentIndex())) return;
+    const base::Status done = ToggleFavorites(*parts_.catalogue.CatalogueConnection, *this);
+    if (!done.ok())
+        parts_.prompts.Ask(
+            {QString::fromStdString(done.message()), {}, platform::MessageIcon::kCritical});
+}
+
+bool TreeController::TreeIsEmpty() const {
+    return !parts_.model.has_nodes();
+}
+
+bool TreeController::FavoriteChecked() const {
+    return parts_.details.FavoriteChecked();
+}
+
+void TreeController::SetSelectedNodeIcon(const QString& key) {
+    parts_.model.SetTableIcon(parts_.tree.currentIndex(), key);
+}
+
+void TreeController::ShowTableDetails(const QString& file_name) {
+    parts_.details.ShowTableDetails(file_name);
+}
+
+QString TreeController::FilterText() const {
+    return parts_.filter_bar.FilterText();
+}
+
+void TreeController::SelectFilterAll() {
+    parts_.filter_bar.Choose(QStringLiteral("All"));
 }
 
 }  // namespace browser

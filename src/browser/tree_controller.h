@@ -2,6 +2,7 @@
 #pragma once
 
 #include "browser/detail_panel.h"
+#include "browser/favourites.h"
 #include "browser/filter_bar.h"
 #include "browser/main_menu.h"
 #include "browser/table_tree_model.h"
@@ -11,13 +12,14 @@
 
 namespace browser {
 
-// Right clicks at this distance from the left edge, in twips, and beyond open no menu: it belongs to the names.
+// Right clicks at this distance from the left edge, in twips, and beyond open no menu: it belongs
+// to the names.
 inline constexpr int kPopupLimitTwips = 2350;
 
 // Whether a right click on the tree opens the pop-up menu.
 bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_twips);
 
-class TreeController : public QObject {
+class TreeController : public QObject, private FavouritesHost {
     Q_OBJECT
 
 public:
@@ -35,14 +37,15 @@ public:
         MainMenu& menu;
     };
 
-    // Everything in `parts` is borrowed and outlives the controller; `host` shows the notes under the tree.
+    // Everything in `parts` is borrowed and outlives the controller; `host` shows the notes under
+    // the tree.
     TreeController(const Parts& parts, DetailHost& host);
 
     void SetPlayTable(PlayTable play) { play_table_ = std::move(play); }
 
-    // The selected node; empty: none is.
-    QString SelectedTag() const;
-    QString SelectedText() const;
+    // FavouritesHost, too. Of the selected node; empty: none is.
+    QString SelectedTag() const override;
+    QString SelectedText() const override;
 
     // A node number; 0: none. Kept between runs.
     std::int64_t SelectedNodeIndex() const { return selected_node_index_; }
@@ -54,14 +57,23 @@ public:
 
     // The double click: plays the selected table, shows its details again and closes its node.
     void DoubleClick();
-    // Flips the favourite flag of the selected table.
-    void ToggleFavorites();
+    // Flips the favourite flag of the selected table; what goes wrong with the database is shown.
+    void ToggleSelectedFavorite();
 
 private:
+    // FavouritesHost
+    bool TreeIsEmpty() const override;
+    bool FavoriteChecked() const override;
+    void SetSelectedNodeIcon(const QString& key) override;
+    void ShowTableDetails(const QString& file_name) override;
+    QString FilterText() const override;
+    void SelectFilterAll() override;
+
     void ConnectTree();
     void NodeClick(const QModelIndex& index);
     void KeyPress();
-    // Plays the selected table when its file is there, then shows its details again. True: a table or the root is selected.
+    // Plays the selected table when its file is there, then shows its details again. True: a table
+    // or the root is selected.
     bool PlaySelected();
     void ShowPopup(int x_twips, const QPoint& position);
     bool IsTable(const QModelIndex& index) const;

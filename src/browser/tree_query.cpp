@@ -12,11 +12,10 @@ std::optional<QString> WrongValue(const Selection& selection) {
 
 base::Result<std::optional<jet::Recordset>> OpenSelection(jet::Connection& connection,
                                                           const Selection& selection) {
-    ASSIGN_OR_RETURN(
-        const QString query,
-        catalogue::ComposeFilterQuery(connection, selection.filter_key,
-                                      catalogue::QuoteSqlExpr(selection.filter_value),
-                                      selection.comparison));
+    ASSIGN_OR_RETURN(const QString query,
+                     catalogue::ComposeFilterQuery(connection, selection.filter_key,
+                                                   catalogue::QuoteSqlExpr(selection.filter_value),
+                                                   selection.comparison));
     if (query == u"0") return std::optional<jet::Recordset>();
     const QString ordered =
         query + catalogue::ComposeOrderClause(selection.order_caption, selection.direction);

@@ -1,0 +1,47 @@
+#include "app/arguments.h"
+
+#include "dialogs/program_version.h"
+
+namespace app {
+
+Arguments ParseArguments(const QStringList& words) {
+    const QString folder_equals = QStringLiteral("--folder=");
+    Arguments arguments;
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        const QString& word = words[i];
+        if (word == u"--help" || word == u"-h")
+            arguments.help = true;
+        else if (word == u"--version" || word == u"-v")
+            arguments.version = true;
+        else if (word == u"--folder" && i + 1 < words.size())
+            arguments.folder = words[++i];
+        else if (word.startsWith(folder_equals))
+            arguments.folder = word.mid(folder_equals.size());
+        else if (word == u"--folder")
+            arguments.error = QStringLiteral("--folder needs the name of a folder");
+        else
+            arguments.error = QStringLiteral("unknown argument: ") + word;
+    }
+    return arguments;
+}
+
+QString HelpText() {
+    return QStringLiteral(
+        "usage: tavolo [--folder DIR]\n"
+        "Catalogue manager and front end for Visual Pinball tables.\n"
+        "\n"
+        "  --folder DIR  use DIR as the application folder: the catalogue pinball.mdb, its "
+        "backup,\n"
+        "                the sounds and the help file are there. An empty DIR gets new ones.\n"
+        "                Without it: the program's own folder, or, where that cannot be written,\n"
+        "                the user's data folder.\n"
+        "  --help        show this text\n"
+        "  --version     show the version\n");
+}
+
+QString VersionLine() {
+    return dialogs::ApplicationTitle() + QStringLiteral(" ") +
+           dialogs::VersionText(dialogs::ProgramVersion()) + QStringLiteral("\n");
+}
+
+}  // namespace app

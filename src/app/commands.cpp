@@ -1,0 +1,101 @@
+#include "app/commands.h"
+
+#include "browser/table_info_command.h"
+#include "dialogs/frmAbout.h"
+#include "dialogs/frmSettings.h"
+#include "dialogs/help.h"
+#include "discovery/frmsearch.h"
+#include "maintenance/backup.h"
+#include "maintenance/file_dates.h"
+#include "maintenance/frmCRC.h"
+#include "maintenance/frmImport.h"
+#include "maintenance/frmUtility.h"
+#include "maintenance/play_counts.h"
+#include "maintenance/purge.h"
+#include "pictures/frmPicture.h"
+
+namespace app {
+namespace {
+
+// The detail field of the screenshot's path.
+constexpr int kImageFileField = 7;
+
+}  // namespace
+
+Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                   browser::frmPinball& window)
+    : catalogue_(catalogue), prompts_(prompts), window_(window),
+      refresh_tree_([this] { window_.RefreshTree(); }), splash_(&window) {
+    AttachScan();
+    AttachUtilities();
+    AttachCatalogueDialogs();
+    AttachHelp();
+    AttachPictures();
+    window_.SetBeforeUnload([this] { splash_.Unload(); });
+}
+
+maintenance::CommandContext Commands::Context() {
+    return {catalogue_, prompts_, held_back_events_, refresh_tree_,
+            [this](std::int64_t done, std::int64_t total) { window_.ShowProgress(done, total); }};
+}
+
+void Commands::AttachScan() {
+    window_.SetCommand(QStringLiteral("mnuTblScan"), [this] {
+        discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec();
+    });
+    window_.SetCommand(QStringLiteral("mnuVPT"), [this] {
+        browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_);
+    });
+}
+
+void Commands::AttachUtilities() {
+    window_.SetCommand(QStringLiteral("mnuDates"),
+                       [this] { maintenance::UpdateFileDates(Context()); });
+    window_.SetCommand(QStringLiteral("mnuResetTimes"),
+                       [this] { maintenance::ResetTimesPlayed(Context()); });
+    window_.SetCommand(QStringLiteral("mnuPurge"),
+                       [this] { maintenance::PurgeMissingTables(Context()); });
+    window_.SetCommand(QStringLiteral("mnuBackup"),
+                       [this] { maintenance::BackupData(Context(), window_.windowTitle()); });
+    window_.SetCommand(QStringLiteral("mnuCRC"),
+                       [this] { maintenance::UpdateCrcs(catalogue_, prompts_, &window_); });
+}
+
+void Commands::AttachCatalogueDialogs() {
+    window_.SetCommand(QStringLiteral("mnuExe"),
+                       [this] { dialogs::frmSettings(catalogue_, prompts_, &window_).exec(); });
+    window_.SetCommand(QStringLiteral("mnuRest"), [this] {
+        maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
+    });
+    window_.SetCommand(QStringLiteral("mnuImport"), [this] {
+        maintenance::frmImport(catalogue_, prompts_, events_, refresh_tree_, &window_).exec();
+    });
+}
+
+void Commands::AttachHelp() {
+    window_.SetCommand(QStringLiteral("mnuHelpContents"), [this] {
+        dialogs::OpenHelp(*shell_, catalogue_.values->ApplicationFolder);
+    });
+    window_.SetCommand(QStringLiteral("mnuAbout"), [this] {
+        dialogs::frmAbout(prompts_, *shell_, *starter_, &window_).exec();
+    });
+}
+
+void Commands::AttachPictures() {
+    window_.SetCommand(QStringLiteral("mnuTI"), [this] {
+        browser::ViewTableInfo(window_.SelectedTag(), window_.details(), prompts_, *shell_,
+                               &window_);
+    });
+    window_.SetCommand(QStringLiteral("mnuClip"), [this] {
+        const QString tag = window_.SelectedTag();
+        if (tag.isEmpty() || tag == browser::kDetailTag) return;
+        const auto assign = [this](const QString& path) {
+            window_.details().SetDetailText(kImageFileField, path);
+            window_.details().Save();
+        };
+        pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(),
+                                           assign, &window_);
+    });
+}
+
+}  // namespace app

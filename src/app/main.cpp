@@ -1,0 +1,83 @@
+// tavolo: builds the program's objects and connects them.
+#include "app/application_folder_choice.h"
+#include "app/arguments.h"
+#include "app/commands.h"
+#include "assets.h"
+#include "browser/frmPinball.h"
+#include "browser/frmSplash.h"
+#include "dialogs/program_version.h"
+#include "dialogs/qt_user_prompts.h"
+#include "platform/file_system.h"
+
+#include <QtGui/QIcon>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QStyleFactory>
+
+#include <cstdio>
+
+namespace {
+
+int Print(const QString& text) {
+    std::fputs(text.toUtf8().constData(), stdout);
+    return 0;
+}
+
+int Complain(const QString& error) {
+    std::fputs(("tavolo: " + error.toUtf8() + "\n\n").constData(), stderr);
+    std::fputs(app::HelpText().toUtf8().constData(), stderr);
+    return 2;
+}
+
+app::Arguments ArgumentsOf(int argc, char** argv) {
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+    return app::ParseArguments(words);
+}
+
+void SetAppearance() {
+    assets::Load();
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
+}
+
+int RunProgram(const QString& folder_argument) {
+    const app::KnownFolders folders = app::FoldersOfThisProgram();
+    catalogue::ProcessValues values;
+    values.ApplicationFolder = app::ChooseApplicationFolder(folder_argument, folders);
+    app::PrepareFirstStart(values.ApplicationFolder, folders);
+
+    const auto files = platform::MakeFileSystem();
+    const auto settings = platform::MakeSettingsStore();
+    platform::SystemClock clock;
+    jet::Connection connection(*files);
+    catalogue::Catalogue catalogue{&connection, &values, settings.get(), &clock};
+    dialogs::QtUserPrompts prompts;
+    const base::Status opened = catalogue::Main(catalogue);
+    if (!opened.ok()) {
+        prompts.Ask({QString::fromStdString(opened.message())});
+        return 1;
+    }
+
+    browser::frmPinball window(catalogue, prompts);
+    prompts.SetOwner(&window);
+    app::Commands commands(catalogue, prompts, window);
+    window.Load();
+    window.show();
+    window.AskForWhatIsMissing();
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const app::Arguments arguments = ArgumentsOf(argc, argv);
+    if (!arguments.error.isEmpty()) return Complain(arguments.error);
+    if (arguments.help) return Print(app::HelpText());
+    if (arguments.version) return Print(app::VersionLine());
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(dialogs::ApplicationTitle());
+    QApplication::setDesktopFileName(QStringLiteral("tavolo"));
+    SetAppearance();
+    return RunProgram(arguments.folder);
+}

@@ -1,0 +1,345 @@
+#include "browser/frmPinball.h"
+
+#include "browser/filter_kinds.h"
+#include "browser/order_bar.h"
+#include "browser/selection_controller.h"
+#include "browser/status_panels.h"
+#include "browser/utilities_menu.h"
+#include "catalogue/selection.h"
+#include "dialogs/program_version.h"
+#include "platform/application_folder.h"
+
+#include <QtCore/QFile>
+#include <QtGui/QCloseEvent>
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QSplitter>
+#include <QtWidgets/QVBoxLayout>
+
+namespace browser {
+namespace {
+
+constexpr int kMargin = 6;
+// Lines of notes under the tree; more are cut.
+constexpr int kCommentLines = 4;
+
+QString ForDisplay(QString text) {
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    return text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+}
+
+}  // namespace
+
+frmPinball::frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts)
+    : catalogue_(catalogue), prompts_(prompts),
+      model_([this](const QString& key) -> QVariant { return imlSmallIcons_.Icon(key); }) {
+    setObjectName(QStringLiteral("frmPinball"));
+    menu_ = std::make_unique<MainMenu>(*menuBar());
+    CreateControls();
+    CreateControllers();
+    CreateCommands();
+    SetTitle();
+    qApp->installEventFilter(this);
+}
+
+frmPinball::~frmPinball() {
+    qApp->removeEventFilter(this);
+}
+
+void frmPinball::CreateControls() {
+    status_ = new StatusPanels(this);
+    setStatusBar(status_);
+    details_ = new DetailPanel(catalogue_, prompts_, *this, this);
+    splitter_ = new QSplitter(this);
+    splitter_->setChildrenCollapsible(false);
+    splitter_->addWidget(CreateTreePane());
+    splitter_->addWidget(details_);
+    // The room of a larger window goes to both, more of it to the details.
+    splitter_->setStretchFactor(0, 2);
+    splitter_->setStretchFactor(1, 3);
+
+    auto* central = new QWidget(this);
+    auto* rows = new QVBoxLayout(central);
+    rows->setContentsMargins(kMargin, kMargin, kMargin, kMargin / 2);
+    rows->setSpacing(kMargin);
+    rows->addWidget(CreateTopBar());
+    rows->addWidget(splitter_, 1);
+    setCentralWidget(central);
+}
+
+QWidget* frmPinball::CreateTopBar() {
+    auto* bar = new QWidget(this);
+    auto* row = new QHBoxLayout(bar);
+    row->setContentsMargins(0, 0, 0, 0);
+    filter_bar_ = new FilterBar(
+        [this](const QString& key) {
+            return catalogue::FilterValues(*catalogue_.CatalogueConnection, key);
+        },
+        prompts_, imlSmallIcons_, bar);
+    order_bar_ = new OrderBar(bar);
+    row->addWidget(filter_bar_, 1);
+    row->addSpacing(kMargin);
+    row->addWidget(order_bar_);
+    return bar;
+}
+
+QWidget* frmPinball::CreateTreePane() {
+    auto* pane = new QWidget(this);
+    tvwDB_ = new TableTreeView(model_, pane);
+    cmdPlay_ =
+        new PlayButton(*catalogue_.values, imlSmallIcons_.Icon(QStringLiteral("play")), pane);
+    auto* caption = new QLabel(QStringLiteral("Notes:"), pane);
+    caption->setObjectName(QStringLiteral("Label1"));
+    lblComments_ = new QLabel(pane);
+    lblComments_->setObjectName(QStringLiteral("lblComments"));
+    lblComments_->setTextFormat(Qt::PlainText);
+    lblComments_->setWordWrap(true);
+    lblComments_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    lblComments_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    lblComments_->setFixedHeight(kCommentLines * lblComments_->fontMetrics().lineSpacing());
+
+    auto* rows = new QVBoxLayout(pane);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(kMargin / 2);
+    rows->addWidget(tvwDB_, 1);
+    rows->addWidget(caption);
+    rows->addWidget(lblComments_);
+    rows->addWidget(cmdPlay_);
+    return pane;
+}
+
+void frmPinball::CreateControllers() {
+    selection_ = std::make_unique<SelectionController>(
+        SelectionController::Parts{catalogue_, prompts_, *filter_bar_, *order_bar_, model_, *tvwDB_,
+                                   *status_},
+        [this] { details_->ClearTableDetails(); });
+    DetailHost& host = *this;
+    tree_ = std::make_unique<TreeController>(TreeController::Parts{catalogue_, prompts_, model_,
+                                                                   *tvwDB_, *details_, *filter_bar_,
+                                                                   *menu_},
+                                             host);
+}
+
+void frmPinball::CreateCommands() {
+    SetCommand(QStringLiteral("mnuExit"), [this] { close(); });
+    SetCommand(QStringLiteral("mnuSize"), [this] { RestoreDefaultSize(); });
+    SetCommand(QStringLiteral("mnuMin"), [this] {
+        catalogue_.values->MinimiseOnPlay = menu_->IsChecked(QStringLiteral("mnuMin"));
+    });
+    SetCommand(QStringLiteral("mnuSound"), [this] {
+        catalogue_.values->SoundOn = menu_->IsChecked(QStringLiteral("mnuSound"));
+    });
+    connect(cmdPlay_, &QPushButton::clicked, this, [this] { tree_->DoubleClick(); });
+    connect(menu_->Menu(QStringLiteral("mnuFile")), &QMenu::aboutToShow, this,
+            [this] { SetComments({}); });
+    connect(menu_->Menu(QStringLiteral("mnuUtilities")), &QMenu::aboutToShow, this,
+            &frmPinball::PrepareUtilitiesMenu);
+}
+
+void frmPinball::SetCommand(const QString& item, MainMenu::Command command) {
+    menu_->SetCommand(item, std::move(command));
+}
+
+void frmPinball::SetPlayTable(TreeController::PlayTable play) {
+    tree_->SetPlayTable(std::move(play));
+}
+
+void frmPinball::SetPlaySound(PlayButton::Sound sound) {
+    cmdPlay_->SetSound(std::move(sound));
+}
+
+void frmPinball::SetBeforeUnload(std::function<void()> unload) {
+    before_unload_ = std::move(unload);
+}
+
+void frmPinball::SetTitle() {
+    const dialogs::Version version = dialogs::ProgramVersion();
+    setWindowTitle(QStringLiteral("Tavolo -    v. ") + QString::number(version.major) +
+                   QStringLiteral(".") + QString::number(version.minor) +
+                   QStringLiteral(" - RC 1"));
+}
+
+void frmPinball::Load() {
+    const MainWindowSettings settings = ReadSettings(*catalogue_.settings);
+    RestoreWindow(settings);
+    RestoreControls(settings);
+    ShowCatalogue(settings);
+}
+
+void frmPinball::RestoreWindow(const MainWindowSettings& settings) {
+    resize(ToPixels(settings.width_twips), ToPixels(settings.height_twips));
+    if (settings.window_state == WindowState::kMaximised)
+        setWindowState(windowState() | Qt::WindowMaximized);
+}
+
+void frmPinball::RestoreControls(const MainWindowSettings& settings) {
+    order_bar_->SetDirection(settings.direction);
+    order_bar_->SetOrderCaption(settings.order_by);
+    tree_->SetSelectedNodeIndex(settings.last_play);
+    filter_bar_->SetComparison(settings.comparison);
+    catalogue_.values->SoundOn = settings.sound;
+    catalogue_.values->MinimiseOnPlay = settings.minimise;
+    catalogue_.values->LastPictureDir = settings.last_picture_folder;
+    menu_->SetChecked(QStringLiteral("mnuMin"), settings.minimise);
+    menu_->SetChecked(QStringLiteral("mnuSound"), settings.sound);
+    details_->SetCurrentTab(settings.last_tab);
+}
+
+void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
+    const auto rows = catalogue_.CatalogueConnection->Execute(u"select * from tables");
+    if (!rows.ok()) {
+        prompts_.Ask({QString::fromStdString(rows.status().message()),
+                      {},
+                      platform::MessageIcon::kCritical});
+        return;
+    }
+    catalogue_is_empty_ = rows->Bof() && rows->Eof();
+    if (catalogue_is_empty_) return;
+    selection_->RestoreFilter({settings.filter, settings.sub, settings.comparison});
+    RefreshTree();
+    if (settings.last_play != 0) tree_->SelectTableNode(settings.last_play);
+}
+
+void frmPinball::AskForWhatIsMissing() {
+    if (catalogue_is_empty_) menu_->Run(QStringLiteral("mnuTblScan"));
+    if (catalogue_.values->VisualPinballExe.isEmpty()) menu_->Run(QStringLiteral("mnuExe"));
+}
+
+void frmPinball::RefreshTree() {
+    selection_->RefreshTree();
+}
+
+QString frmPinball::SelectedTag() const {
+    return tree_->SelectedTag();
+}
+
+QString frmPinball::SelectedText() const {
+    return tree_->SelectedText();
+}
+
+void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
+    if (done == total) {
+        status_->EndProgress();
+        return;
+    }
+    if (!status_->in_progress()) status_->StartProgress(total);
+    status_->Advance(done);
+}
+
+void frmPinball::RememberSelectedNode() {
+    tree_->RememberSelectedNode();
+}
+
+void frmPinball::SetStatusText(int panel, const QString& text) {
+    status_->SetPanelText(panel, text);
+}
+
+void frmPinball::SetComments(const QString& text) {
+    lblComments_->setText(ForDisplay(text));
+    lblComments_->setToolTip(text.isEmpty() ? QString() : lblComments_->text());
+}
+
+void frmPinball::LockForEdit(bool changed) {
+    const bool enabled = !changed;
+    filter_bar_->setEnabled(enabled);
+    order_bar_->LockRefresh(changed);
+    tvwDB_->setEnabled(enabled);
+    cmdPlay_->setEnabled(enabled);
+    menu_->SetMenuEnabled(QStringLiteral("mnuFile"), enabled);
+    menu_->SetMenuEnabled(QStringLiteral("mnuUtilities"), enabled);
+}
+
+void frmPinball::ViewTableInfo() {
+    menu_->Run(QStringLiteral("mnuTI"));
+}
+
+bool frmPinball::IsNormal() const {
+    return (windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen)) ==
+           0;
+}
+
+void frmPinball::RestoreDefaultSize() {
+    if (IsNormal()) resize(ToPixels(kDefaultWidthTwips), ToPixels(kRestoredHeightTwips));
+}
+
+void frmPinball::PrepareUtilitiesMenu() {
+    const UtilitiesMenuState state = UtilitiesMenuFor(details_->CurrentTab(), IsNormal());
+    menu_->SetAllowed(QStringLiteral("mnuRest"), state.reset_paths);
+    menu_->SetAllowed(QStringLiteral("mnuDates"), state.reset_dates);
+    menu_->SetAllowed(QStringLiteral("mnuSize"), state.default_size);
+}
+
+// The window sees keys before its controls do. F2 is let go of: the picture on the clipboard is
+// wanted.
+bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyRelease || !watched->isWidgetType()) return false;
+    const auto* const key = static_cast<QKeyEvent*>(event);
+    if (key->key() != Qt::Key_F2 || key->isAutoRepeat()) return false;
+    if (static_cast<QWidget*>(watched)->window() != this) return false;
+    menu_->Run(QStringLiteral("mnuClip"));
+    return true;
+}
+
+void frmPinball::closeEvent(QCloseEvent* event) {
+    if (unloaded_) return;
+    if (!QueryUnload()) {
+        event->ignore();
+        return;
+    }
+    Unload();
+    event->accept();
+}
+
+bool frmPinball::QueryUnload() {
+    if (filter_bar_->TakesValue()) {
+        const auto wrong =
+            catalogue::InvalidFilterValue(filter_bar_->FilterKey(), filter_bar_->FilterValue());
+        if (wrong) {
+            prompts_.Ask({*wrong, {}, platform::MessageIcon::kInformation});
+            filter_bar_->FocusValue();
+            return false;
+        }
+    }
+    if (!menu_->IsMenuEnabled(QStringLiteral("mnuFile"))) return false;
+    if (before_unload_) before_unload_();
+    return true;
+}
+
+void frmPinball::Unload() {
+    unloaded_ = true;
+    catalogue_.CatalogueConnection->Close().Ignore();
+    WriteSettings(*catalogue_.settings, CurrentSettings());
+    RemoveWorkFiles();
+}
+
+MainWindowSettings frmPinball::CurrentSettings() const {
+    MainWindowSettings settings;
+    settings.window_state = isMinimized()   ? WindowState::kMinimised
+                            : isMaximized() ? WindowState::kMaximised
+                                            : WindowState::kNormal;
+    settings.width_twips = ToTwips(width());
+    settings.height_twips = ToTwips(height());
+    settings.scale_height_twips = ToTwips(height() - menuBar()->height());
+    settings.direction = order_bar_->Direction();
+    settings.order_by = order_bar_->OrderCaption();
+    settings.last_play = tree_->SelectedNodeIndex();
+    settings.filter = filter_bar_->FilterKey();
+    settings.sub = filter_bar_->FilterValue();
+    settings.comparison = selection_->applied().CurrentOperator;
+    settings.sound = catalogue_.values->SoundOn;
+    settings.minimise = catalogue_.values->MinimiseOnPlay;
+    settings.last_tab = details_->CurrentTab();
+    settings.last_picture_folder = catalogue_.values->LastPictureDir;
+    return settings;
+}
+
+// Of the capture window.
+void frmPinball::RemoveWorkFiles() {
+    for (const QString& name : {QStringLiteral("temp.jpg"), QStringLiteral("temp.bmp")})
+        QFile::remove(platform::FileIn(catalogue_.values->ApplicationFolder, name));
+}
+
+}  // namespace browser

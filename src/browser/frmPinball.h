@@ -1,0 +1,115 @@
+// frmPinball: the main window: filter and order above a tree of tables, the details beside it,
+// menus and status bar. It is put together here from its parts; what each part does stands with the
+// part.
+#pragma once
+
+#include "browser/detail_panel.h"
+#include "browser/icon_list.h"
+#include "browser/main_menu.h"
+#include "browser/main_window_settings.h"
+#include "browser/play_button.h"
+#include "browser/tree_controller.h"
+
+#include <QtWidgets/QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class QLabel;
+class QSplitter;
+
+namespace browser {
+
+class OrderBar;
+class SelectionController;
+class StatusPanels;
+
+class frmPinball : public QMainWindow, private DetailHost {
+    Q_OBJECT
+
+public:
+    // Both are borrowed and outlive the window. The catalogue is open (see catalogue::Main).
+    frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts);
+    ~frmPinball() override;
+
+    // Restores the saved settings and shows the saved selection. Called once, before the window is
+    // shown.
+    void Load();
+    // Starts what a first start needs, once the window is shown: the scan when the catalogue is
+    // empty, the choice of the executable when there is none.
+    void AskForWhatIsMissing();
+
+    // Attaches a command to a menu item by its name, for example "mnuPurge".
+    void SetCommand(const QString& item, MainMenu::Command command);
+    // How a table is started, and how the play button sounds.
+    void SetPlayTable(TreeController::PlayTable play);
+    void SetPlaySound(PlayButton::Sound sound);
+    // Called when the window has agreed to close, before the catalogue is closed.
+    void SetBeforeUnload(std::function<void()> unload);
+
+    // Runs the selection again.
+    void RefreshTree() override;
+    // Of the tree's selected node; empty: none is selected.
+    QString SelectedTag() const override;
+    QString SelectedText() const override;
+    DetailPanel& details() { return *details_; }
+    // How far a command has come; it is over when `done` equals `total`.
+    void ShowProgress(std::int64_t done, std::int64_t total);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    // Steps of the constructor.
+    void CreateControls();
+    QWidget* CreateTopBar();
+    QWidget* CreateTreePane();
+    void CreateControllers();
+    void CreateCommands();
+
+    // Steps of Load.
+    void RestoreWindow(const MainWindowSettings& settings);
+    void RestoreControls(const MainWindowSettings& settings);
+    void ShowCatalogue(const MainWindowSettings& settings);
+    void SetTitle();
+
+    // Steps of closing.
+    bool QueryUnload();
+    void Unload();
+    MainWindowSettings CurrentSettings() const;
+    void RemoveWorkFiles();
+
+    void RestoreDefaultSize();
+    void PrepareUtilitiesMenu();
+    bool IsNormal() const;
+
+    // DetailHost
+    void RememberSelectedNode() override;
+    void SetStatusText(int panel, const QString& text) override;
+    void SetComments(const QString& text) override;
+    void LockForEdit(bool changed) override;
+    void ViewTableInfo() override;
+
+    catalogue::Catalogue& catalogue_;
+    platform::UserPrompts& prompts_;
+    IconList imlSmallIcons_;
+    TableTreeModel model_;
+    std::unique_ptr<MainMenu> menu_;
+    FilterBar* filter_bar_ = nullptr;
+    OrderBar* order_bar_ = nullptr;
+    TableTreeView* tvwDB_ = nullptr;
+    QLabel* lblComments_ = nullptr;
+    PlayButton* cmdPlay_ = nullptr;
+    DetailPanel* details_ = nullptr;
+    StatusPanels* status_ = nullptr;
+    QSplitter* splitter_ = nullptr;
+    std::unique_ptr<SelectionController> selection_;
+    std::unique_ptr<TreeController> tree_;
+    std::function<void()> before_unload_;
+    bool catalogue_is_empty_ = false;
+    bool unloaded_ = false;
+};
+
+}  // namespace browser
