@@ -1,0 +1,116 @@
+#include "launcher/play_button.h"
+
+#include "assets.h"
+
+#include <QtGui/QMouseEvent>
+#include <QtGui/QPainter>
+#include <QtSvg/QSvgRenderer>
+
+namespace launcher {
+namespace {
+
+// Windows 0x00BBGGRR.
+constexpr std::uint32_t kAtFirst = 0xF2F2F2;
+constexpr std::uint32_t kPressed = 255;     // red
+constexpr std::uint32_t kReleased = 65535;  // yellow
+
+constexpr int kPictureSide = 40;  // pixels
+constexpr int kMargin = 4;
+
+QColor FromWindowsColour(std::uint32_t blue_green_red) {
+    return QColor(static_cast<int>(blue_green_red & 0xFF),
+                  static_cast<int>((blue_green_red >> 8) & 0xFF),
+                  static_cast<int>((blue_green_red >> 16) & 0xFF));
+}
+
+QSvgRenderer* Picture(const char* name, QObject* parent) {
+    assets::Load();
+    return new QSvgRenderer(QStringLiteral(":/tavolo/") + QLatin1String(name), parent);
+}
+
+}  // namespace
+
+PlayButton::PlayButton(const catalogue::ProcessValues& values, QWidget* parent)
+    : QPushButton(QStringLiteral("Play"), parent), values_(values),
+      picture_(Picture("play.svg", this)), pressed_picture_(Picture("play_pressed.svg", this)),
+      text_colour_(kAtFirst) {
+    setObjectName(QStringLiteral("cmdPlay"));
+    setAttribute(Qt::WA_Hover);
+    QFont bold = font();
+    bold.setBold(true);
+    bold.setPointSizeF(bold.pointSizeF() * 1.4);
+    setFont(bold);
+}
+
+QSize PlayButton::sizeHint() const {
+    const int caption = fontMetrics().horizontalAdvance(text());
+    return {kPictureSide + caption + 8 * kMargin, kPictureSide + 2 * kMargin};
+}
+
+QSize PlayButton::minimumSizeHint() const {
+    return sizeHint();
+}
+
+void PlayButton::SetTextColour(std::uint32_t colour) {
+    text_colour_ = colour;
+    update();
+}
+
+// The pressed picture is to be seen while the sound is played.
+void PlayButton::mousePressEvent(QMouseEvent* event) {
+    QPushButton::mousePressEvent(event);
+    if (values_.SoundOn && sound_) {
+        repaint();
+        sound_(QStringLiteral("slingshot.wav"));
+    }
+    SetTextColour(kPressed);
+}
+
+// First the colour: a click starts a play and comes back when that has ended.
+void PlayButton::mouseReleaseEvent(QMouseEvent* event) {
+    SetTextColour(kReleased);
+    QPushButton::mouseReleaseEvent(event);
+}
+
+void PlayButton::enterEvent(QEnterEvent* event) {
+    QPushButton::enterEvent(event);
+    if (isEnabled()) Cycle();
+}
+
+void PlayButton::Cycle() {
+    cycle_ = cycle_ >= values_.StatusColours.size() - 1 ? 1 : cycle_ + 1;
+    SetTextColour(values_.StatusColours[cycle_]);
+}
+
+void PlayButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!isEnabled()) painter.setOpacity(0.4);
+    DrawPlate(painter);
+    const qreal side = std::min<qreal>(height() - 2 * kMargin, width() / 2.0);
+    const qreal caption_width = fontMetrics().horizontalAdvance(text());
+    const qreal left = std::max<qreal>(kMargin, (width() - side - caption_width - 3 * kMargin) / 2);
+    const QRectF place(left, (height() - side) / 2, side, side);
+    (isDown() ? pressed_picture_ : picture_)->render(&painter, place);
+    DrawCaption(painter, QRectF(place.right() + 3 * kMargin, 0, width() - place.right(), height()));
+}
+
+void PlayButton::DrawPlate(QPainter& painter) const {
+    QLinearGradient shade(0, 0, 0, height());
+    const bool lit = underMouse() && !isDown();
+    shade.setColorAt(0, QColor(lit ? 0x3d60a6 : 0x31508f));
+    shade.setColorAt(1, QColor(lit ? 0x20345f : 0x182748));
+    painter.setBrush(shade);
+    painter.setPen(QPen(hasFocus() ? QColor(0xf6cf72) : QColor(0x101b33), hasFocus() ? 2 : 1));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 8, 8);
+}
+
+void PlayButton::DrawCaption(QPainter& painter, const QRectF& place) const {
+    const qreal sunk = isDown() ? 1 : 0;
+    painter.setPen(QColor(0, 0, 0, 160));
+    painter.drawText(place.translated(1, 1 + sunk), Qt::AlignLeft | Qt::AlignVCenter, text());
+    painter.setPen(FromWindowsColour(text_colour_));
+    painter.drawText(place.translated(0, sunk), Qt::AlignLeft | Qt::AlignVCenter, text());
+}
+
+}  // namespace launcher

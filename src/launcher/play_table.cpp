@@ -1,0 +1,116 @@
+#include "launcher/play_table.h"
+
+#include "catalogue/error_report.h"
+#include "launcher/update_play_count.h"
+#include "platform/application_folder.h"
+#include "platform/command_line.h"
+#include "platform/files.h"
+
+namespace launcher {
+namespace {
+
+constexpr std::int32_t kPathNotFound = 76;
+constexpr std::int32_t kInvalidProcedureCall = 5;
+constexpr qsizetype kExtensionLength = 4;
+
+const QString kSimulatorClass = QStringLiteral("VPinball");
+
+QString PlayingTitle(const QString& title_key) {
+    return QStringLiteral("Visual Pinball - [") + title_key + QStringLiteral("*]");
+}
+
+QString EndedTitle(const QString& title_key) {
+    return QStringLiteral("Visual Pinball - [") + title_key + u']';
+}
+
+// There is no blank between the "-" and the path: the simulator wants it so.
+QString CommandLine(const QString& executable, const QString& table) {
+    return u'"' + executable + QStringLiteral("\" /Play -") + platform::QuoteForCommandLine(table);
+}
+
+// The name by which the simulator's title calls the table.
+base::Result<QString> TitleKey(const QString& path) {
+    const QString name = catalogue::GetFileName(path);
+    if (!name.trimmed().isEmpty() && name.size() < kExtensionLength)
+        return base::Status(base::StatusCode::kInvalidArgument,
+                            "Invalid procedure call or argument", kInvalidProcedureCall);
+    return catalogue::StripExtension(name);
+}
+
+}  // namespace
+
+Launcher::Launcher(LauncherParts parts, MainWindowActions main_window)
+    : parts_(parts), main_window_(std::move(main_window)) {}
+
+void Launcher::PlayTable(const QString& path, const QString& display_name, qint64 id) {
+    const base::Status counted = UpdatePlayCount(*parts_.catalogue.CatalogueConnection, id);
+    if (!counted.ok()) {
+        catalogue::ShowError(parts_.prompts, counted);
+        return;
+    }
+    if (parts_.catalogue.values->VisualPinballExe.isEmpty()) {
+        AskForExecutable();
+        return;
+    }
+    Play play{path, display_name, {}};
+    const base::Status played = Run(play);
+    if (!played.ok()) ShowFailure(played);
+    if (play.state_before && watching_) main_window_.restore(*play.state_before);
+}
+
+void Launcher::AskForExecutable() {
+    platform::Message message;
+    message.text = QStringLiteral("Please Set the location of the VP executable");
+    message.icon = platform::MessageIcon::kInformation;
+    parts_.prompts.Ask(message);
+    main_window_.show_settings();
+}
+
+base::Status Launcher::Run(Play& play) {
+    RETURN_IF_ERROR(platform::ChangeDirectory(catalogue::GetFolder(play.path)));
+    ASSIGN_OR_RETURN(const QString title_key, TitleKey(play.path));
+    play.state_before = main_window_.state();
+    RETURN_IF_ERROR(Start(play));
+    Watch(title_key);
+    if (watching_) CloseSimulator(title_key);
+    return {};
+}
+
+// The status window is gone when it returns.
+base::Status Launcher::Start(const Play& play) {
+    const catalogue::ProcessValues& values = *parts_.catalogue.values;
+    const QString command_line = CommandLine(values.VisualPinballExe, play.path);
+    parts_.status.Show(play.display_name);
+    if (values.SoundOn)
+        parts_.sounds.PlaySynchronously(
+            platform::FileIn(values.ApplicationFolder, QStringLiteral("Pinball.wav")));
+    const auto started = parts_.programs.Start(command_line);
+    if (started.ok()) {
+        last_task_id_ = *started;
+        if (values.MinimiseOnPlay) main_window_.minimise();
+    }
+    parts_.status.Unload();
+    return started.status();
+}
+
+void Launcher::Watch(const QString& title_key) {
+    while (watching_ && parts_.windows.Find(kSimulatorClass, PlayingTitle(title_key)))
+        parts_.events.ProcessEvents();
+}
+
+void Launcher::CloseSimulator(const QString& title_key) {
+    const auto window = parts_.windows.Find(kSimulatorClass, EndedTitle(title_key));
+    if (window) parts_.windows.RequestClose(*window);
+}
+
+// Number 76 may as well mean the table's folder.
+void Launcher::ShowFailure(const base::Status& failure) {
+    platform::Message message;
+    message.text = failure.number() == kPathNotFound
+                       ? QStringLiteral("The Visual Pinball Executable Could not Be Found!!")
+                       : QString::fromStdString(failure.message());
+    message.icon = platform::MessageIcon::kCritical;
+    parts_.prompts.Ask(message);
+}
+
+}  // namespace launcher

@@ -1,0 +1,80 @@
+// Launcher: starts the simulator on a table, watches its window until the play ends, and closes it.
+// The simulator shows the state of a play in the title of its window: "Visual Pinball - [name*]"
+// while the table is played, without the asterisk when the play is over. The watch asks for that
+// window as often as it can, letting the user's events be handled between two questions; a play
+// that is started by such an event is watched inside the first one's watch. The watch does not wait
+// for the window to appear: a simulator that is slower than the program runs on by itself. Threads:
+// the user-interface thread.
+#pragma once
+
+#include "catalogue/pin_subs.h"
+#include "platform/process_starter.h"
+#include "platform/sound_player.h"
+#include "platform/user_events.h"
+#include "platform/user_prompts.h"
+#include "platform/window_control.h"
+
+#include <QtCore/QString>
+
+#include <functional>
+#include <optional>
+
+namespace launcher {
+
+// What a launch does to the main window.
+struct MainWindowActions {
+    std::function<Qt::WindowStates()> state;
+    std::function<void()> minimise;
+    std::function<void(Qt::WindowStates)> restore;
+    // Shows the dialog in which the simulator's executable is chosen, and returns at once.
+    std::function<void()> show_settings;
+};
+
+// Borrowed; all live longer than the launcher.
+struct LauncherParts {
+    catalogue::Catalogue& catalogue;
+    platform::WindowControl& windows;
+    platform::ProcessStarter& programs;
+    platform::SoundPlayer& sounds;
+    platform::UserEvents& events;
+    platform::StatusDisplay& status;
+    platform::UserPrompts& prompts;
+};
+
+class Launcher {
+public:
+    Launcher(LauncherParts parts, MainWindowActions main_window);
+
+    // Counts the play of the table `id`, whether or not it can be started, then plays the table
+    // file `path`; `display_name` is shown while it is being loaded. Returns when the play has
+    // ended. Failures are told to the user.
+    void PlayTable(const QString& path, const QString& display_name, qint64 id);
+
+    // The main window is gone for good: plays that are being watched go on by themselves.
+    void EndWatches() { watching_ = false; }
+
+    // Process id of the last simulator that was started; 0: none was.
+    std::int64_t last_task_id() const { return last_task_id_; }
+
+private:
+    // Of one play, since a second one can start inside the first one's watch.
+    struct Play {
+        QString path;
+        QString display_name;
+        std::optional<Qt::WindowStates> state_before;
+    };
+
+    void AskForExecutable();
+    base::Status Run(Play& play);
+    base::Status Start(const Play& play);
+    void Watch(const QString& title_key);
+    void CloseSimulator(const QString& title_key);
+    void ShowFailure(const base::Status& failure);
+
+    LauncherParts parts_;
+    MainWindowActions main_window_;
+    std::int64_t last_task_id_ = 0;
+    bool watching_ = true;
+};
+
+}  // namespace launcher
