@@ -1,0 +1,223 @@
+#include "tableinfo/storage_tools.h"
+
+#include "catalogue/table_info_names.h"
+#include "support/vpt_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
+namespace tableinfo {
+namespace {
+
+using test_support::BytesOf;
+using test_support::FillerBytes;
+using test_support::VptBuilder;
+
+class StorageToolsTest : public testing::Test {
+protected:
+    QString Build(const VptBuilder& builder, const QString& name = QStringLiteral("table.vpt")) {
+        const QString path = folder_.filePath(name);
+        const auto written = builder.Write(path.toStdU16String());
+        EXPECT_TRUE(written.ok()) << written.message();
+        return path;
+    }
+    QString WriteFile(const QByteArray& bytes) {
+        QFile file(folder_.filePath(QStringLiteral("table.vpt")));
+        EXPECT_TRUE(file.open(QFile::WriteOnly));
+        file.write(bytes);
+        return file.fileName();
+    }
+    static QString Shared(const QString& name) {
+        return qEnvironmentVariable("TAVOLO_SHARED") + QStringLiteral("/samples/tables/") + name;
+    }
+    // Nothing can be found in that file, and nobody is told.
+    static void ExpectNothing(const QString& path) {
+        QStringList names{QStringLiteral("before")};
+        EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QString());
+        EXPECT_FALSE(HasTableInfo(path));
+        EXPECT_EQ(ListCustomInfoStreams(path, names), 0);
+        EXPECT_EQ(names, QStringList{QStringLiteral("before")});
+        EXPECT_EQ(LoadTableScreenshot(path), std::nullopt);
+    }
+
+    QTemporaryDir folder_;
+};
+
+TEST_F(StorageToolsTest, AStreamIsReadAsItsText) {
+    const QString path = Build(VptBuilder().Text(u"TableName", u"Attack"));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QStringLiteral("Attack"));
+}
+
+TEST_F(StorageToolsTest, AMissingStreamReadsAsTheEmptyText) {
+    const QString path = Build(VptBuilder().Text(u"TableName", u"Attack").Text(u"AuthorName", u""));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("AuthorName")), QString());
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableRules")), QString());
+    EXPECT_EQ(ReadTableInfoStream(path, QString()), QString());
+}
+
+TEST_F(StorageToolsTest, StreamsAreFoundWithoutRegardToLetterCase) {
+    const QString path = Build(VptBuilder().Text(u"tablename", u"Attack"));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QStringLiteral("Attack"));
+}
+
+TEST_F(StorageToolsTest, AStorageInPlaceOfAStreamReadsAsTheEmptyText) {
+    const QString path = Build(VptBuilder().Storage(u"TableInfo/TableName"));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QString());
+}
+
+TEST_F(StorageToolsTest, AStreamInPlaceOfTheStorageHasNothingInIt) {
+    const QString path = Build(VptBuilder().Stream(u"TableInfo", BytesOf("text")));
+    QStringList names;
+    EXPECT_TRUE(HasTableInfo(path));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QString());
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 0);
+}
+
+TEST_F(StorageToolsTest, ALongTextIsReadWhole) {
+    std::u16string rules(100'000, u'r');
+    rules += u"end";
+    const QString path = Build(VptBuilder().Text(u"TableRules", rules));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableRules")),
+              QString::fromStdU16String(rules));
+}
+
+TEST_F(StorageToolsTest, InformationIsThereWhenItsStorageIsThere) {
+    EXPECT_TRUE(HasTableInfo(Build(VptBuilder().WithTableInfo())));
+    EXPECT_FALSE(HasTableInfo(Build(VptBuilder().Filler(1000))));
+    EXPECT_FALSE(HasTableInfo(Build(VptBuilder().Stream(u"GameStg/TableInfo", BytesOf("x")))));
+}
+
+TEST_F(StorageToolsTest, TheNameOfTheStorageCountsLetterForLetter) {
+    EXPECT_FALSE(HasTableInfo(Build(VptBuilder().Storage(u"TABLEINFO"))));
+}
+
+TEST_F(StorageToolsTest, CustomStreamsAreListedAndAllElementsCounted) {
+    const QString path = Build(VptBuilder()
+                                   .Text(u"TableName", u"Attack")
+                                   .Text(u"AuthorName", u"Bob")
+                                   .Text(u"CompanyName", u"Bally"));
+    QStringList names;
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 3);
+    EXPECT_EQ(names, QStringList{QStringLiteral("CompanyName")});
+}
+
+TEST_F(StorageToolsTest, StoragesAreCountedButAreNoCustomFields) {
+    const QString path = Build(VptBuilder().Storage(u"TableInfo/Designer").Text(u"Year", u"1980"));
+    QStringList names;
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 2);
+    EXPECT_EQ(names, QStringList{QStringLiteral("Year")});
+}
+
+TEST_F(StorageToolsTest, AStandardNameInOtherLetterCaseIsACustomField) {
+    const QString path = Build(VptBuilder().Text(u"tablename", u"Attack"));
+    QStringList names;
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 1);
+    EXPECT_EQ(names, QStringList{QStringLiteral("tablename")});
+}
+
+TEST_F(StorageToolsTest, TheTenStandardNamesAreExact) {
+    for (const QStringView name : catalogue::kTableInfoStreamNames) {
+        EXPECT_TRUE(IsStandardInfoStream(name.toString())) << name.toString().toStdString();
+        EXPECT_FALSE(IsStandardInfoStream(name.toString().toUpper()))
+            << name.toString().toStdString();
+    }
+    EXPECT_FALSE(IsStandardInfoStream(QStringLiteral("CompanyName")));
+    EXPECT_FALSE(IsStandardInfoStream(QStringLiteral("TableName ")));
+    EXPECT_FALSE(IsStandardInfoStream(QString()));
+}
+
+TEST_F(StorageToolsTest, TheScreenshotIsTheStreamsBytes) {
+    const auto picture = FillerBytes(70'000);
+    const auto loaded = LoadTableScreenshot(Build(VptBuilder().Screenshot(picture)));
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(*loaded, QByteArray(reinterpret_cast<const char*>(picture.data()), 70'000));
+}
+
+TEST_F(StorageToolsTest, AnEmptyScreenshotIsNone) {
+    EXPECT_EQ(LoadTableScreenshot(Build(VptBuilder().Screenshot({}))), std::nullopt);
+    EXPECT_EQ(LoadTableScreenshot(Build(VptBuilder().WithTableInfo())), std::nullopt);
+}
+
+TEST_F(StorageToolsTest, WhatIsNoTableFileHasNothing) {
+    ExpectNothing(QString());
+    ExpectNothing(folder_.path());
+    ExpectNothing(folder_.filePath(QStringLiteral("missing.vpt")));
+    ExpectNothing(QStringLiteral("C:\\Tables\\Attack.vpt"));
+    ExpectNothing(WriteFile({}));
+    ExpectNothing(WriteFile("just a text file"));
+    ExpectNothing(WriteFile(QByteArray(100'000, '\xD0')));
+}
+
+TEST_F(StorageToolsTest, AFileCutShortHasWhatIsLeftOfItOrNothing) {
+    QFile file(Build(VptBuilder().Text(u"TableName", u"Attack").Filler(20'000)));
+    for (qint64 size = file.size(); size > 0; size -= 512) {
+        ASSERT_TRUE(file.resize(size));
+        const QString name = ReadTableInfoStream(file.fileName(), QStringLiteral("TableName"));
+        EXPECT_TRUE(name.isEmpty() || name == QStringLiteral("Attack")) << name.toStdString();
+    }
+    ExpectNothing(file.fileName());
+}
+
+TEST_F(StorageToolsTest, OneObjectAnswersSeveralQuestions) {
+    TableInfoFile file(Build(VptBuilder()
+                                 .Text(u"TableName", u"Attack")
+                                 .Text(u"Year", u"1980")
+                                 .Screenshot(BytesOf("jpeg"))));
+    QStringList names;
+    EXPECT_TRUE(file.HasTableInfo());
+    EXPECT_EQ(file.ReadStream(QStringLiteral("TableName")), QStringLiteral("Attack"));
+    EXPECT_EQ(file.ReadStream(QStringLiteral("Year")), QStringLiteral("1980"));
+    EXPECT_EQ(file.ListCustomStreams(names), 3);
+    EXPECT_EQ(file.Screenshot(), QByteArray("jpeg"));
+}
+
+TEST_F(StorageToolsTest, NamesWithBlanksApostrophesAndUmlautsOpen) {
+    const QString path = Build(VptBuilder().Text(u"TableName", u"Attack"),
+                               QStringLiteral(u"Bob's t\u00E4ble (2).VPT"));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QStringLiteral("Attack"));
+}
+
+TEST_F(StorageToolsTest, ARealFileTellsWhatItsAuthorWrote) {
+    const QString path = Shared(QStringLiteral("Blank Table with info.vpt"));
+    if (!QFile::exists(path)) GTEST_SKIP() << "the real table files are not here";
+    QStringList names;
+    EXPECT_TRUE(HasTableInfo(path));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")),
+              QStringLiteral("Visual Pinball Demo Table"));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableVersion")), QStringLiteral("1.2"));
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 6);
+    EXPECT_EQ(names,
+              (QStringList{QStringLiteral("TableSaveRev"), QStringLiteral("TableSaveDate")}));
+}
+
+TEST_F(StorageToolsTest, ARealFileWithEveryStreamGivesThemAll) {
+    const QString path = Shared(QStringLiteral("Full Info.vpt"));
+    if (!QFile::exists(path)) GTEST_SKIP() << "the real table files are not here";
+    QStringList names;
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 13);
+    EXPECT_EQ(names, (QStringList{QStringLiteral("Designer"), QStringLiteral("CompanyName"),
+                                  QStringLiteral("CompanyYear")}));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")),
+              QStringLiteral("Bob's Table"));
+    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("AuthorName")),
+              QStringLiteral(u"Ann \u00C9mile"));
+    const auto screenshot = LoadTableScreenshot(path);
+    ASSERT_TRUE(screenshot);
+    EXPECT_TRUE(screenshot->startsWith("\xFF\xD8\xFF"));
+    EXPECT_EQ(screenshot->size(), 5929);
+}
+
+TEST_F(StorageToolsTest, RealFilesWithoutInformationHaveNone) {
+    const QString empty = Shared(QStringLiteral("default-2009.vpt"));
+    if (!QFile::exists(empty)) GTEST_SKIP() << "the real table files are not here";
+    QStringList names;
+    EXPECT_TRUE(HasTableInfo(empty));
+    EXPECT_EQ(ListCustomInfoStreams(empty, names), 0);
+    EXPECT_FALSE(HasTableInfo(Shared(QStringLiteral("no-info-2000.vpt"))));
+    EXPECT_FALSE(HasTableInfo(Shared(QStringLiteral("Old Default (2000).vpt"))));
+}
+
+}  // namespace
+}  // namespace tableinfo
