@@ -1,0 +1,28 @@
+// FileContext: what every part of an open database shares: its pages, its measures, its text coding, its allocator.
+#pragma once
+
+#include "jet/page_allocator.h"
+#include "jet/page_header.h"
+#include "jet/text_codec.h"
+#include "jet/usage_map.h"
+
+namespace jet {
+
+struct FileContext {
+    // `pages` must outlive the context.
+    FileContext(PageStore& pages, const PageHeader& page_header)
+        : store(pages), header(page_header), format(FormatOf(page_header.version)),
+          text(page_header.version, page_header.code_page), allocator(pages, format) {}
+    FileContext(const FileContext&) = delete;
+    FileContext& operator=(const FileContext&) = delete;
+
+    UsageMap Map(RowPointer row) { return UsageMap(store, format, row); }
+
+    PageStore& store;
+    PageHeader header;
+    const Format& format;
+    TextCodec text;
+    PageAllocator allocator;
+};
+
+}  // namespace jet

@@ -1,0 +1,113 @@
+#include "jet/index_page.h"
+
+#include "jet/bit_set_view.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet {
+namespace {
+
+// Part of a lexical comparison: up to the shorter length.
+int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
+    const std::size_t size = std::min(a.size(), b.size());
+    return size == 0 ? 0 : std::memcmp(a.data(), b.data(), size);
+}
+
+}  // namespace
+
+std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> bytes,
+                                                  const Format& format, PageNumber table) {
+    const bool leaf = bytes[0] == static_cast<std::byte>(PageType::kIndexLeaf);
+    const bool node = bytes[0] == static_cast<std::byte>(PageType::kIndexNode);
+    if ((!leaf && !node) || base::LoadLittle<std::uint32_t>(bytes.data() + 4) != table)
+        return std::nullopt;
+    IndexPageView view;
+    view.bytes_ = bytes;
+    view.format_ = &format;
+    view.entries_ = bytes.subspan(format.index_entries_offset);
+    view.prefix_ =
+        format.index_prefix_bytes == 2
+            ? base::LoadLittle<std::uint16_t>(bytes.data() + format.index_prefix_offset)
+            : std::to_integer<std::size_t>(bytes[format.index_prefix_offset]);
+    view.level_ = std::to_integer<std::uint8_t>(bytes[format.index_level_offset]);
+    if (leaf != (view.level_ == 0)) {
+        // Some writers leave the level of a node 0; what the type says counts.
+        if (leaf) return std::nullopt;
+        view.level_ = 1;
+    }
+    const std::span mask = bytes.subspan(format.index_mask_offset,
+                                         format.index_entries_offset - format.index_mask_offset);
+    const std::size_t tail_bytes = kRowIdBytes + (leaf ? 0 : kChildBytes);
+    for (std::size_t bit = FindSetBit(mask, 0); bit < mask.size() * 8;
+         bit = FindSetBit(mask, bit + 1)) {
+        if (bit > view.entries_.size()) return std::nullopt;
+        view.ends_.push_back(static_cast<std::uint16_t>(bit));
+        const std::size_t i = view.ends_.size() - 1;
+        const std::size_t whole = view.StoredBytes(i) + (i == 0 ? 0 : view.prefix_);
+        if (view.StoredBytes(i) == 0 || whole < tail_bytes) return std::nullopt;
+        if (i > 0 && !leaf && view.StoredBytes(i) < kChildBytes) return std::nullopt;
+        if (i == 0 && view.prefix_ > whole) return std::nullopt;
+    }
+    return view;
+}
+
+int IndexPageView::Compare(std::size_t i, std::span<const std::byte> target) const {
+    const std::span prefix = Prefix(i);
+    if (const int order = CompareBytes(prefix, target); order != 0) return order;
+    if (target.size() < prefix.size()) return 1;
+    std::span<const std::byte> stored = Stored(i);
+    if (!is_leaf()) stored = stored.first(stored.size() - kChildBytes);
+    const std::span rest = target.subspan(prefix.size());
+    if (const int order = CompareBytes(stored, rest); order != 0) return order;
+    if (stored.size() == rest.size()) return 0;
+    return stored.size() < rest.size() ? -1 : 1;
+}
+
+bool IndexPageView::StartsWith(std::size_t i, std::span<const std::byte> key) const {
+    const std::span prefix = Prefix(i);
+    if (CompareBytes(prefix, key) != 0) return false;
+    if (key.size() <= prefix.size()) return true;
+    const std::span rest = key.subspan(prefix.size());
+    return rest.size() + prefix.size() <= EntryBytes(i) && CompareBytes(Stored(i), rest) == 0;
+}
+
+void IndexPageView::CopyEntry(std::size_t i, std::vector<std::byte>& entry) const {
+    const std::span prefix = Prefix(i);
+    const std::span stored = Stored(i);
+    entry.assign(prefix.begin(), prefix.end());
+    entry.insert(entry.end(), stored.begin(), stored.end());
+    entry.resize(EntryBytes(i));
+}
+
+RowId IndexPageView::Row(std::size_t i) const {
+    // The row id may begin in the prefix.
+    const std::size_t start = EntryBytes(i) - kRowIdBytes;
+    const std::size_t left_out = i == 0 ? 0 : prefix_;
+    std::uint32_t word = 0;
+    for (std::size_t at = start; at < start + kRowIdBytes; ++at) {
+        const std::byte byte =
+            at < left_out ? entries_[at] : entries_[Begin(i) + at - left_out];
+        word = word << 8 | std::to_integer<std::uint32_t>(byte);
+    }
+    return {word >> 8, static_cast<std::uint8_t>(word & 0xFF)};
+}
+
+PageNumber IndexPageView::Child(std::size_t i) const {
+    return base::LoadBig<std::uint32_t>(entries_.data() + ends_[i] - kChildBytes);
+}
+
+std::size_t IndexPageView::LowerBound(std::span<const std::byte> target) const {
+    std::size_t low = 0;
+    std::size_t high = count();
+    while (low < high) {
+        const std::size_t middle = low + (high - low) / 2;
+        if (Compare(middle, target) < 0)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return low;
+}
+
+}  // namespace jet

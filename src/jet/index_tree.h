@@ -1,0 +1,87 @@
+// IndexTree: a B-tree of (key, row) entries: finding, walking, and (with an open transaction) inserting and removing.
+// Entries ascend over the whole tree by key bytes and row id. The root page never changes.
+// Every page met is checked for its owner and level, and walks are bounded, so that a damaged tree ends in kCorruption.
+#pragma once
+
+#include "jet/file_context.h"
+#include "jet/index_page.h"
+#include "jet/table_definition.h"
+
+#include <vector>
+
+namespace jet {
+
+class IndexTree {
+public:
+    IndexTree(FileContext& file, PageNumber table, PageNumber root, RowPointer map)
+        : file_(file), table_(table), root_(root), map_(map) {}
+
+    // One entry's place; it goes stale when the tree changes.
+    struct Place {
+        PageView page;
+        std::optional<IndexPageView> view;  // of `page`
+        std::size_t entry = 0;
+        bool at_end() const { return !view; }
+    };
+
+    // The first entry >= `target` (key bytes, perhaps with a row id).
+    base::Result<Place> Seek(std::span<const std::byte> target) const;
+    // The last entry < `target`; at_end() when there is none.
+    base::Result<Place> SeekBefore(std::span<const std::byte> target) const;
+    base::Status Next(Place& place) const;
+    base::Status Previous(Place& place) const;
+
+    // True when some other row than `except` has exactly this key.
+    base::Result<bool> HasOther(std::span<const std::byte> key, RowId except) const;
+
+    // 3047: the key is too long for the format.
+    base::Status Insert(std::span<const std::byte> key, RowId row);
+    // False: there was no such entry.
+    base::Result<bool> Remove(std::span<const std::byte> key, RowId row);
+    // Finds the row's entry whatever its key is, by walking the leaves; for entries whose key was made by other rules.
+    base::Result<bool> RemoveByWalk(RowId row);
+    // Frees all pages but the root, which becomes an empty leaf.
+    base::Status Clear();
+    // Makes the root page an empty leaf.
+    base::Status Create();
+    // Replaces the whole content. Requires: the tree is empty; `entries` (key and row id) ascend.
+    base::Status Build(const std::vector<Bytes>& entries);
+
+    // Goes up with every change, so that walkers know when their place is stale.
+    std::uint64_t changes() const { return changes_; }
+
+private:
+    struct Step {
+        PageNumber page;
+        std::size_t child;  // entry taken; the number of entries: the tail
+    };
+    using Path = std::vector<Step>;
+    struct Part {
+        PageNumber page;
+        Bytes last;  // last entry of the part's subtree
+    };
+
+    base::Result<Place> Load(PageNumber page, int expected_level) const;
+    base::Result<Place> Descend(std::span<const std::byte> target, Path* path) const;
+    base::Result<Place> LastLeaf() const;
+    base::Result<PageNumber> NewPage();
+    base::Status FreePage(PageNumber page);
+
+    base::Status SplitAndInsert(Path& path, PageNumber leaf, std::span<const std::byte> entry);
+    base::Status ReplaceChild(Path& path, std::vector<Part> parts);
+    base::Status GrowRoot(std::vector<Part> parts, std::uint8_t level);
+    base::Status RemoveAt(Path& path, Place place);
+    base::Status DropChild(Path& path, PageNumber child);
+    base::Status Unlink(PageNumber previous, PageNumber next);
+    base::Status SetLink(PageNumber page, std::size_t which, PageNumber target);
+    base::Status MergeLonelyNode(Path& path, PageNumber node);
+    base::Status CollapseRoot(PageNumber child);
+
+    FileContext& file_;
+    PageNumber table_;
+    PageNumber root_;
+    RowPointer map_;
+    std::uint64_t changes_ = 0;
+};
+
+}  // namespace jet

@@ -1,0 +1,18 @@
+// Long values: memos and OLE objects. The row holds a reference of 12 bytes: length, kind, where; small values follow it in
+// the row ("inline"), larger ones lie in a row of a page of their own kind ("single") or in a chain of such rows.
+#pragma once
+
+#include "jet/file_context.h"
+#include "jet/value.h"
+
+namespace jet {
+
+inline constexpr std::size_t kLongValueHead = 12;
+inline constexpr std::uint32_t kLongValueInline = 0x80000000;
+inline constexpr std::uint32_t kLongValueSingle = 0x40000000;
+inline constexpr std::uint32_t kLongValueLength = 0x3FFFFFFF;
+
+// The whole value behind the field `reference` of a row.
+base::Result<Bytes> ReadLongValue(FileContext& file, std::span<const std::byte> reference);
+
+}  // namespace jet

@@ -1,0 +1,54 @@
+// PageAllocator: gives out pages of the file and takes them back, by the global map of free pages (row 0 of page 1).
+// Freed pages are given out again, the lowest first; the file grows only when there is none. Changes need an open
+// transaction of the store.
+#pragma once
+
+#include "base/status.h"
+#include "jet/data_page.h"
+
+namespace jet {
+
+class PageAllocator {
+public:
+    // Both must outlive the allocator.
+    PageAllocator(PageStore& store, const Format& format) : store_(store), format_(format) {}
+
+    // A page of zeros. 3026: the file has reached the largest size of its format.
+    base::Result<PageNumber> Allocate();
+    // Requires: nothing points to the page any more. Damage when the page is free already.
+    base::Status Free(PageNumber page);
+    base::Result<bool> IsFree(PageNumber page);
+    // What is remembered is forgotten; to be called after a rollback.
+    void Forget() { lowest_candidate_ = 0; }
+    // Counts pages freed since opening, so that a walk can tell a reused page from a damaged one.
+    std::uint64_t pages_freed() const { return pages_freed_; }
+
+private:
+    struct Map {
+        PageView page;
+        std::span<const std::byte> row;
+        bool is_inline = true;
+        std::size_t inline_bits() const { return (row.size() - 5) * 8; }
+        PageNumber first_page() const {
+            return base::LoadLittle<std::uint32_t>(row.data() + 1);
+        }
+        std::size_t pointers() const { return (row.size() - 1) / 4; }
+    };
+    base::Result<Map> Load();
+    base::Result<PageNumber> FindFree(const Map& map);  // 0: none
+    base::Result<PageNumber> FindFreeInline(const Map& map) const;
+    base::Status SetFree(PageNumber page, bool free);
+    base::Result<PageNumber> Extend();
+    base::Status MakeRoomFor(PageNumber page);
+    base::Status LengthenInline(const Map& map, PageNumber page);
+    base::Status ConvertToReference(const Map& map);
+    base::Status EnsureBitmap(std::size_t range, std::span<const std::byte> known_bits);
+    base::Status WriteRow(std::span<const std::byte> row);
+
+    PageStore& store_;
+    const Format& format_;
+    PageNumber lowest_candidate_ = 0;
+    std::uint64_t pages_freed_ = 0;
+};
+
+}  // namespace jet

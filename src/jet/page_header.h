@@ -1,0 +1,31 @@
+// PageHeader: page 0 of a database file: which version it is, whether its pages are plain, and the key under which
+// owners and permissions are scrambled.
+#pragma once
+
+#include "base/status.h"
+#include "jet/format.h"
+
+#include <array>
+#include <string_view>
+#include <vector>
+
+namespace jet {
+
+struct PageHeader {
+    int version = 4;
+    std::uint16_t code_page = 1252;  // of all text in a Jet 3 file
+    // Key of the catalog's scrambled columns; unused in Jet 3, which stores them plain.
+    std::array<std::byte, 4> scramble_key{};
+    // 0: the pages are plain.
+    std::uint32_t encoding_key = 0;
+    bool has_password = false;
+};
+
+// Refuses what is no Jet 3 or Jet 4 file (3343).
+base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page,
+                                        std::string_view path_for_messages);
+
+// Page 0 of a new Jet 4 file. `created`: days since 1899-12-30, local time.
+std::vector<std::byte> MakePageHeader(double created);
+
+}  // namespace jet

@@ -1,0 +1,12 @@
+// Rc4: the key stream that masks the header page and scrambles some columns of the catalog. No protection, an obstacle.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace jet {
+
+// XORs `bytes` with the stream of `key`, from its start. The same call undoes it.
+void ApplyRc4(std::span<const std::byte> key, std::span<std::byte> bytes);
+
+}  // namespace jet

@@ -1,0 +1,32 @@
+// The cursors that Table hands out.
+#pragma once
+
+#include "jet/index_tree.h"
+#include "jet/table_scan.h"
+
+namespace jet {
+
+// What a cursor needs of its table; all must outlive it.
+struct CursorSource {
+    FileContext* file;
+    const TableDefinition* definition;
+    const std::vector<std::size_t>* positions;  // of the shown columns among definition->columns
+};
+
+// Decodes the fields `columns` (positions shown) of a row.
+base::Status DecodeFields(const CursorSource& source, std::span<const std::byte> row,
+                          std::span<const std::size_t> columns, std::span<Value> values);
+
+std::unique_ptr<RowCursor> MakeScanCursor(const CursorSource& source, TableScan scan);
+
+// Entries from `from` (key bytes; empty: the first) up to `to` (empty: the last), both of complete key parts.
+struct KeyRange {
+    Bytes from;
+    bool from_inclusive = true;
+    Bytes to;
+    bool to_inclusive = true;
+};
+std::unique_ptr<RowCursor> MakeRangeCursor(const CursorSource& source, const IndexTree& tree,
+                                           KeyRange range, bool backwards);
+
+}  // namespace jet

@@ -1,0 +1,109 @@
+#include "jet/text_codec.h"
+
+#include "base/byte_reader.h"
+#include "base/byte_writer.h"
+#include "jet/code_pages.h"
+
+#include <algorithm>
+
+namespace jet {
+namespace {
+
+constexpr std::byte kCompressed0{0xFF};
+constexpr std::byte kCompressed1{0xFE};
+// What the engine compresses: texts of at least 3 characters.
+constexpr std::size_t kMinCompressed = 3;
+
+std::u16string DecodeWide(std::span<const std::byte> bytes) {
+    std::u16string text(bytes.size() / 2, u'\0');
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = base::LoadLittle<char16_t>(bytes.data() + 2 * i);
+    return text;
+}
+
+// One byte a character; a zero byte switches to two bytes a character and back.
+std::u16string DecodeCompressed(std::span<const std::byte> bytes) {
+    const bool pure = std::ranges::find(bytes, std::byte{0}) == bytes.end();
+    if (pure) {
+        std::u16string text(bytes.size(), u'\0');
+        std::ranges::transform(bytes, text.begin(),
+                               [](std::byte b) { return std::to_integer<char16_t>(b); });
+        return text;
+    }
+    std::u16string text;
+    text.reserve(bytes.size());
+    bool wide = false;
+    for (std::size_t i = 0; i < bytes.size();) {
+        if (bytes[i] == std::byte{0}) {
+            wide = !wide;
+            ++i;
+        } else if (!wide) {
+            text += std::to_integer<char16_t>(bytes[i++]);
+        } else {
+            if (bytes.size() - i < 2) break;
+            text += base::LoadLittle<char16_t>(bytes.data() + i);
+            i += 2;
+        }
+    }
+    return text;
+}
+
+Bytes EncodeWide(std::u16string_view text) {
+    Bytes bytes(2 * text.size());
+    for (std::size_t i = 0; i < text.size(); ++i)
+        base::StoreLittle(bytes.data() + 2 * i, text[i]);
+    return bytes;
+}
+
+}  // namespace
+
+TextCodec::TextCodec(int version, std::uint16_t code_page)
+    : version_(version), code_page_(code_page), characters_(CodePageCharacters(code_page)) {}
+
+std::u16string TextCodec::DecodeName(std::span<const std::byte> bytes) const {
+    if (jet4()) return DecodeWide(bytes);
+    std::u16string text(bytes.size(), u'\0');
+    std::ranges::transform(bytes, text.begin(), [this](std::byte b) {
+        return characters_[std::to_integer<std::size_t>(b)];
+    });
+    return text;
+}
+
+std::u16string TextCodec::DecodeValue(std::span<const std::byte> bytes) const {
+    if (jet4() && bytes.size() >= 2 && bytes[0] == kCompressed0 && bytes[1] == kCompressed1)
+        return DecodeCompressed(bytes.subspan(2));
+    return DecodeName(bytes);
+}
+
+std::optional<Bytes> TextCodec::EncodeName(std::u16string_view text) const {
+    if (jet4()) return EncodeWide(text);
+    Bytes bytes(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto unit = text[i];
+        if (unit < 0x80) {
+            bytes[i] = static_cast<std::byte>(unit);
+            continue;
+        }
+        const auto found = std::ranges::find(characters_, unit);
+        if (found == characters_.end()) return std::nullopt;
+        bytes[i] = static_cast<std::byte>(found - characters_.begin());
+    }
+    return bytes;
+}
+
+std::optional<Bytes> TextCodec::EncodeValue(std::u16string_view text, bool compress) const {
+    const auto narrow = [](char16_t unit) { return unit >= 1 && unit <= 0xFF; };
+    if (!jet4() || !compress || text.size() < kMinCompressed ||
+        !std::ranges::all_of(text, narrow)) {
+        // A text that happens to begin with the mark of compression cannot be stored plain.
+        return EncodeName(text);
+    }
+    Bytes bytes(text.size() + 2);
+    bytes[0] = kCompressed0;
+    bytes[1] = kCompressed1;
+    std::ranges::transform(text, bytes.begin() + 2,
+                           [](char16_t unit) { return static_cast<std::byte>(unit); });
+    return bytes;
+}
+
+}  // namespace jet
