@@ -1,4 +1,5 @@
-// Bits of a byte string, the least significant bit of byte 0 first, as the file's bitmaps count them.
+// Bits of a byte string, the least significant bit of byte 0 first, as the file's bitmaps count
+// them.
 #pragma once
 
 #include <bit>

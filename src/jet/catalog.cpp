@@ -1,7 +1,7 @@
 #include "jet/catalog.h"
 
-#include "jet/storage_errors.h"
 #include "jet/names.h"
+#include "jet/storage_errors.h"
 #include "jet/table_scan.h"
 
 #include <algorithm>
@@ -41,8 +41,8 @@ bool CatalogEntry::is_user_table() const {
 
 base::Status Catalog::Load() {
     if (!definition_) {
-        ASSIGN_OR_RETURN(definition_, ReadTableDefinition(file_.store, file_.format, file_.text,
-                                                          kObjectsPage));
+        ASSIGN_OR_RETURN(definition_,
+                         ReadTableDefinition(file_.store, file_.format, file_.text, kObjectsPage));
     }
     std::vector<CatalogEntry> entries;
     ASSIGN_OR_RETURN(TableScan scan, TableScan::Start(file_, *definition_));

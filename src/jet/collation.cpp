@@ -15,7 +15,9 @@ constexpr std::size_t kMaxKeyUnits = 255;
 constexpr std::byte kNoAccent{2};
 constexpr std::byte kSectionEnd{1};
 
-std::byte ToByte(std::size_t value) { return static_cast<std::byte>(value & 0xFF); }
+std::byte ToByte(std::size_t value) {
+    return static_cast<std::byte>(value & 0xFF);
+}
 
 // The parts of a key that come after the primary weights; empty for most texts.
 class KeyTail {
@@ -97,7 +99,8 @@ void AppendUnit(char16_t unit, Bytes& key, KeyTail& tail) {
     const std::uint32_t word = collation::WordOf(unit);
     const auto extra = ToByte(word >> 16);
     switch (static_cast<Form>(word >> 24)) {
-    case Form::kIgnored: return;
+    case Form::kIgnored:
+        return;
     case Form::kOneByte:
         key.push_back(ToByte(word));
         return tail.AddElement(kNoAccent);
@@ -110,8 +113,10 @@ void AppendUnit(char16_t unit, Bytes& key, KeyTail& tail) {
     case Form::kTwoBytesAccent:
         key.insert(key.end(), {ToByte(word >> 8), ToByte(word)});
         return tail.AddElement(extra);
-    case Form::kPositional: return tail.AddPositional(extra);
-    case Form::kMark: return tail.AddMark(extra);
+    case Form::kPositional:
+        return tail.AddPositional(extra);
+    case Form::kMark:
+        return tail.AddMark(extra);
     case Form::kSpecial:
         return AppendSpecial(collation::kSpecials[word & 0xFFFF], key, tail);
     }
@@ -140,8 +145,7 @@ std::weak_ordering CompareText(std::u16string_view a, std::u16string_view b) {
     key_b.clear();
     AppendTextKey(a, key_a);
     AppendTextKey(b, key_b);
-    const int order =
-        std::memcmp(key_a.data(), key_b.data(), std::min(key_a.size(), key_b.size()));
+    const int order = std::memcmp(key_a.data(), key_b.data(), std::min(key_a.size(), key_b.size()));
     if (order != 0) return order < 0 ? std::weak_ordering::less : std::weak_ordering::greater;
     return key_a.size() <=> key_b.size();
 }

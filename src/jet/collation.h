@@ -1,5 +1,6 @@
-// Keys of texts: two texts are equal, smaller or greater as their keys are, byte by byte. Letter case and trailing
-// blanks do not count, accents do after all letters, hyphen and apostrophe last ("General Legacy", LCID 0x0409).
+// Keys of texts: two texts are equal, smaller or greater as their keys are, byte by byte. Letter
+// case and trailing blanks do not count, accents do after all letters, hyphen and apostrophe last
+// ("General Legacy", LCID 0x0409).
 #pragma once
 
 #include "jet/value.h"

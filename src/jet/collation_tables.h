@@ -1,20 +1,22 @@
-// The weights of characters in text keys; made from collation_data/ by scripts/make_collation_tables.py.
+// The weights of characters in text keys; made from collation_data/ by
+// scripts/make_collation_tables.py.
 #pragma once
 
 #include <cstdint>
 
 namespace jet::collation {
 
-// Sort order "General Legacy" of Jet 4. One word per UTF-16 unit: form << 24 | extra << 16 | weights.
+// Sort order "General Legacy" of Jet 4. One word per UTF-16 unit: form << 24 | extra << 16 |
+// weights.
 enum class Form : std::uint8_t {
     kIgnored = 0,
     kOneByte = 1,
     kTwoBytes = 2,
-    kOneByteAccent = 3,   // extra: the secondary byte
+    kOneByteAccent = 3,  // extra: the secondary byte
     kTwoBytesAccent = 4,
-    kPositional = 5,      // extra: the code of the positional section
-    kMark = 6,            // extra: added to the last secondary byte
-    kSpecial = 7,         // weights: index into kSpecials
+    kPositional = 5,  // extra: the code of the positional section
+    kMark = 6,        // extra: added to the last secondary byte
+    kSpecial = 7,     // weights: index into kSpecials
 };
 
 // Expansions and kana.
@@ -30,7 +32,9 @@ extern const std::uint8_t kBlockOf[256];
 extern const std::uint32_t kBlocks[][256];
 extern const Special kSpecials[];
 
-inline std::uint32_t WordOf(char16_t unit) { return kBlocks[kBlockOf[unit >> 8]][unit & 0xFF]; }
+inline std::uint32_t WordOf(char16_t unit) {
+    return kBlocks[kBlockOf[unit >> 8]][unit & 0xFF];
+}
 
 // Sort order "General" of Jet 3, one entry per byte of code page 1252.
 struct ByteWeight {

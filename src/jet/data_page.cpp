@@ -7,8 +7,7 @@
 namespace jet {
 
 std::optional<DataPage> DataPage::Parse(std::span<const std::byte> bytes, const Format& format) {
-    if (bytes.size() != format.page_size ||
-        bytes[0] != static_cast<std::byte>(PageType::kData))
+    if (bytes.size() != format.page_size || bytes[0] != static_cast<std::byte>(PageType::kData))
         return std::nullopt;
     const std::size_t count =
         base::LoadLittle<std::uint16_t>(bytes.data() + format.slot_count_offset);
@@ -66,7 +65,9 @@ std::uint16_t DataPageEditor::Flags(std::size_t slot) const {
            kSlotFlags;
 }
 
-std::size_t DataPageEditor::SlotBytes(std::size_t slot) const { return End(slot) - Start(slot); }
+std::size_t DataPageEditor::SlotBytes(std::size_t slot) const {
+    return End(slot) - Start(slot);
+}
 
 std::size_t DataPageEditor::free_bytes() const {
     return End(slot_count_) - (format_->slots_offset + 2 * slot_count_);

@@ -1,6 +1,6 @@
-// DataPage: the rows of one data page. A slot is a row's place in the offset table; its number never changes. Rows fill the
-// page from its end downwards in slot order.
-// Layout: docs/jet.md, "Data pages". Every offset is checked when it is used: bytes from a file are never trusted.
+// DataPage: the rows of one data page. A slot is a row's place in the offset table; its number
+// never changes. Rows fill the page from its end downwards in slot order. Layout: docs/jet.md,
+// "Data pages". Every offset is checked when it is used: bytes from a file are never trusted.
 #pragma once
 
 #include "base/status.h"
@@ -12,8 +12,8 @@ namespace jet {
 
 inline constexpr std::uint16_t kSlotOffsetMask = 0x1FFF;
 inline constexpr std::uint16_t kSlotFlags = 0xC000;
-inline constexpr std::uint16_t kSlotMoved = 0x4000;    // the bytes start with a pointer to the row
-inline constexpr std::uint16_t kSlotTarget = 0x8000;   // only reached through such a pointer
+inline constexpr std::uint16_t kSlotMoved = 0x4000;   // the bytes start with a pointer to the row
+inline constexpr std::uint16_t kSlotTarget = 0x8000;  // only reached through such a pointer
 inline constexpr std::uint16_t kSlotDeleted = 0xC000;
 
 // Looks at a page; borrows its bytes.
@@ -44,7 +44,8 @@ private:
     std::size_t slot_count_;
 };
 
-// Changes a page; borrows its bytes. The whole offset table is checked once, when the editor is made.
+// Changes a page; borrows its bytes. The whole offset table is checked once, when the editor is
+// made.
 class DataPageEditor {
 public:
     // nullopt: the page's offsets contradict each other.

@@ -16,7 +16,7 @@ struct DefinitionLayout {
     std::size_t real_indexes;
     std::size_t owned_map;
     std::size_t free_map;
-    std::size_t index_counters;       // end of the fixed part
+    std::size_t index_counters;  // end of the fixed part
     std::size_t index_counter_bytes;
     std::size_t column_bytes;
     std::size_t real_index_bytes;

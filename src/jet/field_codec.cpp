@@ -1,8 +1,8 @@
 #include "jet/field_codec.h"
 
-#include "jet/storage_errors.h"
 #include "jet/long_value.h"
 #include "jet/rc4.h"
+#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -43,17 +43,28 @@ Value DecodeBinary(const FileContext& file, const ColumnDefinition& column, Fiel
 Value DecodePlain(const FileContext& file, const ColumnDefinition& column, Field field) {
     const std::byte* at = field.data();
     switch (column.type) {
-    case ColumnType::kByte: return Value::Byte(std::to_integer<std::uint8_t>(*at));
-    case ColumnType::kShort: return Value::Short(LoadLittle<std::int16_t>(at));
-    case ColumnType::kLong: return Value::Long(LoadLittle<std::int32_t>(at));
-    case ColumnType::kMoney: return Value::Currency(Money{LoadLittle<std::int64_t>(at)});
-    case ColumnType::kSingle: return Value::Single(base::LoadFloat(at));
-    case ColumnType::kDouble: return Value::Double(base::LoadDouble(at));
-    case ColumnType::kDate: return Value::DateTime(base::LoadDouble(at));
-    case ColumnType::kText: return Value::Text(file.text.DecodeValue(field));
-    case ColumnType::kGuid: return DecodeGuid(field);
-    case ColumnType::kNumeric: return DecodeNumeric(field, column.scale);
-    default: return DecodeBinary(file, column, field);
+    case ColumnType::kByte:
+        return Value::Byte(std::to_integer<std::uint8_t>(*at));
+    case ColumnType::kShort:
+        return Value::Short(LoadLittle<std::int16_t>(at));
+    case ColumnType::kLong:
+        return Value::Long(LoadLittle<std::int32_t>(at));
+    case ColumnType::kMoney:
+        return Value::Currency(Money{LoadLittle<std::int64_t>(at)});
+    case ColumnType::kSingle:
+        return Value::Single(base::LoadFloat(at));
+    case ColumnType::kDouble:
+        return Value::Double(base::LoadDouble(at));
+    case ColumnType::kDate:
+        return Value::DateTime(base::LoadDouble(at));
+    case ColumnType::kText:
+        return Value::Text(file.text.DecodeValue(field));
+    case ColumnType::kGuid:
+        return DecodeGuid(field);
+    case ColumnType::kNumeric:
+        return DecodeNumeric(field, column.scale);
+    default:
+        return DecodeBinary(file, column, field);
     }
 }
 
@@ -61,16 +72,23 @@ Value DecodePlain(const FileContext& file, const ColumnDefinition& column, Field
 
 std::size_t FixedSize(ColumnType type) {
     switch (type) {
-    case ColumnType::kByte: return 1;
-    case ColumnType::kShort: return 2;
+    case ColumnType::kByte:
+        return 1;
+    case ColumnType::kShort:
+        return 2;
     case ColumnType::kLong:
-    case ColumnType::kSingle: return 4;
+    case ColumnType::kSingle:
+        return 4;
     case ColumnType::kMoney:
     case ColumnType::kDouble:
-    case ColumnType::kDate: return 8;
-    case ColumnType::kGuid: return 16;
-    case ColumnType::kNumeric: return kNumericBytes;
-    default: return 0;
+    case ColumnType::kDate:
+        return 8;
+    case ColumnType::kGuid:
+        return 16;
+    case ColumnType::kNumeric:
+        return kNumericBytes;
+    default:
+        return 0;
     }
 }
 

@@ -12,10 +12,12 @@ namespace jet {
 base::Status DecodeField(FileContext& file, const ColumnDefinition& column, const RowView& row,
                          Value& value);
 
-// Size in the row of a value of a type that has one; 0: the size varies (or is none, for a boolean).
+// Size in the row of a value of a type that has one; 0: the size varies (or is none, for a
+// boolean).
 std::size_t FixedSize(ColumnType type);
 
-// XORs a scrambled column's bytes (catalog owners and permissions of Jet 4); the same call undoes it.
+// XORs a scrambled column's bytes (catalog owners and permissions of Jet 4); the same call undoes
+// it.
 void Scramble(const FileContext& file, std::span<std::byte> bytes);
 
 // The bytes that a row holds for a value that is not null, long values and booleans excepted.

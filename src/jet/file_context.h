@@ -1,4 +1,5 @@
-// FileContext: what every part of an open database shares: its pages, its measures, its text coding, its allocator.
+// FileContext: what every part of an open database shares: its pages, its measures, its text
+// coding, its allocator.
 #pragma once
 
 #include "jet/page_allocator.h"

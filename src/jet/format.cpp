@@ -45,6 +45,8 @@ constexpr Format kJet4{
 
 }  // namespace
 
-const Format& FormatOf(int version) { return version == 3 ? kJet3 : kJet4; }
+const Format& FormatOf(int version) {
+    return version == 3 ? kJet3 : kJet4;
+}
 
 }  // namespace jet

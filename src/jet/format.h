@@ -1,5 +1,6 @@
 // Format: the measures in which Jet 3 and Jet 4 files differ, and the small types both share.
-// All integers in the file are little endian, except in index keys and the pointers of index entries.
+// All integers in the file are little endian, except in index keys and the pointers of index
+// entries.
 #pragma once
 
 #include "base/byte_reader.h"
@@ -56,7 +57,7 @@ inline constexpr std::size_t kMaxIndexColumns = 10;
 inline constexpr std::size_t kMaxNameLength = 64;
 
 struct Format {
-    int version;               // 3 or 4
+    int version;  // 3 or 4
     std::uint32_t page_size;
     std::uint64_t max_file_bytes;
     // Data pages: where the number of slots and the first slot word stand.
@@ -68,7 +69,7 @@ struct Format {
     // Usage maps.
     std::size_t fresh_map_bytes;
     // Index pages.
-    std::size_t index_links_offset;   // previous page; next page and tail follow
+    std::size_t index_links_offset;  // previous page; next page and tail follow
     std::size_t index_prefix_offset;
     std::size_t index_prefix_bytes;
     std::size_t index_level_offset;

@@ -26,10 +26,9 @@ std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> byt
     view.bytes_ = bytes;
     view.format_ = &format;
     view.entries_ = bytes.subspan(format.index_entries_offset);
-    view.prefix_ =
-        format.index_prefix_bytes == 2
-            ? base::LoadLittle<std::uint16_t>(bytes.data() + format.index_prefix_offset)
-            : std::to_integer<std::size_t>(bytes[format.index_prefix_offset]);
+    view.prefix_ = format.index_prefix_bytes == 2
+                       ? base::LoadLittle<std::uint16_t>(bytes.data() + format.index_prefix_offset)
+                       : std::to_integer<std::size_t>(bytes[format.index_prefix_offset]);
     view.level_ = std::to_integer<std::uint8_t>(bytes[format.index_level_offset]);
     if (leaf != (view.level_ == 0)) {
         // Some writers leave the level of a node 0; what the type says counts.
@@ -86,8 +85,7 @@ RowId IndexPageView::Row(std::size_t i) const {
     const std::size_t left_out = i == 0 ? 0 : prefix_;
     std::uint32_t word = 0;
     for (std::size_t at = start; at < start + kRowIdBytes; ++at) {
-        const std::byte byte =
-            at < left_out ? entries_[at] : entries_[Begin(i) + at - left_out];
+        const std::byte byte = at < left_out ? entries_[at] : entries_[Begin(i) + at - left_out];
         word = word << 8 | std::to_integer<std::uint32_t>(byte);
     }
     return {word >> 8, static_cast<std::uint8_t>(word & 0xFF)};

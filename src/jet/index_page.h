@@ -1,6 +1,7 @@
-// IndexPageView: the entries of one index page, leaf or node. An entry is key bytes, then the row's page (24 bits) and slot,
-// then, on nodes, the child's page (32 bits); all big endian. Entries stand in ascending byte order; all but the first leave
-// out the page's common prefix. Layout: docs/jet.md, "Index pages".
+// IndexPageView: the entries of one index page, leaf or node. An entry is key bytes, then the row's
+// page (24 bits) and slot, then, on nodes, the child's page (32 bits); all big endian. Entries
+// stand in ascending byte order; all but the first leave out the page's common prefix. Layout:
+// docs/jet.md, "Index pages".
 #pragma once
 
 #include "base/status.h"
@@ -17,7 +18,8 @@ inline constexpr std::size_t kChildBytes = 4;
 
 class IndexPageView {
 public:
-    // nullopt: no index page of this table, or its entries contradict each other. Borrows the bytes.
+    // nullopt: no index page of this table, or its entries contradict each other. Borrows the
+    // bytes.
     static std::optional<IndexPageView> Parse(std::span<const std::byte> bytes,
                                               const Format& format, PageNumber table);
 

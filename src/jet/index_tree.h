@@ -1,6 +1,7 @@
-// IndexTree: a B-tree of (key, row) entries: finding, walking, and (with an open transaction) inserting and removing.
-// Entries ascend over the whole tree by key bytes and row id. The root page never changes.
-// Every page met is checked for its owner and level, and walks are bounded, so that a damaged tree ends in kCorruption.
+// IndexTree: a B-tree of (key, row) entries: finding, walking, and (with an open transaction)
+// inserting and removing. Entries ascend over the whole tree by key bytes and row id. The root page
+// never changes. Every page met is checked for its owner and level, and walks are bounded, so that
+// a damaged tree ends in kCorruption.
 #pragma once
 
 #include "jet/file_context.h"
@@ -38,7 +39,8 @@ public:
     base::Status Insert(std::span<const std::byte> key, RowId row);
     // False: there was no such entry.
     base::Result<bool> Remove(std::span<const std::byte> key, RowId row);
-    // Finds the row's entry whatever its key is, by walking the leaves; for entries whose key was made by other rules.
+    // Finds the row's entry whatever its key is, by walking the leaves; for entries whose key was
+    // made by other rules.
     base::Result<bool> RemoveByWalk(RowId row);
     // Frees all pages but the root, which becomes an empty leaf.
     base::Status Clear();

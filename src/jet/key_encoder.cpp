@@ -33,11 +33,12 @@ void AppendInteger(Bytes& key, T value) {
 template <std::unsigned_integral U>
 void AppendFloatBits(Bytes& key, U bits) {
     constexpr U kSign = U{1} << (8 * sizeof(U) - 1);
-    base::AppendBig(key, (bits & kSign) != 0 ? static_cast<U>(~bits) : static_cast<U>(bits | kSign));
+    base::AppendBig(key,
+                    (bits & kSign) != 0 ? static_cast<U>(~bits) : static_cast<U>(bits | kSign));
 }
 
-// Blocks of 8 bytes, each followed by 9 when more follows, the last one by the number of its bytes. The 9s are not
-// complemented in a descending column.
+// Blocks of 8 bytes, each followed by 9 when more follows, the last one by the number of its bytes.
+// The 9s are not complemented in a descending column.
 void AppendBlocks(Bytes& key, std::span<const std::byte> bytes, bool ascending) {
     for (std::size_t at = 0; at < bytes.size(); at += kBlock) {
         const std::size_t used = std::min(kBlock, bytes.size() - at);
@@ -116,10 +117,14 @@ bool CanEncodeKey(const FileContext& file, const ColumnDefinition& column) {
     case ColumnType::kMemo:
         if (column.sort_order != kSortOrderGeneral) return false;
         return file.format.jet4() ? column.sort_version == 0 : column.code_page == 1252;
-    case ColumnType::kOle: return false;
-    case ColumnType::kNumeric: return file.format.jet4();
-    case ColumnType::kFixedBinary: return true;
-    default: return column.type >= ColumnType::kBoolean && column.type <= ColumnType::kGuid;
+    case ColumnType::kOle:
+        return false;
+    case ColumnType::kNumeric:
+        return file.format.jet4();
+    case ColumnType::kFixedBinary:
+        return true;
+    default:
+        return column.type >= ColumnType::kBoolean && column.type <= ColumnType::kGuid;
     }
 }
 

@@ -1,5 +1,6 @@
-// Long values: memos and OLE objects. The row holds a reference of 12 bytes: length, kind, where; small values follow it in
-// the row ("inline"), larger ones lie in a row of a page of their own kind ("single") or in a chain of such rows.
+// Long values: memos and OLE objects. The row holds a reference of 12 bytes: length, kind, where;
+// small values follow it in the row ("inline"), larger ones lie in a row of a page of their own
+// kind ("single") or in a chain of such rows.
 #pragma once
 
 #include "jet/file_context.h"

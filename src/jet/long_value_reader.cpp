@@ -1,5 +1,5 @@
-#include "jet/storage_errors.h"
 #include "jet/long_value.h"
+#include "jet/storage_errors.h"
 
 #include <algorithm>
 

@@ -120,16 +120,15 @@ base::Status PageAllocator::ConvertToReference(const Map& map) {
     const std::size_t ranges = store_.page_count() / per_page + 1;
     for (std::size_t range = 0; range < ranges; ++range) {
         const std::size_t from = std::min(known.size(), range * per_page / 8);
-        RETURN_IF_ERROR(EnsureBitmap(
-            range, std::span<const std::byte>(known).subspan(
-                       from, std::min(known.size() - from, per_page / 8))));
+        RETURN_IF_ERROR(
+            EnsureBitmap(range, std::span<const std::byte>(known).subspan(
+                                    from, std::min(known.size() - from, per_page / 8))));
     }
     return {};
 }
 
 // `known_bits`: what is known of the range; the rest is free where no page exists yet.
-base::Status PageAllocator::EnsureBitmap(std::size_t range,
-                                         std::span<const std::byte> known_bits) {
+base::Status PageAllocator::EnsureBitmap(std::size_t range, std::span<const std::byte> known_bits) {
     const std::size_t per_page = format_.bits_per_bitmap_page();
     std::vector<std::byte> row;
     {
@@ -147,7 +146,8 @@ base::Status PageAllocator::EnsureBitmap(std::size_t range,
     for (std::size_t bit = 0; bit < per_page; ++bit) {
         const std::size_t page = range * per_page + bit;
         const bool known = bit < known_bits.size() * 8;
-        AssignBit(bits, bit, page != bitmap && (known ? TestBit(known_bits, bit) : page > last_used));
+        AssignBit(bits, bit,
+                  page != bitmap && (known ? TestBit(known_bits, bit) : page > last_used));
     }
     base::StoreLittle(row.data() + 1 + 4 * range, bitmap);
     RETURN_IF_ERROR(WriteRow(row));
@@ -205,8 +205,7 @@ base::Result<bool> PageAllocator::IsFree(PageNumber page) {
     }
     const std::size_t per_page = format_.bits_per_bitmap_page();
     if (page / per_page >= map.pointers()) return false;
-    const auto bitmap =
-        base::LoadLittle<std::uint32_t>(map.row.data() + 1 + 4 * (page / per_page));
+    const auto bitmap = base::LoadLittle<std::uint32_t>(map.row.data() + 1 + 4 * (page / per_page));
     if (bitmap == 0) return false;
     ASSIGN_OR_RETURN(const PageView view, store_.Read(bitmap));
     if (!IsBitmapPage(view.bytes())) return errors::DamagedPage(bitmap, "not a page bitmap");

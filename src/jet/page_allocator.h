@@ -1,6 +1,6 @@
-// PageAllocator: gives out pages of the file and takes them back, by the global map of free pages (row 0 of page 1).
-// Freed pages are given out again, the lowest first; the file grows only when there is none. Changes need an open
-// transaction of the store.
+// PageAllocator: gives out pages of the file and takes them back, by the global map of free pages
+// (row 0 of page 1). Freed pages are given out again, the lowest first; the file grows only when
+// there is none. Changes need an open transaction of the store.
 #pragma once
 
 #include "base/status.h"
@@ -29,9 +29,7 @@ private:
         std::span<const std::byte> row;
         bool is_inline = true;
         std::size_t inline_bits() const { return (row.size() - 5) * 8; }
-        PageNumber first_page() const {
-            return base::LoadLittle<std::uint32_t>(row.data() + 1);
-        }
+        PageNumber first_page() const { return base::LoadLittle<std::uint32_t>(row.data() + 1); }
         std::size_t pointers() const { return (row.size() - 1) / 4; }
     };
     base::Result<Map> Load();

@@ -1,7 +1,7 @@
 #include "jet/page_header.h"
 
-#include "jet/storage_errors.h"
 #include "jet/rc4.h"
+#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,8 +31,7 @@ constexpr std::uint32_t kBuildNumber = 9756;  // of the last engines that wrote 
 using Head = std::array<std::byte, kMaskStart + kMaskBytesJet4>;
 
 void ApplyMask(std::span<std::byte> head, int version) {
-    ApplyRc4(kMaskKey,
-             head.subspan(kMaskStart, version == 3 ? kMaskBytesJet3 : kMaskBytesJet4));
+    ApplyRc4(kMaskKey, head.subspan(kMaskStart, version == 3 ? kMaskBytesJet3 : kMaskBytesJet4));
 }
 
 // The password field of Jet 4 is XORed once more, with the creation day.
@@ -65,8 +64,7 @@ bool AnySet(std::span<const std::byte> bytes) {
 
 }  // namespace
 
-base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page,
-                                        std::string_view path) {
+base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page, std::string_view path) {
     Head head{};
     if (page.size() < head.size()) return errors::NotADatabase(path);
     std::memcpy(head.data(), page.data(), head.size());

@@ -1,5 +1,5 @@
-// PageHeader: page 0 of a database file: which version it is, whether its pages are plain, and the key under which
-// owners and permissions are scrambled.
+// PageHeader: page 0 of a database file: which version it is, whether its pages are plain, and the
+// key under which owners and permissions are scrambled.
 #pragma once
 
 #include "base/status.h"

@@ -2,8 +2,8 @@
 
 #include "base/byte_writer.h"
 #include "jet/byte_cursor.h"
-#include "jet/storage_errors.h"
 #include "jet/names.h"
+#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,7 +20,9 @@ std::string_view Signature(const TextCodec& text) {
     return text.jet4() ? std::string_view("MR2\0", 4) : std::string_view("KKD\0", 4);
 }
 
-base::Status Damaged() { return errors::Damaged("the properties of a table are unreadable"); }
+base::Status Damaged() {
+    return errors::Damaged("the properties of a table are unreadable");
+}
 
 void AppendBlock(Bytes& blob, std::uint16_t type, const Bytes& content) {
     base::AppendLittle(blob, static_cast<std::uint32_t>(content.size() + kBlockHead));
@@ -163,7 +165,8 @@ Property& PropertyBlob::Make(std::u16string_view column, std::u16string_view nam
         return o.column.empty() == column.empty() && SameName(o.column, column);
     });
     if (owner == owners_.end()) {
-        owners_.push_back({std::u16string(column), column.empty() ? kTableBlock : kColumnBlock, {}});
+        owners_.push_back(
+            {std::u16string(column), column.empty() ? kTableBlock : kColumnBlock, {}});
         owner = owners_.end() - 1;
     }
     const auto property = std::ranges::find_if(

@@ -1,5 +1,6 @@
-// PropertyBlob: the properties of a table and its columns (defaults, rules, captions) as the catalog keeps them in
-// MSysObjects.LvProp. Properties that the engine does not use are kept as they are.
+// PropertyBlob: the properties of a table and its columns (defaults, rules, captions) as the
+// catalog keeps them in MSysObjects.LvProp. Properties that the engine does not use are kept as
+// they are.
 #pragma once
 
 #include "base/status.h"
@@ -28,15 +29,13 @@ struct PropertyOwner {
 class PropertyBlob {
 public:
     explicit PropertyBlob(const TextCodec& text) : text_(&text) {}
-    static base::Result<PropertyBlob> Parse(std::span<const std::byte> blob,
-                                            const TextCodec& text);
+    static base::Result<PropertyBlob> Parse(std::span<const std::byte> blob, const TextCodec& text);
     Bytes Serialize() const;
 
     bool empty() const { return owners_.empty(); }
     const Property* Find(std::u16string_view column, std::u16string_view name) const;
     std::optional<bool> Boolean(std::u16string_view column, std::u16string_view name) const;
-    std::optional<std::u16string> Text(std::u16string_view column,
-                                       std::u16string_view name) const;
+    std::optional<std::u16string> Text(std::u16string_view column, std::u16string_view name) const;
 
     void SetBoolean(std::u16string_view column, std::u16string_view name, bool value);
     void SetText(std::u16string_view column, std::u16string_view name, ColumnType type,

@@ -1,4 +1,5 @@
-// Rc4: the key stream that masks the header page and scrambles some columns of the catalog. No protection, an obstacle.
+// Rc4: the key stream that masks the header page and scrambles some columns of the catalog. No
+// protection, an obstacle.
 #pragma once
 
 #include <cstddef>

@@ -39,9 +39,12 @@ base::Result<StoredRow> FetchRow(FileContext& file, PageNumber table, RowId row)
     const auto bytes = page->Bytes(row.slot);
     if (!bytes) return errors::DamagedPage(row.page, "a row lies outside of the page");
     switch (page->Flags(row.slot)) {
-    case 0: return StoredRow{std::move(view), *bytes, row};
-    case kSlotMoved: return FollowMovedRow(file, table, *bytes);
-    default: return errors::RecordDeleted();
+    case 0:
+        return StoredRow{std::move(view), *bytes, row};
+    case kSlotMoved:
+        return FollowMovedRow(file, table, *bytes);
+    default:
+        return errors::RecordDeleted();
     }
 }
 

@@ -1,4 +1,5 @@
-// Finds the bytes of rows: follows the pointers of moved rows, checks that pages belong to the table.
+// Finds the bytes of rows: follows the pointers of moved rows, checks that pages belong to the
+// table.
 #pragma once
 
 #include "jet/database.h"
@@ -7,9 +8,9 @@
 namespace jet {
 
 struct StoredRow {
-    PageView page;                     // keeps `bytes` alive
+    PageView page;  // keeps `bytes` alive
     std::span<const std::byte> bytes;
-    RowId at;                          // where the bytes are: the row's own slot, or where it was moved to
+    RowId at;  // where the bytes are: the row's own slot, or where it was moved to
 };
 
 // 3167: no live row there.

@@ -8,13 +8,15 @@ namespace {
 using base::Status;
 using base::StatusCode;
 
-std::string Quoted(std::u16string_view name) { return "'" + base::ToUtf8(name) + "'"; }
+std::string Quoted(std::u16string_view name) {
+    return "'" + base::ToUtf8(name) + "'";
+}
 
 }  // namespace
 
 Status NotADatabase(std::string_view path) {
-    return {StatusCode::kUnsupported,
-            "Unrecognized database format '" + std::string(path) + "'.", 3343};
+    return {StatusCode::kUnsupported, "Unrecognized database format '" + std::string(path) + "'.",
+            3343};
 }
 
 Status UnsupportedDatabase(std::string_view path, std::string_view what) {
@@ -95,8 +97,8 @@ Status TooManyIndexes(std::u16string_view table) {
 }
 
 Status NoFieldDefined() {
-    return {StatusCode::kInvalidArgument,
-            "No field defined--cannot append TableDef or Index.", 3264};
+    return {StatusCode::kInvalidArgument, "No field defined--cannot append TableDef or Index.",
+            3264};
 }
 
 Status NotAValidName(std::u16string_view name) {
@@ -107,8 +109,8 @@ Status NotAValidName(std::u16string_view name) {
 }
 
 Status InvalidIndex(std::u16string_view index) {
-    return {StatusCode::kInvalidArgument, "Invalid field definition in index " + Quoted(index) + ".",
-            3291};
+    return {StatusCode::kInvalidArgument,
+            "Invalid field definition in index " + Quoted(index) + ".", 3291};
 }
 
 Status FieldInUse(std::u16string_view column) {
@@ -131,9 +133,13 @@ Status NullInIndex() {
     return {StatusCode::kConstraint, "Index or primary key cannot contain a Null value.", 3058};
 }
 
-Status RecordTooLarge() { return {StatusCode::kConstraint, "Record is too large.", 3047}; }
+Status RecordTooLarge() {
+    return {StatusCode::kConstraint, "Record is too large.", 3047};
+}
 
-Status RecordDeleted() { return {StatusCode::kNotFound, "Record is deleted.", 3167}; }
+Status RecordDeleted() {
+    return {StatusCode::kNotFound, "Record is deleted.", 3167};
+}
 
 Status FieldTooSmall() {
     return {StatusCode::kConstraint,
@@ -151,8 +157,8 @@ Status Required(std::u16string_view field) {
 }
 
 Status ZeroLength(std::u16string_view field) {
-    return {StatusCode::kConstraint,
-            "Field " + Quoted(field) + " cannot be a zero-length string.", 3315};
+    return {StatusCode::kConstraint, "Field " + Quoted(field) + " cannot be a zero-length string.",
+            3315};
 }
 
 Status HasRelatedRecords(std::u16string_view table) {

@@ -23,8 +23,8 @@ base::Result<StoredTable*> StoredDatabase::OpenTable(const CatalogEntry& entry) 
     const auto known = tables_.find(entry.definition_page());
     if (known != tables_.end()) return known->second.get();
     ASSIGN_OR_RETURN(const PropertyBlob properties, catalog_.Properties(entry));
-    ASSIGN_OR_RETURN(auto table, StoredTable::Open(file_, entry.definition_page(), entry.name,
-                                                   properties));
+    ASSIGN_OR_RETURN(auto table,
+                     StoredTable::Open(file_, entry.definition_page(), entry.name, properties));
     StoredTable* opened = table.get();
     tables_[entry.definition_page()] = std::move(table);
     return opened;
@@ -37,9 +37,13 @@ base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
     return static_cast<Table*>(table);
 }
 
-base::Status StoredDatabase::Commit() { return pages_->Commit(); }
+base::Status StoredDatabase::Commit() {
+    return pages_->Commit();
+}
 
-void StoredDatabase::Rollback() { pages_->Rollback(); }
+void StoredDatabase::Rollback() {
+    pages_->Rollback();
+}
 
 base::Status StoredDatabase::Close() {
     tables_.clear();
@@ -47,8 +51,12 @@ base::Status StoredDatabase::Close() {
     return pages_->Close();
 }
 
-base::Status StoredDatabase::CreateTable(const TableDesign&) { return errors::ReadOnly(); }
-base::Status StoredDatabase::DropTable(std::u16string_view) { return errors::ReadOnly(); }
+base::Status StoredDatabase::CreateTable(const TableDesign&) {
+    return errors::ReadOnly();
+}
+base::Status StoredDatabase::DropTable(std::u16string_view) {
+    return errors::ReadOnly();
+}
 base::Status StoredDatabase::AddColumn(std::u16string_view, const ColumnDesign&) {
     return errors::ReadOnly();
 }

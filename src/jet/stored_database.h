@@ -1,4 +1,5 @@
-// StoredDatabase: Database over a page store: the catalog, the open tables, and what changes the design of tables.
+// StoredDatabase: Database over a page store: the catalog, the open tables, and what changes the
+// design of tables.
 #pragma once
 
 #include "jet/catalog.h"

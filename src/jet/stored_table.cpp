@@ -2,9 +2,9 @@
 
 #include "base/unicode.h"
 #include "jet/coerce.h"
-#include "jet/storage_errors.h"
 #include "jet/key_encoder.h"
 #include "jet/row_fetch.h"
+#include "jet/storage_errors.h"
 #include "jet/table_designer.h"
 
 namespace jet {
@@ -21,9 +21,9 @@ base::Result<std::unique_ptr<StoredTable>> StoredTable::Open(FileContext& file, 
     for (const RealIndex& index : known.real_indexes) {
         table->trees_.push_back(std::make_unique<IndexTree>(file, page, index.root, index.map));
         if (!IsMaintainable(file, known, index))
-            table->read_only_reason_ = errors::ReadOnlyBecause(
-                "table '" + base::ToUtf8(table->design_.name) +
-                "' has an index whose sort order is not supported");
+            table->read_only_reason_ =
+                errors::ReadOnlyBecause("table '" + base::ToUtf8(table->design_.name) +
+                                        "' has an index whose sort order is not supported");
     }
     return table;
 }
@@ -48,8 +48,7 @@ base::Result<Bytes> StoredTable::BoundKey(const LogicalIndex& index, const KeyBo
     return key;
 }
 
-base::Result<std::unique_ptr<RowCursor>> StoredTable::Range(std::size_t index,
-                                                            const KeyBound& from,
+base::Result<std::unique_ptr<RowCursor>> StoredTable::Range(std::size_t index, const KeyBound& from,
                                                             const KeyBound& to, bool backwards) {
     const LogicalIndex& logical = definition_.logical_indexes[index];
     KeyRange range;
@@ -66,10 +65,14 @@ base::Status StoredTable::Read(RowId row, std::span<const std::size_t> columns,
     return DecodeFields(Source(), stored.bytes, columns, values);
 }
 
-base::Result<RowId> StoredTable::Insert(std::span<Value>) { return errors::ReadOnly(); }
+base::Result<RowId> StoredTable::Insert(std::span<Value>) {
+    return errors::ReadOnly();
+}
 base::Status StoredTable::Update(RowId, std::span<const ColumnChange>) {
     return errors::ReadOnly();
 }
-base::Status StoredTable::Delete(RowId) { return errors::ReadOnly(); }
+base::Status StoredTable::Delete(RowId) {
+    return errors::ReadOnly();
+}
 
 }  // namespace jet

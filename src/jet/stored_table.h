@@ -1,5 +1,6 @@
-// StoredTable: Table over the pages of a file. Rows go through RowWriter, indexes through IndexSet, relations through
-// RelationRules; this class checks what a program gives and keeps the order of the steps.
+// StoredTable: Table over the pages of a file. Rows go through RowWriter, indexes through IndexSet,
+// relations through RelationRules; this class checks what a program gives and keeps the order of
+// the steps.
 #pragma once
 
 #include "jet/database.h"
@@ -11,9 +12,8 @@ namespace jet {
 
 class StoredTable final : public Table {
 public:
-    static base::Result<std::unique_ptr<StoredTable>> Open(FileContext& file, PageNumber page,
-                                                           std::u16string name,
-                                                           const PropertyBlob& properties);
+    static base::Result<std::unique_ptr<StoredTable>>
+    Open(FileContext& file, PageNumber page, std::u16string name, const PropertyBlob& properties);
 
     const TableDesign& design() const override { return design_; }
     std::uint32_t row_count() const override;

@@ -1,7 +1,7 @@
 #include "jet/table_cursors.h"
 
-#include "jet/storage_errors.h"
 #include "jet/field_codec.h"
+#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -61,8 +61,8 @@ public:
 
 private:
     base::Status StepForwards() {
-        if (place_.at_end()) return Assign(tree_.Seek(range_.from_inclusive ? range_.from
-                                                                            : After(range_.from)));
+        if (place_.at_end())
+            return Assign(tree_.Seek(range_.from_inclusive ? range_.from : After(range_.from)));
         if (tree_.changes() == changes_) return tree_.Next(place_);
         // The tree changed under the walk: go on behind the last entry.
         place_.view->CopyEntry(place_.entry, entry_);
@@ -72,8 +72,8 @@ private:
 
     base::Status StepBackwards() {
         if (place_.at_end()) {
-            const Bytes start = range_.to_inclusive || range_.to.empty() ? After(range_.to)
-                                                                         : range_.to;
+            const Bytes start =
+                range_.to_inclusive || range_.to.empty() ? After(range_.to) : range_.to;
             return Assign(tree_.SeekBefore(start));
         }
         if (tree_.changes() == changes_) return tree_.Previous(place_);
@@ -118,8 +118,8 @@ base::Status DecodeFields(const CursorSource& source, std::span<const std::byte>
     if (!view) return errors::Damaged("a row is unreadable");
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::size_t position = (*source.positions)[columns[i]];
-        RETURN_IF_ERROR(DecodeField(*source.file, source.definition->columns[position], *view,
-                                    values[i]));
+        RETURN_IF_ERROR(
+            DecodeField(*source.file, source.definition->columns[position], *view, values[i]));
     }
     return {};
 }

@@ -19,7 +19,8 @@ base::Status DecodeFields(const CursorSource& source, std::span<const std::byte>
 
 std::unique_ptr<RowCursor> MakeScanCursor(const CursorSource& source, TableScan scan);
 
-// Entries from `from` (key bytes; empty: the first) up to `to` (empty: the last), both of complete key parts.
+// Entries from `from` (key bytes; empty: the first) up to `to` (empty: the last), both of complete
+// key parts.
 struct KeyRange {
     Bytes from;
     bool from_inclusive = true;

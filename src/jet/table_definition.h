@@ -1,5 +1,6 @@
-// TableDefinition: a table's definition as the file keeps it: columns, real and logical indexes, page maps, counters.
-// TableDesign (jet/schema.h) is what a program sees of it. Layout: docs/jet.md, "Table definitions".
+// TableDefinition: a table's definition as the file keeps it: columns, real and logical indexes,
+// page maps, counters. TableDesign (jet/schema.h) is what a program sees of it. Layout:
+// docs/jet.md, "Table definitions".
 #pragma once
 
 #include "base/status.h"
@@ -40,12 +41,8 @@ struct ColumnDefinition {
     std::uint16_t length = 0;  // bytes
     std::u16string name;
 
-    bool is_fixed() const {
-        return (flags & kColumnFixed) != 0 && type != ColumnType::kBoolean;
-    }
-    bool is_variable() const {
-        return (flags & kColumnFixed) == 0 && type != ColumnType::kBoolean;
-    }
+    bool is_fixed() const { return (flags & kColumnFixed) != 0 && type != ColumnType::kBoolean; }
+    bool is_variable() const { return (flags & kColumnFixed) == 0 && type != ColumnType::kBoolean; }
     bool is_long_value() const { return type == ColumnType::kMemo || type == ColumnType::kOle; }
     bool is_text() const { return type == ColumnType::kText || type == ColumnType::kMemo; }
     bool is_autonumber() const {
@@ -102,11 +99,11 @@ struct LongValueMaps {
 };
 
 struct TableDefinition {
-    PageNumber page = 0;             // identity of the table
-    std::vector<PageNumber> pages;   // all pages of the definition, `page` first
+    PageNumber page = 0;            // identity of the table
+    std::vector<PageNumber> pages;  // all pages of the definition, `page` first
     std::uint32_t rows = 0;
     std::uint32_t last_autonumber = 0;
-    std::uint8_t kind = 0x4E;        // 'N' user, 'S' system
+    std::uint8_t kind = 0x4E;  // 'N' user, 'S' system
     std::uint16_t columns_ever = 0;
     std::uint16_t variables_ever = 0;
     RowPointer owned;
@@ -126,8 +123,9 @@ base::Result<TableDefinition> ReadTableDefinition(PageStore& store, const Format
                                                   const TextCodec& text, PageNumber page);
 
 class PageAllocator;
-// Writes the whole definition, takes or frees continuation pages and keeps `definition.pages` right. The first page
-// must exist. Columns and logical indexes are put into the order that the format keeps.
+// Writes the whole definition, takes or frees continuation pages and keeps `definition.pages`
+// right. The first page must exist. Columns and logical indexes are put into the order that the
+// format keeps.
 base::Status WriteTableDefinition(PageStore& store, const Format& format, const TextCodec& text,
                                   PageAllocator& allocator, TableDefinition& definition);
 

@@ -259,7 +259,8 @@ std::size_t DistinctKeysOffset(const Format& format, std::size_t real_index) {
 
 std::uint32_t ReadDistinctKeys(std::span<const std::byte> first_page, const Format& format,
                                std::size_t real_index) {
-    const auto keys = base::LittleAt<std::uint32_t>(first_page, DistinctKeysOffset(format, real_index));
+    const auto keys =
+        base::LittleAt<std::uint32_t>(first_page, DistinctKeysOffset(format, real_index));
     return keys.value_or(0);
 }
 

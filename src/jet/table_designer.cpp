@@ -27,16 +27,14 @@ ColumnDesign ColumnDesignOf(const FileContext& file, const ColumnDefinition& col
     design.compressed = column.is_text() && (column.extended_flags & kCompressedText) != 0;
     design.fixed_text = column.type == ColumnType::kText && column.is_fixed();
     design.required = properties.Boolean(column.name, u"Required").value_or(false);
-    design.allow_zero_length =
-        properties.Boolean(column.name, u"AllowZeroLength").value_or(true);
+    design.allow_zero_length = properties.Boolean(column.name, u"AllowZeroLength").value_or(true);
     design.default_value = properties.Text(column.name, u"DefaultValue");
     if (design.default_value && design.default_value->empty()) design.default_value.reset();
     return design;
 }
 
 IndexDesign IndexDesignOf(const FileContext& file, const TableDefinition& definition,
-                          const std::vector<std::size_t>& positions,
-                          const LogicalIndex& logical) {
+                          const std::vector<std::size_t>& positions, const LogicalIndex& logical) {
     const RealIndex& real = definition.real_indexes[logical.real];
     IndexDesign design;
     design.name = logical.name;
@@ -81,8 +79,7 @@ TableDesign DesignOf(const FileContext& file, const TableDefinition& definition,
     TableDesign design;
     design.name = std::move(name);
     for (const std::size_t position : positions)
-        design.columns.push_back(
-            ColumnDesignOf(file, definition.columns[position], properties));
+        design.columns.push_back(ColumnDesignOf(file, definition.columns[position], properties));
     for (const LogicalIndex& index : definition.logical_indexes)
         design.indexes.push_back(IndexDesignOf(file, definition, positions, index));
     return design;

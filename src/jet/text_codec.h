@@ -1,5 +1,5 @@
-// TextCodec: text as the file stores it, to and from UTF-16. Jet 4: UTF-16, or "compressed": one byte a character where
-// possible. Jet 3: one byte a character in the file's code page.
+// TextCodec: text as the file stores it, to and from UTF-16. Jet 4: UTF-16, or "compressed": one
+// byte a character where possible. Jet 3: one byte a character in the file's code page.
 #pragma once
 
 #include "jet/value.h"

@@ -7,7 +7,8 @@
 
 namespace jet {
 
-// Ascending key of a text in code page 1252, without the leading flag byte; only the first 255 bytes count.
+// Ascending key of a text in code page 1252, without the leading flag byte; only the first 255
+// bytes count.
 void AppendTextKeyJet3(std::span<const std::byte> text, Bytes& key);
 
 }  // namespace jet

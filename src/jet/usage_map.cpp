@@ -75,7 +75,8 @@ base::Result<bool> UsageMap::Contains(PageNumber page) const {
     return TestBit(bitmap.bytes().subspan(4), page % per_page);
 }
 
-// The bits among which the page's bit lies, for changing, and the bit's place; empty: the map does not reach it.
+// The bits among which the page's bit lies, for changing, and the bit's place; empty: the map does
+// not reach it.
 base::Result<std::span<std::byte>> UsageMap::ChangeBits(PageNumber page, std::size_t& bit) {
     PageNumber target = row_.page;
     std::size_t at = 4;

@@ -1,5 +1,6 @@
-// UsageMap: a set of page numbers kept in a row of a map page: the pages of a table, an index or a long value column, or
-// those of them with room. A map never shrinks; a small set lies in the row itself, a large one on bitmap pages.
+// UsageMap: a set of page numbers kept in a row of a map page: the pages of a table, an index or a
+// long value column, or those of them with room. A map never shrinks; a small set lies in the row
+// itself, a large one on bitmap pages.
 #pragma once
 
 #include "base/status.h"
@@ -11,8 +12,8 @@ namespace jet {
 
 class UsageMap {
 public:
-    // Both must outlive the map. `row`: where the map is; none() for a map that does not exist, which is empty and
-    // takes nothing in.
+    // Both must outlive the map. `row`: where the map is; none() for a map that does not exist,
+    // which is empty and takes nothing in.
     UsageMap(PageStore& store, const Format& format, RowPointer row)
         : store_(store), format_(format), row_(row) {}
 
@@ -24,7 +25,8 @@ public:
     // Changes; they need an open transaction. Adding a member and removing what is none do nothing.
     base::Status Add(PageNumber page, PageAllocator& allocator);
     base::Status Remove(PageNumber page);
-    // Gives the bitmap pages back, as before the row itself is deleted; the map is not usable any more.
+    // Gives the bitmap pages back, as before the row itself is deleted; the map is not usable any
+    // more.
     base::Status Release(PageAllocator& allocator);
 
 private:
@@ -32,9 +34,7 @@ private:
         PageView page;
         std::span<const std::byte> bytes;
         bool is_inline() const { return bytes[0] == std::byte{0}; }
-        PageNumber first_page() const {
-            return base::LoadLittle<std::uint32_t>(bytes.data() + 1);
-        }
+        PageNumber first_page() const { return base::LoadLittle<std::uint32_t>(bytes.data() + 1); }
         std::size_t bits() const { return (bytes.size() - 5) * 8; }
         std::size_t pointers() const { return (bytes.size() - 1) / 4; }
         PageNumber pointer(std::size_t i) const {
