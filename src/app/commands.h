@@ -3,6 +3,7 @@
 
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
+#include "dialogs/help_key.h"
 #include "dialogs/qt_user_events.h"
 #include "maintenance/command_context.h"
 #include "platform/process_starter.h"
@@ -36,6 +37,7 @@ private:
     dialogs::QtUserEvents events_;
     dialogs::QtUserEvents held_back_events_{dialogs::UserInput::kHeldBack};
     std::unique_ptr<platform::Shell> shell_ = platform::MakeShell();
+    dialogs::HelpKey help_key_{*shell_, catalogue_.values->ApplicationFolder};
     std::unique_ptr<platform::ProcessStarter> starter_ = platform::MakeProcessStarter();
 };
 

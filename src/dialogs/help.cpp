@@ -1,5 +1,6 @@
 #include "dialogs/help.h"
 
+#include "dialogs/help_pages.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
@@ -14,6 +15,12 @@ QString HelpFile(const QString& application_folder, const QString& program_folde
 
 void OpenHelp(platform::Shell& shell, const QString& application_folder) {
     shell.Open(HelpFile(application_folder, platform::ProgramFolder())).Ignore();
+}
+
+void OpenHelpAtWindow(platform::Shell& shell, const QString& application_folder,
+                      const QString& window) {
+    shell.OpenHelp(HelpFile(application_folder, platform::ProgramFolder()), HelpPageOf(window))
+        .Ignore();
 }
 
 }  // namespace dialogs

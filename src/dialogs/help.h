@@ -13,5 +13,8 @@ QString HelpFile(const QString& application_folder, const QString& program_folde
 
 // Opens the help file. A missing file or viewer shows nothing.
 void OpenHelp(platform::Shell& shell, const QString& application_folder);
+// The same at the page of a window, where the viewer can be told a page.
+void OpenHelpAtWindow(platform::Shell& shell, const QString& application_folder,
+                      const QString& window);
 
 }  // namespace dialogs

@@ -12,8 +12,14 @@ namespace platform {
 class Shell {
 public:
     virtual ~Shell() = default;
-    // `target` is one argument of the shell's open call, whatever it holds: it can name nothing else to be started.
+    // `target` is one argument of the shell's open call, whatever it holds: it can name nothing
+    // else to be started.
     virtual base::Status Open(const QString& target) = 0;
+    // Opens the help file at one of its pages ("settings.html"), where the desktop's viewer of such
+    // files can be told one; otherwise the file.
+    virtual base::Status OpenHelp(const QString& file, const QString& /*page*/) {
+        return Open(file);
+    }
     // Path of the desktop's system-information tool; empty: there is none.
     virtual QString SystemInformationTool() = 0;
 };

@@ -71,6 +71,48 @@ TEST_F(ShellTest, WithoutADesktopNothingIsOpened) {
     EXPECT_EQ(shell_->Open(QStringLiteral("a")).code(), base::StatusCode::kUnsupported);
 }
 
+class ShellHelpTest : public ShellTest {
+protected:
+    // xdg-mime answers with the entry of the desktop's viewer; each program writes all its
+    // arguments, one a line.
+    void InstallViewer(const std::string& desktop_entry, const std::string& program) {
+        Write("xdg-mime", "echo " + desktop_entry);
+        Write(program, "for a in \"$@\"; do echo \"$a\"; done > '" + Path("part") + "'\nmv '" +
+                           Path("part") + "' '" + Path("out") + "'");
+    }
+    void Write(const std::string& name, const std::string& script) {
+        std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\n" << script << "\n";
+        std::filesystem::permissions(Path(name), std::filesystem::perms::owner_all);
+    }
+
+    const QString file_ = QStringLiteral("/app/my folder/tavolo.chm");
+    const QString page_ = QStringLiteral("settings.html");
+};
+
+TEST_F(ShellHelpTest, AViewerThatCanBeToldAPageIsToldIt) {
+    InstallViewer("kchmviewer.desktop", "kchmviewer");
+    ASSERT_TRUE(shell_->OpenHelp(file_, page_).ok());
+    EXPECT_EQ(Output(), "-showPage\n/settings.html\n/app/my folder/tavolo.chm\n");
+}
+
+TEST_F(ShellHelpTest, AnyOtherViewerOpensTheFile) {
+    InstallViewer("okularApplication_chm.desktop", "xdg-open");
+    ASSERT_TRUE(shell_->OpenHelp(file_, page_).ok());
+    EXPECT_EQ(Output(), "/app/my folder/tavolo.chm\n");
+}
+
+TEST_F(ShellHelpTest, AViewerThatIsNotInstalledAnyMoreIsLeftToTheDesktop) {
+    InstallViewer("kchmviewer.desktop", "xdg-open");
+    ASSERT_TRUE(shell_->OpenHelp(file_, page_).ok());
+    EXPECT_EQ(Output(), "/app/my folder/tavolo.chm\n");
+}
+
+TEST_F(ShellHelpTest, ADesktopThatDoesNotSayItsViewerOpensTheFile) {
+    Install("xdg-open");
+    ASSERT_TRUE(shell_->OpenHelp(file_, page_).ok());
+    EXPECT_EQ(Output(), "1</app/my folder/tavolo.chm>");
+}
+
 TEST_F(ShellTest, ThereIsNoInformationToolWhenNoneIsInstalled) {
     EXPECT_TRUE(shell_->SystemInformationTool().isEmpty());
 }

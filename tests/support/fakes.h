@@ -1,4 +1,5 @@
-// Fakes of the platform's interfaces: they record what they were asked and answer what the test has laid out.
+// Fakes of the platform's interfaces: they record what they were asked and answer what the test has
+// laid out.
 #pragma once
 
 #include "platform/clock.h"
@@ -82,10 +83,16 @@ public:
 class FakeShell final : public platform::Shell {
 public:
     std::vector<QString> opened;
+    std::vector<QString> help_pages;
     base::Status answer;
     QString tool;
     base::Status Open(const QString& target) override {
         opened.push_back(target);
+        return answer;
+    }
+    base::Status OpenHelp(const QString& file, const QString& page) override {
+        opened.push_back(file);
+        help_pages.push_back(page);
         return answer;
     }
     QString SystemInformationTool() override { return tool; }

@@ -1,6 +1,7 @@
 #include "platform/shell.h"
 
 #include "platform/linux/file_names.h"
+#include "platform/linux/help_viewer.h"
 #include "platform/linux/spawn.h"
 #include "platform/linux/system_error.h"
 
@@ -26,6 +27,16 @@ QString AsArgument(const QString& target) {
     return target.startsWith(u'-') ? QStringLiteral("./") + target : target;
 }
 
+base::Status Run(const QString& program, const QStringList& arguments) {
+    std::vector<std::string> command = {EncodeFileName(program)};
+    for (const QString& argument : arguments)
+        command.push_back(EncodeFileName(argument));
+    const auto started = Spawn(command);
+    if (started.error_number == 0) return {};
+    return FileError(base::StatusCode::kIoError,
+                     std::generic_category().message(started.error_number).c_str(), program);
+}
+
 class DesktopShell final : public Shell {
 public:
     base::Status Open(const QString& target) override {
@@ -35,10 +46,14 @@ public:
         if (opener.isEmpty())
             return {base::StatusCode::kUnsupported,
                     "xdg-open, which opens files and addresses on this desktop, is not installed."};
-        const auto started = Spawn({EncodeFileName(opener), EncodeFileName(AsArgument(target))});
-        if (started.error_number == 0) return {};
-        return FileError(base::StatusCode::kIoError,
-                         std::generic_category().message(started.error_number).c_str(), opener);
+        return Run(opener, {AsArgument(target)});
+    }
+
+    base::Status OpenHelp(const QString& file, const QString& page) override {
+        const auto viewer = ViewerAtPage(DefaultHelpViewer(), file, page);
+        if (!viewer) return Open(file);
+        const QString program = QStandardPaths::findExecutable(viewer->program);
+        return program.isEmpty() ? Open(file) : Run(program, viewer->arguments);
     }
 
     QString SystemInformationTool() override {
