@@ -1,110 +1,131 @@
+// How a database file is opened: lock, format, left-over journal, in this order.
 #include "jet/page_store.h"
 
 #include "base/byte_reader.h"
-#include "jet/page_transaction.h"
+#include "jet/file_page_store.h"
 
 #include <array>
-#include <cassert>
 #include <cstring>
+#include <optional>
+#include <system_error>
 
 namespace jet {
 namespace {
+
+constexpr std::uint32_t kJet3PageSize = 2048;
+constexpr std::uint32_t kJet4PageSize = 4096;
 
 base::Status Unrecognized(const std::filesystem::path& path) {
     return {base::StatusCode::kCorruption, "Unrecognized database format '" + path.string() + "'.",
             3343};
 }
 
-class FilePageStore final : public PageStore {
-public:
-    FilePageStore(std::unique_ptr<File> file, std::uint32_t page_size, PageNumber page_count,
-                  bool read_only)
-        : file_(std::move(file)), page_size_(page_size), committed_count_(page_count),
-          read_only_(read_only) {}
-
-    bool read_only() const override { return read_only_; }
-    std::uint32_t page_size() const override { return page_size_; }
-    PageNumber page_count() const override {
-        return transaction_.open() ? transaction_.page_count() : committed_count_;
+base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
+                        const base::Status& status) {
+    const std::filesystem::path folder = path.parent_path();
+    switch (status.code()) {
+    case base::StatusCode::kNotFound:
+        if (!folder.empty() && !files.Exists(folder))
+            return {status.code(),
+                    "'" + path.string() +
+                        "' is not a valid path. Make sure that the path name is spelled correctly "
+                        "and that you are connected to the server on which the file resides.",
+                    3044};
+        return {status.code(), "Could not find file '" + path.string() + "'.", 3024};
+    case base::StatusCode::kPermissionDenied:
+        return {status.code(),
+                "The Microsoft Jet database engine cannot open the file '" + path.string() +
+                    "'. It is already opened exclusively by another user, or you need permission "
+                    "to view its data.",
+                3051};
+    default:
+        return EngineStatus(status);
     }
-    bool in_transaction() const override { return transaction_.open(); }
+}
 
-    base::Result<PageView> Read(PageNumber page) override {
-        ASSIGN_OR_RETURN(SharedPage bytes, Load(page));
-        return PageView(std::move(bytes));
-    }
+base::Status LockFile(FileSystem& files, const std::filesystem::path& path, File& file,
+                      bool read_only) {
+    const base::Status locked = file.Lock(read_only ? FileLock::kShared : FileLock::kExclusive);
+    if (locked.code() == base::StatusCode::kBusy) return OwnerFile::BusyStatus(files, path);
+    // A medium without locks, a read-only one for instance, can still be read.
+    if (read_only) return OwnerFile::CheckFree(files, path);
+    return EngineStatus(locked);
+}
 
-    base::Status Begin() override {
-        if (read_only_)
-            return {base::StatusCode::kPermissionDenied,
-                    "Cannot update. Database or object is read-only.", 3027};
-        transaction_.Begin(committed_count_);
-        return {};
-    }
+// Page size by the format's version; nullopt: no database of this format.
+base::Result<std::optional<std::uint32_t>> ReadPageSize(const File& file) {
+    std::array<std::byte, 0x18> head{};
+    ASSIGN_OR_RETURN(const std::uint64_t size, file.Size());
+    if (size < kJet3PageSize) return std::optional<std::uint32_t>();
+    RETURN_IF_ERROR(file.ReadAt(0, head));
+    constexpr char kMagic[16] = "Standard Jet DB";
+    const auto version = base::LoadLittle<std::uint32_t>(head.data() + 0x14);
+    if (std::memcmp(head.data() + 4, kMagic, sizeof kMagic) != 0 || version > 1)
+        return std::optional<std::uint32_t>();
+    const std::uint32_t page_size = version == 0 ? kJet3PageSize : kJet4PageSize;
+    if (size < page_size) return std::optional<std::uint32_t>();
+    return std::optional(page_size);
+}
 
-    base::Status Commit() override {
-        for (const auto& [number, page] : transaction_.pages())
-            RETURN_IF_ERROR(file_->WriteAt(std::uint64_t{number} * page_size_, *page.after));
-        committed_count_ = transaction_.page_count();
-        transaction_.End();
-        return {};
-    }
-
-    void Rollback() override { transaction_.End(); }
-
-    base::Result<std::span<std::byte>> Change(PageNumber page) override {
-        if (const auto again = transaction_.ChangeAgain(page); !again.empty()) return again;
-        ASSIGN_OR_RETURN(const SharedPage before, Load(page));
-        return transaction_.Change(page, before);
-    }
-
-    base::Result<PageNumber> Extend() override { return transaction_.Extend(page_size_); }
-
-    base::Status Flush() override { return read_only_ ? base::Status() : file_->Sync(); }
-    base::Status Close() override { return Flush(); }
-
-private:
-    base::Result<SharedPage> Load(PageNumber page) {
-        if (page >= page_count())
-            return base::Status(base::StatusCode::kCorruption,
-                                "page " + std::to_string(page) + " is past the end of the file");
-        if (SharedPage changed = transaction_.Find(page)) return changed;
-        auto bytes = std::make_shared<PageBytes>(page_size_);
-        RETURN_IF_ERROR(file_->ReadAt(std::uint64_t{page} * page_size_, *bytes));
-        return SharedPage(std::move(bytes));
-    }
-
-    std::unique_ptr<File> file_;
-    std::uint32_t page_size_;
-    PageNumber committed_count_;
-    bool read_only_;
-    PageTransaction transaction_;
+struct LeftOverJournal {
+    std::unique_ptr<File> file;
+    std::optional<RecoveredJournal> content;  // nullopt: nothing to recover
 };
+
+base::Result<LeftOverJournal> FindJournal(FileSystem& files, const std::filesystem::path& database,
+                                          const FilePageStore::Parts& parts, bool read_only) {
+    LeftOverJournal journal;
+    const std::filesystem::path path = Journal::PathFor(database);
+    if (!files.Exists(path)) return journal;
+    ASSIGN_OR_RETURN(journal.file,
+                     files.Open(path, read_only ? OpenMode::kRead : OpenMode::kReadWrite));
+    ASSIGN_OR_RETURN(journal.content, ReadJournal(*journal.file, *parts.file, parts.page_size));
+    return journal;
+}
 
 }  // namespace
 
 base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
                                                        const std::filesystem::path& path,
                                                        const PageStoreOptions& options) {
-    auto opened = files.Open(path, options.read_only ? OpenMode::kRead : OpenMode::kReadWrite);
-    if (!opened.ok()) {
-        if (opened.status().code() == base::StatusCode::kNotFound)
-            return base::Status(base::StatusCode::kNotFound,
-                                "Could not find file '" + path.string() + "'.", 3024);
-        return opened.status();
+    FilePageStore::Parts parts;
+    auto file = files.Open(path, options.read_only ? OpenMode::kRead : OpenMode::kReadWrite);
+    if (!file.ok()) return CannotOpen(files, path, file.status());
+    parts.file = std::move(file).value();
+    RETURN_IF_ERROR(LockFile(files, path, *parts.file, options.read_only));
+
+    const auto page_size = ReadPageSize(*parts.file);
+    if (!page_size.ok()) return EngineStatus(page_size.status());
+    if (!page_size.value()) return Unrecognized(path);
+    parts.page_size = **page_size;
+
+    if (!options.read_only) {
+        auto owner = OwnerFile::Take(files, path);
+        if (!owner.ok()) return CannotOpen(files, path, owner.status());
+        parts.owner = std::move(owner).value();
     }
-    std::unique_ptr<File> file = std::move(opened).value();
-    ASSIGN_OR_RETURN(const std::uint64_t size, file->Size());
-    std::array<std::byte, 0x18> head{};
-    if (size < 2048) return Unrecognized(path);
-    RETURN_IF_ERROR(file->ReadAt(0, head));
-    if (std::memcmp(head.data() + 4, "Standard Jet DB", 16) != 0) return Unrecognized(path);
-    const auto version = base::LoadLittle<std::uint32_t>(head.data() + 0x14);
-    if (version > 1) return Unrecognized(path);
-    const std::uint32_t page_size = version == 0 ? 2048 : 4096;
-    if (size % page_size != 0) return Unrecognized(path);
-    return std::unique_ptr<PageStore>(std::make_unique<FilePageStore>(
-        std::move(file), page_size, static_cast<PageNumber>(size / page_size), options.read_only));
+    auto journal = FindJournal(files, path, parts, options.read_only);
+    if (!journal.ok()) return CannotOpen(files, path, journal.status());
+    const auto size = parts.file->Size();
+    if (!size.ok()) return EngineStatus(size.status());
+    if (!journal->content && *size % parts.page_size != 0) return Unrecognized(path);
+    parts.page_count = static_cast<PageNumber>(*size / parts.page_size);
+
+    auto store = std::make_unique<FilePageStore>(files, path, std::move(parts), options);
+    if (journal->content) {
+        const base::Status recovered =
+            store->Recover(std::move(*journal->content),
+                           options.read_only ? nullptr : std::move(journal->file));
+        if (!recovered.ok()) return EngineStatus(recovered);
+    }
+    if (!options.read_only && options.flush_delay.count() > 0) {
+        try {
+            store->StartFlusher(options.flush_delay);
+        } catch (const std::system_error& error) {
+            return base::Status(base::StatusCode::kIoError, error.what());
+        }
+    }
+    return std::unique_ptr<PageStore>(std::move(store));
 }
 
 }  // namespace jet

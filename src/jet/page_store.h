@@ -12,6 +12,7 @@
 #include "base/status.h"
 #include "jet/file_system.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -42,6 +43,8 @@ private:
 struct PageStoreOptions {
     bool read_only = false;
     std::size_t cache_bytes = 32U << 20;
+    // How long after a commit a thread of the store makes it durable. 0: no thread; only Flush and Close do.
+    std::chrono::milliseconds flush_delay{500};
 };
 
 class PageStore {
