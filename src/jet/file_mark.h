@@ -1,8 +1,8 @@
-// The file mark: 64 random bits in page 0 that change with every checkpoint. A journal names the marks that its database
-// file can carry, so it is never applied to another file, nor to this one in another state (an older copy put
-// back, or changed by another program since).
-// The mark lies where the format counts committed writes: the last eight of the 256 commit words hold one byte of it each
-// in their low half. Their high half stays 1, as in every file that was closed properly.
+// The file mark: 64 random bits in page 0 that change with every checkpoint. A journal names the
+// marks that its database file can carry, so it is never applied to another file, nor to this one
+// in another state (an older copy put back, or changed by another program since). The mark lies
+// where the format counts committed writes: the last eight of the 256 commit words hold one byte of
+// it each in their low half. Their high half stays 1, as in every file that was closed properly.
 #pragma once
 
 #include <cstddef>

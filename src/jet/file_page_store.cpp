@@ -64,8 +64,7 @@ PageNumber FilePageStore::page_count() const {
 
 base::Status FilePageStore::CheckUsable() const {
     if (closed_) return {base::StatusCode::kInvalidArgument, "The database is closed."};
-    if (is_in_doubt_)
-        return {base::StatusCode::kIoError, "Disk or network error.", 3043};
+    if (is_in_doubt_) return {base::StatusCode::kIoError, "Disk or network error.", 3043};
     return {};
 }
 
@@ -93,8 +92,8 @@ base::Result<SharedPage> FilePageStore::Load(PageNumber page) {
     return Fetch(page);
 }
 
-// Pages that are not pending now cannot become so before this returns: commits come from this thread. So what is
-// read without the lock is not being written.
+// Pages that are not pending now cannot become so before this returns: commits come from this
+// thread. So what is read without the lock is not being written.
 base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
     PageNumber count = read_ahead_.PagesFrom(page);
     {
@@ -202,11 +201,10 @@ base::Result<JournalHeader> FilePageStore::MakeJournalHeader() {
     return header;
 }
 
-// Before the first journal of a file's life: without a mark of its own, a file like it could be taken for it.
-// Synced at once, for the journal's header counts on it.
+// Before the first journal of a file's life: without a mark of its own, a file like it could be
+// taken for it. Synced at once, for the journal's header counts on it.
 base::Status FilePageStore::GiveFirstMark(PageBytes& first_page) {
-    const auto words =
-        std::span(first_page).subspan(FileMarkOffset(page_size_), kFileMarkBytes);
+    const auto words = std::span(first_page).subspan(FileMarkOffset(page_size_), kFileMarkBytes);
     StoreFileMark(words, MakeFileMark());
     cache_.Erase(0);
     RETURN_IF_ERROR(file_->WriteAt(FileMarkOffset(page_size_), words));

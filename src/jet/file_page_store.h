@@ -1,20 +1,20 @@
 // FilePageStore: a page store over a file, with a journal beside it.
 //
-// Where the newest committed content of a page is: in `pending_` if its commit has not reached the database file, else
-// in the database file (and perhaps in `cache_`).
-// A commit appends one record to the journal and puts its pages into `pending_`. A checkpoint, which the flusher runs
-// half a second after a commit, works in this order:
+// Where the newest committed content of a page is: in `pending_` if its commit has not reached the
+// database file, else in the database file (and perhaps in `cache_`). A commit appends one record
+// to the journal and puts its pages into `pending_`. A checkpoint, which the flusher runs half a
+// second after a commit, works in this order:
 //  1. append a fresh file mark to the journal;
 //  2. sync the journal;
 //  3. write the pending pages and the mark into the database file;
 //  4. sync the database file;
 //  5. forget the pages written; if none was committed meanwhile, empty the journal.
-// Until 5 is done the journal can repeat everything; until 2 is done the database file is not touched.
-// Opening a file with a journal continues that journal and runs a checkpoint at once.
+// Until 5 is done the journal can repeat everything; until 2 is done the database file is not
+// touched. Opening a file with a journal continues that journal and runs a checkpoint at once.
 //
-// Threads: everything that `mutex_` names is reached under it; `checkpoint_mutex_` keeps checkpoints apart and is
-// taken first. The journal's bytes and the database file are written by a checkpoint without `mutex_`: the store's own
-// thread never reads a pending page from the file.
+// Threads: everything that `mutex_` names is reached under it; `checkpoint_mutex_` keeps
+// checkpoints apart and is taken first. The journal's bytes and the database file are written by a
+// checkpoint without `mutex_`: the store's own thread never reads a pending page from the file.
 #pragma once
 
 #include "jet/flusher.h"
@@ -100,10 +100,10 @@ private:
     std::mutex mutex_;
     std::unique_ptr<File> file_;
     std::unique_ptr<OwnerFile> owner_;
-    Journal journal_;                          // mutex_
-    std::map<PageNumber, SharedPage> pending_; // mutex_
-    PageCache cache_;                          // mutex_
-    PageNumber pages_in_file_;                 // mutex_; page numbers below can be read from the file
+    Journal journal_;                           // mutex_
+    std::map<PageNumber, SharedPage> pending_;  // mutex_
+    PageCache cache_;                           // mutex_
+    PageNumber pages_in_file_;  // mutex_; page numbers below can be read from the file
     std::unique_ptr<Flusher> flusher_;
 };
 

@@ -1,5 +1,5 @@
-// Flusher: a thread that calls a function some time after it was asked to, however often it was asked meanwhile.
-// It makes commits durable while the program does something else, or nothing.
+// Flusher: a thread that calls a function some time after it was asked to, however often it was
+// asked meanwhile. It makes commits durable while the program does something else, or nothing.
 #pragma once
 
 #include <chrono>
@@ -12,8 +12,8 @@ namespace jet {
 
 class Flusher {
 public:
-    // `flush` runs in the flusher's thread, never twice at a time. It answers whether it is done; if not, it is
-    // called again after the same delay.
+    // `flush` runs in the flusher's thread, never twice at a time. It answers whether it is done;
+    // if not, it is called again after the same delay.
     Flusher(std::chrono::milliseconds delay, std::function<bool()> flush);
     ~Flusher();  // waits for a running call; starts no other
     Flusher(const Flusher&) = delete;

@@ -48,7 +48,8 @@ base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
         return added;
     }
     in_doubt_ = false;
-    for (const auto& [number, page] : pages) end_.pages.insert(number);
+    for (const auto& [number, page] : pages)
+        end_.pages.insert(number);
     return {};
 }
 

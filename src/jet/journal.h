@@ -1,9 +1,9 @@
-// Journal: the sister file (name of the database file + "-journal") that commits are written to before they reach the
-// database file itself.
-// Its life: made at the first commit; each commit appends one record with a plain write (that survives the death of the
-// process); a checkpoint syncs it, writes the pages into the database file, syncs that and empties the journal; the
-// last one to close removes it.
-// Threads: calls that change it are made under the lock of the store; Sync may run beside them.
+// Journal: the sister file (name of the database file + "-journal") that commits are written to
+// before they reach the database file itself. Its life: made at the first commit; each commit
+// appends one record with a plain write (that survives the death of the process); a checkpoint
+// syncs it, writes the pages into the database file, syncs that and empties the journal; the last
+// one to close removes it. Threads: calls that change it are made under the lock of the store; Sync
+// may run beside them.
 #pragma once
 
 #include "jet/file_system.h"
@@ -33,11 +33,12 @@ public:
     bool empty() const { return end_.offset == 0; }
     std::uint64_t size_bytes() const { return end_.offset; }
 
-    // Appends one transaction. `header` names the database file and is written when the journal is empty.
-    // On failure the journal is as before, unless is_in_doubt().
+    // Appends one transaction. `header` names the database file and is written when the journal is
+    // empty. On failure the journal is as before, unless is_in_doubt().
     base::Status AddTransaction(const PageTransaction::ChangedPages& pages, PageNumber page_count,
                                 const JournalHeader& header);
-    // Appends the note that a checkpoint begins which gives the database file this mark. Requires: !empty().
+    // Appends the note that a checkpoint begins which gives the database file this mark. Requires:
+    // !empty().
     base::Status AddMark(std::uint64_t mark);
 
     // The last AddTransaction failed and could not be taken back: recovery may or may not find it.

@@ -43,11 +43,14 @@ void AppendRange(std::vector<std::byte>& out, std::span<const std::byte> page, s
                page.begin() + static_cast<std::ptrdiff_t>(end));
 }
 
-// First position from `at` on where the two differ, or where they are equal; their size when there is none.
+// First position from `at` on where the two differ, or where they are equal; their size when there
+// is none.
 std::size_t FindDifference(std::span<const std::byte> a, std::span<const std::byte> b,
                            std::size_t at) {
-    while (at + 8 <= a.size() && std::memcmp(a.data() + at, b.data() + at, 8) == 0) at += 8;
-    while (at < a.size() && a[at] == b[at]) ++at;
+    while (at + 8 <= a.size() && std::memcmp(a.data() + at, b.data() + at, 8) == 0)
+        at += 8;
+    while (at < a.size() && a[at] == b[at])
+        ++at;
     return at;
 }
 
@@ -106,8 +109,7 @@ std::uint64_t AppendJournalHeader(std::vector<std::byte>& out, const JournalHead
     base::AppendLittle(out, header.salt);
     base::AppendLittle(out, header.page_count);
     base::AppendLittle(out, std::uint32_t{0});
-    const std::uint64_t checksum =
-        HeaderChecksum(std::span(out).subspan(start), header.first_page);
+    const std::uint64_t checksum = HeaderChecksum(std::span(out).subspan(start), header.first_page);
     base::AppendLittle(out, checksum);
     out.insert(out.end(), header.first_page.begin(), header.first_page.end());
     return checksum;

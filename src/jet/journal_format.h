@@ -1,7 +1,8 @@
-// The bytes of a journal: a header that names the database file it belongs to, then records, each with a checksum that
-// continues the one before it. docs/jet.md has the table of offsets. All integers little endian.
-// What lies behind the last record with a right checksum was not finished, or is left from an older journal.
-// Everything here works on bytes in memory and holds for bytes from anywhere.
+// The bytes of a journal: a header that names the database file it belongs to, then records, each
+// with a checksum that continues the one before it. docs/jet.md has the table of offsets. All
+// integers little endian. What lies behind the last record with a right checksum was not finished,
+// or is left from an older journal. Everything here works on bytes in memory and holds for bytes
+// from anywhere.
 #pragma once
 
 #include "jet/page_transaction.h"
@@ -70,8 +71,8 @@ RecordHead ParseRecordHead(std::span<const std::byte> bytes);
 // Whether `record` (head and payload) continues `chain`.
 bool RecordIsWhole(std::span<const std::byte> record, std::uint64_t chain);
 
-// The pages that the payload of a transaction changes, `known` being the ones before it. nullopt: the payload
-// contradicts the format.
+// The pages that the payload of a transaction changes, `known` being the ones before it. nullopt:
+// the payload contradicts the format.
 std::optional<JournalPages> ParseTransaction(std::span<const std::byte> payload,
                                              std::uint32_t page_size, PageNumber page_count,
                                              const JournalPages& known);

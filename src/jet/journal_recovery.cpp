@@ -54,7 +54,8 @@ public:
     }
 
     RecoveredJournal Take() && {
-        for (const auto& [number, page] : found_.pages) found_.end.pages.insert(number);
+        for (const auto& [number, page] : found_.pages)
+            found_.end.pages.insert(number);
         return std::move(found_);
     }
 
@@ -88,7 +89,8 @@ private:
         const auto changed =
             ParseTransaction(payload, header_.page_size, head.page_count, found_.pages);
         if (!changed) return false;
-        for (const auto& [number, page] : *changed) found_.pages[number] = page;
+        for (const auto& [number, page] : *changed)
+            found_.pages[number] = page;
         found_.page_count = head.page_count;
         has_transactions_ = true;
         RememberFirstPage();
@@ -101,7 +103,8 @@ private:
             first_pages_.push_back(found->second);
     }
 
-    // Each sector of page 0 must be one that the file had when the journal was begun or was given since.
+    // Each sector of page 0 must be one that the file had when the journal was begun or was given
+    // since.
     bool IsKnownFirstPage(std::span<const std::byte> page) const {
         for (std::size_t sector = 0; sector < page.size() / kSectorSize; ++sector) {
             const bool is_known = std::ranges::any_of(
@@ -122,17 +125,17 @@ private:
 
 }  // namespace
 
-base::Result<std::optional<RecoveredJournal>> ReadJournal(const File& journal, const File& database,
-                                                          std::uint32_t page_size) {
+base::Result<LeftOverJournal> ReadJournal(const File& journal, const File& database,
+                                          std::uint32_t page_size) {
     ASSIGN_OR_RETURN(const std::uint64_t size, journal.Size());
     JournalReader reader(journal, size);
     ASSIGN_OR_RETURN(const bool is_journal, reader.ReadHeader(page_size));
-    if (!is_journal) return std::optional<RecoveredJournal>();
+    if (!is_journal) return LeftOverJournal{};
     RETURN_IF_ERROR(reader.ReadRecords());
-    if (!reader.has_transactions()) return std::optional<RecoveredJournal>();
+    if (!reader.has_transactions()) return LeftOverJournal{};
     ASSIGN_OR_RETURN(const bool belongs, reader.BelongsTo(database));
-    if (!belongs) return std::optional<RecoveredJournal>();
-    return std::optional<RecoveredJournal>(std::move(reader).Take());
+    if (!belongs) return LeftOverJournal{JournalOwner::kAnotherFile, {}};
+    return LeftOverJournal{JournalOwner::kThisFile, std::move(reader).Take()};
 }
 
 }  // namespace jet

@@ -1,10 +1,8 @@
-// What a left-over journal holds: the transactions that were complete when the process or the machine died.
-// Nothing here writes.
+// What a left-over journal holds: the transactions that were complete when the process or the
+// machine died. Nothing here writes.
 #pragma once
 
 #include "jet/journal.h"
-
-#include <optional>
 
 namespace jet {
 
@@ -14,10 +12,20 @@ struct RecoveredJournal {
     JournalEnd end;             // where the journal can be continued
 };
 
-// Reads `journal` up to the first record that is torn or of another journal. nullopt: it holds no complete
-// transaction, or it belongs to another file, or to this file in another state.
-// `page_size` is that of the database file. kIoError: one of the files cannot be read.
-base::Result<std::optional<RecoveredJournal>> ReadJournal(const File& journal, const File& database,
-                                                          std::uint32_t page_size);
+enum class JournalOwner : std::uint8_t {
+    kNobody,  // it holds no complete transaction
+    kThisFile,
+    kAnotherFile,  // or this file in another state
+};
+
+struct LeftOverJournal {
+    JournalOwner owner = JournalOwner::kNobody;
+    RecoveredJournal content;  // kThisFile only
+};
+
+// Reads `journal` up to the first record that is torn or of another journal. `page_size` is that of
+// the database file. kIoError: one of the files cannot be read.
+base::Result<LeftOverJournal> ReadJournal(const File& journal, const File& database,
+                                          std::uint32_t page_size);
 
 }  // namespace jet

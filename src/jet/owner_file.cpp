@@ -13,7 +13,8 @@ using OwnerSlot = std::array<std::byte, 2 * kNameSize>;
 // Cuts at a whole UTF-8 character and leaves room for the final zero.
 void StoreName(std::string_view name, std::byte* to) {
     std::size_t size = std::min(name.size(), kNameSize - 1);
-    while (size > 0 && size < name.size() && (name[size] & 0xC0) == 0x80) --size;
+    while (size > 0 && size < name.size() && (name[size] & 0xC0) == 0x80)
+        --size;
     std::memcpy(to, name.data(), size);
 }
 

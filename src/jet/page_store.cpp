@@ -67,19 +67,22 @@ base::Result<std::optional<std::uint32_t>> ReadPageSize(const File& file) {
     return std::optional(page_size);
 }
 
-struct LeftOverJournal {
-    std::unique_ptr<File> file;
-    std::optional<RecoveredJournal> content;  // nullopt: nothing to recover
+struct FoundJournal {
+    std::unique_ptr<File> file;  // null: there is none
+    LeftOverJournal left_over;
+    bool is_ours() const { return left_over.owner == JournalOwner::kThisFile; }
 };
 
-base::Result<LeftOverJournal> FindJournal(FileSystem& files, const std::filesystem::path& database,
-                                          const FilePageStore::Parts& parts, bool read_only) {
-    LeftOverJournal journal;
+base::Result<FoundJournal> FindJournal(FileSystem& files, const std::filesystem::path& database,
+                                       const FilePageStore::Parts& parts, bool read_only) {
+    FoundJournal journal;
     const std::filesystem::path path = Journal::PathFor(database);
     if (!files.Exists(path)) return journal;
     ASSIGN_OR_RETURN(journal.file,
                      files.Open(path, read_only ? OpenMode::kRead : OpenMode::kReadWrite));
-    ASSIGN_OR_RETURN(journal.content, ReadJournal(*journal.file, *parts.file, parts.page_size));
+    ASSIGN_OR_RETURN(journal.left_over, ReadJournal(*journal.file, *parts.file, parts.page_size));
+    // One of another file stays: it may be put back under this name. The first commit replaces it.
+    if (!read_only && journal.left_over.owner == JournalOwner::kNobody) files.Remove(path).Ignore();
     return journal;
 }
 
@@ -108,13 +111,13 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
     if (!journal.ok()) return CannotOpen(files, path, journal.status());
     const auto size = parts.file->Size();
     if (!size.ok()) return EngineStatus(size.status());
-    if (!journal->content && *size % parts.page_size != 0) return Unrecognized(path);
+    if (!journal->is_ours() && *size % parts.page_size != 0) return Unrecognized(path);
     parts.page_count = static_cast<PageNumber>(*size / parts.page_size);
 
     auto store = std::make_unique<FilePageStore>(files, path, std::move(parts), options);
-    if (journal->content) {
+    if (journal->is_ours()) {
         const base::Status recovered =
-            store->Recover(std::move(*journal->content),
+            store->Recover(std::move(journal->left_over.content),
                            options.read_only ? nullptr : std::move(journal->file));
         if (!recovered.ok()) return EngineStatus(recovered);
     }

@@ -1,5 +1,5 @@
-// ReadAhead: how many pages to fetch when one is missing. One for a page out of the blue, ever more for pages asked for one
-// after the other, as a walk through a table does.
+// ReadAhead: how many pages to fetch when one is missing. One for a page out of the blue, ever more
+// for pages asked for one after the other, as a walk through a table does.
 #pragma once
 
 #include "jet/page_store.h"
@@ -14,7 +14,8 @@ public:
 
     // Called for each page that must be fetched, in the order in which they are asked for.
     PageNumber PagesFrom(PageNumber page) {
-        // Pages of other tables and of indexes lie between those of a table: a small step is still a walk.
+        // Pages of other tables and of indexes lie between those of a table: a small step is still
+        // a walk.
         const bool is_walk = page >= next_ && page - next_ <= kSmallStep;
         window_ = is_walk ? std::min(window_ * 2, kMostPages) : 1;
         next_ = page + window_;

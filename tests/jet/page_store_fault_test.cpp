@@ -1,0 +1,218 @@
+// Every call of a workload that reaches the disk is made to fail in turn, in several ways; and the
+// process or the power stops at each of them. Afterwards every committed transaction is there and
+// none by half.
+#include "jet/page_store.h"
+#include "support/faulty_file_system.h"
+#include "support/page_workload.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test_support::FaultKind;
+using test_support::FaultPlan;
+using test_support::FaultyFileSystem;
+using test_support::PageWorkload;
+
+constexpr const char* kPath = "folder/tables.mdb";
+constexpr std::size_t kTransactions = 14;
+
+base::Result<std::unique_ptr<jet::PageStore>> Open(jet::FileSystem& files, bool read_only = false) {
+    jet::PageStoreOptions options;
+    options.read_only = read_only;
+    options.cache_bytes = 0;
+    options.flush_delay = {};
+    return jet::OpenPageStore(files, kPath, options);
+}
+
+// What is known of a run that met a fault.
+struct Outcome {
+    std::size_t committed = 0;  // transactions that Commit said ok to
+    std::size_t durable = 0;    // of these, the ones that a Flush said ok to
+    bool in_doubt = false;      // one more may be there: the process was stopped inside its Commit
+};
+
+class FaultTest : public testing::Test {
+protected:
+    // Opens, commits, flushes now and then, closes; goes on after failures as a program would.
+    // When the store itself fails from then on, that transaction is in doubt.
+    Outcome RunWorkload(FaultyFileSystem& files, bool dies_at_fault) {
+        Outcome outcome;
+        auto store = Open(files);
+        if (!store.ok()) return outcome;
+        for (std::size_t tries = 0; tries < 2 * kTransactions; ++tries) {
+            if (outcome.committed == kTransactions) break;
+            const bool had_fault = files.fault_happened();
+            const base::Status done = workload_.Run(**store, outcome.committed);
+            if (done.ok()) {
+                ++outcome.committed;
+                outcome.in_doubt = false;
+            } else if (dies_at_fault) {
+                outcome.in_doubt = !had_fault;
+                return outcome;
+            } else if (!CheckAfterFailure(**store, outcome)) {
+                break;
+            }
+            if (tries % 4 == 3 && (*store)->Flush().ok()) outcome.durable = outcome.committed;
+            if (dies_at_fault && files.fault_happened()) return outcome;
+        }
+        if ((*store)->Close().ok()) outcome.durable = outcome.committed;
+        return outcome;
+    }
+
+    // After a failed transaction the store shows the state before it, or nothing any more (then the
+    // fault is for good).
+    bool CheckAfterFailure(jet::PageStore& store, Outcome& outcome) {
+        for (jet::PageNumber page = 0; page < store.page_count(); ++page) {
+            if (store.Read(page).ok()) continue;
+            outcome.in_doubt = true;
+            return false;
+        }
+        workload_.Recognize(PageWorkload::Read(store), outcome.committed, outcome.committed);
+        return true;
+    }
+
+    void CheckReopened(FaultyFileSystem& files, std::size_t least, std::size_t most) {
+        int seen_by_reader = -1;
+        {
+            auto reader = Open(files, true);
+            ASSERT_TRUE(reader.ok()) << reader.status().message();
+            seen_by_reader = workload_.Recognize(PageWorkload::Read(**reader), least, most);
+        }
+        auto store = Open(files);
+        ASSERT_TRUE(store.ok()) << store.status().message();
+        const int seen = workload_.Recognize(PageWorkload::Read(**store), least, most);
+        EXPECT_EQ(seen, seen_by_reader);
+        ASSERT_TRUE((*store)->Close().ok());
+    }
+
+    std::unique_ptr<FaultyFileSystem> FreshDisk(FaultPlan plan) {
+        auto files = std::make_unique<FaultyFileSystem>();
+        files->Put(kPath, workload_.first_file());
+        files->SetPlan(plan);
+        return files;
+    }
+
+    // Calls `check` with a plan for each call of the workload.
+    template <typename Check>
+    void ForEachCall(FaultKind kind, base::StatusCode code, Check check) {
+        for (std::uint64_t call = 1;; ++call) {
+            SCOPED_TRACE("call " + std::to_string(call));
+            const FaultPlan plan{call, kind, code};
+            const auto files = FreshDisk(plan);
+            const bool dies = kind == FaultKind::kStop;
+            const Outcome outcome = RunWorkload(*files, dies);
+            if (!files->fault_happened()) {
+                EXPECT_GT(call, 60u);  // the workload does reach the disk
+                return;
+            }
+            check(*files, outcome);
+            if (HasFatalFailure() || HasNonfatalFailure()) return;
+        }
+    }
+
+    PageWorkload workload_{21};
+};
+
+class FailingCallTest : public FaultTest, public testing::WithParamInterface<FaultKind> {};
+
+TEST_P(FailingCallTest, EveryCommittedTransactionIsThereAndNoOther) {
+    for (const auto code : {base::StatusCode::kIoError, base::StatusCode::kNoSpace})
+        ForEachCall(GetParam(), code, [&](FaultyFileSystem& files, const Outcome& outcome) {
+            const auto next = files.Kill();
+            CheckReopened(*next, outcome.committed, outcome.committed + (outcome.in_doubt ? 1 : 0));
+        });
+}
+
+TEST_P(FailingCallTest, PowerCutLaterLosesNothingThatWasFlushed) {
+    ForEachCall(GetParam(), base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    for (std::uint32_t seed = 0; seed < 4; ++seed) {
+                        const auto next = files.CutPower(seed);
+                        CheckReopened(*next, outcome.durable,
+                                      outcome.committed + (outcome.in_doubt ? 1 : 0));
+                    }
+                });
+}
+
+std::string FaultName(const testing::TestParamInfo<FaultKind>& kind) {
+    constexpr const char* kNames[] = {"refused", "half", "doneButFailed", "diskGone"};
+    return kNames[static_cast<int>(kind.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, FailingCallTest,
+                         testing::Values(FaultKind::kRefuse, FaultKind::kHalf,
+                                         FaultKind::kDoneButFail, FaultKind::kLost),
+                         FaultName);
+
+TEST_F(FaultTest, ProcessStoppedAtAnyCallLosesNothingCommitted) {
+    ForEachCall(FaultKind::kStop, base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    const auto next = files.Kill();
+                    CheckReopened(*next, outcome.committed,
+                                  outcome.committed + (outcome.in_doubt ? 1 : 0));
+                });
+}
+
+TEST_F(FaultTest, PowerCutAtAnyCallLeavesWholeTransactions) {
+    ForEachCall(FaultKind::kStop, base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    for (std::uint32_t seed = 0; seed < 12; ++seed) {
+                        const auto next = files.CutPower(seed);
+                        CheckReopened(*next, outcome.durable,
+                                      outcome.committed + (outcome.in_doubt ? 1 : 0));
+                    }
+                });
+}
+
+// The second stop hits the recovery from the first.
+TEST_F(FaultTest, StopInsideRecoveryLeavesWholeTransactions) {
+    std::size_t recoveries = 0;
+    ForEachCall(FaultKind::kStop, base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    const std::size_t most = outcome.committed + (outcome.in_doubt ? 1 : 0);
+                    for (std::uint64_t call = 1;; ++call) {
+                        const auto next = files.CutPower(static_cast<std::uint32_t>(call));
+                        next->SetPlan({call, FaultKind::kStop, base::StatusCode::kIoError});
+                        if (auto store = Open(*next); store.ok()) store.value().reset();
+                        if (!next->fault_happened()) break;
+                        ++recoveries;
+                        for (std::uint32_t seed = 0; seed < 3; ++seed)
+                            CheckReopened(*next->CutPower(seed), outcome.durable, most);
+                        CheckReopened(*next->Kill(), outcome.durable, most);
+                        if (HasFailure()) return;
+                    }
+                });
+    EXPECT_GT(recoveries, 500u);
+}
+
+TEST_F(FaultTest, FullDiskSaysSoAndGoesOnWhenThereIsRoom) {
+    const auto files = FreshDisk({});
+    auto store = Open(*files);
+    ASSERT_TRUE(store.ok());
+    ASSERT_TRUE(workload_.Run(**store, 0).ok());
+    files->SetPlan({2, FaultKind::kHalf, base::StatusCode::kNoSpace});
+    base::Status failed = workload_.Run(**store, 1);
+    for (int i = 0; i < 3 && failed.ok(); ++i) {
+        files->SetPlan({1, FaultKind::kHalf, base::StatusCode::kNoSpace});
+        failed = (*store)->Flush();
+    }
+    EXPECT_EQ(failed.code(), base::StatusCode::kNoSpace);
+    EXPECT_EQ(failed.number(), 3026);
+    EXPECT_EQ(failed.message(), "Not enough space on disk.");
+    EXPECT_TRUE((*store)->Flush().ok());
+}
+
+TEST_F(FaultTest, ReadErrorSaysSo) {
+    const auto files = FreshDisk({});
+    auto store = Open(*files);
+    ASSERT_TRUE(store.ok());
+    files->SetPlan({1, FaultKind::kLost, base::StatusCode::kIoError});
+    const auto view = (*store)->Read(1);
+    files->SetPlan({});
+    EXPECT_EQ(view.status().number(), 3043);
+    EXPECT_EQ(view.status().message(), "Disk or network error.");
+    EXPECT_TRUE((*store)->Read(1).ok());
+}
+
+}  // namespace

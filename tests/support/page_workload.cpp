@@ -1,0 +1,106 @@
+#include "support/page_workload.h"
+
+#include "jet/file_mark.h"
+
+#include <cstring>
+
+namespace test_support {
+
+std::vector<std::byte> MakePages(std::uint32_t version, jet::PageNumber count) {
+    const std::size_t page_size = version == 0 ? 2048 : 4096;
+    std::vector<std::byte> file(page_size * count);
+    file[1] = std::byte{1};
+    std::memcpy(file.data() + 4, "Standard Jet DB", 16);
+    file[0x14] = static_cast<std::byte>(version);
+    for (std::size_t at = version == 0 ? 0x600 : 0xE00; at < page_size && at < 0x1000; at += 2)
+        file[at + 1] = std::byte{1};
+    return file;
+}
+
+PageWorkload::PageWorkload(std::uint32_t seed, std::uint32_t version)
+    : page_size_(version == 0 ? 2048 : 4096), first_file_(MakePages(version, kFirstPages)),
+      random_(seed) {
+    Content first;
+    for (std::size_t at = 0; at < first_file_.size(); at += page_size_)
+        first.emplace_back(first_file_.begin() + static_cast<std::ptrdiff_t>(at),
+                           first_file_.begin() + static_cast<std::ptrdiff_t>(at + page_size_));
+    contents_.push_back(std::move(first));
+}
+
+const PageWorkload::Content& PageWorkload::ContentAfter(std::size_t transactions) {
+    while (contents_.size() <= transactions)
+        MakeNext();
+    return contents_[transactions];
+}
+
+void PageWorkload::MakeNext() {
+    Content content = contents_.back();
+    Step step;
+    step.new_pages = random_() % 3 == 0 ? 1 + random_() % 3 : 0;
+    content.resize(content.size() + step.new_pages, std::vector<std::byte>(page_size_));
+    // Every transaction writes its number to two pages, so no two states are equal.
+    for (std::size_t i = 0; i < 2 + random_() % 4; ++i) {
+        Edit edit;
+        edit.page = static_cast<jet::PageNumber>(random_() % content.size());
+        const bool is_header = edit.page == 0;
+        edit.offset = is_header ? 0xA0 + random_() % 64 : random_() % (page_size_ - 600);
+        edit.bytes.resize(4 + random_() % (is_header ? 8 : 590));
+        for (std::byte& byte : edit.bytes)
+            byte = static_cast<std::byte>(random_());
+        const auto number = static_cast<std::uint32_t>(steps_.size());
+        std::memcpy(edit.bytes.data(), &number, sizeof number);
+        std::memcpy(content[edit.page].data() + edit.offset, edit.bytes.data(), edit.bytes.size());
+        step.edits.push_back(std::move(edit));
+    }
+    steps_.push_back(std::move(step));
+    contents_.push_back(std::move(content));
+}
+
+base::Status PageWorkload::RunOpen(jet::PageStore& store, const Step& step) {
+    for (jet::PageNumber i = 0; i < step.new_pages; ++i) {
+        const auto added = store.Extend();
+        if (!added.ok()) return added.status();
+    }
+    for (const Edit& edit : step.edits) {
+        const auto page = store.Change(edit.page);
+        if (!page.ok()) return page.status();
+        std::memcpy(page->data() + edit.offset, edit.bytes.data(), edit.bytes.size());
+    }
+    return {};
+}
+
+base::Status PageWorkload::Run(jet::PageStore& store, std::size_t number) {
+    ContentAfter(number + 1);
+    RETURN_IF_ERROR(store.Begin());
+    const base::Status changed = RunOpen(store, steps_[number]);
+    if (changed.ok()) return store.Commit();
+    store.Rollback();
+    return changed;
+}
+
+PageWorkload::Content PageWorkload::Read(jet::PageStore& store) {
+    Content content;
+    for (jet::PageNumber page = 0; page < store.page_count(); ++page) {
+        const auto view = store.Read(page);
+        EXPECT_TRUE(view.ok()) << "page " << page << ": " << view.status().message();
+        if (!view.ok()) return {};
+        content.emplace_back(view->bytes().begin(), view->bytes().end());
+    }
+    const auto mark = std::span(content[0]).subspan(jet::FileMarkOffset(store.page_size()));
+    for (std::size_t i = 0; i < jet::kFileMarkBytes; i += 2)
+        mark[i] = std::byte{0};
+    return content;
+}
+
+int PageWorkload::Recognize(const Content& content, std::size_t least, std::size_t most) {
+    for (std::size_t i = least; i <= most; ++i)
+        if (content == ContentAfter(i)) return static_cast<int>(i);
+    std::string other = "none at all";
+    for (std::size_t i = 0; i < contents_.size(); ++i)
+        if (content == contents_[i]) other = "that after " + std::to_string(i);
+    ADD_FAILURE() << "the content is not that after " << least << " to " << most
+                  << " transactions but " << other;
+    return -1;
+}
+
+}  // namespace test_support

@@ -1,0 +1,61 @@
+// PageWorkload: numbered transactions over the pages of a small database file, the same for the
+// same seed, and the content that the file must have after each of them.
+#pragma once
+
+#include "jet/page_store.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+namespace test_support {
+
+// A file that the page store takes for a database: a header page and pages of zeros. Version 0: Jet
+// 3, 1: Jet 4.
+std::vector<std::byte> MakePages(std::uint32_t version, jet::PageNumber count);
+
+class PageWorkload {
+public:
+    using Content = std::vector<std::vector<std::byte>>;  // pages
+
+    explicit PageWorkload(std::uint32_t seed, std::uint32_t version = 1);
+
+    static constexpr jet::PageNumber kFirstPages = 4;
+
+    const std::vector<std::byte>& first_file() const { return first_file_; }
+    // Content after `transactions` of them.
+    const Content& ContentAfter(std::size_t transactions);
+
+    // Makes transaction number `number` (from 0) in the store, from Begin to Commit. On failure
+    // rolls back.
+    base::Status Run(jet::PageStore& store, std::size_t number);
+
+    // What `store` holds now, with the file's mark of its last checkpoint blanked.
+    static Content Read(jet::PageStore& store);
+    // How many transactions `content` shows; fails the test and answers -1 when it is none of the
+    // states from `least` to `most`.
+    int Recognize(const Content& content, std::size_t least, std::size_t most);
+
+private:
+    struct Edit {
+        jet::PageNumber page = 0;
+        std::size_t offset = 0;
+        std::vector<std::byte> bytes;
+    };
+    struct Step {
+        jet::PageNumber new_pages = 0;
+        std::vector<Edit> edits;
+    };
+    void MakeNext();
+    base::Status RunOpen(jet::PageStore& store, const Step& step);
+
+    std::uint32_t page_size_;
+    std::vector<std::byte> first_file_;
+    std::mt19937 random_;
+    std::vector<Step> steps_;
+    std::vector<Content> contents_;
+};
+
+}  // namespace test_support
