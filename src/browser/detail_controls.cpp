@@ -60,8 +60,12 @@ void PlaceLine(DetailControls& controls, QGridLayout* grid, int row, int column,
 
 void PlaceFileLine(DetailControls& controls, QGridLayout* grid, int row, int index,
                    const QString& caption, QToolButton* browse) {
-    PlaceLine(controls, grid, row, 0, 4, index, caption);
-    grid->addWidget(browse, row, 5);
+    QWidget* line = Adopt(controls, index, TextBox::OneLine());
+    auto* line_and_button = new QHBoxLayout;
+    line_and_button->addWidget(line);
+    line_and_button->addWidget(browse);
+    grid->addWidget(Caption(index, caption, line), row, 0);
+    grid->addLayout(line_and_button, row, 1, 1, 5);
 }
 
 void PlaceTextFields(DetailControls& controls, QGridLayout* grid) {

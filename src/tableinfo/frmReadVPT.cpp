@@ -56,65 +56,58 @@ struct frmReadVPT::Controls {
     QPushButton* cmdSite = Button("cmdSite", QStringLiteral("Go To Site"));
     QPushButton* Command1 = Button("Command1", QStringLiteral("Close"));
 
-    void PlaceInfoBox(QGridLayout* grid, int row, int index, int columns);
-    QLayout* Lines();
-    QLayout* Picture();
-    QLayout* LongTexts();
-    QLayout* CustomFields();
+    // Columns of the grid: captions, boxes, buttons, picture. Rows: the boxes by index, then the
+    // custom fields.
+    void PlaceInfoBox(QGridLayout* grid, int index, int columns);
+    void PlaceLines(QGridLayout* grid);
+    void PlacePicture(QGridLayout* grid);
+    void PlaceLongTexts(QGridLayout* grid);
+    void PlaceCustomFields(QGridLayout* grid);
     QLayout* Buttons();
 };
 
-void frmReadVPT::Controls::PlaceInfoBox(QGridLayout* grid, int row, int index, int columns) {
+void frmReadVPT::Controls::PlaceInfoBox(QGridLayout* grid, int index, int columns) {
     const auto i = static_cast<std::size_t>(index);
     txtInfo[i] = MakeInfoBox(index);
     auto* label = new QLabel(QString::fromUtf16(kInfoBoxes[i].label));
     label->setObjectName(ElementName("lblInfo", index));
     label->setBuddy(txtInfo[i].widget());
-    grid->addWidget(label, row, 0, kInfoBoxes[i].several_lines ? Qt::AlignTop : Qt::AlignVCenter);
-    grid->addWidget(txtInfo[i].widget(), row, 1, 1, columns);
+    grid->addWidget(label, index, 0, kInfoBoxes[i].several_lines ? Qt::AlignTop : Qt::AlignVCenter);
+    grid->addWidget(txtInfo[i].widget(), index, 1, 1, columns);
 }
 
-QLayout* frmReadVPT::Controls::Lines() {
-    auto* grid = new QGridLayout;
+void frmReadVPT::Controls::PlaceLines(QGridLayout* grid) {
     for (int index = 0; index < kMailBox; ++index)
-        PlaceInfoBox(grid, index, index, 2);
-    PlaceInfoBox(grid, kMailBox, kMailBox, 1);
+        PlaceInfoBox(grid, index, 2);
+    PlaceInfoBox(grid, kMailBox, 1);
     grid->addWidget(cmdMail, kMailBox, 2);
-    PlaceInfoBox(grid, kSiteBox, kSiteBox, 1);
+    PlaceInfoBox(grid, kSiteBox, 1);
     grid->addWidget(cmdSite, kSiteBox, 2);
-    grid->setRowStretch(kSiteBox + 1, 1);
-    return grid;
 }
 
-QLayout* frmReadVPT::Controls::Picture() {
+void frmReadVPT::Controls::PlacePicture(QGridLayout* grid) {
     auto* column = new QVBoxLayout;
     column->addWidget(new QLabel(QStringLiteral("Picture Preview")));
-    picThm->setMinimumSize(220, 150);
+    picThm->setMinimumSize(200, 120);
     column->addWidget(picThm, 1);
-    return column;
+    grid->addLayout(column, 0, 3, kSiteBox + 1, 1);
 }
 
-QLayout* frmReadVPT::Controls::LongTexts() {
-    auto* grid = new QGridLayout;
+void frmReadVPT::Controls::PlaceLongTexts(QGridLayout* grid) {
     for (int index = kSiteBox + 1; index < kInfoBoxCount; ++index) {
-        const int row = index - kSiteBox - 1;
-        PlaceInfoBox(grid, row, index, 1);
-        grid->setRowStretch(row, index == kInfoBoxCount - 1 ? 2 : 1);
+        PlaceInfoBox(grid, index, 3);
+        grid->setRowStretch(index, index == kInfoBoxCount - 1 ? 3 : 1);
     }
-    return grid;
 }
 
-QLayout* frmReadVPT::Controls::CustomFields() {
-    auto* row = new QHBoxLayout;
+void frmReadVPT::Controls::PlaceCustomFields(QGridLayout* grid) {
     auto* label = new QLabel(QStringLiteral("Custom:"));
     label->setBuddy(cboCustom);
-    cboCustom->setMinimumContentsLength(16);
-    txtCustom->setMinimumHeight(txtCustom->fontMetrics().lineSpacing() * 2);
-    txtCustom->setMaximumHeight(txtCustom->fontMetrics().lineSpacing() * 4);
-    row->addWidget(label, 0, Qt::AlignTop);
-    row->addWidget(cboCustom, 0, Qt::AlignTop);
-    row->addWidget(txtCustom, 1);
-    return row;
+    txtCustom->setMinimumHeight(txtCustom->fontMetrics().lineSpacing() * 3);
+    txtCustom->setMaximumHeight(txtCustom->fontMetrics().lineSpacing() * 5);
+    grid->addWidget(label, kInfoBoxCount, 0, Qt::AlignTop);
+    grid->addWidget(cboCustom, kInfoBoxCount, 1, Qt::AlignTop);
+    grid->addWidget(txtCustom, kInfoBoxCount, 2, 1, 2);
 }
 
 QLayout* frmReadVPT::Controls::Buttons() {
@@ -140,13 +133,15 @@ frmReadVPT::frmReadVPT(const QString& path, platform::UserPrompts& prompts, plat
 frmReadVPT::~frmReadVPT() = default;
 
 void frmReadVPT::BuildControls() {
-    auto* upper = new QHBoxLayout;
-    upper->addLayout(controls_->Lines(), 3);
-    upper->addLayout(controls_->Picture(), 2);
+    auto* grid = new QGridLayout;
+    grid->setColumnStretch(1, 3);
+    grid->setColumnStretch(3, 3);
+    controls_->PlaceLines(grid);
+    controls_->PlacePicture(grid);
+    controls_->PlaceLongTexts(grid);
+    controls_->PlaceCustomFields(grid);
     auto* column = new QVBoxLayout(this);
-    column->addLayout(upper);
-    column->addLayout(controls_->LongTexts(), 1);
-    column->addLayout(controls_->CustomFields());
+    column->addLayout(grid, 1);
     column->addLayout(controls_->Buttons());
 }
 

@@ -1,5 +1,6 @@
 #include "tableinfo/picture_box.h"
 
+#include "assets.h"
 #include "tableinfo/large_picture_window.h"
 
 #include <QtGui/QMouseEvent>
@@ -21,8 +22,8 @@ QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
 }
 
 void DrawPlaceholder(QPainter& painter, const QRectF& box) {
+    assets::Load();
     static QSvgRenderer artwork(QStringLiteral(":/tavolo/placeholder.svg"));
-    if (!artwork.isValid()) return;
     artwork.render(&painter, Centred(artwork.defaultSize(), box, true));
 }
 

@@ -1,4 +1,5 @@
-// Editing in the detail panel: the lock, Save, Cancel, Delete and the choosers. Needs widgets; runs offscreen.
+// Editing in the detail panel: the lock, Save, Cancel, Delete and the choosers. Needs widgets; runs
+// offscreen.
 #include "browser/detail_panel_fixture.h"
 
 namespace browser {
@@ -24,8 +25,7 @@ TEST_F(DetailEditTest, AKeystrokeLocksTheWindowAndShowsTheWarningInRed) {
     EXPECT_TRUE(panel->record_changed());
     EXPECT_TRUE(host.locked);
     EXPECT_TRUE(Alert()->isVisible());
-    EXPECT_EQ(Alert()->text(),
-              QStringLiteral("Record Changed! Click CANCEL or SAVE to continue."));
+    EXPECT_EQ(Alert()->text(), QStringLiteral("Record Changed! Click CANCEL or SAVE to continue."));
     EXPECT_EQ(Alert()->palette().color(QPalette::WindowText), QColor(255, 0, 0));
     EXPECT_EQ(host.comments, QString());
 }
@@ -72,7 +72,8 @@ TEST_F(DetailEditTest, SaveWritesTheFieldsAndUnlocks) {
     const QStringList texts = {QStringLiteral("1977"), QStringLiteral("Bob's | Attack"),
                                host.selected_tag,      QStringLiteral("Anna"),
                                QStringLiteral("2.0"),  QStringLiteral("Playmatic")};
-    for (int i = 0; i < texts.size(); ++i) Line(i + 1)->setText(texts[i]);
+    for (int i = 0; i < texts.size(); ++i)
+        Line(i + 1)->setText(texts[i]);
     Lines(9)->setPlainText(QStringLiteral("one\ntwo"));
     Click("chkPinMame");
     Click("chkFavorite");
@@ -164,7 +165,8 @@ TEST_F(DetailEditTest, BlankPictureFieldsAreValid) {
 TEST_F(DetailEditTest, PictureFieldsThatNameFilesAreSaved) {
     ShowTable(QStringLiteral("Attack"));
     const QString picture = WritePicture(QStringLiteral("it's.jpg"));
-    for (const int field : {7, 8, 10}) Line(field)->setText(picture);
+    for (const int field : {7, 8, 10})
+        Line(field)->setText(picture);
     Click("cmdChange");
     for (const char16_t* column : {u"ImageFile", u"FlyerFile", u"RulesFile"})
         EXPECT_EQ(Stored(QString::fromUtf16(column), QStringLiteral("Attack")), picture);

@@ -1,4 +1,5 @@
-// DetailPanelFixture: the detail panel on a real catalogue, its window and its boxes faked. Needs widgets; runs offscreen.
+// DetailPanelFixture: the detail panel on a real catalogue, its window and its boxes faked. Needs
+// widgets; runs offscreen.
 #pragma once
 
 #include "browser/detail_panel.h"
@@ -25,7 +26,8 @@ protected:
         panel->show();
     }
 
-    // A row with a DisplayName and a FileName in the folder of the test; the other columns as in `assignments`.
+    // A row with a DisplayName and a FileName in the folder of the test; the other columns as in
+    // `assignments`.
     QString AddTable(const QString& name, const QString& assignments = {}) {
         const QString file = folder.filePath(name + QStringLiteral(".vpt"));
         Execute(QStringLiteral("insert into tables (DisplayName, FileName, FileDate, TimesPlayed) "
@@ -56,15 +58,11 @@ protected:
         return widget;
     }
     QTabWidget* Tabs() { return Find<QTabWidget>(QStringLiteral("DetTab")); }
-    QLineEdit* Line(int index) {
-        return Find<QLineEdit>(QStringLiteral("txtDet_%1").arg(index));
-    }
+    QLineEdit* Line(int index) { return Find<QLineEdit>(QStringLiteral("txtDet_%1").arg(index)); }
     QPlainTextEdit* Lines(int index) {
         return Find<QPlainTextEdit>(QStringLiteral("txtDet_%1").arg(index));
     }
-    void Click(const char* button) {
-        Find<QAbstractButton>(QLatin1String(button))->click();
-    }
+    void Click(const char* button) { Find<QAbstractButton>(QLatin1String(button))->click(); }
     QLabel* Alert() { return Find<QLabel>(QStringLiteral("pnlAlert")); }
     QList<int> EnabledTabs() {
         QList<int> enabled;

@@ -28,11 +28,11 @@ TEST_F(DetailPanelTest, EveryColumnIsShownInItsField) {
 
 TEST_F(DetailPanelTest, TheLabelsNameTheFields) {
     const QMap<int, QString> captions = {
-        {1, QStringLiteral("Year")},        {2, QStringLiteral("Name")},
-        {3, QStringLiteral("File Name")},   {4, QStringLiteral("Author")},
-        {5, QStringLiteral("Ver.")},        {6, QStringLiteral("Company")},
-        {7, QStringLiteral("Image File")},  {8, QStringLiteral("Flyer File")},
-        {9, QStringLiteral("Notes:")},      {10, QStringLiteral("Rules File")},
+        {1, QStringLiteral("Year")},       {2, QStringLiteral("Name")},
+        {3, QStringLiteral("File Name")},  {4, QStringLiteral("Author")},
+        {5, QStringLiteral("Ver.")},       {6, QStringLiteral("Company")},
+        {7, QStringLiteral("Image File")}, {8, QStringLiteral("Flyer File")},
+        {9, QStringLiteral("Notes:")},     {10, QStringLiteral("Rules File")},
         {11, QStringLiteral("File Date")}};
     for (auto it = captions.begin(); it != captions.end(); ++it)
         EXPECT_EQ(Find<QLabel>(QStringLiteral("Label2_%1").arg(it.key()))->text(), it.value());
@@ -55,7 +55,8 @@ TEST_F(DetailPanelTest, TheButtonsHaveTheirCaptions) {
 
 TEST_F(DetailPanelTest, NullsAreEmptyTexts) {
     ShowTable(QStringLiteral("Attack"));
-    for (const int index : {1, 4, 5, 6, 7, 8, 10}) EXPECT_EQ(Line(index)->text(), QString());
+    for (const int index : {1, 4, 5, 6, 7, 8, 10})
+        EXPECT_EQ(Line(index)->text(), QString());
     EXPECT_EQ(Lines(9)->toPlainText(), QString());
     EXPECT_EQ(Lines(12)->toPlainText(), QString());
 }
@@ -92,8 +93,7 @@ TEST_F(DetailPanelTest, NullsGiveNothingAfterTheLabelsOfTheStatusBar) {
 }
 
 TEST_F(DetailPanelTest, TheCommentsAreTheNotesSummary) {
-    ShowTable(QStringLiteral("Attack"),
-              QStringLiteral("Notes = 'a' & chr(13) & chr(10) & 'b'"));
+    ShowTable(QStringLiteral("Attack"), QStringLiteral("Notes = 'a' & chr(13) & chr(10) & 'b'"));
     EXPECT_EQ(host.comments, QStringLiteral("a\r\nb"));
     EXPECT_EQ(panel->NotesSummary(host.selected_tag), host.comments);
 }
@@ -115,10 +115,12 @@ INSTANTIATE_TEST_SUITE_P(Names, OddNameTest,
 TEST_F(DetailPanelTest, AFileNameOfNoRowLeavesThePanelCleared) {
     ShowTable(QStringLiteral("Attack"), QStringLiteral("Favorite = true, Notes = 'n'"));
     panel->ShowTableDetails(QStringLiteral("/nowhere.vpt"));
-    for (int index = 0; index < 13; ++index) EXPECT_EQ(panel->DetailText(index), QString());
+    for (int index = 0; index < 13; ++index)
+        EXPECT_EQ(panel->DetailText(index), QString());
     EXPECT_FALSE(panel->FavoriteChecked());
     EXPECT_EQ(host.comments, QString());
-    for (const int status : {2, 3, 4}) EXPECT_EQ(host.status[status], QString());
+    for (const int status : {2, 3, 4})
+        EXPECT_EQ(host.status[status], QString());
     EXPECT_TRUE(prompts.messages.empty());
 }
 

@@ -8,13 +8,10 @@ class DetailRulesTest : public DetailPanelFixture {
 protected:
     void SetUp() override {
         DetailPanelFixture::SetUp();
-        ShowTable(QStringLiteral("Attack"),
-                  QStringLiteral("RulesText = 'old', Author = 'Anna'"));
+        ShowTable(QStringLiteral("Attack"), QStringLiteral("RulesText = 'old', Author = 'Anna'"));
         panel->SetCurrentTab(4);
     }
-    QString StoredRules() {
-        return Stored(QStringLiteral("RulesText"), QStringLiteral("Attack"));
-    }
+    QString StoredRules() { return Stored(QStringLiteral("RulesText"), QStringLiteral("Attack")); }
 };
 
 TEST_F(DetailRulesTest, ReadFromFileFillsTheFieldAndLocksTheOtherTabs) {

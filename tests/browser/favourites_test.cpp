@@ -20,7 +20,9 @@ public:
     QString SelectedTag() const override { return tag; }
     QString SelectedText() const override { return text; }
     bool FavoriteChecked() const override { return checked; }
-    void SetSelectedNodeIcon(const QString& key) override { steps << QStringLiteral("icon ") + key; }
+    void SetSelectedNodeIcon(const QString& key) override {
+        steps << QStringLiteral("icon ") + key;
+    }
     void ShowTableDetails(const QString& file) override { steps << QStringLiteral("show ") + file; }
     QString FilterText() const override { return filter; }
     void SelectFilterAll() override { steps << QStringLiteral("all"); }
@@ -48,8 +50,8 @@ TEST_F(FavouritesTest, AnUncheckedTableBecomesAFavourite) {
     Add(QStringLiteral("Attack"), QStringLiteral("/a.vpt"), false);
     Toggle();
     EXPECT_EQ(Favorites(), QStringLiteral("1"));
-    EXPECT_EQ(host.steps, QStringList({QStringLiteral("icon favorite"),
-                                       QStringLiteral("show /a.vpt")}));
+    EXPECT_EQ(host.steps,
+              QStringList({QStringLiteral("icon favorite"), QStringLiteral("show /a.vpt")}));
 }
 
 TEST_F(FavouritesTest, ACheckedOneIsNoneAnyMoreAndGetsTheFavouriteIconAllTheSame) {

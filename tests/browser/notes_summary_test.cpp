@@ -11,8 +11,7 @@ TEST(SummariseNotesTest, ThreeLinesAreShownWhole) {
 }
 
 TEST(SummariseNotesTest, AFourthLineBecomesAnEllipsis) {
-    EXPECT_EQ(SummariseNotes(QStringLiteral("a\r\nb\r\nc\r\nd")),
-              QStringLiteral("a\r\nb\r\nc..."));
+    EXPECT_EQ(SummariseNotes(QStringLiteral("a\r\nb\r\nc\r\nd")), QStringLiteral("a\r\nb\r\nc..."));
 }
 
 TEST(SummariseNotesTest, ThreeEndedLinesHaveAFourthOne) {

@@ -22,17 +22,16 @@ TEST_P(DecodeTextTest, GivesTheText) {
 
 INSTANTIATE_TEST_SUITE_P(
     Encodings, DecodeTextTest,
-    testing::Values(
-        Encoded{"Empty", {}, u""}, Encoded{"Ascii", "Kick", u"Kick"},
-        Encoded{"Utf8WithMark", "\xEF\xBB\xBFK\xC3\xA4se", u"Käse"},
-        Encoded{"Utf8WithoutMark", "K\xC3\xA4se \xE2\x82\xAC", u"Käse €"},
-        Encoded{"Utf8BeyondTheBasicPlane", "\xF0\x9F\x8E\xB1", u"\U0001F3B1"},
-        Encoded{"Utf16LittleEndian", QByteArray("\xFF\xFEK\0\xE4\0", 6), u"Kä"},
-        Encoded{"Utf16BigEndian", QByteArray("\xFE\xFF\0K\0\xE4", 6), u"Kä"},
-        Encoded{"CodePage1252", "K\xE4se \x80 \x93q\x94 \x96", u"Käse € “q” –"},
-        Encoded{"CodePage1252WithoutCharacter", "\xE4\x81", u"\u00E4\u0081"},
-        Encoded{"CutUtf8IsCodePage1252", "a\xC3", u"aÃ"},
-        Encoded{"OnlyAMark", "\xEF\xBB\xBF", u""}),
+    testing::Values(Encoded{"Empty", {}, u""}, Encoded{"Ascii", "Kick", u"Kick"},
+                    Encoded{"Utf8WithMark", "\xEF\xBB\xBFK\xC3\xA4se", u"Käse"},
+                    Encoded{"Utf8WithoutMark", "K\xC3\xA4se \xE2\x82\xAC", u"Käse €"},
+                    Encoded{"Utf8BeyondTheBasicPlane", "\xF0\x9F\x8E\xB1", u"\U0001F3B1"},
+                    Encoded{"Utf16LittleEndian", QByteArray("\xFF\xFEK\0\xE4\0", 6), u"Kä"},
+                    Encoded{"Utf16BigEndian", QByteArray("\xFE\xFF\0K\0\xE4", 6), u"Kä"},
+                    Encoded{"CodePage1252", "K\xE4se \x80 \x93q\x94 \x96", u"Käse € “q” –"},
+                    Encoded{"CodePage1252WithoutCharacter", "\xE4\x81", u"\u00E4\u0081"},
+                    Encoded{"CutUtf8IsCodePage1252", "a\xC3", u"aÃ"},
+                    Encoded{"OnlyAMark", "\xEF\xBB\xBF", u""}),
     [](const auto& test) { return std::string(test.param.name); });
 
 struct Lines {

@@ -81,6 +81,18 @@ TEST(PictureBoxTest, GarbageLeavesThePlaceholder) {
     EXPECT_TRUE(box.ShownImage().isNull());
 }
 
+TEST(PictureBoxTest, ThePlaceholderIsPaintedInsideTheBoxWithItsProportions) {
+    PictureBox box;
+    box.resize(300, 100);
+    const QImage seen = Painted(box);
+    const QColor background = seen.pixelColor(0, 50);
+    int painted = 0;
+    for (int x = 100; x < 200; ++x)
+        for (int y = 0; y < 100; ++y)
+            painted += seen.pixelColor(x, y) != background ? 1 : 0;
+    EXPECT_GT(painted, 500);
+}
+
 TEST(PictureBoxTest, ABodyThatCannotBeDecodedIsNoticedWhenItIsPainted) {
     PictureBox box;
     box.resize(100, 100);
