@@ -22,9 +22,10 @@ endfunction()
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
 # `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
 # zone are fixed so that no machine's setting matters. DISPLAY: each test has a virtual display and
-# a window manager of its own instead (tests/support/with_display.sh).
+# a window manager of its own instead (tests/support/with_display.sh). SOUND: each test has a sound
+# server of its own (tests/support/with_sound_server.sh).
 function(add_unit_test name)
-    cmake_parse_arguments(T "QT;WIDGETS;DISPLAY" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(T "QT;WIDGETS;DISPLAY;SOUND" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 120)
     endif()
@@ -45,6 +46,9 @@ function(add_unit_test name)
         set(platform_of_windows xcb)
         set_target_properties(${name} PROPERTIES
             CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with_display.sh)
+    elseif(T_SOUND)
+        set_target_properties(${name} PROPERTIES
+            CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with_sound_server.sh)
     endif()
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST
         PROPERTIES TIMEOUT ${T_TIMEOUT}

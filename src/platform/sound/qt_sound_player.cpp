@@ -1,0 +1,170 @@
+// The sound device is driven on a thread of its own and the caller waits for it with a limit: a
+// sound server that does not answer costs a moment, once, and not the program.
+#include "platform/sound/wave_file.h"
+#include "platform/sound_player.h"
+
+#include "platform/files.h"
+
+#include <QtCore/QBuffer>
+#include <QtCore/QEventLoop>
+#include <QtCore/QFile>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtMultimedia/QAudioSink>
+#include <QtMultimedia/QMediaDevices>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+namespace platform {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+
+// A file of more than this is no sound effect.
+constexpr qint64 kMaxFileBytes = 32 * 1024 * 1024;
+// What finding and opening the device may take beyond the sound's own length.
+constexpr milliseconds kDeviceAllowance{4000};
+// What the device is asked to hold ahead, and the time after the last sample was due at which it
+// has surely been played.
+constexpr milliseconds kDeviceBuffer{100};
+constexpr milliseconds kRunOut{150};
+
+// Silence before the sound: a device that has been asleep swallows the first moment.
+constexpr milliseconds kLeadIn{40};
+
+std::optional<WaveSound> LoadSound(const QString& wave_file) {
+    const auto size = FileSize(wave_file);
+    QFile file(ToPath(wave_file));
+    if (!size.ok() || *size > kMaxFileBytes || !file.open(QIODevice::ReadOnly)) return {};
+    const QByteArray bytes = file.read(kMaxFileBytes);
+    auto sound =
+        ReadWave(std::as_bytes(std::span(bytes.data(), static_cast<std::size_t>(bytes.size()))));
+    if (!sound.ok() || sound->samples.empty()) return {};
+    return std::move(*sound);
+}
+
+QAudioFormat FormatOf(const WaveSound& sound) {
+    QAudioFormat format;
+    format.setChannelCount(sound.channels);
+    format.setSampleRate(sound.frames_per_second);
+    switch (sound.kind) {
+    case SampleKind::kUnsigned8:
+        format.setSampleFormat(QAudioFormat::UInt8);
+        break;
+    case SampleKind::kSigned16:
+        format.setSampleFormat(QAudioFormat::Int16);
+        break;
+    case SampleKind::kSigned32:
+        format.setSampleFormat(QAudioFormat::Int32);
+        break;
+    case SampleKind::kFloat32:
+        format.setSampleFormat(QAudioFormat::Float);
+        break;
+    }
+    return format;
+}
+
+QByteArray WithLeadIn(const WaveSound& sound) {
+    const auto frames = static_cast<qsizetype>(kLeadIn.count() * sound.frames_per_second / 1000);
+    const char silence = sound.kind == SampleKind::kUnsigned8 ? '\x80' : '\0';
+    QByteArray samples(frames * static_cast<qsizetype>(sound.frame_bytes()), silence);
+    samples.append(reinterpret_cast<const char*>(sound.samples.data()),
+                   static_cast<qsizetype>(sound.samples.size()));
+    return samples;
+}
+
+// Plays on the calling thread until the last sample has been heard or the device has failed. The
+// device reports that it is idle as soon as it has taken the last sample, and stopping it then
+// would drop what it holds: the clock says when the sound is over.
+void PlayOnDevice(const WaveSound& sound) {
+    const QAudioDevice device = QMediaDevices::defaultAudioOutput();
+    if (device.isNull()) return;
+    QByteArray samples = WithLeadIn(sound);
+    QBuffer source(&samples);
+    source.open(QIODevice::ReadOnly);
+    QAudioSink sink(device, FormatOf(sound));
+    sink.setBufferSize(FormatOf(sound).bytesForDuration(kDeviceBuffer / 1us));
+    QEventLoop loop;
+    QObject::connect(&sink, &QAudioSink::stateChanged, &loop, [&](QAudio::State state) {
+        if (state == QAudio::StoppedState) loop.quit();
+    });
+    sink.start(&source);
+    if (sink.state() == QAudio::StoppedState) return;
+    QTimer::singleShot(kLeadIn + milliseconds(sound.duration_ms()) + kRunOut, &loop,
+                       &QEventLoop::quit);
+    loop.exec();
+    sink.stop();
+}
+
+// One sound. Owned by the caller who waits and by the thread that plays: either may be the last to
+// let go of it.
+class Job {
+public:
+    explicit Job(WaveSound sound) : sound_(std::move(sound)) {}
+
+    void Play() {
+        PlayOnDevice(sound_);
+        const std::lock_guard lock(mutex_);
+        is_done_ = true;
+        done_.notify_all();
+    }
+    // False when the sound takes much longer than it is.
+    bool Wait() {
+        const auto limit = milliseconds(sound_.duration_ms()) + kDeviceAllowance;
+        std::unique_lock lock(mutex_);
+        return done_.wait_for(lock, limit, [this] { return is_done_; });
+    }
+
+private:
+    WaveSound sound_;
+    std::mutex mutex_;
+    std::condition_variable done_;
+    bool is_done_ = false;
+};
+
+class QtSoundPlayer final : public SoundPlayer {
+public:
+    ~QtSoundPlayer() override {
+        if (!thread_) return;
+        thread_->quit();
+        // A thread that hangs in the sound server cannot be destroyed; it ends with the process.
+        if (!thread_->wait(std::chrono::milliseconds(is_stuck_ ? 0 : 2000))) thread_.release();
+    }
+
+    void PlaySynchronously(const QString& wave_file) override {
+        if (is_stuck_) return;
+        auto sound = LoadSound(wave_file);
+        if (!sound) return;
+        const auto job = std::make_shared<Job>(std::move(*sound));
+        QMetaObject::invokeMethod(Worker(), [job] { job->Play(); });
+        is_stuck_ = !job->Wait();
+    }
+
+private:
+    // An object that lives on the sound thread.
+    QObject* Worker() {
+        if (!thread_) {
+            thread_ = std::make_unique<QThread>();
+            worker_ = new QObject;
+            worker_->moveToThread(thread_.get());
+            QObject::connect(thread_.get(), &QThread::finished, worker_, &QObject::deleteLater);
+            thread_->start();
+        }
+        return worker_;
+    }
+
+    std::unique_ptr<QThread> thread_;
+    QObject* worker_ = nullptr;  // deleted by its thread
+    bool is_stuck_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<SoundPlayer> MakeSoundPlayer() {
+    return std::make_unique<QtSoundPlayer>();
+}
+
+}  // namespace platform
