@@ -19,11 +19,11 @@ const QString kClass = QStringLiteral("VPinball");
 
 class WindowControlTest : public testing::Test {
 protected:
-    void SetUp() override { SetEnvironment("SIMULATOR_LOG", Path("log")); }
+    void SetUp() override { SetEnvironment("TAVOLO_SIMULATOR_LOG", Path("log")); }
     void TearDown() override {
         for (const QString& title : {Playing(), Ended()})
             if (const auto window = windows_->Find(kClass, title)) windows_->RequestClose(*window);
-        qunsetenv("SIMULATOR_CLASS");
+        qunsetenv("TAVOLO_SIMULATOR_CLASS");
     }
 
     std::string Path(const std::string& name) const {
@@ -36,7 +36,7 @@ protected:
     QString Ended() const { return QStringLiteral("Visual Pinball - [%1]").arg(table_); }
 
     void StartSimulator() {
-        SetEnvironment("SIMULATOR_END_FILE", Path("end"));
+        SetEnvironment("TAVOLO_SIMULATOR_END_FILE", Path("end"));
         const QString line =
             QStringLiteral("\"%1\" /Play -\"/t/%2.vpt\"").arg(QStringLiteral(SIMULATOR), table_);
         const auto started = platform::MakeProcessStarter()->Start(line);
@@ -80,7 +80,7 @@ TEST_F(WindowControlTest, TheCloseReachesTheProgram) {
     StartSimulator();
     ASSERT_TRUE(Appears(Playing()));
     windows_->RequestClose(*windows_->Find(kClass, Playing()));
-    EXPECT_TRUE(Logged("close"));
+    EXPECT_TRUE(Logged("closed by request"));
     EXPECT_TRUE(WaitFor([&] { return !windows_->Find(kClass, Playing()); }));
 }
 
@@ -97,7 +97,7 @@ TEST_F(WindowControlTest, ClosingAWindowThatIsGoneDoesNothing) {
 class ShownClass : public WindowControlTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(ShownClass, IsThatOfTheSimulator) {
-    SetEnvironment("SIMULATOR_CLASS", GetParam());
+    SetEnvironment("TAVOLO_SIMULATOR_CLASS", GetParam());
     StartSimulator();
     EXPECT_TRUE(Appears(Playing()));
 }
@@ -107,7 +107,7 @@ INSTANTIATE_TEST_SUITE_P(WindowControlTest, ShownClass,
                                          "VPinball995.exe"));
 
 TEST_F(WindowControlTest, AnotherProgramWhoseNameOnlyBeginsAlikeIsNotFound) {
-    SetEnvironment("SIMULATOR_CLASS", "VPinballViewer");
+    SetEnvironment("TAVOLO_SIMULATOR_CLASS", "VPinballViewer");
     StartSimulator();
     ASSERT_TRUE(WaitFor(
         [&] { return windows_->Find(QStringLiteral("VPinballViewer"), Playing()).has_value(); }));

@@ -1,16 +1,19 @@
 // A stand-in for the simulator: an X11 program that is started as the simulator is, `x11_simulator
 // /Play -TABLE`. Its window of class "VPinball" is titled "Visual Pinball - [name*]" while the play
-// lasts and "Visual Pinball - [name]" afterwards, and it ends when the window is asked to close.
-// What happens goes to the end of the file $SIMULATOR_LOG, one line each:
-//   argument TEXT      for every argument, the program's name not included
-//   folder PATH        the working folder
-//   shown, ended       the window has been mapped with the asterisk, the asterisk has gone
-//   close              the close message has come
-// $SIMULATOR_PLAY_MS      how long the play lasts, in milliseconds (default 500)
-// $SIMULATOR_END_FILE     instead: the play lasts until this file exists
-// $SIMULATOR_CLASS        window class (default VPinball)
-// It ends by itself after $SIMULATOR_LIFETIME_MS (default 60000), so that a failed test leaves
-// nothing behind.
+// lasts and "Visual Pinball - [name]" afterwards, and it ends when the window is asked to close. A
+// second one for the same table finds the first one and ends at once. What happens goes to the end
+// of the file $TAVOLO_SIMULATOR_LOG, one line each:
+//   argv[N]=TEXT        for every argument
+//   cwd=PATH            the working folder
+//   shown               the window has been mapped, with the asterisk
+//   already open        there is a window for this table
+//   ended               the asterisk has gone
+//   closed by request   the close message has come
+// $TAVOLO_SIMULATOR_PLAY_MS    how long the play lasts, in milliseconds (default 500)
+// $TAVOLO_SIMULATOR_END_FILE   instead: the play lasts until this file exists
+// $TAVOLO_SIMULATOR_CLASS      window class (default VPinball)
+// It ends by itself after $TAVOLO_SIMULATOR_LIFETIME_MS (default 60000), so that a failed test
+// leaves nothing behind.
 #include <xcb/xcb.h>
 
 #include <chrono>
@@ -37,7 +40,8 @@ Clock::duration Milliseconds(const char* name, const char* fallback) {
 }
 
 void Log(const std::string& line) {
-    std::ofstream(Environment("SIMULATOR_LOG", "/dev/stderr"), std::ios::app) << line << std::endl;
+    std::ofstream(Environment("TAVOLO_SIMULATOR_LOG", "/dev/stderr"), std::ios::app)
+        << line << std::endl;
 }
 
 // "-/tables/Foo.vpt" is about the table Foo.
@@ -53,7 +57,7 @@ public:
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window_, screen->root, 40, 40, 320,
                           240, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual,
                           XCB_CW_BACK_PIXEL, &screen->black_pixel);
-        SetClass(Environment("SIMULATOR_CLASS", "VPinball"));
+        SetClass(Environment("TAVOLO_SIMULATOR_CLASS", "VPinball"));
         const xcb_atom_t delete_window = Atom("WM_DELETE_WINDOW");
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window_, Atom("WM_PROTOCOLS"),
                             XCB_ATOM_ATOM, 32, 1, &delete_window);
@@ -70,6 +74,17 @@ public:
     void ShowEnd() {
         SetTitle("Visual Pinball - [" + table_ + "]");
         xcb_flush(connection_);
+    }
+
+    // True when no other program has this table open; from then on this one has.
+    bool TakeTable() {
+        const xcb_atom_t selection = Atom("_TAVOLO_SIMULATOR_" + table_);
+        auto* reply = xcb_get_selection_owner_reply(
+            connection_, xcb_get_selection_owner(connection_, selection), nullptr);
+        const bool is_free = reply != nullptr && reply->owner == XCB_WINDOW_NONE;
+        std::free(reply);
+        if (is_free) xcb_set_selection_owner(connection_, window_, selection, XCB_CURRENT_TIME);
+        return is_free;
     }
 
     bool is_connected() const { return xcb_connection_has_error(connection_) == 0; }
@@ -129,17 +144,21 @@ public:
     }
 
 private:
-    std::string end_file_ = Environment("SIMULATOR_END_FILE", "");
-    Clock::time_point end_ = Clock::now() + Milliseconds("SIMULATOR_PLAY_MS", "500");
+    std::string end_file_ = Environment("TAVOLO_SIMULATOR_END_FILE", "");
+    Clock::time_point end_ = Clock::now() + Milliseconds("TAVOLO_SIMULATOR_PLAY_MS", "500");
 };
 
 int Run(const std::string& table) {
     SimulatorWindow window(table);
     if (!window.is_connected()) return 1;
+    if (!window.TakeTable()) {
+        Log("already open");
+        return 0;
+    }
     window.ShowPlay();
     Log("shown");
     const Play play;
-    const auto end_of_life = Clock::now() + Milliseconds("SIMULATOR_LIFETIME_MS", "60000");
+    const auto end_of_life = Clock::now() + Milliseconds("TAVOLO_SIMULATOR_LIFETIME_MS", "60000");
     bool playing = true;
     while (window.is_connected() && Clock::now() < end_of_life) {
         if (playing && play.has_ended()) {
@@ -148,7 +167,7 @@ int Run(const std::string& table) {
             Log("ended");
         }
         if (window.WaitForClose()) {
-            Log("close");
+            Log("closed by request");
             return 0;
         }
     }
@@ -159,8 +178,8 @@ int Run(const std::string& table) {
 
 int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i)
-        Log(std::string("argument ") + argv[i]);
-    Log("folder " + std::filesystem::current_path().string());
+        Log("argv[" + std::to_string(i) + "]=" + argv[i]);
+    Log("cwd=" + std::filesystem::current_path().string());
     if (argc < 3 || std::strcmp(argv[1], "/Play") != 0) return 2;
     return Run(TableName(argv[2]));
 }
