@@ -15,7 +15,7 @@ namespace {
 
 // Large enough that the calls into the system do not count, small enough to stay in the
 // second-level cache between the copy and the sum.
-constexpr std::size_t kChunkBytes = std::size_t{256} << 10;
+constexpr std::size_t kChunkBytes = std::size_t{64} << 10;
 
 constexpr std::int32_t kFileNotFoundNumber = 53;
 
