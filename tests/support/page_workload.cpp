@@ -24,19 +24,27 @@ PageWorkload::PageWorkload(std::uint32_t seed, std::uint32_t version)
     for (std::size_t at = 0; at < first_file_.size(); at += page_size_)
         first.emplace_back(first_file_.begin() + static_cast<std::ptrdiff_t>(at),
                            first_file_.begin() + static_cast<std::ptrdiff_t>(at + page_size_));
-    contents_.push_back(std::move(first));
+    contents_[0] = std::move(first);
 }
 
 const PageWorkload::Content& PageWorkload::ContentAfter(std::size_t transactions) {
-    while (contents_.size() <= transactions)
+    while (contents_.rbegin()->first < transactions)
         MakeNext();
-    return contents_[transactions];
+    return contents_.at(transactions);
+}
+
+void PageWorkload::Forget(std::size_t transactions) {
+    ContentAfter(transactions);
+    contents_.erase(contents_.begin(), contents_.find(transactions));
+    steps_.erase(steps_.begin(), steps_.lower_bound(transactions));
 }
 
 void PageWorkload::MakeNext() {
-    Content content = contents_.back();
+    const std::size_t number_of_step = contents_.rbegin()->first;
+    Content content = contents_.rbegin()->second;
     Step step;
-    step.new_pages = random_() % 3 == 0 ? 1 + random_() % 3 : 0;
+    const bool grows = content.size() < kMostPages && random_() % 3 == 0;
+    step.new_pages = grows ? 1 + random_() % 3 : 0;
     content.resize(content.size() + step.new_pages, std::vector<std::byte>(page_size_));
     // Every transaction writes its number to two pages, so no two states are equal.
     for (std::size_t i = 0; i < 2 + random_() % 4; ++i) {
@@ -47,13 +55,13 @@ void PageWorkload::MakeNext() {
         edit.bytes.resize(4 + random_() % (is_header ? 8 : 590));
         for (std::byte& byte : edit.bytes)
             byte = static_cast<std::byte>(random_());
-        const auto number = static_cast<std::uint32_t>(steps_.size());
+        const auto number = static_cast<std::uint32_t>(number_of_step);
         std::memcpy(edit.bytes.data(), &number, sizeof number);
         std::memcpy(content[edit.page].data() + edit.offset, edit.bytes.data(), edit.bytes.size());
         step.edits.push_back(std::move(edit));
     }
-    steps_.push_back(std::move(step));
-    contents_.push_back(std::move(content));
+    steps_[number_of_step] = std::move(step);
+    contents_[number_of_step + 1] = std::move(content);
 }
 
 base::Status PageWorkload::RunOpen(jet::PageStore& store, const Step& step) {
@@ -72,7 +80,7 @@ base::Status PageWorkload::RunOpen(jet::PageStore& store, const Step& step) {
 base::Status PageWorkload::Run(jet::PageStore& store, std::size_t number) {
     ContentAfter(number + 1);
     RETURN_IF_ERROR(store.Begin());
-    const base::Status changed = RunOpen(store, steps_[number]);
+    const base::Status changed = RunOpen(store, steps_.at(number));
     if (changed.ok()) return store.Commit();
     store.Rollback();
     return changed;
@@ -96,8 +104,8 @@ int PageWorkload::Recognize(const Content& content, std::size_t least, std::size
     for (std::size_t i = least; i <= most; ++i)
         if (content == ContentAfter(i)) return static_cast<int>(i);
     std::string other = "none at all";
-    for (std::size_t i = 0; i < contents_.size(); ++i)
-        if (content == contents_[i]) other = "that after " + std::to_string(i);
+    for (const auto& [i, known] : contents_)
+        if (content == known) other = "that after " + std::to_string(i);
     ADD_FAILURE() << "the content is not that after " << least << " to " << most
                   << " transactions but " << other;
     return -1;

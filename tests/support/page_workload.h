@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <map>
 #include <random>
 #include <vector>
 
@@ -23,10 +24,13 @@ public:
     explicit PageWorkload(std::uint32_t seed, std::uint32_t version = 1);
 
     static constexpr jet::PageNumber kFirstPages = 4;
+    static constexpr jet::PageNumber kMostPages = 60;
 
     const std::vector<std::byte>& first_file() const { return first_file_; }
-    // Content after `transactions` of them.
+    // Content after `transactions` of them. Requires: not forgotten.
     const Content& ContentAfter(std::size_t transactions);
+    // Gives the memory of the states before that one back.
+    void Forget(std::size_t transactions);
 
     // Makes transaction number `number` (from 0) in the store, from Begin to Commit. On failure
     // rolls back.
@@ -54,8 +58,8 @@ private:
     std::uint32_t page_size_;
     std::vector<std::byte> first_file_;
     std::mt19937 random_;
-    std::vector<Step> steps_;
-    std::vector<Content> contents_;
+    std::map<std::size_t, Step> steps_;
+    std::map<std::size_t, Content> contents_;
 };
 
 }  // namespace test_support
