@@ -29,14 +29,19 @@ base::Result<std::unique_ptr<jet::PageStore>> Open(jet::FileSystem& files, bool 
 struct Outcome {
     std::size_t committed = 0;  // transactions that Commit said ok to
     std::size_t durable = 0;    // of these, the ones that a Flush said ok to
-    bool in_doubt = false;      // one more may be there: the process was stopped inside its Commit
+    // kDiesAfterTheCall: the files at that moment, before the store could do anything more.
+    std::shared_ptr<FaultyFileSystem> left_behind;
+    bool in_doubt = false;  // one more may be there: the process was stopped inside its Commit
 };
+
+// What becomes of the process at the fault.
+enum class Process { kGoesOn, kDiesInTheCall, kDiesAfterTheCall };
 
 class FaultTest : public testing::Test {
 protected:
     // Opens, commits, flushes now and then, closes; goes on after failures as a program would.
     // When the store itself fails from then on, that transaction is in doubt.
-    Outcome RunWorkload(FaultyFileSystem& files, bool dies_at_fault) {
+    Outcome RunWorkload(FaultyFileSystem& files, Process process) {
         Outcome outcome;
         auto store = Open(files);
         if (!store.ok()) return outcome;
@@ -47,14 +52,18 @@ protected:
             if (done.ok()) {
                 ++outcome.committed;
                 outcome.in_doubt = false;
-            } else if (dies_at_fault) {
+            } else if (process == Process::kDiesInTheCall) {
                 outcome.in_doubt = !had_fault;
                 return outcome;
             } else if (!CheckAfterFailure(**store, outcome)) {
                 break;
             }
+            if (process == Process::kDiesAfterTheCall && files.fault_happened()) {
+                outcome.left_behind = files.Kill();
+                return outcome;
+            }
             if (tries % 4 == 3 && (*store)->Flush().ok()) outcome.durable = outcome.committed;
-            if (dies_at_fault && files.fault_happened()) return outcome;
+            if (process != Process::kGoesOn && files.fault_happened()) return outcome;
         }
         if ((*store)->Close().ok()) outcome.durable = outcome.committed;
         return outcome;
@@ -95,13 +104,14 @@ protected:
 
     // Calls `check` with a plan for each call of the workload.
     template <typename Check>
-    void ForEachCall(FaultKind kind, base::StatusCode code, Check check) {
+    void ForEachCall(FaultKind kind, base::StatusCode code, Check check,
+                     Process process = Process::kGoesOn) {
         for (std::uint64_t call = 1;; ++call) {
             SCOPED_TRACE("call " + std::to_string(call));
             const FaultPlan plan{call, kind, code};
             const auto files = FreshDisk(plan);
-            const bool dies = kind == FaultKind::kStop;
-            const Outcome outcome = RunWorkload(*files, dies);
+            if (kind == FaultKind::kStop) process = Process::kDiesInTheCall;
+            const Outcome outcome = RunWorkload(*files, process);
             if (!files->fault_happened()) {
                 EXPECT_GT(call, 60u);  // the workload does reach the disk
                 return;
@@ -122,6 +132,20 @@ TEST_P(FailingCallTest, EveryCommittedTransactionIsThereAndNoOther) {
             const auto next = files.Kill();
             CheckReopened(*next, outcome.committed, outcome.committed + (outcome.in_doubt ? 1 : 0));
         });
+}
+
+TEST_P(FailingCallTest, AFailedTransactionDoesNotComeBackAfterTheProcessDied) {
+    std::size_t deaths = 0;
+    ForEachCall(
+        GetParam(), base::StatusCode::kIoError,
+        [&](FaultyFileSystem&, const Outcome& outcome) {
+            if (outcome.left_behind == nullptr) return;  // the fault was in opening or closing
+            ++deaths;
+            CheckReopened(*outcome.left_behind, outcome.committed,
+                          outcome.committed + (outcome.in_doubt ? 1 : 0));
+        },
+        Process::kDiesAfterTheCall);
+    EXPECT_GT(deaths, GetParam() == FaultKind::kLost ? 0u : 20u);
 }
 
 TEST_P(FailingCallTest, PowerCutLaterLosesNothingThatWasFlushed) {

@@ -335,6 +335,27 @@ TEST_F(LeftOverJournalTest, AnOlderCopyPutBackStaysAsItIs) {
     EXPECT_EQ(survivor->Get(kPath), backup_);
 }
 
+TEST_F(LeftOverJournalTest, AnOlderCopyOfTheSameSizeStaysAsItIs) {
+    files_.Put(kPath, MakePages(1, 4));
+    const auto store = Open(files_);
+    std::vector<std::byte> copy;
+    for (int i = 1; i <= 3; ++i) {
+        if (i == 2) copy = files_.Get(kPath);
+        ASSERT_TRUE(store->Begin().ok());
+        (*store->Change(2))[7] = static_cast<std::byte>(i);
+        ASSERT_TRUE(store->Commit().ok());
+        if (i < 3) {
+            ASSERT_TRUE(store->Flush().ok());
+        }
+    }
+    const auto survivor = files_.Kill();
+    survivor->Put(kPath, copy);
+    auto reopened = Open(*survivor);
+    EXPECT_EQ(reopened->Read(2)->bytes()[7], std::byte{1});
+    ASSERT_TRUE(reopened->Close().ok());
+    EXPECT_EQ(survivor->Get(kPath), copy);
+}
+
 TEST_F(LeftOverJournalTest, AnotherFileUnderTheNameStaysAsItIs) {
     const auto survivor = DieAfter(4);
     survivor->Put(kPath, workload_.first_file());
