@@ -1,0 +1,74 @@
+// BenchCatalogue: a fresh catalogue in a temporary folder, opened as the program opens it, for the
+// benchmarks of commands.
+#pragma once
+
+#include "catalogue/new_catalogue.h"
+#include "catalogue/pin_subs.h"
+#include "platform/file_system.h"
+
+#include <QtCore/QTemporaryDir>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+namespace bench {
+
+// Ends the program with the failure's text: a benchmark of something that failed says nothing.
+inline void Require(const base::Status& status) {
+    if (status.ok()) return;
+    std::fprintf(stderr, "%s\n", status.message().c_str());
+    std::exit(1);
+}
+
+class NoSettings final : public platform::SettingsStore {
+public:
+    QString GetSetting(const QString&, const QString&, const QString&,
+                       const QString& fallback) override {
+        return fallback;
+    }
+    void SaveSetting(const QString&, const QString&, const QString&, const QString&) override {}
+};
+
+class BenchCatalogue {
+public:
+    BenchCatalogue() {
+        values_.ApplicationFolder = folder_.path();
+        catalogue_ = {&connection_, &values_, &settings_, &clock_};
+        Require(catalogue::CreateEmptyCatalogue(
+            *files_, folder_.filePath(QStringLiteral("pinball.mdb")).toStdString(),
+            catalogue::ToOleDate(clock_.Now())));
+        Require(catalogue::Main(catalogue_));
+    }
+    catalogue::Catalogue& get() { return catalogue_; }
+    QString Path(const QString& name) const { return folder_.filePath(name); }
+    void Execute(const QString& sql) {
+        Require(connection_.Execute(sql.toStdU16String()).status());
+    }
+
+private:
+    QTemporaryDir folder_;
+    std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
+    jet::Connection connection_{*files_};
+    platform::SystemClock clock_;
+    NoSettings settings_;
+    catalogue::ProcessValues values_;
+    catalogue::Catalogue catalogue_;
+};
+
+template <typename Work>
+double Seconds(const Work& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// The number after `option` on the command line, else `fallback`.
+inline int NumberOption(int argc, char** argv, const char* option, int fallback) {
+    for (int i = 1; i + 1 < argc; ++i)
+        if (std::string_view(argv[i]) == option) return std::atoi(argv[i + 1]);
+    return fallback;
+}
+
+}  // namespace bench
