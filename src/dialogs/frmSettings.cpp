@@ -26,7 +26,7 @@ void frmSettings::BuildLayout() {
     auto* label = new QLabel(QStringLiteral("VP Executable:"), this);
     label->setObjectName(QStringLiteral("Label2"));
     txtDet_ = new QLineEdit(this);
-    txtDet_->setObjectName(QStringLiteral("txtDet(0)"));
+    txtDet_->setObjectName(QStringLiteral("txtDet_0"));
     txtDet_->setMinimumWidth(fontMetrics().averageCharWidth() * 60);
     label->setBuddy(txtDet_);
 

@@ -54,10 +54,10 @@ frmImport::frmImport(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
 QWidget* frmImport::BuildOptions() {
     auto* panel = new QWidget(this);
     optImport_[0] = new QRadioButton(QStringLiteral("All Files"), panel);
-    optImport_[0]->setObjectName(QStringLiteral("optImport(0)"));
+    optImport_[0]->setObjectName(QStringLiteral("optImport_0"));
     optImport_[0]->setChecked(true);
     optImport_[1] = new QRadioButton(QStringLiteral("Files added"), panel);
-    optImport_[1]->setObjectName(QStringLiteral("optImport(1)"));
+    optImport_[1]->setObjectName(QStringLiteral("optImport_1"));
     auto* after = new QLabel(QStringLiteral("AFTER"), panel);
     after->setObjectName(QStringLiteral("Label1"));
     Combo1_ = new QComboBox(panel);

@@ -51,7 +51,7 @@ QWidget* frmUtility::BuildKinds() {
     auto* column = new QVBoxLayout(group);
     for (std::size_t i = 0; i < kKindOptions.size(); ++i) {
         auto* option = new QRadioButton(kKindOptions[i].caption.toString(), group);
-        option->setObjectName(QStringLiteral("optType(%1)").arg(i));
+        option->setObjectName(QStringLiteral("optType_%1").arg(i));
         option->setProperty(kTag, kKindOptions[i].tag.toString());
         option->setChecked(i == 0);
         column->addWidget(option);

@@ -50,13 +50,13 @@ TEST_F(SettingsWindowTest, ShowsTheStoredPathUnderItsCaption) {
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Settings"));
     EXPECT_EQ(Control<QLabel>(window, "Label2").text(), QStringLiteral("VP Executable:"));
     EXPECT_EQ(Control<QPushButton>(window, "CancelButton").text(), QStringLiteral("Cancel"));
-    EXPECT_EQ(Control<QLineEdit>(window, "txtDet(0)").text(), simulator);
+    EXPECT_EQ(Control<QLineEdit>(window, "txtDet_0").text(), simulator);
 }
 
 TEST_F(SettingsWindowTest, OkWithAMissingFileKeepsTheWindowOpenAndTheSetting) {
     frmSettings window(catalogue, prompts);
     window.show();
-    Control<QLineEdit>(window, "txtDet(0)").setText(folder.filePath(QStringLiteral("gone")));
+    Control<QLineEdit>(window, "txtDet_0").setText(folder.filePath(QStringLiteral("gone")));
     Press(window, "OKButton");
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(prompts.messages.size(), 1U);
@@ -66,7 +66,7 @@ TEST_F(SettingsWindowTest, OkWithAMissingFileKeepsTheWindowOpenAndTheSetting) {
 TEST_F(SettingsWindowTest, OkWithAnEmptyPathKeepsTheWindowOpenAndTheSetting) {
     frmSettings window(catalogue, prompts);
     window.show();
-    Control<QLineEdit>(window, "txtDet(0)").clear();
+    Control<QLineEdit>(window, "txtDet_0").clear();
     Press(window, "OKButton");
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(settings.values[kKey], simulator);
@@ -76,7 +76,7 @@ TEST_F(SettingsWindowTest, OkWithAnExistingFileStoresItAndCloses) {
     settings.values.clear();
     frmSettings window(catalogue, prompts);
     window.show();
-    QTest::keyClicks(&Control<QLineEdit>(window, "txtDet(0)"), simulator);
+    QTest::keyClicks(&Control<QLineEdit>(window, "txtDet_0"), simulator);
     Press(window, "OKButton");
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(settings.values[kKey], simulator);
@@ -86,7 +86,7 @@ TEST_F(SettingsWindowTest, OkWithAnExistingFileStoresItAndCloses) {
 TEST_F(SettingsWindowTest, CancelStoresNothing) {
     frmSettings window(catalogue, prompts);
     window.show();
-    Control<QLineEdit>(window, "txtDet(0)").setText(QStringLiteral("other"));
+    Control<QLineEdit>(window, "txtDet_0").setText(QStringLiteral("other"));
     Press(window, "CancelButton");
     EXPECT_FALSE(window.isVisible());
     EXPECT_TRUE(settings.written.empty());
@@ -94,7 +94,7 @@ TEST_F(SettingsWindowTest, CancelStoresNothing) {
 
 TEST_F(SettingsWindowTest, CancellingTheFileDialogLeavesTheTypedPath) {
     frmSettings window(catalogue, prompts);
-    auto& path = Control<QLineEdit>(window, "txtDet(0)");
+    auto& path = Control<QLineEdit>(window, "txtDet_0");
     path.setText(QStringLiteral("typed"));
     QTest::mouseClick(&Control<QToolButton>(window, "cmdExeLoc"), Qt::LeftButton);
     EXPECT_EQ(path.text(), QStringLiteral("typed"));
@@ -106,7 +106,7 @@ TEST_F(SettingsWindowTest, TheChosenFileGoesIntoTheField) {
     frmSettings window(catalogue, prompts);
     prompts.files = {QStringLiteral("/vp/VPinball.exe")};
     QTest::mouseClick(&Control<QToolButton>(window, "cmdExeLoc"), Qt::LeftButton);
-    EXPECT_EQ(Control<QLineEdit>(window, "txtDet(0)").text(), QStringLiteral("/vp/VPinball.exe"));
+    EXPECT_EQ(Control<QLineEdit>(window, "txtDet_0").text(), QStringLiteral("/vp/VPinball.exe"));
 }
 
 class AboutWindowTest : public testing::Test {

@@ -43,17 +43,17 @@ protected:
 
 TEST_F(UtilityWindowTest, OffersTheFourKindsTablesFirst) {
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Global Path Change"));
-    EXPECT_TRUE(Control<QRadioButton>(*window, "optType(0)").isChecked());
-    EXPECT_EQ(Control<QRadioButton>(*window, "optType(0)").text(),
+    EXPECT_TRUE(Control<QRadioButton>(*window, "optType_0").isChecked());
+    EXPECT_EQ(Control<QRadioButton>(*window, "optType_0").text(),
               QStringLiteral("Tables (File Names)"));
-    EXPECT_EQ(Control<QRadioButton>(*window, "optType(1)").text(), QStringLiteral("Picture"));
-    EXPECT_EQ(Control<QRadioButton>(*window, "optType(2)").text(), QStringLiteral("Flyers"));
-    EXPECT_EQ(Control<QRadioButton>(*window, "optType(3)").text(), QStringLiteral("Rules"));
+    EXPECT_EQ(Control<QRadioButton>(*window, "optType_1").text(), QStringLiteral("Picture"));
+    EXPECT_EQ(Control<QRadioButton>(*window, "optType_2").text(), QStringLiteral("Flyers"));
+    EXPECT_EQ(Control<QRadioButton>(*window, "optType_3").text(), QStringLiteral("Rules"));
 }
 
 TEST_F(UtilityWindowTest, OkChangesTheChosenKindRebuildsTheTreeAndCloses) {
     Enter(QStringLiteral("C:\\a"), QStringLiteral("D:\\b"));
-    QTest::mouseClick(&Control<QRadioButton>(*window, "optType(2)"), Qt::LeftButton, {},
+    QTest::mouseClick(&Control<QRadioButton>(*window, "optType_2"), Qt::LeftButton, {},
                       QPoint(8, 8));
     Press(*window, "OKButton");
     EXPECT_EQ(Scalar(QStringLiteral("select FlyerFile from Tables")),
@@ -117,8 +117,8 @@ protected:
 TEST_F(ImportWindowTest, OpensIdleWithTheDatesOfTheCatalogue) {
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Import VPLauncher Data"));
     EXPECT_EQ(Caption(), QStringLiteral("Start"));
-    EXPECT_EQ(Control<QRadioButton>(*window, "optImport(0)").text(), QStringLiteral("All Files"));
-    EXPECT_EQ(Control<QRadioButton>(*window, "optImport(1)").text(), QStringLiteral("Files added"));
+    EXPECT_EQ(Control<QRadioButton>(*window, "optImport_0").text(), QStringLiteral("All Files"));
+    EXPECT_EQ(Control<QRadioButton>(*window, "optImport_1").text(), QStringLiteral("Files added"));
     EXPECT_EQ(Control<QLabel>(*window, "Label1").text(), QStringLiteral("AFTER"));
     auto& dates = Control<QComboBox>(*window, "Combo1");
     EXPECT_EQ(dates.currentText(), QStringLiteral("Select a Date"));
@@ -148,7 +148,7 @@ TEST_F(ImportWindowTest, WithoutAMatchTheButtonStaysStart) {
 }
 
 TEST_F(ImportWindowTest, FilesAddedNeedsADate) {
-    Control<QRadioButton>(*window, "optImport(1)").setChecked(true);
+    Control<QRadioButton>(*window, "optImport_1").setChecked(true);
     Press(*window, "cmdImport");
     ASSERT_EQ(prompts.messages.size(), 1U);
     EXPECT_EQ(prompts.messages[0].text, QStringLiteral("Please enter a valid date"));
@@ -157,7 +157,7 @@ TEST_F(ImportWindowTest, FilesAddedNeedsADate) {
 
 TEST_F(ImportWindowTest, FilesAddedTakesTheTypedDate) {
     MakeFile(QStringLiteral("vpLauncher.dat"), line);
-    Control<QRadioButton>(*window, "optImport(1)").setChecked(true);
+    Control<QRadioButton>(*window, "optImport_1").setChecked(true);
     Control<QComboBox>(*window, "Combo1").setEditText(QStringLiteral("1/2/2003"));
     Press(*window, "cmdImport");
     EXPECT_NE(Author(), QStringLiteral("new")) << "added on that very day";
@@ -171,7 +171,7 @@ TEST_F(ImportWindowTest, WhileBusyNothingCanBeStartedAndTheWindowStays) {
     int looked = 0;
     events.on_round = [&] {
         ++looked;
-        for (const char* name : {"optImport(0)", "optImport(1)", "Combo1", "cmdImport"})
+        for (const char* name : {"optImport_0", "optImport_1", "Combo1", "cmdImport"})
             EXPECT_FALSE(Control<QWidget>(*window, name).isEnabled()) << name;
         window->close();
         QTest::keyClick(window.get(), Qt::Key_Escape);
