@@ -170,6 +170,21 @@ TEST_F(WineLoader, RunsAWindowsProgramOnPathsOfItsDriveZ) {
     EXPECT_EQ(Output(), "<" + program + ">\n</Play>\n<-Z:\\t\\a b\\F\xC3\xBC.vpt>\n");
 }
 
+TEST_F(WineLoader, HasALocaleThatKnowsEveryFileName) {
+    const QByteArray before = qgetenv("LC_ALL");
+    std::filesystem::create_directory(Path("bin"));
+    Script("bin/wine", "echo $LC_ALL");
+    const auto program = Program("vp.exe", "MZ");
+    qputenv("LC_ALL", "C");
+    ASSERT_TRUE(Start("\"" + program + "\"").ok());
+    EXPECT_EQ(Output(), "C.UTF-8\n");
+    std::filesystem::remove(Path("out"));
+    qputenv("LC_ALL", "de_DE.utf8");
+    ASSERT_TRUE(Start("\"" + program + "\"").ok());
+    EXPECT_EQ(Output(), "de_DE.utf8\n");
+    qputenv("LC_ALL", before);
+}
+
 TEST_F(WineLoader, IsKnownToBeMissing) {
     std::filesystem::create_directory(Path("bin"));
     SetPath(Path("bin"));

@@ -2,14 +2,9 @@
 #include "platform/window_control.h"
 
 #include "platform/process_starter.h"
-#include "support/wait_for.h"
+#include "support/simulator_run.h"
 
 #include <gtest/gtest.h>
-
-#include <QtCore/QDir>
-#include <QtCore/QTemporaryDir>
-
-#include <fstream>
 
 namespace {
 
@@ -19,43 +14,25 @@ const QString kClass = QStringLiteral("VPinball");
 
 class WindowControlTest : public testing::Test {
 protected:
-    void SetUp() override { SetEnvironment("TAVOLO_SIMULATOR_LOG", Path("log")); }
     void TearDown() override {
         for (const QString& title : {Playing(), Ended()})
             if (const auto window = windows_->Find(kClass, title)) windows_->RequestClose(*window);
-        qunsetenv("TAVOLO_SIMULATOR_CLASS");
     }
 
-    std::string Path(const std::string& name) const {
-        return folder_.path().toStdString() + "/" + name;
-    }
-    static void SetEnvironment(const char* name, const std::string& value) {
-        qputenv(name, value.c_str());
-    }
     QString Playing() const { return QStringLiteral("Visual Pinball - [%1*]").arg(table_); }
     QString Ended() const { return QStringLiteral("Visual Pinball - [%1]").arg(table_); }
 
     void StartSimulator() {
-        SetEnvironment("TAVOLO_SIMULATOR_END_FILE", Path("end"));
         const QString line =
             QStringLiteral("\"%1\" /Play -\"/t/%2.vpt\"").arg(QStringLiteral(SIMULATOR), table_);
         const auto started = platform::MakeProcessStarter()->Start(line);
         ASSERT_TRUE(started.ok()) << started.status().message();
     }
-    void EndPlay() const { std::ofstream(Path("end")) << "x"; }
     bool Appears(const QString& title) {
         return WaitFor([&] { return windows_->Find(kClass, title).has_value(); });
     }
-    bool Logged(const std::string& line) const {
-        return WaitFor([&] {
-            std::ifstream log(Path("log"));
-            for (std::string text; std::getline(log, text);)
-                if (text == line) return true;
-            return false;
-        });
-    }
 
-    QTemporaryDir folder_;
+    test_support::SimulatorRun run_;
     QString table_ = QStringLiteral("Grüße [1] 漢");
     std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
 };
@@ -71,7 +48,7 @@ TEST_F(WindowControlTest, AWindowIsFoundByClassAndExactTitle) {
 TEST_F(WindowControlTest, ANewTitleIsSeen) {
     StartSimulator();
     ASSERT_TRUE(Appears(Playing()));
-    EndPlay();
+    run_.EndPlay();
     EXPECT_TRUE(Appears(Ended()));
     EXPECT_FALSE(windows_->Find(kClass, Playing()));
 }
@@ -80,7 +57,7 @@ TEST_F(WindowControlTest, TheCloseReachesTheProgram) {
     StartSimulator();
     ASSERT_TRUE(Appears(Playing()));
     windows_->RequestClose(*windows_->Find(kClass, Playing()));
-    EXPECT_TRUE(Logged("closed by request"));
+    EXPECT_TRUE(run_.Logs("closed by request"));
     EXPECT_TRUE(WaitFor([&] { return !windows_->Find(kClass, Playing()); }));
 }
 
@@ -97,7 +74,7 @@ TEST_F(WindowControlTest, ClosingAWindowThatIsGoneDoesNothing) {
 class ShownClass : public WindowControlTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(ShownClass, IsThatOfTheSimulator) {
-    SetEnvironment("TAVOLO_SIMULATOR_CLASS", GetParam());
+    run_.Set("TAVOLO_SIMULATOR_CLASS", GetParam());
     StartSimulator();
     EXPECT_TRUE(Appears(Playing()));
 }
@@ -107,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(WindowControlTest, ShownClass,
                                          "VPinball995.exe"));
 
 TEST_F(WindowControlTest, AnotherProgramWhoseNameOnlyBeginsAlikeIsNotFound) {
-    SetEnvironment("TAVOLO_SIMULATOR_CLASS", "VPinballViewer");
+    run_.Set("TAVOLO_SIMULATOR_CLASS", "VPinballViewer");
     StartSimulator();
     ASSERT_TRUE(WaitFor(
         [&] { return windows_->Find(QStringLiteral("VPinballViewer"), Playing()).has_value(); }));

@@ -61,11 +61,12 @@ base::Status CheckProgram(const QString& program) {
     return {};
 }
 
-base::Result<std::int64_t> StartProgram(const QString& program, const QStringList& arguments) {
+base::Result<std::int64_t> StartProgram(const QString& program, const QStringList& arguments,
+                                        const std::vector<std::string>& variables = {}) {
     std::vector<std::string> words{SystemPath(program)};
     for (const QString& argument : arguments)
         words.push_back(EncodeFileName(argument));
-    const SpawnResult started = Spawn(words);
+    const SpawnResult started = Spawn(words, variables);
     if (started.error_number != 0) return CannotStart(started.error_number, program);
     return std::int64_t{started.process_id};
 }
@@ -78,7 +79,7 @@ base::Result<std::int64_t> StartWithWine(const QString& program, const QStringLi
     QStringList words{program};
     for (const QString& argument : arguments)
         words.push_back(ArgumentForWindows(argument));
-    return StartProgram(wine, words);
+    return StartProgram(wine, words, WineEnvironment());
 }
 
 class LinuxProcessStarter final : public ProcessStarter {

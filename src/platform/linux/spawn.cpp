@@ -1,9 +1,11 @@
 #include "platform/linux/spawn.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,19 +38,49 @@ void Tell(int pipe_end, Report report) {
     [[maybe_unused]] const auto written = write(pipe_end, &report, sizeof report);
 }
 
+// What exec() takes, made before fork(): memory cannot be asked for after it. Points into the texts
+// it was made from.
+struct ProgramImage {
+    std::vector<char*> arguments, environment;
+};
+
+char* Pointer(const std::string& text) {
+    return const_cast<char*>(text.c_str());
+}
+
+bool IsReplaced(std::string_view entry, const std::vector<std::string>& variables) {
+    return std::any_of(variables.begin(), variables.end(), [&](const std::string& variable) {
+        return entry.starts_with(std::string_view(variable).substr(0, variable.find('=') + 1));
+    });
+}
+
+ProgramImage MakeImage(const std::vector<std::string>& arguments,
+                       const std::vector<std::string>& variables) {
+    ProgramImage image;
+    for (const std::string& argument : arguments)
+        image.arguments.push_back(Pointer(argument));
+    for (char** entry = environ; *entry != nullptr; ++entry)
+        if (!IsReplaced(*entry, variables)) image.environment.push_back(*entry);
+    for (const std::string& variable : variables)
+        image.environment.push_back(Pointer(variable));
+    image.arguments.push_back(nullptr);
+    image.environment.push_back(nullptr);
+    return image;
+}
+
 // Runs in the grandchild. Only calls that are allowed after fork().
-[[noreturn]] void BecomeProgram(char* const* arguments, int pipe_end) {
+[[noreturn]] void BecomeProgram(const ProgramImage& image, int pipe_end) {
     ResetSignals();
     DetachFromFiles();
-    execv(arguments[0], arguments);
+    execve(image.arguments[0], image.arguments.data(), image.environment.data());
     Tell(pipe_end, {errno, 0});
     _exit(127);
 }
 
-[[noreturn]] void RunMiddleProcess(char* const* arguments, int pipe_end) {
+[[noreturn]] void RunMiddleProcess(const ProgramImage& image, int pipe_end) {
     setsid();
     const pid_t program = fork();
-    if (program == 0) BecomeProgram(arguments, pipe_end);
+    if (program == 0) BecomeProgram(image, pipe_end);
     Tell(pipe_end, program < 0 ? Report{errno, 0} : Report{0, program});
     _exit(0);
 }
@@ -80,15 +112,13 @@ SpawnResult CollectReports(int pipe_end) {
 
 }  // namespace
 
-SpawnResult Spawn(const std::vector<std::string>& arguments) {
-    std::vector<char*> pointers;
-    for (const std::string& argument : arguments)
-        pointers.push_back(const_cast<char*>(argument.c_str()));
-    pointers.push_back(nullptr);
+SpawnResult Spawn(const std::vector<std::string>& arguments,
+                  const std::vector<std::string>& variables) {
+    const ProgramImage image = MakeImage(arguments, variables);
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0) return {errno, 0};
     const pid_t middle = fork();
-    if (middle == 0) RunMiddleProcess(pointers.data(), ends[1]);
+    if (middle == 0) RunMiddleProcess(image, ends[1]);
     const int fork_error = errno;
     close(ends[1]);
     SpawnResult result{fork_error, 0};

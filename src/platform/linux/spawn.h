@@ -14,8 +14,10 @@ struct SpawnResult {
     int process_id = 0;
 };
 
-// arguments[0] is the path of the program. It runs in the current directory with our environment.
+// arguments[0] is the path of the program. It runs in the current directory with our environment,
+// in which `variables`, each of the form NAME=value, take the place of those of the same name.
 // Requires: `arguments` is not empty.
-SpawnResult Spawn(const std::vector<std::string>& arguments);
+SpawnResult Spawn(const std::vector<std::string>& arguments,
+                  const std::vector<std::string>& variables = {});
 
 }  // namespace platform

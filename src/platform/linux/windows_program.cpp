@@ -41,6 +41,17 @@ QString FindWine() {
     return {};
 }
 
+std::vector<std::string> WineEnvironment() {
+    for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const QString locale = qEnvironmentVariable(name).toUpper();
+        if (locale.isEmpty()) continue;
+        if (locale.contains(QLatin1String("UTF-8")) || locale.contains(QLatin1String("UTF8")))
+            return {};
+        break;
+    }
+    return {"LC_ALL=C.UTF-8"};
+}
+
 QString ArgumentForWindows(const QString& argument) {
     const bool is_option = argument.startsWith(u'-');
     QString path = is_option ? argument.sliced(1) : argument;

@@ -4,6 +4,9 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <string>
+#include <vector>
+
 namespace platform {
 
 // True for a file that starts with the signature "MZ" of Windows and DOS programs, and for an .exe
@@ -12,6 +15,10 @@ bool IsWindowsProgram(const QString& path);
 
 // Wine's loader; empty: Wine is not installed.
 QString FindWine();
+
+// Variables of Wine's environment besides our own ones: Wine takes file names and window titles for
+// texts of the locale's character set, and only UTF-8 has them all.
+std::vector<std::string> WineEnvironment();
 
 // An argument as the Windows program has to see it: a native path, alone or after the "-" of an
 // option, becomes a path of the drive Z: on which Wine shows this system's root. `/Play` is an
