@@ -61,6 +61,12 @@ TEST_F(ShellTest, ATargetThatLooksLikeAnOptionIsNone) {
     EXPECT_EQ(Output(), "1<./--version>");
 }
 
+TEST_F(ShellTest, TheSchemeOfAnAddressIsGivenInLowerCase) {
+    Install("xdg-open");
+    ASSERT_TRUE(shell_->Open(QStringLiteral("Mailto:Anna@B.org?subject=A: B")).ok());
+    EXPECT_EQ(Output(), "1<mailto:Anna@B.org?subject=A: B>");
+}
+
 TEST_F(ShellTest, NothingCannotBeOpened) {
     Install("xdg-open");
     EXPECT_EQ(shell_->Open({}).code(), base::StatusCode::kInvalidArgument);

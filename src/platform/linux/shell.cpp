@@ -5,6 +5,7 @@
 #include "platform/linux/spawn.h"
 #include "platform/linux/system_error.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 
 #include <array>
@@ -27,6 +28,15 @@ QString AsArgument(const QString& target) {
     return target.startsWith(u'-') ? QStringLiteral("./") + target : target;
 }
 
+// The letter case of an address's scheme means nothing (RFC 3986, 3.1), but desktops look it up as
+// it stands in registers that hold lower case. A path has no colon before its first separator.
+QString WithSchemeInLowerCase(QString target) {
+    static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]+:"));
+    const auto found = scheme.match(target);
+    if (found.hasMatch()) target.replace(0, found.capturedLength(), found.captured().toLower());
+    return target;
+}
+
 base::Status Run(const QString& program, const QStringList& arguments) {
     std::vector<std::string> command = {EncodeFileName(program)};
     for (const QString& argument : arguments)
@@ -46,7 +56,7 @@ public:
         if (opener.isEmpty())
             return {base::StatusCode::kUnsupported,
                     "xdg-open, which opens files and addresses on this desktop, is not installed."};
-        return Run(opener, {AsArgument(target)});
+        return Run(opener, {AsArgument(WithSchemeInLowerCase(target))});
     }
 
     base::Status OpenHelp(const QString& file, const QString& page) override {
