@@ -52,7 +52,7 @@ Directory::Directory(SectorReader& sectors, AllocationTable& table, const Header
       has_long_sizes_(header.major_version >= 4) {}
 
 base::Result<DirectoryEntry> Directory::Entry(EntryId id) {
-    const std::uint32_t per_sector = sectors_.sector_size() / entry::kSize;
+    const auto per_sector = static_cast<std::uint32_t>(sectors_.sector_size() / entry::kSize);
     ASSIGN_OR_RETURN(const SectorNumber sector, chain_.At(id / per_sector));
     ASSIGN_OR_RETURN(const auto bytes, sectors_.Sector(sector));
     DirectoryEntry result =

@@ -1,0 +1,88 @@
+// Details of a catalogue that another program made long ago. Needs widgets; runs offscreen.
+#include "browser/detail_panel.h"
+#include "browser/fake_detail_host.h"
+#include "catalogue/pin_subs.h"
+#include "platform/file_system.h"
+#include "support/fakes.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtWidgets/QAbstractButton>
+
+namespace browser {
+namespace {
+
+class OldCatalogueTest : public testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override {
+        const QString sample = qEnvironmentVariable("TAVOLO_SHARED") +
+                               QStringLiteral("/samples/catalogue/") + QLatin1String(GetParam());
+        if (!QFile::exists(sample)) GTEST_SKIP() << "no sample " << sample.toStdString();
+        const QString copy = folder.filePath(QStringLiteral("pinball.mdb"));
+        ASSERT_TRUE(QFile::copy(sample, copy));
+        ASSERT_TRUE(QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner));
+        values.ApplicationFolder = folder.path();
+        catalogue.CatalogueConnection = &connection;
+        catalogue.values = &values;
+        catalogue.settings = &settings;
+        catalogue.clock = &clock;
+        const auto opened = catalogue::Main(catalogue);
+        ASSERT_TRUE(opened.ok()) << opened.message();
+        panel = std::make_unique<DetailPanel>(catalogue, prompts, host);
+        auto rows = connection.Execute(u"select FileName from tables order by ID");
+        ASSERT_TRUE(rows.ok()) << rows.status().message();
+        host.selected_tag = catalogue::FieldText(*rows, u"FileName");
+        panel->ShowTableDetails(host.selected_tag);
+    }
+
+    QTemporaryDir folder;
+    std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
+    jet::Connection connection{*files};
+    test_support::FakeClock clock;
+    test_support::FakeSettings settings;
+    test_support::FakePrompts prompts;
+    catalogue::ProcessValues values;
+    catalogue::Catalogue catalogue;
+    FakeDetailHost host;
+    std::unique_ptr<DetailPanel> panel;
+};
+
+TEST_P(OldCatalogueTest, ARowIsShownToItsEndThoughItsNewColumnsAreNull) {
+    EXPECT_EQ(panel->DetailText(3), host.selected_tag);
+    EXPECT_FALSE(panel->DetailText(2).isEmpty());
+    EXPECT_EQ(host.status[2], QStringLiteral("Current Table: ") + panel->DetailText(2));
+}
+
+TEST_P(OldCatalogueTest, SaveStoresEmptiedFields) {
+    for (const int index : {1, 4, 5, 6, 7, 8, 9, 10})
+        panel->SetDetailText(index, {});
+    panel->SetDetailText(2, QStringLiteral("New Name"));
+    panel->Save();
+    EXPECT_TRUE(prompts.messages.empty())
+        << (prompts.messages.empty() ? "" : prompts.messages[0].text.toStdString());
+    EXPECT_FALSE(panel->record_changed());
+    EXPECT_EQ(panel->DetailText(2), QStringLiteral("New Name"));
+    EXPECT_EQ(panel->DetailText(4), QString());
+}
+
+TEST_P(OldCatalogueTest, RulesCanBeStoredAndEmptied) {
+    panel->SetDetailText(12, QStringLiteral("Hit it."));
+    panel->SaveRules();
+    EXPECT_EQ(panel->DetailText(12), QStringLiteral("Hit it."));
+    panel->SetDetailText(12, {});
+    panel->SaveRules();
+    EXPECT_EQ(panel->DetailText(12), QString());
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Samples, OldCatalogueTest,
+                         testing::Values("old-base-250.mdb", "old-full-1000.mdb"),
+                         [](const auto& test) {
+                             return std::string(test.param).substr(0, 3) +
+                                    (std::string(test.param).find("full") == 4 ? "Full" : "Base");
+                         });
+
+}  // namespace
+}  // namespace browser
