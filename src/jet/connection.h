@@ -1,4 +1,4 @@
-// Connection: an open database file and the way SQL gets to it. See docs/jet.md for the dialect.
+// Connection: an open database file and the way SQL gets to it. See docs/jet-sql.md for the dialect.
 // Each statement, and each Update or Delete of a recordset, is atomic; when it has returned it survives the death of the
 // process. Errors are Status values with the engine's number and text. Threads: one connection belongs to one thread.
 #pragma once
@@ -23,6 +23,8 @@ public:
 
     // Requires: `files` outlives the connection. `clock` empty: the system's.
     explicit Connection(FileSystem& files, Clock clock = {});
+    // An open connection to a database that the caller has opened (or made in memory).
+    explicit Connection(std::unique_ptr<Database> database, Clock clock = {});
     ~Connection();  // closes
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;

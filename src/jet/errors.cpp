@@ -87,6 +87,7 @@ constexpr ErrorText kErrors[] = {
     {3163, StatusCode::kConstraint,
      "The field is too small to accept the amount of data you attempted to add. Try inserting or "
      "pasting less data."},
+    {3164, StatusCode::kConstraint, "Field cannot be updated."},
     {3167, StatusCode::kNotFound, "Record is deleted."},
     {3190, StatusCode::kConstraint, "Too many fields defined."},
     {3192, StatusCode::kNotFound, "Could not find output table '|'."},
@@ -94,6 +95,7 @@ constexpr ErrorText kErrors[] = {
      "The Microsoft Jet database engine stopped the process because you and another user are "
      "attempting to change the same data at the same time."},
     {3204, StatusCode::kAlreadyExists, "Database already exists."},
+    {3219, StatusCode::kUnsupported, "Operation is not allowed in this context."},
     {3265, StatusCode::kNotFound,
      "Item cannot be found in the collection corresponding to the requested name or ordinal."},
     {3283, StatusCode::kAlreadyExists, "Primary key already exists."},

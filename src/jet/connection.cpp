@@ -1,0 +1,144 @@
+#include "jet/connection.h"
+
+#include "jet/connection_impl.h"
+#include "jet/connection_string.h"
+#include "jet/errors.h"
+#include "jet/page_store.h"
+#include "jet/recordset_impl.h"
+#include "jet/sql/executor.h"
+#include "jet/sql/parser.h"
+#include "jet/system_clock.h"
+
+#include "base/unicode.h"
+
+#include <filesystem>
+
+namespace jet {
+namespace {
+
+using base::Result;
+using base::Status;
+
+Status Closed() { return JetError(3704); }
+
+Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesystem::path& path,
+                                           bool read_only) {
+    PageStoreOptions options;
+    options.read_only = read_only;
+    auto pages = OpenPageStore(files, path, options);
+    // A file that cannot be written can still be read.
+    if (!read_only && pages.status().code() == base::StatusCode::kPermissionDenied) {
+        options.read_only = true;
+        auto readable = OpenPageStore(files, path, options);
+        if (readable.ok()) pages = std::move(readable);
+    }
+    if (!pages.ok()) return pages.status();
+    return OpenDatabase(std::move(pages).value(), path.string());
+}
+
+}  // namespace
+
+Connection::Impl::Impl(FileSystem* files, Clock clock) : files_(files) {
+    session_.clock = clock ? std::move(clock) : Clock(SystemNow);
+}
+
+Connection::Impl::~Impl() { Close().Ignore(); }
+
+Status Connection::Impl::Open(std::u16string_view connection_string) {
+    if (database_ != nullptr) return JetError(3705);
+    ASSIGN_OR_RETURN(const ConnectionSettings settings, ParseConnectionString(connection_string));
+    const std::filesystem::path path(settings.data_source);
+    ASSIGN_OR_RETURN(std::unique_ptr<Database> database,
+                     OpenFile(*files_, path, settings.read_only));
+    Adopt(std::move(database));
+    return Status::Ok();
+}
+
+void Connection::Impl::Adopt(std::unique_ptr<Database> database) {
+    database_ = std::move(database);
+    session_.database = database_.get();
+    session_.identity = 0;
+    session_.StartStatement();
+    ++changes_;
+}
+
+Status Connection::Impl::Close() {
+    if (database_ == nullptr) return Status::Ok();
+    const std::set<Recordset::Impl*> open = recordsets_;
+    for (Recordset::Impl* recordset : open) recordset->Close();
+    Status closed = database_->Close();
+    session_.database = nullptr;
+    database_.reset();
+    return closed;
+}
+
+Result<std::int64_t> Connection::Impl::Run(sql::Statement& statement) {
+    if (sql::ChangesDesign(statement)) {
+        RETURN_IF_ERROR(RunDesign(statement));
+        return std::int64_t{0};
+    }
+    NoteChange();
+    if (auto* insert = std::get_if<sql::InsertStatement>(&statement))
+        return sql::Execute(*insert, session_);
+    if (auto* update = std::get_if<sql::UpdateStatement>(&statement))
+        return sql::Execute(*update, session_);
+    return sql::Execute(std::get<sql::DeleteStatement>(statement), session_);
+}
+
+// A changed design moves tables in memory: open recordsets let go of theirs and find them again afterwards.
+Status Connection::Impl::RunDesign(sql::Statement& statement) {
+    for (Recordset::Impl* recordset : recordsets_) recordset->BeforeDesignChange();
+    NoteChange();
+    Status done;
+    if (const auto* create = std::get_if<sql::CreateTableStatement>(&statement))
+        done = sql::Execute(*create, session_);
+    else if (const auto* index = std::get_if<sql::CreateIndexStatement>(&statement))
+        done = sql::Execute(*index, session_);
+    else if (const auto* alter = std::get_if<sql::AlterTableStatement>(&statement))
+        done = sql::Execute(*alter, session_);
+    else
+        done = sql::Execute(std::get<sql::DropStatement>(statement), session_);
+    for (Recordset::Impl* recordset : recordsets_) recordset->AfterDesignChange();
+    return done;
+}
+
+Connection::Connection(FileSystem& files, Clock clock)
+    : impl_(std::make_unique<Impl>(&files, std::move(clock))) {}
+
+Connection::Connection(std::unique_ptr<Database> database, Clock clock)
+    : impl_(std::make_unique<Impl>(nullptr, std::move(clock))) {
+    impl_->Adopt(std::move(database));
+}
+
+Connection::~Connection() = default;
+
+Status Connection::Open(std::u16string_view connection_string, std::u16string_view,
+                        std::u16string_view, int) {
+    return impl_->Open(connection_string);
+}
+
+bool Connection::is_open() const { return impl_->database() != nullptr; }
+
+Status Connection::Close() { return impl_->Close(); }
+
+Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* records_affected) {
+    if (!is_open()) return Closed();
+    impl_->session().StartStatement();
+    ASSIGN_OR_RETURN(sql::Statement statement,
+                     sql::Parse(sql, impl_->session().current_year()));
+    Recordset rows;
+    if (auto* select = std::get_if<sql::SelectStatement>(&statement)) {
+        RETURN_IF_ERROR(rows.impl_->OpenQuery(std::move(*select), sql, *impl_,
+                                              CursorType::kForwardOnly, LockType::kReadOnly));
+        return rows;
+    }
+    ASSIGN_OR_RETURN(const std::int64_t affected, impl_->Run(statement));
+    if (records_affected != nullptr) *records_affected = affected;
+    return rows;
+}
+
+Status Connection::Flush() { return is_open() ? impl_->database()->Flush() : Closed(); }
+
+Database* Connection::database() { return impl_->database(); }
+
+}  // namespace jet

@@ -1,0 +1,48 @@
+// The inside of a Connection, as its recordsets see it.
+#pragma once
+
+#include "jet/connection.h"
+#include "jet/database.h"
+#include "jet/sql/ast.h"
+#include "jet/sql/session.h"
+
+#include <cstdint>
+#include <memory>
+#include <set>
+
+namespace jet {
+
+class Connection::Impl {
+public:
+    // `files` may be null where a database is handed in.
+    Impl(FileSystem* files, Clock clock);
+    ~Impl();
+
+    base::Status Open(std::u16string_view connection_string);
+    void Adopt(std::unique_ptr<Database> database);
+    base::Status Close();
+
+    // Runs a statement other than a SELECT.
+    base::Result<std::int64_t> Run(sql::Statement& statement);
+
+    // Recordsets of this connection: told when it closes or a design changes.
+    void Register(Recordset::Impl& recordset) { recordsets_.insert(&recordset); }
+    void Unregister(Recordset::Impl& recordset) { recordsets_.erase(&recordset); }
+
+    Database* database() { return database_.get(); }
+    sql::Session& session() { return session_; }
+    // Grows with every change of rows or designs, so that what was read before can be told from what is there now.
+    std::uint64_t changes() const { return changes_; }
+    void NoteChange() { ++changes_; }
+
+private:
+    base::Status RunDesign(sql::Statement& statement);
+
+    FileSystem* files_;
+    std::unique_ptr<Database> database_;
+    sql::Session session_;
+    std::set<Recordset::Impl*> recordsets_;
+    std::uint64_t changes_ = 0;
+};
+
+}  // namespace jet

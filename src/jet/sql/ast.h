@@ -1,0 +1,173 @@
+// The tree that the parser makes of a statement. Plain data; the binder fills in where names lead.
+#pragma once
+
+#include "jet/schema.h"
+#include "jet/value.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace jet::sql {
+
+struct Function;
+
+enum class Operator : std::uint8_t {
+    kImp, kEqv, kXor, kOr, kAnd,
+    kEqual, kNotEqual, kLess, kLessEqual, kGreater, kGreaterEqual, kLike, kNotLike,
+    kConcat, kAdd, kSubtract, kMod, kIntDivide, kMultiply, kDivide, kPower,
+};
+
+enum class NodeKind : std::uint8_t {
+    kLiteral,
+    kName,       // not bound yet
+    kColumn,     // a column of a source
+    kNot,
+    kNegate,
+    kChain,      // children[0] operators[0] children[1] operators[1] ...: operators of one precedence
+    kBetween,    // children: value, low, high
+    kIn,         // children: value, choices
+    kIsNull,
+    kCall,       // a function of its arguments
+    kAggregate,  // Count, Sum ... over the rows of a group
+};
+
+enum class Aggregate : std::uint8_t {
+    kCount, kSum, kAvg, kMin, kMax, kFirst, kLast, kStDev, kStDevP, kVar, kVarP,
+};
+
+struct Expression;
+using ExpressionPtr = std::unique_ptr<Expression>;
+
+struct Expression {
+    NodeKind kind = NodeKind::kLiteral;
+    Value value;
+    std::u16string qualifier;  // of a name: the source's name, or empty
+    std::u16string name;
+    std::vector<ExpressionPtr> children;
+    std::vector<Operator> operators;
+    bool negated = false;  // Not Between, Not In, Is Not Null
+    Aggregate aggregate = Aggregate::kCount;  // Count(*) has no children
+    std::size_t begin = 0;  // place in the SQL text
+    std::size_t end = 0;
+    // Set by the binder.
+    std::size_t source = 0;
+    std::size_t slot = 0;  // of a column: its place among the source's columns in use; of an aggregate: its number
+    const Function* function = nullptr;
+};
+
+struct OutputItem {
+    ExpressionPtr expression;  // nullptr: every column (of the source `star_of`, or of all)
+    std::u16string star_of;
+    std::u16string alias;
+};
+
+struct OrderItem {
+    ExpressionPtr expression;
+    bool descending = false;
+};
+
+enum class JoinKind : std::uint8_t { kInner, kLeft, kRight };
+
+// A table, or two sources joined.
+struct FromNode {
+    std::u16string table;
+    std::u16string alias;
+    JoinKind kind = JoinKind::kInner;
+    std::unique_ptr<FromNode> left;  // set for a join, as is `right`
+    std::unique_ptr<FromNode> right;
+    ExpressionPtr on;  // nullptr: every combination
+    std::size_t source = 0;  // of a table: its place among the sources; set by the binder
+};
+
+struct SelectStatement {
+    bool distinct = false;
+    std::optional<std::int64_t> top;
+    bool top_percent = false;
+    std::vector<OutputItem> outputs;
+    std::unique_ptr<FromNode> from;  // nullptr: none
+    ExpressionPtr where;
+    std::vector<ExpressionPtr> group_by;
+    ExpressionPtr having;
+    std::vector<OrderItem> order_by;  // with `unions`: of the whole
+    struct Union {
+        bool all = false;
+        std::unique_ptr<SelectStatement> select;
+    };
+    std::vector<Union> unions;
+};
+
+struct InsertStatement {
+    std::u16string table;
+    std::vector<std::u16string> columns;  // empty: all, in their order
+    std::vector<ExpressionPtr> values;
+    std::unique_ptr<SelectStatement> select;  // instead of `values`
+};
+
+struct Assignment {
+    ExpressionPtr target;  // a name
+    ExpressionPtr value;
+};
+
+struct UpdateStatement {
+    std::u16string table;
+    std::u16string alias;
+    std::vector<Assignment> assignments;
+    ExpressionPtr where;
+};
+
+struct DeleteStatement {
+    std::u16string table;
+    std::u16string alias;
+    ExpressionPtr where;
+};
+
+struct IndexColumnName {
+    std::u16string name;
+    bool descending = false;
+};
+
+struct IndexDefinition {
+    std::u16string name;
+    std::vector<IndexColumnName> columns;
+    bool primary = false;
+    bool unique = false;
+    bool required = false;
+    bool ignore_nulls = false;
+};
+
+struct CreateTableStatement {
+    std::u16string table;
+    std::vector<ColumnDesign> columns;
+    std::vector<IndexDefinition> indexes;
+};
+
+struct CreateIndexStatement {
+    std::u16string table;
+    IndexDefinition index;
+};
+
+enum class AlterKind : std::uint8_t { kAddColumn, kAlterColumn, kSetDefault, kDropColumn, kAddIndex, kDropIndex };
+
+struct AlterTableStatement {
+    std::u16string table;
+    AlterKind kind = AlterKind::kAddColumn;
+    std::vector<ColumnDesign> columns;    // kSetDefault: name and default only
+    std::vector<IndexDefinition> indexes;  // of new columns, or the new one
+    std::vector<std::u16string> names;     // what is dropped
+};
+
+struct DropStatement {
+    std::u16string table;
+    std::u16string index;  // empty: the table goes
+};
+
+using Statement =
+    std::variant<SelectStatement, InsertStatement, UpdateStatement, DeleteStatement,
+                 CreateTableStatement, CreateIndexStatement, AlterTableStatement, DropStatement>;
+
+}  // namespace jet::sql

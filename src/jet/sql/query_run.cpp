@@ -1,0 +1,315 @@
+// Query, second half: the rows.
+#include "jet/errors.h"
+#include "jet/sql/accumulator.h"
+#include "jet/sql/join.h"
+#include "jet/sql/query.h"
+#include "jet/sql/sort_key.h"
+
+#include <algorithm>
+#include <numeric>
+#include <unordered_map>
+
+namespace jet::sql {
+
+using base::Result;
+using base::Status;
+
+namespace {
+
+Result<Value> OutputValue(const Expression& e, EvalContext& context) {
+    ASSIGN_OR_RETURN(Value value, Evaluate(e, context));
+    return IsColumn(e) ? value : WithoutTruth(std::move(value));
+}
+
+}  // namespace
+
+// A row of the result with what it is sorted by.
+struct Query::Sorted {
+    ResultRow values;
+    std::string key;
+    RowId row;
+};
+
+Table* Query::table() const { return row_wise_ ? scope_.sources()[0].table : nullptr; }
+
+std::optional<std::size_t> Query::TableColumn(std::size_t output) const {
+    const Expression& e = *select_.outputs[output].expression;
+    if (!IsColumn(e)) return std::nullopt;
+    return output_scope_.sources()[0].columns[e.slot];
+}
+
+Result<std::string> Query::OrderKey(EvalContext& context) const {
+    std::string key;
+    for (const OrderItem& order : select_.order_by) {
+        ASSIGN_OR_RETURN(const Value value, Evaluate(*order.expression, context));
+        AppendSortKey(value, order.descending, key);
+    }
+    return key;
+}
+
+Result<std::unique_ptr<RowWalk>> Query::Walk() {
+    const bool sorted = select_.order_by.empty() || path_.in_order;
+    if (!sorted || select_.top) return std::unique_ptr<RowWalk>();
+    return RowWalk::Open(scope_, path_, select_.where.get(), session_);
+}
+
+Result<std::vector<RowId>> Query::CollectRows() {
+    std::vector<Sorted> found;
+    std::vector<RowId> ids;
+    const bool sort = !select_.order_by.empty() && !path_.in_order;
+    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
+                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    EvalContext context{&session_, &walk->rows(), nullptr};
+    for (;;) {
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        if (!row) break;
+        if (!sort) {
+            ids.push_back(*row);
+            continue;
+        }
+        ASSIGN_OR_RETURN(std::string key, OrderKey(context));
+        found.push_back({{}, std::move(key), *row});
+    }
+    if (!sort) {
+        if (select_.top) {
+            const auto most = static_cast<std::size_t>(*select_.top);
+            const std::size_t keep =
+                select_.top_percent ? (ids.size() * most + 99) / 100 : std::min(ids.size(), most);
+            ids.resize(keep);
+        }
+        return ids;
+    }
+    std::vector<std::uint32_t> order(found.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+        const int difference = found[a].key.compare(found[b].key);
+        return difference != 0 ? difference < 0 : a < b;
+    });
+    std::vector<Sorted> sorted;
+    sorted.reserve(found.size());
+    for (const std::uint32_t i : order) sorted.push_back(std::move(found[i]));
+    CutToTop(sorted);
+    ids.reserve(sorted.size());
+    for (const Sorted& row : sorted) ids.push_back(row.row);
+    return ids;
+}
+
+Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values) {
+    const Source& source = output_scope_.sources()[0];
+    std::vector<std::size_t> columns;
+    bool computed = false;
+    for (const std::size_t output : outputs) {
+        const auto column = TableColumn(output);
+        computed = computed || !column;
+        columns.push_back(column.value_or(0));
+    }
+    if (!computed) return source.table->Read(row, columns, values);
+    SourceRows rows(1);
+    rows[0].resize(source.columns.size());
+    RETURN_IF_ERROR(source.table->Read(row, source.columns, rows[0]));
+    EvalContext context{&session_, &rows, nullptr};
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        ASSIGN_OR_RETURN(values[i],
+                         OutputValue(*select_.outputs[outputs[i]].expression, context));
+    }
+    return Status::Ok();
+}
+
+Status Query::ForEachRow(const std::function<Status(const SourceRows&)>& take) {
+    if (scope_.sources().size() == 1) {
+        ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
+                         RowWalk::Open(scope_, path_, select_.where.get(), session_));
+        for (;;) {
+            ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+            if (!row) return Status::Ok();
+            RETURN_IF_ERROR(take(walk->rows()));
+        }
+    }
+    const auto filtered = [&](const SourceRows& rows) -> Status {
+        if (select_.where == nullptr) return take(rows);
+        EvalContext context{&session_, &rows, nullptr};
+        ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*select_.where, context));
+        return truth == Truth::kTrue ? take(rows) : Status::Ok();
+    };
+    if (select_.from == nullptr) return filtered(SourceRows());
+    return ForEachCombination(*select_.from, scope_, select_.where.get(), session_, filtered);
+}
+
+Result<Query::Sorted> Query::MakeRow(EvalContext& context) const {
+    Sorted row;
+    for (const OutputItem& item : select_.outputs) {
+        ASSIGN_OR_RETURN(Value value, OutputValue(*item.expression, context));
+        row.values.push_back(std::move(value));
+    }
+    ASSIGN_OR_RETURN(row.key, OrderKey(context));
+    return row;
+}
+
+// Collects the rows of each group and makes one row of each.
+class Query::Grouping {
+public:
+    explicit Grouping(const Query& query) : query_(query) {}
+
+    Status Add(const SourceRows& rows) {
+        EvalContext context{&query_.session_, &rows, nullptr};
+        std::string key;
+        for (const ExpressionPtr& expression : query_.select_.group_by) {
+            ASSIGN_OR_RETURN(const Value value, Evaluate(*expression, context));
+            AppendSortKey(value, false, key);
+        }
+        const auto [found, is_new] = numbers_.try_emplace(key, groups_.size());
+        if (is_new) Open(key, rows);
+        for (Accumulator& accumulator : groups_[found->second].accumulators)
+            RETURN_IF_ERROR(accumulator.Add(context));
+        return Status::Ok();
+    }
+
+    Result<std::vector<Sorted>> Finish() {
+        // Without GROUP BY there is one group, even of no rows.
+        if (groups_.empty() && query_.select_.group_by.empty()) Open({}, NullRows());
+        std::sort(groups_.begin(), groups_.end(),
+                  [](const Group& a, const Group& b) { return a.key < b.key; });
+        std::vector<Sorted> rows;
+        for (const Group& group : groups_) RETURN_IF_ERROR(AddRow(group, rows));
+        return rows;
+    }
+
+private:
+    struct Group {
+        std::string key;
+        SourceRows first;
+        std::vector<Accumulator> accumulators;
+    };
+
+    void Open(const std::string& key, const SourceRows& rows) {
+        Group group{key, rows, {}};
+        for (const Expression* aggregate : query_.aggregates_)
+            group.accumulators.emplace_back(*aggregate);
+        groups_.push_back(std::move(group));
+    }
+
+    SourceRows NullRows() const {
+        SourceRows rows;
+        for (const Source& source : query_.scope_.sources())
+            rows.emplace_back(source.columns.size());
+        return rows;
+    }
+
+    Status AddRow(const Group& group, std::vector<Sorted>& rows) {
+        std::vector<Value> aggregates;
+        for (const Accumulator& accumulator : group.accumulators) {
+            ASSIGN_OR_RETURN(Value value, accumulator.Result());
+            aggregates.push_back(std::move(value));
+        }
+        EvalContext context{&query_.session_, &group.first, &aggregates};
+        if (query_.select_.having != nullptr) {
+            ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*query_.select_.having, context));
+            if (truth != Truth::kTrue) return Status::Ok();
+        }
+        ASSIGN_OR_RETURN(Sorted row, query_.MakeRow(context));
+        rows.push_back(std::move(row));
+        return Status::Ok();
+    }
+
+    const Query& query_;
+    std::unordered_map<std::string, std::size_t> numbers_;
+    std::vector<Group> groups_;
+};
+
+Result<std::vector<Query::Sorted>> Query::Produce() {
+    if (IsGrouped() || select_.having != nullptr) {
+        Grouping grouping(*this);
+        RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) { return grouping.Add(rows); }));
+        return grouping.Finish();
+    }
+    std::vector<Sorted> made;
+    RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Status {
+        EvalContext context{&session_, &rows, nullptr};
+        ASSIGN_OR_RETURN(Sorted row, MakeRow(context));
+        made.push_back(std::move(row));
+        return Status::Ok();
+    }));
+    return made;
+}
+
+namespace {
+
+std::string KeyOfAll(const ResultRow& values) {
+    std::string key;
+    for (const Value& value : values) AppendSortKey(value, false, key);
+    return key;
+}
+
+// Sorted by all columns from left to right, each row once.
+template <typename Row>
+void SortDistinct(std::vector<Row>& rows) {
+    std::vector<std::pair<std::string, std::size_t>> keys;
+    for (std::size_t i = 0; i < rows.size(); ++i) keys.emplace_back(KeyOfAll(rows[i].values), i);
+    std::sort(keys.begin(), keys.end());
+    std::vector<Row> distinct;
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        if (i == 0 || keys[i].first != keys[i - 1].first)
+            distinct.push_back(std::move(rows[keys[i].second]));
+    rows = std::move(distinct);
+}
+
+}  // namespace
+
+void Query::Finish(std::vector<Sorted>& rows) const {
+    if (select_.distinct) SortDistinct(rows);
+    if (!select_.order_by.empty())
+        std::stable_sort(rows.begin(), rows.end(),
+                         [](const Sorted& a, const Sorted& b) { return a.key < b.key; });
+    CutToTop(rows);
+}
+
+// With an order, rows equal to the last one that is let through come along.
+void Query::CutToTop(std::vector<Sorted>& rows) const {
+    if (!select_.top) return;
+    const auto most = static_cast<std::size_t>(*select_.top);
+    std::size_t keep = select_.top_percent ? (rows.size() * most + 99) / 100 : most;
+    if (keep >= rows.size()) return;
+    if (!select_.order_by.empty() && keep > 0)
+        while (keep < rows.size() && rows[keep].key == rows[keep - 1].key) ++keep;
+    rows.resize(keep);
+}
+
+Result<std::vector<ResultRow>> Query::Rows() {
+    if (!unions_.empty()) return UnionRows();
+    std::vector<ResultRow> result;
+    if (row_wise_) {
+        ASSIGN_OR_RETURN(const std::vector<RowId> ids, CollectRows());
+        std::vector<std::size_t> outputs(names_.size());
+        std::iota(outputs.begin(), outputs.end(), std::size_t{0});
+        for (const RowId id : ids) {
+            ResultRow row(outputs.size());
+            RETURN_IF_ERROR(ReadRow(id, outputs, row));
+            result.push_back(std::move(row));
+        }
+        return result;
+    }
+    ASSIGN_OR_RETURN(std::vector<Sorted> rows, Produce());
+    Finish(rows);
+    for (Sorted& row : rows) result.push_back(std::move(row.values));
+    return result;
+}
+
+Result<std::vector<ResultRow>> Query::UnionRows() {
+    std::vector<Sorted> all;
+    for (std::size_t i = 0; i < unions_.size(); ++i) {
+        ASSIGN_OR_RETURN(std::vector<ResultRow> rows, unions_[i]->Rows());
+        for (ResultRow& row : rows) all.push_back({std::move(row), {}, {}});
+        if (i > 0 && !select_.unions[i - 1].all) SortDistinct(all);
+    }
+    for (Sorted& row : all)
+        for (const OrderItem& order : select_.order_by)
+            AppendSortKey(row.values[order.expression->slot], order.descending, row.key);
+    if (!select_.order_by.empty())
+        std::stable_sort(all.begin(), all.end(),
+                         [](const Sorted& a, const Sorted& b) { return a.key < b.key; });
+    std::vector<ResultRow> result;
+    for (Sorted& row : all) result.push_back(std::move(row.values));
+    return result;
+}
+
+}  // namespace jet::sql

@@ -1,0 +1,17 @@
+// Keys of values for sorting, grouping and hashing: two values are in the order of their keys, byte by byte.
+// Null comes first; texts follow the collation; numbers of all types, dates included, share one order.
+#pragma once
+
+#include "jet/value.h"
+
+#include <string>
+
+namespace jet::sql {
+
+// `descending` complements the key, so that one comparison serves lists of mixed directions.
+void AppendSortKey(const Value& value, bool descending, std::string& key);
+
+// Dates are equal when they are in the same second; this is the number of that second since day 0.
+double SecondsOfDate(double days);
+
+}  // namespace jet::sql
