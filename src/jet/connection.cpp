@@ -19,7 +19,9 @@ namespace {
 using base::Result;
 using base::Status;
 
-Status Closed() { return JetError(3704); }
+Status Closed() {
+    return JetError(3704);
+}
 
 Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesystem::path& path,
                                            bool read_only) {
@@ -42,7 +44,9 @@ Connection::Impl::Impl(FileSystem* files, Clock clock) : files_(files) {
     session_.clock = clock ? std::move(clock) : Clock(SystemNow);
 }
 
-Connection::Impl::~Impl() { Close().Ignore(); }
+Connection::Impl::~Impl() {
+    Close().Ignore();
+}
 
 Status Connection::Impl::Open(std::u16string_view connection_string) {
     if (database_ != nullptr) return JetError(3705);
@@ -65,7 +69,8 @@ void Connection::Impl::Adopt(std::unique_ptr<Database> database) {
 Status Connection::Impl::Close() {
     if (database_ == nullptr) return Status::Ok();
     const std::set<Recordset::Impl*> open = recordsets_;
-    for (Recordset::Impl* recordset : open) recordset->Close();
+    for (Recordset::Impl* recordset : open)
+        recordset->Close();
     Status closed = database_->Close();
     session_.database = nullptr;
     database_.reset();
@@ -85,9 +90,11 @@ Result<std::int64_t> Connection::Impl::Run(sql::Statement& statement) {
     return sql::Execute(std::get<sql::DeleteStatement>(statement), session_);
 }
 
-// A changed design moves tables in memory: open recordsets let go of theirs and find them again afterwards.
+// A changed design moves tables in memory: open recordsets let go of theirs and find them again
+// afterwards.
 Status Connection::Impl::RunDesign(sql::Statement& statement) {
-    for (Recordset::Impl* recordset : recordsets_) recordset->BeforeDesignChange();
+    for (Recordset::Impl* recordset : recordsets_)
+        recordset->BeforeDesignChange();
     NoteChange();
     Status done;
     if (const auto* create = std::get_if<sql::CreateTableStatement>(&statement))
@@ -98,7 +105,8 @@ Status Connection::Impl::RunDesign(sql::Statement& statement) {
         done = sql::Execute(*alter, session_);
     else
         done = sql::Execute(std::get<sql::DropStatement>(statement), session_);
-    for (Recordset::Impl* recordset : recordsets_) recordset->AfterDesignChange();
+    for (Recordset::Impl* recordset : recordsets_)
+        recordset->AfterDesignChange();
     return done;
 }
 
@@ -117,15 +125,18 @@ Status Connection::Open(std::u16string_view connection_string, std::u16string_vi
     return impl_->Open(connection_string);
 }
 
-bool Connection::is_open() const { return impl_->database() != nullptr; }
+bool Connection::is_open() const {
+    return impl_->database() != nullptr;
+}
 
-Status Connection::Close() { return impl_->Close(); }
+Status Connection::Close() {
+    return impl_->Close();
+}
 
 Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* records_affected) {
     if (!is_open()) return Closed();
     impl_->session().StartStatement();
-    ASSIGN_OR_RETURN(sql::Statement statement,
-                     sql::Parse(sql, impl_->session().current_year()));
+    ASSIGN_OR_RETURN(sql::Statement statement, sql::Parse(sql, impl_->session().current_year()));
     Recordset rows;
     if (auto* select = std::get_if<sql::SelectStatement>(&statement)) {
         RETURN_IF_ERROR(rows.impl_->OpenQuery(std::move(*select), sql, *impl_,
@@ -137,8 +148,12 @@ Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* rec
     return rows;
 }
 
-Status Connection::Flush() { return is_open() ? impl_->database()->Flush() : Closed(); }
+Status Connection::Flush() {
+    return is_open() ? impl_->database()->Flush() : Closed();
+}
 
-Database* Connection::database() { return impl_->database(); }
+Database* Connection::database() {
+    return impl_->database();
+}
 
 }  // namespace jet

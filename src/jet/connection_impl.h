@@ -31,7 +31,8 @@ public:
 
     Database* database() { return database_.get(); }
     sql::Session& session() { return session_; }
-    // Grows with every change of rows or designs, so that what was read before can be told from what is there now.
+    // Grows with every change of rows or designs, so that what was read before can be told from
+    // what is there now.
     std::uint64_t changes() const { return changes_; }
     void NoteChange() { ++changes_; }
 

@@ -14,7 +14,8 @@ base::Status BadFormat() {
 
 // The value at the front of `text`, which is left at the semicolon behind it or at the end.
 base::Result<std::u16string> TakeValue(std::u16string_view& text) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.front()))
+        text.remove_prefix(1);
     std::u16string value;
     if (text.empty() || (text.front() != u'"' && text.front() != u'\'')) {
         const std::size_t end = std::min(text.find(u';'), text.size());
@@ -39,8 +40,10 @@ base::Result<std::u16string> TakeValue(std::u16string_view& text) {
 }
 
 void Apply(std::u16string_view key, std::u16string value, ConnectionSettings& settings) {
-    if (SameWord(key, u"Data Source")) settings.data_source = std::move(value);
-    else if (SameWord(key, u"Mode")) settings.read_only = SameWord(value, u"Read");
+    if (SameWord(key, u"Data Source"))
+        settings.data_source = std::move(value);
+    else if (SameWord(key, u"Mode"))
+        settings.read_only = SameWord(value, u"Read");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// "Provider=...;Data Source=path;Mode=Read": key=value pairs with semicolons between them. A value in quotes of either
-// kind may hold semicolons, and its quote doubled.
+// "Provider=...;Data Source=path;Mode=Read": key=value pairs with semicolons between them. A value
+// in quotes of either kind may hold semicolons, and its quote doubled.
 #pragma once
 
 #include "base/status.h"
@@ -15,7 +15,8 @@ struct ConnectionSettings {
     bool operator==(const ConnectionSettings&) const = default;
 };
 
-// Keys in any letter case; those that mean nothing here are passed over. kInvalidArgument: no pairs, or no data source.
+// Keys in any letter case; those that mean nothing here are passed over. kInvalidArgument: no
+// pairs, or no data source.
 base::Result<ConnectionSettings> ParseConnectionString(std::u16string_view text);
 
 }  // namespace jet

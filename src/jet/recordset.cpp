@@ -24,19 +24,41 @@ Status Recordset::Open(std::u16string_view sql, Connection& connection, CursorTy
     return impl_->OpenText(sql, *connection.impl_, cursor, lock);
 }
 
-void Recordset::Close() { impl_->Close(); }
-bool Recordset::is_open() const { return impl_ != nullptr && impl_->is_open(); }
+void Recordset::Close() {
+    impl_->Close();
+}
+bool Recordset::is_open() const {
+    return impl_ != nullptr && impl_->is_open();
+}
 
-bool Recordset::Bof() const { return impl_->Bof(); }
-bool Recordset::Eof() const { return impl_->Eof(); }
-Status Recordset::MoveFirst() { return impl_->MoveFirst(); }
-Status Recordset::MoveLast() { return impl_->MoveLast(); }
-Status Recordset::MoveNext() { return impl_->MoveNext(); }
-Status Recordset::MovePrevious() { return impl_->MovePrevious(); }
-std::int64_t Recordset::RecordCount() const { return impl_->RecordCount(); }
-Status Recordset::MoveTo(std::int64_t row) { return impl_->MoveTo(row); }
+bool Recordset::Bof() const {
+    return impl_->Bof();
+}
+bool Recordset::Eof() const {
+    return impl_->Eof();
+}
+Status Recordset::MoveFirst() {
+    return impl_->MoveFirst();
+}
+Status Recordset::MoveLast() {
+    return impl_->MoveLast();
+}
+Status Recordset::MoveNext() {
+    return impl_->MoveNext();
+}
+Status Recordset::MovePrevious() {
+    return impl_->MovePrevious();
+}
+std::int64_t Recordset::RecordCount() const {
+    return impl_->RecordCount();
+}
+Status Recordset::MoveTo(std::int64_t row) {
+    return impl_->MoveTo(row);
+}
 
-std::size_t Recordset::FieldCount() const { return impl_->names().size(); }
+std::size_t Recordset::FieldCount() const {
+    return impl_->names().size();
+}
 
 const std::u16string& Recordset::FieldName(std::size_t field) const {
     assert(field < FieldCount());
@@ -48,13 +70,21 @@ Result<Value> Recordset::Fields(std::u16string_view name) {
     return impl_->Field(field);
 }
 
-Result<Value> Recordset::Fields(std::size_t field) { return impl_->Field(field); }
+Result<Value> Recordset::Fields(std::size_t field) {
+    return impl_->Field(field);
+}
 
 Status Recordset::SetField(std::u16string_view name, Value value) {
     return impl_->SetField(name, std::move(value));
 }
-Status Recordset::Update() { return impl_->Update(); }
-void Recordset::CancelUpdate() { impl_->CancelUpdate(); }
-Status Recordset::Delete() { return impl_->Delete(); }
+Status Recordset::Update() {
+    return impl_->Update();
+}
+void Recordset::CancelUpdate() {
+    impl_->CancelUpdate();
+}
+Status Recordset::Delete() {
+    return impl_->Delete();
+}
 
 }  // namespace jet

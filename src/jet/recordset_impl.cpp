@@ -98,7 +98,8 @@ Status Recordset::Impl::ListRows() {
     ASSIGN_OR_RETURN(ids_, query_->CollectRows());
     if (cursor_ != CursorType::kStatic) return Status::Ok();
     std::vector<std::size_t> outputs(names_.size());
-    for (std::size_t i = 0; i < outputs.size(); ++i) outputs[i] = i;
+    for (std::size_t i = 0; i < outputs.size(); ++i)
+        outputs[i] = i;
     values_.reserve(ids_.size());
     for (const RowId id : ids_) {
         sql::ResultRow row(outputs.size());
@@ -179,7 +180,8 @@ Status Recordset::Impl::MoveLast() {
         Stand(count() - 1);
         return Status::Ok();
     }
-    while (!at_end_) RETURN_IF_ERROR(StepWalk());  // the row met last stays in `met_`
+    while (!at_end_)
+        RETURN_IF_ERROR(StepWalk());  // the row met last stays in `met_`
     --position_;
     at_end_ = false;
     return Status::Ok();
@@ -247,7 +249,8 @@ Status Recordset::Impl::ReadLearned(std::size_t field) {
     cache_.resize(names_.size());
     std::vector<Value> read(learned_.size());
     RETURN_IF_ERROR(query_->ReadRow(current(), learned_, read));
-    for (std::size_t i = 0; i < read.size(); ++i) cache_[learned_[i]] = std::move(read[i]);
+    for (std::size_t i = 0; i < read.size(); ++i)
+        cache_[learned_[i]] = std::move(read[i]);
     cache_valid_ = true;
     cache_row_ = current();
     cache_changes_ = connection_->changes();
@@ -300,7 +303,8 @@ Status Recordset::Impl::Update() {
 // 3197: a field to be written was changed by a statement since its edit began.
 Status Recordset::Impl::CheckUnchanged(Table& table) const {
     std::vector<std::size_t> columns;
-    for (const Pending& pending : pending_) columns.push_back(pending.column);
+    for (const Pending& pending : pending_)
+        columns.push_back(pending.column);
     std::vector<Value> now(columns.size());
     RETURN_IF_ERROR(table.Read(current(), columns, now));
     for (std::size_t i = 0; i < now.size(); ++i)
@@ -310,7 +314,8 @@ Status Recordset::Impl::CheckUnchanged(Table& table) const {
 
 Status Recordset::Impl::WritePending(Table& table) {
     std::vector<ColumnChange> changes;
-    for (const Pending& pending : pending_) changes.push_back({pending.column, pending.value});
+    for (const Pending& pending : pending_)
+        changes.push_back({pending.column, pending.value});
     sql::Transaction transaction(*connection_->database());
     RETURN_IF_ERROR(transaction.Begin());
     RETURN_IF_ERROR(table.Update(current(), changes));

@@ -1,5 +1,5 @@
-// The inside of a Recordset. Its rows are, in this order of preference, a walk that meets them one by one, a list of
-// row ids whose values are read on demand, or a list of values.
+// The inside of a Recordset. Its rows are, in this order of preference, a walk that meets them one
+// by one, a list of row ids whose values are read on demand, or a list of values.
 #pragma once
 
 #include "jet/connection_impl.h"
@@ -65,7 +65,9 @@ private:
     bool on_row() const { return has_rows_ && position_ >= 0 && !at_end_; }
     base::Status CheckRow() const;
     base::Result<Table*> WritableTable();
-    RowId current() const { return walk_ != nullptr ? met_ : ids_[static_cast<std::size_t>(position_)]; }
+    RowId current() const {
+        return walk_ != nullptr ? met_ : ids_[static_cast<std::size_t>(position_)];
+    }
     base::Status ReadLearned(std::size_t field);
     base::Status CheckUnchanged(Table& table) const;
     base::Status WritePending(Table& table);
@@ -87,7 +89,8 @@ private:
     bool at_end_ = false;
     std::int64_t position_ = -1;  // -1: before the first row
 
-    // Values of the current row read so far. The fields asked for once are read together on the next row.
+    // Values of the current row read so far. The fields asked for once are read together on the
+    // next row.
     std::vector<std::size_t> learned_;
     std::vector<Value> cache_;
     bool cache_valid_ = false;

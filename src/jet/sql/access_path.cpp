@@ -30,11 +30,16 @@ bool IsConstant(const Expression& e) {
 // `a op b` as seen from b.
 Operator Mirrored(Operator op) {
     switch (op) {
-    case Operator::kLess: return Operator::kGreater;
-    case Operator::kLessEqual: return Operator::kGreaterEqual;
-    case Operator::kGreater: return Operator::kLess;
-    case Operator::kGreaterEqual: return Operator::kLessEqual;
-    default: return op;
+    case Operator::kLess:
+        return Operator::kGreater;
+    case Operator::kLessEqual:
+        return Operator::kGreaterEqual;
+    case Operator::kGreater:
+        return Operator::kLess;
+    case Operator::kGreaterEqual:
+        return Operator::kLessEqual;
+    default:
+        return op;
     }
 }
 
@@ -44,12 +49,11 @@ bool IsWholeType(ColumnType type) {
     return type == ColumnType::kByte || type == ColumnType::kShort || type == ColumnType::kLong;
 }
 
-// The bound as a value of the column's type, moved outwards where it lies between two of them. nullopt: the
-// column's index does not help.
+// The bound as a value of the column's type, moved outwards where it lies between two of them.
+// nullopt: the column's index does not help.
 std::optional<Value> BoundFor(const ColumnDesign& column, const Value& value, Side side) {
     const bool text_column = column.type == ColumnType::kText || column.type == ColumnType::kMemo;
-    if (text_column)
-        return value.is<std::u16string>() ? std::optional<Value>(value) : std::nullopt;
+    if (text_column) return value.is<std::u16string>() ? std::optional<Value>(value) : std::nullopt;
     if (value.is<std::u16string>() || value.is<Bytes>() || value.is<Guid>()) return std::nullopt;
     const auto number = NumberOf(value);
     if (!number) return std::nullopt;
@@ -59,11 +63,13 @@ std::optional<Value> BoundFor(const ColumnDesign& column, const Value& value, Si
     } else if (column.type == ColumnType::kDate) {
         constexpr double kSecond = 1.0 / 86400;  // dates are compared to the second
         bound += side == Side::kLow ? -kSecond : kSecond;
-        if (bound < 1 && bound > -1) return std::nullopt;  // around day 0 the order of keys is another
+        if (bound < 1 && bound > -1)
+            return std::nullopt;  // around day 0 the order of keys is another
     } else if (column.type != ColumnType::kDouble && column.type != ColumnType::kMoney) {
         return std::nullopt;
     }
-    if (column.type == ColumnType::kMoney && !value.is<Money>()) bound += side == Side::kLow ? -1e-4 : 1e-4;
+    if (column.type == ColumnType::kMoney && !value.is<Money>())
+        bound += side == Side::kLow ? -1e-4 : 1e-4;
     ColumnDesign target = column;
     const Value unrounded = value.is<Money>() ? value : Value::Double(bound);
     auto coerced = Coerce(unrounded, target);
@@ -71,7 +77,8 @@ std::optional<Value> BoundFor(const ColumnDesign& column, const Value& value, Si
     return std::move(coerced).value();
 }
 
-// Before day 0 a later time of day makes a smaller number, so that the order of dates is not that of their keys.
+// Before day 0 a later time of day makes a smaller number, so that the order of dates is not that
+// of their keys.
 bool IsSafeDate(const ColumnDesign& column, const std::optional<Value>& bound) {
     return column.type != ColumnType::kDate || !bound || bound->as<Date>().days > 0;
 }
@@ -87,11 +94,11 @@ public:
             return Note(*where.children[0], Operator::kLessEqual, *where.children[2]);
         }
         if (where.kind != NodeKind::kChain) return Status::Ok();
-        const bool all_and =
-            std::all_of(where.operators.begin(), where.operators.end(),
-                        [](Operator op) { return op == Operator::kAnd; });
+        const bool all_and = std::all_of(where.operators.begin(), where.operators.end(),
+                                         [](Operator op) { return op == Operator::kAnd; });
         if (all_and) {
-            for (const ExpressionPtr& child : where.children) RETURN_IF_ERROR(Study(*child));
+            for (const ExpressionPtr& child : where.children)
+                RETURN_IF_ERROR(Study(*child));
             return Status::Ok();
         }
         if (where.operators.size() != 1) return Status::Ok();
@@ -113,7 +120,8 @@ private:
         const bool equal = op == Operator::kEqual;
         if ((!low && !high && !equal) || !IsColumn(column) || !IsConstant(constant))
             return Status::Ok();
-        // An expression that cannot be computed fails when the condition is tested, if it comes to that.
+        // An expression that cannot be computed fails when the condition is tested, if it comes to
+        // that.
         const auto value = Evaluate(constant, context_);
         if (!value.ok() || value->is_null()) return Status::Ok();
         const std::size_t position = source_.columns[column.slot];
@@ -146,7 +154,9 @@ private:
     std::vector<ColumnBounds> found_;
 };
 
-bool IsText(ColumnType type) { return type == ColumnType::kText || type == ColumnType::kMemo; }
+bool IsText(ColumnType type) {
+    return type == ColumnType::kText || type == ColumnType::kMemo;
+}
 
 // Jet 3 files sort texts by another table than expressions do.
 bool SortsAlike(const ColumnDesign& column, int jet_version) {
@@ -178,11 +188,13 @@ Candidate Rate(const TableDesign& design, std::size_t number, const BoundsFinder
         if (!exact) break;
         ++equalities;
     }
-    if (equalities == index.columns.size() && (index.unique || index.primary)) candidate.score += 100;
+    if (equalities == index.columns.size() && (index.unique || index.primary))
+        candidate.score += 100;
     return candidate;
 }
 
-// True when the index, from `skip` columns on, sorts as asked; `backwards` says in which direction to walk.
+// True when the index, from `skip` columns on, sorts as asked; `backwards` says in which direction
+// to walk.
 bool Orders(const TableDesign& design, const IndexDesign& index, const Source& source,
             const std::vector<OrderItem>& order, int jet_version, bool& backwards) {
     if (order.empty() || order.size() > index.columns.size()) return false;

@@ -1,4 +1,5 @@
-// AccessPath: how the rows of one table are found for a condition and an order: through an index, or all of them.
+// AccessPath: how the rows of one table are found for a condition and an order: through an index,
+// or all of them.
 #pragma once
 
 #include "base/status.h"
@@ -20,8 +21,9 @@ struct AccessPath {
     bool in_order = false;  // the rows come in the order that was asked for
 };
 
-// The range holds every row that satisfies `where` (nullptr: none is given), and perhaps others: the condition
-// is to be tested still. Requires: `where` and `order` are bound to `scope`, which has one source.
+// The range holds every row that satisfies `where` (nullptr: none is given), and perhaps others:
+// the condition is to be tested still. Requires: `where` and `order` are bound to `scope`, which
+// has one source.
 base::Result<AccessPath> ChoosePath(const Scope& scope, const Expression* where,
                                     const std::vector<OrderItem>& order, Session& session);
 

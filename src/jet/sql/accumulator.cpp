@@ -71,14 +71,16 @@ base::Result<Value> Accumulator::Result() const {
     case Aggregate::kMin:
     case Aggregate::kMax:
     case Aggregate::kFirst:
-    case Aggregate::kLast: return kept_;
+    case Aggregate::kLast:
+        return kept_;
     case Aggregate::kSum:
         if (count_ == 0) return Value::Null();
         return all_money_ ? Value::Currency({money_}) : Value::Double(sum_);
     case Aggregate::kAvg:
         if (count_ == 0) return Value::Null();
         return Value::Double(sum_ / static_cast<double>(count_));
-    default: return Spread();
+    default:
+        return Spread();
     }
 }
 

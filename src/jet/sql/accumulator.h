@@ -24,7 +24,7 @@ private:
     const Expression* expression_;
     std::int64_t count_ = 0;
     double sum_ = 0;
-    double mean_ = 0;    // running, with the sum of squared distances from it (Welford)
+    double mean_ = 0;  // running, with the sum of squared distances from it (Welford)
     double squares_ = 0;
     std::int64_t money_ = 0;
     bool all_money_ = true;

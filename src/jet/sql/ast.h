@@ -17,27 +17,55 @@ namespace jet::sql {
 struct Function;
 
 enum class Operator : std::uint8_t {
-    kImp, kEqv, kXor, kOr, kAnd,
-    kEqual, kNotEqual, kLess, kLessEqual, kGreater, kGreaterEqual, kLike, kNotLike,
-    kConcat, kAdd, kSubtract, kMod, kIntDivide, kMultiply, kDivide, kPower,
+    kImp,
+    kEqv,
+    kXor,
+    kOr,
+    kAnd,
+    kEqual,
+    kNotEqual,
+    kLess,
+    kLessEqual,
+    kGreater,
+    kGreaterEqual,
+    kLike,
+    kNotLike,
+    kConcat,
+    kAdd,
+    kSubtract,
+    kMod,
+    kIntDivide,
+    kMultiply,
+    kDivide,
+    kPower,
 };
 
 enum class NodeKind : std::uint8_t {
     kLiteral,
-    kName,       // not bound yet
-    kColumn,     // a column of a source
+    kName,    // not bound yet
+    kColumn,  // a column of a source
     kNot,
     kNegate,
-    kChain,      // children[0] operators[0] children[1] operators[1] ...: operators of one precedence
-    kBetween,    // children: value, low, high
-    kIn,         // children: value, choices
+    kChain,    // children[0] operators[0] children[1] operators[1] ...: operators of one precedence
+    kBetween,  // children: value, low, high
+    kIn,       // children: value, choices
     kIsNull,
     kCall,       // a function of its arguments
     kAggregate,  // Count, Sum ... over the rows of a group
 };
 
 enum class Aggregate : std::uint8_t {
-    kCount, kSum, kAvg, kMin, kMax, kFirst, kLast, kStDev, kStDevP, kVar, kVarP,
+    kCount,
+    kSum,
+    kAvg,
+    kMin,
+    kMax,
+    kFirst,
+    kLast,
+    kStDev,
+    kStDevP,
+    kVar,
+    kVarP,
 };
 
 struct Expression;
@@ -50,13 +78,14 @@ struct Expression {
     std::u16string name;
     std::vector<ExpressionPtr> children;
     std::vector<Operator> operators;
-    bool negated = false;  // Not Between, Not In, Is Not Null
+    bool negated = false;                     // Not Between, Not In, Is Not Null
     Aggregate aggregate = Aggregate::kCount;  // Count(*) has no children
-    std::size_t begin = 0;  // place in the SQL text
+    std::size_t begin = 0;                    // place in the SQL text
     std::size_t end = 0;
     // Set by the binder.
     std::size_t source = 0;
-    std::size_t slot = 0;  // of a column: its place among the source's columns in use; of an aggregate: its number
+    std::size_t slot =
+        0;  // of a column: its place among the source's columns in use; of an aggregate: its number
     const Function* function = nullptr;
 };
 
@@ -80,7 +109,7 @@ struct FromNode {
     JoinKind kind = JoinKind::kInner;
     std::unique_ptr<FromNode> left;  // set for a join, as is `right`
     std::unique_ptr<FromNode> right;
-    ExpressionPtr on;  // nullptr: every combination
+    ExpressionPtr on;        // nullptr: every combination
     std::size_t source = 0;  // of a table: its place among the sources; set by the binder
 };
 
@@ -151,12 +180,19 @@ struct CreateIndexStatement {
     IndexDefinition index;
 };
 
-enum class AlterKind : std::uint8_t { kAddColumn, kAlterColumn, kSetDefault, kDropColumn, kAddIndex, kDropIndex };
+enum class AlterKind : std::uint8_t {
+    kAddColumn,
+    kAlterColumn,
+    kSetDefault,
+    kDropColumn,
+    kAddIndex,
+    kDropIndex
+};
 
 struct AlterTableStatement {
     std::u16string table;
     AlterKind kind = AlterKind::kAddColumn;
-    std::vector<ColumnDesign> columns;    // kSetDefault: name and default only
+    std::vector<ColumnDesign> columns;     // kSetDefault: name and default only
     std::vector<IndexDefinition> indexes;  // of new columns, or the new one
     std::vector<std::u16string> names;     // what is dropped
 };

@@ -44,14 +44,14 @@ Status BindCall(Expression& call) {
 }  // namespace
 
 bool SameName(std::u16string_view a, std::u16string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char16_t x, char16_t y) {
-        return x == y || ToLower(x) == ToLower(y);
-    });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char16_t x, char16_t y) { return x == y || ToLower(x) == ToLower(y); });
 }
 
 std::size_t FindColumn(const TableDesign& design, std::u16string_view name) {
     std::size_t at = 0;
-    while (at < design.columns.size() && !SameName(design.columns[at].name, name)) ++at;
+    while (at < design.columns.size() && !SameName(design.columns[at].name, name))
+        ++at;
     return at;
 }
 
@@ -116,13 +116,15 @@ ExpressionPtr Clone(const Expression& expression) {
     copy->source = expression.source;
     copy->slot = expression.slot;
     copy->function = expression.function;
-    for (const ExpressionPtr& child : expression.children) copy->children.push_back(Clone(*child));
+    for (const ExpressionPtr& child : expression.children)
+        copy->children.push_back(Clone(*child));
     return copy;
 }
 
 bool SameExpression(const Expression& a, const Expression& b) {
     if (a.kind != b.kind || a.value != b.value || a.operators != b.operators ||
-        a.negated != b.negated || a.function != b.function || a.children.size() != b.children.size())
+        a.negated != b.negated || a.function != b.function ||
+        a.children.size() != b.children.size())
         return false;
     if (a.kind == NodeKind::kName &&
         !(SameName(a.name, b.name) && SameName(a.qualifier, b.qualifier)))
@@ -135,6 +137,8 @@ bool SameExpression(const Expression& a, const Expression& b) {
     return true;
 }
 
-bool IsColumn(const Expression& expression) { return expression.kind == NodeKind::kColumn; }
+bool IsColumn(const Expression& expression) {
+    return expression.kind == NodeKind::kColumn;
+}
 
 }  // namespace jet::sql

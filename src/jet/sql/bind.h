@@ -39,8 +39,8 @@ private:
     std::vector<Source> sources_;
 };
 
-// Binds `expression` in place. Aggregates are collected in `aggregates` (their slot is their place there);
-// nullptr: none is allowed here (3095). 3085: no such function.
+// Binds `expression` in place. Aggregates are collected in `aggregates` (their slot is their place
+// there); nullptr: none is allowed here (3095). 3085: no such function.
 base::Status Bind(Expression& expression, Scope& scope, Session& session,
                   std::vector<const Expression*>* aggregates = nullptr);
 

@@ -43,7 +43,8 @@ public:
             targets_.push_back(column);
         }
         if (names.empty())
-            for (std::size_t i = 0; i < design.columns.size(); ++i) targets_.push_back(i);
+            for (std::size_t i = 0; i < design.columns.size(); ++i)
+                targets_.push_back(i);
         return FindDefaults();
     }
     std::size_t columns() const { return targets_.size(); }
@@ -51,12 +52,14 @@ public:
 
     Status Insert(std::vector<Value> given) {
         ASSIGN_OR_RETURN(std::vector<Value> row, Defaults());
-        for (std::size_t i = 0; i < targets_.size(); ++i) row[targets_[i]] = std::move(given[i]);
+        for (std::size_t i = 0; i < targets_.size(); ++i)
+            row[targets_[i]] = std::move(given[i]);
         const auto inserted = table_.Insert(row);
         if (!inserted.ok()) return inserted.status();
         const std::vector<ColumnDesign>& columns = table_.design().columns;
         for (std::size_t i = 0; i < columns.size(); ++i)
-            if (columns[i].autonumber && row[i].is<std::int32_t>()) identity_ = row[i].as<std::int32_t>();
+            if (columns[i].autonumber && row[i].is<std::int32_t>())
+                identity_ = row[i].as<std::int32_t>();
         return Status::Ok();
     }
 
@@ -231,7 +234,8 @@ Result<std::int64_t> Execute(DeleteStatement& erase, Session& session) {
     Table& table = *selected.scope.sources()[0].table;
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
-    for (const RowId row : selected.rows) RETURN_IF_ERROR(table.Delete(row));
+    for (const RowId row : selected.rows)
+        RETURN_IF_ERROR(table.Delete(row));
     RETURN_IF_ERROR(transaction.Commit());
     return static_cast<std::int64_t>(selected.rows.size());
 }

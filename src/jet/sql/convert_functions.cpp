@@ -27,8 +27,12 @@ Result<Value> CDate(Arguments a, EvalContext& context) {
     return Value::DateTime(days);
 }
 
-Result<Value> CStr(Arguments a, EvalContext&) { return Value::Text(ToText(a[0])); }
-Result<Value> CVar(Arguments a, EvalContext&) { return a[0]; }
+Result<Value> CStr(Arguments a, EvalContext&) {
+    return Value::Text(ToText(a[0]));
+}
+Result<Value> CVar(Arguments a, EvalContext&) {
+    return a[0];
+}
 
 // A blank stands where a minus would.
 Result<Value> Str(Arguments a, EvalContext&) {
@@ -37,8 +41,12 @@ Result<Value> Str(Arguments a, EvalContext&) {
     return Value::Text(number < 0 ? text : u" " + text);
 }
 
-Result<Value> IsNullCall(Arguments a, EvalContext&) { return Value::Boolean(a[0].is_null()); }
-Result<Value> IsEmptyCall(Arguments, EvalContext&) { return Value::Boolean(false); }
+Result<Value> IsNullCall(Arguments a, EvalContext&) {
+    return Value::Boolean(a[0].is_null());
+}
+Result<Value> IsEmptyCall(Arguments, EvalContext&) {
+    return Value::Boolean(false);
+}
 
 Result<Value> IsNumericCall(Arguments a, EvalContext&) {
     if (const auto* text = a[0].get_if<std::u16string>()) return Value::Boolean(IsNumeric(*text));
@@ -57,8 +65,7 @@ Result<Value> Format(Arguments a, EvalContext& context) {
     const std::u16string format = a.size() > 1 ? ToText(a[1]) : std::u16string();
     if (format.empty()) return Value::Text(ToText(a[0]));
     if (format.size() > 1000) return JetError(3071);
-    if (const auto* date = a[0].get_if<Date>())
-        return Value::Text(FormatDate(date->days, format));
+    if (const auto* date = a[0].get_if<Date>()) return Value::Text(FormatDate(date->days, format));
     if (const auto* text = a[0].get_if<std::u16string>()) {
         if (const auto days = ParseDate(*text, context.session->current_year()))
             return Value::Text(FormatDate(*days, format));
@@ -75,7 +82,8 @@ Result<Value> Format(Arguments a, EvalContext& context) {
 Result<Value> GenGuid(Arguments, EvalContext&) {
     static std::random_device source;
     Guid guid;
-    for (std::byte& b : guid.bytes) b = static_cast<std::byte>(source() & 0xFF);
+    for (std::byte& b : guid.bytes)
+        b = static_cast<std::byte>(source() & 0xFF);
     guid.bytes[7] = (guid.bytes[7] & std::byte{0x0F}) | std::byte{0x40};  // version 4: random
     guid.bytes[8] = (guid.bytes[8] & std::byte{0x3F}) | std::byte{0x80};
     return Value::OfGuid(guid);
@@ -104,6 +112,8 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-std::span<const Function> ConvertFunctions() { return kFunctions; }
+std::span<const Function> ConvertFunctions() {
+    return kFunctions;
+}
 
 }  // namespace jet::sql

@@ -13,7 +13,16 @@ namespace {
 using base::Result;
 
 enum class Interval : std::uint8_t {
-    kYear, kQuarter, kMonth, kDayOfYear, kDay, kWeekday, kWeek, kHour, kMinute, kSecond,
+    kYear,
+    kQuarter,
+    kMonth,
+    kDayOfYear,
+    kDay,
+    kWeekday,
+    kWeek,
+    kHour,
+    kMinute,
+    kSecond,
 };
 
 struct IntervalName {
@@ -59,12 +68,14 @@ Result<Value> DateFromSeconds(double seconds) {
 }
 
 // 1 = Sunday.
-int WeekdayOf(double day) { return static_cast<int>(std::fmod(std::fmod(day + 6, 7) + 7, 7)) + 1; }
+int WeekdayOf(double day) {
+    return static_cast<int>(std::fmod(std::fmod(day + 6, 7) + 7, 7)) + 1;
+}
 
 int DaysInMonth(int year, int month) {
     using namespace std::chrono;
-    const year_month_day_last last(std::chrono::year(year),
-                                   month_day_last(std::chrono::month(static_cast<unsigned>(month))));
+    const year_month_day_last last(
+        std::chrono::year(year), month_day_last(std::chrono::month(static_cast<unsigned>(month))));
     return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
@@ -131,8 +142,10 @@ Result<Value> DateSerial(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(std::int32_t year, WholeArgument(a[0]));
     ASSIGN_OR_RETURN(const std::int32_t month, WholeArgument(a[1]));
     ASSIGN_OR_RETURN(const std::int32_t day, WholeArgument(a[2]));
-    if (year >= 0 && year < 30) year += 2000;
-    else if (year >= 30 && year < 100) year += 1900;
+    if (year >= 0 && year < 30)
+        year += 2000;
+    else if (year >= 30 && year < 100)
+        year += 1900;
     const auto first = MonthFrom(year, month);
     if (!first) return JetError(6);
     return DateFromSeconds((DaysFromCivil(*first) + day - 1) * 86400.0);
@@ -178,35 +191,52 @@ Result<Value> DateAdd(Arguments a, EvalContext& context) {
     const std::int64_t n = count;
     const double seconds = SecondsOf(civil);
     switch (interval) {
-    case Interval::kYear: return AddMonths(civil, n * 12);
-    case Interval::kQuarter: return AddMonths(civil, n * 3);
-    case Interval::kMonth: return AddMonths(civil, n);
-    case Interval::kWeek: return DateFromSeconds(seconds + static_cast<double>(n) * 7 * 86400);
-    case Interval::kHour: return DateFromSeconds(seconds + static_cast<double>(n) * 3600);
-    case Interval::kMinute: return DateFromSeconds(seconds + static_cast<double>(n) * 60);
-    case Interval::kSecond: return DateFromSeconds(seconds + static_cast<double>(n));
-    default: return DateFromSeconds(seconds + static_cast<double>(n) * 86400);
+    case Interval::kYear:
+        return AddMonths(civil, n * 12);
+    case Interval::kQuarter:
+        return AddMonths(civil, n * 3);
+    case Interval::kMonth:
+        return AddMonths(civil, n);
+    case Interval::kWeek:
+        return DateFromSeconds(seconds + static_cast<double>(n) * 7 * 86400);
+    case Interval::kHour:
+        return DateFromSeconds(seconds + static_cast<double>(n) * 3600);
+    case Interval::kMinute:
+        return DateFromSeconds(seconds + static_cast<double>(n) * 60);
+    case Interval::kSecond:
+        return DateFromSeconds(seconds + static_cast<double>(n));
+    default:
+        return DateFromSeconds(seconds + static_cast<double>(n) * 86400);
     }
 }
 
-int QuarterOf(const CivilDateTime& civil) { return (civil.month + 2) / 3; }
+int QuarterOf(const CivilDateTime& civil) {
+    return (civil.month + 2) / 3;
+}
 
 // Boundaries crossed from `a` to `b`.
 double Distance(Interval interval, const CivilDateTime& a, const CivilDateTime& b) {
     const double days = DayOf(b) - DayOf(a);
     const double seconds = SecondsOf(b) - SecondsOf(a);
     switch (interval) {
-    case Interval::kYear: return b.year - a.year;
-    case Interval::kQuarter: return (b.year - a.year) * 4 + QuarterOf(b) - QuarterOf(a);
-    case Interval::kMonth: return (b.year - a.year) * 12 + b.month - a.month;
-    case Interval::kWeekday: return std::trunc(days / 7);
+    case Interval::kYear:
+        return b.year - a.year;
+    case Interval::kQuarter:
+        return (b.year - a.year) * 4 + QuarterOf(b) - QuarterOf(a);
+    case Interval::kMonth:
+        return (b.year - a.year) * 12 + b.month - a.month;
+    case Interval::kWeekday:
+        return std::trunc(days / 7);
     case Interval::kWeek:
         return ((DayOf(b) - WeekdayOf(DayOf(b))) - (DayOf(a) - WeekdayOf(DayOf(a)))) / 7;
     case Interval::kHour:
         return std::floor(SecondsOf(b) / 3600) - std::floor(SecondsOf(a) / 3600);
-    case Interval::kMinute: return std::floor(SecondsOf(b) / 60) - std::floor(SecondsOf(a) / 60);
-    case Interval::kSecond: return seconds;
-    default: return days;
+    case Interval::kMinute:
+        return std::floor(SecondsOf(b) / 60) - std::floor(SecondsOf(a) / 60);
+    case Interval::kSecond:
+        return seconds;
+    default:
+        return days;
     }
 }
 
@@ -235,16 +265,26 @@ Result<Value> DatePart(Arguments a, EvalContext& context) {
     ASSIGN_OR_RETURN(const Interval interval, IntervalArgument(a[0]));
     ASSIGN_OR_RETURN(const CivilDateTime civil, CivilArgument(a[1], context));
     switch (interval) {
-    case Interval::kYear: return Value::Long(civil.year);
-    case Interval::kQuarter: return Value::Long(QuarterOf(civil));
-    case Interval::kMonth: return Value::Long(civil.month);
-    case Interval::kDayOfYear: return Value::Long(DayOfYear(civil));
-    case Interval::kDay: return Value::Long(civil.day);
-    case Interval::kWeekday: return Value::Long(WeekdayOf(DayOf(civil)));
-    case Interval::kWeek: return Value::Long(WeekOfYear(civil));
-    case Interval::kHour: return Value::Long(civil.hour);
-    case Interval::kMinute: return Value::Long(civil.minute);
-    default: return Value::Long(civil.second);
+    case Interval::kYear:
+        return Value::Long(civil.year);
+    case Interval::kQuarter:
+        return Value::Long(QuarterOf(civil));
+    case Interval::kMonth:
+        return Value::Long(civil.month);
+    case Interval::kDayOfYear:
+        return Value::Long(DayOfYear(civil));
+    case Interval::kDay:
+        return Value::Long(civil.day);
+    case Interval::kWeekday:
+        return Value::Long(WeekdayOf(DayOf(civil)));
+    case Interval::kWeek:
+        return Value::Long(WeekOfYear(civil));
+    case Interval::kHour:
+        return Value::Long(civil.hour);
+    case Interval::kMinute:
+        return Value::Long(civil.minute);
+    default:
+        return Value::Long(civil.second);
     }
 }
 
@@ -270,6 +310,8 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-std::span<const Function> DateFunctions() { return kFunctions; }
+std::span<const Function> DateFunctions() {
+    return kFunctions;
+}
 
 }  // namespace jet::sql

@@ -60,7 +60,8 @@ Status AlterColumn(const AlterTableStatement& alter, const Table& table, Session
 }
 
 Status SetDefault(const AlterTableStatement& alter, const Table& table, Session& session) {
-    ASSIGN_OR_RETURN(const ColumnDesign* const before, ExistingColumn(table, alter.columns[0].name));
+    ASSIGN_OR_RETURN(const ColumnDesign* const before,
+                     ExistingColumn(table, alter.columns[0].name));
     ColumnDesign column = *before;
     column.default_value = alter.columns[0].default_value;
     return session.database->AlterColumn(alter.table, column);
@@ -85,11 +86,16 @@ Status DropParts(const AlterTableStatement& alter, Session& session) {
 
 Status Apply(const AlterTableStatement& alter, const Table& table, Session& session) {
     switch (alter.kind) {
-    case AlterKind::kAddColumn: return AddColumns(alter, session);
-    case AlterKind::kAlterColumn: return AlterColumn(alter, table, session);
-    case AlterKind::kSetDefault: return SetDefault(alter, table, session);
-    case AlterKind::kAddIndex: return AddIndex(alter.table, alter.indexes[0], session);
-    default: return DropParts(alter, session);
+    case AlterKind::kAddColumn:
+        return AddColumns(alter, session);
+    case AlterKind::kAlterColumn:
+        return AlterColumn(alter, table, session);
+    case AlterKind::kSetDefault:
+        return SetDefault(alter, table, session);
+    case AlterKind::kAddIndex:
+        return AddIndex(alter.table, alter.indexes[0], session);
+    default:
+        return DropParts(alter, session);
     }
 }
 

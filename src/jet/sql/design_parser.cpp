@@ -14,7 +14,9 @@ constexpr std::uint16_t kLongestText = 255;
 constexpr std::uint16_t kLongestBinary = 510;
 constexpr std::int64_t kMostPrecision = 28;
 
-Status BadField() { return JetError(3292); }
+Status BadField() {
+    return JetError(3292);
+}
 
 Status SetSize(ColumnDesign& column, std::int64_t size) {
     const std::uint16_t most = column.type == ColumnType::kBinary ? kLongestBinary : kLongestText;
@@ -65,7 +67,8 @@ Result<ColumnDesign> StatementParser::ParseColumn(std::vector<IndexDefinition>& 
     ColumnDesign column;
     ASSIGN_OR_RETURN(column.name, tokens_.TakeName(BadField()));
     RETURN_IF_ERROR(ParseType(column));
-    for (bool more = true; more;) RETURN_IF_ERROR(ParseColumnRule(column, indexes, more));
+    for (bool more = true; more;)
+        RETURN_IF_ERROR(ParseColumnRule(column, indexes, more));
     return column;
 }
 
@@ -122,11 +125,15 @@ Status StatementParser::ParseColumnRule(ColumnDesign& column, std::vector<IndexD
     if (tokens_.TakeWord(u"CONSTRAINT")) {
         ASSIGN_OR_RETURN(index.name, tokens_.TakeName(BadField()));
     }
-    if (tokens_.TakeWords({u"PRIMARY", u"KEY"})) index.primary = true;
-    else if (tokens_.TakeWord(u"UNIQUE")) index.unique = true;
+    if (tokens_.TakeWords({u"PRIMARY", u"KEY"}))
+        index.primary = true;
+    else if (tokens_.TakeWord(u"UNIQUE"))
+        index.unique = true;
     else if (tokens_.IsWord(u"REFERENCES"))
-        return {base::StatusCode::kUnsupported, "Relations between tables are not supported.", 3292};
-    else if (!index.name.empty()) return BadField();
+        return {base::StatusCode::kUnsupported, "Relations between tables are not supported.",
+                3292};
+    else if (!index.name.empty())
+        return BadField();
     else {
         more = false;
         return Status::Ok();
@@ -162,12 +169,15 @@ Result<IndexDefinition> StatementParser::ParseConstraint() {
     if (tokens_.TakeWord(u"CONSTRAINT")) {
         ASSIGN_OR_RETURN(index.name, tokens_.TakeName(BadField()));
     }
-    if (tokens_.TakeWords({u"PRIMARY", u"KEY"})) index.primary = true;
-    else if (tokens_.TakeWord(u"UNIQUE")) index.unique = true;
+    if (tokens_.TakeWords({u"PRIMARY", u"KEY"}))
+        index.primary = true;
+    else if (tokens_.TakeWord(u"UNIQUE"))
+        index.unique = true;
     else if (tokens_.IsWord(u"FOREIGN") || tokens_.IsWord(u"CHECK"))
         return Status(base::StatusCode::kUnsupported,
                       "Only PRIMARY KEY and UNIQUE constraints are supported.", 3292);
-    else return BadField();
+    else
+        return BadField();
     RETURN_IF_ERROR(ParseIndexColumns(index, BadField()));
     if (index.name.empty()) index.name = index.primary ? u"PrimaryKey" : index.columns[0].name;
     return index;
@@ -194,10 +204,14 @@ Result<Statement> StatementParser::ParseCreateIndex(bool unique) {
     ASSIGN_OR_RETURN(create.table, tokens_.TakeName(failure));
     RETURN_IF_ERROR(ParseIndexColumns(create.index, failure));
     if (tokens_.TakeWord(u"WITH")) {
-        if (tokens_.TakeWord(u"PRIMARY")) create.index.primary = true;
-        else if (tokens_.TakeWords({u"DISALLOW", u"NULL"})) create.index.required = true;
-        else if (tokens_.TakeWords({u"IGNORE", u"NULL"})) create.index.ignore_nulls = true;
-        else return failure;
+        if (tokens_.TakeWord(u"PRIMARY"))
+            create.index.primary = true;
+        else if (tokens_.TakeWords({u"DISALLOW", u"NULL"}))
+            create.index.required = true;
+        else if (tokens_.TakeWords({u"IGNORE", u"NULL"}))
+            create.index.ignore_nulls = true;
+        else
+            return failure;
     }
     return Statement(std::move(create));
 }
@@ -207,10 +221,14 @@ Result<Statement> StatementParser::ParseAlter() {
     AlterTableStatement alter;
     if (!tokens_.TakeWord(u"TABLE")) return failure;
     ASSIGN_OR_RETURN(alter.table, tokens_.TakeName(failure));
-    if (tokens_.TakeWord(u"ADD")) RETURN_IF_ERROR(ParseAdd(alter));
-    else if (tokens_.TakeWord(u"ALTER")) RETURN_IF_ERROR(ParseAlterColumn(alter));
-    else if (tokens_.TakeWord(u"DROP")) RETURN_IF_ERROR(ParseDropPart(alter));
-    else return failure;
+    if (tokens_.TakeWord(u"ADD"))
+        RETURN_IF_ERROR(ParseAdd(alter));
+    else if (tokens_.TakeWord(u"ALTER"))
+        RETURN_IF_ERROR(ParseAlterColumn(alter));
+    else if (tokens_.TakeWord(u"DROP"))
+        RETURN_IF_ERROR(ParseDropPart(alter));
+    else
+        return failure;
     return Statement(std::move(alter));
 }
 

@@ -24,8 +24,12 @@ Status Fetch(const Expression& operand, EvalContext& context, Value& made, const
     return Status::Ok();
 }
 
-bool IsComparison(Operator op) { return op >= Operator::kEqual && op <= Operator::kNotLike; }
-bool IsLogic(Operator op) { return op <= Operator::kAnd; }
+bool IsComparison(Operator op) {
+    return op >= Operator::kEqual && op <= Operator::kNotLike;
+}
+bool IsLogic(Operator op) {
+    return op <= Operator::kAnd;
+}
 
 bool IsNullLiteral(const Expression& expression) {
     return expression.kind == NodeKind::kLiteral && expression.value.is_null();
@@ -45,9 +49,12 @@ Truth Logic(Operator op, Truth a, Truth b) {
     case Operator::kOr:
         if (a == Truth::kTrue || b == Truth::kTrue) return Truth::kTrue;
         return known ? Truth::kFalse : Truth::kNull;
-    case Operator::kImp: return Logic(Operator::kOr, Not(a), b);
-    case Operator::kXor: return known ? ToTruth(a != b) : Truth::kNull;
-    default: return known ? ToTruth(a == b) : Truth::kNull;
+    case Operator::kImp:
+        return Logic(Operator::kOr, Not(a), b);
+    case Operator::kXor:
+        return known ? ToTruth(a != b) : Truth::kNull;
+    default:
+        return known ? ToTruth(a == b) : Truth::kNull;
     }
 }
 
@@ -174,10 +181,14 @@ Result<Value> CallSwitch(const Expression& call, EvalContext& context) {
 
 Result<Value> Call(const Expression& call, EvalContext& context) {
     switch (call.function->kind) {
-    case FunctionKind::kIIf: return CallIIf(call, context);
-    case FunctionKind::kChoose: return CallChoose(call, context);
-    case FunctionKind::kSwitch: return CallSwitch(call, context);
-    default: return CallStrictOrPlain(call, context);
+    case FunctionKind::kIIf:
+        return CallIIf(call, context);
+    case FunctionKind::kChoose:
+        return CallChoose(call, context);
+    case FunctionKind::kSwitch:
+        return CallSwitch(call, context);
+    default:
+        return CallStrictOrPlain(call, context);
     }
 }
 
@@ -210,10 +221,14 @@ Result<Value> Evaluate(const Expression& e, EvalContext& context) {
         return TruthValue(truth);
     }
     switch (e.kind) {
-    case NodeKind::kLiteral: return e.value;
-    case NodeKind::kColumn: return (*context.rows)[e.source][e.slot];
-    case NodeKind::kAggregate: return (*context.aggregates)[e.slot];
-    case NodeKind::kCall: return Call(e, context);
+    case NodeKind::kLiteral:
+        return e.value;
+    case NodeKind::kColumn:
+        return (*context.rows)[e.source][e.slot];
+    case NodeKind::kAggregate:
+        return (*context.aggregates)[e.slot];
+    case NodeKind::kCall:
+        return Call(e, context);
     case NodeKind::kNegate: {
         ASSIGN_OR_RETURN(const Value value, Evaluate(*e.children[0], context));
         return Negate(value);
@@ -221,7 +236,8 @@ Result<Value> Evaluate(const Expression& e, EvalContext& context) {
     case NodeKind::kChain:
         return e.operators[0] == Operator::kConcat ? ConcatChain(e, context)
                                                    : ArithmeticChain(e, context);
-    default: return JetError(3061);  // a name that was never bound
+    default:
+        return JetError(3061);  // a name that was never bound
     }
 }
 

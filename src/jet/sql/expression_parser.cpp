@@ -14,8 +14,20 @@ using base::Result;
 using base::Status;
 
 enum Level : int {
-    kImpLevel, kEqvLevel, kXorLevel, kOrLevel, kAndLevel, kNotLevel, kCompareLevel,
-    kConcatLevel, kAddLevel, kModLevel, kIntDivideLevel, kMultiplyLevel, kSignLevel, kPowerLevel,
+    kImpLevel,
+    kEqvLevel,
+    kXorLevel,
+    kOrLevel,
+    kAndLevel,
+    kNotLevel,
+    kCompareLevel,
+    kConcatLevel,
+    kAddLevel,
+    kModLevel,
+    kIntDivideLevel,
+    kMultiplyLevel,
+    kSignLevel,
+    kPowerLevel,
 };
 
 struct OperatorSpelling {
@@ -53,7 +65,8 @@ const OperatorSpelling* OperatorAt(const TokenReader& tokens) {
     const Token& token = tokens.Peek();
     if (token.kind != TokenKind::kWord && token.kind != TokenKind::kSymbol) return nullptr;
     for (const OperatorSpelling& spelling : kOperators)
-        if (spelling.word == (token.kind == TokenKind::kWord) && SameWord(spelling.text, token.text))
+        if (spelling.word == (token.kind == TokenKind::kWord) &&
+            SameWord(spelling.text, token.text))
             return &spelling;
     return nullptr;
 }
@@ -136,8 +149,8 @@ Result<ExpressionPtr> ExpressionParser::ParseLevel(int lowest) {
 Result<ExpressionPtr> ExpressionParser::ParseChain(ExpressionPtr first, int level) {
     ExpressionPtr chain = NewNode(NodeKind::kChain, first->begin);
     chain->children.push_back(std::move(first));
-    for (const OperatorSpelling* next = OperatorAt(tokens_); next != nullptr && next->level == level;
-         next = OperatorAt(tokens_)) {
+    for (const OperatorSpelling* next = OperatorAt(tokens_);
+         next != nullptr && next->level == level; next = OperatorAt(tokens_)) {
         tokens_.Take();
         chain->operators.push_back(next->op);
         ASSIGN_OR_RETURN(ExpressionPtr operand, ParseLevel(level + 1));

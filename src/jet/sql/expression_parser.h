@@ -1,4 +1,5 @@
-// ExpressionParser: expressions by precedence, lowest first: Imp, Eqv, Xor, Or, And, Not, comparisons, "&",
+// ExpressionParser: expressions by precedence, lowest first: Imp, Eqv, Xor, Or, And, Not,
+// comparisons, "&",
 // "+ -", Mod, "\", "* /", sign, "^".
 #pragma once
 
@@ -19,7 +20,8 @@ private:
 
     base::Result<ExpressionPtr> ParseLevel(int lowest);
     base::Result<ExpressionPtr> ParseChain(ExpressionPtr first, int level);
-    // In, Between, Is and Like after `value`, with their Not; `value` itself when nothing of the kind follows.
+    // In, Between, Is and Like after `value`, with their Not; `value` itself when nothing of the
+    // kind follows.
     base::Result<bool> ParseTest(ExpressionPtr& value);
     base::Result<ExpressionPtr> ParseIn(ExpressionPtr value);
     base::Result<ExpressionPtr> ParseBetween(ExpressionPtr value);

@@ -34,18 +34,23 @@ FixedDigits RoundTo(double number, int decimals) {
     if (!up) return digits;
     std::string all = digits.whole + digits.decimals;
     std::size_t i = all.size();
-    while (i > 0 && all[i - 1] == '9') all[--i] = '0';
-    if (i > 0) ++all[i - 1];
-    else all.insert(all.begin(), '1');
+    while (i > 0 && all[i - 1] == '9')
+        all[--i] = '0';
+    if (i > 0)
+        ++all[i - 1];
+    else
+        all.insert(all.begin(), '1');
     return {all.substr(0, all.size() - keep), all.substr(all.size() - keep)};
 }
 
-std::u16string Widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
+std::u16string Widen(std::string_view ascii) {
+    return {ascii.begin(), ascii.end()};
+}
 
 // What a section asks for.
 struct Section {
-    int whole_zeros = 0;   // "0" before the point
-    int decimals = 0;      // "0" and "#" after it
+    int whole_zeros = 0;  // "0" before the point
+    int decimals = 0;     // "0" and "#" after it
     int decimal_zeros = 0;
     int percents = 0;
     int scale_commas = 0;  // each divides by a thousand
@@ -69,7 +74,8 @@ std::vector<Part> SplitParts(std::u16string_view text) {
         if (text[i] == u'\\') {
             if (++i < text.size()) parts.push_back({true, text[i]});
         } else if (text[i] == u'"') {
-            for (++i; i < text.size() && text[i] != u'"'; ++i) parts.push_back({true, text[i]});
+            for (++i; i < text.size() && text[i] != u'"'; ++i)
+                parts.push_back({true, text[i]});
         } else {
             parts.push_back({false, text[i]});
         }
@@ -77,7 +83,9 @@ std::vector<Part> SplitParts(std::u16string_view text) {
     return parts;
 }
 
-bool IsDigitMark(const Part& part) { return !part.literal && (part.unit == u'0' || part.unit == u'#'); }
+bool IsDigitMark(const Part& part) {
+    return !part.literal && (part.unit == u'0' || part.unit == u'#');
+}
 
 bool StartsExponent(const std::vector<Part>& parts, std::size_t i) {
     return !parts[i].literal && AsciiLower(parts[i].unit) == u'e' && i + 2 < parts.size() &&
@@ -93,7 +101,8 @@ Section Study(const std::vector<Part>& parts) {
         if (StartsExponent(parts, i)) {
             section.exponent = true;
             section.exponent_plus = parts[i + 1].unit == u'+';
-            for (i += 2; i < parts.size() && parts[i].unit == u'0'; ++i) ++section.exponent_digits;
+            for (i += 2; i < parts.size() && parts[i].unit == u'0'; ++i)
+                ++section.exponent_digits;
             --i;
         } else if (IsDigitMark(part)) {
             section.has_digits = true;
@@ -143,7 +152,8 @@ std::u16string NumberText(double number, const Section& section) {
         digits.decimals.pop_back();
     digits.whole.erase(0, digits.whole.find_first_not_of('0'));
     if (digits.whole.size() < static_cast<std::size_t>(section.whole_zeros))
-        digits.whole.insert(0, static_cast<std::size_t>(section.whole_zeros) - digits.whole.size(), '0');
+        digits.whole.insert(0, static_cast<std::size_t>(section.whole_zeros) - digits.whole.size(),
+                            '0');
     std::string text = section.thousands ? WithThousands(digits.whole) : digits.whole;
     if (section.point) text += "." + digits.decimals;
     if (section.exponent) {

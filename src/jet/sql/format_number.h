@@ -6,7 +6,8 @@
 
 namespace jet::sql {
 
-// A pattern has up to three sections, for positive, negative and zero numbers, with semicolons between them.
+// A pattern has up to three sections, for positive, negative and zero numbers, with semicolons
+// between them.
 std::u16string FormatNumberAs(double number, std::u16string_view format);
 
 }  // namespace jet::sql

@@ -43,9 +43,8 @@ bool UsesOnly(const Expression& e, const std::vector<bool>& marks, bool& any) {
         any = true;
         return marks[e.source];
     }
-    return std::all_of(e.children.begin(), e.children.end(), [&](const ExpressionPtr& child) {
-        return UsesOnly(*child, marks, any);
-    });
+    return std::all_of(e.children.begin(), e.children.end(),
+                       [&](const ExpressionPtr& child) { return UsesOnly(*child, marks, any); });
 }
 
 bool Inside(const Expression& e, const std::vector<bool>& marks) {
@@ -60,7 +59,8 @@ public:
           rows_(scope.sources().size()), context_{&session, &rows_, nullptr} {}
 
     Status Run(const FromNode& from, const std::function<Status(const SourceRows&)>& take) {
-        for (std::size_t i = 0; i < tables_.size(); ++i) RETURN_IF_ERROR(Load(i));
+        for (std::size_t i = 0; i < tables_.size(); ++i)
+            RETURN_IF_ERROR(Load(i));
         ASSIGN_OR_RETURN(const std::vector<Combination> all, Join(from));
         for (const Combination& combination : all) {
             Show(combination);
@@ -84,12 +84,15 @@ private:
     }
 
     void Show(const Combination& combination) {
-        for (std::size_t i = 0; i < combination.size(); ++i) ShowSource(i, combination[i]);
+        for (std::size_t i = 0; i < combination.size(); ++i)
+            ShowSource(i, combination[i]);
     }
 
     void ShowSource(std::size_t i, std::uint32_t row) {
-        if (row == kNoRow) rows_[i].assign(scope_.sources()[i].columns.size(), Value::Null());
-        else rows_[i] = tables_[i][row];
+        if (row == kNoRow)
+            rows_[i].assign(scope_.sources()[i].columns.size(), Value::Null());
+        else
+            rows_[i] = tables_[i][row];
     }
 
     Result<std::vector<Combination>> Join(const FromNode& node) {
@@ -169,7 +172,8 @@ private:
         if (e.kind != NodeKind::kChain) return;
         if (std::all_of(e.operators.begin(), e.operators.end(),
                         [](Operator op) { return op == Operator::kAnd; })) {
-            for (const ExpressionPtr& child : e.children) FindLinks(*child, outer, inner, links);
+            for (const ExpressionPtr& child : e.children)
+                FindLinks(*child, outer, inner, links);
             return;
         }
         if (e.operators.size() != 1 || e.operators[0] != Operator::kEqual) return;
@@ -196,13 +200,18 @@ private:
         const Source& source = scope_.sources()[column.source];
         switch (source.table->design().columns[source.columns[column.slot]].type) {
         case ColumnType::kText:
-        case ColumnType::kMemo: return 1;
+        case ColumnType::kMemo:
+            return 1;
         case ColumnType::kBinary:
         case ColumnType::kFixedBinary:
-        case ColumnType::kOle: return 2;
-        case ColumnType::kGuid: return 3;
-        case ColumnType::kDate: return 4;
-        default: return 0;
+        case ColumnType::kOle:
+            return 2;
+        case ColumnType::kGuid:
+            return 3;
+        case ColumnType::kDate:
+            return 4;
+        default:
+            return 0;
         }
     }
 
@@ -228,8 +237,7 @@ private:
 }  // namespace
 
 Status ForEachCombination(const FromNode& from, const Scope& scope, const Expression* where,
-                          Session& session,
-                          const std::function<Status(const SourceRows&)>& take) {
+                          Session& session, const std::function<Status(const SourceRows&)>& take) {
     return Joiner(scope, where, session).Run(from, take);
 }
 

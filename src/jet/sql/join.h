@@ -10,10 +10,10 @@
 
 namespace jet::sql {
 
-// Calls `take` with each combination that the join conditions let through; the sides without a partner of outer
-// joins are Null. `where` (nullptr: none) serves to find partners sooner; it is to be tested still. A row that `take`
-// gets is valid during the call.
-// Requires: everything is bound to `scope`. The columns in use of all sources are held in memory.
+// Calls `take` with each combination that the join conditions let through; the sides without a
+// partner of outer joins are Null. `where` (nullptr: none) serves to find partners sooner; it is to
+// be tested still. A row that `take` gets is valid during the call. Requires: everything is bound
+// to `scope`. The columns in use of all sources are held in memory.
 base::Status ForEachCombination(const FromNode& from, const Scope& scope, const Expression* where,
                                 Session& session,
                                 const std::function<base::Status(const SourceRows&)>& take);

@@ -4,6 +4,7 @@
 #include "jet/calendar_names.h"
 #include "jet/conversions.h"
 #include "jet/errors.h"
+#include "jet/sql/token_reader.h"
 
 #include <cmath>
 #include <limits>
@@ -21,10 +22,18 @@ bool IsNameStart(char16_t c) {
     return IsAsciiLetter(c) || c == u'_' || c == u'@' || (c >= 0x80 && !IsBlank(c));
 }
 
-bool IsNameUnit(char16_t c) { return IsNameStart(c) || IsAsciiDigit(c); }
+bool IsNameUnit(char16_t c) {
+    return IsNameStart(c) || IsAsciiDigit(c);
+}
 
 bool IsHexDigit(char16_t c) {
     return IsAsciiDigit(c) || (AsciiLower(c) >= u'a' && AsciiLower(c) <= u'f');
+}
+
+bool IsWordOperator(std::u16string_view word) {
+    for (const std::u16string_view op : {u"Mod", u"Xor", u"Eqv", u"Imp", u"Alike"})
+        if (SameWord(op, word)) return true;
+    return false;
 }
 
 Value NumberValue(double number, bool whole) {
@@ -38,7 +47,8 @@ public:
     Lexer(std::u16string_view sql, int current_year) : sql_(sql), current_year_(current_year) {}
 
     Result<std::vector<Token>> Run() {
-        for (SkipBlanks(); at_ < sql_.size(); SkipBlanks()) RETURN_IF_ERROR(TakeToken());
+        for (SkipBlanks(); at_ < sql_.size(); SkipBlanks())
+            RETURN_IF_ERROR(TakeToken());
         Add(TokenKind::kEnd, at_, {});
         return std::move(tokens_);
     }
@@ -49,7 +59,8 @@ private:
     }
 
     void SkipBlanks() {
-        while (at_ < sql_.size() && IsBlank(sql_[at_])) ++at_;
+        while (at_ < sql_.size() && IsBlank(sql_[at_]))
+            ++at_;
     }
 
     Token& Add(TokenKind kind, std::size_t begin, std::u16string text) {
@@ -83,8 +94,11 @@ private:
     bool AfterOperand() const {
         if (tokens_.empty()) return false;
         const Token& last = tokens_.back();
+        if (last.kind == TokenKind::kWord)
+            return SameWord(last.text, u"Null") ||
+                   !(IsReservedWord(last.text) || IsWordOperator(last.text));
         return last.kind == TokenKind::kQuoted || last.kind == TokenKind::kLiteral ||
-               last.kind == TokenKind::kWord || last.text == u")";
+               last.text == u")";
     }
 
     Status TakeText(char16_t quote) {
@@ -117,8 +131,7 @@ private:
     Status TakeDate() {
         const std::size_t begin = at_;
         const std::size_t end = sql_.find(u'#', begin + 1);
-        if (end == std::u16string_view::npos)
-            return SyntaxError(" in date", sql_.substr(begin));
+        if (end == std::u16string_view::npos) return SyntaxError(" in date", sql_.substr(begin));
         const auto days = ParseDate(sql_.substr(begin + 1, end - begin - 1), current_year_);
         if (!days) return SyntaxError(" in date", sql_.substr(begin, end + 1 - begin));
         at_ = end + 1;
@@ -127,7 +140,8 @@ private:
     }
 
     void SkipDigits() {
-        while (IsAsciiDigit(Peek())) ++at_;
+        while (IsAsciiDigit(Peek()))
+            ++at_;
     }
 
     bool ExponentFollows() const {
@@ -167,7 +181,8 @@ private:
     Status TakeRadixNumber() {
         const std::size_t begin = at_;
         at_ += 2;
-        while (IsNameUnit(Peek())) ++at_;
+        while (IsNameUnit(Peek()))
+            ++at_;
         const auto number = ParseNumber(sql_.substr(begin, at_ - begin));
         if (!number) return SyntaxError("", sql_.substr(begin));
         AddLiteral(begin, NumberValue(*number, true));
@@ -176,7 +191,8 @@ private:
 
     Status TakeWord() {
         const std::size_t begin = at_;
-        while (IsNameUnit(Peek())) ++at_;
+        while (IsNameUnit(Peek()))
+            ++at_;
         std::u16string text(sql_.substr(begin, at_ - begin));
         if (Peek() == u'$') ++at_;  // Left$ is Left
         Add(TokenKind::kWord, begin, std::move(text));

@@ -5,7 +5,9 @@
 namespace jet::sql {
 namespace {
 
-bool SameLetter(char16_t a, char16_t b) { return a == b || ToLower(a) == ToLower(b); }
+bool SameLetter(char16_t a, char16_t b) {
+    return a == b || ToLower(a) == ToLower(b);
+}
 
 bool InRange(char16_t unit, char16_t first, char16_t last) {
     const char16_t lower = ToLower(unit);
@@ -71,7 +73,8 @@ bool Like(std::u16string_view text, std::u16string_view pattern) {
         p = after_percent;
         t = ++retry_from;
     }
-    while (p < pattern.size() && pattern[p] == u'%') ++p;
+    while (p < pattern.size() && pattern[p] == u'%')
+        ++p;
     return p == pattern.size();
 }
 

@@ -1,5 +1,5 @@
-// The LIKE operator in its ANSI-92 form: % any run, _ one character, [a-z] and [^a-z] (also [!a-z]) sets; letter
-// case does not count. "*" and "?" stand for themselves.
+// The LIKE operator in its ANSI-92 form: % any run, _ one character, [a-z] and [^a-z] (also [!a-z])
+// sets; letter case does not count. "*" and "?" stand for themselves.
 #pragma once
 
 #include <string_view>

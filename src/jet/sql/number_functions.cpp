@@ -76,13 +76,24 @@ Result<Value> Real(Arguments a, EvalContext&) {
     return Finite(Formula(number));
 }
 
-double Exp(double x) { return std::exp(x); }
-double Sin(double x) { return std::sin(x); }
-double Cos(double x) { return std::cos(x); }
-double Tan(double x) { return std::tan(x); }
-double Atn(double x) { return std::atan(x); }
+double Exp(double x) {
+    return std::exp(x);
+}
+double Sin(double x) {
+    return std::sin(x);
+}
+double Cos(double x) {
+    return std::cos(x);
+}
+double Tan(double x) {
+    return std::tan(x);
+}
+double Atn(double x) {
+    return std::atan(x);
+}
 
-// A 24-bit linear congruence. A negative argument starts the sequence anew from it, 0 repeats the last number.
+// A 24-bit linear congruence. A negative argument starts the sequence anew from it, 0 repeats the
+// last number.
 Result<Value> Rnd(Arguments a, EvalContext& context) {
     std::uint32_t& state = context.session->random;
     double argument = 1;
@@ -100,16 +111,20 @@ Result<Value> Rnd(Arguments a, EvalContext& context) {
 Result<Value> InRadix(const Value& value, int radix) {
     ASSIGN_OR_RETURN(const std::int32_t number, WholeArgument(value));
     char buffer[40];
-    const auto end = std::to_chars(buffer, buffer + sizeof buffer,
-                                   static_cast<std::uint32_t>(number), radix);
+    const auto end =
+        std::to_chars(buffer, buffer + sizeof buffer, static_cast<std::uint32_t>(number), radix);
     std::u16string text;
     for (const char* c = buffer; c != end.ptr; ++c)
         text += static_cast<char16_t>(*c >= 'a' ? *c - 32 : *c);
     return Value::Text(std::move(text));
 }
 
-Result<Value> Hex(Arguments a, EvalContext&) { return InRadix(a[0], 16); }
-Result<Value> Oct(Arguments a, EvalContext&) { return InRadix(a[0], 8); }
+Result<Value> Hex(Arguments a, EvalContext&) {
+    return InRadix(a[0], 16);
+}
+Result<Value> Oct(Arguments a, EvalContext&) {
+    return InRadix(a[0], 8);
+}
 
 // Partition(number, start, stop, interval): the range that the number falls into, "  0: 99".
 Result<Value> Partition(Arguments a, EvalContext&) {
@@ -124,8 +139,7 @@ Result<Value> Partition(Arguments a, EvalContext&) {
         const std::string digits = std::to_string(v);
         return std::u16string(digits.begin(), digits.end());
     };
-    const std::size_t width =
-        std::max(text(start - 1).size(), text(stop + 1).size());
+    const std::size_t width = std::max(text(start - 1).size(), text(stop + 1).size());
     const auto padded = [&](std::u16string part) {
         return std::u16string(width - std::min(width, part.size()), u' ') + part;
     };
@@ -157,6 +171,8 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-std::span<const Function> NumberFunctions() { return kFunctions; }
+std::span<const Function> NumberFunctions() {
+    return kFunctions;
+}
 
 }  // namespace jet::sql

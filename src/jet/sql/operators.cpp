@@ -22,23 +22,30 @@ using base::Result;
 using base::Status;
 using Ordering = std::optional<std::weak_ordering>;
 
-Status Mismatch() { return JetError(3464); }
+Status Mismatch() {
+    return JetError(3464);
+}
 
 std::weak_ordering OrderNumbers(double a, double b) {
     if (a < b) return std::weak_ordering::less;
     return a > b ? std::weak_ordering::greater : std::weak_ordering::equivalent;
 }
 
-// The printable ASCII characters differ in their keys unless they are the same letter; so two texts of them are
-// equal exactly when they are so without regard to case and trailing blanks. Anything else asks the collation.
-bool PlainUnit(char16_t c) { return c >= 0x20 && c < 0x7F; }
+// The printable ASCII characters differ in their keys unless they are the same letter; so two texts
+// of them are equal exactly when they are so without regard to case and trailing blanks. Anything
+// else asks the collation.
+bool PlainUnit(char16_t c) {
+    return c >= 0x20 && c < 0x7F;
+}
 
 constexpr std::size_t kKeyUnits = 255;  // what counts of a text in a key
 
 // nullopt: the collation has to decide.
 std::optional<bool> QuickEqual(std::u16string_view a, std::u16string_view b) {
-    while (!a.empty() && a.back() == u' ') a.remove_suffix(1);
-    while (!b.empty() && b.back() == u' ') b.remove_suffix(1);
+    while (!a.empty() && a.back() == u' ')
+        a.remove_suffix(1);
+    while (!b.empty() && b.back() == u' ')
+        b.remove_suffix(1);
     if (a.size() > kKeyUnits || b.size() > kKeyUnits) return std::nullopt;
     const std::size_t common = std::min(a.size(), b.size());
     bool equal = a.size() == b.size();
@@ -108,12 +115,18 @@ Result<Ordering> CompareOthers(const Value& a, const Value& b) {
 
 bool Holds(Operator op, std::weak_ordering order) {
     switch (op) {
-    case Operator::kEqual: return order == 0;
-    case Operator::kNotEqual: return order != 0;
-    case Operator::kLess: return order < 0;
-    case Operator::kLessEqual: return order <= 0;
-    case Operator::kGreater: return order > 0;
-    default: return order >= 0;
+    case Operator::kEqual:
+        return order == 0;
+    case Operator::kNotEqual:
+        return order != 0;
+    case Operator::kLess:
+        return order < 0;
+    case Operator::kLessEqual:
+        return order <= 0;
+    case Operator::kGreater:
+        return order > 0;
+    default:
+        return order >= 0;
     }
 }
 
@@ -194,8 +207,10 @@ Result<Value> CalculateNumbers(Operator op, const Value& a, const Value& b, doub
     case Operator::kDivide:
         if (y == 0) return JetError(11);
         return NumberResult(x / y, false);
-    case Operator::kPower: return NumberResult(std::pow(x, y), false);
-    default: return WholeDivision(op, x, y);
+    case Operator::kPower:
+        return NumberResult(std::pow(x, y), false);
+    default:
+        return WholeDivision(op, x, y);
     }
 }
 

@@ -1,4 +1,5 @@
-// What the operators do with two values: comparison with its conversions, arithmetic, concatenation.
+// What the operators do with two values: comparison with its conversions, arithmetic,
+// concatenation.
 #pragma once
 
 #include "base/status.h"
@@ -12,12 +13,15 @@ namespace jet::sql {
 
 enum class Truth : std::uint8_t { kFalse, kTrue, kNull };
 
-inline Truth ToTruth(bool b) { return b ? Truth::kTrue : Truth::kFalse; }
+inline Truth ToTruth(bool b) {
+    return b ? Truth::kTrue : Truth::kFalse;
+}
 Value TruthValue(Truth truth);
 // Numbers other than 0 are true. 3464: a text that is neither a number nor a truth word.
 base::Result<Truth> TruthOf(const Value& value);
 
-// nullopt: one of the two is Null, or a text that is no date stands beside a date. 3464: the types do not compare.
+// nullopt: one of the two is Null, or a text that is no date stands beside a date. 3464: the types
+// do not compare.
 base::Result<std::optional<std::weak_ordering>> Compare(const Value& a, const Value& b);
 base::Result<Truth> CompareWith(Operator op, const Value& a, const Value& b);
 

@@ -28,7 +28,8 @@ Result<Statement> StatementParser::Parse() {
         if (!tokens_.AtEnd()) return JetError(3142);
     }
     if (tokens_.AtEnd()) return statement;
-    // What is left over belongs to the last clause; an expression that ended too early is the usual case.
+    // What is left over belongs to the last clause; an expression that ended too early is the usual
+    // case.
     return SyntaxError(" (missing operator)", tokens_.TextFrom(0));
 }
 

@@ -1,6 +1,6 @@
 // Query: a SELECT that is bound to its tables and can be run.
-// Where each row of the result is one row of one table (no join, grouping, DISTINCT or UNION), the result is a list of
-// row ids whose values are read on demand; otherwise it is made of values.
+// Where each row of the result is one row of one table (no join, grouping, DISTINCT or UNION), the
+// result is a list of row ids whose values are read on demand; otherwise it is made of values.
 #pragma once
 
 #include "base/status.h"

@@ -99,11 +99,13 @@ Status Query::ExpandStars() {
 Status Query::ResolveOrder() {
     for (OrderItem& order : select_.order_by) {
         Expression& e = *order.expression;
-        const auto* position = e.kind == NodeKind::kLiteral ? e.value.get_if<std::int32_t>() : nullptr;
+        const auto* position =
+            e.kind == NodeKind::kLiteral ? e.value.get_if<std::int32_t>() : nullptr;
         if (position != nullptr) {
             if (*position < 1 || static_cast<std::size_t>(*position) > select_.outputs.size())
                 return JetError(3138);
-            order.expression = Clone(*select_.outputs[static_cast<std::size_t>(*position) - 1].expression);
+            order.expression =
+                Clone(*select_.outputs[static_cast<std::size_t>(*position) - 1].expression);
             continue;
         }
         if (e.kind != NodeKind::kName || !e.qualifier.empty()) continue;
@@ -119,9 +121,8 @@ Status Query::ResolveOrder() {
 bool Query::IsRowWise() const {
     if (scope_.sources().size() != 1 || select_.distinct) return false;
     if (!select_.group_by.empty() || select_.having != nullptr) return false;
-    return std::none_of(select_.outputs.begin(), select_.outputs.end(), [](const OutputItem& item) {
-        return HasAggregate(*item.expression);
-    });
+    return std::none_of(select_.outputs.begin(), select_.outputs.end(),
+                        [](const OutputItem& item) { return HasAggregate(*item.expression); });
 }
 
 Status Query::BindExpressions() {
@@ -208,7 +209,8 @@ Status Query::PrepareUnions() {
 // A name that two outputs share is given with its source.
 void Query::NameOutputs() {
     std::size_t unnamed = 1000;
-    for (const OutputItem& item : select_.outputs) names_.push_back(NameOf(item, unnamed));
+    for (const OutputItem& item : select_.outputs)
+        names_.push_back(NameOf(item, unnamed));
     const std::vector<std::u16string> plain = names_;
     for (std::size_t i = 0; i < names_.size(); ++i) {
         const Expression& e = *select_.outputs[i].expression;

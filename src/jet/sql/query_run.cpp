@@ -30,7 +30,9 @@ struct Query::Sorted {
     RowId row;
 };
 
-Table* Query::table() const { return row_wise_ ? scope_.sources()[0].table : nullptr; }
+Table* Query::table() const {
+    return row_wise_ ? scope_.sources()[0].table : nullptr;
+}
 
 std::optional<std::size_t> Query::TableColumn(std::size_t output) const {
     const Expression& e = *select_.outputs[output].expression;
@@ -87,10 +89,12 @@ Result<std::vector<RowId>> Query::CollectRows() {
     });
     std::vector<Sorted> sorted;
     sorted.reserve(found.size());
-    for (const std::uint32_t i : order) sorted.push_back(std::move(found[i]));
+    for (const std::uint32_t i : order)
+        sorted.push_back(std::move(found[i]));
     CutToTop(sorted);
     ids.reserve(sorted.size());
-    for (const Sorted& row : sorted) ids.push_back(row.row);
+    for (const Sorted& row : sorted)
+        ids.push_back(row.row);
     return ids;
 }
 
@@ -109,8 +113,7 @@ Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span
     RETURN_IF_ERROR(source.table->Read(row, source.columns, rows[0]));
     EvalContext context{&session_, &rows, nullptr};
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        ASSIGN_OR_RETURN(values[i],
-                         OutputValue(*select_.outputs[outputs[i]].expression, context));
+        ASSIGN_OR_RETURN(values[i], OutputValue(*select_.outputs[outputs[i]].expression, context));
     }
     return Status::Ok();
 }
@@ -170,7 +173,8 @@ public:
         std::sort(groups_.begin(), groups_.end(),
                   [](const Group& a, const Group& b) { return a.key < b.key; });
         std::vector<Sorted> rows;
-        for (const Group& group : groups_) RETURN_IF_ERROR(AddRow(group, rows));
+        for (const Group& group : groups_)
+            RETURN_IF_ERROR(AddRow(group, rows));
         return rows;
     }
 
@@ -236,7 +240,8 @@ namespace {
 
 std::string KeyOfAll(const ResultRow& values) {
     std::string key;
-    for (const Value& value : values) AppendSortKey(value, false, key);
+    for (const Value& value : values)
+        AppendSortKey(value, false, key);
     return key;
 }
 
@@ -244,7 +249,8 @@ std::string KeyOfAll(const ResultRow& values) {
 template <typename Row>
 void SortDistinct(std::vector<Row>& rows) {
     std::vector<std::pair<std::string, std::size_t>> keys;
-    for (std::size_t i = 0; i < rows.size(); ++i) keys.emplace_back(KeyOfAll(rows[i].values), i);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        keys.emplace_back(KeyOfAll(rows[i].values), i);
     std::sort(keys.begin(), keys.end());
     std::vector<Row> distinct;
     for (std::size_t i = 0; i < keys.size(); ++i)
@@ -270,7 +276,8 @@ void Query::CutToTop(std::vector<Sorted>& rows) const {
     std::size_t keep = select_.top_percent ? (rows.size() * most + 99) / 100 : most;
     if (keep >= rows.size()) return;
     if (!select_.order_by.empty() && keep > 0)
-        while (keep < rows.size() && rows[keep].key == rows[keep - 1].key) ++keep;
+        while (keep < rows.size() && rows[keep].key == rows[keep - 1].key)
+            ++keep;
     rows.resize(keep);
 }
 
@@ -290,7 +297,8 @@ Result<std::vector<ResultRow>> Query::Rows() {
     }
     ASSIGN_OR_RETURN(std::vector<Sorted> rows, Produce());
     Finish(rows);
-    for (Sorted& row : rows) result.push_back(std::move(row.values));
+    for (Sorted& row : rows)
+        result.push_back(std::move(row.values));
     return result;
 }
 
@@ -298,7 +306,8 @@ Result<std::vector<ResultRow>> Query::UnionRows() {
     std::vector<Sorted> all;
     for (std::size_t i = 0; i < unions_.size(); ++i) {
         ASSIGN_OR_RETURN(std::vector<ResultRow> rows, unions_[i]->Rows());
-        for (ResultRow& row : rows) all.push_back({std::move(row), {}, {}});
+        for (ResultRow& row : rows)
+            all.push_back({std::move(row), {}, {}});
         if (i > 0 && !select_.unions[i - 1].all) SortDistinct(all);
     }
     for (Sorted& row : all)
@@ -308,7 +317,8 @@ Result<std::vector<ResultRow>> Query::UnionRows() {
         std::stable_sort(all.begin(), all.end(),
                          [](const Sorted& a, const Sorted& b) { return a.key < b.key; });
     std::vector<ResultRow> result;
-    for (Sorted& row : all) result.push_back(std::move(row.values));
+    for (Sorted& row : all)
+        result.push_back(std::move(row.values));
     return result;
 }
 

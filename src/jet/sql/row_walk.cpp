@@ -25,8 +25,7 @@ Result<std::optional<RowId>> RowWalk::Next() {
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
         if (!row) return row;
-        if (!source_.columns.empty())
-            RETURN_IF_ERROR(cursor_->Read(source_.columns, rows_[0]));
+        if (!source_.columns.empty()) RETURN_IF_ERROR(cursor_->Read(source_.columns, rows_[0]));
         ASSIGN_OR_RETURN(const bool keeps, Keeps());
         if (keeps) return row;
     }

@@ -13,8 +13,8 @@ namespace jet::sql {
 
 class RowWalk {
 public:
-    // `scope` has one source, to which `where` (nullptr: none) is bound; both must outlive the walk, as must the
-    // session and the table.
+    // `scope` has one source, to which `where` (nullptr: none) is bound; both must outlive the
+    // walk, as must the session and the table.
     static base::Result<std::unique_ptr<RowWalk>> Open(const Scope& scope, const AccessPath& path,
                                                        const Expression* where, Session& session);
 

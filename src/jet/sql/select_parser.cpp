@@ -22,7 +22,8 @@ Result<SelectStatement> StatementParser::ParseSelect() {
     while (tokens_.TakeWord(u"UNION")) {
         SelectStatement::Union part;
         part.all = tokens_.TakeWord(u"ALL");
-        if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMostUnions) return JetError(3141);
+        if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMostUnions)
+            return JetError(3141);
         ASSIGN_OR_RETURN(SelectStatement next, ParseSelectCore());
         part.select = std::make_unique<SelectStatement>(std::move(next));
         select.unions.push_back(std::move(part));
@@ -34,8 +35,10 @@ Result<SelectStatement> StatementParser::ParseSelect() {
 Result<SelectStatement> StatementParser::ParseSelectCore() {
     SelectStatement select;
     tokens_.Take();  // SELECT
-    if (tokens_.TakeWord(u"DISTINCT")) select.distinct = true;
-    else if (!tokens_.TakeWord(u"DISTINCTROW")) tokens_.TakeWord(u"ALL");
+    if (tokens_.TakeWord(u"DISTINCT"))
+        select.distinct = true;
+    else if (!tokens_.TakeWord(u"DISTINCTROW"))
+        tokens_.TakeWord(u"ALL");
     RETURN_IF_ERROR(ParseTop(select));
     RETURN_IF_ERROR(ParseOutputs(select));
     if (tokens_.TakeWord(u"INTO"))
@@ -100,7 +103,8 @@ Result<std::unique_ptr<FromNode>> StatementParser::ParseJoins() {
     ASSIGN_OR_RETURN(std::unique_ptr<FromNode> from, ParseSource());
     for (std::size_t count = 0;; ++count) {
         JoinKind kind = JoinKind::kInner;
-        if (tokens_.TakeWords({u"LEFT", u"JOIN"}) || tokens_.TakeWords({u"LEFT", u"OUTER", u"JOIN"}))
+        if (tokens_.TakeWords({u"LEFT", u"JOIN"}) ||
+            tokens_.TakeWords({u"LEFT", u"OUTER", u"JOIN"}))
             kind = JoinKind::kLeft;
         else if (tokens_.TakeWords({u"RIGHT", u"JOIN"}) ||
                  tokens_.TakeWords({u"RIGHT", u"OUTER", u"JOIN"}))

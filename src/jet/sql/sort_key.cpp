@@ -18,7 +18,8 @@ constexpr char kBytesMark = '\3';
 constexpr std::uint64_t kTopBit = std::uint64_t{1} << 63;
 
 void AppendBits(std::uint64_t bits, std::string& key) {
-    for (int shift = 56; shift >= 0; shift -= 8) key += static_cast<char>(bits >> shift & 0xFF);
+    for (int shift = 56; shift >= 0; shift -= 8)
+        key += static_cast<char>(bits >> shift & 0xFF);
 }
 
 void AppendNumber(double number, std::string& key) {
@@ -31,7 +32,8 @@ void AppendText(std::u16string_view text, std::string& key) {
     thread_local Bytes bytes;
     bytes.clear();
     AppendTextKey(text, bytes);
-    for (const std::byte b : bytes) key += static_cast<char>(b);
+    for (const std::byte b : bytes)
+        key += static_cast<char>(b);
 }
 
 // A zero inside is written 00 01, the end 00 00: no key is the beginning of another one.
@@ -73,7 +75,8 @@ void AppendSortKey(const Value& value, bool descending, std::string& key) {
         AppendNumber(NumberOf(value).value_or(0), key);
     }
     if (!descending) return;
-    for (std::size_t i = begin; i < key.size(); ++i) key[i] = static_cast<char>(~key[i]);
+    for (std::size_t i = begin; i < key.size(); ++i)
+        key[i] = static_cast<char>(~key[i]);
 }
 
 }  // namespace jet::sql

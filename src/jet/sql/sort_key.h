@@ -1,5 +1,6 @@
-// Keys of values for sorting, grouping and hashing: two values are in the order of their keys, byte by byte.
-// Null comes first; texts follow the collation; numbers of all types, dates included, share one order.
+// Keys of values for sorting, grouping and hashing: two values are in the order of their keys, byte
+// by byte. Null comes first; texts follow the collation; numbers of all types, dates included,
+// share one order.
 #pragma once
 
 #include "jet/value.h"

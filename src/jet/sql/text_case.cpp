@@ -3,8 +3,8 @@
 namespace jet::sql {
 namespace {
 
-// A run of capitals whose small letters lie `distance` further on; distance 1: capitals and small letters
-// alternate, beginning with a capital.
+// A run of capitals whose small letters lie `distance` further on; distance 1: capitals and small
+// letters alternate, beginning with a capital.
 struct CaseRun {
     char16_t first;
     char16_t last;
@@ -37,7 +37,8 @@ constexpr bool InRun(char16_t unit, char16_t first, char16_t last, char16_t dist
 template <char16_t (*Convert)(char16_t)>
 std::u16string ConvertAll(std::u16string_view text) {
     std::u16string converted(text);
-    for (char16_t& unit : converted) unit = Convert(unit);
+    for (char16_t& unit : converted)
+        unit = Convert(unit);
     return converted;
 }
 
@@ -61,8 +62,12 @@ char16_t ToUpper(char16_t unit) {
     return unit;
 }
 
-std::u16string ToUpper(std::u16string_view text) { return ConvertAll<ToUpper>(text); }
+std::u16string ToUpper(std::u16string_view text) {
+    return ConvertAll<ToUpper>(text);
+}
 
-std::u16string ToLower(std::u16string_view text) { return ConvertAll<ToLower>(text); }
+std::u16string ToLower(std::u16string_view text) {
+    return ConvertAll<ToLower>(text);
+}
 
 }  // namespace jet::sql

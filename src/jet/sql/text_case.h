@@ -1,4 +1,5 @@
-// Upper and lower case of single UTF-16 units, independent of the machine's locale: Latin, Greek, Cyrillic, Armenian.
+// Upper and lower case of single UTF-16 units, independent of the machine's locale: Latin, Greek,
+// Cyrillic, Armenian.
 #pragma once
 
 #include <string>

@@ -21,7 +21,9 @@ constexpr std::array<char16_t, 32> kAnsi = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-base::Status BadArgument() { return JetError(3001); }
+base::Status BadArgument() {
+    return JetError(3001);
+}
 
 Result<std::size_t> CountArgument(const Value& value) {
     ASSIGN_OR_RETURN(const std::int32_t count, WholeArgument(value));
@@ -130,8 +132,12 @@ Result<Value> InStrRev(Arguments a, EvalContext&) {
     return Value::Long(at == std::u16string::npos ? 0 : static_cast<std::int32_t>(at) + 1);
 }
 
-Result<Value> LCase(Arguments a, EvalContext&) { return Value::Text(ToLower(ToText(a[0]))); }
-Result<Value> UCase(Arguments a, EvalContext&) { return Value::Text(ToUpper(ToText(a[0]))); }
+Result<Value> LCase(Arguments a, EvalContext&) {
+    return Value::Text(ToLower(ToText(a[0])));
+}
+Result<Value> UCase(Arguments a, EvalContext&) {
+    return Value::Text(ToUpper(ToText(a[0])));
+}
 
 std::u16string TrimSpaces(std::u16string text, bool left, bool right) {
     if (right) text.erase(text.find_last_not_of(u' ') + 1);
@@ -269,6 +275,8 @@ constexpr Function kFunctions[] = {
 
 }  // namespace
 
-std::span<const Function> TextFunctions() { return kFunctions; }
+std::span<const Function> TextFunctions() {
+    return kFunctions;
+}
 
 }  // namespace jet::sql

@@ -8,13 +8,13 @@ namespace jet::sql {
 namespace {
 
 constexpr std::u16string_view kReserved[] = {
-    u"ADD",    u"ALL",     u"ALTER",  u"AND",        u"ANY",        u"AS",     u"BETWEEN",
-    u"BY",     u"COLUMN",  u"CONSTRAINT", u"CREATE", u"DEFAULT",    u"DELETE", u"DISTINCT",
-    u"DROP",   u"EXISTS",  u"FOREIGN", u"FROM",      u"GROUP",      u"HAVING", u"IN",
-    u"INDEX",  u"INNER",   u"INSERT", u"INTO",       u"IS",         u"JOIN",   u"KEY",
-    u"LEFT",   u"LIKE",    u"NOT",    u"NULL",       u"ON",         u"OR",     u"ORDER",
-    u"PRIMARY", u"REFERENCES", u"RIGHT", u"SELECT",  u"SET",        u"TABLE",  u"TOP",
-    u"UNION",  u"UNIQUE",  u"UPDATE", u"VALUES",     u"WHERE",
+    u"ADD",     u"ALL",        u"ALTER",      u"AND",    u"ANY",     u"AS",     u"BETWEEN",
+    u"BY",      u"COLUMN",     u"CONSTRAINT", u"CREATE", u"DEFAULT", u"DELETE", u"DISTINCT",
+    u"DROP",    u"EXISTS",     u"FOREIGN",    u"FROM",   u"GROUP",   u"HAVING", u"IN",
+    u"INDEX",   u"INNER",      u"INSERT",     u"INTO",   u"IS",      u"JOIN",   u"KEY",
+    u"LEFT",    u"LIKE",       u"NOT",        u"NULL",   u"ON",      u"OR",     u"ORDER",
+    u"PRIMARY", u"REFERENCES", u"RIGHT",      u"SELECT", u"SET",     u"TABLE",  u"TOP",
+    u"UNION",   u"UNIQUE",     u"UPDATE",     u"VALUES", u"WHERE",
 };
 
 }  // namespace
@@ -59,7 +59,8 @@ bool TokenReader::TakeWords(std::initializer_list<std::u16string_view> words) {
     std::size_t ahead = 0;
     for (const std::u16string_view word : words)
         if (!IsWord(word, ahead++)) return false;
-    for (std::size_t i = 0; i < words.size(); ++i) Take();
+    for (std::size_t i = 0; i < words.size(); ++i)
+        Take();
     return true;
 }
 

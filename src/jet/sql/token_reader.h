@@ -1,4 +1,5 @@
-// TokenReader: a place in a row of tokens, and the questions that every part of the parser asks of it.
+// TokenReader: a place in a row of tokens, and the questions that every part of the parser asks of
+// it.
 #pragma once
 
 #include "base/status.h"

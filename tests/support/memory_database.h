@@ -1,0 +1,265 @@
+// MemoryDatabase: tables in memory behind the engine's Database interface, for tests of what lies
+// above it. Keys are compared value by value; there are no pages.
+#pragma once
+
+#include "jet/coerce.h"
+#include "jet/collation.h"
+#include "jet/database.h"
+#include "jet/errors.h"
+#include "jet/sql/bind.h"
+#include "jet/sql/sort_key.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace test_support {
+
+using RowMap = std::map<jet::RowId, std::vector<jet::Value>>;
+
+class MemoryCursor : public jet::RowCursor {
+public:
+    MemoryCursor(const RowMap& rows, std::vector<jet::RowId> ids)
+        : rows_(rows), ids_(std::move(ids)) {}
+
+    base::Result<std::optional<jet::RowId>> Next() override {
+        while (at_ < ids_.size())
+            if (rows_.contains(ids_[at_++])) return std::optional(ids_[at_ - 1]);
+        return std::optional<jet::RowId>();
+    }
+    base::Status Read(std::span<const std::size_t> columns, std::span<jet::Value> values) override {
+        const std::vector<jet::Value>& row = rows_.at(ids_[at_ - 1]);
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            values[i] = row[columns[i]];
+        return base::Status::Ok();
+    }
+
+private:
+    const RowMap& rows_;
+    std::vector<jet::RowId> ids_;
+    std::size_t at_ = 0;
+};
+
+class MemoryTable : public jet::Table {
+public:
+    explicit MemoryTable(jet::TableDesign design) : design_(std::move(design)) {}
+
+    jet::TableDesign& mutable_design() { return design_; }
+    RowMap& rows() { return rows_; }
+    // Ranges walked since the table was made, so that a test can tell whether an index was used.
+    int ranges() const { return ranges_; }
+
+    const jet::TableDesign& design() const override { return design_; }
+    std::uint32_t row_count() const override { return static_cast<std::uint32_t>(rows_.size()); }
+    std::optional<base::Status> read_only_reason() const override { return std::nullopt; }
+
+    base::Result<std::unique_ptr<jet::RowCursor>> Scan() override {
+        std::vector<jet::RowId> ids;
+        for (const auto& [id, row] : rows_)
+            ids.push_back(id);
+        return std::unique_ptr<jet::RowCursor>(new MemoryCursor(rows_, std::move(ids)));
+    }
+
+    base::Result<std::unique_ptr<jet::RowCursor>> Range(std::size_t index,
+                                                        const jet::KeyBound& from,
+                                                        const jet::KeyBound& to,
+                                                        bool backwards) override {
+        ++ranges_;
+        const jet::IndexDesign& design = design_.indexes[index];
+        const std::string low = BoundKey(design, from);
+        const std::string high = BoundKey(design, to);
+        std::vector<std::pair<std::string, jet::RowId>> found;
+        for (const auto& [id, row] : rows_) {
+            const std::string key = Key(design, row);
+            if (key.substr(0, low.size()) < low || key.substr(0, high.size()) > high) continue;
+            found.emplace_back(key, id);
+        }
+        std::sort(found.begin(), found.end());
+        if (backwards) std::reverse(found.begin(), found.end());
+        std::vector<jet::RowId> ids;
+        for (const auto& entry : found)
+            ids.push_back(entry.second);
+        return std::unique_ptr<jet::RowCursor>(new MemoryCursor(rows_, std::move(ids)));
+    }
+
+    base::Status Read(jet::RowId row, std::span<const std::size_t> columns,
+                      std::span<jet::Value> values) override {
+        const auto found = rows_.find(row);
+        if (found == rows_.end()) return jet::JetError(3167);
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            values[i] = found->second[columns[i]];
+        return base::Status::Ok();
+    }
+
+    base::Result<jet::RowId> Insert(std::span<jet::Value> values) override {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const jet::ColumnDesign& column = design_.columns[i];
+            if (column.autonumber && values[i].is_null())
+                values[i] = jet::Value::Long(++autonumber_);
+            ASSIGN_OR_RETURN(values[i], jet::Coerce(values[i], column));
+            if (column.required && values[i].is_null()) return jet::JetError(3314, column.name);
+        }
+        std::vector<jet::Value> row(values.begin(), values.end());
+        RETURN_IF_ERROR(CheckUnique(row, jet::RowId{}));
+        const jet::RowId id{1 + next_ / 200, static_cast<std::uint8_t>(next_ % 200)};
+        ++next_;
+        rows_[id] = std::move(row);
+        return id;
+    }
+    base::Status Update(jet::RowId row, std::span<const jet::ColumnChange> changes) override {
+        const auto found = rows_.find(row);
+        if (found == rows_.end()) return jet::JetError(3167);
+        std::vector<jet::Value> changed = found->second;
+        for (const jet::ColumnChange& change : changes) {
+            ASSIGN_OR_RETURN(changed[change.column],
+                             jet::Coerce(change.value, design_.columns[change.column]));
+        }
+        RETURN_IF_ERROR(CheckUnique(changed, row));
+        found->second = std::move(changed);
+        return base::Status::Ok();
+    }
+    base::Status Delete(jet::RowId row) override {
+        return rows_.erase(row) == 1 ? base::Status::Ok() : jet::JetError(3167);
+    }
+
+private:
+    static std::string Key(const jet::IndexDesign& index, const std::vector<jet::Value>& row) {
+        std::string key;
+        for (const jet::IndexColumn& part : index.columns)
+            jet::sql::AppendSortKey(row[part.column], !part.ascending, key);
+        return key;
+    }
+    static std::string BoundKey(const jet::IndexDesign& index, const jet::KeyBound& bound) {
+        std::string key;
+        for (std::size_t i = 0; i < bound.values.size(); ++i)
+            jet::sql::AppendSortKey(bound.values[i], !index.columns[i].ascending, key);
+        return key;
+    }
+    base::Status CheckUnique(const std::vector<jet::Value>& row, jet::RowId self) const {
+        for (const jet::IndexDesign& index : design_.indexes) {
+            if (!index.unique && !index.primary) continue;
+            for (const auto& [id, other] : rows_)
+                if (id != self && Key(index, other) == Key(index, row)) return jet::JetError(3022);
+        }
+        return base::Status::Ok();
+    }
+
+    jet::TableDesign design_;
+    RowMap rows_;
+    std::uint32_t next_ = 0;
+    std::int32_t autonumber_ = 0;
+    int ranges_ = 0;
+};
+
+class MemoryDatabase : public jet::Database {
+public:
+    void set_read_only(bool read_only) { read_only_ = read_only; }
+
+    bool read_only() const override { return read_only_; }
+    int jet_version() const override { return 4; }
+    base::Result<std::vector<std::u16string>> TableNames() override {
+        std::vector<std::u16string> names;
+        for (const auto& table : tables_)
+            names.push_back(table->design().name);
+        return names;
+    }
+    base::Result<jet::Table*> FindTable(std::u16string_view name) override {
+        for (const auto& table : tables_)
+            if (jet::sql::SameName(table->design().name, name)) return table.get();
+        return jet::JetError(3078, name);
+    }
+
+    base::Status Begin() override {
+        saved_.clear();
+        for (const auto& table : tables_)
+            saved_.push_back(std::make_unique<MemoryTable>(*table));
+        in_transaction_ = true;
+        return base::Status::Ok();
+    }
+    base::Status Commit() override {
+        in_transaction_ = false;
+        return base::Status::Ok();
+    }
+    void Rollback() override {
+        in_transaction_ = false;
+        // Tables keep their places in memory when no design changed, as the engine's do.
+        if (saved_.size() != tables_.size()) {
+            tables_ = std::move(saved_);
+            return;
+        }
+        for (std::size_t i = 0; i < tables_.size(); ++i)
+            *tables_[i] = *saved_[i];
+    }
+    bool in_transaction() const override { return in_transaction_; }
+
+    base::Status CreateTable(const jet::TableDesign& design) override {
+        if (FindTable(design.name).ok()) return jet::JetError(3010, design.name);
+        tables_.push_back(std::make_unique<MemoryTable>(design));
+        return base::Status::Ok();
+    }
+    base::Status DropTable(std::u16string_view name) override {
+        std::erase_if(tables_, [&](const auto& table) {
+            return jet::sql::SameName(table->design().name, name);
+        });
+        return base::Status::Ok();
+    }
+    base::Status AddColumn(std::u16string_view name, const jet::ColumnDesign& column) override {
+        MemoryTable& table = Get(name);
+        jet::TableDesign& design = table.mutable_design();
+        if (jet::sql::FindColumn(design, column.name) != design.columns.size())
+            return jet::JetError(3380, column.name, name);
+        design.columns.push_back(column);
+        for (auto& [id, row] : table.rows())
+            row.push_back(*jet::Coerce(jet::Value(), column));
+        return base::Status::Ok();
+    }
+    base::Status AlterColumn(std::u16string_view name, const jet::ColumnDesign& column) override {
+        MemoryTable& table = Get(name);
+        jet::TableDesign& design = table.mutable_design();
+        const std::size_t at = jet::sql::FindColumn(design, column.name);
+        design.columns[at] = column;
+        for (auto& [id, row] : table.rows())
+            row[at] = jet::Coerce(row[at], column).value_or(jet::Value());
+        return base::Status::Ok();
+    }
+    base::Status DropColumn(std::u16string_view name, std::u16string_view column) override {
+        MemoryTable& table = Get(name);
+        jet::TableDesign& design = table.mutable_design();
+        const std::size_t at = jet::sql::FindColumn(design, column);
+        if (at == design.columns.size()) return jet::JetError(3381, column, name);
+        const auto place = static_cast<std::ptrdiff_t>(at);
+        design.columns.erase(design.columns.begin() + place);
+        for (auto& [id, row] : table.rows())
+            row.erase(row.begin() + place);
+        return base::Status::Ok();
+    }
+    base::Status CreateIndex(std::u16string_view name, const jet::IndexDesign& index) override {
+        Get(name).mutable_design().indexes.push_back(index);
+        return base::Status::Ok();
+    }
+    base::Status DropIndex(std::u16string_view name, std::u16string_view index) override {
+        const auto erased =
+            std::erase_if(Get(name).mutable_design().indexes, [&](const jet::IndexDesign& design) {
+                return jet::sql::SameName(design.name, index);
+            });
+        return erased == 1 ? base::Status::Ok() : jet::JetError(3372, index, name);
+    }
+
+    base::Status Flush() override { return base::Status::Ok(); }
+    base::Status Close() override { return base::Status::Ok(); }
+    jet::PageStore& pages() override { return *pages_; }
+
+private:
+    MemoryTable& Get(std::u16string_view name) {
+        return static_cast<MemoryTable&>(**FindTable(name));
+    }
+
+    std::vector<std::unique_ptr<MemoryTable>> tables_;
+    std::vector<std::unique_ptr<MemoryTable>> saved_;
+    std::unique_ptr<jet::PageStore> pages_ = jet::MakeMemoryPageStore(4096, {});
+    bool read_only_ = false;
+    bool in_transaction_ = false;
+};
+
+}  // namespace test_support
