@@ -55,7 +55,7 @@ int RunProgram(const QString& folder_argument) {
     dialogs::QtUserPrompts prompts;
     const base::Status opened = catalogue::Main(catalogue);
     if (!opened.ok()) {
-        prompts.Ask({QString::fromStdString(opened.message())});
+        prompts.Ask({QString::fromStdString(opened.message()), {}});
         return 1;
     }
 

@@ -1,0 +1,99 @@
+#include "catalogue/new_catalogue.h"
+
+#include "jet/connection.h"
+#include "jet/database.h"
+#include "platform/file_system.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QTemporaryDir>
+
+namespace catalogue {
+namespace {
+
+class NewCatalogueTest : public testing::Test {
+protected:
+    void SetUp() override {
+        path = folder.filePath(QStringLiteral("pinball.mdb"));
+        const base::Status made = CreateEmptyCatalogue(*files, path.toStdU16String(), 46000.5);
+        ASSERT_TRUE(made.ok()) << made.message();
+    }
+    // What a program of mdbtools prints; nullopt when it is not installed.
+    std::optional<QString> OutputOf(const QString& program, const QStringList& arguments) {
+        if (QStandardPaths::findExecutable(program).isEmpty()) return std::nullopt;
+        QProcess process;
+        process.start(program, arguments);
+        process.waitForFinished();
+        return QString::fromUtf8(process.readAllStandardOutput());
+    }
+
+    QTemporaryDir folder;
+    QString path;
+    std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
+};
+
+TEST_F(NewCatalogueTest, HasOneEmptyTableWithTwelveColumns) {
+    jet::Connection connection(*files);
+    ASSERT_TRUE(connection.Open(u"Data Source=" + path.toStdU16String()).ok());
+    const auto rows = connection.Execute(u"Select * from Tables");
+    ASSERT_TRUE(rows.ok()) << rows.status().message();
+    EXPECT_EQ(rows->FieldCount(), 12U);
+    EXPECT_TRUE(rows->Bof() && rows->Eof());
+}
+
+TEST_F(NewCatalogueTest, NumbersItsRowsByItself) {
+    jet::Connection connection(*files);
+    ASSERT_TRUE(connection.Open(u"Data Source=" + path.toStdU16String()).ok());
+    ASSERT_TRUE(connection.Execute(u"INSERT INTO Tables (DisplayName) VALUES ('a')").ok());
+    ASSERT_TRUE(connection.Execute(u"INSERT INTO Tables (DisplayName) VALUES ('b')").ok());
+    auto rows = connection.Execute(u"Select ID from Tables where DisplayName = 'b'");
+    ASSERT_TRUE(rows.ok());
+    EXPECT_EQ(jet::ToInteger(*rows->Fields(u"ID")), 2);
+    // An explicit number that is taken is refused: ID is the key.
+    EXPECT_FALSE(connection.Execute(u"INSERT INTO Tables (ID, DisplayName) VALUES (1, 'c')").ok());
+}
+
+TEST_F(NewCatalogueTest, HasThePrimaryKeyAndItsTwoIndexes) {
+    jet::Connection connection(*files);
+    ASSERT_TRUE(connection.Open(u"Data Source=" + path.toStdU16String()).ok());
+    const auto table = connection.database()->FindTable(u"tables");
+    ASSERT_TRUE(table.ok());
+    std::vector<std::u16string> names;
+    for (const auto& index : (*table)->design().indexes)
+        names.push_back(index.name);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::u16string>{u"DisplayName", u"FileName", u"PrimaryKey"}));
+    EXPECT_EQ(connection.database()->jet_version(), 4);
+}
+
+TEST_F(NewCatalogueTest, AFileThatIsThereIsNotTouched) {
+    const base::Status again = CreateEmptyCatalogue(*files, path.toStdU16String(), 46000.5);
+    EXPECT_EQ(again.code(), base::StatusCode::kAlreadyExists);
+    jet::Connection connection(*files);
+    EXPECT_TRUE(connection.Open(u"Data Source=" + path.toStdU16String()).ok());
+}
+
+TEST_F(NewCatalogueTest, OtherProgramsReadIt) {
+    const auto tables = OutputOf(QStringLiteral("mdb-tables"), {QStringLiteral("-1"), path});
+    if (!tables) GTEST_SKIP() << "mdbtools is not installed";
+    EXPECT_EQ(tables->trimmed(), QStringLiteral("Tables"));
+    const QString schema =
+        OutputOf(QStringLiteral("mdb-schema"), {path}).value_or(QString()).simplified();
+    EXPECT_TRUE(schema.contains(QStringLiteral("[ID] Long Integer"))) << schema.toStdString();
+    EXPECT_TRUE(schema.contains(QStringLiteral("[DisplayName] Text (255)")))
+        << schema.toStdString();
+    EXPECT_TRUE(schema.contains(QStringLiteral("[Year] Text (50)"))) << schema.toStdString();
+    EXPECT_TRUE(schema.contains(QStringLiteral("[Notes] Memo/Hyperlink (255)")) ||
+                schema.contains(QStringLiteral("[Notes] Memo")))
+        << schema.toStdString();
+    EXPECT_TRUE(schema.contains(QStringLiteral("[PinMame] Boolean"))) << schema.toStdString();
+    const auto rows = OutputOf(QStringLiteral("mdb-export"), {path, QStringLiteral("Tables")});
+    EXPECT_EQ(rows->trimmed(),
+              QStringLiteral("ID,DisplayName,FileName,Author,Company,Year,Version,ImageFile,"
+                             "FlyerFile,Notes,PinMame,Favorite"));
+}
+
+}  // namespace
+}  // namespace catalogue

@@ -1,0 +1,194 @@
+#include "catalogue/new_catalogue.h"
+#include "catalogue/pin_subs.h"
+#include "support/catalogue_fixture.h"
+
+#include <QtCore/QFile>
+
+#include <filesystem>
+
+namespace catalogue {
+namespace {
+
+class StartUpTest : public test_support::CatalogueFixture {
+protected:
+    // A second start, on the same file.
+    base::Status StartAgain() {
+        connection->Close().Ignore();
+        return Main(catalogue);
+    }
+    QStringList ColumnNames() {
+        QStringList names;
+        const auto rows = connection->Execute(u"Select * from Tables");
+        for (std::size_t i = 0; rows.ok() && i < rows->FieldCount(); ++i)
+            names.append(QString::fromStdU16String(rows->FieldName(i)));
+        return names;
+    }
+};
+
+// Columns of a catalogue, in the order in which they came into being.
+const QStringList& AllColumns() {
+    static const QStringList names =
+        QStringLiteral(
+            "ID DisplayName FileName Author Company Year Version ImageFile FlyerFile Notes PinMame "
+            "Favorite RulesFile FileDate RulesText TimesPlayed LastPlayed DateAdded CRC")
+            .split(u' ');
+    return names;
+}
+
+// A folder whose catalogue has never been opened by Main.
+class FreshFolder : public testing::Test {
+protected:
+    void SetUp() override {
+        values.ApplicationFolder = folder.path();
+        path = folder.filePath(QStringLiteral("pinball.mdb"));
+        catalogue = {connection.get(), &values, &settings, &clock};
+    }
+    void MakeCatalogue() {
+        ASSERT_TRUE(CreateEmptyCatalogue(*files, path.toStdU16String(), 46000).ok());
+    }
+    void ExecuteAlone(const QString& sql) {
+        jet::Connection other(*files);
+        const QString connection_string = QStringLiteral("Data Source=") + path;
+        ASSERT_TRUE(other.Open(connection_string.toStdU16String()).ok());
+        const auto done = other.Execute(sql.toStdU16String());
+        ASSERT_TRUE(done.ok()) << done.status().message();
+    }
+    QByteArray Content() const {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    QTemporaryDir folder;
+    QString path;
+    std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
+    std::unique_ptr<jet::Connection> connection = std::make_unique<jet::Connection>(*files);
+    test_support::FakeClock clock;
+    test_support::FakeSettings settings;
+    ProcessValues values;
+    Catalogue catalogue;
+};
+
+TEST_F(StartUpTest, ABaseCatalogueGainsAllSevenColumns) {
+    EXPECT_EQ(ColumnNames(), AllColumns());
+}
+
+TEST_F(StartUpTest, ASecondStartChangesNothing) {
+    Execute(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('One')"));
+    ASSERT_TRUE(StartAgain().ok());
+    EXPECT_EQ(ColumnNames(), AllColumns());
+    EXPECT_EQ(Scalar(QStringLiteral("Select DisplayName from Tables")), QStringLiteral("One"));
+}
+
+TEST_F(FreshFolder, OnlyMissingColumnsAreAdded) {
+    MakeCatalogue();
+    ExecuteAlone(QStringLiteral("Alter Table Tables ADD CRC VarChar(50) NULL"));
+    ExecuteAlone(QStringLiteral("Alter Table Tables ADD FileDate DATE NULL"));
+    ASSERT_TRUE(Main(catalogue).ok());
+    const auto rows = connection->Execute(u"Select * from Tables");
+    ASSERT_TRUE(rows.ok());
+    EXPECT_EQ(rows->FieldCount(), 19U);
+    EXPECT_EQ(rows->FieldName(12), u"CRC");
+}
+
+TEST_F(StartUpTest, UndatedRowsAreStampedWithToday) {
+    Execute(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('undated')"));
+    Execute(
+        QStringLiteral("INSERT INTO Tables (DisplayName, DateAdded) VALUES ('dated', '3/4/2001')"));
+    clock.now = QDateTime(QDate(2026, 12, 1), QTime(8, 0));
+    ASSERT_TRUE(StartAgain().ok());
+    EXPECT_EQ(Scalar(QStringLiteral("Select DateAdded from Tables where DisplayName='undated'")),
+              QStringLiteral("12/1/2026"));
+    EXPECT_EQ(Scalar(QStringLiteral("Select DateAdded from Tables where DisplayName='dated'")),
+              QStringLiteral("3/4/2001"));
+}
+
+TEST_F(StartUpTest, TimesPlayedStartsAtZeroForNewRowsOnly) {
+    Execute(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('new')"));
+    EXPECT_EQ(Scalar(QStringLiteral("Select TimesPlayed from Tables")), QStringLiteral("0"));
+}
+
+TEST_F(FreshFolder, RowsThatExistedBeforeTheColumnHaveNoPlayCount) {
+    MakeCatalogue();
+    ExecuteAlone(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('old')"));
+    ASSERT_TRUE(Main(catalogue).ok());
+    const auto rows = connection->Execute(u"Select TimesPlayed, DateAdded from Tables");
+    ASSERT_TRUE(rows.ok());
+    auto current = connection->Execute(u"Select TimesPlayed, DateAdded from Tables");
+    EXPECT_TRUE(current->Fields(u"TimesPlayed")->is_null());
+    EXPECT_EQ(FieldText(*current, u"DateAdded"), QStringLiteral("11/20/2026"));
+}
+
+TEST_F(StartUpTest, ProcessValuesAreFilled) {
+    EXPECT_EQ(values.StatusColours, (StatusColourTable{0, 65535, 255, 65280}));
+    EXPECT_EQ(values.TableInfoStreamNames.front(), QStringLiteral("TableName"));
+    EXPECT_EQ(values.TableInfoStreamNames[2], QStringLiteral("Screenshot"));
+    EXPECT_EQ(values.TableInfoStreamNames.back(), QStringLiteral("TableDescription"));
+    EXPECT_EQ(values.VisualPinballExe, QString());
+}
+
+TEST_F(StartUpTest, TheExecutableComesFromTheSettings) {
+    settings.values[QStringLiteral("TAVOLO/GENERAL/VPEXE")] =
+        QStringLiteral("C:\\VP\\VPinball.exe");
+    ASSERT_TRUE(StartAgain().ok());
+    EXPECT_EQ(values.VisualPinballExe, QStringLiteral("C:\\VP\\VPinball.exe"));
+}
+
+TEST_F(FreshFolder, AMissingDatabaseIsTheEnginesErrorAndMakesNoFile) {
+    const base::Status opened = Main(catalogue);
+    ASSERT_FALSE(opened.ok());
+    EXPECT_FALSE(opened.message().empty());
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_FALSE(connection->is_open());
+}
+
+TEST_F(FreshFolder, ATextFileUnderTheNameIsRefusedAndStaysAsItIs) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("dear diary\n");
+    file.close();
+    const base::Status opened = Main(catalogue);
+    ASSERT_FALSE(opened.ok());
+    EXPECT_FALSE(opened.message().empty());
+    EXPECT_EQ(Content(), QByteArray("dear diary\n"));
+}
+
+TEST_F(FreshFolder, ACutDatabaseIsRefusedOrOpensButIsNotMadeWorse) {
+    MakeCatalogue();
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.resize(4096 + 100));
+    file.close();
+    const QByteArray before = Content();
+    const base::Status opened = Main(catalogue);
+    EXPECT_FALSE(opened.ok());
+    EXPECT_FALSE(opened.message().empty());
+    EXPECT_EQ(Content(), before);
+}
+
+TEST_F(FreshFolder, AReadOnlyDatabaseOpensAndKeepsItsColumns) {
+    MakeCatalogue();
+    ExecuteAlone(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('kept')"));
+    const QByteArray before = Content();
+    // Whoever runs the tests as root may write everything, so the engine is asked to read only.
+    values.ApplicationFolder = folder.path();
+    QFile::setPermissions(path, QFileDevice::ReadOwner);
+    const base::Status opened = Main(catalogue);
+    ASSERT_TRUE(opened.ok()) << opened.message();
+    const auto rows = connection->Execute(u"Select DisplayName from Tables");
+    ASSERT_TRUE(rows.ok());
+    EXPECT_FALSE(rows->Eof());
+}
+
+TEST_F(FreshFolder, ADatabaseHeldByAnotherConnectionSaysSo) {
+    MakeCatalogue();
+    jet::Connection holder(*files);
+    const QString connection_string = QStringLiteral("Data Source=") + path;
+    ASSERT_TRUE(holder.Open(connection_string.toStdU16String()).ok());
+    ASSERT_TRUE(holder.Execute(u"INSERT INTO Tables (DisplayName) VALUES ('held')").ok());
+    const base::Status opened = Main(catalogue);
+    ASSERT_FALSE(opened.ok());
+    EXPECT_EQ(opened.code(), base::StatusCode::kBusy) << opened.message();
+}
+
+}  // namespace
+}  // namespace catalogue
