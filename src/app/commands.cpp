@@ -13,6 +13,7 @@
 #include "maintenance/play_counts.h"
 #include "maintenance/purge.h"
 #include "pictures/frmPicture.h"
+#include "platform/application_folder.h"
 
 namespace app {
 namespace {
@@ -25,13 +26,19 @@ constexpr int kImageFileField = 7;
 Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                    browser::frmPinball& window)
     : catalogue_(catalogue), prompts_(prompts), window_(window),
-      refresh_tree_([this] { window_.RefreshTree(); }), splash_(&window) {
+      refresh_tree_([this] { window_.RefreshTree(); }), splash_(&window),
+      launcher_({catalogue, *windows_, *starter_, *sounds_, events_, splash_, prompts},
+                WindowActions()) {
     AttachScan();
     AttachUtilities();
     AttachCatalogueDialogs();
     AttachHelp();
     AttachPictures();
-    window_.SetBeforeUnload([this] { splash_.Unload(); });
+    AttachPlay();
+    window_.SetBeforeUnload([this] {
+        launcher_.EndWatches();
+        splash_.Unload();
+    });
 }
 
 maintenance::CommandContext Commands::Context() {
@@ -96,6 +103,26 @@ void Commands::AttachPictures() {
         pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(),
                                            assign, &window_);
     });
+}
+
+void Commands::AttachPlay() {
+    window_.SetPlayTable([this](const QString& path, const QString& display_name, std::int32_t id) {
+        launcher_.PlayTable(path, display_name, id);
+    });
+    window_.SetPlaySound([this](const QString& wave_file_name) {
+        sounds_->PlaySynchronously(
+            platform::FileIn(catalogue_.values->ApplicationFolder, wave_file_name));
+    });
+}
+
+launcher::MainWindowActions Commands::WindowActions() {
+    return {[this] { return window_.windowState(); }, [this] { window_.showMinimized(); },
+            [this](Qt::WindowStates state) { window_.setWindowState(state); },
+            [this] {
+                auto* settings = new dialogs::frmSettings(catalogue_, prompts_, &window_);
+                settings->setAttribute(Qt::WA_DeleteOnClose);
+                settings->show();
+            }};
 }
 
 }  // namespace app

@@ -5,9 +5,12 @@
 #include "browser/frmSplash.h"
 #include "dialogs/help_key.h"
 #include "dialogs/qt_user_events.h"
+#include "launcher/play_table.h"
 #include "maintenance/command_context.h"
 #include "platform/process_starter.h"
 #include "platform/shell.h"
+#include "platform/sound_player.h"
+#include "platform/window_control.h"
 
 #include <functional>
 #include <memory>
@@ -27,6 +30,8 @@ private:
     void AttachCatalogueDialogs();
     void AttachHelp();
     void AttachPictures();
+    void AttachPlay();
+    launcher::MainWindowActions WindowActions();
     maintenance::CommandContext Context();
 
     catalogue::Catalogue& catalogue_;
@@ -39,6 +44,9 @@ private:
     std::unique_ptr<platform::Shell> shell_ = platform::MakeShell();
     dialogs::HelpKey help_key_{*shell_, catalogue_.values->ApplicationFolder};
     std::unique_ptr<platform::ProcessStarter> starter_ = platform::MakeProcessStarter();
+    std::unique_ptr<platform::SoundPlayer> sounds_ = platform::MakeSoundPlayer();
+    std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
+    launcher::Launcher launcher_;
 };
 
 }  // namespace app

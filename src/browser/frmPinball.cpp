@@ -5,6 +5,7 @@
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
 #include "browser/utilities_menu.h"
+#include "browser/wait_until_shown.h"
 #include "catalogue/selection.h"
 #include "dialogs/program_version.h"
 #include "platform/application_folder.h"
@@ -89,8 +90,7 @@ QWidget* frmPinball::CreateTopBar() {
 QWidget* frmPinball::CreateTreePane() {
     auto* pane = new QWidget(this);
     tvwDB_ = new TableTreeView(model_, pane);
-    cmdPlay_ =
-        new PlayButton(*catalogue_.values, imlSmallIcons_.Icon(QStringLiteral("play")), pane);
+    cmdPlay_ = new launcher::PlayButton(*catalogue_.values, pane);
     auto* caption = new QLabel(QStringLiteral("Notes:"), pane);
     caption->setObjectName(QStringLiteral("Label1"));
     lblComments_ = new QLabel(pane);
@@ -147,7 +147,7 @@ void frmPinball::SetPlayTable(TreeController::PlayTable play) {
     tree_->SetPlayTable(std::move(play));
 }
 
-void frmPinball::SetPlaySound(PlayButton::Sound sound) {
+void frmPinball::SetPlaySound(launcher::PlayButton::Sound sound) {
     cmdPlay_->SetSound(std::move(sound));
 }
 
@@ -204,6 +204,8 @@ void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
 }
 
 void frmPinball::AskForWhatIsMissing() {
+    if (!catalogue_is_empty_ && !catalogue_.values->VisualPinballExe.isEmpty()) return;
+    WaitUntilShown(*this);  // a dialog is placed over its owner
     if (catalogue_is_empty_) menu_->Run(QStringLiteral("mnuTblScan"));
     if (catalogue_.values->VisualPinballExe.isEmpty()) menu_->Run(QStringLiteral("mnuExe"));
 }

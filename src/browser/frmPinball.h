@@ -7,8 +7,8 @@
 #include "browser/icon_list.h"
 #include "browser/main_menu.h"
 #include "browser/main_window_settings.h"
-#include "browser/play_button.h"
 #include "browser/tree_controller.h"
+#include "launcher/play_button.h"
 
 #include <QtWidgets/QMainWindow>
 
@@ -43,7 +43,7 @@ public:
     void SetCommand(const QString& item, MainMenu::Command command);
     // How a table is started, and how the play button sounds.
     void SetPlayTable(TreeController::PlayTable play);
-    void SetPlaySound(PlayButton::Sound sound);
+    void SetPlaySound(launcher::PlayButton::Sound sound);
     // Called when the window has agreed to close, before the catalogue is closed.
     void SetBeforeUnload(std::function<void()> unload);
 
@@ -101,7 +101,7 @@ private:
     OrderBar* order_bar_ = nullptr;
     TableTreeView* tvwDB_ = nullptr;
     QLabel* lblComments_ = nullptr;
-    PlayButton* cmdPlay_ = nullptr;
+    launcher::PlayButton* cmdPlay_ = nullptr;
     DetailPanel* details_ = nullptr;
     StatusPanels* status_ = nullptr;
     QSplitter* splitter_ = nullptr;

@@ -1,17 +1,14 @@
 #include "browser/frmSplash.h"
 
+#include "browser/wait_until_shown.h"
+
 #include <QtCore/QCoreApplication>
-#include <QtCore/QElapsedTimer>
-#include <QtGui/QWindow>
 #include <QtWidgets/QFrame>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
 namespace browser {
 namespace {
-
-// A window system that never says that the window is visible must not hold up the work.
-constexpr int kLongestWaitMs = 400;
 
 QLabel* NamedLabel(const QString& name, const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -66,11 +63,7 @@ void frmSplash::SetStatus(const QString& text) {
 void frmSplash::ShowNow() {
     show();
     raise();
-    QElapsedTimer waited;
-    waited.start();
-    do {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 20);
-    } while (!(windowHandle() && windowHandle()->isExposed()) && waited.elapsed() < kLongestWaitMs);
+    WaitUntilShown(*this);
     repaint();
 }
 

@@ -9,8 +9,8 @@
 namespace browser {
 namespace {
 
-// Small icons at scales of 1 to 3, and the play button.
-constexpr int kSizes[] = {16, 24, 32, 48, 64};
+// Small icons at scales of 1 to 3.
+constexpr int kSizes[] = {16, 24, 32, 48};
 
 QIcon Render(const QString& file) {
     QIcon icon;
@@ -36,8 +36,8 @@ IconList::IconList() {
 QIcon IconList::Icon(const QString& key) {
     const auto known = icons_.constFind(key);
     if (known != icons_.cend()) return *known;
-    const QString name = key == u"play" ? key : QStringLiteral("icons/") + key;
-    return *icons_.insert(key, Render(QStringLiteral(":/tavolo/") + name + QStringLiteral(".svg")));
+    return *icons_.insert(key,
+                          Render(QStringLiteral(":/tavolo/icons/") + key + QStringLiteral(".svg")));
 }
 
 }  // namespace browser

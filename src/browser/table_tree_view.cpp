@@ -17,7 +17,7 @@ TableTreeView::TableTreeView(TableTreeModel& model, QWidget* parent) : QTreeView
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
-    setIndentation(18);
+    setIndentation(15);
     setModel(&model);
     // Long names scroll; only what is seen is measured.
     header()->setStretchLastSection(false);
