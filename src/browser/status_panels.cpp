@@ -13,8 +13,8 @@ constexpr int kHundred = 100;
 // Below this the work is over before a bar can be read.
 constexpr std::int64_t kWorthShowing = 2000;
 
-// Width shares of the panels: count, current table, times played, last played.
-constexpr std::array<int, 4> kStretch = {3, 5, 3, 4};
+// The name of the current table takes what the other panels leave.
+constexpr std::size_t kNamePanel = 1;
 
 }  // namespace
 
@@ -23,10 +23,9 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     for (std::size_t i = 0; i < panels_.size(); ++i) {
         panels_[i] = new QLabel(this);
         panels_[i]->setObjectName(QStringLiteral("sbrDB_") + QString::number(i + 1));
-        // A long table name is cut, not the window widened.
-        panels_[i]->setMinimumWidth(1);
+        if (i == kNamePanel) panels_[i]->setMinimumWidth(1);  // cut rather than widen the window
         panels_[i]->setTextFormat(Qt::PlainText);
-        addWidget(panels_[i], kStretch[i]);
+        addWidget(panels_[i], i == kNamePanel ? 1 : 0);
     }
     prgLoad_ = new QProgressBar(this);
     prgLoad_->setObjectName(QStringLiteral("prgLoad"));

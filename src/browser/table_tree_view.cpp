@@ -6,6 +6,7 @@
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
+#include <QtGui/QShowEvent>
 #include <QtWidgets/QHeaderView>
 
 namespace browser {
@@ -55,6 +56,20 @@ void TableTreeView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton)
         Q_EMIT RightButtonUp(ToTwips(qRound(event->position().x())),
                              event->globalPosition().toPoint());
+}
+
+// The marked row reaches to the right edge, and long names scroll.
+void TableTreeView::resizeEvent(QResizeEvent* event) {
+    QTreeView::resizeEvent(event);
+    header()->setMinimumSectionSize(viewport()->width());
+}
+
+// A node that was selected before the view had its size shows as one selected later.
+void TableTreeView::showEvent(QShowEvent* event) {
+    QTreeView::showEvent(event);
+    if (event->spontaneous()) return;
+    scrollToTop();
+    scrollTo(currentIndex());
 }
 
 void TableTreeView::keyPressEvent(QKeyEvent* event) {

@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(
         QueryCase{"TimesPlayedIsANumber", u"TimesPlayed", u"=", u"0",
                   u"Select * from Tables Where TimesPlayed = 0"},
         QueryCase{"UnknownKey", u"Colour", u"=", u"red", u""}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& variant) { return std::string(variant.param.name); });
 
 TEST(OrderClauseTest, EachCaptionHasItsColumn) {
     const std::pair<const char16_t*, const char16_t*> columns[] = {
