@@ -1,0 +1,59 @@
+// A play with a true Windows simulator, through Wine.
+#include "launcher/real_play_fixture.h"
+#include "support/wine_prefix.h"
+
+namespace {
+
+class WinePlayTest : public test_support::RealPlayFixture {
+protected:
+    static void SetUpTestSuite() {
+        problem_ = test_support::UseWinePrefix(QStringLiteral(WINE_PREFIX));
+    }
+    static void TearDownTestSuite() {
+        if (problem_.isEmpty()) test_support::EndWine();
+    }
+    void SetUp() override {
+        if (problem_ == QLatin1String("Wine is not installed"))
+            GTEST_SKIP() << "Wine is not installed";
+        ASSERT_TRUE(problem_.isEmpty()) << problem_.toStdString();
+        if (!QFile::exists(QStringLiteral(WINDOWS_SIMULATOR)))
+            GTEST_SKIP() << "there is no compiler for Windows programs (mingw-w64)";
+        RealPlayFixture::SetUp();
+        values.VisualPinballExe = QStringLiteral(WINDOWS_SIMULATOR);
+    }
+
+    static QString problem_;  // why there is no Wine
+};
+
+QString WinePlayTest::problem_;
+
+const QString kFoo = QStringLiteral("Käpt'n Foo & Co");
+const QString kBar = QStringLiteral("Bar");
+
+TEST_F(WinePlayTest, TheSimulatorIsStartedWatchedAndClosed) {
+    events_.on_round = [this] {
+        if (events_.rounds == 20) run_.EndPlay();
+    };
+    Play(kFoo);
+    EXPECT_GE(events_.rounds, 20);
+    EXPECT_TRUE(run_.Logs("syscommand close")) << run_.LogText();
+    EXPECT_TRUE(run_.Logs("closed by request")) << run_.LogText();
+    EXPECT_EQ(run_.Count("table=12"), 1) << run_.LogText();
+    EXPECT_EQ(TimesPlayed(kFoo), QStringLiteral("1"));
+}
+
+TEST_F(WinePlayTest, ASecondPlayInsideTheWatchOfTheFirst) {
+    bool second_started = false;
+    events_.on_round = [&] {
+        if (!second_started) {
+            second_started = true;
+            Play(kBar);
+        } else if (HasWindow(Playing(kFoo)) && HasWindow(Playing(kBar))) {
+            run_.EndPlay();
+        }
+    };
+    Play(kFoo);
+    EXPECT_TRUE(run_.Logs("closed by request", 2)) << run_.LogText();
+}
+
+}  // namespace
