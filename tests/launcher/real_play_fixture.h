@@ -7,6 +7,7 @@
 #include "support/simulator_run.h"
 
 #include <QtCore/QDir>
+#include <QtGui/QWindow>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
