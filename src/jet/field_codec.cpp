@@ -15,8 +15,6 @@ using Field = std::span<const std::byte>;
 
 constexpr std::size_t kNumericBytes = 17;
 constexpr std::byte kNumericMinus{0x80};
-// Memos above this are never stored compressed.
-constexpr std::size_t kMaxCompressedMemo = 1024;
 
 Value DecodeGuid(Field field) {
     Guid guid;
@@ -89,6 +87,37 @@ std::size_t FixedSize(ColumnType type) {
         return kNumericBytes;
     default:
         return 0;
+    }
+}
+
+bool IsOfType(const Value& value, ColumnType type) {
+    if (value.is_null()) return type != ColumnType::kBoolean;
+    switch (type) {
+    case ColumnType::kBoolean:
+        return value.is<bool>();
+    case ColumnType::kByte:
+        return value.is<std::uint8_t>();
+    case ColumnType::kShort:
+        return value.is<std::int16_t>();
+    case ColumnType::kLong:
+        return value.is<std::int32_t>();
+    case ColumnType::kMoney:
+        return value.is<Money>();
+    case ColumnType::kSingle:
+        return value.is<float>();
+    case ColumnType::kDouble:
+        return value.is<double>();
+    case ColumnType::kDate:
+        return value.is<Date>();
+    case ColumnType::kText:
+    case ColumnType::kMemo:
+        return value.is<std::u16string>();
+    case ColumnType::kGuid:
+        return value.is<Guid>();
+    case ColumnType::kNumeric:
+        return false;  // scale and precision are the conversion's business
+    default:
+        return value.is<Bytes>();
     }
 }
 

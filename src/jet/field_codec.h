@@ -16,6 +16,9 @@ base::Status DecodeField(FileContext& file, const ColumnDefinition& column, cons
 // boolean).
 std::size_t FixedSize(ColumnType type);
 
+// True when a value of this kind is what a column of `type` stores (Null always is).
+bool IsOfType(const Value& value, ColumnType type);
+
 // XORs a scrambled column's bytes (catalog owners and permissions of Jet 4); the same call undoes
 // it.
 void Scramble(const FileContext& file, std::span<std::byte> bytes);

@@ -33,6 +33,8 @@ public:
     std::size_t prefix_bytes() const { return prefix_; }
     // Bytes of the entry area that are in use.
     std::size_t used_bytes() const { return ends_.empty() ? 0 : ends_.back(); }
+    // Where entry `i` ends in the entry area.
+    std::size_t End(std::size_t i) const { return ends_[i]; }
 
     // Requires, for all below: i < count().
     // Key and row id against `target`, as bytes; <0, 0, >0.

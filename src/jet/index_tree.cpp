@@ -38,15 +38,6 @@ base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> tar
     return place;
 }
 
-base::Result<IndexTree::Place> IndexTree::LastLeaf() const {
-    ASSIGN_OR_RETURN(Place place, Load(root_, kAnyLevel));
-    while (!place.view->is_leaf()) {
-        const PageNumber tail = place.view->tail();
-        ASSIGN_OR_RETURN(place, Load(tail, place.view->level() - 1));
-    }
-    return place;
-}
-
 base::Result<IndexTree::Place> IndexTree::Seek(std::span<const std::byte> target) const {
     ASSIGN_OR_RETURN(Place place, Descend(target, nullptr));
     // A node's entry may be larger than the last one below it: then the answer is on the next leaf.

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "jet/file_context.h"
-#include "jet/index_page.h"
+#include "jet/index_page_editor.h"
 #include "jet/table_definition.h"
 
 #include <vector>
@@ -46,8 +46,6 @@ public:
     base::Status Clear();
     // Makes the root page an empty leaf.
     base::Status Create();
-    // Replaces the whole content. Requires: the tree is empty; `entries` (key and row id) ascend.
-    base::Status Build(const std::vector<Bytes>& entries);
 
     // Goes up with every change, so that walkers know when their place is stale.
     std::uint64_t changes() const { return changes_; }
@@ -58,25 +56,29 @@ private:
         std::size_t child;  // entry taken; the number of entries: the tail
     };
     using Path = std::vector<Step>;
+    // One of the pages that a page was split into; the last entry of its subtree, without a child.
     struct Part {
         PageNumber page;
-        Bytes last;  // last entry of the part's subtree
+        Bytes last;
     };
 
     base::Result<Place> Load(PageNumber page, int expected_level) const;
     base::Result<Place> Descend(std::span<const std::byte> target, Path* path) const;
-    base::Result<Place> LastLeaf() const;
+    base::Result<IndexPageImage> LoadImage(PageNumber page) const;
+    base::Status WriteImage(PageNumber page, const IndexPageImage& image);
     base::Result<PageNumber> NewPage();
     base::Status FreePage(PageNumber page);
-
-    base::Status SplitAndInsert(Path& path, PageNumber leaf, std::span<const std::byte> entry);
-    base::Status ReplaceChild(Path& path, std::vector<Part> parts);
-    base::Status GrowRoot(std::vector<Part> parts, std::uint8_t level);
-    base::Status RemoveAt(Path& path, Place place);
-    base::Status DropChild(Path& path, PageNumber child);
-    base::Status Unlink(PageNumber previous, PageNumber next);
     base::Status SetLink(PageNumber page, std::size_t which, PageNumber target);
-    base::Status MergeLonelyNode(Path& path, PageNumber node);
+    // Takes a page out of the chain of its level.
+    base::Status Unlink(const IndexPageImage& image);
+
+    base::Status Split(Path path, PageNumber page, IndexPageImage image, bool ascending);
+    base::Status ReplaceChild(Path path, const std::vector<Part>& parts);
+    base::Status GrowRoot(std::vector<IndexPageImage> pieces, std::vector<Bytes> lasts);
+
+    base::Status RemoveEntry(Path path, std::size_t position);
+    base::Status DropChild(Path path);
+    base::Status MergeLonelyNode(Path path, PageNumber node);
     base::Status CollapseRoot(PageNumber child);
 
     FileContext& file_;

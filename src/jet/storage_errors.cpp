@@ -175,6 +175,13 @@ Status NeedsRelatedRecord(std::u16string_view table) {
             3201};
 }
 
+Status UsedInRelation() {
+    return {StatusCode::kConstraint,
+            "Cannot delete this index or table. It is either the current index or is used in a "
+            "relationship.",
+            3281};
+}
+
 Status FileTooLarge() {
     return {StatusCode::kNoSpace,
             "Not enough space on disk. (The file has reached the largest size of its format.)",

@@ -40,6 +40,7 @@ base::Status Required(std::u16string_view field);            // 3314
 base::Status ZeroLength(std::u16string_view field);          // 3315
 base::Status HasRelatedRecords(std::u16string_view table);   // 3200
 base::Status NeedsRelatedRecord(std::u16string_view table);  // 3201
+base::Status UsedInRelation();                               // 3281
 base::Status FileTooLarge();                                 // 3026
 
 }  // namespace jet::errors

@@ -20,14 +20,23 @@ base::Result<std::vector<std::u16string>> StoredDatabase::TableNames() {
 }
 
 base::Result<StoredTable*> StoredDatabase::OpenTable(const CatalogEntry& entry) {
-    const auto known = tables_.find(entry.definition_page());
+    const PageNumber page = entry.definition_page();
+    const auto known = tables_.find(page);
     if (known != tables_.end()) return known->second.get();
     ASSIGN_OR_RETURN(const PropertyBlob properties, catalog_.Properties(entry));
-    ASSIGN_OR_RETURN(auto table,
-                     StoredTable::Open(file_, entry.definition_page(), entry.name, properties));
+    ASSIGN_OR_RETURN(auto table, StoredTable::Open(file_, *this, page, entry.name, properties));
     StoredTable* opened = table.get();
-    tables_[entry.definition_page()] = std::move(table);
+    tables_[page] = std::move(table);
     return opened;
+}
+
+base::Result<StoredTable*> StoredDatabase::TableAt(PageNumber definition) {
+    const auto known = tables_.find(definition);
+    if (known != tables_.end()) return known->second.get();
+    ASSIGN_OR_RETURN(const auto* entries, catalog_.Entries());
+    for (const CatalogEntry& entry : *entries)
+        if (entry.is_table() && entry.definition_page() == definition) return OpenTable(entry);
+    return errors::DamagedPage(definition, "the catalog does not list the table");
 }
 
 base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
@@ -37,40 +46,35 @@ base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
     return static_cast<Table*>(table);
 }
 
+base::Status StoredDatabase::Begin() {
+    changed_.clear();
+    return pages_->Begin();
+}
+
 base::Status StoredDatabase::Commit() {
-    return pages_->Commit();
+    base::Status status = pages_->Commit();
+    if (status.ok())
+        changed_.clear();
+    else
+        Rollback();
+    return status;
 }
 
 void StoredDatabase::Rollback() {
     pages_->Rollback();
+    file_.allocator.Forget();
+    if (!changed_.empty()) catalog_.Forget();
+    for (const PageNumber page : changed_)
+        tables_.erase(page);
+    changed_.clear();
+    for (auto& [page, table] : tables_)
+        table->Forget();
 }
 
 base::Status StoredDatabase::Close() {
     tables_.clear();
     catalog_.Forget();
     return pages_->Close();
-}
-
-base::Status StoredDatabase::CreateTable(const TableDesign&) {
-    return errors::ReadOnly();
-}
-base::Status StoredDatabase::DropTable(std::u16string_view) {
-    return errors::ReadOnly();
-}
-base::Status StoredDatabase::AddColumn(std::u16string_view, const ColumnDesign&) {
-    return errors::ReadOnly();
-}
-base::Status StoredDatabase::AlterColumn(std::u16string_view, const ColumnDesign&) {
-    return errors::ReadOnly();
-}
-base::Status StoredDatabase::DropColumn(std::u16string_view, std::u16string_view) {
-    return errors::ReadOnly();
-}
-base::Status StoredDatabase::CreateIndex(std::u16string_view, const IndexDesign&) {
-    return errors::ReadOnly();
-}
-base::Status StoredDatabase::DropIndex(std::u16string_view, std::u16string_view) {
-    return errors::ReadOnly();
 }
 
 base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> pages,

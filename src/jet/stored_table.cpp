@@ -2,30 +2,37 @@
 
 #include "base/unicode.h"
 #include "jet/coerce.h"
-#include "jet/key_encoder.h"
+#include "jet/field_codec.h"
 #include "jet/row_fetch.h"
 #include "jet/storage_errors.h"
 #include "jet/table_designer.h"
 
+#include <algorithm>
+
 namespace jet {
 
-base::Result<std::unique_ptr<StoredTable>> StoredTable::Open(FileContext& file, PageNumber page,
-                                                             std::u16string name,
+base::Result<std::unique_ptr<StoredTable>> StoredTable::Open(FileContext& file, TableSource& tables,
+                                                             PageNumber page, std::u16string name,
                                                              const PropertyBlob& properties) {
     ASSIGN_OR_RETURN(TableDefinition definition,
                      ReadTableDefinition(file.store, file.format, file.text, page));
-    std::unique_ptr<StoredTable> table(new StoredTable(file, std::move(definition)));
+    std::unique_ptr<StoredTable> table(new StoredTable(file, tables, std::move(definition)));
     const TableDefinition& known = table->definition_;
     table->positions_ = ShownOrder(known);
     table->design_ = DesignOf(file, known, table->positions_, properties, std::move(name));
-    for (const RealIndex& index : known.real_indexes) {
-        table->trees_.push_back(std::make_unique<IndexTree>(file, page, index.root, index.map));
+    for (const RealIndex& index : known.real_indexes)
         if (!IsMaintainable(file, known, index))
             table->read_only_reason_ =
-                errors::ReadOnlyBecause("table '" + base::ToUtf8(table->design_.name) +
-                                        "' has an index whose sort order is not supported");
-    }
+                errors::ReadOnlyBecause("Table '" + base::ToUtf8(table->design_.name) +
+                                        "' has an index whose sort order is not supported.");
     return table;
+}
+
+std::size_t StoredTable::ShownPosition(std::uint16_t column_number) const {
+    const auto found = std::ranges::find_if(positions_, [&](std::size_t position) {
+        return definition_.columns[position].number == column_number;
+    });
+    return static_cast<std::size_t>(found - positions_.begin());
 }
 
 std::uint32_t StoredTable::row_count() const {
@@ -39,13 +46,17 @@ base::Result<std::unique_ptr<RowCursor>> StoredTable::Scan() {
 }
 
 base::Result<Bytes> StoredTable::BoundKey(const LogicalIndex& index, const KeyBound& bound) const {
-    const RealIndex& real = definition_.real_indexes[index.real];
-    Bytes key;
-    for (std::size_t i = 0; i < bound.values.size() && i < real.columns.size(); ++i) {
-        const ColumnDefinition& column = *definition_.FindColumn(real.columns[i].column);
-        AppendKeyPart(file_, column, real.columns[i].ascending, bound.values[i], key);
+    std::vector<Value> values = bound.values;
+    const auto& columns = indexes_.ColumnsOf(index.real);
+    if (values.size() > columns.size()) values.resize(columns.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ColumnDefinition& column = definition_.columns[columns[i]];
+        if (IsOfType(values[i], column.type)) continue;
+        const auto shown = std::ranges::find(positions_, columns[i]) - positions_.begin();
+        ASSIGN_OR_RETURN(values[i],
+                         Coerce(values[i], design_.columns[static_cast<std::size_t>(shown)]));
     }
-    return key;
+    return indexes_.KeyOf(index.real, values);
 }
 
 base::Result<std::unique_ptr<RowCursor>> StoredTable::Range(std::size_t index, const KeyBound& from,
@@ -56,23 +67,13 @@ base::Result<std::unique_ptr<RowCursor>> StoredTable::Range(std::size_t index, c
     ASSIGN_OR_RETURN(range.to, BoundKey(logical, to));
     range.from_inclusive = from.inclusive;
     range.to_inclusive = to.inclusive;
-    return MakeRangeCursor(Source(), *trees_[logical.real], std::move(range), backwards);
+    return MakeRangeCursor(Source(), indexes_.tree(logical.real), std::move(range), backwards);
 }
 
 base::Status StoredTable::Read(RowId row, std::span<const std::size_t> columns,
                                std::span<Value> values) {
     ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
     return DecodeFields(Source(), stored.bytes, columns, values);
-}
-
-base::Result<RowId> StoredTable::Insert(std::span<Value>) {
-    return errors::ReadOnly();
-}
-base::Status StoredTable::Update(RowId, std::span<const ColumnChange>) {
-    return errors::ReadOnly();
-}
-base::Status StoredTable::Delete(RowId) {
-    return errors::ReadOnly();
 }
 
 }  // namespace jet

@@ -1,19 +1,30 @@
-// StoredTable: Table over the pages of a file. Rows go through RowWriter, indexes through IndexSet,
-// relations through RelationRules; this class checks what a program gives and keeps the order of
-// the steps.
+// StoredTable: Table over the pages of a file. Rows go through RowWriter, entries through IndexSet;
+// this class checks what a program gives, keeps relations whole, and keeps the order of the steps.
 #pragma once
 
 #include "jet/database.h"
-#include "jet/index_tree.h"
+#include "jet/index_set.h"
 #include "jet/property_blob.h"
+#include "jet/row_writer.h"
 #include "jet/table_cursors.h"
 
 namespace jet {
 
+class StoredTable;
+
+// Finds the tables on the other side of relations.
+class TableSource {
+public:
+    virtual ~TableSource() = default;
+    virtual base::Result<StoredTable*> TableAt(PageNumber definition) = 0;
+};
+
 class StoredTable final : public Table {
 public:
-    static base::Result<std::unique_ptr<StoredTable>>
-    Open(FileContext& file, PageNumber page, std::u16string name, const PropertyBlob& properties);
+    // `file` and `tables` must outlive the table.
+    static base::Result<std::unique_ptr<StoredTable>> Open(FileContext& file, TableSource& tables,
+                                                           PageNumber page, std::u16string name,
+                                                           const PropertyBlob& properties);
 
     const TableDesign& design() const override { return design_; }
     std::uint32_t row_count() const override;
@@ -29,20 +40,52 @@ public:
     base::Status Delete(RowId row) override;
 
     const TableDefinition& definition() const { return definition_; }
-    const std::vector<std::size_t>& positions() const { return positions_; }
+    const IndexSet& indexes() const { return indexes_; }
+    // Position among the shown columns. Requires: there is such a column number.
+    std::size_t ShownPosition(std::uint16_t column_number) const;
+    // What is remembered of pages is forgotten; to be called after a rollback.
+    void Forget() { rows_.Forget(); }
 
 private:
-    StoredTable(FileContext& file, TableDefinition definition)
-        : file_(file), definition_(std::move(definition)) {}
+    StoredTable(FileContext& file, TableSource& tables, TableDefinition definition)
+        : file_(file), tables_(tables), definition_(std::move(definition)),
+          indexes_(file, definition_), rows_(file, definition_) {}
     CursorSource Source() const { return {&file_, &definition_, &positions_}; }
     base::Result<Bytes> BoundKey(const LogicalIndex& index, const KeyBound& bound) const;
 
+    base::Status CheckWritable() const;
+    // The value as the column stores it, by the column's own rules.
+    base::Status Prepare(std::size_t shown, Value& value) const;
+    base::Status FillAutonumbers(std::span<Value> shown_values);
+    base::Status CountRow(int change, std::span<const Value> shown_values);
+    // All columns of a row, in the order of definition_.columns; long values only where an index
+    // needs them.
+    base::Result<std::vector<Value>> ReadKeyColumns(RowId row);
+
+    // Relations. `values` as in ReadKeyColumns.
+    struct Dependants {
+        StoredTable* table;
+        std::vector<std::size_t> columns;  // of the foreign key, among its definition().columns
+        std::vector<Value> new_key;        // empty: the row goes away
+        bool set_null = false;
+        std::vector<RowId> rows;
+    };
+    base::Status CheckParents(std::span<const Value> values, const std::vector<bool>* changed);
+    // 3200, or the rows that follow the change. `after` empty: the row is to be deleted.
+    base::Result<std::vector<Dependants>> FindDependants(std::span<const Value> before,
+                                                         std::span<const Value> after);
+    base::Status ChangeDependants(const std::vector<Dependants>& dependants);
+    base::Status UpdateColumns(RowId row, std::vector<Value> values, std::vector<bool> changed);
+
     FileContext& file_;
+    TableSource& tables_;
     TableDefinition definition_;
-    std::vector<std::size_t> positions_;
+    IndexSet indexes_;
+    RowWriter rows_;
+    std::vector<std::size_t> positions_;  // of the shown columns among definition_.columns
     TableDesign design_;
-    std::vector<std::unique_ptr<IndexTree>> trees_;  // one per real index
     std::optional<base::Status> read_only_reason_;
+    int cascade_depth_ = 0;
 };
 
 }  // namespace jet

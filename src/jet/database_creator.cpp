@@ -1,0 +1,194 @@
+// A new, empty Jet 4 file: the 16 pages that the engine itself writes for one.
+#include "jet/catalog.h"
+#include "jet/conversions.h"
+#include "jet/database.h"
+#include "jet/index_set.h"
+#include "jet/page_header.h"
+#include "jet/row_writer.h"
+#include "jet/storage_errors.h"
+#include "jet/system_tables.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet {
+namespace {
+
+constexpr PageNumber kPagesOfNewFile = 16;
+constexpr std::int32_t kRootContainer = 0x0F000000;
+constexpr std::int32_t kDatabasesContainer = 0x0F000002;
+constexpr std::int32_t kDatabaseDocument = 0x10000000;
+constexpr auto kEngineObject = static_cast<std::int32_t>(0x80000000);
+
+struct ObjectRow {
+    std::int32_t id;
+    std::int32_t parent;
+    const char16_t* name;
+    std::int16_t type;
+    std::uint16_t owner;
+};
+
+constexpr std::int16_t kContainer = 3;
+constexpr std::int16_t kDocument = 2;
+
+constexpr ObjectRow kObjects[] = {
+    {kTablesContainer, kRootContainer, u"Tables", kContainer, kSidEngine},
+    {kDatabasesContainer, kRootContainer, u"Databases", kContainer, kSidEngine},
+    {kRelationsContainer, kRootContainer, u"Relationships", kContainer, kSidEngine},
+    {kDatabaseDocument, kDatabasesContainer, u"MSysDb", kDocument, kSidAdmin},
+    {kObjectsPage, kTablesContainer, u"MSysObjects", kObjectIsTable, kSidEngine},
+    {kAccessPage, kTablesContainer, u"MSysACEs", kObjectIsTable, kSidEngine},
+    {kQueriesPage, kTablesContainer, u"MSysQueries", kObjectIsTable, kSidEngine},
+    {kRelationsPage, kTablesContainer, u"MSysRelationships", kObjectIsTable, kSidEngine},
+};
+
+struct AccessRow {
+    std::int32_t object;
+    std::uint16_t sid;
+    std::int32_t mask;
+    bool inheritable;
+};
+
+constexpr AccessRow kAccess[] = {
+    {kObjectsPage, kSidAdmin, 0x60000, false},
+    {kAccessPage, kSidAdmin, 0x60000, false},
+    {kQueriesPage, kSidAdmin, 0x60000, false},
+    {kRelationsPage, kSidAdmin, 0xE0000, false},
+    {kTablesContainer, kSidCreator, 0xF00FE, true},
+    {kTablesContainer, kSidAdmin, 0x60001, false},
+    {kRelationsContainer, kSidCreator, 0xF00FE, true},
+    {kRelationsContainer, kSidAdmin, 0x60001, false},
+    {kDatabasesContainer, kSidAdmin, 0x60000, false},
+    {kDatabaseDocument, kSidAdmin, 0x6000E, false},
+    {kDatabaseDocument, kSidUsers, 0xE, false},
+    {kQueriesPage, kSidUsers, 0x14, false},
+    {kRelationsPage, kSidUsers, 0x14, false},
+    {kObjectsPage, kSidUsers, 0x14, false},
+    {kTablesContainer, kSidUsers, 0xFFEFF, true},
+    {kRelationsContainer, kSidUsers, 0xFFFFF, true},
+};
+
+// Puts rows into a system table, with their index entries.
+class Filler {
+public:
+    Filler(FileContext& file, const TableDefinition& table)
+        : file_(file), table_(table), indexes_(file, table_), rows_(file, table_) {}
+
+    base::Status Insert(std::vector<Value> by_number) {
+        std::vector<Value> values(table_.columns.size());
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const std::uint16_t number = table_.columns[i].number;
+            if (number < by_number.size()) values[i] = by_number[number];
+        }
+        ASSIGN_OR_RETURN(const RowId row, rows_.Insert(values));
+        ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+        for (std::size_t index = 0; index < keys.size(); ++index)
+            RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
+        ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(table_.page));
+        DefinitionCounters counters = ReadDefinitionCounters(page, file_.format);
+        ++counters.rows;
+        WriteDefinitionCounters(page, file_.format, counters);
+        return {};
+    }
+
+private:
+    FileContext& file_;
+    const TableDefinition& table_;
+    IndexSet indexes_;
+    RowWriter rows_;
+};
+
+base::Status WriteGlobalMaps(FileContext& file) {
+    ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(1));
+    DataPageEditor editor = DataPageEditor::Create(page, file.format, 1);
+    std::vector<std::byte> free_pages = MakeMapRow(file.format);
+    std::fill(free_pages.begin() + 5 + kPagesOfNewFile / 8, free_pages.end(), std::byte{0xFF});
+    editor.Append(free_pages, 0);
+    editor.Append(MakeMapRow(file.format), 0);
+    return {};
+}
+
+// All maps of the system tables stand on one page, in the order of their row numbers.
+base::Status WriteSystemMaps(FileContext& file, const std::vector<TableDefinition>& tables) {
+    ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(kSystemMapPage));
+    DataPageEditor editor = DataPageEditor::Create(page, file.format, 0);
+    for (const TableDefinition& table : tables) {
+        const PageNumber rows = table.page == kObjectsPage  ? kObjectsRows
+                                : table.page == kAccessPage ? kAccessRows
+                                                            : 0;
+        editor.Append(MakeMapRow(file.format, rows), 0);
+        editor.Append(MakeMapRow(file.format, rows), 0);
+        for (std::size_t i = 0; i < 2 * table.long_values.size(); ++i)
+            editor.Append(MakeMapRow(file.format), 0);
+        for (const RealIndex& index : table.real_indexes)
+            editor.Append(MakeMapRow(file.format, index.root), 0);
+    }
+    return {};
+}
+
+base::Status FillPages(FileContext& file, double now) {
+    std::vector<TableDefinition> tables = SystemTables();
+    RETURN_IF_ERROR(WriteGlobalMaps(file));
+    RETURN_IF_ERROR(WriteSystemMaps(file, tables));
+    for (TableDefinition& table : tables) {
+        RETURN_IF_ERROR(
+            WriteTableDefinition(file.store, file.format, file.text, file.allocator, table));
+        for (const RealIndex& index : table.real_indexes)
+            RETURN_IF_ERROR(IndexTree(file, table.page, index.root, index.map).Create());
+    }
+    for (const PageNumber page : {kObjectsRows, kAccessRows}) {
+        ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file.store.Change(page));
+        DataPageEditor::Create(bytes, file.format,
+                               page == kObjectsRows ? kObjectsPage : kAccessPage);
+    }
+    Filler objects(file, tables[0]);
+    for (const ObjectRow& row : kObjects)
+        RETURN_IF_ERROR(
+            objects.Insert({Value::Long(row.id), Value::Long(row.parent), Value::Text(row.name),
+                            Value::Short(row.type), Value::DateTime(now), Value::DateTime(now),
+                            Value::Binary(SidBytes(row.owner)), Value::Long(kEngineObject)}));
+    Filler access(file, tables[1]);
+    for (const AccessRow& row : kAccess)
+        RETURN_IF_ERROR(access.Insert({Value::Long(row.object), Value::Binary(SidBytes(row.sid)),
+                                       Value::Long(row.mask), Value::Boolean(row.inheritable)}));
+    return {};
+}
+
+base::Result<std::vector<std::byte>> MakeEmptyDatabase(double now) {
+    const Format& format = FormatOf(4);
+    std::vector<std::byte> bytes = MakePageHeader(now);
+    ASSIGN_OR_RETURN(const PageHeader header, ReadPageHeader(bytes, ""));
+    bytes.resize(std::size_t{kPagesOfNewFile} * format.page_size);
+    const auto store = MakeMemoryPageStore(format.page_size, std::move(bytes));
+    FileContext file(*store, header);
+    RETURN_IF_ERROR(store->Begin());
+    RETURN_IF_ERROR(FillPages(file, now));
+    RETURN_IF_ERROR(store->Commit());
+    std::vector<std::byte> all;
+    for (PageNumber page = 0; page < store->page_count(); ++page) {
+        ASSIGN_OR_RETURN(const PageView view, store->Read(page));
+        all.insert(all.end(), view.bytes().begin(), view.bytes().end());
+    }
+    return all;
+}
+
+base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path,
+                          std::span<const std::byte> bytes) {
+    ASSIGN_OR_RETURN(const auto file, files.Open(path, OpenMode::kCreate));
+    RETURN_IF_ERROR(file->WriteAt(0, bytes));
+    RETURN_IF_ERROR(file->Sync());
+    return files.SyncFolder(path.has_parent_path() ? path.parent_path() : ".");
+}
+
+}  // namespace
+
+base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now) {
+    if (files.Exists(path))
+        return {base::StatusCode::kAlreadyExists, "Database already exists.", 3204};
+    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, MakeEmptyDatabase(now));
+    base::Status written = WriteNewFile(files, path, bytes);
+    if (!written.ok()) files.Remove(path).Ignore();
+    return written;
+}
+
+}  // namespace jet

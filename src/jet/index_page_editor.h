@@ -1,0 +1,43 @@
+// Changes of index pages: single entries in place where the page's prefix allows it, whole pages
+// otherwise.
+#pragma once
+
+#include "jet/index_page.h"
+#include "jet/value.h"
+
+namespace jet {
+
+// All of a page's content, taken apart.
+struct IndexPageImage {
+    std::uint8_t level = 0;
+    PageNumber previous = 0;
+    PageNumber next = 0;
+    PageNumber tail = 0;
+    // Leaf: key and row id. Node: key, row id and child.
+    std::vector<Bytes> entries;
+
+    bool is_leaf() const { return level == 0; }
+    static IndexPageImage Of(const IndexPageView& view);
+    // Child of entry `i`; the tail when i == entries.size(). Nodes only.
+    PageNumber Child(std::size_t i) const;
+    // Bytes of the entry area that the entries need with their longest common prefix left out.
+    std::size_t EncodedBytes(const Format& format) const;
+    // False: the entries do not fit; the page is unchanged.
+    bool Write(std::span<std::byte> page, const Format& format, PageNumber table) const;
+};
+
+// `entry` without its child, then `child`.
+Bytes NodeEntry(std::span<const std::byte> entry, PageNumber child);
+
+inline std::size_t IndexRoom(const Format& format) {
+    return format.page_size - format.index_entries_offset;
+}
+
+// `view` is of `page`, a leaf. False: it cannot be done without rewriting the page, which is
+// unchanged.
+bool InsertInPlace(std::span<std::byte> page, const Format& format, const IndexPageView& view,
+                   std::size_t position, std::span<const std::byte> entry);
+bool RemoveInPlace(std::span<std::byte> page, const Format& format, const IndexPageView& view,
+                   std::size_t position);
+
+}  // namespace jet

@@ -1,0 +1,199 @@
+// Inserting: an entry goes into its leaf; a leaf that is full is split, and the nodes above it when
+// they are full.
+#include "jet/index_tree.h"
+#include "jet/storage_errors.h"
+
+#include <algorithm>
+
+namespace jet {
+namespace {
+
+// Two entries and what a node adds to them always fit a page, so that every page can be split.
+std::size_t MaxEntryBytes(const Format& format) {
+    return IndexRoom(format) / 2 - 2 * kChildBytes;
+}
+
+// Groups of consecutive entries that each fit a page: the first group is filled when entries come
+// in ascending order, otherwise the groups are about equal.
+std::vector<IndexPageImage> SplitLeaf(const IndexPageImage& image, bool ascending,
+                                      const Format& format) {
+    std::size_t total = 0;
+    for (const Bytes& entry : image.entries)
+        total += entry.size();
+    std::vector<IndexPageImage> groups(1);
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < image.entries.size(); ++i) {
+        IndexPageImage& group = groups.back();
+        const bool last = i + 1 == image.entries.size();
+        const bool enough = ascending ? last : bytes + image.entries[i].size() / 2 > total / 2;
+        group.entries.push_back(image.entries[i]);
+        const bool fits = group.EncodedBytes(format) <= IndexRoom(format);
+        if (group.entries.size() > 1 && (!fits || (groups.size() == 1 && enough))) {
+            group.entries.pop_back();
+            groups.emplace_back().entries.push_back(image.entries[i]);
+        }
+        bytes += image.entries[i].size();
+    }
+    return groups;
+}
+
+// A node's groups: the last entry of a group becomes its tail, and its key goes up.
+std::vector<IndexPageImage> SplitNode(const IndexPageImage& image, bool ascending,
+                                      std::vector<Bytes>& lasts) {
+    const std::size_t count = image.entries.size();
+    std::size_t middle = count - 1;  // entries 0 .. middle-1 go left, the last of them as tail
+    if (!ascending) {
+        std::size_t total = 0;
+        for (const Bytes& entry : image.entries)
+            total += entry.size();
+        std::size_t bytes = 0;
+        for (middle = 0; middle < count && bytes < total / 2; ++middle)
+            bytes += image.entries[middle].size();
+    }
+    middle = std::clamp<std::size_t>(middle, 2, count - 1);
+    IndexPageImage left;
+    IndexPageImage right;
+    const auto cut = image.entries.begin() + static_cast<std::ptrdiff_t>(middle);
+    left.entries.assign(image.entries.begin(), cut - 1);
+    left.tail = image.Child(middle - 1);
+    right.entries.assign(cut, image.entries.end());
+    right.tail = image.tail;
+    Bytes last = image.entries[middle - 1];
+    last.resize(last.size() - kChildBytes);
+    lasts = {std::move(last), {}};
+    return {std::move(left), std::move(right)};
+}
+
+}  // namespace
+
+base::Result<PageNumber> IndexTree::NewPage() {
+    ASSIGN_OR_RETURN(const PageNumber page, file_.allocator.Allocate());
+    RETURN_IF_ERROR(file_.Map(map_).Add(page, file_.allocator));
+    return page;
+}
+
+base::Result<IndexPageImage> IndexTree::LoadImage(PageNumber page) const {
+    ASSIGN_OR_RETURN(const PageView bytes, file_.store.Read(page));
+    const auto view = IndexPageView::Parse(bytes.bytes(), file_.format, table_);
+    if (!view) return errors::DamagedPage(page, "not a page of this index");
+    return IndexPageImage::Of(*view);
+}
+
+base::Status IndexTree::WriteImage(PageNumber page, const IndexPageImage& image) {
+    ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(page));
+    if (!image.Write(bytes, file_.format, table_)) return errors::RecordTooLarge();
+    return {};
+}
+
+base::Status IndexTree::SetLink(PageNumber page, std::size_t which, PageNumber target) {
+    if (page == 0) return {};
+    ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(page));
+    if (!IndexPageView::Parse(bytes, file_.format, table_))
+        return errors::DamagedPage(page, "not a page of this index");
+    base::StoreLittle(bytes.data() + file_.format.index_links_offset + 4 * which, target);
+    return {};
+}
+
+base::Status IndexTree::Create() {
+    ++changes_;
+    return WriteImage(root_, IndexPageImage());
+}
+
+base::Status IndexTree::Insert(std::span<const std::byte> key, RowId row) {
+    Bytes entry(key.begin(), key.end());
+    base::AppendBig(entry, row.page << 8 | row.slot);
+    if (entry.size() > MaxEntryBytes(file_.format)) return errors::RecordTooLarge();
+    Path path;
+    RETURN_IF_ERROR(Descend(entry, &path).status());
+    const PageNumber leaf = path.back().page;
+    path.pop_back();
+    ++changes_;
+    ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(leaf));
+    const auto view = IndexPageView::Parse(bytes, file_.format, table_);
+    if (!view) return errors::DamagedPage(leaf, "not a page of this index");
+    const std::size_t position = view->LowerBound(entry);
+    if (position < view->count() && view->Compare(position, entry) == 0)
+        return errors::DamagedPage(leaf, "the index has an entry for a new row");
+    if (InsertInPlace(bytes, file_.format, *view, position, entry)) return {};
+    IndexPageImage image = IndexPageImage::Of(*view);
+    image.entries.insert(image.entries.begin() + static_cast<std::ptrdiff_t>(position),
+                         std::move(entry));
+    if (image.Write(bytes, file_.format, table_)) return {};
+    const bool ascending = image.next == 0 && position + 1 == image.entries.size();
+    return Split(std::move(path), leaf, std::move(image), ascending);
+}
+
+// `image` is what page `page` should hold and cannot; `path` leads to it from the root.
+base::Status IndexTree::Split(Path path, PageNumber page, IndexPageImage image, bool ascending) {
+    std::vector<Bytes> lasts;
+    std::vector<IndexPageImage> pieces;
+    if (image.is_leaf()) {
+        pieces = SplitLeaf(image, ascending, file_.format);
+        for (const IndexPageImage& piece : pieces)
+            lasts.push_back(piece.entries.back());
+    } else {
+        if (image.entries.size() < 3) return errors::RecordTooLarge();
+        pieces = SplitNode(image, ascending, lasts);
+    }
+    for (IndexPageImage& piece : pieces)
+        piece.level = image.level;
+    if (path.empty()) return GrowRoot(std::move(pieces), std::move(lasts));
+
+    std::vector<Part> parts{{page, std::move(lasts[0])}};
+    for (std::size_t i = 1; i < pieces.size(); ++i) {
+        ASSIGN_OR_RETURN(const PageNumber added, NewPage());
+        parts.push_back({added, std::move(lasts[i])});
+    }
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        pieces[i].previous = i == 0 ? image.previous : parts[i - 1].page;
+        pieces[i].next = i + 1 == pieces.size() ? image.next : parts[i + 1].page;
+        RETURN_IF_ERROR(WriteImage(parts[i].page, pieces[i]));
+    }
+    RETURN_IF_ERROR(SetLink(image.next, 0, parts.back().page));
+    return ReplaceChild(std::move(path), parts);
+}
+
+// In the node at the end of `path`, the child that was split gives way to its parts. The last part
+// keeps the child's own entry (or stays the tail): nothing larger than that entry can have come in.
+base::Status IndexTree::ReplaceChild(Path path, const std::vector<Part>& parts) {
+    const Step step = path.back();
+    path.pop_back();
+    ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page));
+    const bool was_tail = step.child >= image.entries.size();
+    if (was_tail) {
+        image.tail = parts.back().page;
+    } else {
+        Bytes& kept = image.entries[step.child];
+        base::StoreBig(kept.data() + kept.size() - kChildBytes, parts.back().page);
+    }
+    std::vector<Bytes> added;
+    for (std::size_t i = 0; i + 1 < parts.size(); ++i)
+        added.push_back(NodeEntry(parts[i].last, parts[i].page));
+    const auto at = image.entries.begin() +
+                    static_cast<std::ptrdiff_t>(std::min(step.child, image.entries.size()));
+    image.entries.insert(at, added.begin(), added.end());
+    if (image.EncodedBytes(file_.format) <= IndexRoom(file_.format))
+        return WriteImage(step.page, image);
+    return Split(std::move(path), step.page, std::move(image), was_tail && image.next == 0);
+}
+
+// The root page keeps its number: its content moves to new pages one level below it.
+base::Status IndexTree::GrowRoot(std::vector<IndexPageImage> pieces, std::vector<Bytes> lasts) {
+    std::vector<PageNumber> pages;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        ASSIGN_OR_RETURN(const PageNumber added, NewPage());
+        pages.push_back(added);
+    }
+    IndexPageImage root;
+    root.level = static_cast<std::uint8_t>(pieces[0].level + 1);
+    root.tail = pages.back();
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        pieces[i].previous = i == 0 ? 0 : pages[i - 1];
+        pieces[i].next = i + 1 == pieces.size() ? 0 : pages[i + 1];
+        RETURN_IF_ERROR(WriteImage(pages[i], pieces[i]));
+        if (i + 1 < pieces.size()) root.entries.push_back(NodeEntry(lasts[i], pages[i]));
+    }
+    return WriteImage(root_, root);
+}
+
+}  // namespace jet

@@ -1,0 +1,159 @@
+// What changes of designs write into the catalog.
+#include "jet/storage_errors.h"
+#include "jet/stored_database.h"
+#include "jet/system_clock.h"
+#include "jet/system_tables.h"
+
+#include <map>
+
+namespace jet {
+namespace {
+
+constexpr std::int32_t kFullAccess = 0xFFEFF;
+
+// A row of a system table, by column number.
+std::vector<Value> InShownOrder(const StoredTable& table,
+                                const std::map<std::uint16_t, Value>& by_number) {
+    std::vector<Value> values(table.design().columns.size());
+    for (const auto& [number, value] : by_number)
+        if (const std::size_t shown = table.ShownPosition(number); shown < values.size())
+            values[shown] = value;
+    return values;
+}
+
+// Calls `visit` with row and values of `columns` (numbers) for every row.
+template <typename Visit>
+base::Status ForEachRow(StoredTable& table, const std::vector<std::uint16_t>& columns,
+                        Visit visit) {
+    std::vector<std::size_t> shown;
+    for (const std::uint16_t number : columns) {
+        shown.push_back(table.ShownPosition(number));
+        if (shown.back() >= table.design().columns.size())
+            return errors::DamagedPage(table.definition().page, "a column is missing");
+    }
+    std::vector<Value> values(columns.size());
+    ASSIGN_OR_RETURN(const auto cursor, table.Scan());
+    while (true) {
+        ASSIGN_OR_RETURN(const auto row, cursor->Next());
+        if (!row) return {};
+        RETURN_IF_ERROR(cursor->Read(shown, values));
+        visit(*row, values);
+    }
+}
+
+}  // namespace
+
+base::Status StoredDatabase::CheckWritable() const {
+    return read_only() ? errors::ReadOnly() : base::Status();
+}
+
+base::Result<CatalogEntry> StoredDatabase::RequireTable(std::u16string_view name) {
+    RETURN_IF_ERROR(CheckWritable());
+    ASSIGN_OR_RETURN(const CatalogEntry* entry, catalog_.FindTable(name));
+    if (entry == nullptr) return errors::NoSuchTable(name);
+    if (entry->name.starts_with(u"MSys")) return errors::ReadOnly();
+    return *entry;
+}
+
+base::Result<TableDefinition> StoredDatabase::ReadDefinition(const CatalogEntry& entry) {
+    return ReadTableDefinition(file_.store, file_.format, file_.text, entry.definition_page());
+}
+
+void StoredDatabase::ForgetTable(PageNumber definition) {
+    tables_.erase(definition);
+    changed_.insert(definition);
+}
+
+base::Status StoredDatabase::FinishChange(const CatalogEntry& entry, TableDefinition& definition) {
+    RETURN_IF_ERROR(
+        WriteTableDefinition(file_.store, file_.format, file_.text, file_.allocator, definition));
+    ForgetTable(entry.definition_page());
+    return Redate(entry);
+}
+
+base::Status StoredDatabase::Redate(const CatalogEntry& entry) {
+    ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
+    const ColumnChange change{objects->ShownPosition(kObjectUpdated), Value::DateTime(SystemNow())};
+    return objects->Update(entry.row, std::span(&change, 1));
+}
+
+base::Status StoredDatabase::SetProperties(const CatalogEntry& entry,
+                                           const PropertyBlob& properties) {
+    ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
+    const ColumnChange change{objects->ShownPosition(kObjectProperties),
+                              properties.empty() ? Value::Null()
+                                                 : Value::Binary(properties.Serialize())};
+    RETURN_IF_ERROR(objects->Update(entry.row, std::span(&change, 1)));
+    ForgetTable(entry.definition_page());
+    return {};
+}
+
+base::Status StoredDatabase::AddToCatalog(std::u16string_view name, PageNumber definition) {
+    ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
+    const Value now = Value::DateTime(SystemNow());
+    std::vector<Value> values =
+        InShownOrder(*objects, {{kObjectId, Value::Long(static_cast<std::int32_t>(definition))},
+                                {kObjectParent, Value::Long(kTablesContainer)},
+                                {kObjectName, Value::Text(name)},
+                                {kObjectType, Value::Short(kObjectIsTable)},
+                                {kObjectCreated, now},
+                                {kObjectUpdated, now},
+                                {kObjectOwner, Value::Binary(SidBytes(kSidAdmin))},
+                                {kObjectFlags, Value::Long(0)}});
+    RETURN_IF_ERROR(objects->Insert(values).status());
+    catalog_.Forget();
+    changed_.insert(definition);
+    return AddPermissions(definition);
+}
+
+// What everything in the container of tables inherits; "creator" there means the owner.
+base::Status StoredDatabase::AddPermissions(PageNumber definition) {
+    ASSIGN_OR_RETURN(StoredTable * access, TableAt(kAccessPage));
+    std::vector<std::pair<Bytes, std::int32_t>> inherited;
+    RETURN_IF_ERROR(ForEachRow(
+        *access, {kAccessObject, kAccessSid, kAccessMask, kAccessInheritable},
+        [&](RowId, const std::vector<Value>& values) {
+            const auto* object = values[0].get_if<std::int32_t>();
+            const auto* sid = values[1].get_if<Bytes>();
+            const auto* mask = values[2].get_if<std::int32_t>();
+            if (object == nullptr || *object != kTablesContainer || sid == nullptr ||
+                mask == nullptr || values[3] != Value::Boolean(true))
+                return;
+            const Bytes owner = *sid == SidBytes(kSidCreator) ? SidBytes(kSidAdmin) : *sid;
+            for (auto& [known, rights] : inherited)
+                if (known == owner) {
+                    rights |= *mask;
+                    return;
+                }
+            inherited.emplace_back(owner, *mask);
+        }));
+    if (inherited.empty())
+        inherited = {{SidBytes(kSidAdmin), kFullAccess}, {SidBytes(kSidUsers), kFullAccess}};
+    for (const auto& [sid, mask] : inherited) {
+        std::vector<Value> values = InShownOrder(
+            *access, {{kAccessObject, Value::Long(static_cast<std::int32_t>(definition))},
+                      {kAccessSid, Value::Binary(sid)},
+                      {kAccessMask, Value::Long(mask)},
+                      {kAccessInheritable, Value::Boolean(false)}});
+        RETURN_IF_ERROR(access->Insert(values).status());
+    }
+    return {};
+}
+
+base::Status StoredDatabase::RemoveFromCatalog(const CatalogEntry& entry) {
+    ASSIGN_OR_RETURN(StoredTable * access, TableAt(kAccessPage));
+    std::vector<RowId> rows;
+    RETURN_IF_ERROR(
+        ForEachRow(*access, {kAccessObject}, [&](RowId row, const std::vector<Value>& values) {
+            if (values[0] == Value::Long(entry.id)) rows.push_back(row);
+        }));
+    for (const RowId row : rows)
+        RETURN_IF_ERROR(access->Delete(row));
+    ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
+    RETURN_IF_ERROR(objects->Delete(entry.row));
+    catalog_.Forget();
+    ForgetTable(entry.definition_page());
+    return {};
+}
+
+}  // namespace jet

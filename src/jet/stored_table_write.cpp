@@ -1,0 +1,157 @@
+// Inserting, updating and deleting rows. Checks come first, so that a refused change leaves nothing
+// behind.
+#include "jet/coerce.h"
+#include "jet/field_codec.h"
+#include "jet/guid_source.h"
+#include "jet/row_fetch.h"
+#include "jet/storage_errors.h"
+#include "jet/stored_table.h"
+
+#include <algorithm>
+
+namespace jet {
+
+base::Status StoredTable::CheckWritable() const {
+    if (file_.store.read_only()) return errors::ReadOnly();
+    return read_only_reason_.value_or(base::Status());
+}
+
+base::Status StoredTable::Prepare(std::size_t shown, Value& value) const {
+    const ColumnDesign& column = design_.columns[shown];
+    if (!IsOfType(value, column.type)) {
+        ASSIGN_OR_RETURN(value, Coerce(value, column));
+    }
+    if (value.is_null()) return column.required ? errors::Required(column.name) : base::Status();
+    if (const auto* text = value.get_if<std::u16string>()) {
+        if (text->empty() && !column.allow_zero_length) return errors::ZeroLength(column.name);
+        if (column.type == ColumnType::kText && text->size() > column.size)
+            return errors::FieldTooSmall();
+    }
+    return {};
+}
+
+base::Status StoredTable::FillAutonumbers(std::span<Value> values) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ColumnDesign& column = design_.columns[i];
+        if (!column.autonumber || !values[i].is_null()) continue;
+        if (column.type == ColumnType::kGuid) {
+            values[i] = Value::OfGuid(MakeRandomGuid());
+            continue;
+        }
+        ASSIGN_OR_RETURN(const PageView page, file_.store.Read(definition_.page));
+        const auto counters = ReadDefinitionCounters(page.bytes(), file_.format);
+        values[i] = Value::Long(static_cast<std::int32_t>(counters.last_autonumber + 1));
+    }
+    return {};
+}
+
+// Rows, and the last autonumber when the row has a larger one.
+base::Status StoredTable::CountRow(int change, std::span<const Value> values) {
+    ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(definition_.page));
+    DefinitionCounters counters = ReadDefinitionCounters(page, file_.format);
+    if (change > 0) ++counters.rows;
+    if (change < 0 && counters.rows > 0) --counters.rows;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto* number = values[i].get_if<std::int32_t>();
+        if (!design_.columns[i].autonumber || number == nullptr) continue;
+        if (*number > static_cast<std::int32_t>(counters.last_autonumber))
+            counters.last_autonumber = static_cast<std::uint32_t>(*number);
+    }
+    WriteDefinitionCounters(page, file_.format, counters);
+    return {};
+}
+
+base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
+    RETURN_IF_ERROR(CheckWritable());
+    if (values.size() != design_.columns.size())
+        return base::Status(base::StatusCode::kInvalidArgument,
+                            "Number of query values and destination fields are not the same.",
+                            3346);
+    RETURN_IF_ERROR(FillAutonumbers(values));
+    for (std::size_t i = 0; i < values.size(); ++i)
+        RETURN_IF_ERROR(Prepare(i, values[i]));
+    std::vector<Value> stored(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i)
+        stored[positions_[i]] = values[i];
+
+    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(stored));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        RETURN_IF_ERROR(indexes_.Check(index, keys[index], stored, {}));
+    RETURN_IF_ERROR(CheckParents(stored, nullptr));
+
+    ASSIGN_OR_RETURN(const RowId row, rows_.Insert(stored));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
+    RETURN_IF_ERROR(CountRow(1, values));
+    return row;
+}
+
+base::Result<std::vector<Value>> StoredTable::ReadKeyColumns(RowId row) {
+    ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
+    const auto view = RowView::Parse(stored.bytes, file_.format);
+    if (!view) return errors::DamagedPage(row.page, "a row is unreadable");
+    std::vector<Value> values(definition_.columns.size());
+    for (std::size_t index = 0; index < indexes_.size(); ++index)
+        for (const std::size_t column : indexes_.ColumnsOf(index))
+            RETURN_IF_ERROR(DecodeField(file_, definition_.columns[column], *view, values[column]));
+    return values;
+}
+
+base::Status StoredTable::Update(RowId row, std::span<const ColumnChange> changes) {
+    RETURN_IF_ERROR(CheckWritable());
+    ASSIGN_OR_RETURN(std::vector<Value> values, ReadKeyColumns(row));
+    std::vector<bool> changed(definition_.columns.size());
+    for (const ColumnChange& change : changes) {
+        Value value = change.value;
+        if (design_.columns[change.column].autonumber && value.is_null())
+            return errors::Required(design_.columns[change.column].name);
+        RETURN_IF_ERROR(Prepare(change.column, value));
+        const std::size_t position = positions_[change.column];
+        values[position] = std::move(value);
+        changed[position] = true;
+    }
+    return UpdateColumns(row, std::move(values), std::move(changed));
+}
+
+// `values`: those of the index columns, and the new ones. Requires: each fits its column.
+base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
+                                        std::vector<bool> changed) {
+    ASSIGN_OR_RETURN(const std::vector<Value> before, ReadKeyColumns(row));
+    ASSIGN_OR_RETURN(const IndexSet::Keys old_keys, indexes_.KeysOf(before));
+    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        if (keys[index] != old_keys[index])
+            RETURN_IF_ERROR(indexes_.Check(index, keys[index], values, row));
+    RETURN_IF_ERROR(CheckParents(values, &changed));
+    ASSIGN_OR_RETURN(const auto dependants, FindDependants(before, values));
+
+    RETURN_IF_ERROR(rows_.Update(row, values, changed));
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        if (keys[index] == old_keys[index]) continue;
+        RETURN_IF_ERROR(indexes_.Remove(index, old_keys[index], row));
+        RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
+    }
+    std::vector<Value> shown(values.size());
+    bool has_autonumber = false;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        if (!changed[positions_[i]] || !design_.columns[i].autonumber) continue;
+        shown[i] = values[positions_[i]];
+        has_autonumber = true;
+    }
+    if (has_autonumber) RETURN_IF_ERROR(CountRow(0, shown));
+    return ChangeDependants(dependants);
+}
+
+base::Status StoredTable::Delete(RowId row) {
+    RETURN_IF_ERROR(CheckWritable());
+    ASSIGN_OR_RETURN(const std::vector<Value> values, ReadKeyColumns(row));
+    ASSIGN_OR_RETURN(const auto dependants, FindDependants(values, {}));
+    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        RETURN_IF_ERROR(indexes_.Remove(index, keys[index], row));
+    RETURN_IF_ERROR(rows_.Delete(row));
+    RETURN_IF_ERROR(CountRow(-1, {}));
+    return ChangeDependants(dependants);
+}
+
+}  // namespace jet

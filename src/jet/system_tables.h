@@ -1,0 +1,44 @@
+// The four tables of every database file that hold its catalog: their definitions in a new file.
+#pragma once
+
+#include "jet/format.h"
+#include "jet/table_definition.h"
+
+namespace jet {
+
+inline constexpr std::uint8_t kSystemTable = 0x53;  // 'S'
+
+// The page that holds all their page maps.
+inline constexpr PageNumber kSystemMapPage = 6;
+inline constexpr PageNumber kFirstSystemIndex = 7;
+inline constexpr PageNumber kObjectsRows = 14;
+inline constexpr PageNumber kAccessRows = 15;
+
+// Column numbers of MSysACEs.
+enum AccessColumn : std::uint16_t {
+    kAccessObject = 0,
+    kAccessSid = 1,
+    kAccessMask = 2,
+    kAccessInheritable = 3,
+};
+// Column numbers of MSysRelationships, as far as they are needed.
+enum RelationColumn : std::uint16_t {
+    kRelationName = 0,
+    kRelationFlags = 1,
+    kRelationTable = 4,
+    kRelationColumn = 5,
+    kRelationReferencedTable = 6,
+    kRelationReferencedColumn = 7,
+};
+
+// MSysObjects, MSysACEs, MSysQueries, MSysRelationships of a new Jet 4 file: no rows yet.
+std::vector<TableDefinition> SystemTables();
+
+// The two-byte names of the users every file knows.
+inline constexpr std::uint16_t kSidEngine = 0x0302;  // bytes 02 03
+inline constexpr std::uint16_t kSidCreator = 0x0402;
+inline constexpr std::uint16_t kSidUsers = 0x0102;
+inline constexpr std::uint16_t kSidAdmin = 0x0103;
+Bytes SidBytes(std::uint16_t sid);
+
+}  // namespace jet

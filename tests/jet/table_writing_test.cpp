@@ -1,0 +1,215 @@
+// Tables made, filled and changed by the engine, read back by it and by mdbtools.
+#include "base/unicode.h"
+#include "jet/storage_support.h"
+#include "platform/file_system.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+namespace jet::test {
+namespace {
+
+ColumnDesign Column(const char16_t* name, ColumnType type, std::uint16_t size = 0) {
+    ColumnDesign column;
+    column.name = name;
+    column.type = type;
+    column.size = size;
+    return column;
+}
+
+TableDesign GamesDesign() {
+    TableDesign design;
+    design.name = u"Games";
+    design.columns = {
+        Column(u"ID", ColumnType::kLong),           Column(u"Name", ColumnType::kText, 100),
+        Column(u"Year", ColumnType::kShort),        Column(u"Notes", ColumnType::kMemo),
+        Column(u"Favourite", ColumnType::kBoolean), Column(u"Added", ColumnType::kDate)};
+    design.columns[0].autonumber = true;
+    design.columns[1].compressed = true;
+    IndexDesign key;
+    key.name = u"PrimaryKey";
+    key.columns = {{0, true}};
+    key.primary = true;
+    IndexDesign name;
+    name.name = u"Name";
+    name.columns = {{1, true}, {2, false}};
+    design.indexes = {key, name};
+    return design;
+}
+
+// A database file in a folder of its own, open for writing.
+class TableWritingTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const base::Status created = CreateDatabaseFile(*files_, path_, 45000.5);
+        ASSERT_TRUE(created.ok()) << created.message();
+        Open();
+    }
+
+    void Open() {
+        auto pages = OpenPageStore(*files_, path_, {});
+        ASSERT_TRUE(pages.ok()) << pages.status().message();
+        auto opened = OpenDatabase(std::move(pages).value(), path_.string());
+        ASSERT_TRUE(opened.ok()) << opened.status().message();
+        database_ = std::move(opened).value();
+    }
+
+    void Reopen() {
+        const base::Status closed = database_->Close();
+        ASSERT_TRUE(closed.ok()) << closed.message();
+        database_.reset();
+        Open();
+    }
+
+    // Runs `change` as one statement.
+    template <typename Change>
+    base::Status Do(Change change) {
+        RETURN_IF_ERROR(database_->Begin());
+        base::Status status = change();
+        if (!status.ok()) {
+            database_->Rollback();
+            return status;
+        }
+        return database_->Commit();
+    }
+
+    Table& Games() { return *database_->FindTable(u"Games").value(); }
+
+    void CreateGames() {
+        const base::Status status = Do([&] { return database_->CreateTable(GamesDesign()); });
+        ASSERT_TRUE(status.ok()) << status.message();
+    }
+
+    base::Result<RowId> InsertGame(std::u16string name, std::int16_t year, std::u16string notes) {
+        std::vector<Value> values = {Value::Null(),
+                                     Value::Text(name),
+                                     Value::Short(year),
+                                     Value::Text(notes),
+                                     Value::Boolean(year % 2 == 0),
+                                     Value::DateTime(40000 + year)};
+        base::Result<RowId> row = RowId{};
+        const base::Status status = Do([&] {
+            row = Games().Insert(values);
+            return row.status();
+        });
+        if (!status.ok()) return status;
+        return row;
+    }
+
+    std::vector<std::vector<Value>> Rows(Table& table) {
+        std::vector<std::size_t> columns(table.design().columns.size());
+        std::iota(columns.begin(), columns.end(), std::size_t{0});
+        std::vector<std::vector<Value>> rows;
+        auto cursor = table.Scan();
+        EXPECT_TRUE(cursor.ok()) << cursor.status().message();
+        for (auto row = cursor.value()->Next(); row.ok() && row.value();
+             row = cursor.value()->Next())
+            EXPECT_TRUE(cursor.value()->Read(columns, rows.emplace_back(columns.size())).ok());
+        return rows;
+    }
+
+    TemporaryFolder folder_;
+    std::filesystem::path path_ = folder_.path() / "games.mdb";
+    std::unique_ptr<FileSystem> files_ = platform::MakeFileSystem();
+    std::unique_ptr<Database> database_;
+};
+
+TEST_F(TableWritingTest, NewTableKeepsItsDesign) {
+    CreateGames();
+    Reopen();
+    const TableDesign& design = Games().design();
+    EXPECT_EQ(design.columns, GamesDesign().columns);
+    ASSERT_EQ(design.indexes.size(), 2U);
+    EXPECT_EQ(design.indexes[0].name, u"Name");
+    EXPECT_TRUE(design.indexes[1].primary);
+}
+
+TEST_F(TableWritingTest, RowsComeBackAfterReopening) {
+    CreateGames();
+    for (int i = 0; i < 300; ++i) {
+        const auto row = InsertGame(u"Game " + std::u16string(1, char16_t(u'A' + i % 26)),
+                                    static_cast<std::int16_t>(1970 + i % 40),
+                                    std::u16string(static_cast<std::size_t>(i * 40), u'n'));
+        ASSERT_TRUE(row.ok()) << row.status().message();
+    }
+    Reopen();
+    const auto rows = Rows(Games());
+    ASSERT_EQ(rows.size(), 300U);
+    EXPECT_EQ(Games().row_count(), 300U);
+    for (int i = 0; i < 300; ++i) {
+        const auto& row = rows[static_cast<std::size_t>(i)];
+        EXPECT_EQ(row[0], Value::Long(i + 1));
+        EXPECT_EQ(row[3].as<std::u16string>().size(), static_cast<std::size_t>(i * 40));
+    }
+}
+
+TEST_F(TableWritingTest, MdbExportReadsWhatWasWritten) {
+    if (!HasProgram("mdb-export")) GTEST_SKIP() << "mdbtools are not installed";
+    CreateGames();
+    for (int i = 0; i < 500; ++i)
+        ASSERT_TRUE(InsertGame(u"Gäme " + std::u16string(1, char16_t(u'A' + i % 26)),
+                               static_cast<std::int16_t>(1970 + i % 40),
+                               std::u16string(static_cast<std::size_t>(i * 23 % 9000), u'é'))
+                        .ok());
+    ASSERT_TRUE(database_->Flush().ok());
+    const auto exported = ExportedRows(path_, "Games");
+    ASSERT_TRUE(exported);
+    const auto rows = Rows(Games());
+    ASSERT_EQ(exported->size(), rows.size());
+    for (std::size_t r = 0; r < rows.size(); ++r)
+        for (std::size_t c = 0; c < rows[r].size(); ++c)
+            EXPECT_TRUE(SameAsExported(rows[r][c], (*exported)[r][c]))
+                << Describe(rows[r][c]).substr(0, 80) << " | "
+                << (*exported)[r][c].value_or("(null)").substr(0, 80);
+}
+
+TEST_F(TableWritingTest, DuplicateKeyLeavesNothingBehind) {
+    TableDesign design = GamesDesign();
+    design.indexes[1].unique = true;
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    ASSERT_TRUE(InsertGame(u"Taxi", 1988, u"one").ok());
+    ASSERT_TRUE(database_->Flush().ok());
+    const auto before = ReadWholeFile(path_);
+    const auto second = InsertGame(u"TAXI ", 1988, std::u16string(20000, u'x'));
+    EXPECT_EQ(second.status().number(), 3022);
+    ASSERT_TRUE(database_->Flush().ok());
+    EXPECT_EQ(ReadWholeFile(path_), before);
+    EXPECT_TRUE(InsertGame(u"TAXI ", 1989, u"").ok());
+    EXPECT_EQ(Rows(Games()).size(), 2U);
+}
+
+TEST_F(TableWritingTest, ColumnsAddedLaterAreNullInOldRows) {
+    CreateGames();
+    const auto old_row = InsertGame(u"Fathom", 1981, u"deep");
+    ASSERT_TRUE(old_row.ok());
+    ColumnDesign played = Column(u"TimesPlayed", ColumnType::kLong);
+    played.default_value = u"0";
+    for (const ColumnDesign& column :
+         {Column(u"RulesFile", ColumnType::kText, 255), Column(u"FileDate", ColumnType::kDate),
+          Column(u"RulesText", ColumnType::kMemo), played, Column(u"CRC", ColumnType::kText, 50),
+          Column(u"Seen", ColumnType::kBoolean)}) {
+        const base::Status status = Do([&] { return database_->AddColumn(u"games", column); });
+        ASSERT_TRUE(status.ok()) << status.message();
+    }
+    Reopen();
+    const auto rows = Rows(Games());
+    ASSERT_EQ(rows.size(), 1U);
+    ASSERT_EQ(rows[0].size(), 12U);
+    EXPECT_EQ(rows[0][1], Value::Text(u"Fathom"));
+    for (std::size_t c = 6; c < 11; ++c)
+        EXPECT_TRUE(rows[0][c].is_null());
+    EXPECT_EQ(rows[0][11], Value::Boolean(false));
+    EXPECT_EQ(Games().design().columns[9].default_value, u"0");
+    EXPECT_EQ(Do([&] { return database_->AddColumn(u"Games", played); }).number(), 3380);
+
+    const std::vector<ColumnChange> changes = {{8, Value::Text(std::u16string(3000, u'r'))},
+                                               {9, Value::Long(7)}};
+    const base::Status updated = Do([&] { return Games().Update(old_row.value(), changes); });
+    ASSERT_TRUE(updated.ok()) << updated.message();
+    EXPECT_EQ(Rows(Games())[0][9], Value::Long(7));
+    EXPECT_EQ(Rows(Games())[0][8].as<std::u16string>().size(), 3000U);
+}
+
+}  // namespace
+}  // namespace jet::test
