@@ -1,0 +1,153 @@
+#include "jet/check.h"
+
+#include "base/unicode.h"
+#include "jet/check_catalog.h"
+#include "jet/check_table.h"
+#include "jet/rc4.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace jet {
+namespace check {
+namespace {
+
+constexpr std::array<std::byte, 4> kHeaderKey{std::byte{0xC7}, std::byte{0xDA}, std::byte{0x39},
+                                              std::byte{0x6B}};
+constexpr std::size_t kMaskedAt = 0x18;
+
+// Access 2007 and later write this number into files of the older format.
+constexpr std::uint32_t kBuildOfLaterEngine = 4518;
+
+// What the steps need of page 0. nullopt (reported): the pages cannot be read.
+struct Header {
+    std::uint16_t code_page = 1252;
+    RowPointer global_map;
+    RowPointer second_map;
+    std::uint32_t build = 0;  // Jet 4: of the engine that created or compacted the file
+};
+
+std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
+    const auto fault = [&](std::string text) {
+        ++report.faults;
+        report.findings.push_back({Severity::kFault, 0, -1, "", std::move(text)});
+    };
+    const auto view = store.Read(0);
+    if (!view.ok()) {
+        fault("cannot be read: " + view.status().message());
+        return std::nullopt;
+    }
+    std::vector<std::byte> page(view->bytes().begin(), view->bytes().end());
+    const bool jet4 = page.size() == 4096;
+    ApplyRc4(kHeaderKey, std::span(page).subspan(kMaskedAt, jet4 ? 128 : 126));
+    if (base::LoadLittle<std::uint32_t>(page.data()) != 0x100 ||
+        std::memcmp(page.data() + 4, "Standard Jet DB", 16) != 0 ||
+        base::LoadLittle<std::uint32_t>(page.data() + 0x14) != (jet4 ? 1U : 0U)) {
+        fault("is not the header of a database");
+        return std::nullopt;
+    }
+    if (base::LoadLittle<std::uint32_t>(page.data() + 0x3E) != 0) {
+        fault("says that the pages are encoded; they cannot be checked");
+        return std::nullopt;
+    }
+    for (std::uint32_t i = 0; i < 4; ++i)
+        if (base::LoadLittle<std::uint32_t>(page.data() + 0x20 + 4 * i) != 2 + i)
+            fault("the place of a system table is wrong");
+    const std::size_t words = jet4 ? 0xE00 : 0x600;
+    for (std::size_t i = 0; i < 256; ++i)
+        if (base::LoadLittle<std::uint16_t>(page.data() + words + 2 * i) < 0x100)
+            fault("commit word " + std::to_string(i) + " says that a user vanished while writing");
+    Header header;
+    if (!jet4) header.code_page = base::LoadLittle<std::uint16_t>(page.data() + 0x3C);
+    if (jet4) header.build = base::LoadLittle<std::uint32_t>(page.data() + 0x6A) & 0xFFFF;
+    header.global_map = LoadRowPointer(page.data() + 0x18);
+    header.second_map = LoadRowPointer(page.data() + 0x1C);
+    return header;
+}
+
+// The logical indexes of relations point at each other.
+void CheckRelations(CheckRun& run, const std::map<PageNumber, Definition>& tables) {
+    for (const auto& [page, definition] : tables)
+        for (const LogicalIndex& index : definition.logical) {
+            if (index.side == 0) continue;
+            const auto other = tables.find(index.partner_table);
+            const bool is_answered =
+                other != tables.end() &&
+                std::ranges::any_of(other->second.logical, [&](const LogicalIndex& back) {
+                    return static_cast<std::int64_t>(back.number) == index.partner &&
+                           back.partner == static_cast<std::int64_t>(index.number) &&
+                           back.partner_table == page && back.side + index.side == 3;
+                });
+            if (!is_answered)
+                run.Fault(page, -1,
+                          "the relation of index " + base::ToUtf8(index.name) +
+                              " has no other side");
+        }
+}
+
+void CheckTables(CheckRun& run) {
+    std::map<PageNumber, Definition> definitions;
+    for (const TableEntry& entry : CheckCatalog(run)) {
+        const std::string name = base::ToUtf8(entry.name);
+        run.SetTable(name);
+        const auto definition = ReadDefinition(run, entry.definition, name);
+        if (!definition) continue;
+        CheckTable(run, *definition);
+        ++run.report().tables;
+        definitions.emplace(entry.definition, *definition);
+    }
+    run.SetTable("");
+    for (PageNumber page = kAccessPage; page <= kRelationsPage; ++page)
+        if (!definitions.contains(page)) run.Fault(page, -1, "is no table of the catalogue");
+    CheckRelations(run, definitions);
+}
+
+// Every page is either free or used once; Claim has reported the ones used twice.
+void CheckPages(CheckRun& run, PageStore& store, const PageSet& free) {
+    for (PageNumber page = 0; page < run.page_count(); ++page) {
+        if (free.contains(page)) {
+            if (run.IsClaimed(page))
+                run.Fault(page, -1, "is in use, but the global map has it as free");
+            continue;
+        }
+        if (run.IsClaimed(page)) continue;
+        const auto view = store.Read(page);
+        if (view.ok()) run.Warn(page, -1, "is not free, but nothing uses it");
+    }
+}
+
+}  // namespace
+}  // namespace check
+
+CheckReport CheckIntegrity(PageStore& store) {
+    CheckReport first;
+    const auto header = check::CheckHeader(store, first);
+    if (!header) return first;
+    const Format& format = FormatOf(store.page_size() == 2048 ? 3 : 4);
+    check::CheckRun run(store, format, TextCodec(format.version, header->code_page));
+    if (header->build == check::kBuildOfLaterEngine) run.SetWrittenByLaterEngine();
+    run.Claim(0, "the header");
+    if (run.page_count() > 1) run.Claim(1, "the global maps");
+    const auto free = run.ReadMap(header->global_map, "free pages", true);
+    const auto second = run.ReadMap(header->second_map, "the second global map", true);
+    if (second && !second->empty())
+        run.Fault(header->second_map.page, header->second_map.row,
+                  "the second global map is not empty");
+    check::CheckTables(run);
+    if (free) check::CheckPages(run, store, *free);
+    CheckReport report = std::move(run.report());
+    report.faults += first.faults;
+    report.findings.insert(report.findings.begin(), first.findings.begin(), first.findings.end());
+    return report;
+}
+
+std::string Describe(const Finding& finding) {
+    std::string text = finding.severity == Severity::kFault ? "" : "warning: ";
+    text += "page " + std::to_string(finding.page);
+    if (finding.row >= 0) text += ", row " + std::to_string(finding.row);
+    if (!finding.table.empty()) text += ", table " + finding.table;
+    return text + ": " + finding.text;
+}
+
+}  // namespace jet
