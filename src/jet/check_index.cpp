@@ -198,10 +198,12 @@ bool SameBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
     return std::ranges::equal(a, b);
 }
 
+// The beginning, as far as a line is read.
 std::string Hex(std::span<const std::byte> bytes) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
-    for (const std::byte byte : bytes) {
+    constexpr std::size_t kMost = 48;
+    for (const std::byte byte : bytes.first(std::min(bytes.size(), kMost))) {
         text += kDigits[std::to_integer<unsigned>(byte) >> 4];
         text += kDigits[std::to_integer<unsigned>(byte) & 15];
     }

@@ -1,0 +1,96 @@
+// The program tavolo-dbcheck as a user or a script calls it.
+#include "support/page_workload.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+struct Answer {
+    int status = -1;
+    std::string output;
+};
+
+Answer Run(const std::string& arguments) {
+    Answer answer;
+    FILE* pipe = ::popen((std::string(DBCHECK) + " " + arguments + " 2>&1").c_str(), "r");
+    if (pipe == nullptr) return answer;
+    std::array<char, 4096> buffer{};
+    for (std::size_t size = 0; (size = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;)
+        answer.output.append(buffer.data(), size);
+    const int state = ::pclose(pipe);
+    answer.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1;
+    return answer;
+}
+
+class DbcheckProgramTest : public testing::Test {
+protected:
+    DbcheckProgramTest() {
+        std::string name =
+            (std::filesystem::temp_directory_path() / "tavolo-check-XXXXXX").string();
+        folder_ = ::mkdtemp(name.data());
+    }
+    ~DbcheckProgramTest() override { std::filesystem::remove_all(folder_); }
+
+    std::string Write(const std::string& name, const std::vector<std::byte>& bytes) {
+        const auto path = folder_ / name;
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        return "'" + path.string() + "'";
+    }
+
+    std::filesystem::path folder_;
+};
+
+TEST_F(DbcheckProgramTest, WrongUseIsStatusTwo) {
+    EXPECT_EQ(Run("").status, 2);
+    EXPECT_EQ(Run("--wrong").status, 2);
+    EXPECT_EQ(Run("a.mdb b.mdb").status, 2);
+    EXPECT_NE(Run("").output.find("Usage: tavolo-dbcheck [--json] FILE"), std::string::npos);
+    EXPECT_EQ(Run("--help").status, 0);
+}
+
+TEST_F(DbcheckProgramTest, AFileThatCannotBeOpenedIsStatusTwo) {
+    const auto missing = Run("'" + (folder_ / "none.mdb").string() + "'");
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_NE(missing.output.find("Could not find file"), std::string::npos);
+    const auto text = Run(Write("text.mdb", std::vector<std::byte>(5000, std::byte{'x'})));
+    EXPECT_EQ(text.status, 2);
+    EXPECT_NE(text.output.find("Unrecognized database format"), std::string::npos);
+}
+
+TEST_F(DbcheckProgramTest, FaultsAreStatusOneAsTextAndAsJson) {
+    const std::string file = Write("name \"quoted\".mdb", test_support::MakePages(1, 3));
+    const auto text = Run(file);
+    EXPECT_EQ(text.status, 1);
+    EXPECT_NE(text.output.find("page 0: is not the header of a database\n"), std::string::npos)
+        << text.output;
+    const auto json = Run("--json " + file);
+    EXPECT_EQ(json.status, 1);
+    EXPECT_NE(json.output.find("{\"severity\": \"fault\", \"page\": 0, \"table\": \"\", \"text\": "
+                               "\"is not the header of a database\"}"),
+              std::string::npos)
+        << json.output;
+    EXPECT_NE(json.output.find("name \\\"quoted\\\".mdb\""), std::string::npos);
+}
+
+TEST_F(DbcheckProgramTest, ASoundFileIsStatusZero) {
+    const char* shared = std::getenv("TAVOLO_SHARED");
+    const auto sample = std::filesystem::path(shared != nullptr ? shared : "") /
+                        "samples/mdb/jet4-engine-fresh.mdb";
+    if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files here";
+    const auto answer = Run("'" + sample.string() + "'");
+    EXPECT_EQ(answer.status, 0) << answer.output;
+    EXPECT_NE(answer.output.find("0 faults, 0 warnings\n"), std::string::npos) << answer.output;
+}
+
+}  // namespace
