@@ -19,7 +19,7 @@ struct Answer {
     std::string output;
 };
 
-Answer Run(const std::string& arguments) {
+Answer Dbcheck(const std::string& arguments) {
     Answer answer;
     FILE* pipe = ::popen((std::string(DBCHECK) + " " + arguments + " 2>&1").c_str(), "r");
     if (pipe == nullptr) return answer;
@@ -52,29 +52,29 @@ protected:
 };
 
 TEST_F(DbcheckProgramTest, WrongUseIsStatusTwo) {
-    EXPECT_EQ(Run("").status, 2);
-    EXPECT_EQ(Run("--wrong").status, 2);
-    EXPECT_EQ(Run("a.mdb b.mdb").status, 2);
-    EXPECT_NE(Run("").output.find("Usage: tavolo-dbcheck [--json] FILE"), std::string::npos);
-    EXPECT_EQ(Run("--help").status, 0);
+    EXPECT_EQ(Dbcheck("").status, 2);
+    EXPECT_EQ(Dbcheck("--wrong").status, 2);
+    EXPECT_EQ(Dbcheck("a.mdb b.mdb").status, 2);
+    EXPECT_NE(Dbcheck("").output.find("Usage: tavolo-dbcheck [--json] FILE"), std::string::npos);
+    EXPECT_EQ(Dbcheck("--help").status, 0);
 }
 
 TEST_F(DbcheckProgramTest, AFileThatCannotBeOpenedIsStatusTwo) {
-    const auto missing = Run("'" + (folder_ / "none.mdb").string() + "'");
+    const auto missing = Dbcheck("'" + (folder_ / "none.mdb").string() + "'");
     EXPECT_EQ(missing.status, 2);
     EXPECT_NE(missing.output.find("Could not find file"), std::string::npos);
-    const auto text = Run(Write("text.mdb", std::vector<std::byte>(5000, std::byte{'x'})));
+    const auto text = Dbcheck(Write("text.mdb", std::vector<std::byte>(5000, std::byte{'x'})));
     EXPECT_EQ(text.status, 2);
     EXPECT_NE(text.output.find("Unrecognized database format"), std::string::npos);
 }
 
 TEST_F(DbcheckProgramTest, FaultsAreStatusOneAsTextAndAsJson) {
     const std::string file = Write("name \"quoted\".mdb", test_support::MakePages(1, 3));
-    const auto text = Run(file);
+    const auto text = Dbcheck(file);
     EXPECT_EQ(text.status, 1);
     EXPECT_NE(text.output.find("page 0: is not the header of a database\n"), std::string::npos)
         << text.output;
-    const auto json = Run("--json " + file);
+    const auto json = Dbcheck("--json " + file);
     EXPECT_EQ(json.status, 1);
     EXPECT_NE(json.output.find("{\"severity\": \"fault\", \"page\": 0, \"table\": \"\", \"text\": "
                                "\"is not the header of a database\"}"),
@@ -88,7 +88,7 @@ TEST_F(DbcheckProgramTest, ASoundFileIsStatusZero) {
     const auto sample = std::filesystem::path(shared != nullptr ? shared : "") /
                         "samples/mdb/jet4-engine-fresh.mdb";
     if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files here";
-    const auto answer = Run("'" + sample.string() + "'");
+    const auto answer = Dbcheck("'" + sample.string() + "'");
     EXPECT_EQ(answer.status, 0) << answer.output;
     EXPECT_NE(answer.output.find("0 faults, 0 warnings\n"), std::string::npos) << answer.output;
 }
