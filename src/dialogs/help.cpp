@@ -4,13 +4,18 @@
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
+#include <QtCore/QDir>
+
 namespace dialogs {
 
 QString HelpFile(const QString& application_folder, const QString& program_folder) {
     const QString name = QStringLiteral("tavolo.chm");
     const QString own = platform::FileIn(application_folder, name);
-    const QString delivered = platform::FileIn(program_folder, name);
-    return !platform::FileExists(own) && platform::FileExists(delivered) ? delivered : own;
+    const QString shared = QDir::cleanPath(program_folder + QStringLiteral("/../share/tavolo"));
+    for (const QString& file :
+         {own, platform::FileIn(program_folder, name), platform::FileIn(shared, name)})
+        if (platform::FileExists(file)) return file;
+    return own;
 }
 
 void OpenHelp(platform::Shell& shell, const QString& application_folder) {

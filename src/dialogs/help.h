@@ -7,8 +7,9 @@
 
 namespace dialogs {
 
-// `folder`/tavolo.chm; when there is none (another application folder was asked for on the command
-// line) and the program's own folder has one, that.
+// tavolo.chm in the application folder; when there is none (another folder was asked for on the
+// command line), the one that came with the program: beside it, or in share/tavolo where it is
+// installed.
 QString HelpFile(const QString& application_folder, const QString& program_folder);
 
 // Opens the help file. A missing file or viewer shows nothing.

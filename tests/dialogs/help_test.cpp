@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
@@ -31,6 +32,15 @@ TEST(HelpTest, AnApplicationFolderWithoutHelpUsesTheProgramsOwn) {
     const QTemporaryDir program;
     const QString delivered = MakeHelpFile(program);
     EXPECT_EQ(HelpFile(application.path(), program.path()), delivered);
+}
+
+TEST(HelpTest, AnInstalledProgramHasItsHelpInTheSharedFolder) {
+    const QTemporaryDir root;
+    QDir(root.path()).mkpath(QStringLiteral("bin"));
+    QDir(root.path()).mkpath(QStringLiteral("share/tavolo"));
+    QFile file(root.filePath(QStringLiteral("share/tavolo/tavolo.chm")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_EQ(HelpFile(root.path(), root.filePath(QStringLiteral("bin"))), file.fileName());
 }
 
 TEST(HelpTest, WithoutAnyHelpFileTheOneOfTheApplicationFolderIsAskedFor) {
