@@ -31,8 +31,9 @@ std::optional<std::int64_t> RowId(const jet::Value& value) {
 
 }  // namespace
 
-MatchIndex::MatchIndex(jet::Connection& connection, const QString& date_condition)
-    : complete_(ReadRows(connection, date_condition)) {}
+MatchIndex::MatchIndex(jet::Connection& connection, const QString& date_condition) {
+    complete_ = ReadRows(connection, date_condition);
+}
 
 bool MatchIndex::CanAnswer(const QString& key) const {
     return complete_ && key.size() <= kLongestKey && std::all_of(key.begin(), key.end(), IsPlain);

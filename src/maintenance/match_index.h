@@ -42,9 +42,9 @@ private:
     bool ReadRows(jet::Connection& connection, const QString& date_condition);
     static bool Add(Map& map, const jet::Value& value, std::optional<std::int64_t> id);
 
-    bool complete_ = false;
     Map by_checksum_;
     Map by_name_;
+    bool complete_ = false;
 };
 
 }  // namespace maintenance
