@@ -1,0 +1,172 @@
+// The start of the program on a catalogue of N tables, until its window is on the screen with the
+// tree in it and nothing is left to do, beside `mdb-export` of the same file to /dev/null; and the
+// most memory that the program ever held.
+//   tests/support/with_display.sh tree_bench [--tables N] [--rounds R]       100,000 tables, best
+//   of 3 rounds
+// Needs a display with a window manager. Aims: sooner than mdb-export; under 250 MB.
+#include "bench_catalogue.h"
+#include "platform/application_folder.h"
+#include "platform/window_control.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QThread>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr int kPollMs = 1;
+constexpr int kIdleMs = 40;  // without a tick of processor time: nothing is left to do
+constexpr int kLongestStartMs = 60'000;
+
+QString TitleOfTavolo() {
+    return QStringLiteral("Tavolo -    v. 1.6 - RC 1");
+}
+
+QString RowValues(int i) {
+    return QStringLiteral(
+               "'Pinball table number %1', '/home/user/tables/folder %2/Table number %1 of "
+               "many.vpt', 'Author %3', 'Company %4', '%5', '1.%6', 'Some notes on table %1', "
+               "%7, %8, #1/%9/2004 10:30:00 AM#, '20-Nov-26', %6, 'A1B2C3D4'")
+        .arg(i)
+        .arg(i % 300)
+        .arg(i % 911)
+        .arg(i % 37)
+        .arg(1950 + i % 60)
+        .arg(i % 10)
+        .arg(i % 3 == 0 ? QStringLiteral("true") : QStringLiteral("false"),
+             i % 20 == 0 ? QStringLiteral("true") : QStringLiteral("false"))
+        .arg(1 + i % 28);
+}
+
+void MakeCatalogue(const QString& folder, int tables) {
+    const auto files = platform::MakeFileSystem();
+    platform::SystemClock clock;
+    bench::NoSettings settings;
+    catalogue::ProcessValues values;
+    values.ApplicationFolder = folder;
+    bench::Require(catalogue::CreateEmptyCatalogue(
+        *files, (folder + QStringLiteral("/pinball.mdb")).toStdString(), 46000));
+    jet::Connection connection(*files);
+    catalogue::Catalogue catalogue{&connection, &values, &settings, &clock};
+    bench::Require(catalogue::Main(catalogue));
+    for (int i = 0; i < tables; ++i) {
+        const QString sql =
+            QStringLiteral(
+                "INSERT INTO Tables (DisplayName, FileName, Author, Company, Year, Version, "
+                "Notes, PinMame, Favorite, FileDate, DateAdded, TimesPlayed, CRC) VALUES (") +
+            RowValues(i) + QStringLiteral(")");
+        bench::Require(connection.Execute(sql.toStdU16String()).status());
+    }
+    bench::Require(connection.Close());
+}
+
+// Settings of their own, so that no first start's question stands before the window.
+QProcessEnvironment CleanEnvironment(const QString& folder) {
+    QFile settings(folder + QStringLiteral("/config/TAVOLO.ini"));
+    QDir().mkpath(folder + QStringLiteral("/config"));
+    if (settings.open(QIODevice::WriteOnly)) settings.write("[General]\nVPEXE=/bin/true\n");
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), folder + QStringLiteral("/config"));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    return environment;
+}
+
+QByteArray ReadProc(qint64 process, const char* name) {
+    QFile file(QStringLiteral("/proc/%1/%2").arg(process).arg(QLatin1String(name)));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Clock ticks of processor time, user and system.
+qint64 ProcessorTicks(qint64 process) {
+    const QByteArray stat = ReadProc(process, "stat");
+    const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
+    return fields.size() > 12 ? fields[11].toLongLong() + fields[12].toLongLong() : -1;
+}
+
+double PeakMegabytes(qint64 process) {
+    const QByteArray status = ReadProc(process, "status");
+    const qsizetype at = status.indexOf("VmHWM:");
+    return at < 0 ? 0 : status.mid(at + 6).trimmed().split(' ').front().toDouble() / 1024;
+}
+
+struct Start {
+    double seconds = 0;
+    double peak_megabytes = 0;
+};
+
+// The moment after which the process used no processor time for kIdleMs, its window being there.
+Start StartProgram(const QString& folder, platform::WindowControl& windows) {
+    QProcess program;
+    program.setProcessEnvironment(CleanEnvironment(folder));
+    const auto begin = std::chrono::steady_clock::now();
+    const auto elapsed = [&] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    };
+    program.start(platform::ProgramFolder() + QStringLiteral("/tavolo"),
+                  {QStringLiteral("--folder"), folder});
+    program.waitForStarted();
+    while (!windows.Find(QStringLiteral("tavolo"), TitleOfTavolo())) {
+        if (elapsed() * 1000 > kLongestStartMs) {
+            std::fputs("the program's window does not come\n", stderr);
+            std::exit(1);
+        }
+        QThread::msleep(kPollMs);
+    }
+    Start start{elapsed(), 0};
+    qint64 ticks = ProcessorTicks(program.processId());
+    while ((elapsed() - start.seconds) * 1000 < kIdleMs) {
+        QThread::msleep(kPollMs);
+        const qint64 now = ProcessorTicks(program.processId());
+        if (now != ticks) start.seconds = elapsed();
+        ticks = now;
+    }
+    start.peak_megabytes = PeakMegabytes(program.processId());
+    program.kill();
+    program.waitForFinished();
+    return start;
+}
+
+double ExportSeconds(const QString& database) {
+    return bench::Seconds([&] {
+        QProcess exporter;
+        exporter.setStandardOutputFile(QProcess::nullDevice());
+        exporter.start(QStringLiteral("mdb-export"), {database, QStringLiteral("Tables")});
+        if (!exporter.waitForFinished(-1) || exporter.exitCode() != 0) {
+            std::fputs("mdb-export failed\n", stderr);
+            std::exit(1);
+        }
+    });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    const int tables = bench::NumberOption(argc, argv, "--tables", 100'000);
+    const int rounds = bench::NumberOption(argc, argv, "--rounds", 3);
+    QTemporaryDir folder;
+    const double making = bench::Seconds([&] { MakeCatalogue(folder.path(), tables); });
+    const QString database = folder.filePath(QStringLiteral("pinball.mdb"));
+    std::printf("%d tables, file of %.1f MB (made in %.1f s)\n", tables,
+                double(QFile(database).size()) / 1e6, making);
+
+    const auto windows = platform::MakeWindowControl();
+    Start best{std::numeric_limits<double>::max(), 0};
+    double best_export = std::numeric_limits<double>::max();
+    for (int round = 0; round < rounds; ++round) {
+        best_export = std::min(best_export, ExportSeconds(database));
+        const Start start = StartProgram(folder.path(), *windows);
+        best.seconds = std::min(best.seconds, start.seconds);
+        best.peak_megabytes = std::max(best.peak_megabytes, start.peak_megabytes);
+    }
+    std::printf("%-44s %10.3f s\n", "mdb-export to /dev/null", best_export);
+    std::printf("%-44s %10.3f s\n", "tavolo, from start to the idle tree", best.seconds);
+    std::printf("%-44s %10.2f     (aim: under 1)\n", "ratio", best.seconds / best_export);
+    std::printf("%-44s %10.1f MB  (aim: under 250)\n", "most memory of tavolo",
+                best.peak_megabytes);
+    return 0;
+}

@@ -1,0 +1,171 @@
+"""The start of the real program: on an empty folder, and on files under the catalogue's name that are none."""
+
+import hashlib
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
+from driver import BUILD, SHARED, Desktop, Tavolo, check, check_equal, export_rows, run, wait_for  # noqa: E402
+
+EMPTY = BUILD / "share" / "tavolo" / "pinball.mdb"
+ALL_COLUMNS = ["ID", "DisplayName", "FileName", "Author", "Company", "Year", "Version", "ImageFile", "FlyerFile", "Notes",
+               "PinMame", "Favorite", "RulesFile", "FileDate", "RulesText", "TimesPlayed", "LastPlayed", "DateAdded", "CRC"]
+NOBODY = 65534
+
+
+def digest(path):
+    return hashlib.sha256(path.read_bytes()).hexdigest()
+
+
+def columns(database):
+    text = subprocess.run(["mdb-export", str(database), "Tables"], check=True, capture_output=True, text=True).stdout
+    return text.splitlines()[0].split(",")
+
+
+def first_start(desktop, folder):
+    with Tavolo(desktop, folder) as program:
+        program.wait_window("Find New Visual Pinball Tables")
+        program.picture("first start")
+        program.click("cmdExit")
+        program.wait_window("Settings")
+        program.click("CancelButton")
+        program.wait_window_gone("Settings")
+        check(program.window("Tavolo -    v. 1.6 - RC 1"), "the main window")
+        program.picture("empty catalogue")
+        program.close()
+    check_equal(columns(folder / "pinball.mdb"), ALL_COLUMNS, "columns after the first start")
+
+
+def refused(desktop, folder, label):
+    """Starts the program on a folder whose catalogue cannot be opened; the text of the message box."""
+    before = {path.name: digest(path) for path in folder.iterdir()} if folder.exists() else None
+    with Tavolo(desktop, folder) as program:
+        text = program.message()
+        program.picture(label)
+        program.answer("Return")
+        program.process.wait(30)
+        check_equal(program.process.returncode, 1, f"{label}: exit status")
+    after = {path.name: digest(path) for path in folder.iterdir()} if folder.exists() else None
+    check_equal(after, before, f"{label}: the folder's files")
+    check(len(text) > 10, f"{label}: the message says only {text!r}")
+    return text
+
+
+def missing(desktop, work):
+    folder = work / "no catalogue"
+    folder.mkdir()
+    (folder / "note.txt").write_text("there was a catalogue here")
+    check("pinball.mdb" in refused(desktop, folder, "missing"), "the message names the file")
+    refused(desktop, work / "no such folder", "no folder")
+
+
+def not_a_catalogue(desktop, work):
+    folder = work / "text file"
+    folder.mkdir()
+    (folder / "pinball.mdb").write_text("dear diary, " * 2000)
+    refused(desktop, folder, "text file")
+    for size in (0, 100, 4096, 20000):
+        cut = work / f"cut at {size}"
+        cut.mkdir()
+        shutil.copyfile(EMPTY, cut / "pinball.mdb")
+        os.truncate(cut / "pinball.mdb", size)
+        refused(desktop, cut, f"cut at {size}")
+
+
+def held(desktop, work):
+    folder = work / "held"
+    folder.mkdir()
+    with Tavolo(desktop, folder) as holder:
+        holder.wait_window("Find New Visual Pinball Tables")
+        before = digest(folder / "pinball.mdb")
+        with Tavolo(desktop, folder) as second:
+            text = second.message()
+            second.picture("held")
+            second.answer("Return")
+            second.process.wait(30)
+            check_equal(second.process.returncode, 1, "exit status of the second program")
+        check("use" in text or "lock" in text, f"the message says who or that somebody holds the file: {text!r}")
+        check_equal(digest(folder / "pinball.mdb"), before, "the file that is held")
+
+
+def old_catalogue(desktop, work):
+    """A catalogue of the first versions gains its columns and keeps every cell."""
+    source = SHARED / "samples" / "catalogue" / "old-base-250.mdb"
+    if not source.exists():
+        print("no sample catalogue: passed over")
+        return
+    folder = work / "old"
+    folder.mkdir()
+    shutil.copyfile(source, folder / "pinball.mdb")
+    before = export_rows(source)
+    with Tavolo(desktop, folder) as program:
+        program.wait_window("Settings")
+        program.click("CancelButton")
+        wait_for(lambda: program.text("sbrDB_1") == "250 Tables in list.  ", "250 tables")
+        program.click_item("All")
+        program.picture("old catalogue")
+        program.close()
+    after = export_rows(folder / "pinball.mdb")
+    check_equal([{name: row[name] for name in before[0]} for row in after], before, "the old cells")
+    check(all(row["DateAdded"] for row in after), "every row has its date of addition")
+    check_equal(columns(folder / "pinball.mdb"), ALL_COLUMNS, "columns of the old catalogue")
+
+
+def read_only(desktop, work):
+    """A catalogue that may only be read is shown, without a message, and stays as it is."""
+    folder = work / "read only"
+    folder.mkdir()
+    shutil.copyfile(SHARED / "samples" / "catalogue" / "old-full-1000.mdb", folder / "pinball.mdb")
+    (folder / "pinball.mdb").chmod(0o444)
+    folder.chmod(0o555)
+    before = digest(folder / "pinball.mdb")
+    wrapper = work / "as nobody"
+    as_nobody = f"setpriv --reuid={NOBODY} --regid={NOBODY} --clear-groups " if os.geteuid() == 0 else ""
+    wrapper.write_text(f'#!/bin/sh\nexec {as_nobody}"{BUILD}/bin/tavolo" "$@"\n')
+    wrapper.chmod(0o755)
+    if os.geteuid() == 0:
+        work.chmod(0o755)
+        for path in (desktop.home, *desktop.home.rglob("*")):
+            os.chown(path, NOBODY, NOBODY)
+    with Tavolo(desktop, folder, program=wrapper) as program:
+        program.wait_window("Settings")
+        program.click("CancelButton")
+        wait_for(lambda: program.text("sbrDB_1") == "1000 Tables in list.  ", "1000 tables")
+        program.picture("read only")
+        program.close()
+    folder.chmod(0o755)
+    check_equal(digest(folder / "pinball.mdb"), before, "the read-only file")
+
+
+def command_line():
+    program = str(BUILD / "bin" / "tavolo")
+    environment = {name: value for name, value in os.environ.items() if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+
+    def output(*arguments):
+        return subprocess.run([program, *arguments], env=environment, capture_output=True, text=True, timeout=30)
+
+    check(output("--help").stdout.startswith("usage: tavolo [--folder DIR]"), "--help")
+    check_equal(output("--version").stdout, "Tavolo 1.6.0\n", "--version")
+    wrong = output("--fast")
+    check_equal(wrong.returncode, 2, "status of an unknown argument")
+    check("unknown argument: --fast" in wrong.stderr, "the complaint about it")
+
+
+def main():
+    command_line()
+    with tempfile.TemporaryDirectory(prefix="tavolo start ") as temporary, Desktop("start") as desktop:
+        work = Path(temporary)
+        (work / "first").mkdir()
+        first_start(desktop, work / "first")
+        missing(desktop, work)
+        not_a_catalogue(desktop, work)
+        held(desktop, work)
+        old_catalogue(desktop, work)
+        read_only(desktop, work)
+
+
+run(main)
