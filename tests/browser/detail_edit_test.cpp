@@ -74,7 +74,7 @@ TEST_F(DetailEditTest, SaveWritesTheFieldsAndUnlocks) {
                                QStringLiteral("2.0"),  QStringLiteral("Playmatic")};
     for (int i = 0; i < texts.size(); ++i)
         Line(i + 1)->setText(texts[i]);
-    Lines(9)->setPlainText(QStringLiteral("one\ntwo"));
+    Retype(9, QStringLiteral("one\ntwo"));
     Click("chkPinMame");
     Click("chkFavorite");
     Click("cmdChange");
@@ -96,7 +96,7 @@ TEST_F(DetailEditTest, SaveWritesTheFieldsAndUnlocks) {
 
 TEST_F(DetailEditTest, SaveLeavesRulesTextAndFileDateAlone) {
     ShowTable(QStringLiteral("Attack"), QStringLiteral("RulesText = 'kept'"));
-    Lines(12)->setPlainText(QStringLiteral("not saved"));
+    Retype(12, QStringLiteral("not saved"));
     Click("cmdChange");
     EXPECT_EQ(Stored(QStringLiteral("RulesText"), QStringLiteral("Attack")),
               QStringLiteral("kept"));

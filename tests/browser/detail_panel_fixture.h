@@ -62,6 +62,11 @@ protected:
     QPlainTextEdit* Lines(int index) {
         return Find<QPlainTextEdit>(QStringLiteral("txtDet_%1").arg(index));
     }
+    // Replaces the text of a field of several lines as a user does.
+    void Retype(int index, const QString& text) {
+        Lines(index)->selectAll();
+        Lines(index)->insertPlainText(text);
+    }
     void Click(const char* button) { Find<QAbstractButton>(QLatin1String(button))->click(); }
     QLabel* Alert() { return Find<QLabel>(QStringLiteral("pnlAlert")); }
     QList<int> EnabledTabs() {

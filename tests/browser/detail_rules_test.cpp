@@ -44,14 +44,14 @@ TEST_F(DetailRulesTest, SaveStoresTheTextOfTheFile) {
 }
 
 TEST_F(DetailRulesTest, SaveStoresATypedTextWithWindowsLineEnds) {
-    Lines(12)->setPlainText(QStringLiteral("one\ntwo"));
+    Retype(12, QStringLiteral("one\ntwo"));
     Click("cmdSaveRules");
     EXPECT_EQ(StoredRules(), QStringLiteral("one\r\ntwo"));
 }
 
 TEST_F(DetailRulesTest, SaveWritesTheRulesAloneAndDropsOtherEdits) {
     panel->SetDetailText(4, QStringLiteral("Bert"));
-    Lines(12)->setPlainText(QStringLiteral("new"));
+    Retype(12, QStringLiteral("new"));
     Click("cmdSaveRules");
     EXPECT_EQ(StoredRules(), QStringLiteral("new"));
     EXPECT_EQ(Stored(QStringLiteral("Author"), QStringLiteral("Attack")), QStringLiteral("Anna"));
@@ -59,14 +59,14 @@ TEST_F(DetailRulesTest, SaveWritesTheRulesAloneAndDropsOtherEdits) {
 }
 
 TEST_F(DetailRulesTest, AnEmptyTextCanBeSaved) {
-    Lines(12)->clear();
+    Retype(12, {});
     Click("cmdSaveRules");
     EXPECT_EQ(StoredRules(), QString());
     EXPECT_TRUE(prompts.messages.empty());
 }
 
 TEST_F(DetailRulesTest, CancelShowsTheStoredText) {
-    Lines(12)->setPlainText(QStringLiteral("new"));
+    Retype(12, QStringLiteral("new"));
     Click("cmdCancelRules");
     EXPECT_EQ(Lines(12)->toPlainText(), QStringLiteral("old"));
     EXPECT_FALSE(panel->record_changed());
@@ -74,7 +74,7 @@ TEST_F(DetailRulesTest, CancelShowsTheStoredText) {
 }
 
 TEST_F(DetailRulesTest, ARowDeletedMeanwhileIsToldAndTheTextStays) {
-    Lines(12)->setPlainText(QStringLiteral("new"));
+    Retype(12, QStringLiteral("new"));
     Execute(QStringLiteral("delete from tables"));
     Click("cmdSaveRules");
     EXPECT_EQ(prompts.messages.size(), 1u);
