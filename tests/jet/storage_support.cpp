@@ -3,12 +3,15 @@
 #include "base/unicode.h"
 #include "jet/conversions.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <numeric>
 
 namespace jet::test {
 namespace {
@@ -238,6 +241,59 @@ std::string Describe(const Value& value) {
     if (const auto* guid = value.get_if<Guid>()) return GuidText(*guid);
     if (const auto* numeric = value.get_if<Numeric>()) return NumericText(*numeric);
     return "?";
+}
+
+std::vector<std::vector<Value>> AllRows(Table& table) {
+    std::vector<std::size_t> columns(table.design().columns.size());
+    std::iota(columns.begin(), columns.end(), std::size_t{0});
+    std::vector<std::vector<Value>> rows;
+    auto cursor = table.Scan();
+    EXPECT_TRUE(cursor.ok()) << cursor.status().message();
+    while (cursor.ok()) {
+        const auto next = cursor.value()->Next();
+        EXPECT_TRUE(next.ok()) << next.status().message();
+        if (!next.ok() || !next.value()) break;
+        auto& row = rows.emplace_back(columns.size());
+        const auto status = cursor.value()->Read(columns, row);
+        EXPECT_TRUE(status.ok()) << status.message();
+    }
+    return rows;
+}
+
+void CompareWithExport(const std::filesystem::path& path, Table& table) {
+    const std::string name = base::ToUtf8(table.design().name);
+    SCOPED_TRACE(path.filename().string() + " " + name);
+    const auto names = ExportedNames(path, name);
+    const auto exported = ExportedRows(path, name);
+    ASSERT_TRUE(exported);
+    ASSERT_EQ(names.size(), table.design().columns.size());
+    std::vector<std::size_t> column_of;  // mdb-export orders columns by number
+    for (const std::string& column : names) {
+        const auto found =
+            std::ranges::find(table.design().columns, base::ToUtf16(column), &ColumnDesign::name);
+        ASSERT_NE(found, table.design().columns.end()) << column;
+        column_of.push_back(static_cast<std::size_t>(found - table.design().columns.begin()));
+    }
+    const auto rows = AllRows(table);
+    ASSERT_EQ(rows.size(), exported->size());
+    // It prints a row that was moved where it was moved to.
+    const auto same = [&](const std::vector<Value>& row, const TextRow& other) {
+        for (std::size_t c = 0; c < names.size(); ++c)
+            if (!SameAsExported(row[column_of[c]], other[c])) return false;
+        return true;
+    };
+    std::vector<bool> used(rows.size());
+    for (std::size_t r = 0; r < rows.size(); ++r) {
+        std::size_t match = r;
+        for (std::size_t tries = 0; tries < rows.size(); ++tries, match = (match + 1) % rows.size())
+            if (!used[match] && same(rows[r], (*exported)[match])) break;
+        EXPECT_FALSE(used[match]);
+        used[match] = true;
+        for (std::size_t c = 0; c < names.size(); ++c)
+            EXPECT_TRUE(SameAsExported(rows[r][column_of[c]], (*exported)[match][c]))
+                << "row " << r << " " << names[c] << ": " << Describe(rows[r][column_of[c]])
+                << " | " << (*exported)[match][c].value_or("(null)");
+    }
 }
 
 }  // namespace jet::test

@@ -52,4 +52,9 @@ std::vector<std::string> ExportedNames(const std::filesystem::path& file, const 
 bool SameAsExported(const Value& value, const std::optional<std::string>& exported);
 std::string Describe(const Value& value);
 
+// All rows in physical order, all columns as shown.
+std::vector<std::vector<Value>> AllRows(Table& table);
+// Fails the test where a cell is not what mdb-export prints for it.
+void CompareWithExport(const std::filesystem::path& path, Table& table);
+
 }  // namespace jet::test
