@@ -1,0 +1,274 @@
+#include "discovery/folder_scan.h"
+
+#include "platform/files.h"
+#include "support/catalogue_fixture.h"
+#include "support/fakes.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
+#include <algorithm>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace discovery {
+namespace {
+
+class RecordingObserver final : public ScanObserver {
+public:
+    QStringList listed;
+    QStringList added;  // "name checksum"
+    QStringList queue;
+    void FolderQueued(const QString& folder) override { queue.append(folder); }
+    void ListingFolder(const QString& folder) override {
+        EXPECT_EQ(folder, queue.first());
+        listed.append(folder);
+    }
+    void FolderListed() override { queue.removeFirst(); }
+    void TableAdded(const QString& display_name, const QString& checksum_text) override {
+        added.append(display_name + u' ' + checksum_text);
+    }
+};
+
+class FolderScanTest : public test_support::CatalogueFixture {
+protected:
+    void SetUp() override {
+        CatalogueFixture::SetUp();
+        ASSERT_TRUE(tables.isValid());
+    }
+    QString Path(const QString& name) const { return tables.filePath(name); }
+    QString MakeFile(const QString& name, const QByteArray& bytes = "123456789") const {
+        QDir().mkpath(QFileInfo(Path(name)).path());
+        QFile file(Path(name));
+        EXPECT_TRUE(file.open(QFile::WriteOnly)) << name.toStdString();
+        file.write(bytes);
+        return file.fileName();
+    }
+    std::int64_t Scan() { return Scan(tables.path()); }
+    std::int64_t Scan(const QString& from) {
+        observer = {};
+        return FolderScan(catalogue, events, observer).Run(from);
+    }
+    QString Count() { return Scalar(QStringLiteral("Select count(*) from Tables")); }
+    QString FieldOf(const QString& column, const QString& path) {
+        return Scalar(QStringLiteral("Select %1 from Tables where FileName = '%2'")
+                          .arg(column, catalogue::QuoteSql(path)));
+    }
+
+    QTemporaryDir tables;
+    test_support::FakeEvents events;
+    RecordingObserver observer;
+};
+
+TEST_F(FolderScanTest, TablesAtEveryDepthAreAddedOnce) {
+    MakeFile(QStringLiteral("a.vpt"));
+    MakeFile(QStringLiteral("one/b.vpt"));
+    MakeFile(QStringLiteral("one/two/three/c.vpt"));
+    EXPECT_EQ(Scan(), 3);
+    EXPECT_EQ(Count(), QStringLiteral("3"));
+    EXPECT_EQ(Scan(), 0);
+    EXPECT_EQ(Count(), QStringLiteral("3"));
+    EXPECT_TRUE(observer.added.isEmpty());
+}
+
+TEST_F(FolderScanTest, ARowGetsItsFiveFieldsAndTheDefaultsOfTheOthers) {
+    const QString path = MakeFile(QStringLiteral("Attack From Space.vpt"));
+    const QDateTime modified(QDate(2003, 5, 7), QTime(14, 30, 9));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QFile::ReadWrite));
+    ASSERT_TRUE(file.setFileTime(modified, QFileDevice::FileModificationTime));
+    file.close();
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(FieldOf(QStringLiteral("DisplayName"), path), QStringLiteral("Attack From Space"));
+    EXPECT_EQ(FieldOf(QStringLiteral("FileDate"), path), catalogue::GeneralDate(modified));
+    EXPECT_EQ(FieldOf(QStringLiteral("CRC"), path), QStringLiteral("CBF43926"));
+    EXPECT_EQ(FieldOf(QStringLiteral("DateAdded"), path), QStringLiteral("11/20/2026"));
+    EXPECT_EQ(FieldOf(QStringLiteral("Author"), path), QString());
+    EXPECT_EQ(FieldOf(QStringLiteral("Favorite"), path), QStringLiteral("False"));
+    EXPECT_EQ(FieldOf(QStringLiteral("TimesPlayed"), path), QStringLiteral("0"));
+}
+
+TEST_F(FolderScanTest, TheExtensionCountsInAnyLetterCaseAndOnlyAtTheEnd) {
+    MakeFile(QStringLiteral("upper.VPT"));
+    MakeFile(QStringLiteral("mixed.Vpt"));
+    MakeFile(QStringLiteral("backup.vpt.bak"));
+    MakeFile(QStringLiteral("other.vpx"));
+    MakeFile(QStringLiteral("vpt"));
+    QDir().mkpath(Path(QStringLiteral("folder.vpt")));
+    EXPECT_EQ(Scan(), 2);
+    EXPECT_EQ(FieldOf(QStringLiteral("DisplayName"), Path(QStringLiteral("upper.VPT"))),
+              QStringLiteral("upper"));
+}
+
+TEST_F(FolderScanTest, RecycleBinFoldersAreNoException) {
+    const QString path = MakeFile(QStringLiteral("RECYCLER/S-1-5/Dc1.vpt"));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(FieldOf(QStringLiteral("DisplayName"), path), QStringLiteral("Dc1"));
+}
+
+TEST_F(FolderScanTest, FoldersAreListedBreadthFirst) {
+    for (const auto* name : {"a/aa/aaa", "b/bb", "c"})
+        QDir().mkpath(Path(QString::fromLatin1(name)));
+    Scan();
+    ASSERT_EQ(observer.listed.size(), 7);
+    EXPECT_EQ(observer.listed.first(), tables.path());
+    const auto depth = [](const QString& path) {
+        return path.count(u'/') - (path.endsWith(u'/') ? 1 : 0);
+    };
+    EXPECT_TRUE(
+        std::is_sorted(observer.listed.begin(), observer.listed.end(),
+                       [&](const QString& x, const QString& y) { return depth(x) < depth(y); }));
+    EXPECT_TRUE(observer.queue.isEmpty());
+}
+
+TEST_F(FolderScanTest, SubfoldersAreQueuedWithTheirFullPathAndASeparator) {
+    QDir().mkpath(Path(QStringLiteral("sub")));
+    Scan();
+    EXPECT_EQ(observer.listed,
+              (QStringList{tables.path(), tables.path() + QStringLiteral("/sub/")}));
+}
+
+TEST_F(FolderScanTest, EventsAreProcessedBeforeEachEntryButTheFirst) {
+    for (const auto* name : {"a.txt", "b.txt", "c.txt"})
+        MakeFile(QString::fromLatin1(name));
+    Scan();
+    EXPECT_EQ(events.rounds, 2);
+}
+
+TEST_F(FolderScanTest, EachAddedTableIsTold) {
+    MakeFile(QStringLiteral("Game.final.vpt"));
+    Scan();
+    EXPECT_EQ(observer.added, QStringList{QStringLiteral("Game.final CBF43926")});
+}
+
+TEST_F(FolderScanTest, AnEmptyFileIsAddedWithTheChecksumTextZero) {
+    const QString path = MakeFile(QStringLiteral("empty.vpt"), {});
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(FieldOf(QStringLiteral("CRC"), path), QStringLiteral("0"));
+}
+
+TEST_F(FolderScanTest, ApostrophesBlanksAndAccentsInNamesAreStoredAsTheyStand) {
+    const QString path = MakeFile(QStringLiteral(u"Bob's folder/It's a t\u00E4ble | 2.vpt"));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(FieldOf(QStringLiteral("DisplayName"), path),
+              QStringLiteral(u"It's a t\u00E4ble | 2"));
+    EXPECT_EQ(Scan(), 0);
+}
+
+TEST_F(FolderScanTest, AFileThatTheDatabaseTakesForTheSameNameIsKnown) {
+    const QString path = MakeFile(QStringLiteral("Attack.vpt"));
+    Execute(QStringLiteral("Insert into Tables (FileName) Values ('%1')").arg(path.toUpper()));
+    EXPECT_EQ(Scan(), 0);
+}
+
+TEST_F(FolderScanTest, AMovedFileIsANewOne) {
+    const QString path = MakeFile(QStringLiteral("Attack.vpt"));
+    EXPECT_EQ(Scan(), 1);
+    QDir().mkpath(Path(QStringLiteral("new")));
+    ASSERT_TRUE(QFile::rename(path, Path(QStringLiteral("new/Attack.vpt"))));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Count(), QStringLiteral("2"));
+}
+
+TEST_F(FolderScanTest, LinksThatFormACycleDoNotTrapTheWalk) {
+    MakeFile(QStringLiteral("one/a.vpt"));
+    ASSERT_TRUE(QFile::link(tables.path(), Path(QStringLiteral("one/up"))));
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("one")), Path(QStringLiteral("one/self"))));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_LE(observer.listed.size(), 4);
+}
+
+TEST_F(FolderScanTest, ALinkToAFolderOutsideIsFollowed) {
+    QTemporaryDir outside;
+    QFile file(outside.filePath(QStringLiteral("far.vpt")));
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.close();
+    ASSERT_TRUE(QFile::link(outside.path(), Path(QStringLiteral("link"))));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(FieldOf(QStringLiteral("DisplayName"), Path(QStringLiteral("link/far.vpt"))),
+              QStringLiteral("far"));
+}
+
+TEST_F(FolderScanTest, ADanglingLinkAndAPipeArePassedOver) {
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("nowhere")), Path(QStringLiteral("link.vpt"))));
+    ASSERT_EQ(mkfifo(QFile::encodeName(Path(QStringLiteral("pipe.vpt"))).constData(), 0600), 0);
+    MakeFile(QStringLiteral("real.vpt"));
+    EXPECT_EQ(Scan(), 1);
+}
+
+TEST_F(FolderScanTest, AFolderThatCannotBeListedIsPassedOver) {
+    MakeFile(QStringLiteral("locked/hidden.vpt"));
+    MakeFile(QStringLiteral("open/seen.vpt"));
+    const QByteArray locked = QFile::encodeName(Path(QStringLiteral("locked")));
+    ASSERT_EQ(chmod(locked.constData(), 0), 0);
+    const std::int64_t found = Scan();
+    ASSERT_EQ(chmod(locked.constData(), 0700), 0);
+    EXPECT_EQ(found, geteuid() == 0 ? 2 : 1);  // nothing is locked for root
+    EXPECT_EQ(Scan(Path(QStringLiteral("missing"))), 0);
+    EXPECT_EQ(Scan(Path(QStringLiteral("open/seen.vpt"))), 0);
+}
+
+TEST_F(FolderScanTest, AFolderThatVanishesDuringTheWalkIsPassedOver) {
+    for (const auto* name : {"a/x.vpt", "b/x.vpt"})
+        MakeFile(QString::fromLatin1(name));
+    events.on_round = [this] { QDir(Path(QStringLiteral("b"))).removeRecursively(); };
+    EXPECT_EQ(Scan(), 1);
+}
+
+TEST_F(FolderScanTest, AFileThatCannotBeReadIsPassedOverAndFoundByTheNextScan) {
+    const QString path = MakeFile(QStringLiteral("locked.vpt"));
+    MakeFile(QStringLiteral("open.vpt"));
+    ASSERT_EQ(chmod(QFile::encodeName(path).constData(), 0), 0);
+    const bool is_root = geteuid() == 0;  // nothing is unreadable for root
+    EXPECT_EQ(Scan(), is_root ? 2 : 1);
+    ASSERT_EQ(chmod(QFile::encodeName(path).constData(), 0600), 0);
+    EXPECT_EQ(Scan(), is_root ? 0 : 1);
+}
+
+TEST_F(FolderScanTest, APathThatTheCatalogueCannotHoldIsPassedOver) {
+    const QString deep =
+        QStringLiteral("a").repeated(200) + u'/' + QStringLiteral("b").repeated(200);
+    MakeFile(deep + QStringLiteral("/long.vpt"));
+    MakeFile(QStringLiteral("short.vpt"));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Count(), QStringLiteral("1"));
+}
+
+TEST_F(FolderScanTest, SpacesAroundTheChosenFolderAreTrimmed) {
+    MakeFile(QStringLiteral("a.vpt"));
+    EXPECT_EQ(Scan(QStringLiteral("  ") + tables.path() + QStringLiteral("/ ")), 1);
+}
+
+TEST(ListedFolderTest, AnEmptyChoiceIsTheRootOfTheCurrentDrive) {
+    EXPECT_EQ(ListedFolder(QString()), QString(platform::NativeSeparator()));
+    EXPECT_EQ(ListedFolder(QStringLiteral("  ")), QString(platform::NativeSeparator()));
+}
+
+TEST(ListedFolderTest, EndsInASeparatorOfItsOwnKind) {
+    EXPECT_EQ(ListedFolder(QStringLiteral("/home/tables")), QStringLiteral("/home/tables/"));
+    EXPECT_EQ(ListedFolder(QStringLiteral("/home/tables/")), QStringLiteral("/home/tables/"));
+    EXPECT_EQ(ListedFolder(QStringLiteral("C:\\Tables")), QStringLiteral("C:\\Tables\\"));
+    EXPECT_EQ(ListedFolder(QStringLiteral("C:\\")), QStringLiteral("C:\\"));
+}
+
+TEST(BaseNameTest, LosesTheFolderAndTheLastExtension) {
+    EXPECT_EQ(BaseName(QStringLiteral("C:\\Tables\\Attack From Space.vpt")),
+              QStringLiteral("Attack From Space"));
+    EXPECT_EQ(BaseName(QStringLiteral("Game.final.vpt")), QStringLiteral("Game.final"));
+    EXPECT_EQ(BaseName(QStringLiteral("/a.b/plain")), QStringLiteral("plain"));
+    EXPECT_EQ(BaseName(QStringLiteral("/a/.vpt")), QString());
+}
+
+TEST(IsTableFileNameTest, LooksAtTheLastFourCharacters) {
+    EXPECT_TRUE(IsTableFileName(QStringLiteral("a.vPt")));
+    EXPECT_TRUE(IsTableFileName(QStringLiteral("/x/.vpt")));
+    EXPECT_FALSE(IsTableFileName(QStringLiteral("vpt")));
+    EXPECT_FALSE(IsTableFileName(QStringLiteral("a.vpt ")));
+    EXPECT_FALSE(IsTableFileName(QString()));
+}
+
+}  // namespace
+}  // namespace discovery

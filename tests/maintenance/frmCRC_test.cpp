@@ -1,0 +1,102 @@
+#include "maintenance/frmCRC.h"
+
+#include "support/catalogue_fixture.h"
+#include "support/fakes.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+
+namespace maintenance {
+namespace {
+
+class FrmCrcTest : public test_support::CatalogueFixture {
+protected:
+    void AddTables(int count) {
+        for (int i = 0; i < count; ++i) {
+            QFile file(folder.filePath(QStringLiteral("t%1.vpt").arg(i)));
+            ASSERT_TRUE(file.open(QFile::WriteOnly));
+            file.write("123456789");
+            Execute(QStringLiteral("Insert into Tables (DisplayName, FileName, CRC) Values "
+                                   "('<b>T%1</b>', '%2', 'old')")
+                        .arg(i)
+                        .arg(file.fileName()));
+        }
+    }
+    QString Refreshed() {
+        return Scalar(QStringLiteral("Select count(*) from Tables where CRC = 'CBF43926'"));
+    }
+};
+
+TEST_F(FrmCrcTest, ShowsItsCaptions) {
+    const frmCRC window(catalogue);
+    EXPECT_EQ(window.windowTitle(),
+              QStringLiteral("CRC Utility - Update all CRC Values in database"));
+    EXPECT_EQ(window.findChild<QPushButton*>(QStringLiteral("Command1"))->text(),
+              QStringLiteral("Command1"));
+    EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("Label1"))->text(), QString());
+}
+
+TEST_F(FrmCrcTest, StartsByItselfAndClosesItselfWhenDone) {
+    AddTables(3);
+    frmCRC window(catalogue);
+    window.exec();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("Label1"))->text(),
+              QStringLiteral("Task Complete!"));
+    EXPECT_EQ(Refreshed(), QStringLiteral("3"));
+}
+
+TEST_F(FrmCrcTest, WithAnEmptyCatalogueItIsCompleteAtOnce) {
+    frmCRC window(catalogue);
+    window.exec();
+    EXPECT_EQ(window.findChild<QLabel*>(QStringLiteral("Label1"))->text(),
+              QStringLiteral("Task Complete!"));
+}
+
+TEST_F(FrmCrcTest, ClosingIsRefusedDuringTheRun) {
+    AddTables(5);
+    frmCRC window(catalogue);
+    int attempts = 0;
+    QStringList lines;
+    QTimer impatience;
+    QObject::connect(&impatience, &QTimer::timeout, &window, [&] {
+        const QString line = window.findChild<QLabel*>(QStringLiteral("Label1"))->text();
+        if (line.isEmpty()) return;  // not started yet
+        ++attempts;
+        lines.append(line);
+        QTest::keyClick(&window, Qt::Key_Escape);
+        EXPECT_FALSE(window.close());
+        EXPECT_TRUE(window.isVisible());
+    });
+    impatience.start(0);
+    window.exec();
+    impatience.stop();
+    EXPECT_GT(attempts, 0);
+    EXPECT_EQ(lines.first(), QStringLiteral("Processing: <b>T0</b>  CBF43926"));
+    EXPECT_EQ(Refreshed(), QStringLiteral("5"));
+}
+
+TEST_F(FrmCrcTest, AFailureEndsWithAWindowThatIsGone) {
+    AddTables(1);
+    ASSERT_TRUE(connection->Close().ok());
+    frmCRC window(catalogue);
+    window.exec();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(FrmCrcTest, TheCommandRunsOnlyAfterOk) {
+    AddTables(2);
+    prompts.answers = {platform::MessageAnswer::kCancel, platform::MessageAnswer::kOk};
+    UpdateCrcs(catalogue, prompts, nullptr);
+    EXPECT_EQ(Refreshed(), QStringLiteral("0"));
+    UpdateCrcs(catalogue, prompts, nullptr);
+    EXPECT_EQ(Refreshed(), QStringLiteral("2"));
+}
+
+}  // namespace
+}  // namespace maintenance
