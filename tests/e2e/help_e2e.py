@@ -1,7 +1,6 @@
 """The help command, F1 on several windows, the about box with its link and the system-information tool, seen by stand-ins for
 the desktop's programs that write down how they were called."""
 
-import os
 import shutil
 import tempfile
 from pathlib import Path
@@ -43,6 +42,7 @@ def main():
         folder = work / "app folder"
         folder.mkdir()
         shutil.copy(BUILD / "bin" / "tavolo.chm", folder)
+        shutil.copy(BUILD / "share" / "tavolo" / "pinball.mdb", folder)
         help_file = folder / "tavolo.chm"
         make_table_file(work / "tables" / "Attack.vpt", {"TableName": "Attack"})
         (work / "simulator").write_text("#!/bin/sh\n")

@@ -102,7 +102,7 @@ def update_crcs(program, catalogue, work):
     with open(work / "moved" / "Attack From Space.vpt", "ab") as file:
         file.write(b"changed")
     utility(program, "mnuCRC")
-    check(program.message().startswith("This function will function will update"), "the question about checksums")
+    check(program.message().startswith("This will function will update the database"), "the question about checksums")
     program.picture("crc")
     program.answer()
     program.wait_window_gone("CRC Utility - Update all CRC Values in database")
