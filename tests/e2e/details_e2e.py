@@ -152,7 +152,10 @@ def edit_and_save(program, work):
     program.type_into("txtDet_4", "Bob O'Brien")
     program.type_into("txtDet_1", "1999")
     program.click("txtDet_9")
-    program.type("one\ntwo\nthree\nfour")
+    for line in ("one", "two", "three"):
+        program.type(line)
+        program.press("Return")
+    program.type("four")
     program.click("chkPinMame")
     check_locked(program, 0)
     program.click("cmdChange")
