@@ -78,12 +78,12 @@ TEST(SoundPlayerTest, AServerThatDoesNotAnswerCostsSomeSecondsOnceAndNoHang) {
     qputenv("PULSE_SERVER", "unix:" + folder.filePath(QStringLiteral("native")).toUtf8());
     QElapsedTimer time;
     time.start();
-    // The thread that waits for the server ends with the process.
-    const auto player = platform::MakeSoundPlayer().release();
+    auto player = platform::MakeSoundPlayer();
     player->PlaySynchronously(kSlingshot);
     EXPECT_LT(time.elapsed(), 8000);
     time.restart();
     player->PlaySynchronously(kSlingshot);
+    player.reset();
     EXPECT_LT(time.elapsed(), 100);
 }
 

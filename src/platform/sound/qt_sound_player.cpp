@@ -130,8 +130,9 @@ public:
     ~QtSoundPlayer() override {
         if (!thread_) return;
         thread_->quit();
+        if (thread_->wait(is_stuck_ ? 0ms : 2000ms)) return;
         // A thread that hangs in the sound server cannot be destroyed; it ends with the process.
-        if (!thread_->wait(std::chrono::milliseconds(is_stuck_ ? 0 : 2000))) thread_.release();
+        [[maybe_unused]] static QThread* const abandoned = thread_.release();
     }
 
     void PlaySynchronously(const QString& wave_file) override {
