@@ -74,17 +74,18 @@ protected:
         file.write("twelve bytes");
         file.close();
         Execute(QStringLiteral("insert into Tables (DisplayName, FileName) values ('%1', '%2')")
-                    .arg(name, TablePath(name)));
+                    .arg(catalogue::QuoteSql(name), catalogue::QuoteSql(TablePath(name))));
         status_.awaited_title = waits_ ? Playing(name) : QString();
         launcher_.PlayTable(TablePath(name), name, Id(name));
     }
     qint64 Id(const QString& name) {
-        return Scalar(QStringLiteral("select ID from Tables where DisplayName = '%1'").arg(name))
+        return Scalar(QStringLiteral("select ID from Tables where DisplayName = '%1'")
+                          .arg(catalogue::QuoteSql(name)))
             .toLongLong();
     }
     QString TimesPlayed(const QString& name) {
-        return Scalar(
-            QStringLiteral("select TimesPlayed from Tables where DisplayName = '%1'").arg(name));
+        return Scalar(QStringLiteral("select TimesPlayed from Tables where DisplayName = '%1'")
+                          .arg(catalogue::QuoteSql(name)));
     }
     bool HasWindow(const QString& title) {
         return windows_->Find(QStringLiteral("VPinball"), title).has_value();
