@@ -264,9 +264,19 @@ class Tavolo:
         def opened():
             found = self.actions(menu).get(action)
             return found if found and found["visible"] else None
-        if not opened():
-            self._press_at(wait_for(lambda: self.ask("menubar", name=menu), f"the menu {menu}"))
-        self._press_at(wait_for(opened, f"the action {action} of {menu}"))
+        title = None if opened() else wait_for(lambda: self.ask("menubar", name=menu), f"the menu {menu}")
+        pressed = 0.0
+
+        def press_again():
+            # A window that has just come up may lose its first click to the window manager.
+            nonlocal pressed
+            if opened():
+                return opened()
+            if title and time.monotonic() - pressed > 3:
+                self._press_at(self.ask("menubar", name=menu) or title)
+                pressed = time.monotonic()
+            return None
+        self._press_at(wait_for(press_again, f"the action {action} of {menu}"))
 
     def press(self, *keys):
         for key in keys:
