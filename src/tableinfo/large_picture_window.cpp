@@ -10,17 +10,21 @@
 namespace tableinfo {
 namespace {
 
-constexpr QSize kSmallestWindow(320, 240);
 // What the frame, the title bar and a margin take of the screen.
-constexpr double kShareOfScreen = 0.9;
+constexpr double kMostOfScreen = 0.9;
+// A small picture is enlarged up to this.
+constexpr double kLeastOfScreen = 0.6;
 
+// The picture's own size where that is large already and the screen holds it.
 QSize WindowSize(QSize own_size, QSize screen) {
-    const QSize most = screen * kShareOfScreen;
+    const QSize most = screen * kMostOfScreen;
+    const QSize least = screen * kLeastOfScreen;
     if (own_size.isEmpty()) return most;
-    QSize fitting = own_size;
     if (own_size.width() > most.width() || own_size.height() > most.height())
-        fitting = own_size.scaled(most, Qt::KeepAspectRatio);
-    return fitting.expandedTo(kSmallestWindow);
+        return own_size.scaled(most, Qt::KeepAspectRatio);
+    if (own_size.width() < least.width() && own_size.height() < least.height())
+        return own_size.scaled(least, Qt::KeepAspectRatio);
+    return own_size;
 }
 
 QString Title(const PictureSource& source) {
@@ -38,7 +42,7 @@ void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* pare
     // Above a modal dialog it must take the click that closes it.
     window->setWindowModality(Qt::WindowModal);
 
-    auto* picture = new PictureBox(window, PictureBox::Click::kIsSignalled);
+    auto* picture = new PictureBox(window, PictureBox::Role::kLarge);
     picture->SetPicture(source).Ignore();
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -1,5 +1,5 @@
-// The window that shows a picture large: as large as it is, or as large as the screen allows.
-// A click into it or Escape closes it.
+// The window that shows a picture large: as large as it is, but no larger than the screen and not
+// small either. A click into it or Escape closes it.
 #pragma once
 
 #include "tableinfo/picture_loader.h"

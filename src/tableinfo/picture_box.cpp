@@ -29,7 +29,7 @@ void DrawPlaceholder(QPainter& painter, const QRectF& box) {
 
 }  // namespace
 
-PictureBox::PictureBox(QWidget* parent, Click click) : QWidget(parent), click_(click) {
+PictureBox::PictureBox(QWidget* parent, Role role) : QWidget(parent), role_(role) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     decode_again_.setSingleShot(true);
     decode_again_.setInterval(kResizePauseMs);
@@ -59,7 +59,7 @@ void PictureBox::SetSource(const PictureSource& source) {
     own_size_ = {};
     decoded_ = {};
     decode_again_.stop();
-    const bool opens = click_ == Click::kShowsLarge && !source_.is_empty();
+    const bool opens = role_ == Role::kPreview && !source_.is_empty();
     setCursor(opens ? Qt::PointingHandCursor : Qt::ArrowCursor);
     update();
 }
@@ -110,12 +110,12 @@ void PictureBox::paintEvent(QPaintEvent*) {
     if (image.isNull()) return DrawPlaceholder(painter, rect());
     const QSizeF natural =
         QSizeF(own_size_.isEmpty() ? image.size() : own_size_) / devicePixelRatioF();
-    painter.drawImage(Centred(natural, rect(), false), image);
+    painter.drawImage(Centred(natural, rect(), role_ == Role::kLarge), image);
 }
 
 void PictureBox::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
-    if (click_ == Click::kShowsLarge) ShowLarge();
+    if (role_ == Role::kPreview) ShowLarge();
     Q_EMIT Clicked();
 }
 

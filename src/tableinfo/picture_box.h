@@ -17,9 +17,11 @@ class PictureBox : public QWidget {
     Q_OBJECT
 
 public:
-    enum class Click { kShowsLarge, kIsSignalled };
+    // What a box is for: to show a picture among other things, never enlarged, and large after a
+    // click; or to be the large one, which fills its window and tells of clicks.
+    enum class Role { kPreview, kLarge };
 
-    explicit PictureBox(QWidget* parent = nullptr, Click click = Click::kShowsLarge);
+    explicit PictureBox(QWidget* parent = nullptr, Role role = Role::kPreview);
 
     // Looks at the picture's header and shows it. On failure the box shows the placeholder.
     base::Status SetPicture(const PictureSource& source);
@@ -50,7 +52,7 @@ private:
     void ShowLarge();
     void SetSource(const PictureSource& source);
 
-    Click click_;
+    Role role_;
     PictureSource source_;
     QSize own_size_;       // of the picture; empty: not known before decoding
     QImage decoded_;       // null until the first paint

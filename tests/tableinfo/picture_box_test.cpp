@@ -113,11 +113,26 @@ TEST(PictureBoxTest, AClickShowsThePictureLargeAndASecondOneClosesIt) {
     QTest::mouseClick(&box, Qt::LeftButton);
     QWidget* large = LargeWindow();
     ASSERT_NE(large, nullptr);
-    EXPECT_GE(large->width(), 300);
     auto* inside = large->findChild<PictureBox*>();
     ASSERT_NE(inside, nullptr);
     EXPECT_EQ(inside->ShownImage().size(), QSize(300, 300));
     QTest::mouseClick(inside, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
+}
+
+TEST(PictureBoxTest, ASmallPictureIsShownLargerThanItIs) {
+    PictureBox box;
+    box.resize(60, 60);
+    ASSERT_TRUE(box.SetPicture(Png(40, 40)).ok());
+    box.show();
+    QTest::mouseClick(&box, Qt::LeftButton);
+    QWidget* large = LargeWindow();
+    ASSERT_NE(large, nullptr);
+    EXPECT_GT(large->width(), 200);
+    auto* inside = large->findChild<PictureBox*>();
+    ASSERT_NE(inside, nullptr);
+    EXPECT_TRUE(IsRed(Painted(*inside), 10, inside->height() / 2));
+    large->close();
     EXPECT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
 }
 
