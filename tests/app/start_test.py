@@ -3,6 +3,7 @@
 import hashlib
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -46,7 +47,7 @@ def refused(desktop, folder, label):
     with Tavolo(desktop, folder) as program:
         text = program.message()
         program.picture(label)
-        program.answer("Return")
+        program.press("Return")
         program.process.wait(30)
         check_equal(program.process.returncode, 1, f"{label}: exit status")
     after = {path.name: digest(path) for path in folder.iterdir()} if folder.exists() else None
@@ -81,15 +82,19 @@ def held(desktop, work):
     folder.mkdir()
     with Tavolo(desktop, folder) as holder:
         holder.wait_window("Find New Visual Pinball Tables")
-        before = digest(folder / "pinball.mdb")
-        with Tavolo(desktop, folder) as second:
-            text = second.message()
-            second.picture("held")
-            second.answer("Return")
-            second.process.wait(30)
-            check_equal(second.process.returncode, 1, "exit status of the second program")
-        check("use" in text or "lock" in text, f"the message says who or that somebody holds the file: {text!r}")
-        check_equal(digest(folder / "pinball.mdb"), before, "the file that is held")
+        holder.process.send_signal(signal.SIGSTOP)  # so that whatever is written now comes from the second one
+        try:
+            before = digest(folder / "pinball.mdb")
+            with Tavolo(desktop, folder) as second:
+                text = second.message()
+                second.picture("held")
+                second.press("Return")
+                second.process.wait(30)
+                check_equal(second.process.returncode, 1, "exit status of the second program")
+            check("use" in text or "lock" in text, f"the message says that somebody holds the file: {text!r}")
+            check_equal(digest(folder / "pinball.mdb"), before, "the file that is held")
+        finally:
+            holder.process.send_signal(signal.SIGCONT)
 
 
 def old_catalogue(desktop, work):
@@ -101,7 +106,7 @@ def old_catalogue(desktop, work):
     folder = work / "old"
     folder.mkdir()
     shutil.copyfile(source, folder / "pinball.mdb")
-    before = export_rows(source)
+    before = {row["ID"]: row for row in export_rows(source)}
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
         program.click("CancelButton")
@@ -109,9 +114,11 @@ def old_catalogue(desktop, work):
         program.click_item("All")
         program.picture("old catalogue")
         program.close()
-    after = export_rows(folder / "pinball.mdb")
-    check_equal([{name: row[name] for name in before[0]} for row in after], before, "the old cells")
-    check(all(row["DateAdded"] for row in after), "every row has its date of addition")
+    after = {row["ID"]: row for row in export_rows(folder / "pinball.mdb")}
+    check_equal(sorted(after), sorted(before), "the old rows")
+    for number, row in before.items():
+        check_equal({name: after[number][name] for name in row}, row, f"the old cells of row {number}")
+        check(after[number]["DateAdded"], f"the date of addition of row {number}")
     check_equal(columns(folder / "pinball.mdb"), ALL_COLUMNS, "columns of the old catalogue")
 
 
