@@ -46,6 +46,7 @@ def refused(desktop, folder, label):
     before = {path.name: digest(path) for path in folder.iterdir()} if folder.exists() else None
     with Tavolo(desktop, folder) as program:
         text = program.message()
+        wait_for(lambda: "Tavolo" in desktop.window_titles(), "the box on the screen")
         program.picture(label)
         program.press("Return")
         program.process.wait(30)
