@@ -1,0 +1,1 @@
+ALTER TABLE Nowhere ADD A INT

@@ -1,0 +1,1 @@
+Alter Table T ADD CRC VarChar(50) NULL 

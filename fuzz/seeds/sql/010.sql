@@ -1,0 +1,1 @@
+Alter Table T ADD FileDate DATE NULL

@@ -1,0 +1,1 @@
+Alter Table T ADD LastPlayed DATE NULL

@@ -1,0 +1,1 @@
+Alter Table T ADD RulesFile varchar(255) NULL

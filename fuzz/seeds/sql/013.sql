@@ -1,0 +1,1 @@
+Alter Table T ADD RulesText memo NULL

@@ -1,0 +1,1 @@
+Alter Table T ADD TimesPlayed INT DEFAULT 0 NULL

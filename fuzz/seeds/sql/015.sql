@@ -1,0 +1,1 @@
+Alter table T alter column filedate DATE NULL

@@ -1,0 +1,1 @@
+CREATE INDEX ByMade ON T (Made)

@@ -1,0 +1,1 @@
+CREATE INDEX ByMaker ON T (T, Name DESC)

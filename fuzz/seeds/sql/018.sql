@@ -1,0 +1,1 @@
+CREATE INDEX ByName ON T (Name)

@@ -1,0 +1,1 @@
+CREATE INDEX I ON Nowhere (X)

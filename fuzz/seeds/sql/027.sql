@@ -1,0 +1,1 @@
+CREATE TABLE T (ID COUNTER PRIMARY KEY, DisplayName TEXT(255), FileName TEXT(255), Author TEXT(100), Company TEXT(100), [Year] TEXT(20), Version TEXT(50), ImageFile TEXT(255), FlyerFile TEXT(255), Notes MEMO, PinMame YESNO, Favorite YESNO)

@@ -1,0 +1,1 @@
+CREATE TABLE T2 (A INT, a INT)

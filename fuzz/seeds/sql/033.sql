@@ -1,0 +1,1 @@
+CREATE TABLE [My Table] ([A B] INT, [Select] INT)

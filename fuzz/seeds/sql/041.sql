@@ -1,0 +1,1 @@
+Delete from T where ID = 2

@@ -1,0 +1,1 @@
+INSERT INTO Nowhere (A) VALUES (1)

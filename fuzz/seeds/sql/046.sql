@@ -1,0 +1,1 @@
+INSERT INTO T (A) VALUES (7)

@@ -1,0 +1,1 @@
+INSERT INTO T (A, A) VALUES (1, 2)

@@ -1,0 +1,1 @@
+INSERT INTO T (DisplayName) VALUES ('x')

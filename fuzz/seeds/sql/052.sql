@@ -1,0 +1,1 @@
+INSERT INTO T (DisplayName, FileName, Author, Company, [Year]) VALUES ('

@@ -1,0 +1,1 @@
+INSERT INTO T (DisplayName,FileName,FIleDate,CRC,DateAdded) Values ('It''s', 'C:\T\It''s.vpt','11/20/2026 3:04:05 PM','89ABCDEF','20-Nov-26')

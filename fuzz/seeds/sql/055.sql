@@ -1,0 +1,1 @@
+INSERT INTO T (Nope) VALUES (1)

@@ -1,0 +1,1 @@
+INSERT INTO T (Nr) VALUES (9)

@@ -1,0 +1,1 @@
+INSERT INTO T (Nr, Name) SELECT Nr + 10, Name FROM T

@@ -1,0 +1,1 @@
+INSERT INTO T (Nr, Name) VALUES (5, 'FATHOM')

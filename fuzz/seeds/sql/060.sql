@@ -1,0 +1,1 @@
+INSERT INTO T SELECT Id + 10, Name & '!' FROM T WHERE Id = 1

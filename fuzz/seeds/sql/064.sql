@@ -1,0 +1,1 @@
+INSERT INTO T VALUES (1, 'Fathom', 1, 10.5, #1/2/1981#, 1)

@@ -1,0 +1,1 @@
+INSERT INTO T VALUES (2, 'Xenon', 1, 20, #3/4/1980#, 2)

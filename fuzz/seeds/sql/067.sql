@@ -1,0 +1,1 @@
+INSERT INTO T VALUES (3, 'Haunted House', 2, 20, #1/1/1982#, 4)

@@ -1,0 +1,1 @@
+INSERT INTO T VALUES (4, 'unknown', NULL, NULL, NULL, NULL)

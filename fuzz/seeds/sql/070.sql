@@ -1,0 +1,1 @@
+INSERT INTO [My Table] ([A B], [Select]) VALUES (1, 2)

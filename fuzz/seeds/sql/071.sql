@@ -1,0 +1,1 @@
+INSERT T (A) VALUES (1)

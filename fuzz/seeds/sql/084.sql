@@ -1,0 +1,1 @@
+SELECT '' Is Not Null

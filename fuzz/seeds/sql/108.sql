@@ -1,0 +1,1 @@
+SELECT 'b1' Like '[a-c][0-9]'

@@ -1,0 +1,1 @@
+SELECT 1 = 1 And 2 > 1 Or 1 = 2

@@ -1,0 +1,1 @@
+SELECT 1 In (2, Null)

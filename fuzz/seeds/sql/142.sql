@@ -1,0 +1,1 @@
+SELECT 1, Nr, 2 AS two, 3 FROM T

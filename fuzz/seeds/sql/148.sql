@@ -1,0 +1,1 @@
+SELECT 2 Not Between 1 And 3

@@ -1,0 +1,1 @@
+SELECT A FROM T WHERE B = 'x

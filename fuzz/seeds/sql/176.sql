@@ -1,0 +1,1 @@
+SELECT A, Count(*) FROM T

@@ -1,0 +1,1 @@
+SELECT A.Nr, B.Nr FROM T A INNER JOIN T B ON A.Price = B.Price AND A.Nr < B.Nr

@@ -1,0 +1,1 @@
+SELECT Avg(Score), First(Name), Last(Name) FROM T

@@ -1,0 +1,1 @@
+SELECT CCur(1.23456)

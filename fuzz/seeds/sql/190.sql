@@ -1,0 +1,1 @@
+SELECT CInt(2.5) & CInt(3.5)

@@ -1,0 +1,1 @@
+SELECT CStr(1.5)

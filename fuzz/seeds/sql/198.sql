@@ -1,0 +1,1 @@
+SELECT Choose(3, 'a', 'b')

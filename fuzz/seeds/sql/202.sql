@@ -1,0 +1,1 @@
+SELECT ChrW(8364)

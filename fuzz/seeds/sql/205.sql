@@ -1,0 +1,1 @@
+SELECT Count(*), Count(Price), Sum(Price), Min(Name), Max(Made) FROM T

@@ -1,0 +1,1 @@
+SELECT Count(*), Sum(Price), Max(Name), Avg(Nr) FROM T WHERE Nr > 9

@@ -1,0 +1,1 @@
+SELECT DateAdd('ww', 1, #1/1/2026#)

@@ -1,0 +1,1 @@
+SELECT DatePart('ww', #11/20/2026#)

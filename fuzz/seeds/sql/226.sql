@@ -1,0 +1,1 @@
+SELECT DateSerial(29, 1, 1)

@@ -1,0 +1,1 @@
+SELECT False Imp Null

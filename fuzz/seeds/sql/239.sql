@@ -1,0 +1,1 @@
+SELECT Format(1.5, '0.00')

@@ -1,0 +1,1 @@
+SELECT Format(1234.5, 'Standard')

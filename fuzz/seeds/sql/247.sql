@@ -1,0 +1,1 @@
+SELECT Format(5, '"Nr. "0')

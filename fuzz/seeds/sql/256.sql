@@ -1,0 +1,1 @@
+SELECT IIf(Null, 'yes', 'no')

@@ -1,0 +1,1 @@
+SELECT InStrRev('abcabc', 'b')

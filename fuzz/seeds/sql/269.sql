@@ -1,0 +1,1 @@
+SELECT Left$('abc', 9)

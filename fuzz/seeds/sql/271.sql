@@ -1,0 +1,1 @@
+SELECT Left(B) FROM T

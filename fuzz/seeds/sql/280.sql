@@ -1,0 +1,1 @@
+SELECT Name FROM T WHERE Id = 11

@@ -1,0 +1,1 @@
+SELECT Name, Count(*) FROM T WHERE Name = 'fathom' GROUP BY Name

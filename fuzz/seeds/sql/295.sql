@@ -1,0 +1,1 @@
+SELECT Nr FROM T ORDER BY T, Name

@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE 'xenon' = Name AND Nr = 2

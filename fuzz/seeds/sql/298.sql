@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE Made = #3/4/1980#

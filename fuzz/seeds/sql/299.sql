@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE Made >= #1/1/1981#

@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE Name = 'XENON'

@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE Name Between 'f' And 'i'

@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE Price = 20

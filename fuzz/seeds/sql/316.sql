@@ -1,0 +1,1 @@
+SELECT Nr FROM T WHERE T > 1.5

@@ -1,0 +1,1 @@
+SELECT Nr, M.Id FROM T, T AS M WHERE T.T = M.Id AND Nr > 1 ORDER BY Nr

@@ -1,0 +1,1 @@
+SELECT Nr, Score FROM T WHERE Name LIKE 'haunted%'

@@ -1,0 +1,1 @@
+SELECT Null Is Null

@@ -1,0 +1,1 @@
+SELECT Nz(A) FROM T

@@ -1,0 +1,1 @@
+SELECT Partition(42, 0, 99, 10)

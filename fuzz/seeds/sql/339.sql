@@ -1,0 +1,1 @@
+SELECT Right('abc', 2)

@@ -1,0 +1,1 @@
+SELECT Selct 1

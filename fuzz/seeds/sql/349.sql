@@ -1,0 +1,1 @@
+SELECT Space(3) & 'x'

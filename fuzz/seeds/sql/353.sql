@@ -1,0 +1,1 @@
+SELECT StrComp('a', 'A', 0)

@@ -1,0 +1,1 @@
+SELECT String(3, 'ab')

@@ -1,0 +1,1 @@
+SELECT Sum(Sum(A)) FROM T

@@ -1,0 +1,1 @@
+SELECT T FROM T GROUP BY T HAVING Count(*) > 1

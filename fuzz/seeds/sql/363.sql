@@ -1,0 +1,1 @@
+SELECT T, Count(*) FROM T WHERE Nr > 9 GROUP BY T

@@ -1,0 +1,1 @@
+SELECT T, Count(*), Sum(Price) FROM T GROUP BY T

@@ -1,0 +1,1 @@
+SELECT TimeValue('11/20/2026 10:00')

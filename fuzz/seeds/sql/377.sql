@@ -1,0 +1,1 @@
+SELECT True = -1

@@ -1,0 +1,1 @@
+SELECT Var(Score), VarP(Score), StDevP(Nr) FROM T

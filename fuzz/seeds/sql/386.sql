@@ -1,0 +1,1 @@
+SELECT Weekday(#2026-11-20#)

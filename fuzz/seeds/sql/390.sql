@@ -1,0 +1,1 @@
+SELECT Year(Made) - 1980 AS Y, Count(*) FROM T GROUP BY Year(Made) ORDER BY Count(*), Year(Made) DESC

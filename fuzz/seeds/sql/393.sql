@@ -1,0 +1,1 @@
+SELECT [My Table].Select FROM [My Table]

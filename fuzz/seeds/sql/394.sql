@@ -1,0 +1,1 @@
+SELECT [a b] + [My Table]![select] FROM `My Table`

@@ -1,0 +1,1 @@
+Select * from T where ID = 2

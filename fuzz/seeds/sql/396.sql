@@ -1,0 +1,1 @@
+Select DateAdded from T

@@ -1,0 +1,1 @@
+Select DisplayName from T Order By DisplayName Asc

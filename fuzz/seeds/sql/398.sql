@@ -1,0 +1,1 @@
+Select Distinct DateAdded from T

@@ -1,0 +1,1 @@
+Select FileDate from T

@@ -1,0 +1,1 @@
+Select FileName from T where filename = 'C:\T\O''Brien''s.vpt'

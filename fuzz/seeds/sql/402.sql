@@ -1,0 +1,1 @@
+Select FileName from T where filename = 'c:\T\TAXI.VPT'

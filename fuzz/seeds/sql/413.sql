@@ -1,0 +1,1 @@
+Select ID from T Where Year > '1980'

@@ -1,0 +1,1 @@
+Select ID from T Where(([T]![FileDate]=#2/1/2020#))

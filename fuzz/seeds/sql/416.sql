@@ -1,0 +1,1 @@
+Select ID from T Where(([T]![FileDate]>#1-Feb-20#))

@@ -1,0 +1,1 @@
+Select ID from T where (CRC = '12ab' AND [T]![DateAdded] > #1/1/2010#)

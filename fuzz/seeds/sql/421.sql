@@ -1,0 +1,1 @@
+Select ID from T where FileName = 'C:\T\O' & chr(39) & 'Brien' & chr(39) & 's.vpt'

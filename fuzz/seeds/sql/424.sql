@@ -1,0 +1,1 @@
+Select ID, FileDate, CRC, DateAdded, TimesPlayed, PinMame from T where DisplayName = 'It''s'

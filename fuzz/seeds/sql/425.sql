@@ -1,0 +1,1 @@
+Select TimesPlayed from T where ID = 2

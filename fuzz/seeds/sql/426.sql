@@ -1,0 +1,1 @@
+Select TimesPlayed, LastPlayed from T

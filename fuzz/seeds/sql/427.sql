@@ -1,0 +1,1 @@
+Select Version, Author, Year, Company, PinMame from T where ID = 1

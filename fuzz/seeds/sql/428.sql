@@ -1,0 +1,1 @@
+Select distinct Author from T Where Author <> NULL And Author <> ''

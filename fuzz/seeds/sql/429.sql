@@ -1,0 +1,1 @@
+Select distinct Company from T

@@ -1,0 +1,1 @@
+Select distinct Company from T Where Company <> NULL And Company <> ''

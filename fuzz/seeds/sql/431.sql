@@ -1,0 +1,1 @@
+Select distinct TimesPlayed from T

@@ -1,0 +1,1 @@
+Select distinct Year from T Where Year <> NULL And Year <> ''

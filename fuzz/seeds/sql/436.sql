@@ -1,0 +1,1 @@
+UPDATE T SET DateAdded = #1/1/2010# WHERE ID = 1

@@ -1,0 +1,1 @@
+UPDATE T SET DateAdded = #1/2/2003# WHERE ID = 2

@@ -1,0 +1,1 @@
+UPDATE T SET DateAdded = #5/6/2007# WHERE ID = 1

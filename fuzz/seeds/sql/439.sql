@@ -1,0 +1,1 @@
+UPDATE T SET Favorite = Yes WHERE ID = 2

@@ -1,0 +1,1 @@
+UPDATE T SET FileDate = #1/2/2003#

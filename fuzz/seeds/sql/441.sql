@@ -1,0 +1,1 @@
+UPDATE T SET FileDate = IIf(ID = 3, 'x', '1/1/2001')

@@ -1,0 +1,1 @@
+UPDATE T SET Notes = 'x' WHERE T.ID = 2

@@ -1,0 +1,1 @@
+UPDATE T SET Nr = Score, Score = Nr WHERE Nr = 3

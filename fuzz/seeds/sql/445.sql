@@ -1,0 +1,1 @@
+UPDATE T SET PinMame = True WHERE ID = 1

@@ -1,0 +1,1 @@
+UPDATE T SET T = T + 1 WHERE T > 0

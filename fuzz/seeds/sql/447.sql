@@ -1,0 +1,1 @@
+UPDATE T SET T.TimesPlayed = 0, lastplayed = NULL 

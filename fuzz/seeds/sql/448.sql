@@ -1,0 +1,1 @@
+UPDATE T SET T.TimesPlayed = [T]![TimesPlayed]+1 WHERE T.ID = 2

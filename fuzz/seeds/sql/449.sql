@@ -1,0 +1,1 @@
+UPDATE T SET T.TimesPlayed = [T]![TimesPlayed]+1, T.LastPlayed = Format(Now(),'mm/dd/yyyy hh:nn:ss') WHERE T.ID = 2

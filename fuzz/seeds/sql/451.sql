@@ -1,0 +1,1 @@
+UPDATE T SET TimesPlayed = ID, FileDate = DateSerial(2020, ID, 1)

@@ -1,0 +1,1 @@
+Update T Set T.Version = '', T.Author='', T.Year= '',T.Company='-', T.PinMame =False Where (T.DisplayName= 'Taxi' AND [T]![DateAdded] > #1/1/2000#)

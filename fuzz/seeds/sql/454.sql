@@ -1,0 +1,1 @@
+Update T Set T.Version = '1.0', T.Author='O''Neil', T.Year= '1999',T.Company='Gottlieb', T.PinMame =True Where (T.CRC= '12AB')

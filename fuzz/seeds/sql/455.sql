@@ -1,0 +1,1 @@
+Update T set DateAdded = '20-Nov-26' Where (isNull(DateAdded) or DateAdded = '')

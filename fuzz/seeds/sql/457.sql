@@ -1,0 +1,1 @@
+Update T set favorite = false where displayname= 'O''Brien''s'

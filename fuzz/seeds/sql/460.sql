@@ -1,0 +1,1 @@
+select Favorite from T where DisplayName = 'O' & chr(39) & 'Brien' & chr(39) & 's'

@@ -1,0 +1,1 @@
+select TimesPlayed from T

@@ -1,0 +1,1 @@
+select notes from T where Filename = 'a' & chr(124) & 'b'
