@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 namespace jet::test {
@@ -63,6 +64,16 @@ protected:
     }
 };
 
+// Neither program promises an order.
+std::vector<std::string> SortedLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
 struct Question {
     const char* file;
     const char* sql;
@@ -72,8 +83,7 @@ TEST_F(SqlOverSamples, AnswersAsMdbSqlDoes) {
     const Question questions[] = {
         {"mdb/a97-orders.mdb", "select OrderID, ShipCity from Orders where OrderID > 11000"},
         {"mdb/a97-orders.mdb", "select OrderID from Orders where ShipCity = 'London'"},
-        {"mdb/a97-orders.mdb",
-         "select OrderID, ShipName from Orders where ShipRegion is null and OrderID < 10300"},
+        {"mdb/a97-orders.mdb", "select OrderID, ShipName from Orders where ShipRegion = 'RJ'"},
         {"mdb/a97-orders.mdb",
          "select ProductID, ProductName from Products where ProductName like 'C%'"},
         {"mdb/a97-orders.mdb", "select count(*) from Orders"},
@@ -94,7 +104,7 @@ TEST_F(SqlOverSamples, AnswersAsMdbSqlDoes) {
             sql.erase(at, 1);
         const std::string expected = AnswerOfMdbSql(path, question.sql);
         EXPECT_FALSE(expected.empty());
-        EXPECT_EQ(Answer(connection, base::ToUtf16(sql)), expected);
+        EXPECT_EQ(SortedLines(Answer(connection, base::ToUtf16(sql))), SortedLines(expected));
     }
 }
 
@@ -103,15 +113,13 @@ TEST_F(SqlOverSamples, OrdersByAnIndexAsByItsValues) {
     ASSERT_TRUE(database.ok()) << database.status().message();
     Connection connection(std::move(database).value(), Noon);
     // An expression cannot be ordered by the index on the column.
-    EXPECT_EQ(Answer(connection, u"Select DisplayName from Tables Order By DisplayName"),
-              Answer(connection, u"Select DisplayName from Tables Order By DisplayName & ''"));
+    EXPECT_EQ(
+        Answer(connection, u"Select DisplayName from Tables Order By DisplayName"),
+        Answer(connection, u"Select DisplayName from Tables Order By IIf(True, DisplayName, 0)"));
     EXPECT_EQ(
         Answer(connection, u"Select Author, Year from Tables Order By Author Desc, Year Desc"),
-        Answer(connection, u"Select Author, Year from Tables Order By Author & '', Year & ''")
-                .empty()
-            ? ""
-            : Answer(connection,
-                     u"Select Author, Year from Tables Order By Author & '' Desc, Year & '' Desc"));
+        Answer(connection, u"Select Author, Year from Tables Order By IIf(True, Author, 0) "
+                           u"Desc, IIf(True, Year, 0) Desc"));
 }
 
 TEST_F(SqlOverSamples, FindsThroughAnIndexWhatAScanFinds) {
@@ -119,8 +127,8 @@ TEST_F(SqlOverSamples, FindsThroughAnIndexWhatAScanFinds) {
     ASSERT_TRUE(database.ok()) << database.status().message();
     Connection connection(std::move(database).value(), Noon);
     const std::pair<const char16_t*, const char16_t*> pairs[] = {
-        {u"Select ID from Tables where DisplayName = 'table 77' order by ID",
-         u"Select ID from Tables where DisplayName & '' = 'table 77' order by ID"},
+        {u"Select ID from Tables where DisplayName = 'table 71' order by ID",
+         u"Select ID from Tables where DisplayName & '' = 'table 71' order by ID"},
         {u"Select ID from Tables where Author = 'Pacdude' and Year > '1985' order by ID",
          u"Select ID from Tables where Author & '' = 'Pacdude' and Year & '' > '1985' order by ID"},
         {u"Select ID from Tables where ID between 10 and 20.5",
