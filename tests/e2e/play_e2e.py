@@ -89,11 +89,18 @@ class Simulator:
         self.end_file.touch()
 
 
-def iconic(program):
-    """Whether the window manager has minimised the main window."""
+def window_state(program):
+    """What the window manager says of the main window: "Normal" or "Iconic"; empty while there is no such window."""
     title = next(w["title"] for w in program.windows() if w["title"].startswith("Tavolo -"))
     state = subprocess.run(["xprop", "-name", title, "WM_STATE"], env=program.desktop.env, capture_output=True, text=True).stdout
-    return "Iconic" in state
+    return next((word for word in ("Normal", "Iconic") if word in state), "")
+
+
+def is_painted(program):
+    """Whether the screen shows anything: its background is all black."""
+    deviation = subprocess.run("import -window root -resize 64x45! png:- | identify -format '%[fx:standard_deviation]' png:-", shell=True,
+                               env=program.desktop.env, capture_output=True, text=True).stdout
+    return float(deviation or 0) > 0.05
 
 
 def times_played(folder, name):
@@ -106,8 +113,8 @@ def check_played(folder, name, times):
              f"{times} plays of {name} as mdb-export reads them (it reads {times_played(folder, name)})")
 
 
-def wait_playing(program, name):
-    wait_for(lambda: PLAYING.format(name) in program.desktop.window_titles(), f"the simulator's window for {name}", 60)
+def wait_playing(program, name, timeout=60):
+    wait_for(lambda: PLAYING.format(name) in program.desktop.window_titles(), f"the simulator's window for {name}", timeout)
 
 
 def wait_no_simulator(program):
@@ -171,15 +178,16 @@ def loud_play(program, folder, simulator):
     with Recording() as recording:
         program.click("cmdPlay")
         simulator.wait_line("already open")
-        wait_for(lambda: iconic(program), "the minimised window")
+        wait_for(lambda: window_state(program) == "Iconic", "the minimised window")
         samples = recording.samples()
         check(holds(samples, folder / "slingshot.wav"), "slingshot.wav was not heard")
         check(holds(samples, folder / "Pinball.wav"), "Pinball.wav was not heard")
     program.picture("minimised while a table is played")
     simulator.end_play()
     simulator.wait_line("closed by request")
-    wait_for(lambda: not iconic(program), "the restored window")
+    wait_for(lambda: window_state(program) == "Normal", "the restored window")
     wait_no_simulator(program)
+    wait_for(lambda: is_painted(program), "the restored window on the screen")
     check_played(folder, FOO, 2)
     program.picture("restored")
     program.menu("mnuOptions", "mnuSound")
@@ -211,13 +219,13 @@ def wine_play(program, folder, simulator, tables):
     simulator.begin()
     change_executable(program, windows_program)
     program.double_click_item(FOO)
-    wait_playing(program, FOO)
+    wait_playing(program, FOO, 240)  # Wine may have its folder to make
     windows_path = "Z:" + str(tables / f"{FOO}.vpt").replace("/", "\\")
     lines = simulator.lines()
     check("argv[1]=/Play" in lines and f"argv[2]=-{windows_path}" in lines, f"the arguments in {lines}")
     check(any(line.startswith("table=") and line != "table=none" for line in lines), f"the table could not be opened: {lines}")
     program.double_click_item(FOO)
-    simulator.wait_line("shown", 2)
+    simulator.wait_line("shown", 2, 120)
     program.picture("two windows of Wine")
     simulator.end_play()
     simulator.wait_line("closed by request")
