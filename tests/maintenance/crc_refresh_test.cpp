@@ -2,6 +2,7 @@
 
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
+#include "support/full_disk.h"
 
 #include <gtest/gtest.h>
 
@@ -107,6 +108,44 @@ TEST_F(CrcRefreshTest, AnEmptyCatalogueHasNothingToDo) {
 TEST_F(CrcRefreshTest, AClosedCatalogueIsAFailure) {
     ASSERT_TRUE(connection->Close().ok());
     EXPECT_FALSE(RefreshCrcs(catalogue, events, [](const QString&) {}).ok());
+}
+
+TEST_F(CrcRefreshTest, AFullDiskEndsTheRunAndTheCatalogueStaysGood) {
+    const QString path = MakeFile(QStringLiteral("one.vpt"));
+    for (int i = 0; i < 12; ++i)
+        AddRow(QStringLiteral("Table %1").arg(i), path);
+    ASSERT_TRUE(connection->Close().ok());
+    int full_disks = 0;
+    for (int writes = 0; writes < 500; ++writes) {
+        const QTemporaryDir work;
+        const QString copy = work.filePath(QStringLiteral("copy.mdb"));
+        ASSERT_TRUE(QFile::copy(DatabasePath(), copy));
+        const std::u16string source = (QStringLiteral("Data Source=") + copy).toStdU16String();
+        test_support::FullDisk disk(*files, writes);
+        base::Status done;
+        {
+            jet::Connection on_disk(disk);
+            catalogue::Catalogue other = catalogue;
+            other.CatalogueConnection = &on_disk;
+            done = on_disk.Open(source);
+            if (done.ok()) done = RefreshCrcs(other, events, [](const QString&) {});
+            on_disk.Close().Ignore();
+        }
+        ASSERT_TRUE(connection->Open(source).ok()) << writes;
+        const int refreshed =
+            Scalar(QStringLiteral("Select count(*) from Tables where CRC = 'CBF43926'")).toInt();
+        const int old =
+            Scalar(QStringLiteral("Select count(*) from Tables where CRC = 'old'")).toInt();
+        EXPECT_EQ(refreshed + old, 12) << writes;
+        if (done.ok()) {
+            EXPECT_EQ(refreshed, 12) << writes;
+        }
+        ASSERT_TRUE(connection->Close().ok());
+        if (!disk.was_full()) break;
+        ++full_disks;
+    }
+    EXPECT_GT(full_disks, 10);
+    EXPECT_LT(full_disks, 500);
 }
 
 TEST(ConfirmCrcRefreshTest, AsksInTheProgramsOwnWords) {

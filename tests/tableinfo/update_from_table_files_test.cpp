@@ -2,6 +2,7 @@
 
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
+#include "support/full_disk.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -169,6 +170,43 @@ TEST_F(UpdateFromTableFilesTest, AnEmptyCatalogueShowsNothing) {
     test_support::FakeStatusDisplay status;
     EXPECT_TRUE(UpdateFromTableFiles(catalogue, 1, &status).ok());
     EXPECT_TRUE(status.shown.empty());
+}
+
+TEST_F(UpdateFromTableFilesTest, AFullDiskEndsTheRunAndEachRowIsWhollyOldOrNew) {
+    const QString path = Build(
+        VptBuilder().Text(u"TableName", u"New").Text(u"TableRules", std::u16string(5000, u'r')));
+    for (int i = 0; i < 8; ++i)
+        AddRow(path);
+    ASSERT_TRUE(connection->Close().ok());
+    int full_disks = 0;
+    for (int writes = 0; writes < 500; ++writes) {
+        const QTemporaryDir work;
+        const QString copy = work.filePath(QStringLiteral("copy.mdb"));
+        ASSERT_TRUE(QFile::copy(DatabasePath(), copy));
+        const std::u16string source = (QStringLiteral("Data Source=") + copy).toStdU16String();
+        test_support::FullDisk disk(*files, writes);
+        {
+            jet::Connection on_disk(disk);
+            catalogue::Catalogue other = catalogue;
+            other.CatalogueConnection = &on_disk;
+            if (on_disk.Open(source).ok()) UpdateFromTableFiles(other, 0, nullptr).Ignore();
+            on_disk.Close().Ignore();
+        }
+        ASSERT_TRUE(connection->Open(source).ok()) << writes;
+        const int updated = Scalar(QStringLiteral("Select count(*) from Tables where DisplayName = "
+                                                  "'New' and len(RulesText) = 5000"))
+                                .toInt();
+        const int old =
+            Scalar(QStringLiteral("Select count(*) from Tables where DisplayName = 'Old Name' and "
+                                  "RulesText = 'Old Rules'"))
+                .toInt();
+        EXPECT_EQ(updated + old, 8) << writes;
+        ASSERT_TRUE(connection->Close().ok());
+        if (!disk.was_full()) break;
+        ++full_disks;
+    }
+    EXPECT_GT(full_disks, 10);
+    EXPECT_LT(full_disks, 500);
 }
 
 TEST_F(UpdateFromTableFilesTest, AClosedCatalogueIsAFailureAndTheStatusWindowIsUnloaded) {
