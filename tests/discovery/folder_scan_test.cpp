@@ -8,6 +8,9 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
+#include <QtCore/QStandardPaths>
 
 #include <algorithm>
 
@@ -235,6 +238,38 @@ TEST_F(FolderScanTest, APathThatTheCatalogueCannotHoldIsPassedOver) {
     MakeFile(QStringLiteral("short.vpt"));
     EXPECT_EQ(Scan(), 1);
     EXPECT_EQ(Count(), QStringLiteral("1"));
+}
+
+TEST_F(FolderScanTest, AnotherProgramReadsTheAddedRow) {
+    const QString program = QStandardPaths::findExecutable(QStringLiteral("mdb-export"));
+    if (program.isEmpty()) GTEST_SKIP() << "mdb-export of mdbtools is not installed";
+    const QString path = MakeFile(QStringLiteral("Bob's Table.vpt"));
+    EXPECT_EQ(Scan(), 1);
+    ASSERT_TRUE(connection->Close().ok());
+    QProcess exporter;
+    exporter.start(program, {QStringLiteral("-H"), DatabasePath(), QStringLiteral("Tables")});
+    ASSERT_TRUE(exporter.waitForFinished());
+    const QString row = QString::fromUtf8(exporter.readAllStandardOutput());
+    EXPECT_EQ(row.count(u'\n'), 1) << row.toStdString();
+    EXPECT_TRUE(row.startsWith(QStringLiteral("1,\"Bob's Table\",\"%1\",").arg(path)))
+        << row.toStdString();
+    EXPECT_TRUE(row.contains(QStringLiteral("\"CBF43926\""))) << row.toStdString();
+}
+
+TEST_F(FolderScanTest, AnOldCatalogueGainsTheNewTablesAndKeepsItsRows) {
+    const QString sample = qEnvironmentVariable("TAVOLO_SHARED") +
+                           QStringLiteral("/samples/catalogue/old-base-250.mdb");
+    if (!QFile::exists(sample)) GTEST_SKIP() << "the old catalogues are not here";
+    MakeFile(QStringLiteral("a.vpt"));
+    MakeFile(QStringLiteral("b.vpt"));
+    ASSERT_TRUE(connection->Close().ok());
+    ASSERT_TRUE(QFile::remove(DatabasePath()));
+    ASSERT_TRUE(QFile::copy(sample, DatabasePath()));
+    ASSERT_TRUE(QFile::setPermissions(DatabasePath(), QFile::ReadOwner | QFile::WriteOwner));
+    ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    EXPECT_EQ(Scan(), 2);
+    EXPECT_EQ(Scan(), 0);
+    EXPECT_EQ(Count(), QStringLiteral("252"));
 }
 
 TEST_F(FolderScanTest, SpacesAroundTheChosenFolderAreTrimmed) {
