@@ -278,6 +278,15 @@ INSTANTIATE_TEST_SUITE_P(LauncherTest, LaunchedPath,
                          testing::Values("Foo.vpt", "two  blanks .vpt", "Tom's.vpt", "Grüße.vpt",
                                          "100%1.vpt", "a&b|c.vpt"));
 
+// Names that Windows does not know, so that its simulator's contract says nothing about them.
+TEST_F(LauncherTest, AQuoteInAFileNameIsEscaped) {
+    launcher_.PlayTable(TablePath(QStringLiteral("The \"King\".vpt")), QStringLiteral("Foo"),
+                        Id(QStringLiteral("Foo")));
+    EXPECT_EQ(StepsOf(QStringLiteral("start")),
+              Steps{QStringLiteral("start \"/opt/my vp/VPinball.exe\" /Play -\"%1\"")
+                        .arg(TablePath(QStringLiteral("The \\\"King\\\".vpt")))});
+}
+
 struct TitleCase {
     const char* name;
     const char* file;

@@ -68,7 +68,7 @@ public:
 
     QString SystemInformationTool() override {
         for (const char* name : kInformationTools)
-            if (const QString tool = FindProgram(name); !tool.isEmpty()) return tool;
+            if (QString tool = FindProgram(name); !tool.isEmpty()) return tool;
         return {};
     }
 };

@@ -35,7 +35,7 @@ bool IsWindowsProgram(const QString& path) {
 
 QString FindWine() {
     for (const char* name : {"wine", "wine-stable", "wine64"}) {
-        const QString loader = QStandardPaths::findExecutable(QString::fromLatin1(name));
+        QString loader = QStandardPaths::findExecutable(QString::fromLatin1(name));
         if (!loader.isEmpty()) return loader;
     }
     return {};

@@ -101,6 +101,7 @@ std::vector<std::uint32_t> X11Connection::Numbers(xcb_window_t window, xcb_atom_
 
 std::vector<xcb_window_t> X11Connection::Children(std::span<const xcb_window_t> parents) {
     std::vector<xcb_query_tree_cookie_t> cookies;
+    cookies.reserve(parents.size());
     for (const xcb_window_t parent : parents)
         cookies.push_back(xcb_query_tree(connection_.get(), parent));
     std::vector<xcb_window_t> children;

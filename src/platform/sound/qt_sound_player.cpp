@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 
 // A file of more than this is no sound effect.
-constexpr qint64 kMaxFileBytes = 32 * 1024 * 1024;
+constexpr qint64 kMaxFileBytes = qint64{32} * 1024 * 1024;
 // What finding and opening the device may take beyond the sound's own length.
 constexpr milliseconds kDeviceAllowance{4000};
 // What the device is asked to hold ahead, and the time after the last sample was due at which it
