@@ -68,7 +68,7 @@ TEST(SoundPlayerTest, WithoutASoundServerTheCallReturnsAtOnce) {
     QElapsedTimer time;
     time.start();
     platform::MakeSoundPlayer()->PlaySynchronously(kPinball);
-    EXPECT_LT(time.elapsed(), 1000);
+    EXPECT_LT(time.elapsed(), 3000);
 }
 
 TEST(SoundPlayerTest, AServerThatDoesNotAnswerCostsSomeSecondsOnceAndNoHang) {
@@ -84,7 +84,7 @@ TEST(SoundPlayerTest, AServerThatDoesNotAnswerCostsSomeSecondsOnceAndNoHang) {
     time.restart();
     player->PlaySynchronously(kSlingshot);
     player.reset();
-    EXPECT_LT(time.elapsed(), 100);
+    EXPECT_LT(time.elapsed(), 1000);
 }
 
 }  // namespace
