@@ -6,6 +6,7 @@
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QGridLayout>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
@@ -52,6 +53,15 @@ void AddButtons(QMessageBox& box, MessageButtons buttons) {
     if (buttons == MessageButtons::kOkCancel)
         AddButton(box, QMessageBox::Cancel, QStringLiteral("cmdCancel"));
     box.setDefaultButton(QMessageBox::Ok);
+}
+
+// A short question must not cut its title: Qt makes the box as wide as its text alone.
+void MakeRoomForTitle(QMessageBox& box) {
+    constexpr int kWindowButtons = 140;  // pixels
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    if (grid == nullptr) return;
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + kWindowButtons;
+    grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
 }
 
 MessageAnswer AnswerOf(int button, MessageButtons buttons) {
@@ -114,6 +124,7 @@ MessageAnswer QtUserPrompts::Ask(const platform::Message& message) {
     box.setText(WithLineFeeds(message.text));
     box.setIcon(QtIcon(message.icon));
     AddButtons(box, message.buttons);
+    MakeRoomForTitle(box);
     return AnswerOf(box.exec(), message.buttons);
 }
 

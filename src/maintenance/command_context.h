@@ -18,8 +18,9 @@ using Progress = std::function<void(std::int64_t done, std::int64_t total)>;
 struct CommandContext {
     catalogue::Catalogue& catalogue;
     platform::UserPrompts& prompts;
-    // Called once per row. Must hold back the user's input: the commands have no window of their
-    // own that would keep a second command or the closing of the program away from their rows.
+    // Called again and again during a long run. Must hold back the user's input: the commands have
+    // no window of their own that would keep a second command or the closing of the program away
+    // from their rows.
     platform::UserEvents& events;
     std::function<void()> refresh_tree;
     Progress progress = {};  // may be empty

@@ -2,14 +2,21 @@
 
 #include "jet/recordset.h"
 
+#include <QtCore/QElapsedTimer>
+
 namespace maintenance {
 namespace {
 
-// Passes each whole percent on, and the end in any case.
+constexpr qint64 kRoundMs = 20;
+
+// Passes each whole percent on, and the end in any case, and lets the windows live fifty times a
+// second.
 class ProgressMeter {
 public:
     ProgressMeter(const CommandContext& context, std::int64_t total)
-        : context_(context), total_(total) {}
+        : context_(context), total_(total) {
+        since_round_.start();
+    }
     ~ProgressMeter() { Tell(total_); }
     ProgressMeter(const ProgressMeter&) = delete;
     ProgressMeter& operator=(const ProgressMeter&) = delete;
@@ -19,18 +26,23 @@ public:
         const std::int64_t percent = total_ > 0 ? done_ * 100 / total_ : 0;
         if (percent != percent_ && done_ < total_) Tell(done_);
         percent_ = percent;
-        context_.events.ProcessEvents();
+        if (since_round_.hasExpired(kRoundMs)) LetWindowsLive();
     }
 
 private:
     void Tell(std::int64_t done) const {
         if (context_.progress) context_.progress(done, total_);
     }
+    void LetWindowsLive() {
+        context_.events.ProcessEvents();
+        since_round_.start();
+    }
 
     const CommandContext& context_;
     std::int64_t total_;
     std::int64_t done_ = 0;
     std::int64_t percent_ = -1;
+    QElapsedTimer since_round_;
 };
 
 }  // namespace

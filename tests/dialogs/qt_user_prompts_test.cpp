@@ -83,6 +83,15 @@ TEST(MessageBoxTest, WithoutATitleItBearsTheProgramsName) {
                });
 }
 
+TEST(MessageBoxTest, AShortTextLeavesRoomForALongTitle) {
+    const QString title = QStringLiteral("A title that is much longer than the text");
+    AnswerWhen({QStringLiteral("Yes?"), title, MessageIcon::kNone, MessageButtons::kOk},
+               [&title](QWidget& box) {
+                   EXPECT_GT(box.width(), box.fontMetrics().horizontalAdvance(title) + 100);
+                   Press(box, "cmdOK");
+               });
+}
+
 TEST(MessageBoxTest, BelongsToTheOwnerUnlessADialogIsOpen) {
     QWidget owner;
     QDialog dialog;
