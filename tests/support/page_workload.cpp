@@ -6,17 +6,6 @@
 
 namespace test_support {
 
-std::vector<std::byte> MakePages(std::uint32_t version, jet::PageNumber count) {
-    const std::size_t page_size = version == 0 ? 2048 : 4096;
-    std::vector<std::byte> file(page_size * count);
-    file[1] = std::byte{1};
-    std::memcpy(file.data() + 4, "Standard Jet DB", 16);
-    file[0x14] = static_cast<std::byte>(version);
-    for (std::size_t at = version == 0 ? 0x600 : 0xE00; at < page_size && at < 0x1000; at += 2)
-        file[at + 1] = std::byte{1};
-    return file;
-}
-
 PageWorkload::PageWorkload(std::uint32_t seed, std::uint32_t version)
     : page_size_(version == 0 ? 2048 : 4096), first_file_(MakePages(version, kFirstPages)),
       random_(seed) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "jet/page_store.h"
+#include "support/make_pages.h"
 
 #include <gtest/gtest.h>
 
@@ -12,10 +13,6 @@
 #include <vector>
 
 namespace test_support {
-
-// A file that the page store takes for a database: a header page and pages of zeros. Version 0: Jet
-// 3, 1: Jet 4.
-std::vector<std::byte> MakePages(std::uint32_t version, jet::PageNumber count);
 
 class PageWorkload {
 public:

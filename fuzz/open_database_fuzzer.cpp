@@ -1,0 +1,133 @@
+// Opens a database in memory, reads every row of every table, changes rows and takes that back, and
+// runs the checker. Input: byte 0 even: the rest is the file itself. Odd: the rest are patches (u24
+// offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep.
+#include "jet/check.h"
+#include "jet/connection.h"
+#include "jet/database.h"
+#include "support/faulty_file_system.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+using Bytes = std::vector<std::byte>;
+
+constexpr std::size_t kLargestFile = 1U << 20;
+
+Bytes MakeSoundFile() {
+    test_support::FaultyFileSystem files;
+    if (!jet::CreateDatabaseFile(files, "a.mdb", 40000.25).ok()) std::abort();
+    jet::Connection connection(files);
+    if (!connection.Open(u"Data Source=a.mdb").ok()) std::abort();
+    const auto execute = [&](const std::u16string& sql) {
+        if (!connection.Execute(sql).ok()) std::abort();
+    };
+    execute(u"CREATE TABLE T (ID COUNTER PRIMARY KEY, Name TEXT(50), Notes MEMO, D DATETIME, "
+            u"N LONG, B BIT, M CURRENCY)");
+    execute(u"CREATE INDEX NameIndex ON T (Name)");
+    execute(u"CREATE INDEX Two ON T (N DESC, Name)");
+    for (int i = 0; i < 60; ++i) {
+        const std::u16string name(static_cast<std::size_t>(i % 40),
+                                  u'a' + static_cast<char16_t>(i % 26));
+        const std::u16string notes(static_cast<std::size_t>(i % 7 == 0 ? 5000 : i), u'x');
+        execute(u"INSERT INTO T (Name, Notes, D, N, B, M) VALUES ('" + name + u"', '" + notes +
+                u"', #1/2/2003#, 5, true, 1.5)");
+    }
+    execute(u"DELETE FROM T WHERE ID = 7");
+    execute(u"UPDATE T SET Name = 'a much longer name than it had before' WHERE ID = 3");
+    execute(u"ALTER TABLE T ADD COLUMN Extra TEXT(20)");
+    if (!connection.Close().ok()) std::abort();
+    return files.Get("a.mdb");
+}
+
+Bytes Patched(const Bytes& sound, std::span<const std::byte> patches) {
+    Bytes file = sound;
+    while (patches.size() > 4) {
+        const auto at = (std::to_integer<std::size_t>(patches[0]) |
+                         std::to_integer<std::size_t>(patches[1]) << 8 |
+                         std::to_integer<std::size_t>(patches[2]) << 16) %
+                        file.size();
+        const std::size_t size = std::min({std::to_integer<std::size_t>(patches[3]) % 64 + 1,
+                                           patches.size() - 4, file.size() - at});
+        std::memcpy(file.data() + at, patches.data() + 4, size);
+        patches = patches.subspan(4 + size);
+    }
+    return file;
+}
+
+std::unique_ptr<jet::PageStore> StoreOf(const Bytes& file) {
+    const bool is_jet3 = file.size() > 0x14 && file[0x14] == std::byte{0};
+    return jet::MakeMemoryPageStore(is_jet3 ? 2048 : 4096, file);
+}
+
+void ReadRows(jet::Table& table, std::vector<jet::RowId>& some) {
+    auto cursor = table.Scan();
+    if (!cursor.ok()) return;
+    std::vector<std::size_t> columns(table.design().columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        columns[i] = i;
+    std::vector<jet::Value> values(columns.size());
+    for (int i = 0; i < 20000; ++i) {
+        const auto row = cursor.value()->Next();
+        if (!row.ok() || !*row) return;
+        cursor.value()->Read(columns, values).Ignore();
+        if (some.size() < 3) some.push_back(**row);
+    }
+}
+
+void WalkIndexes(jet::Table& table) {
+    for (std::size_t i = 0; i < table.design().indexes.size(); ++i) {
+        if (!table.design().indexes[i].maintainable) continue;
+        auto cursor = table.Range(i, {}, {}, i % 2 == 1);
+        if (!cursor.ok()) continue;
+        for (int rows = 0; rows < 20000; ++rows) {
+            const auto row = cursor.value()->Next();
+            if (!row.ok() || !*row) break;
+        }
+    }
+}
+
+void ChangeRows(jet::Database& database, jet::Table& table, const std::vector<jet::RowId>& rows) {
+    if (!database.Begin().ok()) return;
+    std::vector<jet::Value> values(table.design().columns.size());
+    table.Insert(values).status().Ignore();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (i == 0)
+            table.Delete(rows[i]).Ignore();
+        else if (!values.empty())
+            table.Update(rows[i], std::vector<jet::ColumnChange>{{values.size() - 1, {}}}).Ignore();
+    }
+    database.Rollback();
+}
+
+void Walk(const Bytes& file) {
+    auto database = jet::OpenDatabase(StoreOf(file), "fuzz.mdb");
+    if (!database.ok()) return;
+    const auto names = database.value()->TableNames();
+    if (!names.ok()) return;
+    for (const std::u16string& name : *names) {
+        const auto table = database.value()->FindTable(name);
+        if (!table.ok()) continue;
+        std::vector<jet::RowId> rows;
+        ReadRows(**table, rows);
+        WalkIndexes(**table);
+        ChangeRows(*database.value(), **table, rows);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const Bytes sound = MakeSoundFile();
+    if (size < 2 || size > kLargestFile) return 0;
+    const std::span input(reinterpret_cast<const std::byte*>(data), size);
+    const auto rest = input.subspan(1);
+    const Bytes file = (data[0] & 1) != 0 ? Patched(sound, rest) : Bytes(rest.begin(), rest.end());
+    const auto store = StoreOf(file);
+    if (store->page_count() == 0) return 0;
+    Walk(file);
+    (void)jet::CheckIntegrity(*store);
+    return 0;
+}
