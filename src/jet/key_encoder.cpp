@@ -128,8 +128,8 @@ bool CanEncodeKey(const FileContext& file, const ColumnDefinition& column) {
     }
 }
 
-void AppendKeyPart(const FileContext& file, const ColumnDefinition& column, bool ascending,
-                   const Value& value, Bytes& key) {
+void AppendKeyPart(const FileContext& file, [[maybe_unused]] const ColumnDefinition& column,
+                   bool ascending, const Value& value, Bytes& key) {
     assert(CanEncodeKey(file, column));
     if (value.is_null()) {
         key.push_back(ascending ? kNull : kNullDescending);
