@@ -197,7 +197,8 @@ base::Result<JournalHeader> FilePageStore::MakeJournalHeader() {
     header.page_count = pages_in_file_;
     header.first_page.resize(page_size_);
     RETURN_IF_ERROR(file_->ReadAt(0, header.first_page));
-    if (ReadFileMark(header.first_page) == 0) RETURN_IF_ERROR(GiveFirstMark(header.first_page));
+    if (ReadFileMark(header.first_page) == 0 || !first_mark_is_durable_)
+        RETURN_IF_ERROR(GiveFirstMark(header.first_page));
     return header;
 }
 
@@ -207,8 +208,11 @@ base::Status FilePageStore::GiveFirstMark(PageBytes& first_page) {
     const auto words = std::span(first_page).subspan(FileMarkOffset(page_size_), kFileMarkBytes);
     StoreFileMark(words, MakeFileMark());
     cache_.Erase(0);
+    first_mark_is_durable_ = false;
     RETURN_IF_ERROR(file_->WriteAt(FileMarkOffset(page_size_), words));
-    return file_->Sync();
+    RETURN_IF_ERROR(file_->Sync());
+    first_mark_is_durable_ = true;
+    return {};
 }
 
 // -------------------------------------------------------------------------------- checkpoint

@@ -103,7 +103,8 @@ private:
     Journal journal_;                           // mutex_
     std::map<PageNumber, SharedPage> pending_;  // mutex_
     PageCache cache_;                           // mutex_
-    PageNumber pages_in_file_;  // mutex_; page numbers below can be read from the file
+    PageNumber pages_in_file_;           // mutex_; page numbers below can be read from the file
+    bool first_mark_is_durable_ = true;  // mutex_; false: giving it failed
     std::unique_ptr<Flusher> flusher_;
 };
 

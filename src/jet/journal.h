@@ -44,7 +44,8 @@ public:
     // The last AddTransaction failed and could not be taken back: recovery may or may not find it.
     bool is_in_doubt() const { return in_doubt_; }
 
-    // Everything appended so far is on the disk when this returns ok.
+    // Everything appended so far is on the disk when this returns ok. Systems forget what a failed
+    // sync could not write, so the next one writes it all anew first.
     base::Status Sync();
     // Requires: all of it is in the database file, durably.
     base::Status Reset();
@@ -55,12 +56,14 @@ private:
     base::Status EnsureOpen();
     base::Status Append(std::span<const std::byte> bytes, std::uint64_t chain);
     void TakeBack();
+    base::Status WriteAnew();
 
     FileSystem& files_;
     std::filesystem::path path_;
     std::unique_ptr<File> file_;
     JournalEnd end_;
     bool folder_synced_ = false;
+    bool sync_failed_ = false;
     bool in_doubt_ = false;
 };
 

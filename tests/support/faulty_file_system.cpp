@@ -60,9 +60,11 @@ public:
         const std::lock_guard lock(files_.mutex_);
         const auto verdict = files_.Count();
         if (verdict.do_all) {
-            inode_->durable = inode_->live;
+            for (const auto& change : inode_->changes)
+                FaultyFileSystem::Apply(change, inode_->durable);
             inode_->changes.clear();
         }
+        if (verdict.do_forget) inode_->changes.clear();
         return verdict.status;
     }
 
@@ -124,17 +126,28 @@ std::uint64_t FaultyFileSystem::bytes_written() const {
 
 FaultyFileSystem::Verdict FaultyFileSystem::Count() {
     ++calls_;
+    const bool stops =
+        plan_.stop_behind != 0 && fault_happened_ && calls_ == plan_.call + plan_.stop_behind;
+    if (stops) plan_ = {calls_, FaultKind::kStop, plan_.code, 0};
     const bool is_planned = plan_.call != 0 && calls_ == plan_.call;
-    const bool is_gone =
-        fault_happened_ && (plan_.kind == FaultKind::kLost || plan_.kind == FaultKind::kStop);
+    const bool is_gone = fault_happened_ && calls_ > plan_.call &&
+                         (plan_.kind == FaultKind::kLost || plan_.kind == FaultKind::kStop);
     if (!is_planned && !is_gone) return {};
     Verdict verdict;
     verdict.status = Status(plan_.code, "planned failure");
     verdict.do_all = is_planned && plan_.kind == FaultKind::kDoneButFail;
     verdict.do_half =
         is_planned && (plan_.kind == FaultKind::kHalf || plan_.kind == FaultKind::kStop);
+    verdict.do_forget = is_planned && plan_.kind == FaultKind::kForgotten;
     fault_happened_ = true;
     return verdict;
+}
+
+void FaultyFileSystem::Apply(const Change& change, Bytes& bytes) {
+    if (change.is_truncation) return bytes.resize(change.offset);
+    if (bytes.size() < change.offset + change.bytes.size())
+        bytes.resize(change.offset + change.bytes.size());
+    std::memcpy(bytes.data() + change.offset, change.bytes.data(), change.bytes.size());
 }
 
 void FaultyFileSystem::Write(Inode& inode, std::uint64_t offset, std::span<const std::byte> bytes) {

@@ -22,14 +22,18 @@ enum class FaultKind {
     kRefuse,       // nothing happens, the call fails
     kHalf,         // a write or truncation is done by half, the call fails
     kDoneButFail,  // everything happens, the call fails
-    kLost,         // as kRefuse, and every later call fails too: the disk is gone
-    kStop,         // by half, and every later call fails too: the process is dead
+    kForgotten,  // as kRefuse, and a sync that fails so is forgotten: the next one writes only what
+                 // is new
+    kLost,       // as kRefuse, and every later call fails too: the disk is gone
+    kStop,       // by half, and every later call fails too: the process is dead
 };
 
 struct FaultPlan {
     std::uint64_t call = 0;  // counted from 1; 0: none
     FaultKind kind = FaultKind::kRefuse;
     base::StatusCode code = base::StatusCode::kIoError;
+    // The process stops at this call behind the fault; 0: it does not.
+    std::uint64_t stop_behind = 0;
 };
 
 class FaultyFileSystem final : public jet::FileSystem {
@@ -81,9 +85,11 @@ private:
         base::Status status;
         bool do_half = false;
         bool do_all = true;
+        bool do_forget = false;
     };
 
     Verdict Count();
+    static void Apply(const Change& change, Bytes& bytes);
     static void Write(Inode& inode, std::uint64_t offset, std::span<const std::byte> bytes);
     static void Resize(Inode& inode, std::uint64_t size);
     static Bytes Surviving(const Inode& inode, std::mt19937& random);

@@ -76,11 +76,16 @@ base::Status PageWorkload::Run(jet::PageStore& store, std::size_t number) {
 }
 
 PageWorkload::Content PageWorkload::Read(jet::PageStore& store) {
+    auto content = TryRead(store);
+    EXPECT_TRUE(content.ok()) << content.status().message();
+    return content.ok() ? std::move(content).value() : Content();
+}
+
+base::Result<PageWorkload::Content> PageWorkload::TryRead(jet::PageStore& store) {
     Content content;
     for (jet::PageNumber page = 0; page < store.page_count(); ++page) {
         const auto view = store.Read(page);
-        EXPECT_TRUE(view.ok()) << "page " << page << ": " << view.status().message();
-        if (!view.ok()) return {};
+        if (!view.ok()) return view.status();
         content.emplace_back(view->bytes().begin(), view->bytes().end());
     }
     const auto mark = std::span(content[0]).subspan(jet::FileMarkOffset(store.page_size()));

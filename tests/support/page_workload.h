@@ -35,6 +35,8 @@ public:
 
     // What `store` holds now, with the file's mark of its last checkpoint blanked.
     static Content Read(jet::PageStore& store);
+    // The same; the status of the first page that cannot be read instead of a failure of the test.
+    static base::Result<Content> TryRead(jet::PageStore& store);
     // How many transactions `content` shows; fails the test and answers -1 when it is none of the
     // states from `least` to `most`.
     int Recognize(const Content& content, std::size_t least, std::size_t most);
