@@ -68,8 +68,9 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
 
 // The logical indexes of relations point at each other.
 void CheckRelations(CheckRun& run, const std::map<PageNumber, Definition>& tables) {
-    for (const auto& [page, definition] : tables)
-        for (const LogicalIndex& index : definition.logical) {
+    for (const auto& table : tables) {
+        const PageNumber page = table.first;
+        for (const LogicalIndex& index : table.second.logical) {
             if (index.side == 0) continue;
             const auto other = tables.find(index.partner_table);
             const bool is_answered =
@@ -84,6 +85,7 @@ void CheckRelations(CheckRun& run, const std::map<PageNumber, Definition>& table
                           "the relation of index " + base::ToUtf8(index.name) +
                               " has no other side");
         }
+    }
 }
 
 void CheckTables(CheckRun& run) {
