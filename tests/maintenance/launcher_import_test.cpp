@@ -261,6 +261,26 @@ TEST_F(LauncherImportTest, TheDatesAreThoseOfTheCatalogueOnceEach) {
               (QStringList{QStringLiteral("1/1/2001"), QStringLiteral("1/3/2001")}));
 }
 
+// Whatever a damaged file says, only the five columns of rows that it names may change.
+TEST_F(LauncherImportTest, EveryCutAndEveryFlippedByteIsSurvived) {
+    AddRow(QStringLiteral("t"), QStringLiteral("AB"));
+    Execute(QStringLiteral("update Tables set FileName = '/t.vpt', Notes = 'n'"));
+    const QByteArray whole =
+        "Attack\\1.1\\$AB\\O'Brien\\1999\\-\\VPinMame\r\nx\\1\\t\\a\\2\\c\\\r\n";
+    for (qsizetype i = 0; i < whole.size(); ++i) {
+        Import(whole.left(i));
+        for (const int mask : {0x01, 0x20, 0x80, 0xFF}) {
+            QByteArray damaged = whole;
+            damaged[i] = static_cast<char>(damaged[i] ^ mask);
+            Import(damaged);
+        }
+    }
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(RowCount(), QStringLiteral("1"));
+    EXPECT_EQ(Scalar(QStringLiteral("select DisplayName & CRC & FileName & Notes from Tables")),
+              QStringLiteral("tAB/t.vptn"));
+}
+
 // What the window shows must not stand still: events are processed for each of 100,000 lines that
 // fit nothing.
 TEST_F(LauncherImportTest, AHundredThousandLinesLetTheWindowLive) {
