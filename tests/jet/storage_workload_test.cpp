@@ -3,7 +3,7 @@
 #include "jet/page_header.h"
 #include "jet/storage_checks.h"
 #include "jet/storage_support.h"
-#include "jet/table_definition.h"
+#include "support/check_database.h"
 
 #include <gtest/gtest.h>
 
@@ -233,6 +233,7 @@ private:
         for (const std::string& fault : found.faults)
             if (fault.find("wrong key at page 55 slot 7") == std::string::npos)
                 ADD_FAILURE() << fault;
+        EXPECT_TRUE(test_support::PagesAreSound(database_->pages()));
     }
 
     std::filesystem::path path_;

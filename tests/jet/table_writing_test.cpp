@@ -1,105 +1,10 @@
 // Tables made, filled and changed by the engine, read back by it and by mdbtools.
-#include "base/unicode.h"
-#include "jet/storage_support.h"
-#include "platform/file_system.h"
-
-#include <gtest/gtest.h>
+#include "jet/table_fixture.h"
 
 namespace jet::test {
 namespace {
 
-ColumnDesign Column(const char16_t* name, ColumnType type, std::uint16_t size = 0) {
-    ColumnDesign column;
-    column.name = name;
-    column.type = type;
-    column.size = size;
-    return column;
-}
-
-TableDesign GamesDesign() {
-    TableDesign design;
-    design.name = u"Games";
-    design.columns = {
-        Column(u"ID", ColumnType::kLong),           Column(u"Name", ColumnType::kText, 100),
-        Column(u"Year", ColumnType::kShort),        Column(u"Notes", ColumnType::kMemo),
-        Column(u"Favourite", ColumnType::kBoolean), Column(u"Added", ColumnType::kDate)};
-    design.columns[0].autonumber = true;
-    design.columns[1].compressed = true;
-    IndexDesign key;
-    key.name = u"PrimaryKey";
-    key.columns = {{0, true}};
-    key.primary = true;
-    IndexDesign name;
-    name.name = u"Name";
-    name.columns = {{1, true}, {2, false}};
-    design.indexes = {key, name};
-    return design;
-}
-
-// A database file in a folder of its own, open for writing.
-class TableWritingTest : public testing::Test {
-protected:
-    void SetUp() override {
-        const base::Status created = CreateDatabaseFile(*files_, path_, 45000.5);
-        ASSERT_TRUE(created.ok()) << created.message();
-        Open();
-    }
-
-    void Open() {
-        auto pages = OpenPageStore(*files_, path_, {});
-        ASSERT_TRUE(pages.ok()) << pages.status().message();
-        auto opened = OpenDatabase(std::move(pages).value(), path_.string());
-        ASSERT_TRUE(opened.ok()) << opened.status().message();
-        database_ = std::move(opened).value();
-    }
-
-    void Reopen() {
-        const base::Status closed = database_->Close();
-        ASSERT_TRUE(closed.ok()) << closed.message();
-        database_.reset();
-        Open();
-    }
-
-    // Runs `change` as one statement.
-    template <typename Change>
-    base::Status Do(Change change) {
-        RETURN_IF_ERROR(database_->Begin());
-        base::Status status = change();
-        if (!status.ok()) {
-            database_->Rollback();
-            return status;
-        }
-        return database_->Commit();
-    }
-
-    Table& Games() { return *database_->FindTable(u"Games").value(); }
-
-    void CreateGames() {
-        const base::Status status = Do([&] { return database_->CreateTable(GamesDesign()); });
-        ASSERT_TRUE(status.ok()) << status.message();
-    }
-
-    base::Result<RowId> InsertGame(std::u16string name, std::int16_t year, std::u16string notes) {
-        std::vector<Value> values = {Value::Null(),
-                                     Value::Text(name),
-                                     Value::Short(year),
-                                     Value::Text(notes),
-                                     Value::Boolean(year % 2 == 0),
-                                     Value::DateTime(40000 + year)};
-        base::Result<RowId> row = RowId{};
-        const base::Status status = Do([&] {
-            row = Games().Insert(values);
-            return row.status();
-        });
-        if (!status.ok()) return status;
-        return row;
-    }
-
-    TemporaryFolder folder_;
-    std::filesystem::path path_ = folder_.path() / "games.mdb";
-    std::unique_ptr<FileSystem> files_ = platform::MakeFileSystem();
-    std::unique_ptr<Database> database_;
-};
+class TableWritingTest : public TableFixture {};
 
 TEST_F(TableWritingTest, NewTableKeepsItsDesign) {
     CreateGames();
