@@ -15,9 +15,10 @@ constexpr int kAnyLevel = -1;
 base::Result<IndexTree::Place> IndexTree::Load(PageNumber page, int expected_level) const {
     Place place;
     ASSIGN_OR_RETURN(place.page, file_.store.Read(page));
-    place.view = IndexPageView::Parse(place.page.bytes(), file_.format, table_);
-    if (!place.view) return errors::DamagedPage(page, "not a page of this index");
-    if (expected_level != kAnyLevel && place.view->level() != expected_level)
+    auto view = IndexPageView::Parse(place.page.bytes(), file_.format, table_);
+    if (!view) return errors::DamagedPage(page, "not a page of this index");
+    place.view = std::move(*view);
+    if (expected_level != kAnyLevel && place.view.level() != expected_level)
         return errors::DamagedPage(page, "an index page of the wrong level");
     return place;
 }
@@ -27,24 +28,24 @@ base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> tar
                                                   Path* path) const {
     ASSIGN_OR_RETURN(Place place, Load(root_, kAnyLevel));
     PageNumber page = root_;
-    while (!place.view->is_leaf()) {
-        const std::size_t child = place.view->LowerBound(target);
+    while (!place.view.is_leaf()) {
+        const std::size_t child = place.view.LowerBound(target);
         if (path != nullptr) path->push_back({page, child});
-        page = child < place.view->count() ? place.view->Child(child) : place.view->tail();
-        ASSIGN_OR_RETURN(place, Load(page, place.view->level() - 1));
+        page = child < place.view.count() ? place.view.Child(child) : place.view.tail();
+        ASSIGN_OR_RETURN(place, Load(page, place.view.level() - 1));
     }
     if (path != nullptr) path->push_back({page, 0});
-    place.entry = place.view->LowerBound(target);
+    place.entry = place.view.LowerBound(target);
     return place;
 }
 
 base::Result<IndexTree::Place> IndexTree::Seek(std::span<const std::byte> target) const {
     ASSIGN_OR_RETURN(Place place, Descend(target, nullptr));
     // A node's entry may be larger than the last one below it: then the answer is on the next leaf.
-    if (place.entry == place.view->count() && place.view->count() > 0) {
+    if (place.entry == place.view.count() && place.view.count() > 0) {
         --place.entry;
         RETURN_IF_ERROR(Next(place));
-    } else if (place.view->count() == 0) {
+    } else if (place.view.count() == 0) {
         RETURN_IF_ERROR(Next(place));
     }
     return place;
@@ -59,10 +60,10 @@ base::Result<IndexTree::Place> IndexTree::SeekBefore(std::span<const std::byte> 
 base::Status IndexTree::Next(Place& place) const {
     ++place.entry;
     PageNumber hops = file_.store.page_count();
-    while (place.entry >= place.view->count()) {
-        const PageNumber next = place.view->next();
+    while (place.entry >= place.view.count()) {
+        const PageNumber next = place.view.next();
         if (next == 0) {
-            place.view.reset();
+            place = {};
             return {};
         }
         if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
@@ -75,14 +76,14 @@ base::Status IndexTree::Next(Place& place) const {
 base::Status IndexTree::Previous(Place& place) const {
     PageNumber hops = file_.store.page_count();
     while (place.entry == 0) {
-        const PageNumber previous = place.view->previous();
+        const PageNumber previous = place.view.previous();
         if (previous == 0) {
-            place.view.reset();
+            place = {};
             return {};
         }
         if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
         ASSIGN_OR_RETURN(place, Load(previous, 0));
-        place.entry = place.view->count();
+        place.entry = place.view.count();
     }
     --place.entry;
     return {};
@@ -90,9 +91,9 @@ base::Status IndexTree::Previous(Place& place) const {
 
 base::Result<bool> IndexTree::HasOther(std::span<const std::byte> key, RowId except) const {
     ASSIGN_OR_RETURN(Place place, Seek(key));
-    while (!place.at_end() && place.view->StartsWith(place.entry, key)) {
-        if (place.view->EntryBytes(place.entry) == key.size() + kRowIdBytes &&
-            place.view->Row(place.entry) != except)
+    while (!place.at_end() && place.view.StartsWith(place.entry, key)) {
+        if (place.view.EntryBytes(place.entry) == key.size() + kRowIdBytes &&
+            place.view.Row(place.entry) != except)
             return true;
         RETURN_IF_ERROR(Next(place));
     }

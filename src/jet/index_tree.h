@@ -20,9 +20,9 @@ public:
     // One entry's place; it goes stale when the tree changes.
     struct Place {
         PageView page;
-        std::optional<IndexPageView> view;  // of `page`
+        IndexPageView view;  // of `page`
         std::size_t entry = 0;
-        bool at_end() const { return !view; }
+        bool at_end() const { return !page; }
     };
 
     // The first entry >= `target` (key bytes, perhaps with a row id).

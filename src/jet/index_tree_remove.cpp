@@ -26,7 +26,7 @@ base::Result<bool> IndexTree::Remove(std::span<const std::byte> key, RowId row) 
     {
         ASSIGN_OR_RETURN(const Place place, Descend(entry, &path));
         position = place.entry;
-        if (position >= place.view->count() || place.view->Compare(position, entry) != 0)
+        if (position >= place.view.count() || place.view.Compare(position, entry) != 0)
             return false;
     }
     RETURN_IF_ERROR(RemoveEntry(std::move(path), position));
@@ -37,10 +37,10 @@ base::Result<bool> IndexTree::RemoveByWalk(RowId row) {
     Bytes entry;
     {
         ASSIGN_OR_RETURN(Place place, Seek({}));
-        while (!place.at_end() && place.view->Row(place.entry) != row)
+        while (!place.at_end() && place.view.Row(place.entry) != row)
             RETURN_IF_ERROR(Next(place));
         if (place.at_end()) return false;
-        place.view->CopyEntry(place.entry, entry);
+        place.view.CopyEntry(place.entry, entry);
     }
     entry.resize(entry.size() - kRowIdBytes);
     return Remove(entry, row);

@@ -86,9 +86,9 @@ StoredTable::FindDependants(std::span<const Value> before, std::span<const Value
         const Bytes key = found.table->indexes_.KeyOf(partner->real, old_key);
         const IndexTree& tree = found.table->indexes_.tree(partner->real);
         ASSIGN_OR_RETURN(IndexTree::Place place, tree.Seek(key));
-        while (!place.at_end() && place.view->StartsWith(place.entry, key)) {
-            if (place.view->EntryBytes(place.entry) == key.size() + kRowIdBytes)
-                found.rows.push_back(place.view->Row(place.entry));
+        while (!place.at_end() && place.view.StartsWith(place.entry, key)) {
+            if (place.view.EntryBytes(place.entry) == key.size() + kRowIdBytes)
+                found.rows.push_back(place.view.Row(place.entry));
             RETURN_IF_ERROR(tree.Next(place));
         }
         if (found.rows.empty()) continue;

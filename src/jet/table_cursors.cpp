@@ -48,7 +48,7 @@ public:
             place_ = {};
             return std::optional<RowId>();
         }
-        row_ = place_.view->Row(place_.entry);
+        row_ = place_.view.Row(place_.entry);
         changes_ = tree_.changes();
         return std::optional<RowId>(row_);
     }
@@ -65,7 +65,7 @@ private:
             return Assign(tree_.Seek(range_.from_inclusive ? range_.from : After(range_.from)));
         if (tree_.changes() == changes_) return tree_.Next(place_);
         // The tree changed under the walk: go on behind the last entry.
-        place_.view->CopyEntry(place_.entry, entry_);
+        place_.view.CopyEntry(place_.entry, entry_);
         entry_.push_back(std::byte{0});
         return Assign(tree_.Seek(entry_));
     }
@@ -77,7 +77,7 @@ private:
             return Assign(tree_.SeekBefore(start));
         }
         if (tree_.changes() == changes_) return tree_.Previous(place_);
-        place_.view->CopyEntry(place_.entry, entry_);
+        place_.view.CopyEntry(place_.entry, entry_);
         return Assign(tree_.SeekBefore(entry_));
     }
 
@@ -91,12 +91,12 @@ private:
         const std::size_t entry = place_.entry;
         if (backwards_) {
             if (range_.from.empty()) return false;
-            if (!range_.from_inclusive && place_.view->StartsWith(entry, range_.from)) return true;
-            return place_.view->Compare(entry, range_.from) < 0;
+            if (!range_.from_inclusive && place_.view.StartsWith(entry, range_.from)) return true;
+            return place_.view.Compare(entry, range_.from) < 0;
         }
         if (range_.to.empty()) return false;
-        if (place_.view->StartsWith(entry, range_.to)) return !range_.to_inclusive;
-        return place_.view->Compare(entry, range_.to) > 0;
+        if (place_.view.StartsWith(entry, range_.to)) return !range_.to_inclusive;
+        return place_.view.Compare(entry, range_.to) > 0;
     }
 
     CursorSource source_;

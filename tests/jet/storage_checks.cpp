@@ -145,7 +145,7 @@ private:
         Bytes last;
         auto place = indexes.tree(index).Seek({});
         while (place.ok() && !place.value().at_end()) {
-            const auto& view = *place.value().view;
+            const auto& view = place.value().view;
             Bytes entry;
             view.CopyEntry(place.value().entry, entry);
             if (!last.empty() && !(last < entry)) Fault("index entries are out of order");
