@@ -1,4 +1,5 @@
-// The engine below SQL against libmdb of mdbtools, on a catalogue of 100,000 rows: scan, open, insert with three indexes.
+// The engine below SQL against libmdb of mdbtools, on a catalogue of 100,000 rows: scan, open,
+// insert with three indexes.
 #include "jet/database.h"
 #include "platform/file_system.h"
 
@@ -50,11 +51,16 @@ jet::TableDesign Design() {
     using enum jet::ColumnType;
     jet::TableDesign design;
     design.name = u"Tables";
-    design.columns = {Column(u"ID", kLong),           Column(u"FileName", kText, 255),
-                      Column(u"DisplayName", kText, 100), Column(u"Author", kText, 100),
-                      Column(u"Company", kText, 50),  Column(u"Year", kShort),
-                      Column(u"Notes", kMemo),        Column(u"Rom", kBoolean),
-                      Column(u"TimesPlayed", kLong),  Column(u"DateAdded", kDate),
+    design.columns = {Column(u"ID", kLong),
+                      Column(u"FileName", kText, 255),
+                      Column(u"DisplayName", kText, 100),
+                      Column(u"Author", kText, 100),
+                      Column(u"Company", kText, 50),
+                      Column(u"Year", kShort),
+                      Column(u"Notes", kMemo),
+                      Column(u"Rom", kBoolean),
+                      Column(u"TimesPlayed", kLong),
+                      Column(u"DateAdded", kDate),
                       Column(u"CRC", kText, 50)};
     design.columns[0].autonumber = true;
     design.indexes = {{u"PrimaryKey", {{0, true}}, true},
@@ -85,7 +91,8 @@ std::vector<jet::Value> Row(int i) {
 }
 
 std::unique_ptr<jet::Database> Open(jet::FileSystem& files, const std::filesystem::path& path) {
-    return Required(jet::OpenDatabase(Required(jet::OpenPageStore(files, path, {})), path.string()));
+    return Required(
+        jet::OpenDatabase(Required(jet::OpenPageStore(files, path, {})), path.string()));
 }
 
 void Fill(jet::Database& database, int from, int count, int rows_per_transaction) {
@@ -131,7 +138,8 @@ int ScanTheirs(const std::filesystem::path& path) {
 }  // namespace
 
 int main() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "storage-bench-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "storage-bench-XXXXXX").string();
     const std::filesystem::path folder = mkdtemp(pattern.data());
     const std::filesystem::path path = folder / "bench.mdb";
     const auto files = platform::MakeFileSystem();
@@ -154,9 +162,9 @@ int main() {
     for (int round = 0; round < 5; ++round) {
         database.reset();
         open = std::min(open, MillisecondsOf([&] {
-            database = Open(*files, path);
-            Required(database->FindTable(u"Tables"));
-        }));
+                            database = Open(*files, path);
+                            Required(database->FindTable(u"Tables"));
+                        }));
     }
     std::printf("open                              %8.2f ms\n", open);
 

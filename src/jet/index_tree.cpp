@@ -60,6 +60,7 @@ base::Result<IndexTree::Place> IndexTree::SeekBefore(std::span<const std::byte> 
 base::Status IndexTree::Next(Place& place) const {
     ++place.entry;
     PageNumber hops = file_.store.page_count();
+    Bytes last;
     while (place.entry >= place.view.count()) {
         const PageNumber next = place.view.next();
         if (next == 0) {
@@ -67,14 +68,19 @@ base::Status IndexTree::Next(Place& place) const {
             return {};
         }
         if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
+        if (place.view.count() > 0) place.view.CopyEntry(place.view.count() - 1, last);
         ASSIGN_OR_RETURN(place, Load(next, 0));
         place.entry = 0;
+        // Ascending from leaf to leaf: no walk goes in circles.
+        if (!last.empty() && place.view.count() > 0 && place.view.Compare(0, last) <= 0)
+            return errors::DamagedPage(next, "the leaves of the index are out of order");
     }
     return {};
 }
 
 base::Status IndexTree::Previous(Place& place) const {
     PageNumber hops = file_.store.page_count();
+    Bytes first;
     while (place.entry == 0) {
         const PageNumber previous = place.view.previous();
         if (previous == 0) {
@@ -82,8 +88,11 @@ base::Status IndexTree::Previous(Place& place) const {
             return {};
         }
         if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
+        if (place.view.count() > 0) place.view.CopyEntry(0, first);
         ASSIGN_OR_RETURN(place, Load(previous, 0));
         place.entry = place.view.count();
+        if (!first.empty() && place.entry > 0 && place.view.Compare(place.entry - 1, first) >= 0)
+            return errors::DamagedPage(previous, "the leaves of the index are out of order");
     }
     --place.entry;
     return {};

@@ -146,7 +146,9 @@ base::Status RowPages::Delete(RowId row) {
     if (!empty) {
         if (editor.slot_count() >= kMaxSlots || editor.free_bytes() < file_.format.page_size / 8)
             return {};
-        if (std::ranges::find(*candidates_, row.page) == candidates_->end())
+        ASSIGN_OR_RETURN(const bool hinted, file_.Map(free_).Contains(row.page));
+        if (hinted) return {};
+        if (!free_.none() || std::ranges::find(*candidates_, row.page) == candidates_->end())
             candidates_->push_back(row.page);
         return file_.Map(free_).Add(row.page, file_.allocator);
     }

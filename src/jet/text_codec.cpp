@@ -55,6 +55,29 @@ Bytes EncodeWide(std::u16string_view text) {
     return bytes;
 }
 
+// A text that begins with U+FEFF would be taken for a compressed one. It is stored compressed, as
+// two bytes a character throughout; a character that this cannot hold makes the mark itself fall
+// away, which nobody sees.
+Bytes EncodeMarked(std::u16string_view text) {
+    const auto holds = [](char16_t unit) { return (unit & 0xFF) != 0 && unit >> 8 != 0; };
+    const auto narrow = [](char16_t unit) { return unit >= 1 && unit <= 0xFF; };
+    Bytes bytes{kCompressed0, kCompressed1};
+    bool wide = false;
+    for (const char16_t unit : text) {
+        if (!holds(unit) && !narrow(unit)) {
+            text.remove_prefix(text.find_first_not_of(u'\xFEFF'));
+            return EncodeWide(text);
+        }
+        if (narrow(unit) == wide) {
+            bytes.push_back(std::byte{0});
+            wide = !wide;
+        }
+        bytes.push_back(static_cast<std::byte>(unit & 0xFF));
+        if (wide) bytes.push_back(static_cast<std::byte>(unit >> 8));
+    }
+    return bytes;
+}
+
 }  // namespace
 
 TextCodec::TextCodec(int version, std::uint16_t code_page)
@@ -95,7 +118,7 @@ std::optional<Bytes> TextCodec::EncodeValue(std::u16string_view text, bool compr
     const auto narrow = [](char16_t unit) { return unit >= 1 && unit <= 0xFF; };
     if (!jet4() || !compress || text.size() < kMinCompressed ||
         !std::ranges::all_of(text, narrow)) {
-        // A text that happens to begin with the mark of compression cannot be stored plain.
+        if (jet4() && !text.empty() && text[0] == 0xFEFF) return EncodeMarked(text);
         return EncodeName(text);
     }
     Bytes bytes(text.size() + 2);
