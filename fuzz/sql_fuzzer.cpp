@@ -47,8 +47,14 @@ void ReadAll(jet::Recordset& rows) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size > 4096) return 0;
-    jet::Connection connection(std::make_unique<test_support::MemoryDatabase>(), Now);
-    Fill(connection);
+    // Made anew after each statement that may have changed it.
+    static std::unique_ptr<jet::Connection> prepared;
+    if (prepared == nullptr) {
+        prepared = std::make_unique<jet::Connection>(
+            std::make_unique<test_support::MemoryDatabase>(), Now);
+        Fill(*prepared);
+    }
+    jet::Connection& connection = *prepared;
     const std::u16string sql =
         base::ToUtf16(std::string_view(reinterpret_cast<const char*>(data), size));
     jet::Recordset keyset;
@@ -60,5 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     else if (!rows.ok())
         Require(!rows.status().message().empty());
     if (keyset.is_open()) ReadAll(keyset);
+    keyset.Close();
+    const bool changed = rows.ok() && !rows->is_open();
+    if (rows.ok()) rows->Close();
+    if (changed) prepared.reset();
     return 0;
 }

@@ -66,7 +66,7 @@ void Recordset::Impl::Close() {
     query_.reset();
     ids_.clear();
     values_.clear();
-    learned_.clear();
+    ForgetLearned();
     pending_.clear();
     names_.clear();
     keeps_values_ = has_rows_ = at_end_ = cache_valid_ = false;
@@ -113,6 +113,7 @@ Status Recordset::Impl::StepWalk() {
     ASSIGN_OR_RETURN(const std::optional<RowId> row, walk_->Next());
     at_end_ = !row.has_value();
     if (row) met_ = *row;
+    met_changes_ = connection_->changes();
     ++position_;
     return Status::Ok();
 }
@@ -140,7 +141,7 @@ void Recordset::Impl::BeforeDesignChange() {
 
 void Recordset::Impl::AfterDesignChange() {
     cache_valid_ = false;
-    learned_.clear();
+    ForgetLearned();
     pending_.clear();
     if (keeps_values_) return;
     query_.reset();
@@ -184,6 +185,7 @@ Status Recordset::Impl::MoveLast() {
         RETURN_IF_ERROR(StepWalk());  // the row met last stays in `met_`
     --position_;
     at_end_ = false;
+    met_changes_ = kNeverMet;
     return Status::Ok();
 }
 
@@ -236,25 +238,51 @@ Result<Value> Recordset::Impl::Field(std::size_t field) {
     if (!values_.empty()) return values_[static_cast<std::size_t>(position_)][field];
     if (query_ == nullptr) return JetError(3011, text_);
     RETURN_IF_ERROR(ReadLearned(field));
-    return cache_[field];
+    return cache_[place_in_cache_[field]];
+}
+
+void Recordset::Impl::ForgetLearned() {
+    learned_.clear();
+    learned_columns_.clear();
+    place_in_cache_.clear();
+    cache_.clear();
+    cache_valid_ = false;
 }
 
 Status Recordset::Impl::ReadLearned(std::size_t field) {
-    const bool known = std::find(learned_.begin(), learned_.end(), field) != learned_.end();
+    const bool known = field < place_in_cache_.size() && place_in_cache_[field] != kNotLearned;
     const bool fresh =
-        cache_valid_ && cache_row_ == current() && cache_changes_ == connection_->changes();
+        cache_valid_ && cache_changes_ == connection_->changes() && cache_row_ == current();
     if (known && fresh) return Status::Ok();
-    if (!known) learned_.push_back(field);
+    if (!known) Learn(field);
     cache_valid_ = false;
-    cache_.resize(names_.size());
-    std::vector<Value> read(learned_.size());
-    RETURN_IF_ERROR(query_->ReadRow(current(), learned_, read));
-    for (std::size_t i = 0; i < read.size(); ++i)
-        cache_[learned_[i]] = std::move(read[i]);
+    RETURN_IF_ERROR(ReadRow());
     cache_valid_ = true;
     cache_row_ = current();
     cache_changes_ = connection_->changes();
     return Status::Ok();
+}
+
+void Recordset::Impl::Learn(std::size_t field) {
+    place_in_cache_.resize(names_.size(), kNotLearned);
+    place_in_cache_[field] = learned_.size();
+    learned_.push_back(field);
+    cache_.resize(learned_.size());
+    const auto column = query_->TableColumn(field);
+    const bool all_plain = learned_columns_.size() + 1 == learned_.size() && column;
+    if (all_plain)
+        learned_columns_.push_back(*column);
+    else
+        learned_columns_.clear();
+}
+
+// A walk stands on the page of its row; it shows the row as it was met, so a row that may have
+// changed is read anew.
+Status Recordset::Impl::ReadRow() {
+    if (learned_columns_.empty()) return query_->ReadRow(current(), learned_, cache_);
+    if (walk_ != nullptr && met_changes_ == connection_->changes() && !at_end_)
+        return walk_->Read(learned_columns_, cache_);
+    return query_->table()->Read(current(), learned_columns_, cache_);
 }
 
 Result<Table*> Recordset::Impl::WritableTable() {

@@ -49,6 +49,9 @@ public:
     base::Status Delete();
 
 private:
+    static constexpr std::size_t kNotLearned = SIZE_MAX;
+    static constexpr std::uint64_t kNeverMet = UINT64_MAX;
+
     struct Pending {
         std::size_t output = 0;
         std::size_t column = 0;  // in the table's design
@@ -69,6 +72,9 @@ private:
         return walk_ != nullptr ? met_ : ids_[static_cast<std::size_t>(position_)];
     }
     base::Status ReadLearned(std::size_t field);
+    void Learn(std::size_t field);
+    void ForgetLearned();
+    base::Status ReadRow();
     base::Status CheckUnchanged(Table& table) const;
     base::Status WritePending(Table& table);
 
@@ -89,13 +95,16 @@ private:
     bool at_end_ = false;
     std::int64_t position_ = -1;  // -1: before the first row
 
-    // Values of the current row read so far. The fields asked for once are read together on the
-    // next row.
+    // Values of the current row, in the order of `learned_`: the fields that were asked for once are
+    // read together on the next row.
     std::vector<std::size_t> learned_;
+    std::vector<std::size_t> learned_columns_;  // in the table's design; empty: some are computed
+    std::vector<std::size_t> place_in_cache_;   // of each field; kNotLearned
     std::vector<Value> cache_;
     bool cache_valid_ = false;
     RowId cache_row_;
     std::uint64_t cache_changes_ = 0;
+    std::uint64_t met_changes_ = 0;  // when the walk met its row; kNeverMet once it is past it
 
     std::vector<Pending> pending_;
 };

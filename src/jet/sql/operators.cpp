@@ -1,12 +1,12 @@
 #include "jet/sql/operators.h"
 
-#include "jet/calendar_names.h"
 #include "jet/collation.h"
 #include "jet/conversions.h"
 #include "jet/decimal.h"
 #include "jet/errors.h"
 #include "jet/guid_text.h"
 #include "jet/sql/like.h"
+#include "jet/sql/plain_text.h"
 #include "jet/sql/sort_key.h"
 #include "jet/system_clock.h"
 #include "jet/value_number.h"
@@ -31,32 +31,9 @@ std::weak_ordering OrderNumbers(double a, double b) {
     return a > b ? std::weak_ordering::greater : std::weak_ordering::equivalent;
 }
 
-// The printable ASCII characters differ in their keys unless they are the same letter; so two texts
-// of them are equal exactly when they are so without regard to case and trailing blanks. Anything
-// else asks the collation.
-bool PlainUnit(char16_t c) {
-    return c >= 0x20 && c < 0x7F;
-}
-
-constexpr std::size_t kKeyUnits = 255;  // what counts of a text in a key
-
-// nullopt: the collation has to decide.
-std::optional<bool> QuickEqual(std::u16string_view a, std::u16string_view b) {
-    while (!a.empty() && a.back() == u' ')
-        a.remove_suffix(1);
-    while (!b.empty() && b.back() == u' ')
-        b.remove_suffix(1);
-    if (a.size() > kKeyUnits || b.size() > kKeyUnits) return std::nullopt;
-    const std::size_t common = std::min(a.size(), b.size());
-    bool equal = a.size() == b.size();
-    for (std::size_t i = 0; i < common; ++i) {
-        if (!PlainUnit(a[i]) || !PlainUnit(b[i])) return std::nullopt;
-        equal = equal && AsciiLower(a[i]) == AsciiLower(b[i]);
-    }
-    if (equal) return true;
-    const std::u16string_view rest = (a.size() > b.size() ? a : b).substr(common);
-    if (!std::all_of(rest.begin(), rest.end(), PlainUnit)) return std::nullopt;
-    return false;
+std::weak_ordering OrderTexts(std::u16string_view a, std::u16string_view b) {
+    const auto plain = ComparePlain(a, b);
+    return plain ? *plain : CompareText(a, b);
 }
 
 Result<Ordering> CompareDateAndText(double days, std::u16string_view text) {
@@ -233,7 +210,7 @@ Result<Ordering> Compare(const Value& a, const Value& b) {
     if (a.is_null() || b.is_null()) return Ordering();
     const auto* first = a.get_if<std::u16string>();
     const auto* second = b.get_if<std::u16string>();
-    if (first != nullptr && second != nullptr) return Ordering(CompareText(*first, *second));
+    if (first != nullptr && second != nullptr) return Ordering(OrderTexts(*first, *second));
     if (first != nullptr) return CompareTextWith(*first, b);
     if (second != nullptr) {
         ASSIGN_OR_RETURN(const Ordering order, CompareTextWith(*second, a));
@@ -244,13 +221,6 @@ Result<Ordering> Compare(const Value& a, const Value& b) {
 
 Result<Truth> CompareWith(Operator op, const Value& a, const Value& b) {
     if (op == Operator::kLike || op == Operator::kNotLike) return LikeTruth(op, a, b);
-    if (op == Operator::kEqual || op == Operator::kNotEqual) {
-        const auto* first = a.get_if<std::u16string>();
-        const auto* second = b.get_if<std::u16string>();
-        if (first != nullptr && second != nullptr)
-            if (const auto equal = QuickEqual(*first, *second))
-                return ToTruth(*equal == (op == Operator::kEqual));
-    }
     ASSIGN_OR_RETURN(const Ordering order, Compare(a, b));
     return order ? ToTruth(Holds(op, *order)) : Truth::kNull;
 }

@@ -42,8 +42,14 @@ std::optional<std::size_t> Query::TableColumn(std::size_t output) const {
 
 Result<std::string> Query::OrderKey(EvalContext& context) const {
     std::string key;
+    key.reserve(32 * select_.order_by.size());
     for (const OrderItem& order : select_.order_by) {
-        ASSIGN_OR_RETURN(const Value value, Evaluate(*order.expression, context));
+        const Expression& e = *order.expression;
+        if (IsColumn(e)) {
+            AppendSortKey((*context.rows)[e.source][e.slot], order.descending, key);
+            continue;
+        }
+        ASSIGN_OR_RETURN(const Value value, Evaluate(e, context));
         AppendSortKey(value, order.descending, key);
     }
     return key;

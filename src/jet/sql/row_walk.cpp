@@ -1,11 +1,26 @@
 #include "jet/sql/row_walk.h"
 
+#include <algorithm>
+
 namespace jet::sql {
 
 using base::Result;
+using base::Status;
+
+namespace {
+
+// One more than the last slot that the expression reads.
+std::size_t SlotsOf(const Expression& e) {
+    std::size_t slots = e.kind == NodeKind::kColumn ? e.slot + 1 : 0;
+    for (const ExpressionPtr& child : e.children)
+        slots = std::max(slots, SlotsOf(*child));
+    return slots;
+}
+
+}  // namespace
 
 RowWalk::RowWalk(const Source& source, const Expression* where, Session& session)
-    : source_(source), where_(where), rows_(1) {
+    : source_(source), where_(where), tested_(where != nullptr ? SlotsOf(*where) : 0), rows_(1) {
     rows_[0].resize(source.columns.size());
     context_ = {&session, &rows_, nullptr};
 }
@@ -25,10 +40,18 @@ Result<std::optional<RowId>> RowWalk::Next() {
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
         if (!row) return row;
-        if (!source_.columns.empty()) RETURN_IF_ERROR(cursor_->Read(source_.columns, rows_[0]));
+        RETURN_IF_ERROR(ReadColumns(0, tested_));
         ASSIGN_OR_RETURN(const bool keeps, Keeps());
-        if (keeps) return row;
+        if (!keeps) continue;
+        RETURN_IF_ERROR(ReadColumns(tested_, source_.columns.size()));
+        return row;
     }
+}
+
+Status RowWalk::ReadColumns(std::size_t from, std::size_t to) {
+    if (from == to) return Status::Ok();
+    return cursor_->Read(std::span(source_.columns).subspan(from, to - from),
+                         std::span(rows_[0]).subspan(from, to - from));
 }
 
 Result<bool> RowWalk::Keeps() {

@@ -3,6 +3,7 @@
 #include "base/byte_writer.h"
 #include "jet/collation.h"
 #include "jet/guid_text.h"
+#include "jet/sql/plain_text.h"
 #include "jet/value_number.h"
 
 #include <bit>
@@ -29,6 +30,7 @@ void AppendNumber(double number, std::string& key) {
 }
 
 void AppendText(std::u16string_view text, std::string& key) {
+    if (AppendPlainKey(text, key)) return;
     thread_local Bytes bytes;
     bytes.clear();
     AppendTextKey(text, bytes);

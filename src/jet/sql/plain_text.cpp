@@ -1,0 +1,84 @@
+#include "jet/sql/plain_text.h"
+
+#include "jet/collation.h"
+
+#include <algorithm>
+#include <array>
+
+namespace jet::sql {
+namespace {
+
+constexpr std::size_t kUnits = 128;
+constexpr std::size_t kKeyUnits = 255;  // what counts of a text
+
+// The one-byte weight of each character; 0: it is not plain. The weights come from the collation's
+// own keys: the key of a plain character is its weight, 01 (end of the weights), 00 (end of the
+// key).
+std::array<unsigned char, kUnits> MakeWeights() {
+    std::array<unsigned char, kUnits> weights{};
+    for (char16_t c = 0x20; c < 0x7F; ++c) {
+        // A blank at the end would not count, hence the x behind each.
+        const char16_t text[] = {c, u'x'};
+        Bytes key;
+        AppendTextKey(std::u16string_view(text, 2), key);
+        if (key.size() == 4 && key[0] > std::byte{1} && key[2] == std::byte{1})
+            weights[c] = std::to_integer<unsigned char>(key[0]);
+    }
+    return weights;
+}
+
+const std::array<unsigned char, kUnits>& Weights() {
+    static const std::array<unsigned char, kUnits> weights = MakeWeights();
+    return weights;
+}
+
+unsigned char WeightOf(const std::array<unsigned char, kUnits>& weights, char16_t unit) {
+    return unit < kUnits ? weights[unit] : 0;
+}
+
+std::u16string_view Counting(std::u16string_view text) {
+    text = text.substr(0, kKeyUnits);
+    while (!text.empty() && text.back() == u' ')
+        text.remove_suffix(1);
+    return text;
+}
+
+}  // namespace
+
+std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16string_view b) {
+    const auto& weights = Weights();
+    a = Counting(a);
+    b = Counting(b);
+    const std::size_t common = std::min(a.size(), b.size());
+    std::weak_ordering order = a.size() <=> b.size();
+    bool decided = false;
+    for (std::size_t i = 0; i < common; ++i) {
+        const unsigned char x = WeightOf(weights, a[i]);
+        const unsigned char y = WeightOf(weights, b[i]);
+        if (x == 0 || y == 0) return std::nullopt;
+        if (x == y || decided) continue;
+        order = x <=> y;
+        decided = true;
+    }
+    // Also what follows must be plain: a mark there could belong to the last common character.
+    for (const char16_t unit : (a.size() > b.size() ? a : b).substr(common))
+        if (WeightOf(weights, unit) == 0) return std::nullopt;
+    return order;
+}
+
+bool AppendPlainKey(std::u16string_view text, std::string& key) {
+    const auto& weights = Weights();
+    const std::size_t begin = key.size();
+    for (const char16_t unit : Counting(text)) {
+        const unsigned char weight = WeightOf(weights, unit);
+        if (weight == 0) {
+            key.resize(begin);
+            return false;
+        }
+        key += static_cast<char>(weight);
+    }
+    key.append("\1\0", 2);
+    return true;
+}
+
+}  // namespace jet::sql

@@ -1,0 +1,20 @@
+// Plain texts: printable ASCII whose characters have one weight each in the collation, which most
+// texts are. Their order and keys come straight from a table; for all others the collation itself
+// is asked.
+#pragma once
+
+#include <compare>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace jet::sql {
+
+// The order that the collation gives; nullopt: not both texts are plain.
+std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16string_view b);
+
+// Appends what AppendTextKey (jet/collation.h) would; false: the text is not plain, and `key` is as
+// before.
+bool AppendPlainKey(std::u16string_view text, std::string& key);
+
+}  // namespace jet::sql

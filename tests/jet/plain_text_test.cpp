@@ -1,0 +1,76 @@
+// The shortcut for plain texts must give what the collation gives.
+#include "jet/sql/plain_text.h"
+
+#include "base/unicode.h"
+#include "jet/collation.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+using jet::sql::AppendPlainKey;
+using jet::sql::ComparePlain;
+
+std::string KeyOf(std::u16string_view text) {
+    jet::Bytes bytes;
+    jet::AppendTextKey(text, bytes);
+    std::string key;
+    for (const std::byte b : bytes)
+        key += static_cast<char>(b);
+    return key;
+}
+
+std::u16string RandomText(std::mt19937& random, std::u16string_view alphabet) {
+    std::u16string text(random() % 6, u' ');
+    for (char16_t& unit : text)
+        unit = alphabet[random() % alphabet.size()];
+    return text;
+}
+
+TEST(PlainTextTest, LettersDigitsAndBlanksArePlain) {
+    std::string key;
+    EXPECT_TRUE(AppendPlainKey(u"Attack from Space 2", key));
+    EXPECT_EQ(key, KeyOf(u"Attack from Space 2"));
+}
+
+TEST(PlainTextTest, MarksAndAccentsAreNot) {
+    for (const char16_t* text : {u"co-op", u"O'Brien", u"caf\u00e9", u"\u0001"}) {
+        std::string key = "before";
+        EXPECT_FALSE(AppendPlainKey(text, key)) << base::ToUtf8(text);
+        EXPECT_EQ(key, "before");
+        EXPECT_FALSE(ComparePlain(text, u"a").has_value());
+        EXPECT_FALSE(ComparePlain(u"", text).has_value());
+    }
+}
+
+TEST(PlainTextTest, OrderAndKeysAreTheCollations) {
+    std::mt19937 random(1);
+    const std::u16string alphabet = u"aAbBzZ019 ._~!#$%&()*+,/:;<=>?@[\\]^{|}-'\u00e4\u0301";
+    int plain = 0;
+    for (int i = 0; i < 20000; ++i) {
+        const std::u16string a = RandomText(random, alphabet);
+        const std::u16string b = RandomText(random, alphabet);
+        std::string key;
+        if (AppendPlainKey(a, key)) {
+            ASSERT_EQ(key, KeyOf(a)) << base::ToUtf8(a);
+        }
+        const auto order = ComparePlain(a, b);
+        if (!order) continue;
+        ++plain;
+        ASSERT_EQ(*order, jet::CompareText(a, b)) << base::ToUtf8(a) << " and " << base::ToUtf8(b);
+    }
+    EXPECT_GT(plain, 1000);
+}
+
+TEST(PlainTextTest, OnlyTheFirst255CharactersCount) {
+    const std::u16string long_text(255, u'x');
+    EXPECT_EQ(ComparePlain(long_text + u"a", long_text + u"b"), std::weak_ordering::equivalent);
+    EXPECT_EQ(jet::CompareText(long_text + u"a", long_text + u"b"), std::weak_ordering::equivalent);
+    std::string key;
+    ASSERT_TRUE(AppendPlainKey(long_text + u"a", key));
+    EXPECT_EQ(key, KeyOf(long_text + u"a"));
+}
+
+}  // namespace
