@@ -19,7 +19,7 @@
 namespace {
 
 constexpr int kPollMs = 1;
-constexpr int kIdleMs = 40;  // without a tick of processor time: nothing is left to do
+constexpr int kIdleMs = 40;  // of waiting for events only: nothing is left to do
 constexpr int kLongestStartMs = 60'000;
 
 QString TitleOfTavolo() {
@@ -80,11 +80,17 @@ QByteArray ReadProc(qint64 process, const char* name) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// Clock ticks of processor time, user and system.
-qint64 ProcessorTicks(qint64 process) {
+struct Activity {
+    bool waiting = false;  // for an event; neither running nor ready to run
+    qint64 ticks = -1;     // processor time, user and system
+    bool operator==(const Activity&) const = default;
+};
+
+Activity ActivityOf(qint64 process) {
     const QByteArray stat = ReadProc(process, "stat");
     const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
-    return fields.size() > 12 ? fields[11].toLongLong() + fields[12].toLongLong() : -1;
+    if (fields.size() < 13) return {};
+    return {fields[0] == "S", fields[11].toLongLong() + fields[12].toLongLong()};
 }
 
 double PeakMegabytes(qint64 process) {
@@ -98,7 +104,7 @@ struct Start {
     double peak_megabytes = 0;
 };
 
-// The moment after which the process used no processor time for kIdleMs, its window being there.
+// The moment after which the process, its window being there, only waited for kIdleMs.
 Start StartProgram(const QString& folder, platform::WindowControl& windows) {
     QProcess program;
     program.setProcessEnvironment(CleanEnvironment(folder));
@@ -117,12 +123,12 @@ Start StartProgram(const QString& folder, platform::WindowControl& windows) {
         QThread::msleep(kPollMs);
     }
     Start start{elapsed(), 0};
-    qint64 ticks = ProcessorTicks(program.processId());
+    Activity before;
     while ((elapsed() - start.seconds) * 1000 < kIdleMs) {
         QThread::msleep(kPollMs);
-        const qint64 now = ProcessorTicks(program.processId());
-        if (now != ticks) start.seconds = elapsed();
-        ticks = now;
+        const Activity now = ActivityOf(program.processId());
+        if (now != before || !now.waiting) start.seconds = elapsed();
+        before = now;
     }
     start.peak_megabytes = PeakMegabytes(program.processId());
     program.kill();
