@@ -27,8 +27,16 @@ double SystemNow() {
     return DaysFromCivil(LocalNow());
 }
 
+// Comparing a date with a text asks once per row, and std::localtime looks at the time zone's file
+// each time: the answer is kept for a second.
 int CurrentYear() {
-    return LocalNow().year;
+    thread_local std::time_t known_at = -1;
+    thread_local int year = 0;
+    if (const std::time_t now = std::time(nullptr); now != known_at) {
+        year = LocalNow().year;
+        known_at = now;
+    }
+    return year;
 }
 
 }  // namespace jet
