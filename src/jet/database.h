@@ -61,7 +61,8 @@ public:
     virtual std::optional<base::Status> read_only_reason() const = 0;
 
     virtual base::Result<std::unique_ptr<RowCursor>> Scan() = 0;
-    // Rows of an index range in key order, or against it. Row ids only.
+    // Rows of an index range in key order, or against it: `from` and `to` are its ends in the order of the index, so in a
+    // descending column `from` has the larger value. Row ids only.
     // Requires: index < design().indexes.size(), and that index is maintainable.
     virtual base::Result<std::unique_ptr<RowCursor>> Range(std::size_t index, const KeyBound& from,
                                                            const KeyBound& to, bool backwards) = 0;

@@ -1,8 +1,7 @@
 #include "jet/index_page.h"
 
-#include "jet/bit_set_view.h"
-
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace jet {
@@ -13,6 +12,8 @@ int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
     const std::size_t size = std::min(a.size(), b.size());
     return size == 0 ? 0 : std::memcmp(a.data(), b.data(), size);
 }
+
+constexpr std::size_t kUsualEntries = 256;
 
 }  // namespace
 
@@ -38,16 +39,31 @@ std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> byt
     const std::span mask = bytes.subspan(format.index_mask_offset,
                                          format.index_entries_offset - format.index_mask_offset);
     const std::size_t tail_bytes = kRowIdBytes + (leaf ? 0 : kChildBytes);
-    for (std::size_t bit = FindSetBit(mask, 0); bit < mask.size() * 8;
-         bit = FindSetBit(mask, bit + 1)) {
-        if (bit > view.entries_.size()) return std::nullopt;
-        view.ends_.push_back(static_cast<std::uint16_t>(bit));
-        const std::size_t i = view.ends_.size() - 1;
-        const std::size_t whole = view.StoredBytes(i) + (i == 0 ? 0 : view.prefix_);
-        if (view.StoredBytes(i) == 0 || whole < tail_bytes) return std::nullopt;
-        if (i > 0 && !leaf && view.StoredBytes(i) < kChildBytes) return std::nullopt;
-        if (i == 0 && view.prefix_ > whole) return std::nullopt;
+    view.ends_.reserve(kUsualEntries);
+    std::size_t begin = 0;
+    bool sound = true;
+    const auto add = [&](std::size_t end) {
+        const std::size_t left_out = view.ends_.empty() ? 0 : view.prefix_;
+        const std::size_t stored = end - begin;
+        if (end > view.entries_.size() || stored == 0 || stored + left_out < tail_bytes ||
+            (left_out > 0 && !leaf && stored < kChildBytes) ||
+            (view.ends_.empty() && view.prefix_ > stored))
+            sound = false;
+        view.ends_.push_back(static_cast<std::uint16_t>(end));
+        begin = end;
+    };
+    // Eight bytes of the mask at a time; most of it is empty.
+    for (std::size_t at = 0; at < mask.size() && sound; at += 8) {
+        std::uint64_t word = 0;
+        if (mask.size() - at >= 8)
+            word = base::LoadLittle<std::uint64_t>(mask.data() + at);
+        else
+            for (std::size_t i = at; i < mask.size(); ++i)
+                word |= std::to_integer<std::uint64_t>(mask[i]) << (8 * (i - at));
+        for (; word != 0 && sound; word &= word - 1)
+            add(8 * at + static_cast<std::size_t>(std::countr_zero(word)));
     }
+    if (!sound) return std::nullopt;
     return view;
 }
 

@@ -59,21 +59,14 @@ base::Status IndexSet::Check(std::size_t index, const std::optional<Bytes>& key,
     return taken ? errors::DuplicateKey() : base::Status();
 }
 
-// The optimizer's statistics: how many different keys there are.
-base::Status IndexSet::CountNewKey(std::size_t index, const Bytes& key) {
-    if (!definition_.real_indexes[index].unique()) {
-        ASSIGN_OR_RETURN(const bool known, trees_[index]->HasOther(key, {}));
-        if (known) return {};
-    }
+base::Status IndexSet::Insert(std::size_t index, const std::optional<Bytes>& key, RowId row) {
+    if (!key) return {};
+    ASSIGN_OR_RETURN(const bool new_key, trees_[index]->Insert(*key, row));
+    if (!new_key) return {};
+    // The optimizer's statistics: how many different keys there are.
     ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(definition_.page));
     WriteDistinctKeys(page, file_.format, index, ReadDistinctKeys(page, file_.format, index) + 1);
     return {};
-}
-
-base::Status IndexSet::Insert(std::size_t index, const std::optional<Bytes>& key, RowId row) {
-    if (!key) return {};
-    RETURN_IF_ERROR(CountNewKey(index, *key));
-    return trees_[index]->Insert(*key, row);
 }
 
 base::Status IndexSet::Remove(std::size_t index, const std::optional<Bytes>& key, RowId row) {

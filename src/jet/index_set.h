@@ -34,7 +34,6 @@ public:
 
 private:
     bool IsPrimary(std::size_t index) const;
-    base::Status CountNewKey(std::size_t index, const Bytes& key);
 
     FileContext& file_;
     const TableDefinition& definition_;

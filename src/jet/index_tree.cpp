@@ -39,6 +39,24 @@ base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> tar
     return place;
 }
 
+base::Result<PageNumber> IndexTree::FindLeaf(std::span<const std::byte> target, Path& path) const {
+    PageNumber page = root_;
+    {
+        ASSIGN_OR_RETURN(const PageView root, file_.store.Read(root_));
+        if (root.bytes()[0] == static_cast<std::byte>(PageType::kIndexLeaf)) return page;
+    }
+    for (int level = kAnyLevel; level != 0;) {
+        ASSIGN_OR_RETURN(const Place place, Load(page, level));
+        if (place.view.is_leaf())
+            return errors::DamagedPage(page, "an index page of the wrong level");
+        const std::size_t child = place.view.LowerBound(target);
+        path.push_back({page, child});
+        page = child < place.view.count() ? place.view.Child(child) : place.view.tail();
+        level = place.view.level() - 1;
+    }
+    return page;
+}
+
 base::Result<IndexTree::Place> IndexTree::Seek(std::span<const std::byte> target) const {
     ASSIGN_OR_RETURN(Place place, Descend(target, nullptr));
     // A node's entry may be larger than the last one below it: then the answer is on the next leaf.

@@ -35,8 +35,8 @@ public:
     // True when some other row than `except` has exactly this key.
     base::Result<bool> HasOther(std::span<const std::byte> key, RowId except) const;
 
-    // 3047: the key is too long for the format.
-    base::Status Insert(std::span<const std::byte> key, RowId row);
+    // True: no entry beside the new one has the same key. 3047: the key is too long for the format.
+    base::Result<bool> Insert(std::span<const std::byte> key, RowId row);
     // False: there was no such entry.
     base::Result<bool> Remove(std::span<const std::byte> key, RowId row);
     // Finds the row's entry whatever its key is, by walking the leaves; for entries whose key was
@@ -64,6 +64,8 @@ private:
 
     base::Result<Place> Load(PageNumber page, int expected_level) const;
     base::Result<Place> Descend(std::span<const std::byte> target, Path* path) const;
+    // The leaf alone, without a look at it; `path` receives the nodes passed.
+    base::Result<PageNumber> FindLeaf(std::span<const std::byte> target, Path& path) const;
     base::Result<IndexPageImage> LoadImage(PageNumber page) const;
     base::Status WriteImage(PageNumber page, const IndexPageImage& image);
     base::Result<PageNumber> NewPage();

@@ -99,28 +99,31 @@ base::Status IndexTree::Create() {
     return WriteImage(root_, IndexPageImage());
 }
 
-base::Status IndexTree::Insert(std::span<const std::byte> key, RowId row) {
+base::Result<bool> IndexTree::Insert(std::span<const std::byte> key, RowId row) {
     Bytes entry(key.begin(), key.end());
     base::AppendBig(entry, row.page << 8 | row.slot);
     if (entry.size() > MaxEntryBytes(file_.format)) return errors::RecordTooLarge();
     Path path;
-    RETURN_IF_ERROR(Descend(entry, &path).status());
-    const PageNumber leaf = path.back().page;
-    path.pop_back();
+    ASSIGN_OR_RETURN(const PageNumber leaf, FindLeaf(entry, path));
     ++changes_;
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(leaf));
     const auto view = IndexPageView::Parse(bytes, file_.format, table_);
-    if (!view) return errors::DamagedPage(leaf, "not a page of this index");
+    if (!view || !view->is_leaf()) return errors::DamagedPage(leaf, "not a leaf of this index");
     const std::size_t position = view->LowerBound(entry);
     if (position < view->count() && view->Compare(position, entry) == 0)
         return errors::DamagedPage(leaf, "the index has an entry for a new row");
-    if (InsertInPlace(bytes, file_.format, *view, position, entry)) return {};
+    const auto has_key = [&](std::size_t i) {
+        return i < view->count() && view->EntryBytes(i) == entry.size() && view->StartsWith(i, key);
+    };
+    const bool is_new = !has_key(position) && (position == 0 || !has_key(position - 1));
+    if (InsertInPlace(bytes, file_.format, *view, position, entry)) return is_new;
     IndexPageImage image = IndexPageImage::Of(*view);
     image.entries.insert(image.entries.begin() + static_cast<std::ptrdiff_t>(position),
                          std::move(entry));
-    if (image.Write(bytes, file_.format, table_)) return {};
+    if (image.Write(bytes, file_.format, table_)) return is_new;
     const bool ascending = image.next == 0 && position + 1 == image.entries.size();
-    return Split(std::move(path), leaf, std::move(image), ascending);
+    RETURN_IF_ERROR(Split(std::move(path), leaf, std::move(image), ascending));
+    return is_new;
 }
 
 // `image` is what page `page` should hold and cannot; `path` leads to it from the root.

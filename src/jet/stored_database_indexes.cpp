@@ -100,7 +100,7 @@ base::Status StoredDatabase::BuildIndex(const TableDefinition& definition, std::
             return errors::DuplicateKey();
     }
     for (const IndexEntry& entry : entries)
-        RETURN_IF_ERROR(indexes.tree(real).Insert(entry.key, entry.row));
+        RETURN_IF_ERROR(indexes.tree(real).Insert(entry.key, entry.row).status());
     ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(definition.page));
     WriteDistinctKeys(page, file_.format, real, distinct);
     return {};
