@@ -48,10 +48,14 @@ QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folde
 }
 
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders) {
-    if (application_folder == folders.user_data) QDir().mkpath(application_folder);
-    QDir folder(application_folder);
-    if (!folder.exists() || !folder.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden))
-        return;
+    // The program's own folder is filled whatever it holds (nothing is overwritten); a folder that
+    // the user named only when it is empty, so that a missing catalogue is told and not replaced by
+    // an empty one.
+    const bool is_ours = application_folder == folders.user_data;
+    if (is_ours) QDir().mkpath(application_folder);
+    const QDir folder(application_folder);
+    if (!folder.exists()) return;
+    if (!is_ours && !folder.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) return;
     const auto copy = [&](const QString& source, const QString& name) {
         CopyDelivered(platform::FileIn(source, name), platform::FileIn(application_folder, name));
     };

@@ -90,6 +90,7 @@ private:
     DetailHost& host_;
     DetailControls controls_;
     bool loading_details_ = false;
+    bool shot_is_embedded_ = false;
     QStringView current_step_;
 };
 
@@ -124,6 +125,9 @@ void DetailPanel::Impl::ConnectButtons() {
 // that is seen to be damaged at once does: the pictures after it keep the placeholder.
 void DetailPanel::Impl::ConnectPictures() {
     QObject::connect(controls_.imgShot, &PictureBox::Undecodable, controls_.imgShot, [this] {
+        // An embedded screenshot is a second choice: its damage ends nothing. And another table may
+        // be shown by the time the queued signal arrives.
+        if (shot_is_embedded_ || !controls_.imgShot->shows_placeholder()) return;
         ShowPlaceholders({controls_.imgFlyer, controls_.imgRules});
     });
     QObject::connect(controls_.imgFlyer, &PictureBox::Undecodable, controls_.imgFlyer,
@@ -163,6 +167,7 @@ void DetailPanel::Impl::ShowRecord(const DetailRecord& record) {
 
 // A picture that cannot be decoded ends the work.
 void DetailPanel::Impl::ShowPictures() {
+    shot_is_embedded_ = false;
     if (!ShowPicture(controls_.imgShot, kImageFile, kLoadingScreenShot)) return;
     if (!ShowPicture(controls_.imgFlyer, kFlyerFile, kLoadingFlyer)) return;
     if (!ShowPicture(controls_.imgRules, kRulesFile, kLoadingRules)) return;
@@ -181,7 +186,9 @@ bool DetailPanel::Impl::ShowPicture(PictureBox* box, int field, QStringView step
 
 void DetailPanel::Impl::ShowEmbeddedScreenshot() {
     const auto bytes = tableinfo::LoadTableScreenshot(controls_.txtDet[kFileName].Text());
-    if (bytes) controls_.imgShot->SetPicture(PictureSource::Bytes(*bytes)).Ignore();
+    if (!bytes) return;
+    shot_is_embedded_ = true;
+    controls_.imgShot->SetPicture(PictureSource::Bytes(*bytes)).Ignore();
 }
 
 void DetailPanel::Impl::ShowPlaceholders(std::initializer_list<PictureBox*> boxes) {

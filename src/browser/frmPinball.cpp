@@ -180,6 +180,7 @@ void frmPinball::RestoreControls(const MainWindowSettings& settings) {
     order_bar_->SetOrderCaption(settings.order_by);
     tree_->SetSelectedNodeIndex(settings.last_play);
     filter_bar_->SetComparison(settings.comparison);
+    selection_->Remember({settings.filter, settings.sub, settings.comparison});
     catalogue_.values->SoundOn = settings.sound;
     catalogue_.values->MinimiseOnPlay = settings.minimise;
     catalogue_.values->LastPictureDir = settings.last_picture_folder;

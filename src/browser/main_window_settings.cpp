@@ -72,6 +72,7 @@ MainWindowSettings ReadSettings(platform::SettingsStore& store) {
     settings.filter = section.Text(QStringLiteral("FILTER"), settings.filter);
     settings.sub = section.Text(QStringLiteral("SUB"), {});
     settings.comparison = section.Text(QStringLiteral("OPERATOR"), settings.comparison);
+    if (settings.comparison.isEmpty()) settings.comparison = QStringLiteral("=");
     settings.sound = section.Flag(QStringLiteral("SOUND"));
     settings.minimise = section.Flag(QStringLiteral("MIN"));
     settings.last_tab =

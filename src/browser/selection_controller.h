@@ -42,6 +42,8 @@ public:
     // Shows what the controls say. An impossible value is reported and nothing is shown; a failing
     // query ends silently.
     void RefreshTree();
+    // The selection that the settings hold, before anything is shown.
+    void Remember(const AppliedSelection& saved) { applied_ = saved; }
     // Puts a saved selection into the controls.
     void RestoreFilter(const AppliedSelection& saved);
     const AppliedSelection& applied() const { return applied_; }

@@ -5,6 +5,7 @@
 #include <QtWidgets/QProgressBar>
 
 #include <algorithm>
+#include <limits>
 
 namespace browser {
 namespace {
@@ -29,7 +30,6 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     }
     prgLoad_ = new QProgressBar(this);
     prgLoad_->setObjectName(QStringLiteral("prgLoad"));
-    prgLoad_->setMaximum(kHundred);
     prgLoad_->setTextVisible(false);
     prgLoad_->setMaximumHeight(14);
     addWidget(prgLoad_, 1);
@@ -48,7 +48,10 @@ QString StatusPanels::PanelText(int panel) const {
 
 void StatusPanels::StartProgress(std::int64_t steps) {
     steps_ = std::max<std::int64_t>(steps, 1);
+    prgLoad_->setMaximum(
+        static_cast<int>(std::min<std::int64_t>(steps_, std::numeric_limits<int>::max())));
     prgLoad_->setValue(0);
+    hundredths_ = 0;
     for (QLabel* const panel : panels_)
         panel->hide();
     prgLoad_->show();
@@ -57,8 +60,9 @@ void StatusPanels::StartProgress(std::int64_t steps) {
 
 void StatusPanels::Advance(std::int64_t step) {
     const int hundredths = static_cast<int>(step * kHundred / steps_);
-    if (hundredths == prgLoad_->value()) return;
-    prgLoad_->setValue(hundredths);
+    if (hundredths == hundredths_) return;
+    hundredths_ = hundredths;
+    prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
     if (steps_ >= kWorthShowing && isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }

@@ -33,6 +33,7 @@ private:
     std::array<QLabel*, 4> panels_{};
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;
+    int hundredths_ = 0;
     bool in_progress_ = false;
 };
 

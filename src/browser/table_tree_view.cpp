@@ -48,7 +48,9 @@ void TableTreeView::mousePressEvent(QMouseEvent* event) {
 
 void TableTreeView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTreeView::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton) Q_EMIT DoubleClicked();
+    const QModelIndex hit = indexAt(event->position().toPoint());
+    const bool on_node = hit.isValid() && event->position().x() >= visualRect(hit).left();
+    if (event->button() == Qt::LeftButton && on_node) Q_EMIT DoubleClicked();
 }
 
 void TableTreeView::mouseReleaseEvent(QMouseEvent* event) {
@@ -74,6 +76,7 @@ void TableTreeView::showEvent(QShowEvent* event) {
 
 void TableTreeView::keyPressEvent(QKeyEvent* event) {
     const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (is_enter && event->isAutoRepeat()) return;  // one press, one play
     const bool is_character = is_enter || !event->text().isEmpty();
     if (is_enter)
         Q_EMIT EnterPressed();

@@ -31,10 +31,17 @@ void FillProcessValues(ProcessValues& values) {
                    [](QStringView name) { return name.toString(); });
 }
 
+// A semicolon would end the value.
+QString DataSource(const QString& path) {
+    if (!path.contains(u';')) return path;
+    return u'"' + QString(path).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
+
 base::Status OpenCatalogue(Catalogue& catalogue) {
     const QString connection_string =
         QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") +
-        platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb"));
+        DataSource(
+            platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb")));
     return catalogue.CatalogueConnection->Open(connection_string.toStdU16String());
 }
 

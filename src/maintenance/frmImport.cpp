@@ -63,6 +63,7 @@ QWidget* frmImport::BuildOptions() {
     Combo1_ = new QComboBox(panel);
     Combo1_->setObjectName(QStringLiteral("Combo1"));
     Combo1_->setEditable(true);
+    Combo1_->setCompleter(nullptr);  // a typed date is not the beginning of a listed one
     Combo1_->setInsertPolicy(QComboBox::NoInsert);
     Combo1_->setMinimumContentsLength(24);
 

@@ -1,11 +1,15 @@
 #include "pictures/dib_section.h"
 
+#include "base/cut_bitmap.h"
+
+#include <QtCore/QFile>
 #include <QtGui/QImage>
 #include <QtGui/QImageReader>
 
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <span>
 
 namespace pictures {
 namespace {
@@ -29,6 +33,15 @@ int ScanLine(int width, int channels) {
     return (channels * width + 3) & ~3;
 }
 
+bool IsCut(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return true;
+    const QByteArray header = file.read(base::kBitmapHeaderBytes);
+    return base::IsCutBitmap(
+        std::as_bytes(std::span(header.constData(), static_cast<std::size_t>(header.size()))),
+        file.size());
+}
+
 // A null image when the file is no BMP, claims a size that is out of reason, or ends early.
 QImage ReadBmp(const QString& path) {
     QImageReader reader(path, QByteArrayLiteral("bmp"));
@@ -37,6 +50,7 @@ QImage ReadBmp(const QString& path) {
     const QSize size = reader.size();
     if (size.height() < -kMostPixels || !IsReasonable(size.width(), std::abs(size.height()), 3))
         return {};
+    if (IsCut(path)) return {};
     reader.setAutoTransform(false);
     return reader.read().convertToFormat(QImage::Format_BGR888);
 }
@@ -59,10 +73,12 @@ bool cDIBSection::Create(int width, int height, int channels) {
 bool cDIBSection::Load(const QString& path, platform::UserPrompts& prompts) {
     CleanUp();
     const QImage image = ReadBmp(path);
-    if (image.isNull() || !Create(image.width(), image.height(), 3)) {
+    if (image.isNull()) {
         prompts.Ask({.text = QStringLiteral("Can't load BMP image"), .title = {}});
         return false;
     }
+    if (!Create(image.width(), image.height(), 3)) return false;
+    header_.biSizeImage = 0;  // may be 0 for plain rows, and is for a file that was read
     const auto row_bytes = static_cast<std::size_t>(3) * static_cast<std::size_t>(image.width());
     for (int row = 0; row < image.height(); ++row)
         std::memcpy(RowFromTop(row), image.constScanLine(row), row_bytes);

@@ -31,9 +31,9 @@ struct BitmapInfoHeader {
     bool operator==(const BitmapInfoHeader&) const = default;
 };
 
-// The most pixels that a picture may have here: 128 Mi, more than any screen or scanner gives,
-// little enough for memory.
-inline constexpr std::int64_t kMostPixels = std::int64_t{128} << 20;
+// The most pixels that a picture may have here: 64 Mi, more than any screen gives; what the BMP
+// reader takes at most.
+inline constexpr std::int64_t kMostPixels = std::int64_t{64} << 20;
 
 class cDIBSection {
 public:

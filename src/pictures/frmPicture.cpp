@@ -68,6 +68,7 @@ void frmPicture::BuildLayout() {
     scroll_->setWidget(view_);
     scroll_->setAlignment(Qt::AlignCenter);
     scroll_->setBackgroundRole(QPalette::Dark);
+    scroll_->setFocusProxy(view_);  // F2 works wherever the picture's surroundings are clicked
     status_ = new QStatusBar(this);
     status_->setObjectName(QStringLiteral("StatusCtl"));
 

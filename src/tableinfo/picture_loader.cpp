@@ -1,12 +1,13 @@
 #include "tableinfo/picture_loader.h"
 
+#include "base/cut_bitmap.h"
+
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
-#include <QtCore/QtEndian>
 #include <QtGui/QImageReader>
 
-#include <cstdlib>
 #include <memory>
+#include <span>
 
 namespace tableinfo {
 namespace {
@@ -30,24 +31,11 @@ std::unique_ptr<QIODevice> OpenSource(const PictureSource& source) {
     return device;
 }
 
-// Windows bitmap file header and info header: offset of the pixels at 10, width at 18, height at
-// 22, bits per pixel at 28, compression at 30 (0: rows as they are), all little-endian.
-constexpr qsizetype kBitmapHeaderBytes = 34;
-
-// The decoder hands out unwritten memory for rows that are missing, so they are counted here.
 bool IsCutBitmap(QIODevice& device) {
-    const QByteArray header = device.peek(kBitmapHeaderBytes);
-    if (header.size() < kBitmapHeaderBytes || !header.startsWith("BM")) return false;
-    const char* bytes = header.constData();
-    const qint64 info_bytes = qFromLittleEndian<quint32>(bytes + 14);
-    if (info_bytes < 40 || qFromLittleEndian<quint32>(bytes + 30) != 0) return false;
-    const qint64 width = qFromLittleEndian<qint32>(bytes + 18);
-    const qint64 height = std::abs(qint64{qFromLittleEndian<qint32>(bytes + 22)});
-    const qint64 bits = qFromLittleEndian<quint16>(bytes + 28);
-    const qint64 row_bytes = (width * bits + 31) / 32 * 4;
-    if (width <= 0 || height == 0 || row_bytes <= 0) return true;
-    const qint64 present = device.size() - qint64{qFromLittleEndian<quint32>(bytes + 10)};
-    return present / row_bytes < height;
+    const QByteArray header = device.peek(base::kBitmapHeaderBytes);
+    return base::IsCutBitmap(
+        std::as_bytes(std::span(header.constData(), static_cast<std::size_t>(header.size()))),
+        device.size());
 }
 
 // The fewest bits that a JPEG block of 8 x 8 samples takes, and six of them cover 16 x 16 pixels: a

@@ -1,5 +1,7 @@
 #include "tableinfo/table_info_dialog_logic.h"
 
+#include "base/trim_spaces.h"
+
 namespace tableinfo {
 namespace {
 
@@ -36,7 +38,7 @@ const QString& TextOf(const InfoTexts& texts, int box) {
 }
 
 bool IsBlank(const QString& text) {
-    return text.trimmed().isEmpty();
+    return base::TrimSpaces(text.toStdU16String()).empty();  // line ends and tabs are text
 }
 
 void CopyStream(const StreamReader& read_stream, const QString& stream_name, int field,

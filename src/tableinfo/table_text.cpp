@@ -10,17 +10,18 @@ bool IsControl(std::byte byte) {
     return c != 0 && c < 0x20 && c != '\t' && c != '\n' && c != '\r';
 }
 
-// Text of one byte per character has no control characters and few NULs; in 16-bit text of Western
-// languages most upper bytes are NUL, and in that of other languages they are small numbers.
+// In 16-bit text of Western languages most upper bytes are NUL, and in that of other alphabets they
+// are small numbers; text of one byte per character has few of either. NULs at the end are padding
+// of both kinds and tell nothing.
 bool LooksLikeUtf16(std::span<const std::byte> bytes) {
-    if (bytes.size() % 2 != 0) return false;
-    std::size_t zero_upper_bytes = 0;
-    std::size_t controls = 0;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (i % 2 == 1 && bytes[i] == std::byte{0}) ++zero_upper_bytes;
-        if (IsControl(bytes[i])) ++controls;
-    }
-    return zero_upper_bytes > bytes.size() / 4 || controls > 0;
+    while (bytes.size() >= 2 && bytes[bytes.size() - 1] == std::byte{0} &&
+           bytes[bytes.size() - 2] == std::byte{0})
+        bytes = bytes.first(bytes.size() - 2);
+    if (bytes.empty() || bytes.size() % 2 != 0) return false;
+    std::size_t small_upper_bytes = 0;
+    for (std::size_t i = 1; i < bytes.size(); i += 2)
+        if (bytes[i] == std::byte{0} || IsControl(bytes[i])) ++small_upper_bytes;
+    return small_upper_bytes > bytes.size() / 4;
 }
 
 QString FromUtf16(std::span<const std::byte> bytes) {

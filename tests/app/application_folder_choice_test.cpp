@@ -112,5 +112,14 @@ TEST_F(ApplicationFolderTest, ACatalogueBesideTheProgramIsNeverGivenAway) {
     EXPECT_EQ(Read(folder + QStringLiteral("/pinball.mdb")), "<missing>");
 }
 
+TEST_F(ApplicationFolderTest, TheUsersDataFolderIsFilledWhateverElseItHolds) {
+    Deliver();
+    ASSERT_TRUE(QDir().mkpath(folders.user_data));
+    Write(folders.user_data + QStringLiteral("/note.txt"), "mine");
+    PrepareFirstStart(folders.user_data, folders);
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/pinball.mdb")), "empty catalogue");
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/note.txt")), "mine");
+}
+
 }  // namespace
 }  // namespace app

@@ -624,5 +624,18 @@ TEST_F(MainWindowTest, TheCountPasses16Bits) {
     EXPECT_EQ(Tree()->currentIndex(), Table(kTables - 1));
 }
 
+TEST_F(MainWindowTest, AnEmptyCatalogueKeepsTheSavedOperator) {
+    Save(u"OPERATOR", u"<");
+    Open();
+    window->close();
+    EXPECT_EQ(Saved(u"OPERATOR"), S(u"<"));
+}
+
+TEST_F(MainWindowTest, AnEmptyCatalogueWritesTheDefaultOperator) {
+    Open();
+    window->close();
+    EXPECT_EQ(Saved(u"OPERATOR"), S(u"="));
+}
+
 }  // namespace
 }  // namespace browser

@@ -165,18 +165,73 @@ TEST_F(FreshFolder, ACutDatabaseIsRefusedOrOpensButIsNotMadeWorse) {
     EXPECT_EQ(Content(), before);
 }
 
+// A file system that lets nobody write, root included.
+class ReadOnlyFiles final : public jet::FileSystem {
+public:
+    explicit ReadOnlyFiles(jet::FileSystem& files) : files_(files) {}
+    base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
+                                                  jet::OpenMode mode) override {
+        if (mode != jet::OpenMode::kRead) return Refusal();
+        return files_.Open(path, mode);
+    }
+    bool Exists(const std::filesystem::path& path) override { return files_.Exists(path); }
+    base::Status Remove(const std::filesystem::path&) override { return Refusal(); }
+    base::Status Rename(const std::filesystem::path&, const std::filesystem::path&) override {
+        return Refusal();
+    }
+    base::Status SyncFolder(const std::filesystem::path& folder) override {
+        return files_.SyncFolder(folder);
+    }
+    std::string OwnerName() override { return files_.OwnerName(); }
+
+private:
+    static base::Status Refusal() { return {base::StatusCode::kPermissionDenied, "read only"}; }
+    jet::FileSystem& files_;
+};
+
 TEST_F(FreshFolder, AReadOnlyDatabaseOpensAndKeepsItsColumns) {
     MakeCatalogue();
     ExecuteAlone(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('kept')"));
     const QByteArray before = Content();
-    // Whoever runs the tests as root may write everything, so the engine is asked to read only.
-    values.ApplicationFolder = folder.path();
-    QFile::setPermissions(path, QFileDevice::ReadOwner);
+    ReadOnlyFiles read_only(*files);
+    jet::Connection reader(read_only);
+    catalogue.CatalogueConnection = &reader;
     const base::Status opened = Main(catalogue);
     ASSERT_TRUE(opened.ok()) << opened.message();
-    const auto rows = connection->Execute(u"Select DisplayName from Tables");
+    auto rows = reader.Execute(u"Select * from Tables");
+    ASSERT_TRUE(rows.ok()) << rows.status().message();
+    EXPECT_EQ(rows->FieldCount(), 12U);
+    EXPECT_EQ(FieldText(*rows, u"DisplayName"), QStringLiteral("kept"));
+    rows->Close();
+    ASSERT_TRUE(reader.Close().ok());
+    EXPECT_EQ(Content(), before);
+}
+
+TEST_F(FreshFolder, AnEmptyTextDateIsStampedToo) {
+    MakeCatalogue();
+    ExecuteAlone(QStringLiteral("Alter Table Tables ADD DateAdded VarChar(50) NULL"));
+    ExecuteAlone(QStringLiteral("INSERT INTO Tables (DisplayName, DateAdded) VALUES ('a', '')"));
+    ASSERT_TRUE(Main(catalogue).ok());
+    auto rows = connection->Execute(u"Select DateAdded from Tables");
     ASSERT_TRUE(rows.ok());
-    EXPECT_FALSE(rows->Eof());
+    EXPECT_EQ(FieldText(*rows, u"DateAdded"), MediumDate(clock.now));
+}
+
+TEST(StartUpTest, AFolderWithASemicolonInItsNameOpens) {
+    QTemporaryDir root;
+    const QString folder = root.filePath(QStringLiteral("a;b"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const auto files = platform::MakeFileSystem();
+    const QString path = folder + QStringLiteral("/pinball.mdb");
+    ASSERT_TRUE(CreateEmptyCatalogue(*files, path.toStdU16String(), 46000).ok());
+    jet::Connection connection(*files);
+    test_support::FakeSettings settings;
+    test_support::FakeClock clock;
+    ProcessValues values;
+    values.ApplicationFolder = folder;
+    Catalogue catalogue{&connection, &values, &settings, &clock};
+    const base::Status opened = Main(catalogue);
+    EXPECT_TRUE(opened.ok()) << opened.message();
 }
 
 TEST_F(FreshFolder, ADatabaseHeldByAnotherConnectionSaysSo) {

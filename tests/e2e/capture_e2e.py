@@ -44,6 +44,7 @@ def main():
 
             without_picture(program)
             save_and_set(program, desktop, work)
+            detail_line(program)
             save_only(program, desktop, work)
             program.close()
 
@@ -70,7 +71,7 @@ def save_and_set(program, desktop, work):
     program.picture("captured")
     program.menu("MENU_SIZE", "MENU_2")
     program.wait_window("Tavolo Capture - 400X300")
-    check_equal(program.text("StatusCtl") or "400X300", "400X300", "the size in the status bar")
+    check_equal(program.text("StatusCtl"), "400X300", "the size in the status bar")
     program.picture("reduced")
     program.click("view")
     program.press("F2")
@@ -79,6 +80,17 @@ def save_and_set(program, desktop, work):
     wait_for(lambda: program.text("txtDet_7") == str(work / "attack.jpg"), "the screenshot's path in the details")
     wait_for(lambda: program.visible("cboFilter")["enabled"], "the saved record")
     program.picture("set")
+
+
+def detail_line(program):
+    """A detail line is no table: there is a picture on the clipboard, and nothing happens."""
+    program.click_item("Attack")
+    program.press("Right")
+    program.click_item("Company: ")
+    program.press("F2")
+    program.click_item("Attack")
+    wait_for(lambda: program.text("txtDet_2") == "Attack", "the details after the detail line")
+    check(not any(w["title"].startswith("Tavolo Capture") for w in program.windows()), "a capture for a detail line")
 
 
 def save_only(program, desktop, work):

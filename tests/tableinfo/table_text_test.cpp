@@ -58,5 +58,16 @@ TEST(TableTextTest, LineEndsBelongToTheText) {
     EXPECT_EQ(Decode("one\r\n\ttwo"), QStringLiteral("one\r\n\ttwo"));
 }
 
+TEST(TableTextTest, PaddingWithNulsTellsNothing) {
+    EXPECT_EQ(Decode({"Attack\0\0\0\0\0\0\0\0\0\0", 16}), QStringLiteral("Attack"));
+}
+
+TEST(TableTextTest, AControlCharacterDoesNotMakeSixteenBits) {
+    EXPECT_EQ(Decode("A\x0C"
+                     "BC"),
+              QStringLiteral("A\x0C"
+                             "BC"));
+}
+
 }  // namespace
 }  // namespace tableinfo

@@ -1,5 +1,5 @@
 // The sound in a RIFF WAVE file: uncompressed samples of 8, 16, 24 or 32 bits or 32-bit floating
-// point. Source of the format: "Multimedia Programming Interface and Data Specifications 1.0" (IBM
+// point. Source of the format: RIFF WAVE (IBM
 // and Microsoft, 1991), and for the extensible format tag "Multiple Channel Audio Data and WAVE
 // Files" (Microsoft, 2001).
 #pragma once

@@ -28,6 +28,7 @@
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QProgressBar>
+#include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTabBar>
 #include <QtWidgets/QTreeView>
 
@@ -42,6 +43,7 @@ QJsonObject RectOf(const QPoint& top_left, const QSize& size) {
 
 QString TextOf(const QWidget& widget) {
     if (const auto* box = qobject_cast<const QMessageBox*>(&widget)) return box->text();
+    if (const auto* bar = qobject_cast<const QStatusBar*>(&widget)) return bar->currentMessage();
     if (const auto* combo = qobject_cast<const QComboBox*>(&widget)) return combo->currentText();
     for (const char* property : {"text", "plainText", "title", "windowTitle"}) {
         const QVariant value = widget.property(property);
