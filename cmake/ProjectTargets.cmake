@@ -41,16 +41,16 @@ function(add_unit_test name)
     else()
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
     endif()
-    set(platform_of_windows offscreen)
+    # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
+    set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0 TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared)
     if(T_DISPLAY)
-        set(platform_of_windows xcb)
-        set_target_properties(${name} PROPERTIES
-            CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with_display.sh)
+        list(APPEND launcher QT_QPA_PLATFORM=xcb ${CMAKE_SOURCE_DIR}/tests/support/with_display.sh)
     elseif(T_SOUND)
-        set_target_properties(${name} PROPERTIES
-            CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with_sound_server.sh)
+        list(APPEND launcher QT_QPA_PLATFORM=offscreen ${CMAKE_SOURCE_DIR}/tests/support/with_sound_server.sh)
+    else()
+        list(APPEND launcher QT_QPA_PLATFORM=offscreen)
     endif()
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${launcher}")
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT ${T_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=${platform_of_windows};LC_ALL=C.UTF-8;TZ=UTC0;TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared")
+        PROPERTIES TIMEOUT ${T_TIMEOUT})
 endfunction()

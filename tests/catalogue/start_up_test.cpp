@@ -2,6 +2,7 @@
 #include "catalogue/pin_subs.h"
 #include "support/catalogue_fixture.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 
 #include <filesystem>
