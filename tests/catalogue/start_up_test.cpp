@@ -218,7 +218,7 @@ TEST_F(FreshFolder, AnEmptyTextDateIsStampedToo) {
     EXPECT_EQ(FieldText(*rows, u"DateAdded"), MediumDate(clock.now));
 }
 
-TEST(StartUpTest, AFolderWithASemicolonInItsNameOpens) {
+TEST(StartUpFolderTest, AFolderWithASemicolonInItsNameOpens) {
     QTemporaryDir root;
     const QString folder = root.filePath(QStringLiteral("a;b"));
     ASSERT_TRUE(QDir().mkpath(folder));

@@ -68,9 +68,15 @@ TEST_F(CopyIntoDetailsTest, EveryTextGoesIntoItsFieldAndTheRulesAreSavedLast) {
 
 TEST_F(CopyIntoDetailsTest, BlankTextsAreLeftOutAndTheDetailsAreSavedAllTheSame) {
     texts[0] = QStringLiteral("  ");
-    texts[8] = QStringLiteral("\r\n");
+    texts[8] = QStringLiteral(" ");
     Copy();
     EXPECT_EQ(details.steps, QStringList{QStringLiteral("Save")});
+}
+
+TEST_F(CopyIntoDetailsTest, ALineEndIsText) {
+    texts[8] = QStringLiteral("\r\n");
+    Copy();
+    EXPECT_EQ(details.steps.last(), QStringLiteral("SaveRules"));
 }
 
 TEST_F(CopyIntoDetailsTest, TextsAreCopiedWithTheirBlanks) {
