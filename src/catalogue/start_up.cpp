@@ -1,4 +1,5 @@
 // Main: how the program's data come to life.
+#include "catalogue/data_source.h"
 #include "catalogue/pin_subs.h"
 #include "catalogue/table_info_names.h"
 #include "platform/application_folder.h"
@@ -31,18 +32,11 @@ void FillProcessValues(ProcessValues& values) {
                    [](QStringView name) { return name.toString(); });
 }
 
-// A semicolon would end the value.
-QString DataSource(const QString& path) {
-    if (!path.contains(u';')) return path;
-    return u'"' + QString(path).replace(u'"', QStringLiteral("\"\"")) + u'"';
-}
-
 base::Status OpenCatalogue(Catalogue& catalogue) {
-    const QString connection_string =
-        QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") +
-        DataSource(
-            platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb")));
-    return catalogue.CatalogueConnection->Open(connection_string.toStdU16String());
+    const QString path =
+        platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb"));
+    return catalogue.CatalogueConnection->Open(u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
+                                               DataSourceValue(path.toStdU16String()));
 }
 
 void AddMissingColumns(jet::Connection& connection) {

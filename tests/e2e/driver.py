@@ -104,6 +104,7 @@ class Desktop:
                                         stderr=subprocess.DEVNULL)
         wait_for(lambda: "WM_NAME" in self._root_property("_NET_SUPPORTING_WM_CHECK") or
                  "window id" in self._root_property("_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        wait_for(self._manager_obeys, "the window manager to listen")
         return self
 
     def __exit__(self, *exception):
@@ -111,6 +112,11 @@ class Desktop:
             process.terminate()
             process.wait()
         shutil.rmtree(self.home, ignore_errors=True)
+
+    def _manager_obeys(self):
+        """It announces itself before it listens, and a message that comes in between is lost."""
+        subprocess.run(["wmctrl", "-n", "2"], env=self.env, capture_output=True)
+        return self._root_property("_NET_NUMBER_OF_DESKTOPS").strip().endswith("= 2")
 
     def _root_property(self, name):
         return subprocess.run(["xprop", "-root", name], env=self.env, capture_output=True, text=True).stdout

@@ -48,6 +48,12 @@ unset WAYLAND_DISPLAY
 openbox --sm-disable >"$work/manager.log" 2>&1 &
 manager=$!
 wait_until "openbox does not start" wmctrl -m
+# It announces itself before it listens: a message that comes in between is lost. When it obeys, it listens.
+obeys() {
+    wmctrl -n 2
+    xprop -root _NET_NUMBER_OF_DESKTOPS | grep -q '= 2$'
+}
+wait_until "openbox does not listen" obeys
 
 "$@" &
 command=$!
