@@ -136,6 +136,13 @@ void WriteColumnProperties(const ColumnDesign& design, PropertyBlob& properties)
     if ((is_text && !design.allow_zero_length) ||
         properties.Find(design.name, u"AllowZeroLength") != nullptr)
         properties.SetBoolean(design.name, u"AllowZeroLength", design.allow_zero_length);
+    WriteRule(design.name, design.validation_rule, design.validation_text, properties);
+}
+
+void WriteRule(std::u16string_view column, const std::optional<std::u16string>& rule,
+               const std::optional<std::u16string>& text, PropertyBlob& properties) {
+    if (rule) properties.SetText(column, u"ValidationRule", ColumnType::kMemo, *rule);
+    if (text) properties.SetText(column, u"ValidationText", ColumnType::kText, *text);
 }
 
 std::uint8_t IndexFlagsOf(const FileContext& file, const IndexDesign& design) {

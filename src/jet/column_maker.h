@@ -18,6 +18,9 @@ base::Status AppendColumn(const FileContext& file, const ColumnDesign& design,
 // Property names that a table's blob has for a column's rules.
 class PropertyBlob;
 void WriteColumnProperties(const ColumnDesign& design, PropertyBlob& properties);
+// A validation rule, of the table where `column` is empty. nullopt leaves what is there.
+void WriteRule(std::u16string_view column, const std::optional<std::u16string>& rule,
+               const std::optional<std::u16string>& text, PropertyBlob& properties);
 
 // Index flags as the format stores them.
 std::uint8_t IndexFlagsOf(const FileContext& file, const IndexDesign& design);

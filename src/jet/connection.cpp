@@ -7,6 +7,7 @@
 #include "jet/recordset_impl.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/parser.h"
+#include "jet/sql/rule_maker.h"
 #include "jet/system_clock.h"
 
 #include "base/unicode.h"
@@ -61,6 +62,7 @@ Status Connection::Impl::Open(std::u16string_view connection_string) {
 void Connection::Impl::Adopt(std::unique_ptr<Database> database) {
     database_ = std::move(database);
     session_.database = database_.get();
+    database_->UseRowRules(std::make_unique<const sql::RuleMaker>(session_.clock));
     session_.identity = 0;
     session_.StartStatement();
     ++changes_;

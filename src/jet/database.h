@@ -8,6 +8,7 @@
 
 #include "base/status.h"
 #include "jet/page_store.h"
+#include "jet/row_rules.h"
 #include "jet/schema.h"
 #include "jet/value.h"
 
@@ -103,6 +104,10 @@ public:
     virtual base::Status DropColumn(std::u16string_view table, std::u16string_view column) = 0;
     virtual base::Status CreateIndex(std::u16string_view table, const IndexDesign& index) = 0;
     virtual base::Status DropIndex(std::u16string_view table, std::u16string_view index) = 0;
+
+    // Who makes the tests of validation rules. Until then, tables that have rules can only be read. To be called
+    // before the first FindTable.
+    virtual void UseRowRules(std::unique_ptr<const RowRuleMaker> maker) = 0;
 
     virtual base::Status Flush() = 0;
     virtual base::Status Close() = 0;

@@ -111,6 +111,9 @@ constexpr ErrorText kErrors[] = {
      "The field '|' cannot contain a Null value because the Required property for this field is "
      "set to True. Enter a value in this field."},
     {3315, StatusCode::kConstraint, "Field '|' cannot be a zero-length string."},
+    {3317, StatusCode::kConstraint,
+     "One or more values are prohibited by the validation rule '|' set for '|'. Enter a value that "
+     "the expression for this field can accept."},
     {3343, StatusCode::kUnsupported, "Unrecognized database format '|'."},
     {3346, StatusCode::kInvalidArgument,
      "Number of query values and destination fields are not the same."},

@@ -25,6 +25,11 @@ struct ColumnDesign {
     bool fixed_text = false;  // CHAR(n): space padded
     // Expression text of the value that an insert gives when it does not name the column; nullopt: none.
     std::optional<std::u16string> default_value;
+    // Expression text that each value must satisfy; it may leave out the column's name in front of
+    // an operator (">0"). nullopt: none.
+    std::optional<std::u16string> validation_rule;
+    // What the user is told instead of the engine's own text when the rule is broken.
+    std::optional<std::u16string> validation_text;
     bool operator==(const ColumnDesign&) const = default;
 };
 
@@ -51,6 +56,9 @@ struct TableDesign {
     std::u16string name;
     std::vector<ColumnDesign> columns;  // in the order shown to a user
     std::vector<IndexDesign> indexes;
+    // As of a column, over the columns of each row.
+    std::optional<std::u16string> validation_rule;
+    std::optional<std::u16string> validation_text;
 };
 
 }  // namespace jet

@@ -26,6 +26,7 @@ base::Result<StoredTable*> StoredDatabase::OpenTable(const CatalogEntry& entry) 
     ASSIGN_OR_RETURN(const PropertyBlob properties, catalog_.Properties(entry));
     ASSIGN_OR_RETURN(auto table, StoredTable::Open(file_, *this, page, entry.name, properties));
     StoredTable* opened = table.get();
+    opened->UseRules(rule_maker_.get());
     tables_[page] = std::move(table);
     return opened;
 }
@@ -44,6 +45,11 @@ base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
     if (entry == nullptr) return errors::NoSuchTable(name);
     ASSIGN_OR_RETURN(StoredTable * table, OpenTable(*entry));
     return static_cast<Table*>(table);
+}
+
+void StoredDatabase::UseRowRules(std::unique_ptr<const RowRuleMaker> maker) {
+    tables_.clear();  // they learn their rules when they are opened
+    rule_maker_ = std::move(maker);
 }
 
 base::Status StoredDatabase::Begin() {

@@ -39,6 +39,8 @@ public:
     base::Status CreateIndex(std::u16string_view table, const IndexDesign& index) override;
     base::Status DropIndex(std::u16string_view table, std::u16string_view index) override;
 
+    void UseRowRules(std::unique_ptr<const RowRuleMaker> maker) override;
+
     base::Status Flush() override { return pages_->Flush(); }
     base::Status Close() override;
     PageStore& pages() override { return *pages_; }
@@ -75,12 +77,14 @@ private:
                                std::size_t position, const ColumnDesign& design);
     base::Status ConvertValues(const TableDefinition& definition, const ColumnDesign& design,
                                std::uint16_t from, std::uint16_t to);
+    bool RulesNeed(const TableDesign& design, std::u16string_view column) const;
     base::Status RemoveColumn(TableDefinition& definition, std::uint16_t number, MapRows& maps);
     base::Result<std::vector<RowId>> AllRows(const TableDefinition& definition);
 
     std::unique_ptr<PageStore> pages_;
     FileContext file_;
     Catalog catalog_;
+    std::unique_ptr<const RowRuleMaker> rule_maker_;             // nullptr: not known yet
     std::map<PageNumber, std::unique_ptr<StoredTable>> tables_;  // by definition page
     std::set<PageNumber> changed_;  // tables whose design the open transaction has changed
 };

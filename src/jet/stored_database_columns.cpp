@@ -215,6 +215,16 @@ base::Status StoredDatabase::RemoveColumn(TableDefinition& definition, std::uint
     return {};
 }
 
+// True: a rule other than the column's own would not be understood any more.
+bool StoredDatabase::RulesNeed(const TableDesign& design, std::u16string_view column) const {
+    if (rule_maker_ == nullptr || !HasRules(design) || !rule_maker_->Make(design).ok())
+        return false;
+    TableDesign rest = design;
+    std::erase_if(rest.columns,
+                  [&](const ColumnDesign& known) { return SameName(known.name, column); });
+    return !rule_maker_->Make(rest).ok();
+}
+
 base::Status StoredDatabase::DropColumn(std::u16string_view table, std::u16string_view column) {
     ASSIGN_OR_RETURN(const CatalogEntry entry, RequireTable(table));
     ASSIGN_OR_RETURN(TableDefinition definition, ReadDefinition(entry));
@@ -223,6 +233,8 @@ base::Status StoredDatabase::DropColumn(std::u16string_view table, std::u16strin
     const std::uint16_t number = definition.columns[*position].number;
     if (definition.columns.size() == 1) return errors::NoFieldDefined();
     if (IsIndexed(definition, number)) return errors::FieldInUse(column);
+    ASSIGN_OR_RETURN(const StoredTable* open, OpenTable(entry));
+    if (RulesNeed(open->design(), column)) return errors::FieldInUse(column);
     MapRows maps(file_, definition);
     RETURN_IF_ERROR(RemoveColumn(definition, number, maps));
     RETURN_IF_ERROR(FinishChange(entry, definition));

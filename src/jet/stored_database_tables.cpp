@@ -50,6 +50,7 @@ base::Status StoredDatabase::CreateTable(const TableDesign& design) {
         ASSIGN_OR_RETURN(long_values.free, maps.Add());
         definition.long_values.push_back(long_values);
     }
+    WriteRule({}, design.validation_rule, design.validation_text, properties);
     const std::vector<std::size_t> positions = ShownOrder(definition);
     for (const IndexDesign& index : design.indexes)
         RETURN_IF_ERROR(AddIndex(definition, index, positions, maps));

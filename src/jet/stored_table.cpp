@@ -28,6 +28,18 @@ base::Result<std::unique_ptr<StoredTable>> StoredTable::Open(FileContext& file, 
     return table;
 }
 
+void StoredTable::UseRules(const RowRuleMaker* maker) {
+    if (!HasRules(design_)) return;
+    base::Result<std::unique_ptr<RowRules>> made = base::Status(
+        base::StatusCode::kUnsupported, "Table '" + base::ToUtf8(design_.name) +
+                                            "' has validation rules, which nobody here can test.");
+    if (maker != nullptr) made = maker->Make(design_);
+    if (made.ok())
+        rules_ = std::move(made).value();
+    else if (!read_only_reason_)
+        read_only_reason_ = errors::ReadOnlyBecause(made.status().message());
+}
+
 std::size_t StoredTable::ShownPosition(std::uint16_t column_number) const {
     const auto found = std::ranges::find_if(positions_, [&](std::size_t position) {
         return definition_.columns[position].number == column_number;

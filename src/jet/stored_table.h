@@ -43,6 +43,9 @@ public:
     const IndexSet& indexes() const { return indexes_; }
     // Position among the shown columns. Requires: there is such a column number.
     std::size_t ShownPosition(std::uint16_t column_number) const;
+    // Makes the tests of the design's validation rules; nullptr: nobody can. A rule that cannot be
+    // tested makes the table read only.
+    void UseRules(const RowRuleMaker* maker);
     // What is remembered of pages is forgotten; to be called after a rollback.
     void Forget() { rows_.Forget(); }
 
@@ -56,6 +59,10 @@ private:
     base::Status CheckWritable() const;
     // The value as the column stores it, by the column's own rules.
     base::Status Prepare(std::size_t shown, Value& value) const;
+    // 3317. `values` and `changed` go with definition_.columns; those that did not change are read
+    // from the row as it is stored.
+    base::Status CheckRules(RowId row, std::span<const Value> values,
+                            const std::vector<bool>& changed);
     base::Status FillAutonumbers(std::span<Value> shown_values);
     base::Status CountRow(int change, std::span<const Value> shown_values);
     // All columns of a row, in the order of definition_.columns; long values only where an index
@@ -85,6 +92,7 @@ private:
     std::vector<std::size_t> positions_;  // of the shown columns among definition_.columns
     TableDesign design_;
     std::optional<base::Status> read_only_reason_;
+    std::unique_ptr<const RowRules> rules_;  // nullptr: none
     int cascade_depth_ = 0;
 };
 

@@ -30,6 +30,22 @@ base::Status StoredTable::Prepare(std::size_t shown, Value& value) const {
     return {};
 }
 
+base::Status StoredTable::CheckRules(RowId row, std::span<const Value> values,
+                                     const std::vector<bool>& changed) {
+    if (rules_ == nullptr) return {};
+    std::vector<Value> shown(design_.columns.size());
+    std::vector<bool> shown_changed(shown.size());
+    for (std::size_t i = 0; i < shown.size(); ++i)
+        shown_changed[i] = changed[positions_[i]];
+    for (const std::size_t column : rules_->columns()) {
+        if (shown_changed[column])
+            shown[column] = values[positions_[column]];
+        else
+            RETURN_IF_ERROR(Read(row, std::span(&column, 1), std::span(shown).subspan(column, 1)));
+    }
+    return rules_->Check(shown, shown_changed);
+}
+
 base::Status StoredTable::FillAutonumbers(std::span<Value> values) {
     for (std::size_t i = 0; i < values.size(); ++i) {
         const ColumnDesign& column = design_.columns[i];
@@ -73,6 +89,7 @@ base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
     std::vector<Value> stored(values.size());
     for (std::size_t i = 0; i < values.size(); ++i)
         stored[positions_[i]] = values[i];
+    RETURN_IF_ERROR(CheckRules({}, stored, std::vector<bool>(stored.size(), true)));
 
     ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(stored));
     for (std::size_t index = 0; index < keys.size(); ++index)
@@ -116,6 +133,7 @@ base::Status StoredTable::Update(RowId row, std::span<const ColumnChange> change
 // `values`: those of the index columns, and the new ones. Requires: each fits its column.
 base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
                                         std::vector<bool> changed) {
+    RETURN_IF_ERROR(CheckRules(row, values, changed));
     ASSIGN_OR_RETURN(const std::vector<Value> before, ReadKeyColumns(row));
     ASSIGN_OR_RETURN(const IndexSet::Keys old_keys, indexes_.KeysOf(before));
     ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));

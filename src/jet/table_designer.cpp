@@ -10,6 +10,14 @@ namespace {
 
 constexpr std::uint8_t kCompressedText = 0x01;
 
+// nullopt: there is none, or it is empty.
+std::optional<std::u16string> TextProperty(const PropertyBlob& properties,
+                                           std::u16string_view column, std::u16string_view name) {
+    auto text = properties.Text(column, name);
+    if (text && text->empty()) text.reset();
+    return text;
+}
+
 ColumnDesign ColumnDesignOf(const FileContext& file, const ColumnDefinition& column,
                             const PropertyBlob& properties) {
     ColumnDesign design;
@@ -28,8 +36,9 @@ ColumnDesign ColumnDesignOf(const FileContext& file, const ColumnDefinition& col
     design.fixed_text = column.type == ColumnType::kText && column.is_fixed();
     design.required = properties.Boolean(column.name, u"Required").value_or(false);
     design.allow_zero_length = properties.Boolean(column.name, u"AllowZeroLength").value_or(true);
-    design.default_value = properties.Text(column.name, u"DefaultValue");
-    if (design.default_value && design.default_value->empty()) design.default_value.reset();
+    design.default_value = TextProperty(properties, column.name, u"DefaultValue");
+    design.validation_rule = TextProperty(properties, column.name, u"ValidationRule");
+    design.validation_text = TextProperty(properties, column.name, u"ValidationText");
     return design;
 }
 
@@ -82,6 +91,8 @@ TableDesign DesignOf(const FileContext& file, const TableDefinition& definition,
         design.columns.push_back(ColumnDesignOf(file, definition.columns[position], properties));
     for (const LogicalIndex& index : definition.logical_indexes)
         design.indexes.push_back(IndexDesignOf(file, definition, positions, index));
+    design.validation_rule = TextProperty(properties, {}, u"ValidationRule");
+    design.validation_text = TextProperty(properties, {}, u"ValidationText");
     return design;
 }
 

@@ -45,6 +45,9 @@ class MemoryTable : public jet::Table {
 public:
     explicit MemoryTable(jet::TableDesign design) : design_(std::move(design)) {}
 
+    // Borrowed; nullptr: validation rules are not tested.
+    void UseRules(const jet::RowRuleMaker* maker) { rule_maker_ = maker; }
+
     jet::TableDesign& mutable_design() { return design_; }
     RowMap& rows() { return rows_; }
     // Ranges walked since the table was made, so that a test can tell whether an index was used.
@@ -101,6 +104,7 @@ public:
             if (column.required && values[i].is_null()) return jet::JetError(3314, column.name);
         }
         std::vector<jet::Value> row(values.begin(), values.end());
+        RETURN_IF_ERROR(CheckRules(row, std::vector<bool>(row.size(), true)));
         RETURN_IF_ERROR(CheckUnique(row, jet::RowId{}));
         const jet::RowId id{1 + next_ / 200, static_cast<std::uint8_t>(next_ % 200)};
         ++next_;
@@ -111,10 +115,13 @@ public:
         const auto found = rows_.find(row);
         if (found == rows_.end()) return jet::JetError(3167);
         std::vector<jet::Value> changed = found->second;
+        std::vector<bool> marks(changed.size());
         for (const jet::ColumnChange& change : changes) {
             ASSIGN_OR_RETURN(changed[change.column],
                              jet::Coerce(change.value, design_.columns[change.column]));
+            marks[change.column] = true;
         }
+        RETURN_IF_ERROR(CheckRules(changed, marks));
         RETURN_IF_ERROR(CheckUnique(changed, row));
         found->second = std::move(changed);
         return base::Status::Ok();
@@ -136,6 +143,12 @@ private:
             jet::sql::AppendSortKey(bound.values[i], !index.columns[i].ascending, key);
         return key;
     }
+    base::Status CheckRules(const std::vector<jet::Value>& row,
+                            const std::vector<bool>& changed) const {
+        if (rule_maker_ == nullptr) return base::Status::Ok();
+        ASSIGN_OR_RETURN(const auto rules, rule_maker_->Make(design_));
+        return rules == nullptr ? base::Status::Ok() : rules->Check(row, changed);
+    }
     base::Status CheckUnique(const std::vector<jet::Value>& row, jet::RowId self) const {
         for (const jet::IndexDesign& index : design_.indexes) {
             if (!index.unique && !index.primary) continue;
@@ -150,6 +163,7 @@ private:
     std::uint32_t next_ = 0;
     std::int32_t autonumber_ = 0;
     int ranges_ = 0;
+    const jet::RowRuleMaker* rule_maker_ = nullptr;
 };
 
 class MemoryDatabase : public jet::Database {
@@ -196,6 +210,7 @@ public:
     base::Status CreateTable(const jet::TableDesign& design) override {
         if (FindTable(design.name).ok()) return jet::JetError(3010, design.name);
         tables_.push_back(std::make_unique<MemoryTable>(design));
+        tables_.back()->UseRules(rule_maker_.get());
         return base::Status::Ok();
     }
     base::Status DropTable(std::u16string_view name) override {
@@ -246,6 +261,12 @@ public:
         return erased == 1 ? base::Status::Ok() : jet::JetError(3372, index, name);
     }
 
+    void UseRowRules(std::unique_ptr<const jet::RowRuleMaker> maker) override {
+        rule_maker_ = std::move(maker);
+        for (const auto& table : tables_)
+            table->UseRules(rule_maker_.get());
+    }
+
     base::Status Flush() override { return base::Status::Ok(); }
     base::Status Close() override { return base::Status::Ok(); }
     jet::PageStore& pages() override { return *pages_; }
@@ -257,6 +278,7 @@ private:
 
     std::vector<std::unique_ptr<MemoryTable>> tables_;
     std::vector<std::unique_ptr<MemoryTable>> saved_;
+    std::unique_ptr<const jet::RowRuleMaker> rule_maker_;
     std::unique_ptr<jet::PageStore> pages_ = jet::MakeMemoryPageStore(4096, {});
     bool read_only_ = false;
     bool in_transaction_ = false;

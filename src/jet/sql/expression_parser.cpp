@@ -3,8 +3,10 @@
 #include "jet/calendar_names.h"
 #include "jet/errors.h"
 #include "jet/sql/lexer.h"
+#include "jet/sql/like.h"
 #include "jet/sql/parser.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace jet::sql {
@@ -100,6 +102,39 @@ std::optional<Value> WordLiteral(std::u16string_view word) {
 
 }  // namespace
 
+// A pattern with the wildcards of designs, in those of statements.
+ExpressionPtr WithStars(ExpressionPtr pattern) {
+    const auto* text =
+        pattern->kind == NodeKind::kLiteral ? pattern->value.get_if<std::u16string>() : nullptr;
+    if (text != nullptr) {
+        pattern->value = Value::Text(PatternOfStars(*text));
+        return pattern;
+    }
+    auto call = std::make_unique<Expression>();
+    call->kind = NodeKind::kCall;
+    call->name = kPatternOfStars;
+    call->begin = pattern->begin;
+    call->end = pattern->end;
+    call->children.push_back(std::move(pattern));
+    return call;
+}
+
+bool IsLogicChain(const Expression& e) {
+    return e.kind == NodeKind::kChain && e.operators[0] <= Operator::kAnd;
+}
+
+bool IsTest(const Expression& e) {
+    if (e.kind == NodeKind::kChain)
+        return e.operators[0] >= Operator::kEqual && e.operators[0] <= Operator::kNotLike;
+    return e.kind == NodeKind::kBetween || e.kind == NodeKind::kIn || e.kind == NodeKind::kIsNull;
+}
+
+bool NamesColumn(const Expression& e) {
+    return e.kind == NodeKind::kName ||
+           std::any_of(e.children.begin(), e.children.end(),
+                       [](const ExpressionPtr& child) { return NamesColumn(*child); });
+}
+
 // Counts one level of nesting while it lives.
 class ExpressionParser::Deeper {
 public:
@@ -130,8 +165,42 @@ Result<ExpressionPtr> ExpressionParser::Parse() {
     return ParseLevel(kImpLevel);
 }
 
+Result<ExpressionPtr> ExpressionParser::ParseRule() {
+    ASSIGN_OR_RETURN(ExpressionPtr rule, Parse());
+    return column_.empty() ? std::move(rule) : CompleteRule(std::move(rule));
+}
+
+bool ExpressionParser::StartsTest() const {
+    const OperatorSpelling* spelling = OperatorAt(tokens_);
+    if (spelling != nullptr) return spelling->level == kCompareLevel;
+    for (const std::u16string_view word : {u"LIKE", u"ALIKE", u"IN", u"BETWEEN", u"IS"})
+        if (tokens_.IsWord(word)) return true;
+    return false;
+}
+
+ExpressionPtr ExpressionParser::NewColumn(std::size_t begin) const {
+    ExpressionPtr column = NewNode(NodeKind::kName, begin);
+    column->name = column_;
+    return column;
+}
+
+// Values that stand where a condition is meant are what the column is to equal.
+ExpressionPtr ExpressionParser::CompleteRule(ExpressionPtr rule) const {
+    if (IsLogicChain(*rule) || rule->kind == NodeKind::kNot) {
+        for (ExpressionPtr& child : rule->children)
+            child = CompleteRule(std::move(child));
+        return rule;
+    }
+    if (IsTest(*rule) || NamesColumn(*rule)) return rule;
+    ExpressionPtr test = NewNode(NodeKind::kChain, rule->begin);
+    test->operators.push_back(Operator::kEqual);
+    test->children.push_back(NewColumn(rule->begin));
+    test->children.push_back(std::move(rule));
+    return test;
+}
+
 Result<ExpressionPtr> ExpressionParser::ParseLevel(int lowest) {
-    ASSIGN_OR_RETURN(ExpressionPtr left, ParsePrefix());
+    ASSIGN_OR_RETURN(ExpressionPtr left, ParsePrefix(lowest));
     int tests = 0;
     for (;;) {
         if (lowest <= kCompareLevel) {
@@ -173,6 +242,7 @@ Result<bool> ExpressionParser::ParseTest(ExpressionPtr& value) {
     }
     bool negated = false;
     const std::size_t ahead = tokens_.IsWord(u"NOT") ? 1 : 0;
+    const bool stars = rule_ && tokens_.IsWord(u"LIKE", ahead);
     const bool like = tokens_.IsWord(u"LIKE", ahead) || tokens_.IsWord(u"ALIKE", ahead);
     const bool in = tokens_.IsWord(u"IN", ahead);
     if (!like && !in && !tokens_.IsWord(u"BETWEEN", ahead)) return false;
@@ -183,7 +253,7 @@ Result<bool> ExpressionParser::ParseTest(ExpressionPtr& value) {
         ExpressionPtr test = NewNode(NodeKind::kChain, begin);
         test->operators.push_back(negated ? Operator::kNotLike : Operator::kLike);
         test->children.push_back(std::move(value));
-        test->children.push_back(std::move(pattern));
+        test->children.push_back(stars ? WithStars(std::move(pattern)) : std::move(pattern));
         value = std::move(test);
         return true;
     }
@@ -213,10 +283,11 @@ Result<ExpressionPtr> ExpressionParser::ParseBetween(ExpressionPtr value) {
     return test;
 }
 
-Result<ExpressionPtr> ExpressionParser::ParsePrefix() {
+Result<ExpressionPtr> ExpressionParser::ParsePrefix(int lowest) {
     const Deeper deeper(depth_);
     if (deeper.too_deep()) return JetError(3360);
     const std::size_t begin = tokens_.Peek().begin;
+    if (!column_.empty() && lowest <= kCompareLevel && StartsTest()) return NewColumn(begin);
     if (tokens_.TakeWord(u"NOT")) {
         ASSIGN_OR_RETURN(ExpressionPtr operand, ParseLevel(kCompareLevel));
         ExpressionPtr node = NewNode(NodeKind::kNot, begin);

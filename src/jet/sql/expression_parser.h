@@ -12,8 +12,13 @@ namespace jet::sql {
 class ExpressionParser {
 public:
     explicit ExpressionParser(TokenReader& tokens) : tokens_(tokens) {}
+    // For ParseRule; `column` is empty in a rule of a table, and outlives the parser.
+    ExpressionParser(TokenReader& tokens, std::u16string_view column)
+        : tokens_(tokens), rule_(true), column_(column) {}
 
     base::Result<ExpressionPtr> Parse();
+    // See rule_maker.h for what a rule has of its own.
+    base::Result<ExpressionPtr> ParseRule();
 
 private:
     class Deeper;
@@ -25,7 +30,10 @@ private:
     base::Result<bool> ParseTest(ExpressionPtr& value);
     base::Result<ExpressionPtr> ParseIn(ExpressionPtr value);
     base::Result<ExpressionPtr> ParseBetween(ExpressionPtr value);
-    base::Result<ExpressionPtr> ParsePrefix();
+    base::Result<ExpressionPtr> ParsePrefix(int lowest);
+    bool StartsTest() const;
+    ExpressionPtr NewColumn(std::size_t begin) const;
+    ExpressionPtr CompleteRule(ExpressionPtr rule) const;
     base::Result<ExpressionPtr> ParseOperand();
     base::Result<ExpressionPtr> ParseParentheses();
     base::Result<ExpressionPtr> ParseCall();
@@ -38,6 +46,8 @@ private:
     TokenReader& tokens_;
     std::size_t begin_ = 0;  // of the whole expression, for messages
     int depth_ = 0;
+    bool rule_ = false;
+    std::u16string_view column_;
 };
 
 }  // namespace jet::sql

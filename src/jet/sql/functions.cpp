@@ -3,6 +3,7 @@
 #include "jet/calendar_names.h"
 #include "jet/conversions.h"
 #include "jet/errors.h"
+#include "jet/sql/like.h"
 #include "jet/value_number.h"
 
 #include <cmath>
@@ -19,11 +20,21 @@ constexpr Function kLazy[] = {
     {u"Switch", 2, 1000, FunctionKind::kSwitch},
 };
 
+Result<Value> CallPatternOfStars(Arguments arguments, EvalContext&) {
+    return Value::Text(PatternOfStars(ToText(arguments[0])));
+}
+
+// No text of a statement can name these.
+constexpr Function kInternal[] = {
+    {kPatternOfStars, 1, 1, FunctionKind::kStrict, CallPatternOfStars},
+};
+
 }  // namespace
 
 const Function* FindFunction(std::u16string_view name) {
-    for (const auto& family : {std::span<const Function>(kLazy), TextFunctions(), DateFunctions(),
-                               NumberFunctions(), ConvertFunctions()})
+    for (const auto& family :
+         {std::span<const Function>(kLazy), TextFunctions(), DateFunctions(), NumberFunctions(),
+          ConvertFunctions(), std::span<const Function>(kInternal)})
         for (const Function& function : family)
             if (SameWord(function.name, name)) return &function;
     return nullptr;

@@ -50,6 +50,29 @@ Step Match(char16_t unit, std::u16string_view pattern) {
 
 }  // namespace
 
+std::u16string PatternOfStars(std::u16string_view stars) {
+    std::u16string pattern;
+    for (std::size_t i = 0; i < stars.size(); ++i) {
+        const char16_t c = stars[i];
+        const std::size_t end = c == u'[' ? stars.find(u']', i + 1) : std::u16string_view::npos;
+        if (end != std::u16string_view::npos) {
+            pattern += stars.substr(i, end + 1 - i);
+            i = end;
+        } else if (c == u'*') {
+            pattern += u'%';
+        } else if (c == u'?') {
+            pattern += u'_';
+        } else if (c == u'#') {
+            pattern += u"[0-9]";
+        } else if (c == u'%' || c == u'_') {
+            pattern += {u'[', c, u']'};
+        } else {
+            pattern += c;
+        }
+    }
+    return pattern;
+}
+
 bool Like(std::u16string_view text, std::u16string_view pattern) {
     std::size_t t = 0;
     std::size_t p = 0;

@@ -22,6 +22,15 @@ Result<ExpressionPtr> ParseExpression(std::u16string_view text, int current_year
     return expression;
 }
 
+Result<ExpressionPtr> ParseRule(std::u16string_view text, std::u16string_view column,
+                                int current_year) {
+    ASSIGN_OR_RETURN(std::vector<Token> list, Tokenize(text, current_year));
+    TokenReader tokens(text, std::move(list));
+    ASSIGN_OR_RETURN(ExpressionPtr rule, ExpressionParser(tokens, column).ParseRule());
+    if (!tokens.AtEnd()) return SyntaxError(" (missing operator)", text);
+    return rule;
+}
+
 Result<Statement> StatementParser::Parse() {
     ASSIGN_OR_RETURN(Statement statement, ParseStatement());
     if (tokens_.TakeSymbol(u";")) {
