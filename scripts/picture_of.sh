@@ -19,7 +19,7 @@ wait_until() {  # wait_until SECONDS COMMAND...: until the command succeeds
 
 mkfifo "$work/display"
 exec 9<>"$work/display"
-Xvfb -displayfd 9 -screen 0 1280x900x24 -nolisten tcp 2>/dev/null &
+Xvfb -displayfd 9 -screen 0 1280x900x24 -nolisten tcp -noreset 2>/dev/null &
 pids+=($!)
 read -r -t 20 number <&9 || { echo "no virtual display" >&2; exit 1; }
 export DISPLAY=:$number QT_QPA_PLATFORM=xcb

@@ -10,7 +10,7 @@ import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
-from driver import BUILD, SHARED, Desktop, Tavolo, check, check_equal, export_rows, run, wait_for  # noqa: E402
+from driver import BUILD, SHARED, Desktop, Tavolo, check, check_equal, export_rows, make_table_file, run, wait_for  # noqa: E402
 
 EMPTY = BUILD / "share" / "tavolo" / "pinball.mdb"
 ALL_COLUMNS = ["ID", "DisplayName", "FileName", "Author", "Company", "Year", "Version", "ImageFile", "FlyerFile", "Notes",
@@ -127,7 +127,17 @@ def read_only(desktop, work):
     """A catalogue that may only be read is shown, without a message, and stays as it is."""
     folder = work / "read only"
     folder.mkdir()
-    shutil.copyfile(SHARED / "samples" / "catalogue" / "old-full-1000.mdb", folder / "pinball.mdb")
+    for name in ("One", "Two", "Three"):
+        make_table_file(work / "tables" / f"{name}.vpt")
+    with Tavolo(desktop, folder) as program:
+        program.wait_window("Find New Visual Pinball Tables")
+        program.click("cmdgo")
+        program.choose_file(work / "tables")
+        program.wait_text("Label2", "Process Complete")
+        program.click("cmdExit")
+        program.wait_window("Settings")
+        program.click("CancelButton")
+        program.close()
     (folder / "pinball.mdb").chmod(0o444)
     folder.chmod(0o555)
     before = digest(folder / "pinball.mdb")
@@ -142,7 +152,7 @@ def read_only(desktop, work):
     with Tavolo(desktop, folder, program=wrapper) as program:
         program.wait_window("Settings")
         program.click("CancelButton")
-        wait_for(lambda: program.text("sbrDB_1") == "1000 Tables in list.  ", "1000 tables")
+        wait_for(lambda: program.text("sbrDB_1") == "3 Tables in list.  ", "three tables")
         program.picture("read only")
         program.close()
     folder.chmod(0o755)
