@@ -1,31 +1,23 @@
 #include "browser/rules_file.h"
 
+#include "base/ansi_text.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QStringConverter>
 
-#include <array>
+#include <span>
 
 namespace browser {
 namespace {
 
-// Code page 1252 from 0x80 to 0x9F; the five bytes without a character keep their value, as on
-// Windows.
-constexpr std::array<char16_t, 32> kCodePage1252 = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-QString FromCodePage1252(QByteArrayView bytes) {
-    QString text = QString::fromLatin1(bytes);
-    for (QChar& c : text)
-        if (c.unicode() >= 0x80 && c.unicode() <= 0x9F)
-            c = QChar(kCodePage1252[c.unicode() - 0x80]);
-    return text;
-}
-
 QString Decode(QByteArrayView bytes, QStringConverter::Encoding encoding) {
     QStringDecoder decoder(encoding);
     return decoder(bytes);
+}
+
+QString FromAnsi(QByteArrayView bytes) {
+    const std::span units(bytes.data(), static_cast<std::size_t>(bytes.size()));
+    return QString::fromStdU16String(base::FromAnsi(std::as_bytes(units)));
 }
 
 base::Status Failure(base::StatusCode code, const QString& path, const QString& reason) {
@@ -40,7 +32,7 @@ QString DecodeText(QByteArrayView bytes) {
     if (bytes.startsWith("\xEF\xBB\xBF")) return Decode(bytes.sliced(3), QStringConverter::Utf8);
     QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
     QString text = utf8(bytes);
-    return utf8.hasError() ? FromCodePage1252(bytes) : text;
+    return utf8.hasError() ? FromAnsi(bytes) : text;
 }
 
 QString LinesWithCrLf(const QString& text) {

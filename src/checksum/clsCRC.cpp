@@ -1,6 +1,6 @@
 #include "checksum/clsCRC.h"
 
-#include "checksum/ansi_text.h"
+#include "base/ansi_text.h"
 #include "checksum/crc_16.h"
 
 #include <libdeflate.h>
@@ -53,7 +53,7 @@ std::int32_t clsCRC::AddBytes(std::span<const std::byte> bytes) {
 }
 
 std::int32_t clsCRC::AddString(std::u16string_view text) {
-    return AddBytes(ToAnsi(text));
+    return AddBytes(base::ToAnsi(text));
 }
 
 void clsCRC::Algorithm(std::int32_t selector) {
@@ -88,7 +88,7 @@ base::Result<std::optional<std::int32_t>> clsCRC::CalculateFile(const std::files
 }
 
 std::int32_t clsCRC::CalculateString(std::u16string_view text) {
-    return CalculateBytes(ToAnsi(text));
+    return CalculateBytes(base::ToAnsi(text));
 }
 
 std::int32_t clsCRC::Value() const {

@@ -1,6 +1,6 @@
 #include "maintenance/text_lines.h"
 
-#include "checksum/ansi_text.h"
+#include "base/ansi_text.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -69,7 +69,7 @@ std::optional<QString> TextLines::Next() {
         break;
     }
     if (!has_line) return std::nullopt;
-    return QString::fromStdU16String(checksum::FromAnsi(line_));
+    return QString::fromStdU16String(base::FromAnsi(line_));
 }
 
 }  // namespace maintenance

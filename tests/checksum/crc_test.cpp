@@ -1,4 +1,3 @@
-#include "checksum/ansi_text.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
 #include "checksum/crc_16.h"
@@ -175,15 +174,6 @@ TEST(Crc16Test, OnlyTheLow16BitsOfTheRegisterMatter) {
 TEST(Crc16Test, TheLastTableEntryIs1EF0) {
     const std::array<std::byte, 1> last = {std::byte{0xFF}};
     EXPECT_EQ(UpdateCrc16(0, last), 0x1EF0u);
-}
-
-TEST(AnsiTextTest, TheBytesThatTheCodePageLeavesOpenStandForThemselves) {
-    EXPECT_EQ(ToAnsi(u"\u0081"), std::vector{std::byte{0x81}});
-    EXPECT_EQ(ToAnsi(u"\u0080"), std::vector{std::byte{'?'}});
-}
-
-TEST(AnsiTextTest, EachUnitOfACharacterBeyondTheBasicPlaneIsAQuestionMark) {
-    EXPECT_EQ(ToAnsi(u"\U0001F600"), (std::vector{std::byte{'?'}, std::byte{'?'}}));
 }
 
 TEST(ChecksumTextTest, HasNoLeadingZeros) {

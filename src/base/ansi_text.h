@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace checksum {
+namespace base {
 
 // Characters that the code page does not have become "?".
 std::vector<std::byte> ToAnsi(std::u16string_view text);
@@ -15,4 +15,4 @@ std::vector<std::byte> ToAnsi(std::u16string_view text);
 // Every byte is a character.
 std::u16string FromAnsi(std::span<const std::byte> bytes);
 
-}  // namespace checksum
+}  // namespace base

@@ -1,10 +1,10 @@
-#include "checksum/ansi_text.h"
+#include "base/ansi_text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 
-namespace checksum {
+namespace base {
 namespace {
 
 // What the bytes 0x80 to 0x9F stand for in code page 1252. The five that it leaves open stand for
@@ -40,4 +40,4 @@ std::u16string FromAnsi(std::span<const std::byte> bytes) {
     return text;
 }
 
-}  // namespace checksum
+}  // namespace base
