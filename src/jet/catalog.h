@@ -26,6 +26,7 @@ enum ObjectsColumn : std::uint16_t {
 };
 
 inline constexpr std::int16_t kObjectIsTable = 1;
+inline constexpr std::int16_t kObjectIsRelation = 8;
 inline constexpr std::int32_t kTablesContainer = 0x0F000001;
 inline constexpr std::int32_t kRelationsContainer = 0x0F000003;
 

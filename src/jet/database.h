@@ -104,6 +104,11 @@ public:
     virtual base::Status DropColumn(std::u16string_view table, std::u16string_view column) = 0;
     virtual base::Status CreateIndex(std::u16string_view table, const IndexDesign& index) = 0;
     virtual base::Status DropIndex(std::u16string_view table, std::u16string_view index) = 0;
+    // 3012: there is a relation of this name; 3366: the referenced columns have no unique index; 3368: columns of other
+    // types; 3201: a row refers to none.
+    virtual base::Status CreateRelation(const RelationDesign& relation) = 0;
+    // `table`: the one that refers. 3372: it has no such relation.
+    virtual base::Status DropRelation(std::u16string_view table, std::u16string_view relation) = 0;
 
     // Who makes the tests of validation rules. Until then, tables that have rules can only be read. To be called
     // before the first FindTable.

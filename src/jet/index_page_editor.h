@@ -33,6 +33,16 @@ inline std::size_t IndexRoom(const Format& format) {
     return format.page_size - format.index_entries_offset;
 }
 
+// Bytes of the entry area that are in use.
+inline std::size_t UsedBytes(std::span<const std::byte> page, const Format& format) {
+    return IndexRoom(format) - base::LoadLittle<std::uint16_t>(page.data() + 2);
+}
+
+// A page that removals have left with this little is joined with a neighbour, or filled from it.
+inline bool IsSparse(std::size_t used_bytes, const Format& format) {
+    return used_bytes < IndexRoom(format) / 3;
+}
+
 // `view` is of `page`, a leaf. False: it cannot be done without rewriting the page, which is
 // unchanged.
 bool InsertInPlace(std::span<std::byte> page, const Format& format, const IndexPageView& view,

@@ -8,6 +8,7 @@
 #include "jet/index_page_editor.h"
 #include "jet/table_definition.h"
 
+#include <optional>
 #include <vector>
 
 namespace jet {
@@ -80,8 +81,24 @@ private:
 
     base::Status RemoveEntry(Path path, std::size_t position);
     base::Status DropChild(Path path);
-    base::Status MergeLonelyNode(Path path, PageNumber node);
     base::Status CollapseRoot(PageNumber child);
+
+    // A node, and the two of its children that are neighbours and may become one page.
+    struct Neighbours {
+        PageNumber parent_page;
+        IndexPageImage parent;
+        std::size_t left;       // position among the parent's children
+        IndexPageImage joined;  // what both hold, with the links of both
+    };
+    // `path` leads to the sparse page `page`.
+    base::Status Balance(Path path, PageNumber page);
+    // nullopt: they do not fit together as the children of one node should.
+    base::Result<std::optional<IndexPageImage>> Join(const IndexPageImage& parent,
+                                                     std::size_t left) const;
+    base::Status Merge(Path path, Neighbours& neighbours);
+    base::Status Share(Path path, Neighbours& neighbours);
+    // A node that has lost children; `path` leads to it.
+    base::Status WriteShrunkNode(Path path, PageNumber page, const IndexPageImage& image);
 
     FileContext& file_;
     PageNumber table_;

@@ -1,6 +1,6 @@
 // Removing: an entry leaves its leaf; a leaf without entries leaves the tree, and so do nodes
 // without children. The key above a leaf that lost its largest entry stays: a larger one does no
-// harm.
+// harm. What becomes of sparse pages: index_tree_balance.cpp.
 #include "jet/index_tree.h"
 #include "jet/storage_errors.h"
 
@@ -56,10 +56,14 @@ base::Status IndexTree::RemoveEntry(Path path, std::size_t position) {
     if (!view || position >= view->count())
         return errors::DamagedPage(leaf, "not a page of this index");
     if (view->count() > 1 || path.empty()) {
-        if (view->count() > 1 && RemoveInPlace(bytes, file_.format, *view, position)) return {};
-        IndexPageImage image = IndexPageImage::Of(*view);
-        image.entries.erase(image.entries.begin() + static_cast<std::ptrdiff_t>(position));
-        return WriteImage(leaf, image);
+        if (view->count() == 1 || !RemoveInPlace(bytes, file_.format, *view, position)) {
+            IndexPageImage image = IndexPageImage::Of(*view);
+            image.entries.erase(image.entries.begin() + static_cast<std::ptrdiff_t>(position));
+            if (!image.Write(bytes, file_.format, table_)) return errors::RecordTooLarge();
+        }
+        return path.empty() || !IsSparse(UsedBytes(bytes, file_.format), file_.format)
+                   ? base::Status()
+                   : Balance(std::move(path), leaf);
     }
     const IndexPageImage image = IndexPageImage::Of(*view);
     RETURN_IF_ERROR(Unlink(image));
@@ -85,9 +89,7 @@ base::Status IndexTree::DropChild(Path path) {
         image.tail = image.Child(image.entries.size() - 1);
         image.entries.pop_back();
     }
-    RETURN_IF_ERROR(WriteImage(step.page, image));
-    if (!image.entries.empty()) return {};
-    return path.empty() ? CollapseRoot(image.tail) : MergeLonelyNode(std::move(path), step.page);
+    return WriteShrunkNode(std::move(path), step.page, image);
 }
 
 // The root takes over the content of its only child, and so on downwards.
@@ -101,48 +103,6 @@ base::Status IndexTree::CollapseRoot(PageNumber child) {
         if (image.is_leaf() || !image.entries.empty()) return {};
         child = image.tail;
     }
-}
-
-// A node with one child joins a neighbour below the same parent, if that has room.
-base::Status IndexTree::MergeLonelyNode(Path path, PageNumber node) {
-    const Step step = path.back();
-    path.pop_back();
-    ASSIGN_OR_RETURN(IndexPageImage parent, LoadImage(step.page));
-    if (parent.entries.empty()) return {};
-    ASSIGN_OR_RETURN(const IndexPageImage lonely, LoadImage(node));
-    const std::size_t at = std::min(step.child, parent.entries.size());
-    const bool with_left = at > 0;
-    const PageNumber neighbour = parent.Child(with_left ? at - 1 : at + 1);
-    ASSIGN_OR_RETURN(IndexPageImage joined, LoadImage(neighbour));
-    // The key between the two, from the parent.
-    Bytes between = parent.entries[with_left ? at - 1 : at];
-    between.resize(between.size() - kChildBytes);
-    if (with_left) {
-        joined.entries.push_back(NodeEntry(between, joined.tail));
-        joined.tail = lonely.tail;
-    } else {
-        joined.entries.insert(joined.entries.begin(), NodeEntry(between, lonely.tail));
-    }
-    if (joined.EncodedBytes(file_.format) > IndexRoom(file_.format)) return {};
-    if (joined.previous == node) joined.previous = lonely.previous;
-    if (joined.next == node) joined.next = lonely.next;
-    RETURN_IF_ERROR(WriteImage(neighbour, joined));
-    RETURN_IF_ERROR(Unlink(lonely));
-    RETURN_IF_ERROR(FreePage(node));
-    if (with_left) {
-        if (at < parent.entries.size()) {
-            Bytes& kept = parent.entries[at];
-            base::StoreBig(kept.data() + kept.size() - kChildBytes, neighbour);
-        } else {
-            parent.tail = neighbour;
-        }
-        parent.entries.erase(parent.entries.begin() + static_cast<std::ptrdiff_t>(at - 1));
-    } else {
-        parent.entries.erase(parent.entries.begin());
-    }
-    RETURN_IF_ERROR(WriteImage(step.page, parent));
-    if (!parent.entries.empty()) return {};
-    return path.empty() ? CollapseRoot(parent.tail) : MergeLonelyNode(std::move(path), step.page);
 }
 
 base::Status IndexTree::Clear() {

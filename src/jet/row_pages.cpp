@@ -62,6 +62,9 @@ base::Result<std::optional<PageNumber>> RowPages::FindForgottenPage(std::size_t 
         const PageNumber page = unsearched_->back();
         unsearched_->pop_back();
         if (std::ranges::find(*candidates_, page) != candidates_->end()) continue;
+        // It may have been given back since, and belong to another column's long values by now.
+        ASSIGN_OR_RETURN(const bool owned, file_.Map(owned_).Contains(page));
+        if (!owned) continue;
         bool worth_keeping = false;
         ASSIGN_OR_RETURN(const bool room, HasRoom(page, bytes, worth_keeping));
         if (!worth_keeping) continue;

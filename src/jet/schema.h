@@ -61,4 +61,23 @@ struct TableDesign {
     std::optional<std::u16string> validation_text;
 };
 
+// What becomes of rows that refer to a row which is deleted or whose key changes.
+enum class RelationRule : std::uint8_t {
+    kRefuse,   // the change is refused
+    kCascade,  // they go or change with it
+    kSetNull,  // their reference becomes null; deletes only
+};
+
+// Rows of `table` refer to rows of `referenced_table`, which may be the same table.
+struct RelationDesign {
+    std::u16string name;  // empty: the engine makes one of the tables' names
+    std::u16string table;
+    std::vector<std::u16string> columns;
+    std::u16string referenced_table;
+    // Goes with `columns`; empty: the primary key.
+    std::vector<std::u16string> referenced_columns;
+    RelationRule on_update = RelationRule::kRefuse;
+    RelationRule on_delete = RelationRule::kRefuse;
+};
+
 }  // namespace jet

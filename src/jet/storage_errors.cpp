@@ -182,6 +182,20 @@ Status UsedInRelation() {
             3281};
 }
 
+Status ObjectExists(std::u16string_view object) {
+    return {StatusCode::kAlreadyExists, "Object " + Quoted(object) + " already exists.", 3012};
+}
+
+Status NoUniqueIndex() {
+    return {StatusCode::kInvalidArgument,
+            "No unique index found for the referenced field of the primary table.", 3366};
+}
+
+Status UnlikeFieldsInRelation() {
+    return {StatusCode::kInvalidArgument,
+            "Relationship must be on the same number of fields with the same data types.", 3368};
+}
+
 Status FileTooLarge() {
     return {StatusCode::kNoSpace,
             "Not enough space on disk. (The file has reached the largest size of its format.)",

@@ -41,6 +41,9 @@ base::Status ZeroLength(std::u16string_view field);          // 3315
 base::Status HasRelatedRecords(std::u16string_view table);   // 3200
 base::Status NeedsRelatedRecord(std::u16string_view table);  // 3201
 base::Status UsedInRelation();                               // 3281
+base::Status ObjectExists(std::u16string_view object);       // 3012
+base::Status NoUniqueIndex();                                // 3366
+base::Status UnlikeFieldsInRelation();                       // 3368
 base::Status FileTooLarge();                                 // 3026
 
 }  // namespace jet::errors

@@ -38,6 +38,8 @@ public:
     base::Status DropColumn(std::u16string_view table, std::u16string_view column) override;
     base::Status CreateIndex(std::u16string_view table, const IndexDesign& index) override;
     base::Status DropIndex(std::u16string_view table, std::u16string_view index) override;
+    base::Status CreateRelation(const RelationDesign& relation) override;
+    base::Status DropRelation(std::u16string_view table, std::u16string_view relation) override;
 
     void UseRowRules(std::unique_ptr<const RowRuleMaker> maker) override;
 
@@ -61,15 +63,26 @@ private:
     base::Status Redate(const CatalogEntry& entry);
     void ForgetTable(PageNumber definition);
 
-    base::Status AddToCatalog(std::u16string_view name, PageNumber definition);
-    base::Status AddPermissions(PageNumber definition);
+    // `container`: the one that the object stands in; permissions are inherited from it.
+    base::Status AddToCatalog(std::u16string_view name, std::int32_t id, std::int16_t type,
+                              std::int32_t container);
+    base::Status AddPermissions(std::int32_t id, std::int32_t container);
     base::Status RemoveFromCatalog(const CatalogEntry& entry);
+    base::Result<std::int32_t> NextObjectId();
+    base::Result<bool> RelationExists(std::u16string_view name);
+    base::Result<std::u16string> NameOfRelation(const RelationDesign& relation);
+    base::Status AddRelationRows(const RelationDesign& relation, std::int32_t flags);
+    base::Status RemoveRelationRows(std::u16string_view name);
 
     base::Status AddIndex(TableDefinition& definition, const IndexDesign& index,
                           const std::vector<std::size_t>& positions, MapRows& maps);
+    // An empty tree; `real` tells columns and flags.
+    base::Status AddRealIndex(TableDefinition& definition, RealIndex real, MapRows& maps);
     // Makes the entries of index `real` anew from the rows. 3022, 3058.
     base::Status BuildIndex(const TableDefinition& definition, std::size_t real);
     base::Status RemoveRealIndex(TableDefinition& definition, std::size_t real, MapRows& maps);
+    // Real indexes that no logical one uses any more.
+    base::Status RemoveUnusedIndexes(TableDefinition& definition);
     base::Status RewriteRows(const TableDefinition& definition);
     base::Status ResizeText(const CatalogEntry& entry, TableDefinition& definition,
                             std::size_t position, const ColumnDesign& design);

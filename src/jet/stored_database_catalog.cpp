@@ -2,44 +2,16 @@
 #include "jet/storage_errors.h"
 #include "jet/stored_database.h"
 #include "jet/system_clock.h"
+#include "jet/system_rows.h"
 #include "jet/system_tables.h"
 
-#include <map>
+#include <algorithm>
+#include <limits>
 
 namespace jet {
 namespace {
 
 constexpr std::int32_t kFullAccess = 0xFFEFF;
-
-// A row of a system table, by column number.
-std::vector<Value> InShownOrder(const StoredTable& table,
-                                const std::map<std::uint16_t, Value>& by_number) {
-    std::vector<Value> values(table.design().columns.size());
-    for (const auto& [number, value] : by_number)
-        if (const std::size_t shown = table.ShownPosition(number); shown < values.size())
-            values[shown] = value;
-    return values;
-}
-
-// Calls `visit` with row and values of `columns` (numbers) for every row.
-template <typename Visit>
-base::Status ForEachRow(StoredTable& table, const std::vector<std::uint16_t>& columns,
-                        Visit visit) {
-    std::vector<std::size_t> shown;
-    for (const std::uint16_t number : columns) {
-        shown.push_back(table.ShownPosition(number));
-        if (shown.back() >= table.design().columns.size())
-            return errors::DamagedPage(table.definition().page, "a column is missing");
-    }
-    std::vector<Value> values(columns.size());
-    ASSIGN_OR_RETURN(const auto cursor, table.Scan());
-    while (true) {
-        ASSIGN_OR_RETURN(const auto row, cursor->Next());
-        if (!row) return {};
-        RETURN_IF_ERROR(cursor->Read(shown, values));
-        visit(*row, values);
-    }
-}
 
 }  // namespace
 
@@ -88,26 +60,37 @@ base::Status StoredDatabase::SetProperties(const CatalogEntry& entry,
     return {};
 }
 
-base::Status StoredDatabase::AddToCatalog(std::u16string_view name, PageNumber definition) {
+base::Status StoredDatabase::AddToCatalog(std::u16string_view name, std::int32_t id,
+                                          std::int16_t type, std::int32_t container) {
     ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
     const Value now = Value::DateTime(SystemNow());
     std::vector<Value> values =
-        InShownOrder(*objects, {{kObjectId, Value::Long(static_cast<std::int32_t>(definition))},
-                                {kObjectParent, Value::Long(kTablesContainer)},
+        InShownOrder(*objects, {{kObjectId, Value::Long(id)},
+                                {kObjectParent, Value::Long(container)},
                                 {kObjectName, Value::Text(name)},
-                                {kObjectType, Value::Short(kObjectIsTable)},
+                                {kObjectType, Value::Short(type)},
                                 {kObjectCreated, now},
                                 {kObjectUpdated, now},
                                 {kObjectOwner, Value::Binary(SidBytes(kSidAdmin))},
                                 {kObjectFlags, Value::Long(0)}});
     RETURN_IF_ERROR(objects->Insert(values).status());
     catalog_.Forget();
-    changed_.insert(definition);
-    return AddPermissions(definition);
+    // So that a rollback forgets the catalog again.
+    changed_.insert(type == kObjectIsTable ? static_cast<PageNumber>(id) : kObjectsPage);
+    return AddPermissions(id, container);
 }
 
-// What everything in the container of tables inherits; "creator" there means the owner.
-base::Status StoredDatabase::AddPermissions(PageNumber definition) {
+// Objects that are not tables are numbered from the smallest number upwards.
+base::Result<std::int32_t> StoredDatabase::NextObjectId() {
+    ASSIGN_OR_RETURN(const auto* entries, catalog_.Entries());
+    std::int32_t next = std::numeric_limits<std::int32_t>::min();
+    for (const CatalogEntry& entry : *entries)
+        if (entry.id < 0) next = std::max(next, entry.id + 1);
+    return next;
+}
+
+// What everything in the container inherits; "creator" there means the owner.
+base::Status StoredDatabase::AddPermissions(std::int32_t id, std::int32_t container) {
     ASSIGN_OR_RETURN(StoredTable * access, TableAt(kAccessPage));
     std::vector<std::pair<Bytes, std::int32_t>> inherited;
     RETURN_IF_ERROR(ForEachRow(
@@ -116,8 +99,8 @@ base::Status StoredDatabase::AddPermissions(PageNumber definition) {
             const auto* object = values[0].get_if<std::int32_t>();
             const auto* sid = values[1].get_if<Bytes>();
             const auto* mask = values[2].get_if<std::int32_t>();
-            if (object == nullptr || *object != kTablesContainer || sid == nullptr ||
-                mask == nullptr || values[3] != Value::Boolean(true))
+            if (object == nullptr || *object != container || sid == nullptr || mask == nullptr ||
+                values[3] != Value::Boolean(true))
                 return;
             const Bytes owner = *sid == SidBytes(kSidCreator) ? SidBytes(kSidAdmin) : *sid;
             for (auto& [known, rights] : inherited)
@@ -130,11 +113,11 @@ base::Status StoredDatabase::AddPermissions(PageNumber definition) {
     if (inherited.empty())
         inherited = {{SidBytes(kSidAdmin), kFullAccess}, {SidBytes(kSidUsers), kFullAccess}};
     for (const auto& [sid, mask] : inherited) {
-        std::vector<Value> values = InShownOrder(
-            *access, {{kAccessObject, Value::Long(static_cast<std::int32_t>(definition))},
-                      {kAccessSid, Value::Binary(sid)},
-                      {kAccessMask, Value::Long(mask)},
-                      {kAccessInheritable, Value::Boolean(false)}});
+        std::vector<Value> values =
+            InShownOrder(*access, {{kAccessObject, Value::Long(id)},
+                                   {kAccessSid, Value::Binary(sid)},
+                                   {kAccessMask, Value::Long(mask)},
+                                   {kAccessInheritable, Value::Boolean(false)}});
         RETURN_IF_ERROR(access->Insert(values).status());
     }
     return {};
@@ -152,7 +135,10 @@ base::Status StoredDatabase::RemoveFromCatalog(const CatalogEntry& entry) {
     ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
     RETURN_IF_ERROR(objects->Delete(entry.row));
     catalog_.Forget();
-    ForgetTable(entry.definition_page());
+    if (entry.is_table())
+        ForgetTable(entry.definition_page());
+    else
+        changed_.insert(kObjectsPage);
     return {};
 }
 

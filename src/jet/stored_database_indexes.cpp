@@ -16,12 +16,18 @@ base::Status CheckIndex(const TableDefinition& definition, const IndexDesign& in
     if (!IsValidName(index.name)) return errors::NotAValidName(index.name);
     if (index.columns.empty() || index.columns.size() > kMaxIndexColumns)
         return errors::InvalidIndex(index.name);
-    if (definition.real_indexes.size() >= kMaxIndexes) return errors::TooManyIndexes(index.name);
+    if (definition.logical_indexes.size() >= kMaxIndexes) return errors::TooManyIndexes(index.name);
     for (const LogicalIndex& known : definition.logical_indexes) {
         if (SameName(known.name, index.name)) return errors::IndexExists(index.name, index.name);
         if (index.primary && known.kind == IndexKind::kPrimary) return errors::PrimaryKeyExists();
     }
     return {};
+}
+
+bool IsReferenced(const TableDefinition& definition, std::uint32_t real) {
+    return std::ranges::any_of(definition.logical_indexes, [&](const LogicalIndex& index) {
+        return index.real == real && index.side == RelationSide::kPrimary;
+    });
 }
 
 struct IndexEntry {
@@ -70,19 +76,23 @@ base::Status StoredDatabase::AddIndex(TableDefinition& definition, const IndexDe
         real.columns.push_back(added);
     }
     if (!IsMaintainable(file_, definition, real)) return errors::InvalidIndex(index.name);
-    ASSIGN_OR_RETURN(real.root, file_.allocator.Allocate());
-    ASSIGN_OR_RETURN(real.map, maps.Add(real.root));
     real.flags = IndexFlagsOf(file_, index);
-    RETURN_IF_ERROR(IndexTree(file_, definition.page, real.root, real.map).Create());
 
     LogicalIndex logical;
     logical.name = index.name;
     logical.real = static_cast<std::uint32_t>(definition.real_indexes.size());
     logical.kind = index.primary ? IndexKind::kPrimary : IndexKind::kPlain;
-    for (const LogicalIndex& known : definition.logical_indexes)
-        logical.number = std::max(logical.number, known.number + 1);
-    definition.real_indexes.push_back(std::move(real));
+    logical.number = NextIndexNumber(definition);
     definition.logical_indexes.push_back(std::move(logical));
+    return AddRealIndex(definition, std::move(real), maps);
+}
+
+base::Status StoredDatabase::AddRealIndex(TableDefinition& definition, RealIndex real,
+                                          MapRows& maps) {
+    ASSIGN_OR_RETURN(real.root, file_.allocator.Allocate());
+    ASSIGN_OR_RETURN(real.map, maps.Add(real.root));
+    RETURN_IF_ERROR(IndexTree(file_, definition.page, real.root, real.map).Create());
+    definition.real_indexes.push_back(std::move(real));
     return {};
 }
 
@@ -137,8 +147,10 @@ base::Status StoredDatabase::DropIndex(std::u16string_view table, std::u16string
             return SameName(known.name, index);
         });
     if (found == definition.logical_indexes.end()) return errors::NoSuchIndex(index, table);
-    if (found->kind == IndexKind::kRelation) return errors::UsedInRelation();
     const std::uint32_t real = found->real;
+    // What a relation refers to must stay unique.
+    if (found->kind == IndexKind::kRelation || IsReferenced(definition, real))
+        return errors::UsedInRelation();
     definition.logical_indexes.erase(found);
     const bool shared = std::ranges::any_of(
         definition.logical_indexes, [&](const LogicalIndex& other) { return other.real == real; });

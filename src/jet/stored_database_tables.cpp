@@ -56,7 +56,8 @@ base::Status StoredDatabase::CreateTable(const TableDesign& design) {
         RETURN_IF_ERROR(AddIndex(definition, index, positions, maps));
     RETURN_IF_ERROR(
         WriteTableDefinition(file_.store, file_.format, file_.text, file_.allocator, definition));
-    RETURN_IF_ERROR(AddToCatalog(design.name, definition.page));
+    RETURN_IF_ERROR(AddToCatalog(design.name, static_cast<std::int32_t>(definition.page),
+                                 kObjectIsTable, kTablesContainer));
     if (properties.empty()) return {};
     ASSIGN_OR_RETURN(const CatalogEntry* entry, catalog_.FindTable(design.name));
     if (entry == nullptr) return errors::NoSuchTable(design.name);

@@ -46,6 +46,8 @@ public:
     // Makes the tests of the design's validation rules; nullptr: nobody can. A rule that cannot be
     // tested makes the table read only.
     void UseRules(const RowRuleMaker* maker);
+    // 3201: one of `rows` refers by the relation `name` to a row that is not there.
+    base::Status CheckRelation(std::u16string_view name, const std::vector<RowId>& rows);
     // What is remembered of pages is forgotten; to be called after a rollback.
     void Forget() { rows_.Forget(); }
 
@@ -77,10 +79,14 @@ private:
         bool set_null = false;
         std::vector<RowId> rows;
     };
-    base::Status CheckParents(std::span<const Value> values, const std::vector<bool>* changed);
+    // `row`: the one that has or is to have the values; {} for a new one.
+    base::Status CheckParents(RowId row, std::span<const Value> values,
+                              const std::vector<bool>* changed);
+    base::Status CheckParent(const LogicalIndex& index, RowId row, std::span<const Value> values);
     // 3200, or the rows that follow the change. `after` empty: the row is to be deleted.
-    base::Result<std::vector<Dependants>> FindDependants(std::span<const Value> before,
+    base::Result<std::vector<Dependants>> FindDependants(RowId row, std::span<const Value> before,
                                                          std::span<const Value> after);
+    base::Status SetForeignKey(RowId row, std::vector<Value> values, const Dependants& dependants);
     base::Status ChangeDependants(const std::vector<Dependants>& dependants);
     base::Status UpdateColumns(RowId row, std::vector<Value> values, std::vector<bool> changed);
 

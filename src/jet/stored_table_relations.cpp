@@ -23,12 +23,6 @@ private:
     int& depth_;
 };
 
-const LogicalIndex* FindPartner(const StoredTable& table, std::int32_t number) {
-    for (const LogicalIndex& index : table.definition().logical_indexes)
-        if (static_cast<std::int32_t>(index.number) == number) return &index;
-    return nullptr;
-}
-
 std::vector<Value> Pick(std::span<const Value> values, const std::vector<std::size_t>& columns) {
     std::vector<Value> picked;
     for (const std::size_t column : columns)
@@ -42,31 +36,50 @@ bool AnyNull(const std::vector<Value>& values) {
 
 }  // namespace
 
-base::Status StoredTable::CheckParents(std::span<const Value> values,
+base::Status StoredTable::CheckParents(RowId row, std::span<const Value> values,
                                        const std::vector<bool>* changed) {
     for (const LogicalIndex& index : definition_.logical_indexes) {
         if (index.kind != IndexKind::kRelation || index.side != RelationSide::kForeign) continue;
-        const auto& columns = indexes_.ColumnsOf(index.real);
         const auto touched = [&](std::size_t column) { return (*changed)[column]; };
-        if (changed != nullptr && std::ranges::none_of(columns, touched)) continue;
-        const std::vector<Value> key_values = Pick(values, columns);
-        if (AnyNull(key_values)) continue;
-        ASSIGN_OR_RETURN(StoredTable * parent, tables_.TableAt(index.other_table));
-        const LogicalIndex* partner = FindPartner(*parent, index.partner);
-        if (partner == nullptr) continue;
-        const auto& parent_columns = parent->indexes_.ColumnsOf(partner->real);
-        if (parent_columns.size() != columns.size()) continue;
-        const Bytes key = parent->indexes_.KeyOf(partner->real, key_values);
-        if (parent == this && key == indexes_.KeyOf(partner->real, Pick(values, parent_columns)))
-            continue;  // the row refers to itself
-        ASSIGN_OR_RETURN(const bool found, parent->indexes_.tree(partner->real).HasOther(key, {}));
-        if (!found) return errors::NeedsRelatedRecord(parent->design_.name);
+        if (changed == nullptr || std::ranges::any_of(indexes_.ColumnsOf(index.real), touched))
+            RETURN_IF_ERROR(CheckParent(index, row, values));
+    }
+    return {};
+}
+
+base::Status StoredTable::CheckParent(const LogicalIndex& index, RowId row,
+                                      std::span<const Value> values) {
+    const auto& columns = indexes_.ColumnsOf(index.real);
+    const std::vector<Value> key_values = Pick(values, columns);
+    if (AnyNull(key_values)) return {};
+    ASSIGN_OR_RETURN(StoredTable * parent, tables_.TableAt(index.other_table));
+    const LogicalIndex* partner = parent->definition_.FindIndex(index.partner);
+    if (partner == nullptr) return {};
+    const auto& parent_columns = parent->indexes_.ColumnsOf(partner->real);
+    if (parent_columns.size() != columns.size()) return {};
+    const Bytes key = parent->indexes_.KeyOf(partner->real, key_values);
+    const bool to_itself = parent == this;
+    // A row may refer to itself, by the key that it is to have.
+    if (to_itself && key == indexes_.KeyOf(partner->real, Pick(values, parent_columns))) return {};
+    ASSIGN_OR_RETURN(const bool found,
+                     parent->indexes_.tree(partner->real).HasOther(key, to_itself ? row : RowId{}));
+    return found ? base::Status() : errors::NeedsRelatedRecord(parent->design_.name);
+}
+
+base::Status StoredTable::CheckRelation(std::u16string_view name, const std::vector<RowId>& rows) {
+    for (const LogicalIndex& index : definition_.logical_indexes) {
+        if (index.side != RelationSide::kForeign || index.name != name) continue;
+        for (const RowId row : rows) {
+            ASSIGN_OR_RETURN(const std::vector<Value> values, ReadKeyColumns(row));
+            RETURN_IF_ERROR(CheckParent(index, row, values));
+        }
     }
     return {};
 }
 
 base::Result<std::vector<StoredTable::Dependants>>
-StoredTable::FindDependants(std::span<const Value> before, std::span<const Value> after) {
+StoredTable::FindDependants(RowId row, std::span<const Value> before,
+                            std::span<const Value> after) {
     std::vector<Dependants> all;
     for (const LogicalIndex& index : definition_.logical_indexes) {
         if (index.kind != IndexKind::kRelation || index.side != RelationSide::kPrimary) continue;
@@ -79,22 +92,33 @@ StoredTable::FindDependants(std::span<const Value> before, std::span<const Value
             if (found.new_key == old_key) continue;
         }
         ASSIGN_OR_RETURN(found.table, tables_.TableAt(index.other_table));
-        const LogicalIndex* partner = FindPartner(*found.table, index.partner);
+        const LogicalIndex* partner = found.table->definition_.FindIndex(index.partner);
         if (partner == nullptr) continue;
         found.columns = found.table->indexes_.ColumnsOf(partner->real);
         if (found.columns.size() != columns.size()) continue;
         const Bytes key = found.table->indexes_.KeyOf(partner->real, old_key);
+        // A row that refers to itself does not hold itself back when it goes, nor when it is given
+        // another reference with its new key.
+        const bool frees_itself =
+            found.table == this &&
+            (after.empty() || indexes_.KeyOf(partner->real, Pick(after, found.columns)) != key);
         const IndexTree& tree = found.table->indexes_.tree(partner->real);
         ASSIGN_OR_RETURN(IndexTree::Place place, tree.Seek(key));
         while (!place.at_end() && place.view.StartsWith(place.entry, key)) {
-            if (place.view.EntryBytes(place.entry) == key.size() + kRowIdBytes)
-                found.rows.push_back(place.view.Row(place.entry));
+            const RowId dependant = place.view.Row(place.entry);
+            if (place.view.EntryBytes(place.entry) == key.size() + kRowIdBytes &&
+                !(frees_itself && dependant == row))
+                found.rows.push_back(dependant);
             RETURN_IF_ERROR(tree.Next(place));
         }
         if (found.rows.empty()) continue;
         const std::uint8_t cascade = after.empty() ? index.cascade_deletes : index.cascade_updates;
-        if (cascade != 1 && !(after.empty() && cascade == 2))
+        if (cascade != 1 && !(after.empty() && cascade == 2)) {
+            // Another spelling of the same key leaves the rows related.
+            if (!after.empty() && found.table->indexes_.KeyOf(partner->real, found.new_key) == key)
+                continue;
             return errors::HasRelatedRecords(found.table->design_.name);
+        }
         found.set_null = after.empty() && cascade == 2;
         if (found.set_null) found.new_key.assign(columns.size(), Value::Null());
         all.push_back(std::move(found));
@@ -108,25 +132,31 @@ base::Status StoredTable::ChangeDependants(const std::vector<Dependants>& all) {
     const CascadeStep deeper(cascade_depth_);
     for (const Dependants& dependants : all) {
         for (const RowId row : dependants.rows) {
-            StoredTable& table = *dependants.table;
-            auto values = table.ReadKeyColumns(row);
+            auto values = dependants.table->ReadKeyColumns(row);
             if (values.status().number() == 3167) continue;  // gone by another way
             if (!values.ok()) return values.status();
-            if (dependants.new_key.empty()) {
-                RETURN_IF_ERROR(table.Delete(row));
-                continue;
-            }
-            RETURN_IF_ERROR(table.CheckWritable());
-            std::vector<bool> changed(table.definition_.columns.size());
-            for (std::size_t i = 0; i < dependants.columns.size(); ++i) {
-                values.value()[dependants.columns[i]] = dependants.new_key[i];
-                changed[dependants.columns[i]] = true;
-            }
             RETURN_IF_ERROR(
-                table.UpdateColumns(row, std::move(values).value(), std::move(changed)));
+                dependants.new_key.empty()
+                    ? dependants.table->Delete(row)
+                    : dependants.table->SetForeignKey(row, std::move(values).value(), dependants));
         }
     }
     return {};
+}
+
+base::Status StoredTable::SetForeignKey(RowId row, std::vector<Value> values,
+                                        const Dependants& dependants) {
+    RETURN_IF_ERROR(CheckWritable());
+    std::vector<bool> changed(definition_.columns.size());
+    for (std::size_t i = 0; i < dependants.columns.size(); ++i) {
+        const std::size_t position = dependants.columns[i];
+        values[position] = dependants.new_key[i];
+        changed[position] = true;
+        // The rules of this side may be stricter.
+        RETURN_IF_ERROR(
+            Prepare(ShownPosition(definition_.columns[position].number), values[position]));
+    }
+    return UpdateColumns(row, std::move(values), std::move(changed));
 }
 
 }  // namespace jet

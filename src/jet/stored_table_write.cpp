@@ -94,7 +94,7 @@ base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
     ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(stored));
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Check(index, keys[index], stored, {}));
-    RETURN_IF_ERROR(CheckParents(stored, nullptr));
+    RETURN_IF_ERROR(CheckParents({}, stored, nullptr));
 
     ASSIGN_OR_RETURN(const RowId row, rows_.Insert(stored));
     for (std::size_t index = 0; index < keys.size(); ++index)
@@ -140,8 +140,8 @@ base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
     for (std::size_t index = 0; index < keys.size(); ++index)
         if (keys[index] != old_keys[index])
             RETURN_IF_ERROR(indexes_.Check(index, keys[index], values, row));
-    RETURN_IF_ERROR(CheckParents(values, &changed));
-    ASSIGN_OR_RETURN(const auto dependants, FindDependants(before, values));
+    RETURN_IF_ERROR(CheckParents(row, values, &changed));
+    ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, before, values));
 
     RETURN_IF_ERROR(rows_.Update(row, values, changed));
     for (std::size_t index = 0; index < keys.size(); ++index) {
@@ -163,7 +163,7 @@ base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
 base::Status StoredTable::Delete(RowId row) {
     RETURN_IF_ERROR(CheckWritable());
     ASSIGN_OR_RETURN(const std::vector<Value> values, ReadKeyColumns(row));
-    ASSIGN_OR_RETURN(const auto dependants, FindDependants(values, {}));
+    ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, values, {}));
     ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Remove(index, keys[index], row));

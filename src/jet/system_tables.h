@@ -21,10 +21,12 @@ enum AccessColumn : std::uint16_t {
     kAccessMask = 2,
     kAccessInheritable = 3,
 };
-// Column numbers of MSysRelationships, as far as they are needed.
+// Column numbers of MSysRelationships.
 enum RelationColumn : std::uint16_t {
     kRelationName = 0,
     kRelationFlags = 1,
+    kRelationColumnCount = 2,
+    kRelationColumnPosition = 3,
     kRelationTable = 4,
     kRelationColumn = 5,
     kRelationReferencedTable = 6,

@@ -114,9 +114,14 @@ struct TableDefinition {
     std::vector<LongValueMaps> long_values;
 
     const ColumnDefinition* FindColumn(std::uint16_t number) const;
+    // nullptr: there is none. The number is the logical index's own.
+    const LogicalIndex* FindIndex(std::int32_t number) const;
     // Bytes of the fixed area of a row written now.
     std::size_t fixed_bytes() const;
 };
+
+// A number that no logical index of the table has.
+std::uint32_t NextIndexNumber(const TableDefinition& definition);
 
 // Follows the chain of definition pages from `page`. Damage is kCorruption.
 base::Result<TableDefinition> ReadTableDefinition(PageStore& store, const Format& format,

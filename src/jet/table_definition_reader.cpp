@@ -215,6 +215,20 @@ const ColumnDefinition* TableDefinition::FindColumn(std::uint16_t number) const 
     return found == columns.end() ? nullptr : &*found;
 }
 
+const LogicalIndex* TableDefinition::FindIndex(std::int32_t number) const {
+    const auto found = std::ranges::find_if(logical_indexes, [&](const LogicalIndex& index) {
+        return static_cast<std::int32_t>(index.number) == number;
+    });
+    return found == logical_indexes.end() ? nullptr : &*found;
+}
+
+std::uint32_t NextIndexNumber(const TableDefinition& definition) {
+    std::uint32_t next = 0;
+    for (const LogicalIndex& known : definition.logical_indexes)
+        next = std::max(next, known.number + 1);
+    return next;
+}
+
 std::size_t TableDefinition::fixed_bytes() const {
     std::size_t bytes = 0;
     for (const ColumnDefinition& column : columns)

@@ -87,6 +87,24 @@ TEST_F(StorageReuseTest, RoomIsFoundWithoutTheMapOfFreeSpace) {
     EXPECT_LE(PageCount(), before + 1);
 }
 
+// A page that one column gave back and another took is not found again by the first.
+TEST_F(StorageReuseTest, ForgottenPageOfAnotherColumnIsLeftAlone) {
+    TableDesign design;
+    design.name = u"Two";
+    design.columns = {Column(u"A", ColumnType::kMemo), Column(u"B", ColumnType::kMemo)};
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    std::vector<RowId> rows;
+    for (int i = 0; i < 45; ++i)  // a page each, more than one search looks at
+        rows.push_back(Insert(u"Two", {Value::Text(Notes(2000)), {}}).value());
+    Reopen();
+    ASSERT_TRUE(Insert(u"Two", {Value::Text(Notes(1900)), {}}).ok());  // begins the search
+    ASSERT_TRUE(Delete(u"Two", rows[0]).ok());
+    for (int i = 0; i < 3; ++i)
+        ASSERT_TRUE(Insert(u"Two", {{}, Value::Text(Notes(100))}).ok());
+    for (int i = 0; i < 20; ++i)
+        ASSERT_TRUE(Insert(u"Two", {Value::Text(Notes(700)), {}}).ok());
+}
+
 TEST_F(StorageReuseTest, MemoChangesItsFormAndBack) {
     CreateGames();
     const RowId row = InsertGame(u"Taxi", 1988, Notes(10)).value();

@@ -260,6 +260,10 @@ public:
             });
         return erased == 1 ? base::Status::Ok() : jet::JetError(3372, index, name);
     }
+    base::Status CreateRelation(const jet::RelationDesign&) override { return jet::JetError(3219); }
+    base::Status DropRelation(std::u16string_view name, std::u16string_view relation) override {
+        return jet::JetError(3372, relation, name);
+    }
 
     void UseRowRules(std::unique_ptr<const jet::RowRuleMaker> maker) override {
         rule_maker_ = std::move(maker);

@@ -169,10 +169,16 @@ struct IndexDefinition {
     bool ignore_nulls = false;
 };
 
+// What constraints ask for. The relations' own table is the one of the statement.
+struct Constraints {
+    std::vector<IndexDefinition> indexes;
+    std::vector<RelationDesign> relations;
+};
+
 struct CreateTableStatement {
     std::u16string table;
     std::vector<ColumnDesign> columns;
-    std::vector<IndexDefinition> indexes;
+    Constraints constraints;
 };
 
 struct CreateIndexStatement {
@@ -185,16 +191,16 @@ enum class AlterKind : std::uint8_t {
     kAlterColumn,
     kSetDefault,
     kDropColumn,
-    kAddIndex,
-    kDropIndex
+    kAddConstraint,
+    kDropConstraint
 };
 
 struct AlterTableStatement {
     std::u16string table;
     AlterKind kind = AlterKind::kAddColumn;
-    std::vector<ColumnDesign> columns;     // kSetDefault: name and default only
-    std::vector<IndexDefinition> indexes;  // of new columns, or the new one
-    std::vector<std::u16string> names;     // what is dropped
+    std::vector<ColumnDesign> columns;  // kSetDefault: name and default only
+    Constraints constraints;            // of new columns, or the new one
+    std::vector<std::u16string> names;  // what is dropped
 };
 
 struct DropStatement {

@@ -31,6 +31,21 @@ Status AddIndex(const std::u16string& table, const IndexDefinition& definition, 
     return session.database->CreateIndex(table, index);
 }
 
+Status AddRelations(const std::u16string& table, const Constraints& constraints, Session& session) {
+    for (RelationDesign relation : constraints.relations) {
+        relation.table = table;
+        RETURN_IF_ERROR(session.database->CreateRelation(relation));
+    }
+    return Status::Ok();
+}
+
+Status AddConstraints(const std::u16string& table, const Constraints& constraints,
+                      Session& session) {
+    for (const IndexDefinition& index : constraints.indexes)
+        RETURN_IF_ERROR(AddIndex(table, index, session));
+    return AddRelations(table, constraints, session);
+}
+
 // A missing table has its own message here.
 Result<Table*> FindTable(const std::u16string& name, Session& session) {
     auto table = session.database->FindTable(name);
@@ -54,9 +69,7 @@ Status AlterColumn(const AlterTableStatement& alter, const Table& table, Session
     column.allow_zero_length = before->allow_zero_length;
     if (column.type == before->type) column.compressed = column.compressed || before->compressed;
     RETURN_IF_ERROR(session.database->AlterColumn(alter.table, column));
-    for (const IndexDefinition& index : alter.indexes)
-        RETURN_IF_ERROR(AddIndex(alter.table, index, session));
-    return Status::Ok();
+    return AddConstraints(alter.table, alter.constraints, session);
 }
 
 Status SetDefault(const AlterTableStatement& alter, const Table& table, Session& session) {
@@ -70,16 +83,20 @@ Status SetDefault(const AlterTableStatement& alter, const Table& table, Session&
 Status AddColumns(const AlterTableStatement& alter, Session& session) {
     for (const ColumnDesign& column : alter.columns)
         RETURN_IF_ERROR(session.database->AddColumn(alter.table, column));
-    for (const IndexDefinition& index : alter.indexes)
-        RETURN_IF_ERROR(AddIndex(alter.table, index, session));
-    return Status::Ok();
+    return AddConstraints(alter.table, alter.constraints, session);
+}
+
+// A constraint is a relation or an index.
+Status DropConstraint(const std::u16string& table, const std::u16string& name, Session& session) {
+    Status status = session.database->DropRelation(table, name);
+    return status.number() == 3372 ? session.database->DropIndex(table, name) : status;
 }
 
 Status DropParts(const AlterTableStatement& alter, Session& session) {
     for (const std::u16string& name : alter.names) {
         RETURN_IF_ERROR(alter.kind == AlterKind::kDropColumn
                             ? session.database->DropColumn(alter.table, name)
-                            : session.database->DropIndex(alter.table, name));
+                            : DropConstraint(alter.table, name, session));
     }
     return Status::Ok();
 }
@@ -92,8 +109,8 @@ Status Apply(const AlterTableStatement& alter, const Table& table, Session& sess
         return AlterColumn(alter, table, session);
     case AlterKind::kSetDefault:
         return SetDefault(alter, table, session);
-    case AlterKind::kAddIndex:
-        return AddIndex(alter.table, alter.indexes[0], session);
+    case AlterKind::kAddConstraint:
+        return AddConstraints(alter.table, alter.constraints, session);
     default:
         return DropParts(alter, session);
     }
@@ -115,13 +132,14 @@ Status Execute(const CreateTableStatement& create, Session& session) {
         design.columns.push_back(column);
     }
     if (design.columns.empty()) return JetError(3290);
-    for (const IndexDefinition& definition : create.indexes) {
+    for (const IndexDefinition& definition : create.constraints.indexes) {
         ASSIGN_OR_RETURN(IndexDesign index, MakeIndex(definition, design));
         design.indexes.push_back(std::move(index));
     }
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(BeginDesign(session, transaction));
     RETURN_IF_ERROR(session.database->CreateTable(design));
+    RETURN_IF_ERROR(AddRelations(create.table, create.constraints, session));
     return transaction.Commit();
 }
 

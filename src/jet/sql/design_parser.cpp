@@ -49,26 +49,29 @@ Result<Statement> StatementParser::ParseCreateTable() {
     ASSIGN_OR_RETURN(create.table, tokens_.TakeName(failure));
     if (!tokens_.TakeSymbol(u"(")) return failure;
     do {
-        if (tokens_.IsWord(u"CONSTRAINT") || tokens_.IsWord(u"PRIMARY") ||
-            tokens_.IsWord(u"UNIQUE")) {
-            ASSIGN_OR_RETURN(IndexDefinition index, ParseConstraint());
-            create.indexes.push_back(std::move(index));
+        if (AtConstraint()) {
+            RETURN_IF_ERROR(ParseConstraint(create.constraints));
             continue;
         }
-        ASSIGN_OR_RETURN(ColumnDesign column, ParseColumn(create.indexes));
+        ASSIGN_OR_RETURN(ColumnDesign column, ParseColumn(create.constraints));
         create.columns.push_back(std::move(column));
     } while (tokens_.TakeSymbol(u","));
     if (!tokens_.TakeSymbol(u")")) return failure;
     return Statement(std::move(create));
 }
 
-// name type [(size)] [rules]; a rule that makes an index adds it to `indexes`.
-Result<ColumnDesign> StatementParser::ParseColumn(std::vector<IndexDefinition>& indexes) {
+bool StatementParser::AtConstraint() const {
+    return tokens_.IsWord(u"CONSTRAINT") || tokens_.IsWord(u"PRIMARY") ||
+           tokens_.IsWord(u"UNIQUE") || (tokens_.IsWord(u"FOREIGN") && tokens_.IsWord(u"KEY", 1));
+}
+
+// name type [(size)] [rules]; a rule that makes an index or a relation adds it to `constraints`.
+Result<ColumnDesign> StatementParser::ParseColumn(Constraints& constraints) {
     ColumnDesign column;
     ASSIGN_OR_RETURN(column.name, tokens_.TakeName(BadField()));
     RETURN_IF_ERROR(ParseType(column));
     for (bool more = true; more;)
-        RETURN_IF_ERROR(ParseColumnRule(column, indexes, more));
+        RETURN_IF_ERROR(ParseColumnRule(column, constraints, more));
     return column;
 }
 
@@ -106,7 +109,7 @@ Status StatementParser::ParseType(ColumnDesign& column) {
     return Status::Ok();
 }
 
-Status StatementParser::ParseColumnRule(ColumnDesign& column, std::vector<IndexDefinition>& indexes,
+Status StatementParser::ParseColumnRule(ColumnDesign& column, Constraints& constraints,
                                         bool& more) {
     if (tokens_.TakeWord(u"NULL")) return Status::Ok();
     if (tokens_.TakeWords({u"NOT", u"NULL"})) {
@@ -129,10 +132,14 @@ Status StatementParser::ParseColumnRule(ColumnDesign& column, std::vector<IndexD
         index.primary = true;
     else if (tokens_.TakeWord(u"UNIQUE"))
         index.unique = true;
-    else if (tokens_.IsWord(u"REFERENCES"))
-        return {base::StatusCode::kUnsupported, "Relations between tables are not supported.",
-                3292};
-    else if (!index.name.empty())
+    else if (tokens_.IsWord(u"REFERENCES")) {
+        RelationDesign relation;
+        relation.name = index.name;
+        relation.columns = {column.name};
+        RETURN_IF_ERROR(ParseReferences(relation));
+        constraints.relations.push_back(std::move(relation));
+        return Status::Ok();
+    } else if (!index.name.empty())
         return BadField();
     else {
         more = false;
@@ -140,7 +147,7 @@ Status StatementParser::ParseColumnRule(ColumnDesign& column, std::vector<IndexD
     }
     if (index.name.empty()) index.name = index.primary ? u"PrimaryKey" : column.name;
     index.columns.push_back({column.name, false});
-    indexes.push_back(std::move(index));
+    constraints.indexes.push_back(std::move(index));
     return Status::Ok();
 }
 
@@ -163,8 +170,8 @@ Result<std::u16string> StatementParser::ParseDefault() {
     return std::u16string(tokens_.TextSince(begin));
 }
 
-// [CONSTRAINT name] PRIMARY KEY | UNIQUE (columns)
-Result<IndexDefinition> StatementParser::ParseConstraint() {
+// [CONSTRAINT name] PRIMARY KEY | UNIQUE (columns), or one with FOREIGN KEY.
+Status StatementParser::ParseConstraint(Constraints& constraints) {
     IndexDefinition index;
     if (tokens_.TakeWord(u"CONSTRAINT")) {
         ASSIGN_OR_RETURN(index.name, tokens_.TakeName(BadField()));
@@ -173,14 +180,69 @@ Result<IndexDefinition> StatementParser::ParseConstraint() {
         index.primary = true;
     else if (tokens_.TakeWord(u"UNIQUE"))
         index.unique = true;
-    else if (tokens_.IsWord(u"FOREIGN") || tokens_.IsWord(u"CHECK"))
-        return Status(base::StatusCode::kUnsupported,
-                      "Only PRIMARY KEY and UNIQUE constraints are supported.", 3292);
+    else if (tokens_.TakeWords({u"FOREIGN", u"KEY"})) {
+        ASSIGN_OR_RETURN(RelationDesign relation, ParseForeignKey());
+        relation.name = index.name;
+        constraints.relations.push_back(std::move(relation));
+        return Status::Ok();
+    } else if (tokens_.IsWord(u"CHECK"))
+        return {base::StatusCode::kUnsupported,
+                "Only PRIMARY KEY, UNIQUE and FOREIGN KEY constraints are supported.", 3292};
     else
         return BadField();
     RETURN_IF_ERROR(ParseIndexColumns(index, BadField()));
     if (index.name.empty()) index.name = index.primary ? u"PrimaryKey" : index.columns[0].name;
-    return index;
+    constraints.indexes.push_back(std::move(index));
+    return Status::Ok();
+}
+
+// [NO INDEX] (columns) REFERENCES ... The engine keeps relations by an index, so it makes one in
+// any case.
+Result<RelationDesign> StatementParser::ParseForeignKey() {
+    RelationDesign relation;
+    tokens_.TakeWords({u"NO", u"INDEX"});
+    ASSIGN_OR_RETURN(relation.columns, ParseNames());
+    RETURN_IF_ERROR(ParseReferences(relation));
+    return relation;
+}
+
+// REFERENCES table [(columns)] [ON UPDATE rule] [ON DELETE rule]
+Status StatementParser::ParseReferences(RelationDesign& relation) {
+    if (!tokens_.TakeWord(u"REFERENCES")) return BadField();
+    ASSIGN_OR_RETURN(relation.referenced_table, tokens_.TakeName(BadField()));
+    if (tokens_.IsSymbol(u"(")) {
+        ASSIGN_OR_RETURN(relation.referenced_columns, ParseNames());
+    }
+    while (tokens_.TakeWord(u"ON"))
+        RETURN_IF_ERROR(ParseRelationRule(relation));
+    return Status::Ok();
+}
+
+Status StatementParser::ParseRelationRule(RelationDesign& relation) {
+    const bool on_update = tokens_.TakeWord(u"UPDATE");
+    if (!on_update && !tokens_.TakeWord(u"DELETE")) return BadField();
+    RelationRule& rule = on_update ? relation.on_update : relation.on_delete;
+    if (tokens_.TakeWord(u"CASCADE"))
+        rule = RelationRule::kCascade;
+    else if (tokens_.TakeWords({u"NO", u"ACTION"}))
+        rule = RelationRule::kRefuse;
+    else if (tokens_.TakeWords({u"SET", u"NULL"}) && !on_update)
+        rule = RelationRule::kSetNull;
+    else
+        return BadField();
+    return Status::Ok();
+}
+
+// (name, name ...)
+Result<std::vector<std::u16string>> StatementParser::ParseNames() {
+    std::vector<std::u16string> names;
+    if (!tokens_.TakeSymbol(u"(")) return BadField();
+    do {
+        ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(BadField()));
+        names.push_back(std::move(name));
+    } while (tokens_.TakeSymbol(u","));
+    if (!tokens_.TakeSymbol(u")")) return BadField();
+    return names;
 }
 
 Status StatementParser::ParseIndexColumns(IndexDefinition& index, const Status& failure) {
@@ -233,16 +295,14 @@ Result<Statement> StatementParser::ParseAlter() {
 }
 
 Status StatementParser::ParseAdd(AlterTableStatement& alter) {
-    if (tokens_.IsWord(u"CONSTRAINT") || tokens_.IsWord(u"PRIMARY") || tokens_.IsWord(u"UNIQUE")) {
-        alter.kind = AlterKind::kAddIndex;
-        ASSIGN_OR_RETURN(IndexDefinition index, ParseConstraint());
-        alter.indexes.push_back(std::move(index));
-        return Status::Ok();
+    if (AtConstraint()) {
+        alter.kind = AlterKind::kAddConstraint;
+        return ParseConstraint(alter.constraints);
     }
     alter.kind = AlterKind::kAddColumn;
     tokens_.TakeWord(u"COLUMN");
     do {
-        ASSIGN_OR_RETURN(ColumnDesign column, ParseColumn(alter.indexes));
+        ASSIGN_OR_RETURN(ColumnDesign column, ParseColumn(alter.constraints));
         alter.columns.push_back(std::move(column));
     } while (tokens_.TakeSymbol(u","));
     return Status::Ok();
@@ -261,7 +321,7 @@ Status StatementParser::ParseAlterColumn(AlterTableStatement& alter) {
             ASSIGN_OR_RETURN(column.default_value, ParseDefault());
         }
     } else {
-        ASSIGN_OR_RETURN(column, ParseColumn(alter.indexes));
+        ASSIGN_OR_RETURN(column, ParseColumn(alter.constraints));
     }
     alter.columns.push_back(std::move(column));
     return Status::Ok();
@@ -269,7 +329,7 @@ Status StatementParser::ParseAlterColumn(AlterTableStatement& alter) {
 
 Status StatementParser::ParseDropPart(AlterTableStatement& alter) {
     const bool constraint = tokens_.TakeWord(u"CONSTRAINT");
-    alter.kind = constraint ? AlterKind::kDropIndex : AlterKind::kDropColumn;
+    alter.kind = constraint ? AlterKind::kDropConstraint : AlterKind::kDropColumn;
     if (!constraint) tokens_.TakeWord(u"COLUMN");
     do {
         ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(JetError(3293)));

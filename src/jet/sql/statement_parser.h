@@ -49,12 +49,16 @@ private:
     base::Status ParseAlterColumn(AlterTableStatement& alter);
     base::Status ParseDropPart(AlterTableStatement& alter);
     base::Result<Statement> ParseDrop();
-    base::Result<ColumnDesign> ParseColumn(std::vector<IndexDefinition>& indexes);
+    bool AtConstraint() const;
+    base::Result<ColumnDesign> ParseColumn(Constraints& constraints);
     base::Status ParseType(ColumnDesign& column);
-    base::Status ParseColumnRule(ColumnDesign& column, std::vector<IndexDefinition>& indexes,
-                                 bool& more);
+    base::Status ParseColumnRule(ColumnDesign& column, Constraints& constraints, bool& more);
     base::Result<std::u16string> ParseDefault();
-    base::Result<IndexDefinition> ParseConstraint();
+    base::Status ParseConstraint(Constraints& constraints);
+    base::Result<RelationDesign> ParseForeignKey();
+    base::Status ParseReferences(RelationDesign& relation);
+    base::Status ParseRelationRule(RelationDesign& relation);
+    base::Result<std::vector<std::u16string>> ParseNames();
     base::Status ParseIndexColumns(IndexDefinition& index, const base::Status& failure);
     base::Result<std::int64_t> ParseNumber(const base::Status& failure);
 
