@@ -44,6 +44,9 @@ public:
 struct KeyBound {
     std::vector<Value> values;
     bool inclusive = true;
+    // The last value is a text of plain ASCII characters, no hyphen or apostrophe among them, that stands for all texts
+    // that begin with it, letter case apart. Requires: inclusive.
+    bool prefix = false;
 };
 
 struct ColumnChange {

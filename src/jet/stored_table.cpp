@@ -68,7 +68,14 @@ base::Result<Bytes> StoredTable::BoundKey(const LogicalIndex& index, const KeyBo
         ASSIGN_OR_RETURN(values[i],
                          Coerce(values[i], design_.columns[static_cast<std::size_t>(shown)]));
     }
-    return indexes_.KeyOf(index.real, values);
+    Bytes key = indexes_.KeyOf(index.real, values);
+    if (bound.prefix) {
+        // What ends the key of a plain text, and with it the difference to the longer ones.
+        const bool ascending =
+            definition_.real_indexes[index.real].columns[values.size() - 1].ascending;
+        key.resize(key.size() - (!file_.format.jet4() ? 1 : ascending ? 2 : 3));
+    }
+    return key;
 }
 
 base::Result<std::unique_ptr<RowCursor>> StoredTable::Range(std::size_t index, const KeyBound& from,

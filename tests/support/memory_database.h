@@ -141,6 +141,7 @@ private:
         std::string key;
         for (std::size_t i = 0; i < bound.values.size(); ++i)
             jet::sql::AppendSortKey(bound.values[i], !index.columns[i].ascending, key);
+        if (bound.prefix) key.resize(key.size() - 2);  // what ends the key of a plain text
         return key;
     }
     base::Status CheckRules(const std::vector<jet::Value>& row,

@@ -102,7 +102,7 @@ constexpr Function kFunctions[] = {
     {u"CStr", 1, 1, FunctionKind::kStrict, CStr},
     {u"CVar", 1, 1, FunctionKind::kPlain, CVar},
     {u"Format", 1, 2, FunctionKind::kPlain, Format},
-    {u"GenGUID", 0, 0, FunctionKind::kStrict, GenGuid},
+    {u"GenGUID", 0, 0, FunctionKind::kChanging, GenGuid},
     {u"IsDate", 1, 1, FunctionKind::kPlain, IsDateCall},
     {u"IsEmpty", 1, 1, FunctionKind::kPlain, IsEmptyCall},
     {u"IsNull", 1, 1, FunctionKind::kPlain, IsNullCall},

@@ -153,7 +153,7 @@ Result<Value> CallStrictOrPlain(const Expression& call, EvalContext& context) {
         has_null = has_null || argument.is_null();
         arguments.push_back(std::move(argument));
     }
-    if (has_null && call.function->kind == FunctionKind::kStrict) return Value::Null();
+    if (has_null && call.function->kind != FunctionKind::kPlain) return Value::Null();
     return call.function->code(arguments, context);
 }
 

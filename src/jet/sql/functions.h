@@ -14,9 +14,10 @@ using Arguments = std::span<const Value>;
 using FunctionCode = base::Result<Value> (*)(Arguments arguments, EvalContext& context);
 
 enum class FunctionKind : std::uint8_t {
-    kStrict,  // Null when an argument is Null
-    kPlain,   // sees its Nulls
-    kIIf,     // these three evaluate only the argument that is needed
+    kStrict,    // Null when an argument is Null
+    kChanging,  // strict, and of another value at each call
+    kPlain,     // sees its Nulls
+    kIIf,       // these three evaluate only the argument that is needed
     kChoose,
     kSwitch,
 };

@@ -161,7 +161,7 @@ constexpr Function kFunctions[] = {
     {u"Log", 1, 1, FunctionKind::kStrict, Log},
     {u"Oct", 1, 1, FunctionKind::kStrict, Oct},
     {u"Partition", 4, 4, FunctionKind::kStrict, Partition},
-    {u"Rnd", 0, 1, FunctionKind::kStrict, Rnd},
+    {u"Rnd", 0, 1, FunctionKind::kChanging, Rnd},
     {u"Round", 1, 2, FunctionKind::kStrict, Round},
     {u"Sgn", 1, 1, FunctionKind::kStrict, Sgn},
     {u"Sin", 1, 1, FunctionKind::kStrict, Real<Sin>},

@@ -29,10 +29,7 @@ Result<std::unique_ptr<RowWalk>> RowWalk::Open(const Scope& scope, const AccessP
                                                const Expression* where, Session& session) {
     const Source& source = scope.sources()[0];
     auto walk = std::unique_ptr<RowWalk>(new RowWalk(source, where, session));
-    auto cursor = path.index ? source.table->Range(*path.index, path.from, path.to, path.backwards)
-                             : source.table->Scan();
-    if (!cursor.ok()) return cursor.status();
-    walk->cursor_ = std::move(cursor).value();
+    ASSIGN_OR_RETURN(walk->cursor_, OpenPath(*source.table, path));
     return walk;
 }
 
