@@ -2,7 +2,9 @@
 
 #include "base/byte_reader.h"
 #include "base/byte_writer.h"
+#include "jet/page_move.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 
@@ -11,14 +13,19 @@ namespace {
 
 constexpr char kMagic[] = "Jet page journal";
 constexpr std::size_t kMagicSize = sizeof kMagic - 1;
-constexpr std::uint32_t kVersion = 1;
+constexpr std::uint32_t kVersion = 2;
+constexpr std::uint32_t kOldestVersion = 1;  // without moves
 constexpr std::size_t kHeaderChecksumAt = 40;
 constexpr std::size_t kRecordChecksumAt = 16;
 
 // Two changes nearer than a range's own head become one.
 constexpr std::size_t kGapWorthARange = 4;
 
-enum class ChangeBase : std::uint16_t { kZeros = 0, kJournal = 1 };
+// A change with more bytes than this may be told shorter by a move.
+constexpr std::size_t kWorthAMove = 256;
+constexpr std::size_t kMoveBytes = 6;
+
+enum class ChangeBase : std::uint16_t { kZeros = 0, kJournal = 1, kMoved = 2 };
 
 std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
     hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
@@ -61,6 +68,18 @@ std::size_t FindEnd(std::span<const std::byte> a, std::span<const std::byte> b, 
     return end;
 }
 
+// Reads a move off the front of `payload` and makes it. false: it contradicts the format.
+bool ParseMove(std::span<const std::byte>& payload, std::span<std::byte> page) {
+    if (payload.size() < kMoveBytes) return false;
+    const PageMove move{base::LoadLittle<std::uint16_t>(payload.data()),
+                        base::LoadLittle<std::uint16_t>(payload.data() + 2),
+                        base::LoadLittle<std::uint16_t>(payload.data() + 4)};
+    if (std::size_t{std::max(move.from, move.to)} + move.size > page.size()) return false;
+    ApplyMove(move, page);
+    payload = payload.subspan(kMoveBytes);
+    return true;
+}
+
 // Reads one page change off the front of `payload`. false: it contradicts the format.
 bool ParseChange(std::span<const std::byte>& payload, std::uint32_t page_size,
                  PageNumber page_count, const JournalPages& known_pages, JournalPages& changed) {
@@ -70,9 +89,10 @@ bool ParseChange(std::span<const std::byte>& payload, std::uint32_t page_size,
     const auto ranges = base::LoadLittle<std::uint16_t>(payload.data() + 6);
     payload = payload.subspan(8);
     const auto known = known_pages.find(number);
-    if (number >= page_count || base > 1 || (base == 1 && known == known_pages.end())) return false;
-    auto page = base == 1 ? std::make_shared<PageBytes>(*known->second)
-                          : std::make_shared<PageBytes>(page_size);
+    if (number >= page_count || base > 2 || (base > 0 && known == known_pages.end())) return false;
+    auto page = base > 0 ? std::make_shared<PageBytes>(*known->second)
+                         : std::make_shared<PageBytes>(page_size);
+    if (base == 2 && !ParseMove(payload, *page)) return false;
     for (std::size_t i = 0; i < ranges; ++i) {
         if (payload.size() < 4) return false;
         const auto offset = base::LoadLittle<std::uint16_t>(payload.data());
@@ -84,6 +104,28 @@ bool ParseChange(std::span<const std::byte>& payload, std::uint32_t page_size,
     }
     changed[number] = std::move(page);
     return true;
+}
+
+// What turns `from`, the base in which `move` was made if there is one, into `after`.
+void AppendChange(std::vector<std::byte>& out, PageNumber page, ChangeBase kind,
+                  const std::optional<PageMove>& move, std::span<const std::byte> from,
+                  std::span<const std::byte> after) {
+    assert(from.size() == after.size() && after.size() <= 0x8000);
+    base::AppendLittle(out, page);
+    base::AppendLittle(out, static_cast<std::uint16_t>(kind));
+    const std::size_t count_at = out.size();
+    base::AppendLittle(out, std::uint16_t{0});
+    if (move)
+        for (const std::uint16_t number : {move->from, move->to, move->size})
+            base::AppendLittle(out, number);
+    std::uint16_t ranges = 0;
+    for (std::size_t at = FindDifference(from, after, 0); at < after.size();) {
+        const std::size_t end = FindEnd(from, after, at);
+        AppendRange(out, after, at, end);
+        ++ranges;
+        at = FindDifference(from, after, end);
+    }
+    base::StoreLittle(out.data() + count_at, ranges);
 }
 
 }  // namespace
@@ -118,7 +160,8 @@ std::uint64_t AppendJournalHeader(std::vector<std::byte>& out, const JournalHead
 std::optional<ParsedHeader> ParseJournalHeader(std::span<const std::byte> bytes) {
     if (bytes.size() < kJournalHeaderSize || std::memcmp(bytes.data(), kMagic, kMagicSize) != 0)
         return std::nullopt;
-    if (base::LoadLittle<std::uint32_t>(bytes.data() + 16) != kVersion) return std::nullopt;
+    const auto version = base::LoadLittle<std::uint32_t>(bytes.data() + 16);
+    if (version < kOldestVersion || version > kVersion) return std::nullopt;
     ParsedHeader parsed;
     parsed.header.page_size = base::LoadLittle<std::uint32_t>(bytes.data() + 20);
     parsed.header.salt = base::LoadLittle<std::uint64_t>(bytes.data() + 24);
@@ -149,22 +192,19 @@ std::uint64_t FinishRecord(std::vector<std::byte>& out, std::size_t start, Recor
 
 void AppendPageChange(std::vector<std::byte>& out, PageNumber page,
                       std::span<const std::byte> before, std::span<const std::byte> after) {
-    const PageBytes zeros(before.empty() ? after.size() : 0);
-    const ChangeBase base = before.empty() ? ChangeBase::kZeros : ChangeBase::kJournal;
-    if (before.empty()) before = zeros;
-    assert(before.size() == after.size() && after.size() <= 0x8000);
-    base::AppendLittle(out, page);
-    base::AppendLittle(out, static_cast<std::uint16_t>(base));
-    const std::size_t count_at = out.size();
-    base::AppendLittle(out, std::uint16_t{0});
-    std::uint16_t ranges = 0;
-    for (std::size_t at = FindDifference(before, after, 0); at < after.size();) {
-        const std::size_t end = FindEnd(before, after, at);
-        AppendRange(out, after, at, end);
-        ++ranges;
-        at = FindDifference(before, after, end);
+    const std::size_t start = out.size();
+    if (before.empty()) {
+        const PageBytes zeros(after.size());
+        return AppendChange(out, page, ChangeBase::kZeros, {}, zeros, after);
     }
-    base::StoreLittle(out.data() + count_at, ranges);
+    AppendChange(out, page, ChangeBase::kJournal, {}, before, after);
+    if (out.size() - start <= kWorthAMove) return;
+    const std::optional<PageMove> move = FindMove(before, after);
+    if (!move) return;
+    PageBytes moved(before.begin(), before.end());
+    ApplyMove(*move, moved);
+    out.resize(start);
+    AppendChange(out, page, ChangeBase::kMoved, move, moved, after);
 }
 
 RecordHead ParseRecordHead(std::span<const std::byte> bytes) {

@@ -46,11 +46,19 @@ void PageWorkload::MakeNext() {
             byte = static_cast<std::byte>(random_());
         const auto number = static_cast<std::uint32_t>(number_of_step);
         std::memcpy(edit.bytes.data(), &number, sizeof number);
-        std::memcpy(content[edit.page].data() + edit.offset, edit.bytes.data(), edit.bytes.size());
+        edit.inserts = !is_header && edit.bytes.size() % 3 == 0;
+        Apply(edit, content[edit.page]);
         step.edits.push_back(std::move(edit));
     }
     steps_[number_of_step] = std::move(step);
     contents_[number_of_step + 1] = std::move(content);
+}
+
+void PageWorkload::Apply(const Edit& edit, std::span<std::byte> page) {
+    std::byte* const at = page.data() + edit.offset;
+    const std::size_t size = edit.bytes.size();
+    if (edit.inserts) std::memmove(at + size, at, page.size() - edit.offset - size);
+    std::memcpy(at, edit.bytes.data(), size);
 }
 
 base::Status PageWorkload::RunOpen(jet::PageStore& store, const Step& step) {
@@ -61,7 +69,7 @@ base::Status PageWorkload::RunOpen(jet::PageStore& store, const Step& step) {
     for (const Edit& edit : step.edits) {
         const auto page = store.Change(edit.page);
         if (!page.ok()) return page.status();
-        std::memcpy(page->data() + edit.offset, edit.bytes.data(), edit.bytes.size());
+        Apply(edit, *page);
     }
     return {};
 }

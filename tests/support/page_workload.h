@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <map>
 #include <random>
+#include <span>
 #include <vector>
 
 namespace test_support {
@@ -46,12 +47,14 @@ private:
         jet::PageNumber page = 0;
         std::size_t offset = 0;
         std::vector<std::byte> bytes;
+        bool inserts = false;  // what stands there goes up to make room
     };
     struct Step {
         jet::PageNumber new_pages = 0;
         std::vector<Edit> edits;
     };
     void MakeNext();
+    static void Apply(const Edit& edit, std::span<std::byte> page);
     base::Status RunOpen(jet::PageStore& store, const Step& step);
 
     std::uint32_t page_size_;

@@ -1,0 +1,27 @@
+// PageMove: a block of bytes that stands somewhere else on a page than before, as all entries of an
+// index page do that lie behind a new one. Naming it takes fewer bytes than repeating the block.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace jet {
+
+struct PageMove {
+    std::uint16_t from = 0;
+    std::uint16_t to = 0;
+    std::uint16_t size = 0;  // the two places may overlap
+    bool operator==(const PageMove&) const = default;
+};
+
+// The block before the last byte that differs, if it was moved a little way up or down. nullopt:
+// nothing of some length was. Requires: pages of one size, at most 32 KiB.
+std::optional<PageMove> FindMove(std::span<const std::byte> before,
+                                 std::span<const std::byte> after);
+
+// Requires: both places lie on the page.
+void ApplyMove(const PageMove& move, std::span<std::byte> page);
+
+}  // namespace jet
