@@ -37,7 +37,7 @@ base::Status EngineStatus(const base::Status& status) {
 FilePageStore::FilePageStore(FileSystem& files, const std::filesystem::path& path, Parts parts,
                              const PageStoreOptions& options)
     : path_(path), page_size_(parts.page_size), read_only_(options.read_only),
-      committed_count_(parts.page_count), file_(std::move(parts.file)),
+      committed_count_(parts.page_count), ahead_(parts.page_size), file_(std::move(parts.file)),
       owner_(std::move(parts.owner)), journal_(files, Journal::PathFor(path)),
       cache_(options.cache_bytes / parts.page_size), pages_in_file_(parts.page_count) {}
 
@@ -89,6 +89,7 @@ base::Result<SharedPage> FilePageStore::Load(PageNumber page) {
         if (SharedPage known = FindInMemory(page)) return known;
         if (page >= pages_in_file_) return NoSuchPage(page);
     }
+    if (SharedPage ahead = TakeAhead(page)) return ahead;
     return Fetch(page);
 }
 
@@ -96,6 +97,7 @@ base::Result<SharedPage> FilePageStore::Load(PageNumber page) {
 // thread. So what is read without the lock is not being written.
 base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
     PageNumber count = read_ahead_.PagesFrom(page);
+    if (page == 0) count = 1;  // a checkpoint changes its mark without a commit
     {
         const std::lock_guard lock(mutex_);
         count = std::min(count, pages_in_file_ - page);
@@ -103,22 +105,36 @@ base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
         if (next_pending != pending_.end()) count = std::min(count, next_pending->first - page);
     }
     const std::uint64_t offset = std::uint64_t{page} * page_size_;
-    PageBytes bytes(std::size_t{count} * page_size_);
-    if (count > 1 && !file_->ReadAt(offset, bytes).ok()) count = 1;  // one of the others is bad
+    const std::span<std::byte> bytes = ahead_.Room(count);
+    // When many cannot be read, one of the others may be bad.
+    if (count > 1 && !file_->ReadAt(offset, bytes).ok()) count = 1;
     if (count == 1) {
-        bytes.resize(page_size_);
-        const base::Status read = file_->ReadAt(offset, bytes);
+        const base::Status read = file_->ReadAt(offset, bytes.first(page_size_));
         if (!read.ok()) return EngineStatus(read);
     }
+    ahead_.Hold(page, count);
+    if (count > 1 && read_ahead_.is_long_walk()) return TakeAhead(page);
     const std::lock_guard lock(mutex_);
     SharedPage wanted;
     for (PageNumber i = count; i-- > 0;) {
         if (i > 0 && cache_.Contains(page + i)) continue;
-        const auto from = bytes.begin() + static_cast<std::ptrdiff_t>(std::size_t{i} * page_size_);
-        wanted = std::make_shared<PageBytes>(from, from + page_size_);
+        wanted = ahead_.Copy(page + i);
         cache_.Put(page + i, wanted);
     }
+    ahead_.Forget();
     return wanted;
+}
+
+// null: it was not read ahead. Who asks twice for a page is not walking, and it goes to the cache.
+SharedPage FilePageStore::TakeAhead(PageNumber page) {
+    if (!ahead_.Contains(page)) return nullptr;
+    SharedPage bytes = ahead_.Copy(page);
+    if (page == last_ahead_) {
+        const std::lock_guard lock(mutex_);
+        cache_.Put(page, bytes);
+    }
+    last_ahead_ = page;
+    return bytes;
 }
 
 // ---------------------------------------------------------------------------------- changing
@@ -183,6 +199,7 @@ base::Status FilePageStore::AppendToJournal() {
 }
 
 void FilePageStore::TakeIntoPending() {
+    ahead_.Forget();
     for (const auto& [number, page] : transaction_.pages()) {
         pending_[number] = page.after;
         cache_.Erase(number);

@@ -12,11 +12,14 @@
 // Until 5 is done the journal can repeat everything; until 2 is done the database file is not
 // touched. Opening a file with a journal continues that journal and runs a checkpoint at once.
 //
+// A long walk reads ahead into `ahead_`, which holds no page that was committed since.
+//
 // Threads: everything that `mutex_` names is reached under it; `checkpoint_mutex_` keeps
 // checkpoints apart and is taken first. The journal's bytes and the database file are written by a
 // checkpoint without `mutex_`: the store's own thread never reads a pending page from the file.
 #pragma once
 
+#include "jet/ahead_pages.h"
 #include "jet/flusher.h"
 #include "jet/journal_recovery.h"
 #include "jet/owner_file.h"
@@ -74,6 +77,7 @@ private:
     base::Status CheckUsable() const;
     base::Result<SharedPage> Load(PageNumber page);
     base::Result<SharedPage> Fetch(PageNumber page);
+    SharedPage TakeAhead(PageNumber page);
     SharedPage FindInMemory(PageNumber page);
     base::Result<JournalHeader> MakeJournalHeader();
     base::Status GiveFirstMark(PageBytes& first_page);
@@ -95,6 +99,8 @@ private:
     PageTransaction transaction_;
     PageNumber committed_count_;
     ReadAhead read_ahead_;
+    AheadPages ahead_;
+    PageNumber last_ahead_ = 0;  // the page of `ahead_` that was asked for last
 
     std::mutex checkpoint_mutex_;
     std::mutex mutex_;

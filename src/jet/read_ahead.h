@@ -18,14 +18,19 @@ public:
         // a walk.
         const bool is_walk = page >= next_ && page - next_ <= kSmallStep;
         window_ = is_walk ? std::min(window_ * 2, kMostPages) : 1;
+        walked_ = is_walk ? walked_ + window_ : 0;
         next_ = page + window_;
         return window_;
     }
+    // True once the walk has become so long that keeping its pages would cost more than it helps.
+    bool is_long_walk() const { return walked_ > kLongWalk; }
 
 private:
     static constexpr PageNumber kSmallStep = 8;
+    static constexpr PageNumber kLongWalk = 512;
     PageNumber next_ = 0;
     PageNumber window_ = 1;
+    PageNumber walked_ = 0;
 };
 
 }  // namespace jet

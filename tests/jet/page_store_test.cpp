@@ -146,6 +146,48 @@ TEST_P(PageStoreTest, FollowsTheModelThroughManyTransactions) {
     }
 }
 
+// More pages than the store reads at a time, and than it keeps of a walk.
+TEST_P(PageStoreTest, ALongWalkMeetsWhatIsCommittedOnItsWay) {
+    constexpr PageNumber kPages = 1500;
+    constexpr PageNumber kAtOnce = 40;
+    Open(MakePages(1, kPages + kAtOnce));
+    std::vector<int> expected(kPages + kAtOnce, 0);
+    for (PageNumber page = 1; page < kPages; ++page) {
+        ASSERT_EQ(ByteAt(page, 100), expected[page]) << page;
+        if (page % 100 != 30) continue;
+        ASSERT_TRUE(store_->Begin().ok());
+        for (PageNumber next = page + 1; next <= page + kAtOnce; ++next) {
+            expected[next] = static_cast<int>(next % 251);
+            WriteByte(next, 100, expected[next]);
+        }
+        ASSERT_TRUE(store_->Commit().ok());
+        if (page % 200 == 30) {
+            ASSERT_TRUE(store_->Flush().ok());
+        }
+        ASSERT_EQ(ByteAt(page + kAtOnce / 2, 100), expected[page + kAtOnce / 2]);
+    }
+    for (PageNumber page = kPages; page-- > 1;)
+        ASSERT_EQ(ByteAt(page, 100), expected[page]) << page;
+}
+
+TEST_P(PageStoreTest, AViewOfAWalkKeepsItsContent) {
+    constexpr PageNumber kPages = 1000;
+    Open(MakePages(1, kPages));
+    ASSERT_TRUE(store_->Begin().ok());
+    for (PageNumber page = 1; page < kPages; ++page)
+        WriteByte(page, 7, static_cast<int>(page % 251));
+    ASSERT_TRUE(store_->Commit().ok());
+    ASSERT_TRUE(store_->Flush().ok());
+    std::vector<jet::PageView> views;
+    for (PageNumber page = 1; page < kPages; ++page) {
+        auto view = store_->Read(page);
+        ASSERT_TRUE(view.ok());
+        views.push_back(std::move(view).value());
+    }
+    for (std::size_t i = 0; i < views.size(); ++i)
+        ASSERT_EQ(std::to_integer<std::size_t>(views[i].bytes()[7]), (i + 1) % 251);
+}
+
 std::string KindName(const testing::TestParamInfo<Kind>& kind) {
     return kind.param == Kind::kMemory ? "memory"
            : kind.param == Kind::kFile ? "file"
