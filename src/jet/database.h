@@ -38,6 +38,13 @@ public:
     // The row met last, decoded from the page that the cursor stands on (cheaper than Table::Read).
     // `columns` are positions in TableDesign::columns; `values` has the same size and is filled in that order.
     virtual base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) = 0;
+    // Appends the fields `columns` of the row met last as they are stored, for Table::ReadStored:
+    // less memory than their values, and cheaper. False: this cursor has none; nothing was
+    // appended.
+    virtual base::Result<bool> AppendStored([[maybe_unused]] std::span<const std::size_t> columns,
+                                            [[maybe_unused]] std::vector<std::byte>& fields) {
+        return false;
+    }
 };
 
 // One end of a range of index keys: values for the first columns of the index. An empty `values` is no bound.
@@ -74,6 +81,16 @@ public:
     virtual base::Status Read(RowId row, std::span<const std::size_t> columns,
                               std::span<Value> values) = 0;
 
+    // The value of the column that was `place`th among those given to RowCursor::AppendStored;
+    // `fields` is what that appended. Requires: Database::changes() is as it was then, outside of a
+    // transaction.
+    virtual base::Status ReadStored([[maybe_unused]] std::span<const std::byte> fields,
+                                    [[maybe_unused]] std::size_t place,
+                                    [[maybe_unused]] std::size_t column,
+                                    [[maybe_unused]] Value& value) {
+        return {base::StatusCode::kUnsupported, "Fields were stored nowhere."};
+    }
+
     // `values` has one entry per column, already of the column's type or convertible to it by Coerce (jet/coerce.h).
     // An autonumber column given as Null takes the next number. `inserted` (may be null) receives the stored values of
     // autonumber columns in place.
@@ -98,6 +115,9 @@ public:
     virtual base::Status Commit() = 0;
     virtual void Rollback() = 0;
     virtual bool in_transaction() const = 0;
+    // Goes up with every transaction: what was read at the same number, outside of transactions, is
+    // what is stored.
+    virtual std::uint64_t changes() const { return 0; }
 
     virtual base::Status CreateTable(const TableDesign& design) = 0;
     virtual base::Status DropTable(std::u16string_view table) = 0;

@@ -37,7 +37,8 @@ Value DecodeBinary(const FileContext& file, const ColumnDefinition& column, Fiel
     return Value::Binary(std::move(bytes));
 }
 
-// Requires: field.size() == FixedSize(column.type) where that is not 0.
+// Texts and long values excepted. Requires: field.size() == FixedSize(column.type) where that is
+// not 0.
 Value DecodePlain(const FileContext& file, const ColumnDefinition& column, Field field) {
     const std::byte* at = field.data();
     switch (column.type) {
@@ -55,8 +56,6 @@ Value DecodePlain(const FileContext& file, const ColumnDefinition& column, Field
         return Value::Double(base::LoadDouble(at));
     case ColumnType::kDate:
         return Value::DateTime(base::LoadDouble(at));
-    case ColumnType::kText:
-        return Value::Text(file.text.DecodeValue(field));
     case ColumnType::kGuid:
         return DecodeGuid(field);
     case ColumnType::kNumeric:
@@ -125,6 +124,24 @@ void Scramble(const FileContext& file, std::span<std::byte> bytes) {
     if (file.format.jet4()) ApplyRc4(file.header.scramble_key, bytes);
 }
 
+base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
+                              std::span<const std::byte> field, Value& value) {
+    if (column.type == ColumnType::kText) {
+        file.text.DecodeValue(field, value.MakeText());
+        return {};
+    }
+    if (column.is_long_value()) {
+        ASSIGN_OR_RETURN(Bytes bytes, ReadLongValue(file, field));
+        value = column.type == ColumnType::kMemo ? Value::Text(file.text.DecodeValue(bytes))
+                                                 : Value::Binary(std::move(bytes));
+        return {};
+    }
+    const std::size_t size = FixedSize(column.type);
+    if (field.size() < size) return errors::Damaged("a field is shorter than its type");
+    value = DecodePlain(file, column, size == 0 ? field : field.first(size));
+    return {};
+}
+
 base::Status DecodeField(FileContext& file, const ColumnDefinition& column, const RowView& row,
                          Value& value) {
     const bool bit = row.Bit(column.number);
@@ -138,16 +155,7 @@ base::Status DecodeField(FileContext& file, const ColumnDefinition& column, cons
     }
     const auto field = row.Field(column);
     if (!field) return errors::Damaged("a row's fields lie outside of it");
-    if (column.is_long_value()) {
-        ASSIGN_OR_RETURN(Bytes bytes, ReadLongValue(file, *field));
-        value = column.type == ColumnType::kMemo ? Value::Text(file.text.DecodeValue(bytes))
-                                                 : Value::Binary(std::move(bytes));
-        return {};
-    }
-    const std::size_t size = FixedSize(column.type);
-    if (field->size() < size) return errors::Damaged("a field is shorter than its type");
-    value = DecodePlain(file, column, size == 0 ? *field : field->first(size));
-    return {};
+    return DecodeFieldBytes(file, column, *field, value);
 }
 
 }  // namespace jet

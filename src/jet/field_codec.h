@@ -12,6 +12,10 @@ namespace jet {
 base::Status DecodeField(FileContext& file, const ColumnDefinition& column, const RowView& row,
                          Value& value);
 
+// The value of a field whose bit is set, from its bytes in a row. Requires: not a boolean.
+base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
+                              std::span<const std::byte> field, Value& value);
+
 // Size in the row of a value of a type that has one; 0: the size varies (or is none, for a
 // boolean).
 std::size_t FixedSize(ColumnType type);

@@ -64,7 +64,7 @@ void Recordset::Impl::Close() {
     connection_ = nullptr;
     walk_.reset();
     query_.reset();
-    ids_.clear();
+    found_ = {};
     values_.clear();
     ForgetLearned();
     pending_.clear();
@@ -95,17 +95,10 @@ Status Recordset::Impl::Load() {
 }
 
 Status Recordset::Impl::ListRows() {
-    ASSIGN_OR_RETURN(ids_, query_->CollectRows());
+    ASSIGN_OR_RETURN(found_, query_->CollectRows());
     if (cursor_ != CursorType::kStatic) return Status::Ok();
-    std::vector<std::size_t> outputs(names_.size());
-    for (std::size_t i = 0; i < outputs.size(); ++i)
-        outputs[i] = i;
-    values_.reserve(ids_.size());
-    for (const RowId id : ids_) {
-        sql::ResultRow row(outputs.size());
-        RETURN_IF_ERROR(query_->ReadRow(id, outputs, row));
-        values_.push_back(std::move(row));
-    }
+    ASSIGN_OR_RETURN(values_, query_->ReadRows(found_));
+    found_.stored = {};
     return Status::Ok();
 }
 
@@ -119,7 +112,7 @@ Status Recordset::Impl::StepWalk() {
 }
 
 std::int64_t Recordset::Impl::count() const {
-    return static_cast<std::int64_t>(keeps_values_ ? values_.size() : ids_.size());
+    return static_cast<std::int64_t>(keeps_values_ ? values_.size() : found_.ids.size());
 }
 
 void Recordset::Impl::Stand(std::int64_t position) {
@@ -130,9 +123,9 @@ void Recordset::Impl::Stand(std::int64_t position) {
 // The rest of a walk becomes a list, in which the current row is the first.
 void Recordset::Impl::BeforeDesignChange() {
     if (walk_ == nullptr) return;
-    ids_.clear();
+    found_ = {};
     while (!at_end_) {
-        ids_.push_back(met_);
+        found_.ids.push_back(met_);
         if (!StepWalk().ok()) break;
     }
     walk_.reset();
@@ -143,6 +136,7 @@ void Recordset::Impl::AfterDesignChange() {
     cache_valid_ = false;
     ForgetLearned();
     pending_.clear();
+    found_.stored = {};
     if (keeps_values_) return;
     query_.reset();
     auto statement = sql::Parse(text_, connection_->session().current_year());
@@ -237,6 +231,11 @@ Result<Value> Recordset::Impl::Field(std::size_t field) {
         if (pending.output == field) return pending.value;
     if (!values_.empty()) return values_[static_cast<std::size_t>(position_)][field];
     if (query_ == nullptr) return JetError(3011, text_);
+    if (found_.stored.are_fresh()) {
+        Result<Value> value{Value()};
+        RETURN_IF_ERROR(found_.stored.Read(static_cast<std::size_t>(position_), field, *value));
+        return value;
+    }
     RETURN_IF_ERROR(ReadLearned(field));
     return cache_[place_in_cache_[field]];
 }

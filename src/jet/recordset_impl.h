@@ -69,7 +69,7 @@ private:
     base::Status CheckRow() const;
     base::Result<Table*> WritableTable();
     RowId current() const {
-        return walk_ != nullptr ? met_ : ids_[static_cast<std::size_t>(position_)];
+        return walk_ != nullptr ? met_ : found_.ids[static_cast<std::size_t>(position_)];
     }
     base::Status ReadLearned(std::size_t field);
     void Learn(std::size_t field);
@@ -87,7 +87,7 @@ private:
 
     std::unique_ptr<sql::RowWalk> walk_;
     RowId met_;  // the walk's current row
-    std::vector<RowId> ids_;
+    sql::FoundRows found_;
     std::vector<sql::ResultRow> values_;
     bool keeps_values_ = false;
 

@@ -54,6 +54,7 @@ void StoredDatabase::UseRowRules(std::unique_ptr<const RowRuleMaker> maker) {
 
 base::Status StoredDatabase::Begin() {
     changed_.clear();
+    ++changes_;
     return pages_->Begin();
 }
 

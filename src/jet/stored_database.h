@@ -30,6 +30,7 @@ public:
     base::Status Commit() override;
     void Rollback() override;
     bool in_transaction() const override { return pages_->in_transaction(); }
+    std::uint64_t changes() const override { return changes_; }
 
     base::Status CreateTable(const TableDesign& design) override;
     base::Status DropTable(std::u16string_view table) override;
@@ -99,6 +100,7 @@ private:
     Catalog catalog_;
     std::unique_ptr<const RowRuleMaker> rule_maker_;             // nullptr: not known yet
     std::map<PageNumber, std::unique_ptr<StoredTable>> tables_;  // by definition page
+    std::uint64_t changes_ = 0;
     std::set<PageNumber> changed_;  // tables whose design the open transaction has changed
 };
 

@@ -95,4 +95,9 @@ base::Status StoredTable::Read(RowId row, std::span<const std::size_t> columns,
     return DecodeFields(Source(), stored.bytes, columns, values);
 }
 
+base::Status StoredTable::ReadStored(std::span<const std::byte> fields, std::size_t place,
+                                     std::size_t column, Value& value) {
+    return DecodeStoredField(Source(), fields, place, column, value);
+}
+
 }  // namespace jet

@@ -35,6 +35,8 @@ public:
                                                    const KeyBound& to, bool backwards) override;
     base::Status Read(RowId row, std::span<const std::size_t> columns,
                       std::span<Value> values) override;
+    base::Status ReadStored(std::span<const std::byte> fields, std::size_t place,
+                            std::size_t column, Value& value) override;
     base::Result<RowId> Insert(std::span<Value> values) override;
     base::Status Update(RowId row, std::span<const ColumnChange> changes) override;
     base::Status Delete(RowId row) override;

@@ -9,6 +9,13 @@
 namespace jet {
 namespace {
 
+constexpr std::size_t kFieldHead = 2;
+constexpr std::uint16_t kNoField = 0xFFFF;  // no field of a page is that long
+
+base::Status Unreadable() {
+    return errors::Damaged("a row is unreadable");
+}
+
 class ScanCursor final : public RowCursor {
 public:
     ScanCursor(const CursorSource& source, TableScan scan)
@@ -17,16 +24,26 @@ public:
     base::Result<std::optional<RowId>> Next() override {
         ASSIGN_OR_RETURN(const bool found, scan_.Next());
         if (!found) return std::optional<RowId>();
+        row_ = RowView::Parse(scan_.bytes(), source_.file->format);
         return std::optional<RowId>(scan_.row());
     }
 
     base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) override {
-        return DecodeFields(source_, scan_.bytes(), columns, values);
+        if (!row_) return Unreadable();
+        return DecodeFields(source_, *row_, columns, values);
+    }
+
+    base::Result<bool> AppendStored(std::span<const std::size_t> columns,
+                                    std::vector<std::byte>& fields) override {
+        if (!row_) return Unreadable();
+        RETURN_IF_ERROR(AppendStoredFields(source_, *row_, columns, fields));
+        return true;
     }
 
 private:
     CursorSource source_;
     TableScan scan_;
+    std::optional<RowView> row_;  // the one met last; nullopt: it is unreadable
 };
 
 // Bytes greater than every entry that starts with `key`, and than `key` itself.
@@ -57,6 +74,16 @@ public:
         ASSIGN_OR_RETURN(const StoredRow row,
                          FetchRow(*source_.file, source_.definition->page, row_));
         return DecodeFields(source_, row.bytes, columns, values);
+    }
+
+    base::Result<bool> AppendStored(std::span<const std::size_t> columns,
+                                    std::vector<std::byte>& fields) override {
+        ASSIGN_OR_RETURN(const StoredRow row,
+                         FetchRow(*source_.file, source_.definition->page, row_));
+        const auto view = RowView::Parse(row.bytes, source_.file->format);
+        if (!view) return Unreadable();
+        RETURN_IF_ERROR(AppendStoredFields(source_, *view, columns, fields));
+        return true;
     }
 
 private:
@@ -115,11 +142,59 @@ private:
 base::Status DecodeFields(const CursorSource& source, std::span<const std::byte> row,
                           std::span<const std::size_t> columns, std::span<Value> values) {
     const auto view = RowView::Parse(row, source.file->format);
-    if (!view) return errors::Damaged("a row is unreadable");
+    return view ? DecodeFields(source, *view, columns, values) : Unreadable();
+}
+
+base::Status DecodeFields(const CursorSource& source, const RowView& row,
+                          std::span<const std::size_t> columns, std::span<Value> values) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::size_t position = (*source.positions)[columns[i]];
         RETURN_IF_ERROR(
-            DecodeField(*source.file, source.definition->columns[position], *view, values[i]));
+            DecodeField(*source.file, source.definition->columns[position], row, values[i]));
+    }
+    return {};
+}
+
+base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
+                                std::span<const std::size_t> columns,
+                                std::vector<std::byte>& fields) {
+    for (const std::size_t shown : columns) {
+        const ColumnDefinition& column = source.definition->columns[(*source.positions)[shown]];
+        std::span<const std::byte> bytes;
+        const bool is_set = row.Bit(column.number);
+        if (is_set && column.type != ColumnType::kBoolean) {
+            const auto field = row.Field(column);
+            if (!field) return errors::Damaged("a row's fields lie outside of it");
+            bytes = *field;
+        }
+        const std::size_t at = fields.size();
+        fields.resize(at + kFieldHead + bytes.size());
+        base::StoreLittle(fields.data() + at,
+                          is_set ? static_cast<std::uint16_t>(bytes.size()) : kNoField);
+        if (!bytes.empty())
+            std::memcpy(fields.data() + at + kFieldHead, bytes.data(), bytes.size());
+    }
+    return {};
+}
+
+base::Status DecodeStoredField(const CursorSource& source, std::span<const std::byte> fields,
+                               std::size_t place, std::size_t column, Value& value) {
+    const ColumnDefinition& definition = source.definition->columns[(*source.positions)[column]];
+    const auto size_at = [&](std::size_t at) -> std::size_t {
+        const auto size = base::LoadLittle<std::uint16_t>(fields.data() + at);
+        return size == kNoField ? 0 : size;
+    };
+    std::size_t at = 0;
+    for (; place > 0; --place)
+        at += kFieldHead + size_at(at);
+    const bool is_set = base::LoadLittle<std::uint16_t>(fields.data() + at) != kNoField;
+    if (definition.type == ColumnType::kBoolean) {
+        value = Value::Boolean(is_set);
+    } else if (!is_set) {
+        value = Value::Null();
+    } else {
+        return DecodeFieldBytes(*source.file, definition,
+                                fields.subspan(at + kFieldHead, size_at(at)), value);
     }
     return {};
 }

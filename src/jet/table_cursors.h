@@ -2,6 +2,7 @@
 #pragma once
 
 #include "jet/index_tree.h"
+#include "jet/row_view.h"
 #include "jet/table_scan.h"
 
 namespace jet {
@@ -16,6 +17,17 @@ struct CursorSource {
 // Decodes the fields `columns` (positions shown) of a row.
 base::Status DecodeFields(const CursorSource& source, std::span<const std::byte> row,
                           std::span<const std::size_t> columns, std::span<Value> values);
+base::Status DecodeFields(const CursorSource& source, const RowView& row,
+                          std::span<const std::size_t> columns, std::span<Value> values);
+
+// Appends the fields `columns` of a row as they stand in it: for each a u16, its size or kNoField,
+// and its bytes.
+base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
+                                std::span<const std::size_t> columns,
+                                std::vector<std::byte>& fields);
+// The value of one of them, the `place`th; its column is `column` (position shown).
+base::Status DecodeStoredField(const CursorSource& source, std::span<const std::byte> fields,
+                               std::size_t place, std::size_t column, Value& value);
 
 std::unique_ptr<RowCursor> MakeScanCursor(const CursorSource& source, TableScan scan);
 

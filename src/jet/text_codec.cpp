@@ -5,6 +5,7 @@
 #include "jet/code_pages.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace jet {
 namespace {
@@ -14,23 +15,16 @@ constexpr std::byte kCompressed1{0xFE};
 // What the engine compresses: texts of at least 3 characters.
 constexpr std::size_t kMinCompressed = 3;
 
-std::u16string DecodeWide(std::span<const std::byte> bytes) {
-    std::u16string text(bytes.size() / 2, u'\0');
+void DecodeWide(std::span<const std::byte> bytes, std::u16string& text) {
+    text.resize(bytes.size() / 2);
+    char16_t* const to = text.data();
     for (std::size_t i = 0; i < text.size(); ++i)
-        text[i] = base::LoadLittle<char16_t>(bytes.data() + 2 * i);
-    return text;
+        to[i] = base::LoadLittle<char16_t>(bytes.data() + 2 * i);
 }
 
-// One byte a character; a zero byte switches to two bytes a character and back.
-std::u16string DecodeCompressed(std::span<const std::byte> bytes) {
-    const bool pure = std::ranges::find(bytes, std::byte{0}) == bytes.end();
-    if (pure) {
-        std::u16string text(bytes.size(), u'\0');
-        std::ranges::transform(bytes, text.begin(),
-                               [](std::byte b) { return std::to_integer<char16_t>(b); });
-        return text;
-    }
-    std::u16string text;
+// Bytes with the switches between one and two bytes a character among them.
+void DecodeMixed(std::span<const std::byte> bytes, std::u16string& text) {
+    text.clear();
     text.reserve(bytes.size());
     bool wide = false;
     for (std::size_t i = 0; i < bytes.size();) {
@@ -45,7 +39,15 @@ std::u16string DecodeCompressed(std::span<const std::byte> bytes) {
             i += 2;
         }
     }
-    return text;
+}
+
+// One byte a character; a zero byte switches to two bytes a character and back.
+void DecodeCompressed(std::span<const std::byte> bytes, std::u16string& text) {
+    const bool has_switch = !bytes.empty() && std::memchr(bytes.data(), 0, bytes.size()) != nullptr;
+    if (has_switch) return DecodeMixed(bytes, text);
+    text.resize(bytes.size());
+    std::ranges::transform(bytes, text.begin(),
+                           [](std::byte b) { return std::to_integer<char16_t>(b); });
 }
 
 Bytes EncodeWide(std::u16string_view text) {
@@ -83,19 +85,30 @@ Bytes EncodeMarked(std::u16string_view text) {
 TextCodec::TextCodec(int version, std::uint16_t code_page)
     : version_(version), code_page_(code_page), characters_(CodePageCharacters(code_page)) {}
 
-std::u16string TextCodec::DecodeName(std::span<const std::byte> bytes) const {
-    if (jet4()) return DecodeWide(bytes);
-    std::u16string text(bytes.size(), u'\0');
+void TextCodec::DecodeName(std::span<const std::byte> bytes, std::u16string& text) const {
+    if (jet4()) return DecodeWide(bytes, text);
+    text.resize(bytes.size());
     std::ranges::transform(bytes, text.begin(), [this](std::byte b) {
         return characters_[std::to_integer<std::size_t>(b)];
     });
+}
+
+std::u16string TextCodec::DecodeName(std::span<const std::byte> bytes) const {
+    std::u16string text;
+    DecodeName(bytes, text);
     return text;
 }
 
-std::u16string TextCodec::DecodeValue(std::span<const std::byte> bytes) const {
+void TextCodec::DecodeValue(std::span<const std::byte> bytes, std::u16string& text) const {
     if (jet4() && bytes.size() >= 2 && bytes[0] == kCompressed0 && bytes[1] == kCompressed1)
-        return DecodeCompressed(bytes.subspan(2));
-    return DecodeName(bytes);
+        return DecodeCompressed(bytes.subspan(2), text);
+    DecodeName(bytes, text);
+}
+
+std::u16string TextCodec::DecodeValue(std::span<const std::byte> bytes) const {
+    std::u16string text;
+    DecodeValue(bytes, text);
+    return text;
 }
 
 std::optional<Bytes> TextCodec::EncodeName(std::u16string_view text) const {

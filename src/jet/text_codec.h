@@ -20,6 +20,8 @@ public:
 
     // A value of a column. Damaged text is read as far as it goes.
     std::u16string DecodeValue(std::span<const std::byte> bytes) const;
+    // The same into a text that is there already, whose memory is used again.
+    void DecodeValue(std::span<const std::byte> bytes, std::u16string& text) const;
     // A name in the definition or catalog, never compressed.
     std::u16string DecodeName(std::span<const std::byte> bytes) const;
 
@@ -32,6 +34,8 @@ public:
     std::uint16_t code_page() const { return code_page_; }
 
 private:
+    void DecodeName(std::span<const std::byte> bytes, std::u16string& text) const;
+
     int version_;
     std::uint16_t code_page_;
     std::array<char16_t, 256> characters_{};  // of the code page

@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace jet {
 namespace {
@@ -77,6 +78,11 @@ std::u16string ToText(const Value& value) {
                           [](auto whole) { return Widen(std::to_string(static_cast<int>(whole))); },
                       },
                       value.content());
+}
+
+std::u16string ToText(Value&& value) {
+    if (value.is<std::u16string>()) return std::move(value.MakeText());
+    return ToText(std::as_const(value));
 }
 
 bool ToBool(const Value& value) {

@@ -97,6 +97,13 @@ public:
     }
     const Content& content() const { return content_; }
 
+    // Makes the value a text, to be filled; a text that was there lends its memory. What the text
+    // says at first is unspecified.
+    std::u16string& MakeText() {
+        if (auto* text = std::get_if<std::u16string>(&content_)) return *text;
+        return content_.emplace<std::u16string>();
+    }
+
     // Same kind and same bits; not the SQL comparison, which converts and follows the collation.
     bool operator==(const Value&) const = default;
 
@@ -108,6 +115,8 @@ private:
 // What a program shows or concatenates: Null gives the empty text, True and False these words, dates the
 // general date, numbers their shortest decimal text. US English always.
 std::u16string ToText(const Value& value);
+// The same; a text is moved out of the value.
+std::u16string ToText(Value&& value);
 
 // Nonzero numbers and True are true; everything else, Null and text included, is false.
 bool ToBool(const Value& value);

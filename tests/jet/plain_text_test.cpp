@@ -57,6 +57,8 @@ TEST(PlainTextTest, OrderAndKeysAreTheCollations) {
             ASSERT_EQ(key, KeyOf(a)) << base::ToUtf8(a);
         }
         const auto order = ComparePlain(a, b);
+        const auto constant = jet::sql::PlainText::Of(b);
+        ASSERT_EQ(order, constant ? constant->Order(a) : std::nullopt) << base::ToUtf8(a);
         if (!order) continue;
         ++plain;
         ASSERT_EQ(*order, jet::CompareText(a, b)) << base::ToUtf8(a) << " and " << base::ToUtf8(b);

@@ -90,23 +90,6 @@ Result<Ordering> CompareOthers(const Value& a, const Value& b) {
     return Ordering(OrderNumbers(*first, *second));
 }
 
-bool Holds(Operator op, std::weak_ordering order) {
-    switch (op) {
-    case Operator::kEqual:
-        return order == 0;
-    case Operator::kNotEqual:
-        return order != 0;
-    case Operator::kLess:
-        return order < 0;
-    case Operator::kLessEqual:
-        return order <= 0;
-    case Operator::kGreater:
-        return order > 0;
-    default:
-        return order >= 0;
-    }
-}
-
 Truth LikeTruth(Operator op, const Value& a, const Value& b) {
     if (a.is_null() || b.is_null()) return Truth::kNull;
     const bool fits = Like(ConcatText(a), ConcatText(b));
@@ -217,6 +200,23 @@ Result<Ordering> Compare(const Value& a, const Value& b) {
         return Reversed(order);
     }
     return CompareOthers(a, b);
+}
+
+bool Holds(Operator op, std::weak_ordering order) {
+    switch (op) {
+    case Operator::kEqual:
+        return order == 0;
+    case Operator::kNotEqual:
+        return order != 0;
+    case Operator::kLess:
+        return order < 0;
+    case Operator::kLessEqual:
+        return order <= 0;
+    case Operator::kGreater:
+        return order > 0;
+    default:
+        return order >= 0;
+    }
 }
 
 Result<Truth> CompareWith(Operator op, const Value& a, const Value& b) {

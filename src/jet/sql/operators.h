@@ -24,6 +24,8 @@ base::Result<Truth> TruthOf(const Value& value);
 // do not compare.
 base::Result<std::optional<std::weak_ordering>> Compare(const Value& a, const Value& b);
 base::Result<Truth> CompareWith(Operator op, const Value& a, const Value& b);
+// Whether two values in this order satisfy a comparison. Requires: one of the six, not Like.
+bool Holds(Operator op, std::weak_ordering order);
 
 // 3464: no number; 6 overflow; 11 division by zero.
 base::Result<Value> Calculate(Operator op, const Value& a, const Value& b);

@@ -68,17 +68,47 @@ std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16st
 
 bool AppendPlainKey(std::u16string_view text, std::string& key) {
     const auto& weights = Weights();
+    text = Counting(text);
     const std::size_t begin = key.size();
-    for (const char16_t unit : Counting(text)) {
+    key.resize(begin + text.size() + 2);
+    char* to = key.data() + begin;
+    for (const char16_t unit : text) {
         const unsigned char weight = WeightOf(weights, unit);
         if (weight == 0) {
             key.resize(begin);
             return false;
         }
-        key += static_cast<char>(weight);
+        *to++ = static_cast<char>(weight);
     }
-    key.append("\1\0", 2);
+    *to = '\1';  // behind it stands a zero
     return true;
+}
+
+std::optional<PlainText> PlainText::Of(std::u16string_view text) {
+    PlainText plain;
+    if (!AppendPlainKey(text, plain.weights_)) return std::nullopt;
+    plain.weights_.resize(plain.weights_.size() - 2);  // without the end
+    return plain;
+}
+
+std::optional<std::weak_ordering> PlainText::Order(std::u16string_view text) const {
+    const auto& weights = Weights();
+    text = Counting(text);
+    const std::size_t common = std::min(text.size(), weights_.size());
+    std::weak_ordering order = text.size() <=> weights_.size();
+    std::size_t i = 0;
+    for (; i < common; ++i) {
+        const unsigned char weight = WeightOf(weights, text[i]);
+        if (weight == 0) return std::nullopt;
+        const auto own = static_cast<unsigned char>(weights_[i]);
+        if (weight == own) continue;
+        order = weight <=> own;
+        break;
+    }
+    // What follows must be plain all the same: a mark there could belong to this character.
+    for (; i < text.size(); ++i)
+        if (WeightOf(weights, text[i]) == 0) return std::nullopt;
+    return order;
 }
 
 }  // namespace jet::sql

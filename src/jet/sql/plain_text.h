@@ -17,4 +17,17 @@ std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16st
 // before.
 bool AppendPlainKey(std::u16string_view text, std::string& key);
 
+// A plain text that many others are compared with.
+class PlainText {
+public:
+    // nullopt: it is not plain.
+    static std::optional<PlainText> Of(std::u16string_view text);
+
+    // The order of `text` to this one; nullopt: it is not plain.
+    std::optional<std::weak_ordering> Order(std::u16string_view text) const;
+
+private:
+    std::string weights_;
+};
+
 }  // namespace jet::sql

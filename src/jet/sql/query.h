@@ -9,6 +9,7 @@
 #include "jet/sql/ast.h"
 #include "jet/sql/bind.h"
 #include "jet/sql/row_walk.h"
+#include "jet/sql/stored_rows.h"
 
 #include <memory>
 #include <string>
@@ -16,7 +17,15 @@
 
 namespace jet::sql {
 
+class KeySorter;
+
 using ResultRow = std::vector<Value>;
+
+// The rows of a table that make a result, in its order.
+struct FoundRows {
+    std::vector<RowId> ids;
+    StoredRows stored;  // of the same rows, the outputs in order; perhaps none is held
+};
 
 class Query {
 public:
@@ -33,11 +42,14 @@ public:
     std::optional<std::size_t> TableColumn(std::size_t output) const;
 
     // Requires: table(). The rows in the order of the result.
-    base::Result<std::vector<RowId>> CollectRows();
+    base::Result<FoundRows> CollectRows();
     // nullptr: the rows have to be sorted or cut first, so that CollectRows is needed.
     base::Result<std::unique_ptr<RowWalk>> Walk();
     // `outputs` are positions in names(); `values` has the same size. 3167: the row is gone.
     base::Status ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values);
+
+    // All outputs of rows found by CollectRows.
+    base::Result<std::vector<ResultRow>> ReadRows(const FoundRows& found);
 
     // All rows, whatever their origin.
     base::Result<std::vector<ResultRow>> Rows();
@@ -63,7 +75,10 @@ private:
     base::Status ForEachRow(const std::function<base::Status(const SourceRows&)>& take);
     base::Result<std::vector<Sorted>> Produce();
     base::Result<Sorted> MakeRow(EvalContext& context) const;
-    base::Result<std::string> OrderKey(EvalContext& context) const;
+    base::Status AppendOrderKey(EvalContext& context, std::string& key) const;
+    base::Result<std::vector<RowId>> CollectUnsorted();
+    StoredRows StoreOutputs() const;
+    std::size_t RowsToKeep(const KeySorter& keys, std::span<const std::uint32_t> order) const;
     void Finish(std::vector<Sorted>& rows) const;
     void CutToTop(std::vector<Sorted>& rows) const;
     base::Result<std::vector<ResultRow>> UnionRows();

@@ -2,6 +2,7 @@
 #include "jet/errors.h"
 #include "jet/sql/accumulator.h"
 #include "jet/sql/join.h"
+#include "jet/sql/key_sorter.h"
 #include "jet/sql/query.h"
 #include "jet/sql/sort_key.h"
 
@@ -40,9 +41,7 @@ std::optional<std::size_t> Query::TableColumn(std::size_t output) const {
     return output_scope_.sources()[0].columns[e.slot];
 }
 
-Result<std::string> Query::OrderKey(EvalContext& context) const {
-    std::string key;
-    key.reserve(32 * select_.order_by.size());
+Status Query::AppendOrderKey(EvalContext& context, std::string& key) const {
     for (const OrderItem& order : select_.order_by) {
         const Expression& e = *order.expression;
         if (IsColumn(e)) {
@@ -52,7 +51,7 @@ Result<std::string> Query::OrderKey(EvalContext& context) const {
         ASSIGN_OR_RETURN(const Value value, Evaluate(e, context));
         AppendSortKey(value, order.descending, key);
     }
-    return key;
+    return Status::Ok();
 }
 
 Result<std::unique_ptr<RowWalk>> Query::Walk() {
@@ -61,47 +60,62 @@ Result<std::unique_ptr<RowWalk>> Query::Walk() {
     return RowWalk::Open(scope_, path_, select_.where.get(), session_);
 }
 
-Result<std::vector<RowId>> Query::CollectRows() {
-    std::vector<Sorted> found;
+Result<std::vector<RowId>> Query::CollectUnsorted() {
     std::vector<RowId> ids;
-    const bool sort = !select_.order_by.empty() && !path_.in_order;
+    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
+                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    for (;;) {
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        if (!row) break;
+        ids.push_back(*row);
+    }
+    if (select_.top) {
+        const auto most = static_cast<std::size_t>(*select_.top);
+        ids.resize(select_.top_percent ? (ids.size() * most + 99) / 100
+                                       : std::min(ids.size(), most));
+    }
+    return ids;
+}
+
+// Holds the outputs where all of them are columns.
+StoredRows Query::StoreOutputs() const {
+    std::vector<std::size_t> columns;
+    for (std::size_t output = 0; output < names_.size(); ++output) {
+        const auto column = TableColumn(output);
+        if (!column) return {};
+        columns.push_back(*column);
+    }
+    return {*session_.database, *table(), std::move(columns)};
+}
+
+Result<FoundRows> Query::CollectRows() {
+    FoundRows found;
+    if (select_.order_by.empty() || path_.in_order) {
+        ASSIGN_OR_RETURN(found.ids, CollectUnsorted());
+        return found;
+    }
+    std::vector<RowId> ids;
+    KeySorter keys;
+    std::string key;
+    found.stored = StoreOutputs();
     ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
                      RowWalk::Open(scope_, path_, select_.where.get(), session_));
     EvalContext context{&session_, &walk->rows(), nullptr};
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
         if (!row) break;
-        if (!sort) {
-            ids.push_back(*row);
-            continue;
-        }
-        ASSIGN_OR_RETURN(std::string key, OrderKey(context));
-        found.push_back({{}, std::move(key), *row});
+        ids.push_back(*row);
+        key.clear();
+        RETURN_IF_ERROR(AppendOrderKey(context, key));
+        keys.Add(key);
+        RETURN_IF_ERROR(found.stored.Add(walk->cursor()));
     }
-    if (!sort) {
-        if (select_.top) {
-            const auto most = static_cast<std::size_t>(*select_.top);
-            const std::size_t keep =
-                select_.top_percent ? (ids.size() * most + 99) / 100 : std::min(ids.size(), most);
-            ids.resize(keep);
-        }
-        return ids;
-    }
-    std::vector<std::uint32_t> order(found.size());
-    std::iota(order.begin(), order.end(), 0U);
-    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-        const int difference = found[a].key.compare(found[b].key);
-        return difference != 0 ? difference < 0 : a < b;
-    });
-    std::vector<Sorted> sorted;
-    sorted.reserve(found.size());
-    for (const std::uint32_t i : order)
-        sorted.push_back(std::move(found[i]));
-    CutToTop(sorted);
-    ids.reserve(sorted.size());
-    for (const Sorted& row : sorted)
-        ids.push_back(row.row);
-    return ids;
+    const std::vector<std::uint32_t> order = keys.Order();
+    found.ids.resize(RowsToKeep(keys, order));
+    found.stored.Arrange(std::span(order).first(found.ids.size()));
+    for (std::size_t i = 0; i < found.ids.size(); ++i)
+        found.ids[i] = ids[order[i]];
+    return found;
 }
 
 Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values) {
@@ -122,6 +136,23 @@ Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span
         ASSIGN_OR_RETURN(values[i], OutputValue(*select_.outputs[outputs[i]].expression, context));
     }
     return Status::Ok();
+}
+
+Result<std::vector<ResultRow>> Query::ReadRows(const FoundRows& found) {
+    std::vector<std::size_t> outputs(names_.size());
+    std::iota(outputs.begin(), outputs.end(), std::size_t{0});
+    std::vector<ResultRow> rows;
+    rows.reserve(found.ids.size());
+    for (std::size_t i = 0; i < found.ids.size(); ++i) {
+        ResultRow& row = rows.emplace_back(outputs.size());
+        if (!found.stored.are_fresh()) {
+            RETURN_IF_ERROR(ReadRow(found.ids[i], outputs, row));
+            continue;
+        }
+        for (const std::size_t output : outputs)
+            RETURN_IF_ERROR(found.stored.Read(i, output, row[output]));
+    }
+    return rows;
 }
 
 Status Query::ForEachRow(const std::function<Status(const SourceRows&)>& take) {
@@ -150,7 +181,8 @@ Result<Query::Sorted> Query::MakeRow(EvalContext& context) const {
         ASSIGN_OR_RETURN(Value value, OutputValue(*item.expression, context));
         row.values.push_back(std::move(value));
     }
-    ASSIGN_OR_RETURN(row.key, OrderKey(context));
+    row.key.reserve(32 * select_.order_by.size());
+    RETURN_IF_ERROR(AppendOrderKey(context, row.key));
     return row;
 }
 
@@ -287,19 +319,23 @@ void Query::CutToTop(std::vector<Sorted>& rows) const {
     rows.resize(keep);
 }
 
+// The same for rows that `order` leads to.
+std::size_t Query::RowsToKeep(const KeySorter& keys, std::span<const std::uint32_t> order) const {
+    if (!select_.top) return order.size();
+    const auto most = static_cast<std::size_t>(*select_.top);
+    std::size_t keep = select_.top_percent ? (order.size() * most + 99) / 100 : most;
+    if (keep >= order.size()) return order.size();
+    while (keep > 0 && keep < order.size() && keys.AreEqual(order[keep], order[keep - 1]))
+        ++keep;
+    return keep;
+}
+
 Result<std::vector<ResultRow>> Query::Rows() {
     if (!unions_.empty()) return UnionRows();
     std::vector<ResultRow> result;
     if (row_wise_) {
-        ASSIGN_OR_RETURN(const std::vector<RowId> ids, CollectRows());
-        std::vector<std::size_t> outputs(names_.size());
-        std::iota(outputs.begin(), outputs.end(), std::size_t{0});
-        for (const RowId id : ids) {
-            ResultRow row(outputs.size());
-            RETURN_IF_ERROR(ReadRow(id, outputs, row));
-            result.push_back(std::move(row));
-        }
-        return result;
+        ASSIGN_OR_RETURN(const FoundRows found, CollectRows());
+        return ReadRows(found);
     }
     ASSIGN_OR_RETURN(std::vector<Sorted> rows, Produce());
     Finish(rows);

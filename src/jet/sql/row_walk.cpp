@@ -20,7 +20,7 @@ std::size_t SlotsOf(const Expression& e) {
 }  // namespace
 
 RowWalk::RowWalk(const Source& source, const Expression* where, Session& session)
-    : source_(source), where_(where), tested_(where != nullptr ? SlotsOf(*where) : 0), rows_(1) {
+    : source_(source), filter_(where), tested_(where != nullptr ? SlotsOf(*where) : 0), rows_(1) {
     rows_[0].resize(source.columns.size());
     context_ = {&session, &rows_, nullptr};
 }
@@ -38,7 +38,7 @@ Result<std::optional<RowId>> RowWalk::Next() {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
         if (!row) return row;
         RETURN_IF_ERROR(ReadColumns(0, tested_));
-        ASSIGN_OR_RETURN(const bool keeps, Keeps());
+        ASSIGN_OR_RETURN(const bool keeps, filter_.Keeps(context_));
         if (!keeps) continue;
         RETURN_IF_ERROR(ReadColumns(tested_, source_.columns.size()));
         return row;
@@ -49,12 +49,6 @@ Status RowWalk::ReadColumns(std::size_t from, std::size_t to) {
     if (from == to) return Status::Ok();
     return cursor_->Read(std::span(source_.columns).subspan(from, to - from),
                          std::span(rows_[0]).subspan(from, to - from));
-}
-
-Result<bool> RowWalk::Keeps() {
-    if (where_ == nullptr) return true;
-    ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*where_, context_));
-    return truth == Truth::kTrue;
 }
 
 }  // namespace jet::sql

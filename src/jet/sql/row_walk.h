@@ -5,6 +5,7 @@
 #include "jet/sql/access_path.h"
 #include "jet/sql/bind.h"
 #include "jet/sql/evaluate.h"
+#include "jet/sql/row_filter.h"
 
 #include <memory>
 #include <optional>
@@ -24,16 +25,17 @@ public:
     base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) {
         return cursor_->Read(columns, values);
     }
+    // Stands on the row met last.
+    RowCursor& cursor() { return *cursor_; }
     // The columns in use of the row met last.
     const SourceRows& rows() const { return rows_; }
 
 private:
     RowWalk(const Source& source, const Expression* where, Session& session);
-    base::Result<bool> Keeps();
     base::Status ReadColumns(std::size_t from, std::size_t to);
 
     const Source& source_;
-    const Expression* where_;
+    RowFilter filter_;
     std::size_t tested_;  // the first columns in use, which the condition needs
     std::unique_ptr<RowCursor> cursor_;
     SourceRows rows_;

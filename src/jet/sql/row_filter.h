@@ -1,0 +1,40 @@
+// RowFilter: a condition that is tested on many rows. Comparisons of a text column with a constant
+// at its beginning, joined by And, are prepared once; the rest, and whatever is out of the
+// ordinary, is evaluated as it stands, so that the answer and its errors are the same.
+#pragma once
+
+#include "base/status.h"
+#include "jet/sql/ast.h"
+#include "jet/sql/evaluate.h"
+#include "jet/sql/plain_text.h"
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace jet::sql {
+
+class RowFilter {
+public:
+    // `condition` (nullptr: every row is kept) is bound to one source and must outlive the filter.
+    explicit RowFilter(const Expression* condition);
+
+    // Whether the condition is true for the row that `context` shows.
+    base::Result<bool> Keeps(EvalContext& context) const;
+
+private:
+    struct TextTest {
+        std::size_t slot = 0;
+        Operator op = Operator::kEqual;
+        PlainText constant;
+    };
+    static std::optional<TextTest> TestOf(const Expression& comparison);
+    // nullopt: the test cannot tell.
+    static std::optional<bool> Passes(const TextTest& test, const std::vector<Value>& row);
+
+    const Expression* condition_;
+    std::vector<TextTest> tests_;
+    bool is_all_tests_ = false;  // nothing of the condition is left to be evaluated
+};
+
+}  // namespace jet::sql
