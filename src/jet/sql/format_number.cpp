@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace jet::sql {
@@ -137,16 +138,36 @@ std::string WithThousands(const std::string& whole) {
     return grouped;
 }
 
+// The magnitude with the section's percents and thousands; what grows out of range stays at its
+// end.
+double Scaled(double number, const Section& section) {
+    const double scaled = std::fabs(number) * std::pow(100.0, std::min(section.percents, 100)) *
+                          std::pow(0.001, section.scale_commas);
+    return std::isfinite(scaled) ? scaled : std::numeric_limits<double>::max();
+}
+
+// number / 10^exponent, where that power itself may be out of range.
+double Shifted(double number, int exponent) {
+    const int half = exponent / 2;
+    return number / std::pow(10.0, half) / std::pow(10.0, exponent - half);
+}
+
+// The digits of a mantissa, and the exponent that goes with them. Requires: number > 0.
+FixedDigits Mantissa(double number, const Section& section, int& exponent) {
+    const int whole = std::clamp(section.whole_zeros, 1, kMostDecimals);
+    exponent = static_cast<int>(std::floor(std::log10(number))) - (whole - 1);
+    FixedDigits digits = RoundTo(Shifted(number, exponent), section.decimals);
+    // 9.99 has become 10.0.
+    if (digits.whole.size() <= static_cast<std::size_t>(whole)) return digits;
+    ++exponent;
+    return RoundTo(Shifted(number, exponent), section.decimals);
+}
+
 std::u16string NumberText(double number, const Section& section) {
-    number = std::fabs(number) * std::pow(100.0, section.percents) *
-             std::pow(0.001, section.scale_commas);
+    number = Scaled(number, section);
     int exponent = 0;
-    if (section.exponent && number != 0) {
-        exponent = static_cast<int>(std::floor(std::log10(number)));
-        exponent -= std::max(section.whole_zeros, 1) - 1;
-        number /= std::pow(10.0, exponent);
-    }
-    FixedDigits digits = RoundTo(number, section.decimals);
+    FixedDigits digits = section.exponent && number != 0 ? Mantissa(number, section, exponent)
+                                                         : RoundTo(number, section.decimals);
     while (digits.decimals.size() > static_cast<std::size_t>(section.decimal_zeros) &&
            digits.decimals.back() == '0')
         digits.decimals.pop_back();
