@@ -80,10 +80,7 @@ Status Connection::Impl::Close() {
 }
 
 Result<std::int64_t> Connection::Impl::Run(sql::Statement& statement) {
-    if (sql::ChangesDesign(statement)) {
-        RETURN_IF_ERROR(RunDesign(statement));
-        return std::int64_t{0};
-    }
+    if (sql::ChangesDesign(statement)) return RunDesign(statement);
     NoteChange();
     if (auto* insert = std::get_if<sql::InsertStatement>(&statement))
         return sql::Execute(*insert, session_);
@@ -94,12 +91,17 @@ Result<std::int64_t> Connection::Impl::Run(sql::Statement& statement) {
 
 // A changed design moves tables in memory: open recordsets let go of theirs and find them again
 // afterwards.
-Status Connection::Impl::RunDesign(sql::Statement& statement) {
+Result<std::int64_t> Connection::Impl::RunDesign(sql::Statement& statement) {
     for (Recordset::Impl* recordset : recordsets_)
         recordset->BeforeDesignChange();
     NoteChange();
     Status done;
-    if (const auto* create = std::get_if<sql::CreateTableStatement>(&statement))
+    std::int64_t rows = 0;
+    if (auto* select = std::get_if<sql::SelectStatement>(&statement)) {
+        auto made = sql::Execute(*select, session_);
+        done = made.status();
+        rows = made.value_or(0);
+    } else if (const auto* create = std::get_if<sql::CreateTableStatement>(&statement))
         done = sql::Execute(*create, session_);
     else if (const auto* index = std::get_if<sql::CreateIndexStatement>(&statement))
         done = sql::Execute(*index, session_);
@@ -109,7 +111,8 @@ Status Connection::Impl::RunDesign(sql::Statement& statement) {
         done = sql::Execute(std::get<sql::DropStatement>(statement), session_);
     for (Recordset::Impl* recordset : recordsets_)
         recordset->AfterDesignChange();
-    return done;
+    if (!done.ok()) return done;
+    return rows;
 }
 
 Connection::Connection(FileSystem& files, Clock clock)
@@ -140,7 +143,8 @@ Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* rec
     impl_->session().StartStatement();
     ASSIGN_OR_RETURN(sql::Statement statement, sql::Parse(sql, impl_->session().current_year()));
     Recordset rows;
-    if (auto* select = std::get_if<sql::SelectStatement>(&statement)) {
+    auto* select = std::get_if<sql::SelectStatement>(&statement);
+    if (select != nullptr && select->into.empty()) {
         RETURN_IF_ERROR(rows.impl_->OpenQuery(std::move(*select), sql, *impl_,
                                               CursorType::kForwardOnly, LockType::kReadOnly));
         return rows;

@@ -37,7 +37,7 @@ public:
     void NoteChange() { ++changes_; }
 
 private:
-    base::Status RunDesign(sql::Statement& statement);
+    base::Result<std::int64_t> RunDesign(sql::Statement& statement);
 
     FileSystem* files_;
     std::unique_ptr<Database> database_;

@@ -72,6 +72,8 @@ constexpr ErrorText kErrors[] = {
     {3127, StatusCode::kInvalidArgument,
      "The INSERT INTO statement contains the following unknown field name: '|'. Make sure you have "
      "typed the name correctly, and try the operation again."},
+    {3128, StatusCode::kInvalidArgument,
+     "Specify the table containing the records you want to delete."},
     {3129, StatusCode::kInvalidArgument,
      "Invalid SQL statement; expected 'DELETE', 'INSERT', 'PROCEDURE', 'SELECT', or 'UPDATE'."},
     {3131, StatusCode::kInvalidArgument, "Syntax error in FROM clause."},
@@ -105,6 +107,10 @@ constexpr ErrorText kErrors[] = {
     {3292, StatusCode::kInvalidArgument, "Syntax error in field definition."},
     {3293, StatusCode::kInvalidArgument, "Syntax error in ALTER TABLE statement."},
     {3295, StatusCode::kInvalidArgument, "Syntax error in DROP TABLE or DROP INDEX."},
+    {3306, StatusCode::kInvalidArgument,
+     "You have written a subquery that can return more than one field without using the EXISTS "
+     "reserved word in the main query's FROM clause. Revise the SELECT statement of the subquery "
+     "to request only one field."},
     {3307, StatusCode::kInvalidArgument,
      "The number of columns in the two selected tables or queries of a union query do not match."},
     {3314, StatusCode::kConstraint,
@@ -118,6 +124,8 @@ constexpr ErrorText kErrors[] = {
     {3346, StatusCode::kInvalidArgument,
      "Number of query values and destination fields are not the same."},
     {3349, StatusCode::kConstraint, "Numeric field overflow."},
+    {3354, StatusCode::kInvalidArgument,
+     "At most one record can be returned by this subquery."},
     {3360, StatusCode::kInvalidArgument, "Query is too complex."},
     {3372, StatusCode::kNotFound, "No such index '|' on table '|'."},
     {3375, StatusCode::kAlreadyExists, "Table '|' already has an index named '|'."},

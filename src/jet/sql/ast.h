@@ -52,6 +52,14 @@ enum class NodeKind : std::uint8_t {
     kIsNull,
     kCall,       // a function of its arguments
     kAggregate,  // Count, Sum ... over the rows of a group
+    kOuter,      // a column of a statement around this one
+    // Subqueries. Behind the children that are named here come, once it is bound, the columns of
+    // statements around it that it uses: kColumn of the expression's own statement, kOuter of
+    // others.
+    kScalarQuery,    // no children
+    kExists,         // no children
+    kInQuery,        // children: value
+    kComparedQuery,  // children: value; operators[0]; with any or all of the query's values
 };
 
 enum class Aggregate : std::uint8_t {
@@ -69,6 +77,8 @@ enum class Aggregate : std::uint8_t {
 };
 
 struct Expression;
+struct SelectStatement;
+class Subquery;
 using ExpressionPtr = std::unique_ptr<Expression>;
 
 struct Expression {
@@ -78,7 +88,10 @@ struct Expression {
     std::u16string name;
     std::vector<ExpressionPtr> children;
     std::vector<Operator> operators;
-    bool negated = false;                     // Not Between, Not In, Is Not Null
+    bool negated = false;  // Not Between, Not In, Is Not Null
+    bool all = false;      // of a compared query: All, not Any
+    // Of a subquery, as it was parsed: never changed, and shared by all copies of the expression.
+    std::shared_ptr<const SelectStatement> select;
     Aggregate aggregate = Aggregate::kCount;  // Count(*) has no children
     std::size_t begin = 0;                    // place in the SQL text
     std::size_t end = 0;
@@ -86,7 +99,10 @@ struct Expression {
     std::size_t source = 0;
     std::size_t slot =
         0;  // of a column: its place among the source's columns in use; of an aggregate: its number
+    std::size_t depth = 0;  // of an outer column: 1 for the statement just around this one
     const Function* function = nullptr;
+    // A copy of the bound expression shares it: both belong to one statement.
+    std::shared_ptr<Subquery> subquery;
 };
 
 struct OutputItem {
@@ -114,6 +130,7 @@ struct FromNode {
 };
 
 struct SelectStatement {
+    std::u16string into;  // the new table that takes the rows; empty: none
     bool distinct = false;
     std::optional<std::int64_t> top;
     bool top_percent = false;
@@ -143,15 +160,14 @@ struct Assignment {
 };
 
 struct UpdateStatement {
-    std::u16string table;
-    std::u16string alias;
+    std::unique_ptr<FromNode> from;
     std::vector<Assignment> assignments;
     ExpressionPtr where;
 };
 
 struct DeleteStatement {
-    std::u16string table;
-    std::u16string alias;
+    std::u16string target;  // the source whose rows go; empty: the only one
+    std::unique_ptr<FromNode> from;
     ExpressionPtr where;
 };
 

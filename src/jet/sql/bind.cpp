@@ -3,6 +3,7 @@
 #include "base/unicode.h"
 #include "jet/errors.h"
 #include "jet/sql/functions.h"
+#include "jet/sql/subquery.h"
 #include "jet/sql/text_case.h"
 
 #include <algorithm>
@@ -20,16 +21,55 @@ Status WrongArguments(const Expression& call) {
             3075};
 }
 
+// `failure` is what the statement's own sources say to the name.
+Status BindOuterName(Expression& name, Scope& scope, Status failure) {
+    std::size_t depth = 1;
+    for (Scope* outer = scope.outer(); outer != nullptr; outer = outer->outer(), ++depth) {
+        if (failure.number() != 3061) return failure;
+        const auto place = outer->Find(name.qualifier, name.name);
+        if (!place.ok()) {
+            failure = place.status();
+            continue;
+        }
+        name.kind = NodeKind::kOuter;
+        name.depth = depth;
+        name.source = place->source;
+        name.slot = outer->Use(*place);
+        scope.NoteOuterUse({depth, name.source, name.slot, name.name});
+        return Status::Ok();
+    }
+    return failure;
+}
+
 Status BindName(Expression& name, Scope& scope, const Session& session) {
     if (SameName(name.name, u"@@IDENTITY") && name.qualifier.empty()) {
         name.kind = NodeKind::kLiteral;
         name.value = Value::Long(session.identity);
         return Status::Ok();
     }
-    ASSIGN_OR_RETURN(const Scope::Place place, scope.Find(name.qualifier, name.name));
+    const auto place = scope.Find(name.qualifier, name.name);
+    if (!place.ok()) return BindOuterName(name, scope, place.status());
     name.kind = NodeKind::kColumn;
-    name.source = place.source;
-    name.slot = scope.Use(place);
+    name.source = place->source;
+    name.slot = scope.Use(*place);
+    return Status::Ok();
+}
+
+// What a subquery uses of the statements around it becomes part of the expression, so that whoever
+// asks what the expression uses is told.
+Status BindSubquery(Expression& e, Scope& scope, Session& session) {
+    ASSIGN_OR_RETURN(e.subquery,
+                     Subquery::Prepare(*e.select, scope, session, e.kind == NodeKind::kExists));
+    for (const OuterUse& use : e.subquery->uses()) {
+        auto column = std::make_unique<Expression>();
+        column->kind = use.depth == 1 ? NodeKind::kColumn : NodeKind::kOuter;
+        column->source = use.source;
+        column->slot = use.slot;
+        column->depth = use.depth - 1;
+        column->name = use.name;
+        if (use.depth > 1) scope.NoteOuterUse({use.depth - 1, use.source, use.slot, use.name});
+        e.children.push_back(std::move(column));
+    }
     return Status::Ok();
 }
 
@@ -99,7 +139,30 @@ Status Bind(Expression& expression, Scope& scope, Session& session,
         aggregates->push_back(&expression);
     }
     if (expression.kind == NodeKind::kCall) return BindCall(expression);
+    if (expression.select != nullptr) return BindSubquery(expression, scope, session);
     return Status::Ok();
+}
+
+Status AddSources(FromNode& from, Scope& scope, Session& session) {
+    if (from.left != nullptr) {
+        RETURN_IF_ERROR(AddSources(*from.left, scope, session));
+        return AddSources(*from.right, scope, session);
+    }
+    from.source = scope.sources().size();
+    return scope.Add(from.table, from.alias, session);
+}
+
+Status BindJoins(FromNode& from, Scope& scope, Session& session) {
+    if (from.left == nullptr) return Status::Ok();
+    RETURN_IF_ERROR(BindJoins(*from.left, scope, session));
+    RETURN_IF_ERROR(BindJoins(*from.right, scope, session));
+    return from.on != nullptr ? Bind(*from.on, scope, session) : Status::Ok();
+}
+
+bool HasSubquery(const Expression& expression) {
+    return expression.select != nullptr ||
+           std::any_of(expression.children.begin(), expression.children.end(),
+                       [](const ExpressionPtr& child) { return HasSubquery(*child); });
 }
 
 ExpressionPtr Clone(const Expression& expression) {
@@ -110,6 +173,10 @@ ExpressionPtr Clone(const Expression& expression) {
     copy->name = expression.name;
     copy->operators = expression.operators;
     copy->negated = expression.negated;
+    copy->all = expression.all;
+    copy->select = expression.select;
+    copy->subquery = expression.subquery;
+    copy->depth = expression.depth;
     copy->aggregate = expression.aggregate;
     copy->begin = expression.begin;
     copy->end = expression.end;
@@ -121,16 +188,60 @@ ExpressionPtr Clone(const Expression& expression) {
     return copy;
 }
 
+namespace {
+
+ExpressionPtr CloneOf(const ExpressionPtr& expression) {
+    return expression != nullptr ? Clone(*expression) : nullptr;
+}
+
+std::unique_ptr<FromNode> CloneOf(const std::unique_ptr<FromNode>& node) {
+    if (node == nullptr) return nullptr;
+    auto copy = std::make_unique<FromNode>();
+    copy->table = node->table;
+    copy->alias = node->alias;
+    copy->kind = node->kind;
+    copy->left = CloneOf(node->left);
+    copy->right = CloneOf(node->right);
+    copy->on = CloneOf(node->on);
+    copy->source = node->source;
+    return copy;
+}
+
+}  // namespace
+
+SelectStatement Clone(const SelectStatement& select) {
+    SelectStatement copy;
+    copy.into = select.into;
+    copy.distinct = select.distinct;
+    copy.top = select.top;
+    copy.top_percent = select.top_percent;
+    for (const OutputItem& item : select.outputs)
+        copy.outputs.push_back({CloneOf(item.expression), item.star_of, item.alias});
+    copy.from = CloneOf(select.from);
+    copy.where = CloneOf(select.where);
+    for (const ExpressionPtr& key : select.group_by)
+        copy.group_by.push_back(Clone(*key));
+    copy.having = CloneOf(select.having);
+    for (const OrderItem& item : select.order_by)
+        copy.order_by.push_back({CloneOf(item.expression), item.descending});
+    for (const SelectStatement::Union& part : select.unions)
+        copy.unions.push_back({part.all, std::make_unique<SelectStatement>(Clone(*part.select))});
+    return copy;
+}
+
 bool SameExpression(const Expression& a, const Expression& b) {
     if (a.kind != b.kind || a.value != b.value || a.operators != b.operators ||
-        a.negated != b.negated || a.function != b.function ||
-        a.children.size() != b.children.size())
+        a.negated != b.negated || a.all != b.all || a.select != b.select ||
+        a.function != b.function || a.children.size() != b.children.size())
         return false;
     if (a.kind == NodeKind::kName &&
         !(SameName(a.name, b.name) && SameName(a.qualifier, b.qualifier)))
         return false;
     if (a.kind == NodeKind::kCall && !SameName(a.name, b.name)) return false;
-    if (a.kind == NodeKind::kColumn && (a.source != b.source || a.slot != b.slot)) return false;
+    if (a.kind == NodeKind::kOuter && a.depth != b.depth) return false;
+    if ((a.kind == NodeKind::kColumn || a.kind == NodeKind::kOuter) &&
+        (a.source != b.source || a.slot != b.slot))
+        return false;
     if (a.kind == NodeKind::kAggregate && a.aggregate != b.aggregate) return false;
     for (std::size_t i = 0; i < a.children.size(); ++i)
         if (!SameExpression(*a.children[i], *b.children[i])) return false;

@@ -2,6 +2,7 @@
 #include "jet/coerce.h"
 #include "jet/errors.h"
 #include "jet/sql/bind.h"
+#include "jet/sql/change_steps.h"
 #include "jet/sql/executor.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/query.h"
@@ -14,19 +15,6 @@ namespace {
 
 using base::Result;
 using base::Status;
-
-Status CheckWritable(Session& session, const Table& table) {
-    if (session.database->read_only()) return JetError(3073);
-    const auto reason = table.read_only_reason();
-    return reason ? *reason : Status::Ok();
-}
-
-// A bare column keeps its type; the truth of an expression is a number.
-Result<Value> Stored(const Expression& e, EvalContext& context, const ColumnDesign& column) {
-    ASSIGN_OR_RETURN(Value value, Evaluate(e, context));
-    const bool plain = IsColumn(e) || column.type == ColumnType::kBoolean;
-    return Coerce(plain ? value : WithoutTruth(std::move(value)), column);
-}
 
 class Inserter {
 public:
@@ -96,7 +84,7 @@ private:
         for (const Default& by_default : defaults_) {
             const ColumnDesign& column = table_.design().columns[by_default.column];
             ASSIGN_OR_RETURN(row[by_default.column],
-                             Stored(*by_default.expression, context, column));
+                             StoredValue(*by_default.expression, context, column));
         }
         return row;
     }
@@ -115,7 +103,7 @@ Status InsertValues(InsertStatement& insert, Session& session, Inserter& inserte
     std::vector<Value> values;
     for (std::size_t i = 0; i < insert.values.size(); ++i) {
         RETURN_IF_ERROR(Bind(*insert.values[i], none, session));
-        ASSIGN_OR_RETURN(Value value, Stored(*insert.values[i], context, inserter.column(i)));
+        ASSIGN_OR_RETURN(Value value, StoredValue(*insert.values[i], context, inserter.column(i)));
         values.push_back(std::move(value));
     }
     return inserter.Insert(std::move(values));
@@ -142,10 +130,9 @@ struct Selected {
     std::vector<RowId> rows;
 };
 
-Result<Selected> Select(const std::u16string& table, const std::u16string& alias, Expression* where,
-                        Session& session) {
+Result<Selected> Select(const FromNode& from, Expression* where, Session& session) {
     Selected selected;
-    RETURN_IF_ERROR(selected.scope.Add(table, alias, session));
+    RETURN_IF_ERROR(selected.scope.Add(from.table, from.alias, session));
     RETURN_IF_ERROR(CheckWritable(session, *selected.scope.sources()[0].table));
     if (where != nullptr) RETURN_IF_ERROR(Bind(*where, selected.scope, session));
     ASSIGN_OR_RETURN(const AccessPath path, ChoosePath(selected.scope, where, {}, session));
@@ -171,6 +158,7 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
                          scope.Find(assignment.target->qualifier, assignment.target->name));
         for (const BoundAssignment& other : bound)
             if (other.column == place.column) return JetError(3063, assignment.target->name);
+        if (HasSubquery(*assignment.value)) return JetError(3073);
         RETURN_IF_ERROR(Bind(*assignment.value, scope, session));
         bound.push_back({place.column, assignment.value.get()});
     }
@@ -178,6 +166,19 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
 }
 
 }  // namespace
+
+Status CheckWritable(Session& session, const Table& table) {
+    if (session.database->read_only()) return JetError(3073);
+    const auto reason = table.read_only_reason();
+    return reason ? *reason : Status::Ok();
+}
+
+// A bare column keeps its type; the truth of an expression is a number.
+Result<Value> StoredValue(const Expression& e, EvalContext& context, const ColumnDesign& column) {
+    ASSIGN_OR_RETURN(Value value, Evaluate(e, context));
+    const bool plain = IsColumn(e) || column.type == ColumnType::kBoolean;
+    return Coerce(plain ? value : WithoutTruth(std::move(value)), column);
+}
 
 Result<std::int64_t> Execute(InsertStatement& insert, Session& session) {
     const auto table = session.database->FindTable(insert.table);
@@ -200,10 +201,10 @@ Result<std::int64_t> Execute(InsertStatement& insert, Session& session) {
 }
 
 Result<std::int64_t> Execute(UpdateStatement& update, Session& session) {
-    ASSIGN_OR_RETURN(const Selected selected,
-                     Select(update.table, update.alias, update.where.get(), session));
+    if (update.from->left != nullptr) return UpdateJoined(update, session);
+    ASSIGN_OR_RETURN(const Selected selected, Select(*update.from, update.where.get(), session));
     Scope scope;
-    RETURN_IF_ERROR(scope.Add(update.table, update.alias, session));
+    RETURN_IF_ERROR(scope.Add(update.from->table, update.from->alias, session));
     ASSIGN_OR_RETURN(const auto assignments, BindAssignments(update, scope, session));
     if (selected.rows.empty()) return std::int64_t{0};
     const Source& source = scope.sources()[0];
@@ -218,7 +219,7 @@ Result<std::int64_t> Execute(UpdateStatement& update, Session& session) {
         std::vector<ColumnChange> changes;
         for (const BoundAssignment& assignment : assignments) {
             const ColumnDesign& column = source.table->design().columns[assignment.column];
-            ASSIGN_OR_RETURN(Value value, Stored(*assignment.value, context, column));
+            ASSIGN_OR_RETURN(Value value, StoredValue(*assignment.value, context, column));
             changes.push_back({assignment.column, std::move(value)});
         }
         RETURN_IF_ERROR(source.table->Update(row, changes));
@@ -228,8 +229,10 @@ Result<std::int64_t> Execute(UpdateStatement& update, Session& session) {
 }
 
 Result<std::int64_t> Execute(DeleteStatement& erase, Session& session) {
-    ASSIGN_OR_RETURN(const Selected selected,
-                     Select(erase.table, erase.alias, erase.where.get(), session));
+    if (erase.from->left != nullptr) return DeleteJoined(erase, session);
+    ASSIGN_OR_RETURN(const Selected selected, Select(*erase.from, erase.where.get(), session));
+    const std::u16string& name = selected.scope.sources()[0].name;
+    if (!erase.target.empty() && !SameName(erase.target, name)) return JetError(3078, erase.target);
     if (selected.rows.empty()) return std::int64_t{0};
     Table& table = *selected.scope.sources()[0].table;
     Transaction transaction(*session.database);

@@ -55,8 +55,8 @@ Status StatementParser::ParseInsertValues(InsertStatement& insert) {
 Result<Statement> StatementParser::ParseUpdate() {
     const Status failure = JetError(3144);
     UpdateStatement update;
-    ASSIGN_OR_RETURN(update.table, tokens_.TakeName(failure));
-    if (!tokens_.IsWord(u"SET")) RETURN_IF_ERROR(ParseAlias(update.alias));
+    if (!tokens_.IsName() && !tokens_.IsSymbol(u"(")) return failure;
+    ASSIGN_OR_RETURN(update.from, ParseFrom());
     if (!tokens_.TakeWord(u"SET")) return failure;
     do {
         ASSIGN_OR_RETURN(Assignment assignment, ParseAssignment());
@@ -86,16 +86,19 @@ Result<Assignment> StatementParser::ParseAssignment() {
     return assignment;
 }
 
+// [DISTINCTROW] [table | table.* | *] FROM ...
 Result<Statement> StatementParser::ParseDelete() {
     DeleteStatement erase;
-    if (tokens_.IsName() && (tokens_.IsSymbol(u".", 1) || tokens_.IsSymbol(u"!", 1))) {
-        tokens_.Take();
-        tokens_.Take();
+    if (!tokens_.IsSymbol(u".", 1) && !tokens_.IsSymbol(u"!", 1)) tokens_.TakeWord(u"DISTINCTROW");
+    if (tokens_.IsName()) {
+        erase.target = tokens_.Take().text;
+        if (tokens_.TakeSymbol(u".") || tokens_.TakeSymbol(u"!"))
+            if (!tokens_.TakeSymbol(u"*") && tokens_.IsName()) tokens_.Take();
+    } else {
+        tokens_.TakeSymbol(u"*");
     }
-    if (!tokens_.TakeSymbol(u"*") && tokens_.IsName()) tokens_.Take();
     if (!tokens_.TakeWord(u"FROM")) return JetError(3131);
-    ASSIGN_OR_RETURN(erase.table, tokens_.TakeName(JetError(3131)));
-    RETURN_IF_ERROR(ParseAlias(erase.alias));
+    ASSIGN_OR_RETURN(erase.from, ParseFrom());
     if (tokens_.IsWord(u"WHERE")) {
         ASSIGN_OR_RETURN(erase.where, ParseWhere());
     }

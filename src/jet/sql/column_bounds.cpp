@@ -3,6 +3,7 @@
 #include "jet/sql/evaluate.h"
 #include "jet/sql/functions.h"
 #include "jet/sql/interval_of.h"
+#include "jet/sql/subquery.h"
 
 #include <algorithm>
 
@@ -63,6 +64,8 @@ public:
             return e.negated ? Facts() : StudyBetween(e);
         case NodeKind::kIn:
             return e.negated ? Facts() : StudyIn(e);
+        case NodeKind::kInQuery:
+            return e.negated ? Facts() : StudyInQuery(e);
         case NodeKind::kIsNull:
             return e.negated ? Facts() : StudyIsNull(e);
         case NodeKind::kColumn:
@@ -155,6 +158,23 @@ private:
         return {std::move(bounds)};
     }
 
+    Facts StudyInQuery(const Expression& e) {
+        if (!IsColumn(*e.children[0])) return {};
+        for (std::size_t i = 1; i < e.children.size(); ++i)
+            if (!IsConstant(*e.children[i])) return {};
+        const auto values = e.subquery->Values(context_);
+        if (!values.ok() || (*values)->size() > kMostIntervals) return {};
+        ColumnBounds bounds{PositionOf(*e.children[0]), {}};
+        for (const Value& value : **values) {
+            if (value.is_null()) continue;
+            auto equal = ValuesEqualTo(DesignOf(bounds.column), value);
+            if (!equal) return {};
+            bounds.intervals.push_back(std::move(equal->interval));
+        }
+        SortIntervals(bounds.intervals);
+        return {std::move(bounds)};
+    }
+
     Facts StudyIsNull(const Expression& e) {
         if (!IsColumn(*e.children[0])) return {};
         ColumnBounds bounds{PositionOf(*e.children[0]), {}, true};
@@ -218,7 +238,7 @@ private:
 
     bool IsConstant(const Expression& e) const {
         if (e.kind == NodeKind::kColumn || e.kind == NodeKind::kAggregate ||
-            e.kind == NodeKind::kName)
+            e.kind == NodeKind::kName || (e.kind == NodeKind::kOuter && !outer_known_))
             return false;
         if (e.kind == NodeKind::kCall && e.function->kind == FunctionKind::kChanging) return false;
         return std::all_of(e.children.begin(), e.children.end(),
@@ -232,7 +252,7 @@ private:
 
     const Source& source_;
     EvalContext context_;
-    [[maybe_unused]] bool outer_known_;
+    bool outer_known_;
 };
 
 }  // namespace

@@ -169,6 +169,7 @@ Status Execute(const DropStatement& drop, Session& session) {
 }
 
 bool ChangesDesign(const Statement& statement) {
+    if (const auto* select = std::get_if<SelectStatement>(&statement)) return !select->into.empty();
     return std::holds_alternative<CreateTableStatement>(statement) ||
            std::holds_alternative<CreateIndexStatement>(statement) ||
            std::holds_alternative<AlterTableStatement>(statement) ||

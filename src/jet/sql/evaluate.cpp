@@ -2,6 +2,7 @@
 
 #include "jet/errors.h"
 #include "jet/sql/functions.h"
+#include "jet/sql/subquery.h"
 
 namespace jet::sql {
 namespace {
@@ -192,16 +193,31 @@ Result<Value> Call(const Expression& call, EvalContext& context) {
     }
 }
 
+bool IsTestOfQuery(const Expression& e) {
+    return e.kind == NodeKind::kExists || e.kind == NodeKind::kInQuery ||
+           e.kind == NodeKind::kComparedQuery;
+}
+
+// A column of a statement around this one.
+Result<Value> OuterColumn(const Expression& e, const EvalContext& context) {
+    const OuterRows* outer = context.session->outer;
+    for (std::size_t depth = 1; depth < e.depth && outer != nullptr; ++depth)
+        outer = outer->next;
+    if (outer == nullptr || outer->rows == nullptr) return JetError(3061);
+    return (*outer->rows)[e.source][e.slot];
+}
+
 bool IsCondition(const Expression& e) {
     if (e.kind == NodeKind::kChain) return IsLogic(e.operators[0]) || IsComparison(e.operators[0]);
     return e.kind == NodeKind::kNot || e.kind == NodeKind::kIn || e.kind == NodeKind::kBetween ||
-           e.kind == NodeKind::kIsNull;
+           e.kind == NodeKind::kIsNull || IsTestOfQuery(e);
 }
 
 Result<Truth> ConditionTruth(const Expression& e, EvalContext& context) {
     if (e.kind == NodeKind::kChain)
         return IsLogic(e.operators[0]) ? LogicChain(e, context) : ComparisonChain(e, context);
     if (e.kind == NodeKind::kIn) return InTruth(e, context);
+    if (IsTestOfQuery(e)) return SubqueryTruth(e, context);
     if (e.kind == NodeKind::kBetween) return BetweenTruth(e, context);
     if (e.kind == NodeKind::kNot) {
         ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*e.children[0], context));
@@ -225,6 +241,10 @@ Result<Value> Evaluate(const Expression& e, EvalContext& context) {
         return e.value;
     case NodeKind::kColumn:
         return (*context.rows)[e.source][e.slot];
+    case NodeKind::kOuter:
+        return OuterColumn(e, context);
+    case NodeKind::kScalarQuery:
+        return EvaluateSubquery(e, context);
     case NodeKind::kAggregate:
         return (*context.aggregates)[e.slot];
     case NodeKind::kCall:

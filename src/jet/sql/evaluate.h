@@ -13,9 +13,6 @@ namespace jet::sql {
 // Texts that an expression makes are at most so long (3071 beyond).
 inline constexpr std::size_t kLongestResult = 16U << 20;  // UTF-16 units
 
-// One row of each source, as far as its columns are in use.
-using SourceRows = std::vector<std::vector<Value>>;
-
 struct EvalContext {
     Session* session = nullptr;
     const SourceRows* rows = nullptr;

@@ -13,6 +13,8 @@ namespace jet::sql {
 base::Result<std::int64_t> Execute(InsertStatement& insert, Session& session);
 base::Result<std::int64_t> Execute(UpdateStatement& update, Session& session);
 base::Result<std::int64_t> Execute(DeleteStatement& erase, Session& session);
+// Of a SELECT INTO; nothing is left of the statement. 3027 as below.
+base::Result<std::int64_t> Execute(SelectStatement& select, Session& session);
 
 // 3027: the database cannot be written.
 base::Status Execute(const CreateTableStatement& create, Session& session);

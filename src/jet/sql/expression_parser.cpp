@@ -5,6 +5,7 @@
 #include "jet/sql/lexer.h"
 #include "jet/sql/like.h"
 #include "jet/sql/parser.h"
+#include "jet/sql/statement_parser.h"
 
 #include <algorithm>
 #include <optional>
@@ -211,6 +212,10 @@ Result<ExpressionPtr> ExpressionParser::ParseLevel(int lowest) {
         const OperatorSpelling* spelling = OperatorAt(tokens_);
         if (spelling == nullptr || spelling->level < lowest) return left;
         if (spelling->level == kCompareLevel && ++tests > kDeepestNesting) return JetError(3360);
+        if (spelling->level == kCompareLevel) {
+            ASSIGN_OR_RETURN(const bool query, ParseComparedQuery(left, spelling->op));
+            if (query) continue;
+        }
         ASSIGN_OR_RETURN(left, ParseChain(std::move(left), spelling->level));
     }
 }
@@ -262,7 +267,33 @@ Result<bool> ExpressionParser::ParseTest(ExpressionPtr& value) {
     return true;
 }
 
+Result<bool> ExpressionParser::ParseComparedQuery(ExpressionPtr& value, Operator op) {
+    const bool all = tokens_.IsWord(u"ALL", 1);
+    if (!all && !tokens_.IsWord(u"ANY", 1) && !tokens_.IsWord(u"SOME", 1)) return false;
+    if (!tokens_.IsQuery(2)) return false;
+    tokens_.Take();
+    tokens_.Take();
+    ASSIGN_OR_RETURN(ExpressionPtr test, ParseQuery(NodeKind::kComparedQuery, value->begin));
+    test->operators.push_back(op);
+    test->all = all;
+    test->children.push_back(std::move(value));
+    value = std::move(test);
+    return true;
+}
+
+Result<ExpressionPtr> ExpressionParser::ParseQuery(NodeKind kind, std::size_t begin) {
+    ASSIGN_OR_RETURN(SelectStatement select, StatementParser(tokens_).ParseSubquery());
+    ExpressionPtr query = NewNode(kind, begin);
+    query->select = std::make_shared<const SelectStatement>(std::move(select));
+    return query;
+}
+
 Result<ExpressionPtr> ExpressionParser::ParseIn(ExpressionPtr value) {
+    if (tokens_.IsQuery()) {
+        ASSIGN_OR_RETURN(ExpressionPtr query, ParseQuery(NodeKind::kInQuery, value->begin));
+        query->children.push_back(std::move(value));
+        return query;
+    }
     ExpressionPtr test = NewNode(NodeKind::kIn, value->begin);
     test->children.push_back(std::move(value));
     if (!tokens_.TakeSymbol(u"(")) return MissingOperator();
@@ -284,7 +315,7 @@ Result<ExpressionPtr> ExpressionParser::ParseBetween(ExpressionPtr value) {
 }
 
 Result<ExpressionPtr> ExpressionParser::ParsePrefix(int lowest) {
-    const Deeper deeper(depth_);
+    const Deeper deeper(tokens_.nesting());
     if (deeper.too_deep()) return JetError(3360);
     const std::size_t begin = tokens_.Peek().begin;
     if (!column_.empty() && lowest <= kCompareLevel && StartsTest()) return NewColumn(begin);
@@ -313,7 +344,12 @@ Result<ExpressionPtr> ExpressionParser::ParseOperand() {
         node->value = std::move(value);
         return node;
     }
+    if (tokens_.IsQuery()) return ParseQuery(NodeKind::kScalarQuery, begin);
     if (tokens_.IsSymbol(u"(")) return ParseParentheses();
+    if (tokens_.IsWord(u"EXISTS") && tokens_.IsQuery(1)) {
+        tokens_.Take();
+        return ParseQuery(NodeKind::kExists, begin);
+    }
     if (token.kind == TokenKind::kParameter) return JetError(3061);
     const bool qualifies = tokens_.IsSymbol(u".", 1) || tokens_.IsSymbol(u"!", 1);
     if (token.kind == TokenKind::kWord && !qualifies) {

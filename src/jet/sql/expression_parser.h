@@ -36,6 +36,10 @@ private:
     ExpressionPtr CompleteRule(ExpressionPtr rule) const;
     base::Result<ExpressionPtr> ParseOperand();
     base::Result<ExpressionPtr> ParseParentheses();
+    // A comparison of `value` with any or all values of a query, where one follows.
+    base::Result<bool> ParseComparedQuery(ExpressionPtr& value, Operator op);
+    // The query in parentheses that comes next.
+    base::Result<ExpressionPtr> ParseQuery(NodeKind kind, std::size_t begin);
     base::Result<ExpressionPtr> ParseCall();
     base::Result<ExpressionPtr> ParseName();
     base::Status ParseArguments(Expression& call);
@@ -45,7 +49,6 @@ private:
 
     TokenReader& tokens_;
     std::size_t begin_ = 0;  // of the whole expression, for messages
-    int depth_ = 0;
     bool rule_ = false;
     std::u16string_view column_;
 };

@@ -56,15 +56,17 @@ class Joiner {
 public:
     Joiner(const Scope& scope, const Expression* where, Session& session)
         : scope_(scope), where_(where), tables_(scope.sources().size()),
+          ids_(scope.sources().size()),
           rows_(scope.sources().size()), context_{&session, &rows_, nullptr} {}
 
-    Status Run(const FromNode& from, const std::function<Status(const SourceRows&)>& take) {
+    Status Run(const FromNode& from,
+               const std::function<Status(const SourceRows&, const CombinedRows&)>& take) {
         for (std::size_t i = 0; i < tables_.size(); ++i)
             RETURN_IF_ERROR(Load(i));
         ASSIGN_OR_RETURN(const std::vector<Combination> all, Join(from));
         for (const Combination& combination : all) {
             Show(combination);
-            RETURN_IF_ERROR(take(rows_));
+            RETURN_IF_ERROR(take(rows_, RowsOf(combination)));
         }
         return Status::Ok();
     }
@@ -79,8 +81,16 @@ private:
             std::vector<Value> values(source.columns.size());
             RETURN_IF_ERROR(cursor->Read(source.columns, values));
             tables_[number].push_back(std::move(values));
+            ids_[number].push_back(*row);
             if (tables_[number].size() > kMostCombinations) return JetError(3360);
         }
+    }
+
+    const CombinedRows& RowsOf(const Combination& combination) {
+        found_.assign(combination.size(), std::nullopt);
+        for (std::size_t i = 0; i < combination.size(); ++i)
+            if (combination[i] != kNoRow) found_[i] = ids_[i][combination[i]];
+        return found_;
     }
 
     void Show(const Combination& combination) {
@@ -230,7 +240,9 @@ private:
     const Scope& scope_;
     const Expression* where_;
     std::vector<std::vector<std::vector<Value>>> tables_;
+    std::vector<std::vector<RowId>> ids_;  // of the rows of tables_
     SourceRows rows_;
+    CombinedRows found_;
     EvalContext context_;
 };
 
@@ -238,6 +250,13 @@ private:
 
 Status ForEachCombination(const FromNode& from, const Scope& scope, const Expression* where,
                           Session& session, const std::function<Status(const SourceRows&)>& take) {
+    return Joiner(scope, where, session)
+        .Run(from, [&](const SourceRows& rows, const CombinedRows&) { return take(rows); });
+}
+
+Status ForEachCombinationOfRows(
+    const FromNode& from, const Scope& scope, const Expression* where, Session& session,
+    const std::function<Status(const SourceRows&, const CombinedRows&)>& take) {
     return Joiner(scope, where, session).Run(from, take);
 }
 

@@ -7,6 +7,8 @@
 #include "jet/sql/evaluate.h"
 
 #include <functional>
+#include <optional>
+#include <vector>
 
 namespace jet::sql {
 
@@ -17,5 +19,11 @@ namespace jet::sql {
 base::Status ForEachCombination(const FromNode& from, const Scope& scope, const Expression* where,
                                 Session& session,
                                 const std::function<base::Status(const SourceRows&)>& take);
+
+// The same with the row of each source; nullopt: it has none, Null stands for its columns.
+using CombinedRows = std::vector<std::optional<RowId>>;
+base::Status ForEachCombinationOfRows(
+    const FromNode& from, const Scope& scope, const Expression* where, Session& session,
+    const std::function<base::Status(const SourceRows&, const CombinedRows&)>& take);
 
 }  // namespace jet::sql

@@ -17,6 +17,7 @@ Result<Statement> Parse(std::u16string_view sql, int current_year) {
 Result<ExpressionPtr> ParseExpression(std::u16string_view text, int current_year) {
     ASSIGN_OR_RETURN(std::vector<Token> list, Tokenize(text, current_year));
     TokenReader tokens(text, std::move(list));
+    tokens.ForbidQueries();
     ASSIGN_OR_RETURN(ExpressionPtr expression, ExpressionParser(tokens).Parse());
     if (!tokens.AtEnd()) return SyntaxError(" (missing operator)", text);
     return expression;
@@ -26,6 +27,7 @@ Result<ExpressionPtr> ParseRule(std::u16string_view text, std::u16string_view co
                                 int current_year) {
     ASSIGN_OR_RETURN(std::vector<Token> list, Tokenize(text, current_year));
     TokenReader tokens(text, std::move(list));
+    tokens.ForbidQueries();
     ASSIGN_OR_RETURN(ExpressionPtr rule, ExpressionParser(tokens, column).ParseRule());
     if (!tokens.AtEnd()) return SyntaxError(" (missing operator)", text);
     return rule;

@@ -30,7 +30,9 @@ struct FoundRows {
 class Query {
 public:
     // `session` must outlive the query; its tables must not be altered while it lives.
-    static base::Result<std::unique_ptr<Query>> Prepare(SelectStatement select, Session& session);
+    // `outer` is the scope of the expression around a subquery; it is needed during this call only.
+    static base::Result<std::unique_ptr<Query>> Prepare(SelectStatement select, Session& session,
+                                                        Scope* outer = nullptr);
     ~Query();
 
     // Of the output columns, in order.
@@ -51,6 +53,14 @@ public:
     // All outputs of rows found by CollectRows.
     base::Result<std::vector<ResultRow>> ReadRows(const FoundRows& found);
 
+    // Of a subquery: the columns of the statements around it that it uses.
+    std::vector<OuterUse> outer_uses() const;
+    // The column that an output shows as it is, be the rows a table's or not; nullptr: a computed
+    // value.
+    const ColumnDesign* OutputColumn(std::size_t output) const;
+
+    // True: there is a row.
+    base::Result<bool> HasRows();
     // All rows, whatever their origin.
     base::Result<std::vector<ResultRow>> Rows();
 
@@ -58,9 +68,11 @@ private:
     class Grouping;
     struct Sorted;
 
-    explicit Query(SelectStatement select, Session& session);
+    Query(SelectStatement select, Session& session, Scope* outer);
     base::Status Bind();
-    base::Status AddSources(FromNode& node);
+    base::Status FindPath(bool outer_known);
+    // Outer columns are known when a subquery is run, not before.
+    base::Status RefreshPath();
     base::Status ExpandStars();
     base::Status ResolveOrder();
     base::Status BindExpressions();

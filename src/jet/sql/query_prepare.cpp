@@ -30,19 +30,22 @@ const Expression* FindUngrouped(const Expression& e, const std::vector<Expressio
 
 }  // namespace
 
-Query::Query(SelectStatement select, Session& session)
-    : select_(std::move(select)), session_(session) {}
+Query::Query(SelectStatement select, Session& session, Scope* outer)
+    : select_(std::move(select)), session_(session), scope_(outer) {}
 
 Query::~Query() = default;
 
-Result<std::unique_ptr<Query>> Query::Prepare(SelectStatement select, Session& session) {
-    auto query = std::unique_ptr<Query>(new Query(std::move(select), session));
+Result<std::unique_ptr<Query>> Query::Prepare(SelectStatement select, Session& session,
+                                              Scope* outer) {
+    // Rows for a new table are no result.
+    if (!select.into.empty()) return JetError(3219);
+    auto query = std::unique_ptr<Query>(new Query(std::move(select), session, outer));
     RETURN_IF_ERROR(query->Bind());
     return query;
 }
 
 Status Query::Bind() {
-    if (select_.from != nullptr) RETURN_IF_ERROR(AddSources(*select_.from));
+    if (select_.from != nullptr) RETURN_IF_ERROR(AddSources(*select_.from, scope_, session_));
     RETURN_IF_ERROR(ExpandStars());
     if (!select_.unions.empty()) return PrepareUnions();
     RETURN_IF_ERROR(ResolveOrder());
@@ -51,22 +54,37 @@ Status Query::Bind() {
     NameOutputs();
     RETURN_IF_ERROR(BindExpressions());
     if (select_.distinct) RETURN_IF_ERROR(CheckDistinctOrder());
-    if (IsGrouped() || select_.having != nullptr) return CheckGrouping();
+    if (IsGrouped() || select_.having != nullptr) RETURN_IF_ERROR(CheckGrouping());
+    return FindPath(false);
+}
+
+Status Query::FindPath(bool outer_known) {
     if (scope_.sources().size() != 1) return Status::Ok();
     const std::vector<OrderItem> no_order;
     const bool use_order = row_wise_ && !select_.top;
-    ASSIGN_OR_RETURN(path_, ChoosePath(scope_, select_.where.get(),
-                                       use_order ? select_.order_by : no_order, session_));
+    ASSIGN_OR_RETURN(path_,
+                     ChoosePath(scope_, select_.where.get(),
+                                use_order ? select_.order_by : no_order, session_, outer_known));
     return Status::Ok();
 }
 
-Status Query::AddSources(FromNode& node) {
-    if (node.left != nullptr) {
-        RETURN_IF_ERROR(AddSources(*node.left));
-        return AddSources(*node.right);
+std::vector<OuterUse> Query::outer_uses() const {
+    std::vector<OuterUse> uses = scope_.outer_uses();
+    const std::vector<OuterUse>& more = output_scope_.outer_uses();
+    uses.insert(uses.end(), more.begin(), more.end());
+    for (const std::unique_ptr<Query>& part : unions_) {
+        const std::vector<OuterUse> of_part = part->outer_uses();
+        uses.insert(uses.end(), of_part.begin(), of_part.end());
     }
-    node.source = scope_.sources().size();
-    return scope_.Add(node.table, node.alias, session_);
+    return uses;
+}
+
+const ColumnDesign* Query::OutputColumn(std::size_t output) const {
+    if (!unions_.empty()) return nullptr;
+    const Expression& e = *select_.outputs[output].expression;
+    if (!IsColumn(e)) return nullptr;
+    const Source& source = (row_wise_ ? output_scope_ : scope_).sources()[e.source];
+    return &source.table->design().columns[source.columns[e.slot]];
 }
 
 Status Query::ExpandStars() {
@@ -139,14 +157,7 @@ Status Query::BindExpressions() {
         RETURN_IF_ERROR(sql::Bind(*select_.having, scope_, session_, &aggregates_));
     for (OrderItem& order : select_.order_by)
         RETURN_IF_ERROR(sql::Bind(*order.expression, scope_, session_, &aggregates_));
-    auto bind_joins = [&](auto& self, FromNode& node) -> Status {
-        if (node.left == nullptr) return Status::Ok();
-        RETURN_IF_ERROR(self(self, *node.left));
-        RETURN_IF_ERROR(self(self, *node.right));
-        if (node.on == nullptr) return Status::Ok();
-        return sql::Bind(*node.on, scope_, session_);
-    };
-    return select_.from != nullptr ? bind_joins(bind_joins, *select_.from) : Status::Ok();
+    return select_.from != nullptr ? BindJoins(*select_.from, scope_, session_) : Status::Ok();
 }
 
 Status Query::CheckGrouping() const {
@@ -182,11 +193,12 @@ Status Query::PrepareUnions() {
     select_.order_by = std::move(first.order_by);
     first.unions.clear();
     first.order_by.clear();
+    Scope* const outer = scope_.outer();
     scope_ = Scope();
-    ASSIGN_OR_RETURN(auto head, Prepare(std::move(first), session_));
+    ASSIGN_OR_RETURN(auto head, Prepare(std::move(first), session_, outer));
     unions_.push_back(std::move(head));
     for (SelectStatement::Union& part : select_.unions) {
-        ASSIGN_OR_RETURN(auto query, Prepare(std::move(*part.select), session_));
+        ASSIGN_OR_RETURN(auto query, Prepare(std::move(*part.select), session_, outer));
         if (query->names().size() != names_.size()) return JetError(3307);
         unions_.push_back(std::move(query));
     }

@@ -330,7 +330,24 @@ std::size_t Query::RowsToKeep(const KeySorter& keys, std::span<const std::uint32
     return keep;
 }
 
+Status Query::RefreshPath() {
+    return scope_.outer_uses().empty() ? Status::Ok() : FindPath(true);
+}
+
+Result<bool> Query::HasRows() {
+    if (!row_wise_ || select_.top) {
+        ASSIGN_OR_RETURN(const std::vector<ResultRow> rows, Rows());
+        return !rows.empty();
+    }
+    RETURN_IF_ERROR(RefreshPath());
+    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
+                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+    return row.has_value();
+}
+
 Result<std::vector<ResultRow>> Query::Rows() {
+    RETURN_IF_ERROR(RefreshPath());
     if (!unions_.empty()) return UnionRows();
     std::vector<ResultRow> result;
     if (row_wise_) {

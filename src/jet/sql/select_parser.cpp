@@ -17,6 +17,18 @@ constexpr std::size_t kMostJoins = 100;
 
 }  // namespace
 
+Result<SelectStatement> StatementParser::ParseSubquery() {
+    nested_ = true;
+    tokens_.Take();
+    if (++tokens_.nesting() > kDeepestNesting) return JetError(3360);
+    ASSIGN_OR_RETURN(SelectStatement select, ParseSelect());
+    --tokens_.nesting();
+    if (!select.into.empty()) return JetError(3141);
+    if (!tokens_.TakeSymbol(u")"))
+        return SyntaxError(" (missing operator)", tokens_.TextFrom(tokens_.last_end()));
+    return select;
+}
+
 Result<SelectStatement> StatementParser::ParseSelect() {
     ASSIGN_OR_RETURN(SelectStatement select, ParseSelectCore());
     while (tokens_.TakeWord(u"UNION")) {
@@ -25,6 +37,7 @@ Result<SelectStatement> StatementParser::ParseSelect() {
         if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMostUnions)
             return JetError(3141);
         ASSIGN_OR_RETURN(SelectStatement next, ParseSelectCore());
+        if (!select.into.empty() || !next.into.empty()) return JetError(3141);
         part.select = std::make_unique<SelectStatement>(std::move(next));
         select.unions.push_back(std::move(part));
     }
@@ -41,8 +54,12 @@ Result<SelectStatement> StatementParser::ParseSelectCore() {
         tokens_.TakeWord(u"ALL");
     RETURN_IF_ERROR(ParseTop(select));
     RETURN_IF_ERROR(ParseOutputs(select));
-    if (tokens_.TakeWord(u"INTO"))
-        return Status(base::StatusCode::kUnsupported, "SELECT ... INTO is not supported.", 3141);
+    if (tokens_.TakeWord(u"INTO")) {
+        ASSIGN_OR_RETURN(select.into, tokens_.TakeName(JetError(3141)));
+        if (tokens_.IsWord(u"IN"))
+            return Status(base::StatusCode::kUnsupported,
+                          "SELECT ... INTO another database is not supported.", 3141);
+    }
     if (tokens_.TakeWord(u"FROM")) {
         ASSIGN_OR_RETURN(select.from, ParseFrom());
     }
@@ -124,9 +141,9 @@ Result<std::unique_ptr<FromNode>> StatementParser::ParseJoins() {
 
 Result<std::unique_ptr<FromNode>> StatementParser::ParseSource() {
     if (tokens_.TakeSymbol(u"(")) {
-        if (++depth_ > kDeepestNesting) return JetError(3360);
+        if (++tokens_.nesting() > kDeepestNesting) return JetError(3360);
         ASSIGN_OR_RETURN(std::unique_ptr<FromNode> inner, ParseJoins());
-        --depth_;
+        --tokens_.nesting();
         if (!tokens_.TakeSymbol(u")")) return JetError(3131);
         return inner;
     }
@@ -168,7 +185,8 @@ Status StatementParser::ParseOrder(SelectStatement& select) {
         if (!item.descending) tokens_.TakeWord(u"ASC");
         select.order_by.push_back(std::move(item));
     } while (tokens_.TakeSymbol(u","));
-    if (!tokens_.AtEnd() && !tokens_.IsSymbol(u";")) return JetError(3138);
+    const bool ends = nested_ ? tokens_.IsSymbol(u")") : tokens_.IsSymbol(u";");
+    if (!tokens_.AtEnd() && !ends) return JetError(3138);
     return Status::Ok();
 }
 

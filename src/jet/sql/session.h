@@ -1,14 +1,26 @@
 // Session: what the statements of one connection share.
 #pragma once
 
+#include "jet/value.h"
+
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace jet {
 class Database;
 }
 
 namespace jet::sql {
+
+// One row of each source, as far as its columns are in use.
+using SourceRows = std::vector<std::vector<Value>>;
+
+// The rows at hand of the statements around a subquery, from the inside out.
+struct OuterRows {
+    const SourceRows* rows = nullptr;
+    const OuterRows* next = nullptr;
+};
 
 struct Session {
     Database* database = nullptr;
@@ -19,8 +31,16 @@ struct Session {
         0x50000;  // state of Rnd; the sequence is the same after each start, as Rnd's is
 
     int current_year() const;
+    std::uint64_t statement = 0;       // grows with each statement
+    std::uint64_t subquery_runs = 0;   // of the running statement
+    const OuterRows* outer = nullptr;  // where a subquery is being run; nullptr: not in one
+
     // To be called when a statement begins.
-    void StartStatement() { now = clock(); }
+    void StartStatement() {
+        now = clock();
+        ++statement;
+        subquery_runs = 0;
+    }
 };
 
 }  // namespace jet::sql

@@ -13,6 +13,8 @@ public:
     explicit StatementParser(TokenReader& tokens) : tokens_(tokens) {}
 
     base::Result<Statement> Parse();
+    // A SELECT in parentheses, the first of which is the next token.
+    base::Result<SelectStatement> ParseSubquery();
 
 private:
     base::Result<Statement> ParseStatement();
@@ -63,7 +65,7 @@ private:
     base::Result<std::int64_t> ParseNumber(const base::Status& failure);
 
     TokenReader& tokens_;
-    int depth_ = 0;  // of parentheses in FROM
+    bool nested_ = false;  // inside of an expression
 };
 
 }  // namespace jet::sql

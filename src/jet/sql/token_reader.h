@@ -35,6 +35,15 @@ public:
     // `failure`: there is none.
     base::Result<std::u16string> TakeName(const base::Status& failure);
 
+    // How deep the text is nested where the parser is, all statements and expressions together.
+    int& nesting() { return nesting_; }
+    // Expressions of designs have no subqueries.
+    void ForbidQueries() { queries_allowed_ = false; }
+    // ahead: where "(" and a SELECT would stand.
+    bool IsQuery(std::size_t ahead = 0) const {
+        return queries_allowed_ && IsSymbol(u"(", ahead) && IsWord(u"SELECT", ahead + 1);
+    }
+
     // The SQL text from `begin` to the end of the last token taken.
     std::u16string_view TextSince(std::size_t begin) const;
     std::u16string_view TextFrom(std::size_t begin) const { return sql_.substr(begin); }
@@ -45,6 +54,8 @@ private:
     std::vector<Token> tokens_;
     std::size_t at_ = 0;
     std::size_t last_end_ = 0;
+    int nesting_ = 0;
+    bool queries_allowed_ = true;
 };
 
 // Words that name a thing only in brackets.
