@@ -246,6 +246,47 @@ TEST_F(SqlOnDisk, RecordsetEditsAreStored) {
               "2\ta\tf\tfirst\t10000\n");
 }
 
+TEST_F(SqlOnDisk, ATableMadeOfRowsIsReadByMdbExport) {
+    if (!HasProgram("mdb-export")) GTEST_SKIP() << "mdbtools are not installed";
+    for (const std::u16string_view name : {u"b", u"a", u"c"})
+        Ask(u"INSERT INTO Tables (DisplayName, Notes) VALUES ('" + std::u16string(name) +
+            u"', String(3000, 'n'))");
+    EXPECT_EQ(
+        Ask(u"SELECT ID, DisplayName, Left(Notes, 3) AS Begin INTO Made FROM Tables WHERE ID IN "
+            u"(SELECT ID + 1 FROM Tables)"),
+        "2");
+    // A failure leaves no table.
+    EXPECT_EQ(Ask(u"SELECT ID, 1/(ID - 2) AS X INTO Failed FROM Tables").substr(0, 3), "#11");
+    EXPECT_EQ(Ask(u"SELECT * FROM Failed").substr(0, 5), "#3078");
+    ASSERT_TRUE(connection->Close().ok());
+    EXPECT_EQ(OutputOf({"mdb-export", "-H", path.string(), "Made"}).value_or("<mdb-export failed>"),
+              "2,\"a\",\"nnn\"\n3,\"c\",\"nnn\"\n");
+}
+
+TEST_F(SqlOnDisk, ChangesOverJoinsAreStored) {
+    for (const std::u16string_view name : {u"b", u"a", u"c", u"d"})
+        Ask(u"INSERT INTO Tables (DisplayName) VALUES ('" + std::u16string(name) + u"')");
+    Ask(u"CREATE TABLE Authors (TableID LONG, Author TEXT(50))");
+    for (const std::u16string_view row : {u"1, 'Ann'", u"3, 'Bob'", u"3, 'Bill'"})
+        Ask(u"INSERT INTO Authors VALUES (" + std::u16string(row) + u")");
+    EXPECT_EQ(
+        Ask(u"UPDATE Tables INNER JOIN Authors ON Tables.ID = Authors.TableID SET Tables.Author = "
+            u"Authors.Author"),
+        "3");
+    EXPECT_EQ(
+        Ask(u"DELETE Tables.* FROM Tables LEFT JOIN Authors ON Tables.ID = Authors.TableID WHERE "
+            u"Authors.TableID Is Null"),
+        "2");
+    EXPECT_EQ(
+        Ask(u"DELETE FROM Authors WHERE NOT EXISTS (SELECT * FROM Tables WHERE ID = TableID And "
+            u"Author <> Authors.Author)"),
+        "2");
+    ASSERT_TRUE(connection->Close().ok());
+    Reopen();
+    EXPECT_EQ(Ask(u"SELECT ID, Author FROM Tables"), "1\tAnn\n3\tBill\n");
+    EXPECT_EQ(Ask(u"SELECT Author FROM Authors"), "Bob\n");
+}
+
 TEST_F(SqlOnDisk, AFileThatCannotBeWrittenIsOpenedForReading) {
     Ask(u"INSERT INTO Tables (DisplayName) VALUES ('a')");
     ASSERT_TRUE(connection->Close().ok());

@@ -238,6 +238,11 @@ public:
         return cursor_->Read(columns, values);
     }
 
+    Result<bool> AppendStored(std::span<const std::size_t> columns,
+                              std::vector<std::byte>& fields) override {
+        return cursor_->AppendStored(columns, fields);
+    }
+
 private:
     Table& table_;
     AccessPath path_;

@@ -127,10 +127,10 @@ private:
                 known.exact = false;
                 known.null = known.null || other.null;
             }
+            std::erase_if(facts, [](const ColumnBounds& known) {
+                return known.intervals.size() > kMostIntervals;
+            });
         }
-        std::erase_if(facts, [](const ColumnBounds& known) {
-            return known.intervals.size() > kMostIntervals;
-        });
         for (ColumnBounds& known : facts)
             if (e.children.size() > 1) SortIntervals(known.intervals);
         return facts;

@@ -1,0 +1,1 @@
+SELECT A FROM T WHERE B LIKE 'ta%' OR B IN ('', 'x', Null)

@@ -1,0 +1,1 @@
+SELECT MakerId FROM (T)
