@@ -144,7 +144,7 @@ TEST_P(IndexBalanceTest, DeletingMostKeysGivesPagesBack) {
 TEST_P(IndexBalanceTest, DeletingFromOneEndGivesPagesBack) {
     for (const bool from_the_front : {true, false}) {
         rows_.clear();
-        Repeat(20000,
+        Repeat(8000,
                [&](std::size_t i) { Insert(static_cast<std::int32_t>(i + 1), RandomName(12)); });
         if (!from_the_front) std::ranges::reverse(rows_);
         Repeat(7000, [&](std::size_t i) { Delete(rows_[i]); });
