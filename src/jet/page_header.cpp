@@ -62,25 +62,32 @@ bool AnySet(std::span<const std::byte> bytes) {
     return std::ranges::any_of(bytes, [](std::byte b) { return b != std::byte{0}; });
 }
 
+constexpr std::string_view kSignature = "Standard Jet DB";
+
+std::string_view Signature(std::span<const std::byte> head) {
+    return {reinterpret_cast<const char*>(head.data()) + 4, kSignature.size()};
+}
+
 }  // namespace
+
+std::optional<std::string_view> OtherFormat(std::span<const std::byte> head) {
+    const std::string_view signature = Signature(head);
+    if (signature == "Standard ACE DB")
+        return "the file was made by a newer version of the database engine (.accdb)";
+    if (signature == "MSISAM Database") return "the file is an encrypted database";
+    if (signature == kSignature && LoadLittle<std::uint32_t>(head.data() + 0x14) > 1)
+        return "the file was made by a newer version of the database engine";
+    return std::nullopt;
+}
 
 base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page, std::string_view path) {
     Head head{};
     if (page.size() < head.size()) return errors::NotADatabase(path);
     std::memcpy(head.data(), page.data(), head.size());
-    const std::string_view signature(reinterpret_cast<const char*>(page.data()) + 4, 15);
-    if (signature == "Standard ACE DB")
-        return errors::UnsupportedDatabase(
-            path, "the file was made by a newer version of the database engine (.accdb)");
-    if (signature == "MSISAM Database")
-        return errors::UnsupportedDatabase(path, "the file is an encrypted database");
-    if (signature != "Standard Jet DB") return errors::NotADatabase(path);
-    const auto version = LoadLittle<std::uint32_t>(head.data() + 0x14);
-    if (version > 1)
-        return errors::UnsupportedDatabase(
-            path, "the file was made by a newer version of the database engine");
+    if (const auto other = OtherFormat(head)) return errors::UnsupportedDatabase(path, *other);
+    if (Signature(head) != kSignature) return errors::NotADatabase(path);
     PageHeader header;
-    header.version = version == 0 ? 3 : 4;
+    header.version = LoadLittle<std::uint32_t>(head.data() + 0x14) == 0 ? 3 : 4;
     if (page.size() != FormatOf(header.version).page_size) return errors::NotADatabase(path);
     ApplyMask(head, header.version);
     header.encoding_key = LoadLittle<std::uint32_t>(head.data() + kEncodingKey);

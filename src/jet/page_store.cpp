@@ -3,6 +3,8 @@
 
 #include "base/byte_reader.h"
 #include "jet/file_page_store.h"
+#include "jet/page_header.h"
+#include "jet/storage_errors.h"
 
 #include <array>
 #include <cstring>
@@ -18,6 +20,15 @@ constexpr std::uint32_t kJet4PageSize = 4096;
 base::Status Unrecognized(const std::filesystem::path& path) {
     return {base::StatusCode::kCorruption, "Unrecognized database format '" + path.string() + "'.",
             3343};
+}
+
+// Says what the file is where that can be told.
+base::Status Unrecognized(const File& file, const std::filesystem::path& path) {
+    std::array<std::byte, 0x18> head{};
+    const auto size = file.Size();
+    if (!size.ok() || *size < head.size() || !file.ReadAt(0, head).ok()) return Unrecognized(path);
+    const auto other = OtherFormat(head);
+    return other ? errors::UnsupportedDatabase(path.string(), *other) : Unrecognized(path);
 }
 
 base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
@@ -99,7 +110,7 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
 
     const auto page_size = ReadPageSize(*parts.file);
     if (!page_size.ok()) return EngineStatus(page_size.status());
-    if (!page_size.value()) return Unrecognized(path);
+    if (!page_size.value()) return Unrecognized(*parts.file, path);
     parts.page_size = **page_size;
 
     if (!options.read_only) {

@@ -84,6 +84,8 @@ private:
     // `row`: the one that has or is to have the values; {} for a new one.
     base::Status CheckParents(RowId row, std::span<const Value> values,
                               const std::vector<bool>* changed);
+    base::Status CheckKeysFrom(const StoredTable& from, const std::vector<std::size_t>& columns,
+                               std::size_t real) const;
     base::Status CheckParent(const LogicalIndex& index, RowId row, std::span<const Value> values);
     // 3200, or the rows that follow the change. `after` empty: the row is to be deleted.
     base::Result<std::vector<Dependants>> FindDependants(RowId row, std::span<const Value> before,

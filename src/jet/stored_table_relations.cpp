@@ -3,6 +3,7 @@
 // passed on.
 #include "jet/storage_errors.h"
 #include "jet/stored_table.h"
+#include "jet/table_designer.h"
 
 #include <algorithm>
 
@@ -57,6 +58,7 @@ base::Status StoredTable::CheckParent(const LogicalIndex& index, RowId row,
     if (partner == nullptr) return {};
     const auto& parent_columns = parent->indexes_.ColumnsOf(partner->real);
     if (parent_columns.size() != columns.size()) return {};
+    RETURN_IF_ERROR(parent->CheckKeysFrom(*this, columns, partner->real));
     const Bytes key = parent->indexes_.KeyOf(partner->real, key_values);
     const bool to_itself = parent == this;
     // A row may refer to itself, by the key that it is to have.
@@ -64,6 +66,19 @@ base::Status StoredTable::CheckParent(const LogicalIndex& index, RowId row,
     ASSIGN_OR_RETURN(const bool found,
                      parent->indexes_.tree(partner->real).HasOther(key, to_itself ? row : RowId{}));
     return found ? base::Status() : errors::NeedsRelatedRecord(parent->design_.name);
+}
+
+// Whether values of `columns` of the table `from` make keys of the index `real` here, as they do
+// unless the file is damaged or the index cannot be maintained.
+base::Status StoredTable::CheckKeysFrom(const StoredTable& from,
+                                        const std::vector<std::size_t>& columns,
+                                        std::size_t real) const {
+    const auto& own = indexes_.ColumnsOf(real);
+    for (std::size_t i = 0; i < own.size(); ++i)
+        if (definition_.columns[own[i]].type != from.definition_.columns[columns[i]].type)
+            return errors::DamagedPage(definition_.page, "a relation has columns of two types");
+    if (IsMaintainable(file_, definition_, definition_.real_indexes[real])) return {};
+    return read_only_reason_.value_or(errors::ReadOnly());
 }
 
 base::Status StoredTable::CheckRelation(std::u16string_view name, const std::vector<RowId>& rows) {
@@ -96,6 +111,7 @@ StoredTable::FindDependants(RowId row, std::span<const Value> before,
         if (partner == nullptr) continue;
         found.columns = found.table->indexes_.ColumnsOf(partner->real);
         if (found.columns.size() != columns.size()) continue;
+        RETURN_IF_ERROR(found.table->CheckKeysFrom(*this, columns, partner->real));
         const Bytes key = found.table->indexes_.KeyOf(partner->real, old_key);
         // A row that refers to itself does not hold itself back when it goes, nor when it is given
         // another reference with its new key.

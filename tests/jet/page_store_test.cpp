@@ -482,14 +482,12 @@ TEST_F(FilePageStoreTest, MissingFolderIs3044) {
 }
 
 TEST_F(FilePageStoreTest, FilesThatAreNoDatabaseAre3343AndGetNoSisterFiles) {
-    auto newer = MakePages(1, 2);
-    newer[0x14] = std::byte{2};
     auto renamed = MakePages(1, 2);
-    std::memcpy(renamed.data() + 4, "Standard ACE DB", 16);
+    std::memcpy(renamed.data() + 4, "Standard Jam DB", 16);
     auto ragged = MakePages(1, 2);
     ragged.resize(ragged.size() - 1);
     const std::vector<std::vector<std::byte>> cases = {
-        {}, std::vector<std::byte>(100), std::vector<std::byte>(8192), newer, renamed, ragged};
+        {}, std::vector<std::byte>(100), std::vector<std::byte>(8192), renamed, ragged};
     for (const auto& bytes : cases) {
         FaultyFileSystem files;
         files.Put(kPath, bytes);
@@ -499,6 +497,25 @@ TEST_F(FilePageStoreTest, FilesThatAreNoDatabaseAre3343AndGetNoSisterFiles) {
             EXPECT_EQ(status.message(), "Unrecognized database format 'folder/tables.mdb'.");
             EXPECT_EQ(status.code(), base::StatusCode::kCorruption);
         }
+        EXPECT_EQ(files.Get(kPath), bytes);
+        EXPECT_FALSE(files.Exists("folder/tables.ldb"));
+    }
+}
+
+TEST_F(FilePageStoreTest, NewerDatabasesAreSaidToBeNewer) {
+    auto newer = MakePages(1, 2);
+    newer[0x14] = std::byte{2};
+    auto renamed = MakePages(1, 2);
+    std::memcpy(renamed.data() + 4, "Standard ACE DB", 16);
+    for (const auto& bytes : {newer, renamed}) {
+        FaultyFileSystem files;
+        files.Put(kPath, bytes);
+        const auto status = OpenFails(files, kPath, false);
+        EXPECT_EQ(status.number(), 3343);
+        EXPECT_TRUE(status.message().starts_with(
+            "Unrecognized database format 'folder/tables.mdb': the file was made by a newer "
+            "version of the database engine"))
+            << status.message();
         EXPECT_EQ(files.Get(kPath), bytes);
         EXPECT_FALSE(files.Exists("folder/tables.ldb"));
     }

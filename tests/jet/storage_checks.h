@@ -11,6 +11,8 @@ namespace jet::test {
 struct StorageFaults {
     std::vector<std::string> faults;
     std::size_t entries_checked = 0;
+    // Indexes whose keys the engine cannot compute; their entries were checked for their rows only.
+    std::size_t indexes_not_computed = 0;
 };
 
 // Every page is free or reached exactly once; every index holds exactly the rows of its table, in
