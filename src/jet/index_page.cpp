@@ -1,7 +1,9 @@
 #include "jet/index_page.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
 namespace jet {
@@ -13,7 +15,7 @@ int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
     return size == 0 ? 0 : std::memcmp(a.data(), b.data(), size);
 }
 
-constexpr std::size_t kUsualEntries = 256;
+constexpr std::size_t kMostEntries = 4096;  // more than the bits of any page's mask
 
 }  // namespace
 
@@ -38,33 +40,40 @@ std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> byt
     }
     const std::span mask = bytes.subspan(format.index_mask_offset,
                                          format.index_entries_offset - format.index_mask_offset);
-    const std::size_t tail_bytes = kRowIdBytes + (leaf ? 0 : kChildBytes);
-    view.ends_.reserve(kUsualEntries);
-    std::size_t begin = 0;
-    bool sound = true;
-    const auto add = [&](std::size_t end) {
-        const std::size_t left_out = view.ends_.empty() ? 0 : view.prefix_;
-        const std::size_t stored = end - begin;
-        if (end > view.entries_.size() || stored == 0 || stored + left_out < tail_bytes ||
-            (left_out > 0 && !leaf && stored < kChildBytes) ||
-            (view.ends_.empty() && view.prefix_ > stored))
-            sound = false;
-        view.ends_.push_back(static_cast<std::uint16_t>(end));
-        begin = end;
-    };
+    if (!view.FindEnds(mask)) return std::nullopt;
+    return view;
+}
+
+// False: the entries contradict each other.
+bool IndexPageView::FindEnds(std::span<const std::byte> mask) {
+    assert(8 * mask.size() <= kMostEntries);
+    std::array<std::uint16_t, kMostEntries>
+        ends;  // only the first `count` are ever written or read
+    std::size_t count = 0;
     // Eight bytes of the mask at a time; most of it is empty.
-    for (std::size_t at = 0; at < mask.size() && sound; at += 8) {
+    for (std::size_t at = 0; at < mask.size(); at += 8) {
         std::uint64_t word = 0;
         if (mask.size() - at >= 8)
             word = base::LoadLittle<std::uint64_t>(mask.data() + at);
         else
             for (std::size_t i = at; i < mask.size(); ++i)
                 word |= std::to_integer<std::uint64_t>(mask[i]) << (8 * (i - at));
-        for (; word != 0 && sound; word &= word - 1)
-            add(8 * at + static_cast<std::size_t>(std::countr_zero(word)));
+        for (; word != 0; word &= word - 1)
+            ends[count++] = static_cast<std::uint16_t>(
+                8 * at + static_cast<std::size_t>(std::countr_zero(word)));
     }
-    if (!sound) return std::nullopt;
-    return view;
+    if (count == 0) return true;
+    ends_.assign(ends.begin(), ends.begin() + static_cast<std::ptrdiff_t>(count));
+    const std::size_t child_bytes = is_leaf() ? 0 : kChildBytes;
+    const std::size_t least = kRowIdBytes + child_bytes;
+    if (ends_[0] < std::max(least, prefix_) || ends_.back() > entries_.size()) return false;
+    // What an entry leaves out may be part of its row id, never of its child.
+    const std::size_t least_stored = std::max(
+        {std::size_t{1}, prefix_ > 0 ? child_bytes : least, least > prefix_ ? least - prefix_ : 0});
+    bool are_long_enough = true;
+    for (std::size_t i = 1; i < count; ++i)
+        are_long_enough &= std::size_t{ends_[i]} - ends_[i - 1] >= least_stored;
+    return are_long_enough;
 }
 
 int IndexPageView::Compare(std::size_t i, std::span<const std::byte> target) const {

@@ -52,6 +52,7 @@ public:
     std::size_t LowerBound(std::span<const std::byte> target) const;
 
 private:
+    bool FindEnds(std::span<const std::byte> mask);
     PageNumber Link(std::size_t at) const {
         return base::LoadLittle<std::uint32_t>(bytes_.data() + format_->index_links_offset + at);
     }

@@ -21,9 +21,9 @@ constexpr std::size_t kRecordChecksumAt = 16;
 // Two changes nearer than a range's own head become one.
 constexpr std::size_t kGapWorthARange = 4;
 
+constexpr std::size_t kMoveBytes = 6;
 // A change with more bytes than this may be told shorter by a move.
 constexpr std::size_t kWorthAMove = 256;
-constexpr std::size_t kMoveBytes = 6;
 
 enum class ChangeBase : std::uint16_t { kZeros = 0, kJournal = 1, kMoved = 2 };
 
@@ -61,10 +61,33 @@ std::size_t FindDifference(std::span<const std::byte> a, std::span<const std::by
     return at;
 }
 
+// The bits in which eight bytes differ; which byte is which does not matter here.
+std::uint64_t DifferenceAt(std::span<const std::byte> a, std::span<const std::byte> b,
+                           std::size_t at) {
+    std::uint64_t first = 0;
+    std::uint64_t second = 0;
+    std::memcpy(&first, a.data() + at, sizeof first);
+    std::memcpy(&second, b.data() + at, sizeof second);
+    return first ^ second;
+}
+
+bool HasZeroByte(std::uint64_t word) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101U;
+    return ((word - kOnes) & ~word & (kOnes << 7)) != 0;
+}
+
+// Where the bytes that differ end, small gaps included: one past the last of them.
 std::size_t FindEnd(std::span<const std::byte> a, std::span<const std::byte> b, std::size_t at) {
     std::size_t end = at;
-    for (; at < a.size() && at - end <= kGapWorthARange; ++at)
-        if (a[at] != b[at]) end = at + 1;
+    while (at < a.size() && at - end <= kGapWorthARange) {
+        std::size_t stop = at + 1;
+        if (at + 8 <= a.size()) {
+            stop = at + 8;
+            if (!HasZeroByte(DifferenceAt(a, b, at))) end = at = stop;
+        }
+        for (; at < stop && at - end <= kGapWorthARange; ++at)
+            if (a[at] != b[at]) end = at + 1;
+    }
     return end;
 }
 
@@ -192,18 +215,18 @@ std::uint64_t FinishRecord(std::vector<std::byte>& out, std::size_t start, Recor
 
 void AppendPageChange(std::vector<std::byte>& out, PageNumber page,
                       std::span<const std::byte> before, std::span<const std::byte> after) {
-    const std::size_t start = out.size();
     if (before.empty()) {
         const PageBytes zeros(after.size());
         return AppendChange(out, page, ChangeBase::kZeros, {}, zeros, after);
     }
+    const std::size_t start = out.size();
     AppendChange(out, page, ChangeBase::kJournal, {}, before, after);
     if (out.size() - start <= kWorthAMove) return;
     const std::optional<PageMove> move = FindMove(before, after);
     if (!move) return;
+    out.resize(start);
     PageBytes moved(before.begin(), before.end());
     ApplyMove(*move, moved);
-    out.resize(start);
     AppendChange(out, page, ChangeBase::kMoved, move, moved, after);
 }
 

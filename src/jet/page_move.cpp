@@ -1,14 +1,23 @@
 #include "jet/page_move.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 
 namespace jet {
 namespace {
 
-constexpr std::size_t kSample = 16;     // bytes by which a block is recognised
-constexpr std::size_t kFarthest = 512;  // an index entry is shorter
+constexpr std::size_t kWord = 8;
+constexpr std::size_t kSample = 2 * kWord;  // bytes by which a block is recognised
+constexpr std::size_t kFarthest = 512;      // an index entry is shorter
 constexpr std::size_t kShortest = 64;
+
+// Eight bytes, to be compared for being equal.
+std::uint64_t WordAt(std::span<const std::byte> page, std::size_t at) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, page.data() + at, sizeof word);
+    return word;
+}
 
 // One past the last byte that differs; 0: none does.
 std::size_t EndOfDifference(std::span<const std::byte> a, std::span<const std::byte> b) {
@@ -31,13 +40,16 @@ std::optional<Shift> FindShift(std::span<const std::byte> earlier, std::span<con
                                std::size_t end) {
     if (end < kSample) return std::nullopt;
     std::size_t at = end - kSample;
+    const std::uint64_t sample = WordAt(later, at);
     std::size_t distance = 1;
     const auto is_there = [&] {
-        return std::memcmp(earlier.data() + at - distance, later.data() + at, kSample) == 0;
+        return WordAt(earlier, at - distance) == sample &&
+               WordAt(earlier, at + kWord - distance) == WordAt(later, at + kWord);
     };
-    while (distance <= at && distance <= kFarthest && !is_there())
+    const std::size_t farthest = std::min(at, kFarthest);
+    while (distance <= farthest && !is_there())
         ++distance;
-    if (distance > at || distance > kFarthest) return std::nullopt;
+    if (distance > farthest) return std::nullopt;
     while (at > distance && earlier[at - 1 - distance] == later[at - 1])
         --at;
     if (end - at < kShortest) return std::nullopt;
