@@ -9,6 +9,8 @@ using base::Result;
 using base::Status;
 using base::StatusCode;
 
+constexpr std::uint64_t kSector = 512;
+
 class FaultyFile final : public jet::File {
 public:
     FaultyFile(FaultyFileSystem& files, std::shared_ptr<FaultyFileSystem::Inode> inode,
@@ -40,7 +42,8 @@ public:
         const std::lock_guard lock(files_.mutex_);
         if (!can_write_) return {StatusCode::kPermissionDenied, "opened for reading"};
         const auto verdict = files_.Count();
-        if (verdict.do_half)
+        // Less than a sector is written whole or not at all.
+        if (verdict.do_half && bytes.size() >= kSector)
             FaultyFileSystem::Write(*inode_, offset, bytes.first(bytes.size() / 2));
         if (verdict.do_all) FaultyFileSystem::Write(*inode_, offset, bytes);
         files_.bytes_written_ += bytes.size();
@@ -163,7 +166,6 @@ void FaultyFileSystem::Resize(Inode& inode, std::uint64_t size) {
 }
 
 FaultyFileSystem::Bytes FaultyFileSystem::Surviving(const Inode& inode, std::mt19937& random) {
-    constexpr std::uint64_t kSector = 512;
     Bytes bytes = inode.durable;
     for (const Change& change : inode.changes) {
         if (change.is_truncation) {
