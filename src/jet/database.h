@@ -38,6 +38,12 @@ public:
     // The row met last, decoded from the page that the cursor stands on (cheaper than Table::Read).
     // `columns` are positions in TableDesign::columns; `values` has the same size and is filled in that order.
     virtual base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) = 0;
+    // The characters of a text column of the row met last where they are stored one byte each
+    // (U+0001 to U+00FF) and so can be looked at without making a value; good until the next call
+    // of Next. nullopt: they are not, or the field is Null.
+    virtual std::optional<std::string_view> NarrowText([[maybe_unused]] std::size_t column) {
+        return std::nullopt;
+    }
     // Appends the fields `columns` of the row met last as they are stored, for Table::ReadStored:
     // less memory than their values, and cheaper. False: this cursor has none; nothing was
     // appended.

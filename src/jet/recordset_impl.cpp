@@ -225,17 +225,17 @@ Status Recordset::Impl::CheckRow() const {
 }
 
 Result<Value> Recordset::Impl::Field(std::size_t field) {
+    if (on_row() && field < names_.size() && pending_.empty() && found_.stored.are_fresh()) {
+        Result<Value> value{Value()};
+        RETURN_IF_ERROR(found_.stored.Read(static_cast<std::size_t>(position_), field, *value));
+        return value;
+    }
     RETURN_IF_ERROR(CheckRow());
     if (field >= names_.size()) return JetError(3265);
     for (const Pending& pending : pending_)
         if (pending.output == field) return pending.value;
     if (!values_.empty()) return values_[static_cast<std::size_t>(position_)][field];
     if (query_ == nullptr) return JetError(3011, text_);
-    if (found_.stored.are_fresh()) {
-        Result<Value> value{Value()};
-        RETURN_IF_ERROR(found_.stored.Read(static_cast<std::size_t>(position_), field, *value));
-        return value;
-    }
     RETURN_IF_ERROR(ReadLearned(field));
     return cache_[place_in_cache_[field]];
 }

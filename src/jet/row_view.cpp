@@ -13,6 +13,7 @@ std::optional<RowView> RowView::Parse(std::span<const std::byte> row, const Form
     const std::size_t mask_bytes = (view.columns_ + 7) / 8;
     if (view.columns_ == 0 || view.head_ + mask_bytes > row.size()) return std::nullopt;
     view.mask_ = row.last(mask_bytes);
+    if (view.jet4_) view.FindOffsets();
     return view;
 }
 
@@ -27,19 +28,23 @@ std::optional<std::span<const std::byte>> RowView::Variable(std::uint16_t index)
     return jet4_ ? VariableJet4(index) : VariableJet3(index);
 }
 
-std::optional<std::span<const std::byte>> RowView::VariableJet4(std::uint16_t index) const {
+void RowView::FindOffsets() {
     const std::size_t tail = row_.size() - mask_.size();
-    if (tail < head_ + 4) return std::nullopt;
-    const std::size_t count = base::LoadLittle<std::uint16_t>(row_.data() + tail - 2);
-    if (index >= count) return row_.subspan(0, 0);
-    const std::size_t table_bytes = 2 * (count + 1);
-    if (tail - 2 < head_ + table_bytes) return std::nullopt;
-    const auto offset = [&](std::size_t i) -> std::size_t {
-        return base::LoadLittle<std::uint16_t>(row_.data() + tail - 4 - 2 * i);
-    };
-    const std::size_t start = offset(index);
-    const std::size_t end = offset(index + std::size_t{1});
-    if (start < head_ || start > end || end > tail - 2 - table_bytes) return std::nullopt;
+    has_offsets_ = tail >= head_ + 4;
+    if (!has_offsets_) return;
+    variables_ = base::LoadLittle<std::uint16_t>(row_.data() + tail - 2);
+    offsets_fit_ = tail - 2 >= head_ + 2 * (variables_ + 1);
+}
+
+std::optional<std::span<const std::byte>> RowView::VariableJet4(std::uint16_t index) const {
+    if (!has_offsets_) return std::nullopt;
+    if (index >= variables_) return row_.subspan(0, 0);
+    if (!offsets_fit_) return std::nullopt;
+    const std::size_t count_at = row_.size() - mask_.size() - 2;
+    const std::byte* const offset = row_.data() + count_at - 2 - 2 * std::size_t{index};
+    const std::size_t start = base::LoadLittle<std::uint16_t>(offset);
+    const std::size_t end = base::LoadLittle<std::uint16_t>(offset - 2);
+    if (start < head_ || start > end || end > count_at - 2 * (variables_ + 1)) return std::nullopt;
     return row_.subspan(start, end - start);
 }
 

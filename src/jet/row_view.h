@@ -30,6 +30,7 @@ public:
     std::size_t column_count() const { return columns_; }
 
 private:
+    void FindOffsets();
     std::optional<std::span<const std::byte>> VariableJet4(std::uint16_t index) const;
     std::optional<std::span<const std::byte>> VariableJet3(std::uint16_t index) const;
 
@@ -37,6 +38,9 @@ private:
     std::span<const std::byte> mask_;
     std::size_t columns_ = 0;
     std::size_t head_ = 0;
+    std::size_t variables_ = 0;  // Jet 4: entries of the table of offsets
+    bool has_offsets_ = false;   // Jet 4: the row is long enough for their number
+    bool offsets_fit_ = false;   // Jet 4: and for all of them
     bool jet4_ = true;
 };
 

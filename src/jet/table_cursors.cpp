@@ -33,6 +33,14 @@ public:
         return DecodeFields(source_, *row_, columns, values);
     }
 
+    std::optional<std::string_view> NarrowText(std::size_t shown) override {
+        const ColumnDefinition& column = source_.definition->columns[(*source_.positions)[shown]];
+        if (column.type != ColumnType::kText || !row_ || !row_->Bit(column.number))
+            return std::nullopt;
+        const auto field = row_->Field(column);
+        return field ? source_.file->text.NarrowValue(*field) : std::nullopt;
+    }
+
     base::Result<bool> AppendStored(std::span<const std::size_t> columns,
                                     std::vector<std::byte>& fields) override {
         if (!row_) return Unreadable();
@@ -167,12 +175,10 @@ base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
             if (!field) return errors::Damaged("a row's fields lie outside of it");
             bytes = *field;
         }
-        const std::size_t at = fields.size();
-        fields.resize(at + kFieldHead + bytes.size());
-        base::StoreLittle(fields.data() + at,
-                          is_set ? static_cast<std::uint16_t>(bytes.size()) : kNoField);
-        if (!bytes.empty())
-            std::memcpy(fields.data() + at + kFieldHead, bytes.data(), bytes.size());
+        const std::size_t size = is_set ? bytes.size() : kNoField;
+        fields.push_back(static_cast<std::byte>(size & 0xFF));
+        fields.push_back(static_cast<std::byte>(size >> 8));
+        fields.insert(fields.end(), bytes.begin(), bytes.end());
     }
     return {};
 }

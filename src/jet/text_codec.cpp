@@ -111,6 +111,24 @@ std::u16string TextCodec::DecodeValue(std::span<const std::byte> bytes) const {
     return text;
 }
 
+std::optional<std::string_view> TextCodec::NarrowValue(std::span<const std::byte> bytes) const {
+    const auto text_of = [](std::span<const std::byte> narrow) {
+        return std::string_view(reinterpret_cast<const char*>(narrow.data()), narrow.size());
+    };
+    if (!jet4()) {
+        // Code pages share ASCII alone.
+        const bool is_ascii = std::ranges::all_of(
+            bytes, [](std::byte b) { return b > std::byte{0} && b < std::byte{0x80}; });
+        return is_ascii ? std::optional(text_of(bytes)) : std::nullopt;
+    }
+    if (bytes.size() < 2 || bytes[0] != kCompressed0 || bytes[1] != kCompressed1)
+        return std::nullopt;
+    bytes = bytes.subspan(2);
+    if (!bytes.empty() && std::memchr(bytes.data(), 0, bytes.size()) != nullptr)
+        return std::nullopt;
+    return text_of(bytes);
+}
+
 std::optional<Bytes> TextCodec::EncodeName(std::u16string_view text) const {
     if (jet4()) return EncodeWide(text);
     Bytes bytes(text.size());

@@ -22,6 +22,8 @@ public:
     std::u16string DecodeValue(std::span<const std::byte> bytes) const;
     // The same into a text that is there already, whose memory is used again.
     void DecodeValue(std::span<const std::byte> bytes, std::u16string& text) const;
+    // The characters of a value that is stored one byte each, U+0001 to U+00FF; nullopt: it is not.
+    std::optional<std::string_view> NarrowValue(std::span<const std::byte> bytes) const;
     // A name in the definition or catalog, never compressed.
     std::u16string DecodeName(std::span<const std::byte> bytes) const;
 

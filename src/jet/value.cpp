@@ -4,6 +4,8 @@
 #include "jet/decimal.h"
 #include "jet/guid_text.h"
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -13,6 +15,12 @@ namespace {
 
 std::u16string Widen(std::string_view ascii) {
     return {ascii.begin(), ascii.end()};
+}
+
+std::u16string WholeText(int number) {
+    std::array<char, 12> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    return {digits.data(), end};
 }
 
 template <typename... Cases>
@@ -75,7 +83,7 @@ std::u16string ToText(const Value& value) {
                           [](const Bytes& v) { return HexText(v); },
                           [](const Guid& v) { return GuidText(v); },
                           [](const Numeric& v) { return TrimmedNumericText(v); },
-                          [](auto whole) { return Widen(std::to_string(static_cast<int>(whole))); },
+                          [](auto whole) { return WholeText(static_cast<int>(whole)); },
                       },
                       value.content());
 }

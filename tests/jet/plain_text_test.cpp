@@ -66,6 +66,21 @@ TEST(PlainTextTest, OrderAndKeysAreTheCollations) {
     EXPECT_GT(plain, 1000);
 }
 
+TEST(PlainTextTest, TextsOfOneByteACharacterHaveTheSameKeysAndOrder) {
+    std::mt19937 random(2);
+    const auto constant = jet::sql::PlainText::Of(u"Mm 5");
+    ASSERT_TRUE(constant.has_value());
+    for (int i = 0; i < 20000; ++i) {
+        const std::u16string text = RandomText(random, u"aAmMzZ059 ._-'\u00e4\u00ff");
+        const std::string narrow(text.begin(), text.end());
+        std::string key = "before";
+        std::string narrow_key = "before";
+        ASSERT_EQ(AppendPlainKey(std::string_view(narrow), narrow_key), AppendPlainKey(text, key));
+        ASSERT_EQ(narrow_key, key);
+        ASSERT_EQ(constant->Order(std::string_view(narrow)), constant->Order(text));
+    }
+}
+
 TEST(PlainTextTest, OnlyTheFirst255CharactersCount) {
     const std::u16string long_text(255, u'x');
     EXPECT_EQ(ComparePlain(long_text + u"a", long_text + u"b"), std::weak_ordering::equivalent);

@@ -159,6 +159,21 @@ TEST_F(SortedRecordset, TextsDescendWithAccentsAndMarks) {
               "<null>||coat|co-at|COTE|cote|cot\u00e9|c\u00f4te|c\u00f4t\u00e9|cote and more");
 }
 
+// An expression is sorted by its values, a column by what is stored where that is enough.
+TEST_F(SortedRecordset, TextsSortAsTheirValuesHoweverTheyAreStored) {
+    Run(u"ALTER TABLE T ADD COLUMN Wide TEXT(100)");
+    for (const auto* name : {u"Lodz", u"\u0141\u00f3d\u017a", u"lod", u"\u65e5\u672c", u"z", u"Zz",
+                             u"a b", u"ab", u"\u00dfa", u"ssb", u"no-one", u"noone"})
+        Insert(name);
+    Run(u"UPDATE T SET Wide = Name");
+    for (const std::u16string column : {u"Name", u"Wide"})
+        for (const std::u16string direction : {u"", u" DESC"})
+            EXPECT_EQ(All(u"SELECT Id FROM T ORDER BY " + column + direction),
+                      All(u"SELECT Id FROM T ORDER BY IIf(True, " + column + u", 0)" + direction));
+    EXPECT_EQ(All(u"SELECT Id FROM T WHERE Wide > 'lodz'"),
+              All(u"SELECT Id FROM T WHERE Name > 'lodz'"));
+}
+
 TEST_F(SortedRecordset, EqualRowsStayInTheOrderInWhichTheyAreStored) {
     std::string expected;
     for (int i = 1; i <= 600; ++i) {

@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace jet::sql {
 namespace {
 
-constexpr std::size_t kUnits = 128;
+constexpr std::size_t kUnits = 256;     // a table of one byte's values; half of it is never plain
 constexpr std::size_t kKeyUnits = 255;  // what counts of a text
 
 // The one-byte weight of each character; 0: it is not plain. The weights come from the collation's
@@ -32,15 +33,61 @@ const std::array<unsigned char, kUnits>& Weights() {
     return weights;
 }
 
-unsigned char WeightOf(const std::array<unsigned char, kUnits>& weights, char16_t unit) {
+using WeightTable = std::array<unsigned char, kUnits>;
+
+unsigned char WeightOf(const WeightTable& weights, char16_t unit) {
     return unit < kUnits ? weights[unit] : 0;
 }
+unsigned char WeightOf(const WeightTable& weights, char narrow) {
+    return weights[static_cast<unsigned char>(narrow)];
+}
 
-std::u16string_view Counting(std::u16string_view text) {
+template <typename Unit>
+std::basic_string_view<Unit> Counting(std::basic_string_view<Unit> text) {
     text = text.substr(0, kKeyUnits);
-    while (!text.empty() && text.back() == u' ')
+    while (!text.empty() && text.back() == Unit{' '})
         text.remove_suffix(1);
     return text;
+}
+
+template <typename Unit>
+bool AppendKey(std::basic_string_view<Unit> text, std::string& key) {
+    const WeightTable& weights = Weights();
+    text = Counting(text);
+    const std::size_t begin = key.size();
+    key.resize(begin + text.size() + 2);
+    char* const to = key.data() + begin;
+    const std::size_t size = text.size();
+    for (std::size_t i = 0; i < size; ++i)
+        to[i] = static_cast<char>(WeightOf(weights, text[i]));
+    if (size > 0 && std::memchr(to, 0, size) != nullptr) {
+        key.resize(begin);
+        return false;
+    }
+    to[size] = '\1';  // behind it stands a zero
+    return true;
+}
+
+template <typename Unit>
+std::optional<std::weak_ordering> OrderOf(std::basic_string_view<Unit> text,
+                                          std::string_view constant) {
+    const WeightTable& weights = Weights();
+    text = Counting(text);
+    const std::size_t common = std::min(text.size(), constant.size());
+    std::weak_ordering order = text.size() <=> constant.size();
+    std::size_t i = 0;
+    for (; i < common; ++i) {
+        const unsigned char weight = WeightOf(weights, text[i]);
+        if (weight == 0) return std::nullopt;
+        const auto own = static_cast<unsigned char>(constant[i]);
+        if (weight == own) continue;
+        order = weight <=> own;
+        break;
+    }
+    // What follows must be plain all the same: a mark there could belong to this character.
+    for (; i < text.size(); ++i)
+        if (WeightOf(weights, text[i]) == 0) return std::nullopt;
+    return order;
 }
 
 }  // namespace
@@ -67,21 +114,11 @@ std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16st
 }
 
 bool AppendPlainKey(std::u16string_view text, std::string& key) {
-    const auto& weights = Weights();
-    text = Counting(text);
-    const std::size_t begin = key.size();
-    key.resize(begin + text.size() + 2);
-    char* to = key.data() + begin;
-    for (const char16_t unit : text) {
-        const unsigned char weight = WeightOf(weights, unit);
-        if (weight == 0) {
-            key.resize(begin);
-            return false;
-        }
-        *to++ = static_cast<char>(weight);
-    }
-    *to = '\1';  // behind it stands a zero
-    return true;
+    return AppendKey(text, key);
+}
+
+bool AppendPlainKey(std::string_view narrow, std::string& key) {
+    return AppendKey(narrow, key);
 }
 
 std::optional<PlainText> PlainText::Of(std::u16string_view text) {
@@ -92,23 +129,11 @@ std::optional<PlainText> PlainText::Of(std::u16string_view text) {
 }
 
 std::optional<std::weak_ordering> PlainText::Order(std::u16string_view text) const {
-    const auto& weights = Weights();
-    text = Counting(text);
-    const std::size_t common = std::min(text.size(), weights_.size());
-    std::weak_ordering order = text.size() <=> weights_.size();
-    std::size_t i = 0;
-    for (; i < common; ++i) {
-        const unsigned char weight = WeightOf(weights, text[i]);
-        if (weight == 0) return std::nullopt;
-        const auto own = static_cast<unsigned char>(weights_[i]);
-        if (weight == own) continue;
-        order = weight <=> own;
-        break;
-    }
-    // What follows must be plain all the same: a mark there could belong to this character.
-    for (; i < text.size(); ++i)
-        if (WeightOf(weights, text[i]) == 0) return std::nullopt;
-    return order;
+    return OrderOf(text, weights_);
+}
+
+std::optional<std::weak_ordering> PlainText::Order(std::string_view narrow) const {
+    return OrderOf(narrow, weights_);
 }
 
 }  // namespace jet::sql

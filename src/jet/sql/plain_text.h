@@ -16,6 +16,8 @@ std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16st
 // Appends what AppendTextKey (jet/collation.h) would; false: the text is not plain, and `key` is as
 // before.
 bool AppendPlainKey(std::u16string_view text, std::string& key);
+// The same for a text of one byte a character.
+bool AppendPlainKey(std::string_view narrow, std::string& key);
 
 // A plain text that many others are compared with.
 class PlainText {
@@ -25,6 +27,7 @@ public:
 
     // The order of `text` to this one; nullopt: it is not plain.
     std::optional<std::weak_ordering> Order(std::u16string_view text) const;
+    std::optional<std::weak_ordering> Order(std::string_view narrow) const;
 
 private:
     std::string weights_;

@@ -88,6 +88,8 @@ private:
     base::Result<std::vector<Sorted>> Produce();
     base::Result<Sorted> MakeRow(EvalContext& context) const;
     base::Status AppendOrderKey(EvalContext& context, std::string& key) const;
+    // The key of the row that `walk` has met.
+    base::Status AppendOrderKey(RowWalk& walk, std::string& key) const;
     base::Result<std::vector<RowId>> CollectUnsorted();
     StoredRows StoreOutputs() const;
     std::size_t RowsToKeep(const KeySorter& keys, std::span<const std::uint32_t> order) const;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <numeric>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace jet::sql {
 
@@ -20,6 +21,54 @@ namespace {
 Result<Value> OutputValue(const Expression& e, EvalContext& context) {
     ASSIGN_OR_RETURN(Value value, Evaluate(e, context));
     return IsColumn(e) ? value : WithoutTruth(std::move(value));
+}
+
+Status AppendKeyOf(const Expression& e, bool descending, EvalContext& context, std::string& key) {
+    if (IsColumn(e)) {
+        AppendSortKey((*context.rows)[e.source][e.slot], descending, key);
+        return Status::Ok();
+    }
+    ASSIGN_OR_RETURN(const Value value, Evaluate(e, context));
+    AppendSortKey(value, descending, key);
+    return Status::Ok();
+}
+
+std::string KeyOfAll(const ResultRow& values) {
+    std::string key;
+    for (const Value& value : values)
+        AppendSortKey(value, false, key);
+    return key;
+}
+
+// Row `order[i]` becomes row `i`; the others are dropped.
+template <typename Row>
+void Arrange(std::vector<Row>& rows, std::span<const std::uint32_t> order) {
+    std::vector<Row> arranged;
+    arranged.reserve(order.size());
+    for (const std::uint32_t row : order)
+        arranged.push_back(std::move(rows[row]));
+    rows = std::move(arranged);
+}
+
+// Sorted by all columns from left to right, each row once.
+template <typename Row>
+void SortDistinct(std::vector<Row>& rows) {
+    KeySorter keys;
+    for (const Row& row : rows)
+        keys.Add(KeyOfAll(row.values));
+    std::vector<std::uint32_t> order = keys.Order();
+    const auto same = [&](std::uint32_t a, std::uint32_t b) { return keys.AreEqual(a, b); };
+    order.erase(std::unique(order.begin(), order.end(), same), order.end());
+    Arrange(rows, order);
+}
+
+// By what each row is sorted by; equal ones stay as they are.
+template <typename Row>
+void SortByKey(std::vector<Row>& rows) {
+    KeySorter keys;
+    for (const Row& row : rows)
+        keys.Add(row.key);
+    Arrange(rows, keys.Order());
 }
 
 }  // namespace
@@ -42,14 +91,21 @@ std::optional<std::size_t> Query::TableColumn(std::size_t output) const {
 }
 
 Status Query::AppendOrderKey(EvalContext& context, std::string& key) const {
+    for (const OrderItem& order : select_.order_by)
+        RETURN_IF_ERROR(AppendKeyOf(*order.expression, order.descending, context, key));
+    return Status::Ok();
+}
+
+Status Query::AppendOrderKey(RowWalk& walk, std::string& key) const {
+    EvalContext context{&session_, &walk.rows(), nullptr};
     for (const OrderItem& order : select_.order_by) {
         const Expression& e = *order.expression;
-        if (IsColumn(e)) {
-            AppendSortKey((*context.rows)[e.source][e.slot], order.descending, key);
-            continue;
-        }
-        ASSIGN_OR_RETURN(const Value value, Evaluate(e, context));
-        AppendSortKey(value, order.descending, key);
+        const auto narrow = IsColumn(e)
+                                ? walk.cursor().NarrowText(scope_.sources()[0].columns[e.slot])
+                                : std::nullopt;
+        if (narrow && AppendNarrowSortKey(*narrow, order.descending, key)) continue;
+        RETURN_IF_ERROR(walk.ReadInUse());
+        RETURN_IF_ERROR(AppendKeyOf(*order.expression, order.descending, context, key));
     }
     return Status::Ok();
 }
@@ -100,13 +156,12 @@ Result<FoundRows> Query::CollectRows() {
     found.stored = StoreOutputs();
     ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
                      RowWalk::Open(scope_, path_, select_.where.get(), session_));
-    EvalContext context{&session_, &walk->rows(), nullptr};
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
         if (!row) break;
         ids.push_back(*row);
         key.clear();
-        RETURN_IF_ERROR(AppendOrderKey(context, key));
+        RETURN_IF_ERROR(AppendOrderKey(*walk, key));
         keys.Add(key);
         RETURN_IF_ERROR(found.stored.Add(walk->cursor()));
     }
@@ -162,6 +217,7 @@ Status Query::ForEachRow(const std::function<Status(const SourceRows&)>& take) {
         for (;;) {
             ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
             if (!row) return Status::Ok();
+            RETURN_IF_ERROR(walk->ReadInUse());
             RETURN_IF_ERROR(take(walk->rows()));
         }
     }
@@ -193,13 +249,11 @@ public:
 
     Status Add(const SourceRows& rows) {
         EvalContext context{&query_.session_, &rows, nullptr};
-        std::string key;
-        for (const ExpressionPtr& expression : query_.select_.group_by) {
-            ASSIGN_OR_RETURN(const Value value, Evaluate(*expression, context));
-            AppendSortKey(value, false, key);
-        }
-        const auto [found, is_new] = numbers_.try_emplace(key, groups_.size());
-        if (is_new) Open(key, rows);
+        key_.clear();
+        for (const ExpressionPtr& expression : query_.select_.group_by)
+            RETURN_IF_ERROR(AppendKeyOf(*expression, false, context, key_));
+        const auto [found, is_new] = numbers_.try_emplace(key_, groups_.size());
+        if (is_new) Open(key_, rows);
         for (Accumulator& accumulator : groups_[found->second].accumulators)
             RETURN_IF_ERROR(accumulator.Add(context));
         return Status::Ok();
@@ -255,6 +309,7 @@ private:
 
     const Query& query_;
     std::unordered_map<std::string, std::size_t> numbers_;
+    std::string key_;  // of the row at hand
     std::vector<Group> groups_;
 };
 
@@ -265,45 +320,20 @@ Result<std::vector<Query::Sorted>> Query::Produce() {
         return grouping.Finish();
     }
     std::vector<Sorted> made;
+    std::unordered_set<std::string> met;
     RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Status {
         EvalContext context{&session_, &rows, nullptr};
         ASSIGN_OR_RETURN(Sorted row, MakeRow(context));
+        if (select_.distinct && !met.insert(KeyOfAll(row.values)).second) return Status::Ok();
         made.push_back(std::move(row));
         return Status::Ok();
     }));
     return made;
 }
 
-namespace {
-
-std::string KeyOfAll(const ResultRow& values) {
-    std::string key;
-    for (const Value& value : values)
-        AppendSortKey(value, false, key);
-    return key;
-}
-
-// Sorted by all columns from left to right, each row once.
-template <typename Row>
-void SortDistinct(std::vector<Row>& rows) {
-    std::vector<std::pair<std::string, std::size_t>> keys;
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        keys.emplace_back(KeyOfAll(rows[i].values), i);
-    std::sort(keys.begin(), keys.end());
-    std::vector<Row> distinct;
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        if (i == 0 || keys[i].first != keys[i - 1].first)
-            distinct.push_back(std::move(rows[keys[i].second]));
-    rows = std::move(distinct);
-}
-
-}  // namespace
-
 void Query::Finish(std::vector<Sorted>& rows) const {
     if (select_.distinct) SortDistinct(rows);
-    if (!select_.order_by.empty())
-        std::stable_sort(rows.begin(), rows.end(),
-                         [](const Sorted& a, const Sorted& b) { return a.key < b.key; });
+    if (!select_.order_by.empty()) SortByKey(rows);
     CutToTop(rows);
 }
 
@@ -372,9 +402,7 @@ Result<std::vector<ResultRow>> Query::UnionRows() {
     for (Sorted& row : all)
         for (const OrderItem& order : select_.order_by)
             AppendSortKey(row.values[order.expression->slot], order.descending, row.key);
-    if (!select_.order_by.empty())
-        std::stable_sort(all.begin(), all.end(),
-                         [](const Sorted& a, const Sorted& b) { return a.key < b.key; });
+    if (!select_.order_by.empty()) SortByKey(all);
     std::vector<ResultRow> result;
     for (Sorted& row : all)
         result.push_back(std::move(row.values));

@@ -77,6 +77,18 @@ std::optional<bool> RowFilter::Passes(const TextTest& test, const std::vector<Va
     return Holds(test.op, *order);
 }
 
+std::optional<bool> RowFilter::Decides(RowCursor& cursor,
+                                       const std::vector<std::size_t>& columns) const {
+    if (condition_ == nullptr) return true;
+    for (const TextTest& test : tests_) {
+        const auto text = cursor.NarrowText(columns[test.slot]);
+        const auto order = text ? test.constant.Order(*text) : std::nullopt;
+        if (!order) return std::nullopt;
+        if (!Holds(test.op, *order)) return false;
+    }
+    return is_all_tests_ ? std::optional(true) : std::nullopt;
+}
+
 Result<bool> RowFilter::Keeps(EvalContext& context) const {
     if (condition_ == nullptr) return true;
     bool decided = is_all_tests_;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "jet/database.h"
 #include "jet/sql/ast.h"
 #include "jet/sql/evaluate.h"
 #include "jet/sql/plain_text.h"
@@ -19,6 +20,9 @@ public:
     // `condition` (nullptr: every row is kept) is bound to one source and must outlive the filter.
     explicit RowFilter(const Expression* condition);
 
+    // The answer for the row that `cursor` has met, if its texts tell it as they are stored;
+    // `columns` are the columns in use. nullopt: it takes the values.
+    std::optional<bool> Decides(RowCursor& cursor, const std::vector<std::size_t>& columns) const;
     // Whether the condition is true for the row that `context` shows.
     base::Result<bool> Keeps(EvalContext& context) const;
 

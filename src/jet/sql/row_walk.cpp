@@ -1,6 +1,7 @@
 #include "jet/sql/row_walk.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace jet::sql {
 
@@ -37,12 +38,20 @@ Result<std::optional<RowId>> RowWalk::Next() {
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
         if (!row) return row;
+        read_ = 0;
+        const std::optional<bool> decided = filter_.Decides(*cursor_, source_.columns);
+        if (decided && !*decided) continue;
+        if (decided) return row;
         RETURN_IF_ERROR(ReadColumns(0, tested_));
+        read_ = tested_;
         ASSIGN_OR_RETURN(const bool keeps, filter_.Keeps(context_));
-        if (!keeps) continue;
-        RETURN_IF_ERROR(ReadColumns(tested_, source_.columns.size()));
-        return row;
+        if (keeps) return row;
     }
+}
+
+Status RowWalk::ReadInUse() {
+    const std::size_t from = std::exchange(read_, source_.columns.size());
+    return ReadColumns(from, source_.columns.size());
 }
 
 Status RowWalk::ReadColumns(std::size_t from, std::size_t to) {

@@ -27,8 +27,10 @@ public:
     }
     // Stands on the row met last.
     RowCursor& cursor() { return *cursor_; }
-    // The columns in use of the row met last.
+    // The columns in use of the row met last. Requires: ReadInUse.
     const SourceRows& rows() const { return rows_; }
+    // Reads what of them the condition did not need; once is enough for a row.
+    base::Status ReadInUse();
 
 private:
     RowWalk(const Source& source, const Expression* where, Session& session);
@@ -36,7 +38,8 @@ private:
 
     const Source& source_;
     RowFilter filter_;
-    std::size_t tested_;  // the first columns in use, which the condition needs
+    std::size_t tested_;    // the first columns in use, which the condition needs
+    std::size_t read_ = 0;  // so many of the columns in use are those of the row met last
     std::unique_ptr<RowCursor> cursor_;
     SourceRows rows_;
     EvalContext context_;

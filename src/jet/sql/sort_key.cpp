@@ -48,6 +48,11 @@ void AppendBytes(const Range& bytes, std::string& key) {
     key.append(2, '\0');
 }
 
+void Complement(std::size_t begin, std::string& key) {
+    for (std::size_t i = begin; i < key.size(); ++i)
+        key[i] = static_cast<char>(~key[i]);
+}
+
 }  // namespace
 
 double SecondsOfDate(double days) {
@@ -76,9 +81,18 @@ void AppendSortKey(const Value& value, bool descending, std::string& key) {
         key += kNumberMark;
         AppendNumber(NumberOf(value).value_or(0), key);
     }
-    if (!descending) return;
-    for (std::size_t i = begin; i < key.size(); ++i)
-        key[i] = static_cast<char>(~key[i]);
+    if (descending) Complement(begin, key);
+}
+
+bool AppendNarrowSortKey(std::string_view narrow, bool descending, std::string& key) {
+    const std::size_t begin = key.size();
+    key += kTextMark;
+    if (!AppendPlainKey(narrow, key)) {
+        key.resize(begin);
+        return false;
+    }
+    if (descending) Complement(begin, key);
+    return true;
 }
 
 }  // namespace jet::sql

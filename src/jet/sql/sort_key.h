@@ -6,11 +6,16 @@
 #include "jet/value.h"
 
 #include <string>
+#include <string_view>
 
 namespace jet::sql {
 
 // `descending` complements the key, so that one comparison serves lists of mixed directions.
 void AppendSortKey(const Value& value, bool descending, std::string& key);
+
+// The same for a text of one byte a character. False: it takes its value to make the key, and
+// nothing was appended.
+bool AppendNarrowSortKey(std::string_view narrow, bool descending, std::string& key);
 
 // Dates are equal when they are in the same second; this is the number of that second since day 0.
 double SecondsOfDate(double days);
