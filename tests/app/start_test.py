@@ -130,12 +130,7 @@ def read_only(desktop, work):
     for name in ("One", "Two", "Three"):
         make_table_file(work / "tables" / f"{name}.vpt")
     with Tavolo(desktop, folder) as program:
-        program.wait_window("Find New Visual Pinball Tables")
-        program.click("cmdgo")
-        program.choose_file(work / "tables")
-        program.wait_text("Label2", "Process Complete")
-        program.click("cmdExit")
-        program.wait_window("Settings")
+        program.first_scan(work / "tables")
         program.click("CancelButton")
         program.close()
     (folder / "pinball.mdb").chmod(0o444)

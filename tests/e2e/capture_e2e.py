@@ -32,12 +32,7 @@ def main():
         make_picture(work / "shot.bmp", "640x480")
 
         with Tavolo(desktop, folder) as program:
-            program.wait_window("Find New Visual Pinball Tables")
-            program.click("cmdgo")
-            program.choose_file(work / "tables")
-            program.wait_text("Label2", "Process Complete")
-            program.click("cmdExit")
-            program.wait_window("Settings")
+            program.first_scan(work / "tables")
             program.type_into("txtDet_0", str(simulator))
             program.click("OKButton")
             program.wait_window_gone("Settings")

@@ -90,12 +90,7 @@ def main():
 
 
 def first_start(program, work):
-    program.wait_window("Find New Visual Pinball Tables")
-    program.click("cmdgo")
-    program.choose_file(work.tables)
-    program.wait_text("Label2", "Process Complete")
-    program.click("cmdExit")
-    program.wait_window("Settings")
+    program.first_scan(work.tables)
     program.type_into("txtDet_0", str(work.simulator))
     program.click("OKButton")
     program.wait_window_gone("Settings")

@@ -266,6 +266,15 @@ class Tavolo:
         self.click_item(text, name)
         self.wait_text(name, text)
 
+    def first_scan(self, tables):
+        """On a first start: scans the folder `tables`; the settings are open then."""
+        self.wait_window("Find New Visual Pinball Tables")
+        self.click("cmdgo")
+        self.choose_file(tables)
+        self.wait_text("Label2", "Process Complete")
+        self.click("cmdExit")
+        self.wait_window("Settings")
+
     def menu(self, menu, action):
         """Opens a menu of the menu bar (or uses the open pop-up menu) and clicks one of its actions."""
         def opened():

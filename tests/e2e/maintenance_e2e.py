@@ -36,12 +36,7 @@ def utility(program, action):
 
 
 def fill_catalogue(program, work):
-    program.wait_window("Find New Visual Pinball Tables")
-    program.click("cmdgo")
-    program.choose_file(work / "tables")
-    program.wait_text("Label2", "Process Complete")
-    program.click("cmdExit")
-    program.wait_window("Settings")
+    program.first_scan(work / "tables")
     program.picture("settings")
     program.type_into("txtDet_0", str(work / "missing"))
     program.click("OKButton")
