@@ -3,6 +3,7 @@
 #include "jet/sql/evaluate.h"
 #include "jet/sql/functions.h"
 #include "jet/sql/interval_of.h"
+#include "jet/sql/operators.h"
 #include "jet/sql/subquery.h"
 
 #include <algorithm>
@@ -14,22 +15,6 @@ namespace {
 constexpr std::size_t kMostIntervals = 2000;
 
 using Facts = std::vector<ColumnBounds>;
-
-// `a op b` as seen from b.
-Operator Mirrored(Operator op) {
-    switch (op) {
-    case Operator::kLess:
-        return Operator::kGreater;
-    case Operator::kLessEqual:
-        return Operator::kGreaterEqual;
-    case Operator::kGreater:
-        return Operator::kLess;
-    case Operator::kGreaterEqual:
-        return Operator::kLessEqual;
-    default:
-        return op;
-    }
-}
 
 const ColumnBounds* Find(const Facts& facts, std::size_t column) {
     for (const ColumnBounds& known : facts)

@@ -202,6 +202,25 @@ Result<Ordering> Compare(const Value& a, const Value& b) {
     return CompareOthers(a, b);
 }
 
+bool AsksForOrder(Operator op) {
+    return op >= Operator::kEqual && op <= Operator::kGreaterEqual;
+}
+
+Operator Mirrored(Operator op) {
+    switch (op) {
+    case Operator::kLess:
+        return Operator::kGreater;
+    case Operator::kLessEqual:
+        return Operator::kGreaterEqual;
+    case Operator::kGreater:
+        return Operator::kLess;
+    case Operator::kGreaterEqual:
+        return Operator::kLessEqual;
+    default:
+        return op;
+    }
+}
+
 bool Holds(Operator op, std::weak_ordering order) {
     switch (op) {
     case Operator::kEqual:

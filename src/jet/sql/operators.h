@@ -24,7 +24,11 @@ base::Result<Truth> TruthOf(const Value& value);
 // do not compare.
 base::Result<std::optional<std::weak_ordering>> Compare(const Value& a, const Value& b);
 base::Result<Truth> CompareWith(Operator op, const Value& a, const Value& b);
-// Whether two values in this order satisfy a comparison. Requires: one of the six, not Like.
+// One of the six comparisons; Like is none.
+bool AsksForOrder(Operator op);
+// `a op b` as seen from b, where AsksForOrder(op); any other operator stays.
+Operator Mirrored(Operator op);
+// Whether two values in this order satisfy a comparison. Requires: AsksForOrder(op).
 bool Holds(Operator op, std::weak_ordering order);
 
 // 3464: no number; 6 overflow; 11 division by zero.

@@ -1,5 +1,7 @@
 #include "jet/sql/row_filter.h"
 
+#include "jet/sql/operators.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -11,25 +13,6 @@ using base::Result;
 bool IsAndChain(const Expression& e) {
     return e.kind == NodeKind::kChain &&
            std::ranges::all_of(e.operators, [](Operator op) { return op == Operator::kAnd; });
-}
-
-// `constant op column` as seen from the column; nullopt: no comparison of order.
-std::optional<Operator> Mirrored(Operator op) {
-    switch (op) {
-    case Operator::kEqual:
-    case Operator::kNotEqual:
-        return op;
-    case Operator::kLess:
-        return Operator::kGreater;
-    case Operator::kLessEqual:
-        return Operator::kGreaterEqual;
-    case Operator::kGreater:
-        return Operator::kLess;
-    case Operator::kGreaterEqual:
-        return Operator::kLessEqual;
-    default:
-        return std::nullopt;
-    }
 }
 
 }  // namespace
@@ -53,20 +36,20 @@ RowFilter::RowFilter(const Expression* condition) : condition_(condition) {
 std::optional<RowFilter::TextTest> RowFilter::TestOf(const Expression& comparison) {
     if (comparison.kind != NodeKind::kChain || comparison.operators.size() != 1)
         return std::nullopt;
-    std::optional<Operator> op = Mirrored(comparison.operators[0]);
-    if (!op) return std::nullopt;
+    Operator op = comparison.operators[0];
+    if (!AsksForOrder(op)) return std::nullopt;
     const Expression* column = comparison.children[0].get();
     const Expression* constant = comparison.children[1].get();
-    if (column->kind == NodeKind::kColumn)
-        op = comparison.operators[0];
-    else
+    if (column->kind != NodeKind::kColumn) {
         std::swap(column, constant);
+        op = Mirrored(op);
+    }
     if (column->kind != NodeKind::kColumn || constant->kind != NodeKind::kLiteral)
         return std::nullopt;
     const auto* text = constant->value.get_if<std::u16string>();
     auto plain = text != nullptr ? PlainText::Of(*text) : std::nullopt;
     if (!plain) return std::nullopt;
-    return TextTest{column->slot, *op, std::move(*plain)};
+    return TextTest{column->slot, op, std::move(*plain)};
 }
 
 std::optional<bool> RowFilter::Passes(const TextTest& test, const std::vector<Value>& row) {
