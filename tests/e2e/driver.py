@@ -266,14 +266,27 @@ class Tavolo:
         self.click_item(text, name)
         self.wait_text(name, text)
 
+    def click_until(self, name, condition, what):
+        """A window that has just come up may move under the pointer: its button is clicked again until that has shown an effect."""
+        pressed = 0.0
+
+        def done():
+            nonlocal pressed
+            if condition():
+                return True
+            if time.monotonic() - pressed > 3 and self.visible(name):
+                self.click(name)
+                pressed = time.monotonic()
+            return False
+        wait_for(done, what)
+
     def first_scan(self, tables):
         """On a first start: scans the folder `tables`; the settings are open then."""
         self.wait_window("Find New Visual Pinball Tables")
-        self.click("cmdgo")
+        self.click_until("cmdgo", lambda: self.visible("fileNameEdit"), "the folder dialog")
         self.choose_file(tables)
         self.wait_text("Label2", "Process Complete")
-        self.click("cmdExit")
-        self.wait_window("Settings")
+        self.click_until("cmdExit", lambda: self.window("Settings"), "the settings")
 
     def menu(self, menu, action):
         """Opens a menu of the menu bar (or uses the open pop-up menu) and clicks one of its actions."""

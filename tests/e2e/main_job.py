@@ -59,7 +59,7 @@ def main():
 def first_start(program, tables, simulator):
     program.wait_window("Find New Visual Pinball Tables")
     program.picture("scan dialog by itself")
-    program.click("cmdgo")
+    program.click_until("cmdgo", lambda: program.visible("fileNameEdit"), "the folder dialog")
     program.choose_file(tables)
     program.wait_text("Label2", "Process Complete")
     check_equal(program.text("lbltime"), f"New Tables Found and added to your database: {len(TABLES)}", "the count of the scan")

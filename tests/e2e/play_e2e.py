@@ -6,7 +6,6 @@ import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import wave
 from pathlib import Path
 
@@ -121,27 +120,12 @@ def wait_no_simulator(program):
     wait_for(lambda: not any("Visual Pinball" in title for title in program.desktop.window_titles()), "the end of the simulator")
 
 
-def click_until(program, name, condition, what):
-    """A window that has just come up may move under the pointer: its button is clicked again until that has shown an effect."""
-    pressed = 0.0
-
-    def done():
-        nonlocal pressed
-        if condition():
-            return True
-        if time.monotonic() - pressed > 3 and program.visible(name):
-            program.click(name)
-            pressed = time.monotonic()
-        return False
-    wait_for(done, what)
-
-
 def start(program, collection, simulator):
     program.wait_window("Find New Visual Pinball Tables")
-    click_until(program, "cmdgo", lambda: program.visible("fileNameEdit"), "the folder dialog")
+    program.click_until("cmdgo", lambda: program.visible("fileNameEdit"), "the folder dialog")
     program.choose_file(collection)
     program.wait_text("Label2", "Process Complete")
-    click_until(program, "cmdExit", lambda: program.window("Settings"), "the settings")
+    program.click_until("cmdExit", lambda: program.window("Settings"), "the settings")
     set_executable(program, simulator)
 
 
@@ -152,7 +136,7 @@ def set_executable(program, path):
         program.type_into("txtDet_0", str(path))
         return program.text("txtDet_0") == str(path)
     wait_for(typed, "the path in the settings")
-    click_until(program, "OKButton", lambda: not program.window("Settings"), "the end of the settings")
+    program.click_until("OKButton", lambda: not program.window("Settings"), "the end of the settings")
 
 
 def change_executable(program, path):
