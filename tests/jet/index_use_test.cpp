@@ -328,6 +328,16 @@ protected:
         }
     }
 
+    void MakeInNewFile(int rows) {
+        const TemporaryFolder folder;
+        const auto files = platform::MakeFileSystem();
+        const auto path = folder.path() / "index.mdb";
+        ASSERT_TRUE(CreateDatabaseFile(*files, path, Noon()).ok());
+        auto copy = OpenCopy(path);
+        ASSERT_TRUE(copy.ok()) << copy.status().message();
+        Make(std::move(copy).value(), rows);
+    }
+
     // Other questions with --gtest_shuffle --gtest_random_seed=N.
     std::mt19937 random_{20261120U +
                          static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed())};
@@ -336,26 +346,14 @@ protected:
 };
 
 TEST_F(IndexUse, GivesTheSameRowsAsTheWholeTable) {
-    const TemporaryFolder folder;
-    const auto files = platform::MakeFileSystem();
-    const auto path = folder.path() / "index.mdb";
-    ASSERT_TRUE(CreateDatabaseFile(*files, path, Noon()).ok());
-    auto copy = OpenCopy(path);
-    ASSERT_TRUE(copy.ok()) << copy.status().message();
-    Make(std::move(copy).value(), 250);
+    ASSERT_NO_FATAL_FAILURE(MakeInNewFile(250));
     AskAbout(36, 20);
     EXPECT_GT(found_, 5000U);
 }
 
 // Before day 1 of the calendar keys and moments have different orders; after it they agree.
 TEST_F(IndexUse, OfLaterDatesOnlyIsInTheirOrder) {
-    const TemporaryFolder folder;
-    const auto files = platform::MakeFileSystem();
-    const auto path = folder.path() / "index.mdb";
-    ASSERT_TRUE(CreateDatabaseFile(*files, path, Noon()).ok());
-    auto copy = OpenCopy(path);
-    ASSERT_TRUE(copy.ok()) << copy.status().message();
-    Make(std::move(copy).value(), 200);
+    ASSERT_NO_FATAL_FAILURE(MakeInNewFile(200));
     ASSERT_TRUE(connection_->Execute(u"DELETE FROM Indexed WHERE Day < 1.5").ok());
     ASSERT_TRUE(connection_->Execute(u"DELETE FROM Plain WHERE Day < 1.5").ok());
     for (const bool up : {true, false}) {
