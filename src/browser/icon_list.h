@@ -1,5 +1,4 @@
-// IconList: the small pictures of the tree, the filter combo and the play button, by key ("play"
-// for the button).
+// IconList: the small pictures of the tree and the filter combo, by key ("mame", "favorite").
 #pragma once
 
 #include <QtCore/QHash>

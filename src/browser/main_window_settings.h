@@ -47,7 +47,7 @@ struct MainWindowSettings {
 // A missing value, or one that is not what it should be, is the default. The size is read only when
 // the window was not maximised.
 MainWindowSettings ReadSettings(platform::SettingsStore& store);
-// In the order in which they have always been written; the picture folder only when there is one.
+// Writes every key in a fixed order, the picture folder last and only when there is one.
 void WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings);
 
 }  // namespace browser

@@ -3,7 +3,7 @@
 namespace browser {
 namespace {
 
-// On this detail tab the commands that rewrite what it shows are not offered.
+// The rules text. While it is the open tab, Reset Paths and Reset File Dates cannot be chosen.
 constexpr int kLockingTab = 3;
 
 }  // namespace

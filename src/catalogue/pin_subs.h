@@ -33,7 +33,7 @@ QString StripExtension(const QString& file_name);
 // `folder` ending in a separator of its own kind.
 QString WithTrailingSeparator(const QString& folder);
 
-// Days since 1899-12-30 and back; local time, whole seconds.
+// Days since 1899-12-30, as the database stores dates; the fraction of the second is dropped.
 double ToOleDate(const QDateTime& time);
 // "20-Nov-26": the named format "medium date".
 QString MediumDate(const QDateTime& time);

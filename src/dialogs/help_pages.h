@@ -6,8 +6,8 @@
 
 namespace dialogs {
 
-// Windows are named by their object names ("frmSettings"). The numbers are those of the context map
-// in docs/help/tavolo.hhp. An unknown window has the first page, index.html.
+// The page, a file of docs/help, about the window with the object name `window` ("frmSettings" has
+// "settings.html"). An unknown window has the first page, index.html.
 QString HelpPageOf(const QString& window);
 bool HasHelpPage(const QString& window);
 // Every window that has a page.

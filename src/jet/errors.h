@@ -1,4 +1,4 @@
-// The engine's error numbers with their texts, as its users know them.
+// The engine's error numbers and their texts.
 #pragma once
 
 #include "base/status.h"

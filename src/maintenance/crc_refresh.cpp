@@ -30,7 +30,7 @@ base::Status RefreshRow(jet::Recordset& rows, checksum::clsCRC& crc,
 
 }  // namespace
 
-// The words of the question are kept as its users know them.
+// The wording is fixed, its misspellings included.
 bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
     const platform::Message question{
         QStringLiteral(

@@ -1,6 +1,6 @@
 // The SQL of the launcher import.
-// The key stands in the statements as the line has it, without quoting: the files were always read
-// so, and a line whose key holds a quote is one that the database refuses.
+// The key stands in the statements as the line has it, without quoting: a line whose key holds a quote
+// is refused by the database and passed over.
 #pragma once
 
 #include "maintenance/launcher_record.h"

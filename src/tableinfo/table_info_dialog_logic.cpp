@@ -61,8 +61,7 @@ const std::array<InfoBox, kInfoBoxCount> kInfoBoxes = {{
     {u"TableRules", u"Rules", true},
 }};
 
-// The prefix is looked for in lower case among upper-cased letters, so it is never found: an
-// address that brings it along gets it twice, as it always has.
+// The prefix is always put in front: an address that brings its own gets a second one.
 QString MailAddress(const QString& address, const QString& table_name) {
     return QStringLiteral("Mailto:") + address + QStringLiteral("?subject=") + table_name;
 }
