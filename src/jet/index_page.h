@@ -1,7 +1,7 @@
 // IndexPageView: the entries of one index page, leaf or node. An entry is key bytes, then the row's
 // page (24 bits) and slot, then, on nodes, the child's page (32 bits); all big endian. Entries
 // stand in ascending byte order; all but the first leave out the page's common prefix. Layout:
-// docs/jet.md, "Index pages".
+// docs/formats/jet.md, "Index pages".
 #pragma once
 
 #include "base/status.h"

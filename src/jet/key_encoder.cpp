@@ -66,7 +66,7 @@ void AppendNumeric(Bytes& key, const Numeric& numeric, bool ascending) {
     const std::size_t start = key.size();
     for (const std::uint32_t word : numeric.magnitude)
         base::AppendBig(key, word);
-    // The sign byte stays as it is in a descending column: what the engine has always done.
+    // The sign byte stays as it is in a descending column: an oddity of the format.
     if (numeric.negative == ascending) Complement(std::span(key).subspan(start));
 }
 

@@ -1,5 +1,5 @@
 // RowView: finds the fields in the bytes of one row, of either format. A row may be older than its
-// table: columns added since are null in it. Layout: docs/jet.md, "Rows".
+// table: columns added since are null in it. Layout: docs/formats/jet.md, "Rows".
 #pragma once
 
 #include "jet/format.h"

@@ -1,6 +1,6 @@
 // TableDefinition: a table's definition as the file keeps it: columns, real and logical indexes,
 // page maps, counters. TableDesign (jet/schema.h) is what a program sees of it. Layout:
-// docs/jet.md, "Table definitions".
+// docs/formats/jet.md, "Table definitions".
 #pragma once
 
 #include "base/status.h"
