@@ -22,7 +22,7 @@ endfunction()
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
 # `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
 # zone are fixed so that no machine's setting matters. DISPLAY: each test has a virtual display and
-# a window manager of its own instead (tests/support/with_display.sh). SOUND: each test has a sound
+# a window manager of its own instead (tests/support/with_display.sh) and carries the label "display". SOUND: each test has a sound
 # server of its own (tests/support/with_sound_server.sh).
 function(add_unit_test name)
     cmake_parse_arguments(T "QT;WIDGETS;DISPLAY;SOUND" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
@@ -43,7 +43,9 @@ function(add_unit_test name)
     endif()
     # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
     set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0 TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared)
+    set(labels)
     if(T_DISPLAY)
+        set(labels LABELS display)
         list(APPEND launcher QT_QPA_PLATFORM=xcb ${CMAKE_SOURCE_DIR}/tests/support/with_display.sh)
     elseif(T_SOUND)
         list(APPEND launcher QT_QPA_PLATFORM=offscreen ${CMAKE_SOURCE_DIR}/tests/support/with_sound_server.sh)
@@ -52,5 +54,5 @@ function(add_unit_test name)
     endif()
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${launcher}")
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST
-        PROPERTIES TIMEOUT ${T_TIMEOUT})
+        PROPERTIES TIMEOUT ${T_TIMEOUT} ${labels})
 endfunction()

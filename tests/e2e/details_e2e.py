@@ -94,9 +94,7 @@ def first_start(program, work):
     program.type_into("txtDet_0", str(work.simulator))
     program.click("OKButton")
     program.wait_window_gone("Settings")
-    title = next(w["title"] for w in program.windows() if w["title"].startswith("Tavolo -"))
-    subprocess.run(["wmctrl", "-F", "-r", title, "-b", "add,maximized_vert,maximized_horz"],
-                   env=program.desktop.env, check=True)
+    program.desktop.manage(program.main_window(), "-r", "-b", "add,maximized_vert,maximized_horz")
     wait_for(lambda: program.widget("tvwDB")["h"] > 400, "the maximised window")
 
 
@@ -132,8 +130,7 @@ def edit_and_cancel(program, work):
     check_locked(program, 0)
     program.picture("edited")
     program.click_item("Attack")
-    main_window = next(w["title"] for w in program.windows() if w["title"].startswith("Tavolo -"))
-    subprocess.run(["wmctrl", "-F", "-c", main_window], env=program.desktop.env, check=True)
+    program.desktop.close_window(program.main_window())
     check_equal(program.text("txtDet_2"), "plain", "the record during an edit")
     check_equal(program.text("txtDet_4"), "Nobody", "the edit")
     program.click("cmdCancel")

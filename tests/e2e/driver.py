@@ -137,6 +137,21 @@ class Desktop:
         return [line.split(None, 3)[3] if len(line.split(None, 3)) > 3 else "" for line in listed.splitlines()]
 
 
+    def manage(self, window, *action):
+        """Asks the window manager to do something with a window of the program, as soon as it knows that window."""
+        number = f"{window['id']:#010x}"
+        wait_for(lambda: number in subprocess.run(["wmctrl", "-l"], env=self.env, capture_output=True, text=True).stdout,
+                 f"the window manager to list the window {window['title']!r}")
+        subprocess.run(["wmctrl", "-i", *map(str, action[:1]), number, *map(str, action[1:])], env=self.env, check=True)
+
+    def active_window(self):
+        return int(self._root_property("_NET_ACTIVE_WINDOW").rpartition(" ")[2] or "0", 16)
+
+    def close_window(self, window):
+        """As the window's close button does."""
+        self.manage(window, "-c")
+
+
 class Tavolo:
     """One run of the program on the application folder `folder`."""
 
@@ -217,6 +232,9 @@ class Tavolo:
     def window(self, title):
         return next((w for w in self.windows() if w["title"] == title), None)
 
+    def main_window(self):
+        return wait_for(lambda: next((w for w in self.windows() if w["title"].startswith("Tavolo -")), None), "the main window")
+
     def wait_window(self, title, timeout=TIMEOUT):
         return wait_for(lambda: self.window(title), f"the window {title!r}", timeout)
 
@@ -266,9 +284,13 @@ class Tavolo:
         self.click_item(text, name)
         self.wait_text(name, text)
 
-    def click_until(self, name, condition, what):
+    def has_keyboard(self, name):
+        """Whether what is typed goes to that widget: it has the focus, and its window is the one that the window manager gives the keys."""
+        widget = self.visible(name)
+        return bool(widget and widget["focus"] and self.desktop.active_window() == widget["id"])
+
+    def click_until(self, name, condition, what, pressed=0.0):
         """A window that has just come up may move under the pointer: its button is clicked again until that has shown an effect."""
-        pressed = 0.0
 
         def done():
             nonlocal pressed
@@ -317,7 +339,7 @@ class Tavolo:
     def type_into(self, name, text):
         """Replaces the text of a field; a final line feed presses Enter."""
         self.click(name)
-        wait_for(lambda: self.visible(name)["focus"] or True, f"the focus in {name}")
+        self.click_until(name, lambda: self.has_keyboard(name), f"the keyboard in {name}", pressed=time.monotonic())
         self.press("ctrl+a", "Delete")
         self.type(text.rstrip("\n"))
         if text.endswith("\n"):
@@ -340,8 +362,7 @@ class Tavolo:
 
     def close(self, timeout=TIMEOUT):
         """Closes the main window as its close button does; waits for the end of the program."""
-        main = next(w for w in self.windows() if w["title"].startswith("Tavolo -"))
-        subprocess.run(["wmctrl", "-F", "-c", main["title"]], env=self.desktop.env, check=True)
+        self.desktop.close_window(self.main_window())
         self.wait_end(timeout)
 
     def wait_end(self, timeout=TIMEOUT):

@@ -62,6 +62,8 @@ QJsonObject Describe(const QWidget& widget) {
     object[QStringLiteral("enabled")] = widget.isEnabled();
     object[QStringLiteral("focus")] = widget.hasFocus();
     object[QStringLiteral("checked")] = widget.property("checked").toBool();
+    // Of its window, as X11 numbers it; 0 while it has none.
+    object[QStringLiteral("id")] = static_cast<qint64>(widget.window()->effectiveWinId());
     object[QStringLiteral("modal")] = QApplication::activeModalWidget() == widget.window();
     return object;
 }
