@@ -54,6 +54,8 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
     for (std::uint32_t i = 0; i < 4; ++i)
         if (base::LoadLittle<std::uint32_t>(page.data() + 0x20 + 4 * i) != 2 + i)
             fault("the place of a system table is wrong");
+    if (LoadRowPointer(page.data() + 0x18) != RowPointer{1, 0})
+        fault("the place of the map of free pages is wrong");
     const std::size_t words = jet4 ? 0xE00 : 0x600;
     for (std::size_t i = 0; i < 256; ++i)
         if (base::LoadLittle<std::uint16_t>(page.data() + words + 2 * i) < 0x100)
@@ -132,10 +134,11 @@ CheckReport CheckIntegrity(PageStore& store) {
     run.Claim(0, "the header");
     if (run.page_count() > 1) run.Claim(1, "the global maps");
     const auto free = run.ReadMap(header->global_map, "free pages", true);
+    if (free) run.CheckReach(header->global_map);
     const auto second = run.ReadMap(header->second_map, "the second global map", true);
     if (second && !second->empty())
-        run.Fault(header->second_map.page, header->second_map.row,
-                  "the second global map is not empty");
+        run.Warn(header->second_map.page, header->second_map.row,
+                 "the second global map is not empty");
     check::CheckTables(run);
     if (free) check::CheckPages(run, store, *free);
     CheckReport report = std::move(run.report());

@@ -158,4 +158,16 @@ std::optional<PageSet> CheckRun::ReadMap(RowPointer row, const std::string& what
     return members;
 }
 
+void CheckRun::CheckReach(RowPointer row) {
+    const auto bytes = map_pages_.at(row.page).Row(row.row);
+    std::uint64_t first = 0;
+    std::uint64_t end = (bytes.size() - 1) / 4 * format_.bits_per_bitmap_page();
+    if (bytes[0] == std::byte{0}) {
+        first = base::LoadLittle<std::uint32_t>(bytes.data() + 1);
+        end = first + 8 * (bytes.size() - 5);
+    }
+    if (first > 0 || end < page_count())
+        Warn(row.page, row.row, "the map of free pages does not reach every page of the file");
+}
+
 }  // namespace jet::check

@@ -71,6 +71,10 @@ public:
     std::optional<PageSet> ReadMap(RowPointer row, const std::string& what,
                                    bool may_pass_the_end = false);
 
+    // Warns when the map of free pages, which ReadMap has read, leaves pages of the file out: they
+    // count as used.
+    void CheckReach(RowPointer row);
+
 private:
     struct MapBits;
     const DataPage* MapPage(PageNumber page, const std::string& what);

@@ -14,6 +14,9 @@ constexpr PageNumber kGlobalMapPage = 1;
 constexpr std::size_t kGlobalMapRow = 0;
 // Header, global maps and the four system definitions are never free, whatever a map says.
 constexpr PageNumber kFirstAllocatable = 6;
+// An inline map: its form, its first page, then the bits.
+constexpr std::size_t kInlineHead = 5;
+constexpr std::size_t kPagesPerWord = 32;
 
 bool IsBitmapPage(std::span<const std::byte> page) {
     return page[0] == static_cast<std::byte>(PageType::kBitmap);
@@ -26,16 +29,18 @@ base::Result<PageAllocator::Map> PageAllocator::Load() {
     ASSIGN_OR_RETURN(map.page, store_.Read(kGlobalMapPage));
     const auto page = DataPage::Parse(map.page.bytes(), format_);
     const auto row = page ? page->Bytes(kGlobalMapRow) : std::nullopt;
-    if (!row || row->size() < 9 || std::to_integer<int>((*row)[0]) > 1)
+    if (!row || row->empty() || std::to_integer<int>(row->front()) > 1)
         return errors::DamagedPage(kGlobalMapPage, "the map of free pages is unreadable");
     map.row = *row;
-    map.is_inline = (*row)[0] == std::byte{0};
+    map.is_inline = row->front() == std::byte{0};
+    if (map.is_inline && row->size() < kInlineHead)
+        return errors::DamagedPage(kGlobalMapPage, "the map of free pages is unreadable");
     return map;
 }
 
 base::Result<PageNumber> PageAllocator::FindFreeInline(const Map& map) const {
     const PageNumber first = map.first_page();
-    const std::span bits = map.row.subspan(5);
+    const std::span bits = map.row.subspan(kInlineHead);
     const PageNumber from = std::max({lowest_candidate_, first, kFirstAllocatable});
     const std::size_t bit = FindSetBit(bits, from - first);
     if (bit >= bits.size() * 8) return PageNumber{0};
@@ -49,7 +54,7 @@ base::Result<PageNumber> PageAllocator::FindFree(const Map& map) {
     const PageNumber start = std::max(lowest_candidate_, kFirstAllocatable);
     for (std::size_t range = start / per_page; range < map.pointers(); ++range) {
         if (range * per_page >= store_.page_count()) break;
-        const auto bitmap = base::LoadLittle<std::uint32_t>(map.row.data() + 1 + 4 * range);
+        const PageNumber bitmap = map.pointer(range);
         if (bitmap == 0) continue;
         ASSIGN_OR_RETURN(const PageView view, store_.Read(bitmap));
         if (!IsBitmapPage(view.bytes())) return errors::DamagedPage(bitmap, "not a page bitmap");
@@ -62,6 +67,7 @@ base::Result<PageNumber> PageAllocator::FindFree(const Map& map) {
 }
 
 base::Result<PageNumber> PageAllocator::Allocate() {
+    RETURN_IF_ERROR(Cover());
     PageNumber page = 0;
     {
         ASSIGN_OR_RETURN(const Map map, Load());
@@ -82,62 +88,78 @@ base::Result<PageNumber> PageAllocator::Extend() {
     if (std::uint64_t{store_.page_count() + 4} * format_.page_size > format_.max_file_bytes)
         return errors::FileTooLarge();
     ASSIGN_OR_RETURN(const PageNumber page, store_.Extend());
-    RETURN_IF_ERROR(MakeRoomFor(page));
+    RETURN_IF_ERROR(Cover());
     RETURN_IF_ERROR(SetFree(page, false));
     return page;
 }
 
-// Pages past the end of the file count as free in the map, so it has to reach the new page.
-base::Status PageAllocator::MakeRoomFor(PageNumber page) {
-    ASSIGN_OR_RETURN(const Map map, Load());
-    if (map.is_inline) {
-        if (page >= map.first_page() && page - map.first_page() < map.inline_bits()) return {};
-        return LengthenInline(map, page);
-    }
-    return EnsureBitmap(page / format_.bits_per_bitmap_page(), {});
-}
+// ------------------------------------------------------------------------- the map's reach
 
-base::Status PageAllocator::LengthenInline(const Map& map, PageNumber page) {
-    if (map.first_page() != 0) return ConvertToReference(map);
-    const std::size_t words = page / 32 + 1;
-    const std::size_t wanted = 5 + 4 * words;
-    const auto data_page = DataPage::Parse(map.page.bytes(), format_);
-    if (wanted > map.row.size() + data_page->free_bytes() || wanted < map.row.size())
-        return ConvertToReference(map);
-    std::vector<std::byte> row(map.row.begin(), map.row.end());
-    row.resize(wanted, std::byte{0xFF});
-    return WriteRow(row);
-}
-
-base::Status PageAllocator::ConvertToReference(const Map& map) {
+bool PageAllocator::Reaches(const Map& map, PageNumber count) const {
+    if (map.is_inline) return map.first_page() == 0 && map.inline_bits() >= count;
     const std::size_t per_page = format_.bits_per_bitmap_page();
-    std::vector<std::byte> known((map.first_page() + map.inline_bits() + 7) / 8);
-    for (std::size_t bit = 0; bit < map.inline_bits(); ++bit)
-        AssignBit(known, map.first_page() + bit, TestBit(map.row.subspan(5), bit));
-    std::vector<std::byte> row(std::max(map.row.size(), format_.fresh_map_bytes));
-    row[0] = std::byte{1};
-    RETURN_IF_ERROR(WriteRow(row));
-    const std::size_t ranges = store_.page_count() / per_page + 1;
-    for (std::size_t range = 0; range < ranges; ++range) {
-        const std::size_t from = std::min(known.size(), range * per_page / 8);
-        RETURN_IF_ERROR(
-            EnsureBitmap(range, std::span<const std::byte>(known).subspan(
-                                    from, std::min(known.size() - from, per_page / 8))));
+    for (std::size_t range = 0; range * per_page < count; ++range)
+        if (map.pointer(range) == 0) return false;
+    return true;
+}
+
+base::Status PageAllocator::Cover() {
+    std::vector<std::byte> known;
+    {
+        ASSIGN_OR_RETURN(const Map map, Load());
+        if (Reaches(map, store_.page_count())) return {};
+        if (map.is_inline) {
+            known = KnownFree(map);
+            ASSIGN_OR_RETURN(const bool is_done, CoverInline(map, known));
+            if (is_done) return {};
+            RETURN_IF_ERROR(MakeReference(map));
+        }
     }
+    const std::size_t per_page = format_.bits_per_bitmap_page();
+    // A bitmap page that is added may itself begin another range.
+    for (std::size_t range = 0; range * per_page < store_.page_count(); ++range)
+        RETURN_IF_ERROR(EnsureBitmap(range, known));
     return {};
 }
 
-// `known_bits`: what is known of the range; the rest is free where no page exists yet.
-base::Status PageAllocator::EnsureBitmap(std::size_t range, std::span<const std::byte> known_bits) {
+// One bit for each page of the file.
+std::vector<std::byte> PageAllocator::KnownFree(const Map& map) const {
+    const PageNumber count = store_.page_count();
+    std::vector<std::byte> known((count + 7) / 8);
+    const std::uint64_t first = map.first_page();
+    for (std::size_t bit = 0; bit < map.inline_bits() && first + bit < count; ++bit)
+        AssignBit(known, first + bit, TestBit(map.row.subspan(kInlineHead), bit));
+    return known;
+}
+
+// false: page 1 has no room for so long a map.
+base::Result<bool> PageAllocator::CoverInline(const Map& map, std::span<const std::byte> known) {
+    const PageNumber count = store_.page_count();
+    const std::size_t words = (count + kPagesPerWord - 1) / kPagesPerWord;
+    std::vector<std::byte> row(std::max(kInlineHead + 4 * words, map.row.size()), std::byte{0xFF});
+    std::fill_n(row.begin(), kInlineHead, std::byte{0});
+    const std::span bits = std::span(row).subspan(kInlineHead);
+    for (PageNumber page = 0; page < count; ++page)
+        AssignBit(bits, page, TestBit(known, page));
+    return WriteRow(row);
+}
+
+base::Status PageAllocator::MakeReference(const Map& map) {
+    std::vector<std::byte> row(std::max(map.row.size(), format_.fresh_map_bytes));
+    row[0] = std::byte{1};
+    return MustWriteRow(row);
+}
+
+// `known`: the free ones among the file's first pages; the others are in use, and those past the
+// end of the file free.
+base::Status PageAllocator::EnsureBitmap(std::size_t range, std::span<const std::byte> known) {
     const std::size_t per_page = format_.bits_per_bitmap_page();
     std::vector<std::byte> row;
     {
         ASSIGN_OR_RETURN(const Map map, Load());
-        if (range >= map.pointers()) return errors::FileTooLarge();
-        if (base::LoadLittle<std::uint32_t>(map.row.data() + 1 + 4 * range) != 0) return {};
+        if (map.pointer(range) != 0) return {};
         row.assign(map.row.begin(), map.row.end());
     }
-    const PageNumber last_used = store_.page_count();
     ASSIGN_OR_RETURN(const PageNumber bitmap, store_.Extend());
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, store_.Change(bitmap));
     bytes[0] = static_cast<std::byte>(PageType::kBitmap);
@@ -145,26 +167,34 @@ base::Status PageAllocator::EnsureBitmap(std::size_t range, std::span<const std:
     const std::span<std::byte> bits = bytes.subspan(4);
     for (std::size_t bit = 0; bit < per_page; ++bit) {
         const std::size_t page = range * per_page + bit;
-        const bool known = bit < known_bits.size() * 8;
-        AssignBit(bits, bit,
-                  page != bitmap && (known ? TestBit(known_bits, bit) : page > last_used));
+        AssignBit(bits, bit, page > bitmap || (page < known.size() * 8 && TestBit(known, page)));
     }
+    row.resize(std::max(row.size(), 1 + 4 * (range + 1)));
     base::StoreLittle(row.data() + 1 + 4 * range, bitmap);
-    RETURN_IF_ERROR(WriteRow(row));
-    // The new bitmap page may itself lie in a range that has none yet.
-    return MakeRoomFor(bitmap);
+    RETURN_IF_ERROR(MustWriteRow(row));
+    return SetFree(bitmap, false);  // it may lie in a range that had its bitmap before
 }
 
-base::Status PageAllocator::WriteRow(std::span<const std::byte> row) {
+// false: page 1 has no room for it.
+base::Result<bool> PageAllocator::WriteRow(std::span<const std::byte> row) {
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, store_.Change(kGlobalMapPage));
     auto editor = DataPageEditor::Open(bytes, format_);
-    if (!editor || editor->slot_count() == 0 ||
-        row.size() > editor->SlotBytes(kGlobalMapRow) + editor->free_bytes())
+    if (!editor || editor->slot_count() == 0)
         return errors::DamagedPage(kGlobalMapPage, "the map of free pages cannot be written");
+    if (row.size() > editor->SlotBytes(kGlobalMapRow) + editor->free_bytes()) return false;
     editor->Replace(kGlobalMapRow, row, 0);
-    return {};
+    return true;
 }
 
+base::Status PageAllocator::MustWriteRow(std::span<const std::byte> row) {
+    ASSIGN_OR_RETURN(const bool is_written, WriteRow(row));
+    if (is_written) return {};
+    return errors::DamagedPage(kGlobalMapPage, "the map of free pages cannot be written");
+}
+
+// ------------------------------------------------------------------------------- single bits
+
+// Requires: the map covers the page, or the page has no bitmap and is in use.
 base::Status PageAllocator::SetFree(PageNumber page, bool free) {
     const std::size_t per_page = format_.bits_per_bitmap_page();
     PageNumber bitmap = kGlobalMapPage;
@@ -174,21 +204,13 @@ base::Status PageAllocator::SetFree(PageNumber page, bool free) {
     {
         ASSIGN_OR_RETURN(const Map map, Load());
         if (map.is_inline) {
-            if (page < map.first_page() || page - map.first_page() >= map.inline_bits())
-                return errors::DamagedPage(kGlobalMapPage, "the map of free pages is too short");
-            bit = page - map.first_page();
-            at = static_cast<std::size_t>(map.row.data() - map.page.data()) + 5;
-            size = map.row.size() - 5;
+            at = static_cast<std::size_t>(map.row.data() - map.page.data()) + kInlineHead;
+            size = map.row.size() - kInlineHead;
         } else {
-            if (page / per_page >= map.pointers()) return errors::FileTooLarge();
-            bitmap = base::LoadLittle<std::uint32_t>(map.row.data() + 1 + 4 * (page / per_page));
+            bitmap = map.pointer(page / per_page);
             bit = page % per_page;
-            if (bitmap == 0 && !free) return {};  // no bitmap: nothing in the range is free
+            if (bitmap == 0) return {};  // no bitmap: nothing in the range is free
         }
-    }
-    if (bitmap == 0) {
-        RETURN_IF_ERROR(EnsureBitmap(page / per_page, {}));
-        return SetFree(page, free);
     }
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, store_.Change(bitmap));
     if (bitmap != kGlobalMapPage && !IsBitmapPage(bytes))
@@ -201,11 +223,10 @@ base::Result<bool> PageAllocator::IsFree(PageNumber page) {
     ASSIGN_OR_RETURN(const Map map, Load());
     if (map.is_inline) {
         if (page < map.first_page() || page - map.first_page() >= map.inline_bits()) return false;
-        return TestBit(map.row.subspan(5), page - map.first_page());
+        return TestBit(map.row.subspan(kInlineHead), page - map.first_page());
     }
     const std::size_t per_page = format_.bits_per_bitmap_page();
-    if (page / per_page >= map.pointers()) return false;
-    const auto bitmap = base::LoadLittle<std::uint32_t>(map.row.data() + 1 + 4 * (page / per_page));
+    const PageNumber bitmap = map.pointer(page / per_page);
     if (bitmap == 0) return false;
     ASSIGN_OR_RETURN(const PageView view, store_.Read(bitmap));
     if (!IsBitmapPage(view.bytes())) return errors::DamagedPage(bitmap, "not a page bitmap");
@@ -215,6 +236,7 @@ base::Result<bool> PageAllocator::IsFree(PageNumber page) {
 base::Status PageAllocator::Free(PageNumber page) {
     if (page < kFirstAllocatable || page >= store_.page_count())
         return errors::DamagedPage(page, "a page that cannot be free was to be freed");
+    RETURN_IF_ERROR(Cover());
     ASSIGN_OR_RETURN(const bool already, IsFree(page));
     if (already) return errors::DamagedPage(page, "the page is free already");
     RETURN_IF_ERROR(SetFree(page, true));

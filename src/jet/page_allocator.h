@@ -1,10 +1,15 @@
 // PageAllocator: gives out pages of the file and takes them back, by the global map of free pages
 // (row 0 of page 1). Freed pages are given out again, the lowest first; the file grows only when
 // there is none. Changes need an open transaction of the store.
+// A map that does not reach every page, as some programs leave it when they add pages or when the
+// map's start has moved on: what it does not reach is in use, and the first page given out or taken
+// back makes it cover the file.
 #pragma once
 
 #include "base/status.h"
 #include "jet/data_page.h"
+
+#include <vector>
 
 namespace jet {
 
@@ -31,17 +36,27 @@ private:
         std::size_t inline_bits() const { return (row.size() - 5) * 8; }
         PageNumber first_page() const { return base::LoadLittle<std::uint32_t>(row.data() + 1); }
         std::size_t pointers() const { return (row.size() - 1) / 4; }
+        // 0: nothing in the range is free.
+        PageNumber pointer(std::size_t range) const {
+            return range < pointers() ? base::LoadLittle<std::uint32_t>(row.data() + 1 + 4 * range)
+                                      : PageNumber{0};
+        }
     };
     base::Result<Map> Load();
     base::Result<PageNumber> FindFree(const Map& map);  // 0: none
     base::Result<PageNumber> FindFreeInline(const Map& map) const;
-    base::Status SetFree(PageNumber page, bool free);
     base::Result<PageNumber> Extend();
-    base::Status MakeRoomFor(PageNumber page);
-    base::Status LengthenInline(const Map& map, PageNumber page);
-    base::Status ConvertToReference(const Map& map);
-    base::Status EnsureBitmap(std::size_t range, std::span<const std::byte> known_bits);
-    base::Status WriteRow(std::span<const std::byte> row);
+    // Whether the map says something of each of the first `count` pages.
+    bool Reaches(const Map& map, PageNumber count) const;
+    // Makes the map reach every page of the file.
+    base::Status Cover();
+    std::vector<std::byte> KnownFree(const Map& map) const;
+    base::Result<bool> CoverInline(const Map& map, std::span<const std::byte> known);
+    base::Status MakeReference(const Map& map);
+    base::Status EnsureBitmap(std::size_t range, std::span<const std::byte> known);
+    base::Result<bool> WriteRow(std::span<const std::byte> row);
+    base::Status MustWriteRow(std::span<const std::byte> row);
+    base::Status SetFree(PageNumber page, bool free);
 
     PageStore& store_;
     const Format& format_;

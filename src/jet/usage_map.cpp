@@ -11,6 +11,8 @@ namespace {
 
 // A map row that was lengthened in place stays below this, so that one map page serves many maps.
 constexpr std::size_t kMaxInlineRow = 512;
+// An inline map: its form, its first page, then the bits.
+constexpr std::size_t kInlineHead = 5;
 
 }  // namespace
 
@@ -29,9 +31,11 @@ base::Result<UsageMap::Row> UsageMap::Load() const {
     ASSIGN_OR_RETURN(row.page, store_.Read(row_.page));
     const auto page = DataPage::Parse(row.page.bytes(), format_);
     const auto bytes = page ? page->Bytes(row_.row) : std::nullopt;
-    if (!bytes || bytes->size() < 9 || std::to_integer<int>((*bytes)[0]) > 1)
+    if (!bytes || bytes->empty() || std::to_integer<int>(bytes->front()) > 1)
         return errors::DamagedPage(row_.page, "a page map is unreadable");
     row.bytes = *bytes;
+    if (row.is_inline() && bytes->size() < kInlineHead)
+        return errors::DamagedPage(row_.page, "a page map is unreadable");
     return row;
 }
 
@@ -160,14 +164,15 @@ base::Status UsageMap::AddReference(PageNumber page, PageAllocator& allocator) {
     std::vector<std::byte> row;
     {
         ASSIGN_OR_RETURN(const Row old, Load());
-        if (range >= old.pointers()) return errors::FileTooLarge();
-        if (old.pointer(range) == 0) row.assign(old.bytes.begin(), old.bytes.end());
+        if (range >= old.pointers() || old.pointer(range) == 0)
+            row.assign(old.bytes.begin(), old.bytes.end());
     }
     if (!row.empty()) {
         ASSIGN_OR_RETURN(const PageNumber bitmap, allocator.Allocate());
         ASSIGN_OR_RETURN(const std::span<std::byte> bytes, store_.Change(bitmap));
         bytes[0] = static_cast<std::byte>(PageType::kBitmap);
         bytes[1] = std::byte{1};
+        row.resize(std::max(row.size(), 1 + 4 * (range + 1)));
         base::StoreLittle(row.data() + 1 + 4 * range, bitmap);
         ASSIGN_OR_RETURN(const bool written, WriteRow(row));
         if (!written) return errors::DamagedPage(row_.page, "a page map cannot be written");
