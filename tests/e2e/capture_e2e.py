@@ -57,6 +57,13 @@ def without_picture(program):
     check_equal(program.message(), "No valid Image in the clipboard", "the message without a picture")
     program.picture("no picture")
     program.answer()
+    for field in ("txtDet_4", "cboFilter"):  # wherever the focus is
+        program.click(field)
+        program.press("Escape")  # the list of the combo box, if it came up
+        wait_for(lambda: program.has_keyboard(field), f"the keyboard in {field}")
+        program.press("F2")
+        check_equal(program.message(), "No valid Image in the clipboard", f"the message in {field}")
+        program.answer()
 
 
 def save_and_set(program, desktop, work):

@@ -154,6 +154,8 @@ def edit_and_save(program, work):
     wait_unlocked(program)
     work.wait_row("plain", Author="Bob O'Brien", Year="1999", Notes="one\r\ntwo\r\nthree\r\nfour", PinMame="1")
     wait_for(lambda: "three..." in program.text("lblComments"), "the notes summary")
+    program.wait_painted("lblComments")
+    program.check_tree_and_panels("All", "Attack", "plain", "Third")
     program.picture("saved")
 
 
@@ -181,6 +183,8 @@ def pictures(program, work):
     work.wait_row("plain", ImageFile=str(work.picture), FlyerFile=str(work.broken))
     program.click_tab(1)
     wait_for(lambda: program.visible("imgShot"), "the screenshot tab")
+    program.wait_painted("imgShot", 0.1)
+    shot = program.pixels("imgShot")
     program.picture("screenshot")
     program.click("imgShot")
     program.wait_window("screen shot.jpg")
@@ -192,7 +196,11 @@ def pictures(program, work):
     program.picture("undecodable flyer")
     program.click_tab(1)
     show_by_tree(program, "Attack")
+    embedded = program.wait_repainted("imgShot", shot)
+    program.wait_painted("imgShot", 0.1)
     program.picture("embedded screenshot")
+    show_by_tree(program, "plain")
+    program.wait_repainted("imgShot", embedded)
     program.click_tab(0)
 
 
@@ -240,6 +248,7 @@ def favourite(program, work):
     work.wait_row("Third", Favorite="0")
     program.click("cmdGo")
     wait_for(lambda: "plain" in program.items(), "all tables in the tree")
+    program.check_tree_and_panels("All", "Attack", "plain", "Third")
 
 
 def information(program, work):
@@ -260,6 +269,7 @@ def information(program, work):
         check_equal(program.text(f"txtInfo_{index}").replace("\n", "\r\n"), FULL[stream], stream)
     program.choose("cboCustom", "Custom Note")
     program.wait_text("txtCustom", "Only here")
+    program.wait_painted("picThm", 0.1)
     program.picture("information")
     program.click("cmdMail")
     program.click("cmdSite")
@@ -309,6 +319,7 @@ def delete(program, work):
     program.answer("alt+y")
     wait_for(lambda: "plain" not in program.items(), "the tree without the deleted table")
     wait_for(lambda: not work.row("plain"), "the end of the row")
+    program.check_tree_and_panels("All", "Attack", "Third")
     program.picture("deleted")
 
 

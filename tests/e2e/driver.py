@@ -10,6 +10,7 @@ Every wait is for a condition and ends with a message that says what did not com
 Environment: TAVOLO_BUILD names the build folder (bin/tavolo, plugins/generic/libtavolo_probe.so).
 """
 
+import hashlib
 import json
 import os
 import shutil
@@ -246,6 +247,21 @@ class Tavolo:
         box = wait_for(lambda: [w for w in self.windows() if w["class"].endswith("MessageBox")], "a message box", timeout)
         return box[0]["text"]
 
+    def messages(self):
+        """The texts of all message boxes; none when the program has ended."""
+        try:
+            return [w["text"] for w in self.windows() if w["class"].endswith("MessageBox")]
+        except (Failure, OSError):
+            check(self.has_ended(), "the program does not answer, and has not ended")
+            return []
+
+    def has_ended(self):
+        """Whether the program has ended; one that is ending is given the time for it."""
+        try:
+            return self.process.wait(0.5) is not None
+        except subprocess.TimeoutExpired:
+            return False
+
     def items(self, name="tvwDB"):
         return self.ask("items", name=name) or []
 
@@ -254,6 +270,57 @@ class Tavolo:
 
     def tab(self, index, name="DetTab"):
         return self.ask("tab", name=name, index=index)
+
+    # What is on the screen.
+
+    def ink(self, rect):
+        """The share of a rectangle's pixels that are much darker or lighter than most of it, as letters and pictures are."""
+        area = f"{rect['w']}x{rect['h']}+{rect['x']}+{rect['y']}"
+        taken = subprocess.run(["import", "-silent", "-window", "root", "-crop", area, "+repage", "-colorspace", "Gray", "-depth", "8", "gray:-"],
+                               env=self.desktop.env, check=True, capture_output=True).stdout
+        if not taken:
+            return 0.0
+        counts = [taken.count(bytes([value])) for value in range(256)]
+        most = counts.index(max(counts))
+        return sum(count for value, count in enumerate(counts) if abs(value - most) > 60) / len(taken)
+
+    def wait_painted(self, name, least=0.004):
+        """Waits until the visible widget shows something on the screen: a blank rectangle has no ink, a label's letters have some."""
+        wait_for(lambda: self.ink(self.widget(name)) >= least,
+                 f"something to be seen in {name} (it shows {self.ink(self.widget(name)):.4f})")
+
+    def wait_item_painted(self, text, name="tvwDB"):
+        """Waits until the letters of that item are on the screen."""
+        wait_for(lambda: self.ink(self._on_screen(text, name)) >= 0.02, f"the item {text!r} to be seen in {name}")
+
+    def _on_screen(self, text, name):
+        """The item's rectangle, cut to its view and without what is right of its first letters."""
+        item = wait_for(lambda: self.ask("item", name=name, text=text), f"the item {text!r} in {name}")
+        view = self.widget(name)
+        return dict(item, w=min(item["w"], 60, view["x"] + view["w"] - item["x"]))
+
+    def pixels(self, name):
+        """A signature of what the visible widget shows on the screen."""
+        rect = self.widget(name)
+        area = f"{rect['w']}x{rect['h']}+{rect['x']}+{rect['y']}"
+        taken = subprocess.run(["import", "-silent", "-window", "root", "-crop", area, "+repage", "rgb:-"], env=self.desktop.env,
+                               check=True, capture_output=True).stdout
+        return hashlib.sha256(taken).hexdigest()
+
+    def wait_repainted(self, name, before):
+        """Waits until the widget shows something else than when `before` was taken by pixels(); the new signature."""
+        return wait_for(lambda: (lambda now: now if now != before else None)(self.pixels(name)), f"another picture in {name}")
+
+    def times_painted(self, name):
+        """How often the program has painted widgets of that name."""
+        return self.ask("painted", name=name)
+
+    def check_tree_and_panels(self, *texts):
+        """The tree shows the letters of these items, the count of tables is on the screen, and no progress bar is left."""
+        for text in texts:
+            self.wait_item_painted(text)
+        self.wait_painted("sbrDB_1")
+        check(not self.visible("prgLoad"), "the progress bar is still there")
 
     # What a hand does.
 
@@ -348,6 +415,7 @@ class Tavolo:
     def answer(self, key="Return"):
         """Answers the message box in front by a key ("Return", "alt+y", "alt+n", "Escape") and waits for its end."""
         before = [w for w in self.windows() if w["class"].endswith("MessageBox")]
+        wait_for(lambda: self.desktop.active_window() in [w["id"] for w in before], "the keyboard in the message box")
         self.press(key)
         wait_for(lambda: len([w for w in self.windows() if w["class"].endswith("MessageBox")]) < max(1, len(before)),
                  "the end of the message box")

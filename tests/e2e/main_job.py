@@ -72,15 +72,19 @@ def first_start(program, tables, simulator):
     program.wait_window_gone("Settings")
     wait_for(lambda: table_nodes(program) == NAMES, f"the tables in the tree (it shows {table_nodes(program)})")
     check_equal(program.items()[0], "All", "the root")
+    program.check_tree_and_panels("All", *NAMES)
     program.picture("the tree")
 
 
 def browse(program):
     program.click_item("Attack")
     wait_for(lambda: program.visible("txtDet_2") and program.visible("txtDet_2")["text"] == "Attack", "the details of Attack")
+    program.check_tree_and_panels(*NAMES)
+    program.wait_painted("sbrDB_2")
     for index, text in {1: "1999", 4: "Bob O''Brien", 5: "1.1", 6: "Bally", 9: "Short and fast"}.items():
         check_equal(program.text(f"txtDet_{index}"), text, f"field {index}")
     wait_for(lambda: program.visible("lblComments") and program.text("lblComments") == "Short and fast", "the notes summary")
+    program.wait_painted("lblComments")
     program.picture("details")
 
 
@@ -112,6 +116,7 @@ def play(program, folder, log, end_file):
     wait_for(lambda: not any("Visual Pinball" in title for title in desktop.window_titles()), "the end of the simulator")
     wait_for(lambda: counted(2), "the second play as mdb-export reads it")
     wait_for(lambda: program.text("txtDet_2") == "Attack", "the details after the play")
+    program.check_tree_and_panels(*NAMES)
     program.picture("played")
 
 
@@ -123,18 +128,21 @@ def choose_filter(program):
     program.type_into("cboFilterDet", "Bally")
     program.click("cmdGo")
     wait_for(lambda: program.items()[:1] == ["Company = Bally"] and table_nodes(program) == ["Attack"], "one table of Bally")
+    program.check_tree_and_panels("Company = Bally", "Attack")
     program.picture("filtered")
     program.choose("cboFilter", "All")
     program.click("lblDirection")
     check_equal(table_nodes(program), ["Attack"], "the tree before Refresh Tree")
     program.click("cmdGo")
     wait_for(lambda: table_nodes(program) == NAMES[::-1], "the tree backwards")
+    program.check_tree_and_panels("All", *NAMES)
     program.click_item("Upper Deck")
     wait_for(lambda: program.text("txtDet_2") == "Upper Deck", "the details of Upper Deck")
 
 
 def second_start(program):
     wait_for(lambda: table_nodes(program) == NAMES[::-1], f"the same selection again (it shows {table_nodes(program)})")
+    program.check_tree_and_panels("All", *NAMES)
     check_equal(program.text("lblDirection"), "Desc", "the direction")
     wait_for(lambda: program.text("txtDet_2") == "Upper Deck", "the last table's details")
     check_equal(program.ask("item", name="tvwDB", text="Upper Deck")["selected"], True, "the last node is selected")

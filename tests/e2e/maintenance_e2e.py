@@ -58,6 +58,7 @@ def reset_file_dates(program, catalogue, work):
     program.message()
     program.answer("alt+y")
     catalogue.wait(lambda rows: rows["Bob's Table"]["FileDate"] == "2003-04-05 18:07:09", "the file date")
+    program.check_tree_and_panels("All", "Bob's Table")
 
 
 def reset_times_played(program, catalogue):
@@ -152,6 +153,7 @@ def purge(program, catalogue, work):
     program.answer("alt+y")
     catalogue.wait(lambda rows: sorted(rows) == ["Attack From Space", "Bob's Table", "Deep Dive"], "the purged rows")
     wait_for(lambda: "Grüße aus Köln" not in program.items(), "the rebuilt tree")
+    program.check_tree_and_panels("All", "Bob's Table", "Deep Dive")
 
 
 def backup(program, catalogue, folder):

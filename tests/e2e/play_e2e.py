@@ -172,6 +172,7 @@ def loud_play(program, folder, simulator):
     wait_for(lambda: window_state(program) == "Normal", "the restored window")
     wait_no_simulator(program)
     wait_for(lambda: is_painted(program), "the restored window on the screen")
+    program.check_tree_and_panels("All", FOO, BAR)
     check_played(folder, FOO, 2)
     program.picture("restored")
     program.menu("mnuOptions", "mnuSound")
@@ -216,14 +217,68 @@ def wine_play(program, folder, simulator, tables):
     program.picture("a Windows simulator was closed")
 
 
+def end_simulator(program, name):
+    """As its user does: it is asked to close."""
+    desktop = program.desktop
+    number = next(line.split()[0] for line in subprocess.run(["wmctrl", "-l"], env=desktop.env, capture_output=True, text=True).stdout.splitlines()
+                  if "Visual Pinball" in line and name in line)
+    subprocess.run(["wmctrl", "-i", "-c", number], env=desktop.env, check=True)
+    wait_no_simulator(program)
+
+
+def held_enter(program, folder, simulator):
+    """A key that is held down repeats itself, and plays once."""
+    simulator.begin()
+    program.click_item(BAR)
+    before = int(times_played(folder, BAR))
+    program.desktop.xdotool("keydown", "Return", "sleep", "1.5", "keyup", "Return")
+    wait_playing(program, BAR)
+    check_played(folder, BAR, before + 1)
+    check_equal((simulator.lines().count("shown"), simulator.lines().count("already open")), (1, 0), "simulators started by one press")
+    end_simulator(program, BAR)
+
+
+def close_during_a_play(program, folder, simulator, settings):
+    """The watch ends with the window: no message, the program ends, the simulator plays on, and the settings are there."""
+    simulator.begin()
+    program.double_click_item(FOO)
+    wait_playing(program, FOO)
+    program.double_click_item(FOO)
+    simulator.wait_line("already open")
+    program.desktop.close_window(program.main_window())
+    # A message box would keep the program, and is asked for while there is somebody to answer.
+    wait_for(lambda: program.has_ended() or program.messages(), "the end of the program, or a message")
+    check_equal(program.messages(), [], "messages while the program ends")
+    program.wait_end()
+    check(PLAYING.format(FOO) in program.desktop.window_titles(), "the simulator was closed with the program")
+    lines = settings.read_text().splitlines()
+    for key in ("LASTPLAY=", "WIDTH=", "FILTER=", "WINDOWSTATE="):
+        check_equal(len([line for line in lines if line.startswith(key)]), 1, f"{key} in the settings")
+    end_simulator(program, FOO)
+
+
+def no_executable(program, folder, simulator):
+    """Play asks for the executable, counts the play and opens the settings."""
+    before = int(times_played(folder, BAR))
+    for press in (1,):
+        program.click_item(BAR)
+        program.click("cmdPlay")
+        check_equal(program.message(), "Please Set the location of the VP executable", "the message without an executable")
+        program.answer()
+        program.wait_window("Settings")
+        check_equal(len([w for w in program.windows() if w["title"] == "Settings"]), 1, f"windows of settings after {press} presses")
+    program.picture("settings opened by Play")
+    check_played(folder, BAR, before + 1)
+    program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+
+
 def failures(program, folder, work, tables):
     vanishing = work / "gone" / "vp"
     vanishing.parent.mkdir()
     vanishing.write_text("#!/bin/sh\n")
     change_executable(program, vanishing)
     program.click_item(BAR)
-    check_played(folder, BAR, 2)  # of the nested play
-    before = 2
+    before = int(times_played(folder, BAR))
 
     program.click("cmdPlay")
     check_equal(program.message(), f"Permission denied. The file is not marked as a program: {vanishing}", "the message for a plain file")
@@ -263,7 +318,19 @@ def main():
                 loud_play(program, folder, simulator)
                 nested_play(program, simulator)
                 wine_play(program, folder, simulator, tables)
+                change_executable(program, BUILD / "bin" / "x11_simulator")
+                held_enter(program, folder, simulator)
+                settings = desktop.home / "config" / "TAVOLO.ini"
+                close_during_a_play(program, folder, simulator, settings)
+            with Tavolo(desktop, folder, env=dict(simulator.env, **wine)) as program:
                 failures(program, folder, work, tables)
+                program.close()
+            settings.write_text("".join(line for line in settings.read_text().splitlines(True) if not line.startswith("VPEXE=")))
+            (tables / f"{BAR}.vpt").touch()
+            with Tavolo(desktop, folder, env=dict(simulator.env, **wine)) as program:
+                program.wait_window("Settings")  # at a start without an executable
+                program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+                no_executable(program, folder, simulator)
                 program.close()
         finally:
             if shutil.which("wineserver"):

@@ -10,6 +10,8 @@
 //   {"op":"actions","menu":M}           the actions of the menu named M
 //   {"op":"menubar","name":M}           where the menu bar shows that menu's title
 //   {"op":"tab","name":N,"index":I}     a tab of the tab widget named N
+//   {"op":"painted","name":N}           how often widgets named N were painted since the start
+#include <QtCore/QHash>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -169,6 +171,23 @@ QJsonArray Windows() {
     return found;
 }
 
+// How often visible widgets of each name were painted.
+class PaintCounter final : public QObject {
+public:
+    int Count(const QString& name) const { return counts_.value(name); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && !watched->objectName().isEmpty())
+            ++counts_[watched->objectName()];
+        return false;
+    }
+
+private:
+    QHash<QString, int> counts_;
+};
+
+PaintCounter* g_painted = nullptr;  // lives as long as the application
+
 QJsonObject Answer(const QJsonObject& question) {
     const QString op = question[QStringLiteral("op")].toString();
     const QString name = question[QStringLiteral("name")].toString();
@@ -177,6 +196,7 @@ QJsonObject Answer(const QJsonObject& question) {
     };
     if (op == QLatin1String("widgets")) return reply(WidgetsNamed(name));
     if (op == QLatin1String("windows")) return reply(Windows());
+    if (op == QLatin1String("painted")) return reply(g_painted->Count(name));
     if (op == QLatin1String("actions"))
         return reply(ActionsOf(question[QStringLiteral("menu")].toString()));
     if (op == QLatin1String("menubar")) return reply(MenuTitle(name));
@@ -208,6 +228,9 @@ QJsonObject Answer(const QJsonObject& question) {
 class Probe final : public QObject {
 public:
     explicit Probe(const QString& socket_name) {
+        g_painted = new PaintCounter;
+        g_painted->setParent(qApp);
+        qApp->installEventFilter(g_painted);
         QLocalServer::removeServer(socket_name);
         connect(&server_, &QLocalServer::newConnection, this, [this] {
             QLocalSocket* socket = server_.nextPendingConnection();
