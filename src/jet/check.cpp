@@ -3,6 +3,7 @@
 #include "base/unicode.h"
 #include "jet/check_catalog.h"
 #include "jet/check_table.h"
+#include "jet/page_header_layout.h"
 #include "jet/rc4.h"
 
 #include <algorithm>
@@ -12,10 +13,6 @@
 namespace jet {
 namespace check {
 namespace {
-
-constexpr std::array<std::byte, 4> kHeaderKey{std::byte{0xC7}, std::byte{0xDA}, std::byte{0x39},
-                                              std::byte{0x6B}};
-constexpr std::size_t kMaskedAt = 0x18;
 
 // Access 2007 and later write this number into files of the older format.
 constexpr std::uint32_t kBuildOfLaterEngine = 4518;
@@ -40,31 +37,35 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
     }
     std::vector<std::byte> page(view->bytes().begin(), view->bytes().end());
     const bool jet4 = page.size() == 4096;
-    ApplyRc4(kHeaderKey, std::span(page).subspan(kMaskedAt, jet4 ? 128 : 126));
-    if (base::LoadLittle<std::uint32_t>(page.data()) != 0x100 ||
-        std::memcmp(page.data() + 4, "Standard Jet DB", 16) != 0 ||
-        base::LoadLittle<std::uint32_t>(page.data() + 0x14) != (jet4 ? 1U : 0U)) {
+    ApplyRc4(kMaskKey, std::span(page).subspan(kMaskStart, jet4 ? kMaskBytesJet4 : kMaskBytesJet3));
+    const std::span signature = std::span(page).subspan(kSignatureAt, kSignature.size() + 1);
+    if (base::LoadLittle<std::uint32_t>(page.data()) != kHeaderMark ||
+        std::memcmp(signature.data(), kSignature.data(), kSignature.size()) != 0 ||
+        signature.back() != std::byte{0} ||
+        base::LoadLittle<std::uint32_t>(page.data() + kVersionAt) !=
+            (jet4 ? kVersionJet4 : kVersionJet3)) {
         fault("is not the header of a database");
         return std::nullopt;
     }
-    if (base::LoadLittle<std::uint32_t>(page.data() + 0x3E) != 0) {
+    if (base::LoadLittle<std::uint32_t>(page.data() + kEncodingKey) != 0) {
         fault("says that the pages are encoded; they cannot be checked");
         return std::nullopt;
     }
-    for (std::uint32_t i = 0; i < 4; ++i)
-        if (base::LoadLittle<std::uint32_t>(page.data() + 0x20 + 4 * i) != 2 + i)
+    for (std::uint32_t i = 0; i < kSystemPages; ++i)
+        if (base::LoadLittle<std::uint32_t>(page.data() + kSystemPagesAt + 4 * i) !=
+            kObjectsPage + i)
             fault("the place of a system table is wrong");
-    if (LoadRowPointer(page.data() + 0x18) != RowPointer{1, 0})
+    if (LoadRowPointer(page.data() + kGlobalMapAt) != RowPointer{1, 0})
         fault("the place of the map of free pages is wrong");
-    const std::size_t words = jet4 ? 0xE00 : 0x600;
-    for (std::size_t i = 0; i < 256; ++i)
-        if (base::LoadLittle<std::uint16_t>(page.data() + words + 2 * i) < 0x100)
+    const std::size_t words = jet4 ? kCommitWordsJet4 : kCommitWordsJet3;
+    for (std::size_t i = 0; i < kCommitWordCount; ++i)
+        if (base::LoadLittle<std::uint16_t>(page.data() + words + 2 * i) < kNeutralCommitWord)
             fault("commit word " + std::to_string(i) + " says that a user vanished while writing");
     Header header;
-    if (!jet4) header.code_page = base::LoadLittle<std::uint16_t>(page.data() + 0x3C);
-    if (jet4) header.build = base::LoadLittle<std::uint32_t>(page.data() + 0x6A) & 0xFFFF;
-    header.global_map = LoadRowPointer(page.data() + 0x18);
-    header.second_map = LoadRowPointer(page.data() + 0x1C);
+    if (!jet4) header.code_page = base::LoadLittle<std::uint16_t>(page.data() + kCodePage);
+    if (jet4) header.build = base::LoadLittle<std::uint32_t>(page.data() + kBuild) & 0xFFFF;
+    header.global_map = LoadRowPointer(page.data() + kGlobalMapAt);
+    header.second_map = LoadRowPointer(page.data() + kSecondMapAt);
     return header;
 }
 

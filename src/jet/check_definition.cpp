@@ -1,6 +1,7 @@
 #include "jet/check_definition.h"
 
 #include "base/unicode.h"
+#include "jet/definition_layout.h"
 
 #include <algorithm>
 #include <set>
@@ -8,14 +9,15 @@
 namespace jet::check {
 namespace {
 
-constexpr std::uint32_t kDefinitionMagic = 1625;
-constexpr std::uint32_t kIndexMagic = 1923;
+// The most indexes that are read; far above what the format allows.
+constexpr std::uint32_t kMaxIndexesRead = 1000;
 
 // Reads one definition string from front to end; every step says what it missed by `failed`.
 class DefinitionReader {
 public:
     DefinitionReader(CheckRun& run, PageNumber page, std::vector<std::byte> bytes)
-        : run_(run), jet4_(run.format().jet4()), bytes_(std::move(bytes)) {
+        : run_(run), jet4_(run.format().jet4()), layout_(LayoutOf(run.format())),
+          column_layout_(jet4_ ? kColumnJet4 : kColumnJet3), bytes_(std::move(bytes)) {
         definition_.page = page;
     }
 
@@ -66,15 +68,15 @@ private:
     }
 
     void ReadFixedPart() {
-        at_ = 8;
+        at_ = kDefinitionLength;
         const auto length = Take<std::uint32_t>();
         if (length != bytes_.size()) Fault("the length of the definition is wrong");
-        if (jet4_) Expect(kDefinitionMagic, "the constant of the definition");
+        if (jet4_) Expect(kDefinitionMark, "the constant of the definition");
         definition_.rows = Take<std::uint32_t>();
         definition_.autonumber = Take<std::uint32_t>();
-        if (jet4_) Skip(16);
+        at_ = layout_.kind;
         const auto kind = Take<std::uint8_t>();
-        if (kind != 0x4E && kind != 0x53) Fault("the kind of the table is unknown");
+        if (kind != kUserTable && kind != kSystemTable) Fault("the kind of the table is unknown");
         definition_.columns_ever = Take<std::uint16_t>();
         definition_.variable_ever = Take<std::uint16_t>();
         column_count_ = Take<std::uint16_t>();
@@ -82,8 +84,10 @@ private:
         real_count_ = Take<std::uint32_t>();
         definition_.owned = TakePointer();
         definition_.free = TakePointer();
-        if (column_count_ > 255 || logical_count_ > 1000 || real_count_ > 1000) failed_ = true;
-        if (!failed_) Skip(real_count_ * (jet4_ ? 12U : 8U));
+        if (column_count_ > kMaxColumns || logical_count_ > kMaxIndexesRead ||
+            real_count_ > kMaxIndexesRead)
+            failed_ = true;
+        if (!failed_) Skip(real_count_ * layout_.index_counter_bytes);
     }
 
     void ReadColumns() {
@@ -97,33 +101,36 @@ private:
         Column column;
         const std::size_t start = at_;
         column.type = static_cast<ColumnType>(Take<std::uint8_t>());
-        if (jet4_) Expect(kDefinitionMagic, "the constant of a column");
+        if (jet4_) Expect(kDefinitionMark, "the constant of a column");
         column.number = Take<std::uint16_t>();
         column.variable_index = Take<std::uint16_t>();
-        Skip(jet4_ ? 2 : 4);
+        at_ = start + column_layout_.sort_order;
         column.sort_order = Take<std::uint16_t>();
-        if (jet4_) Skip(1);
-        if (jet4_) column.sort_version = Take<std::uint8_t>();
-        if (!jet4_) Skip(2);
+        if (jet4_) {
+            at_ = start + column_layout_.sort_version;
+            column.sort_version = Take<std::uint8_t>();
+        }
+        at_ = start + column_layout_.flags;
         column.flags = Take<std::uint8_t>();
-        if (jet4_) Skip(5);
+        at_ = start + column_layout_.fixed_offset;
         column.fixed_offset = Take<std::uint16_t>();
         column.length = Take<std::uint16_t>();
-        if (at_ != start + (jet4_ ? 25 : 18)) failed_ = true;
+        if (at_ != start + layout_.column_bytes) failed_ = true;
         if (!failed_) definition_.columns.push_back(std::move(column));
     }
 
     void ReadRealIndexes() {
         for (unsigned i = 0; i < real_count_ && !failed_; ++i) {
             RealIndex index;
-            if (jet4_) Expect(kIndexMagic, "the constant of an index");
+            const std::size_t start = at_;
+            if (jet4_) Expect(kRealIndexMark, "the constant of an index");
             for (unsigned part = 0; part < kMaxIndexColumns; ++part)
                 ReadIndexPart(index);
             index.map = TakePointer();
             index.root = Take<std::uint32_t>();
-            if (jet4_) Skip(4);
+            at_ = start + (jet4_ ? kRealIndexJet4 : kRealIndexJet3).flags;
             index.flags = Take<std::uint8_t>();
-            if (jet4_) Skip(5);
+            at_ = start + layout_.real_index_bytes;
             definition_.indexes.push_back(std::move(index));
         }
     }
@@ -131,7 +138,7 @@ private:
     void ReadIndexPart(RealIndex& index) {
         const auto number = Take<std::uint16_t>();
         const auto order = Take<std::uint8_t>();
-        if (failed_ || number == 0xFFFF) return;
+        if (failed_ || number == kNoColumn) return;
         const auto found = std::ranges::find(definition_.columns, number,
                                              [](const Column& c) { return c.number; });
         if (found == definition_.columns.end()) {
@@ -146,15 +153,16 @@ private:
     void ReadLogicalIndexes() {
         for (unsigned i = 0; i < logical_count_ && !failed_; ++i) {
             LogicalIndex index;
-            if (jet4_) Expect(kDefinitionMagic, "the constant of an index name");
+            const std::size_t start = at_;
+            if (jet4_) Expect(kDefinitionMark, "the constant of an index name");
             index.number = Take<std::uint32_t>();
             index.real = Take<std::uint32_t>();
             index.side = Take<std::uint8_t>();
             index.partner = Take<std::int32_t>();
             index.partner_table = Take<std::uint32_t>();
-            Skip(2);
+            at_ = start + (jet4_ ? kLogicalIndexJet4 : kLogicalIndexJet3).kind;
             index.kind = Take<std::uint8_t>();
-            if (jet4_) Skip(4);
+            at_ = start + layout_.logical_index_bytes;
             definition_.logical.push_back(std::move(index));
         }
         for (LogicalIndex& index : definition_.logical)
@@ -164,7 +172,7 @@ private:
     void ReadLongValueMaps() {
         while (!failed_) {
             const auto number = Take<std::uint16_t>();
-            if (number == 0xFFFF || failed_) return;
+            if (number == kEndOfDefinition || failed_) return;
             LongValueMaps maps;
             maps.owned = TakePointer();
             maps.free = TakePointer();
@@ -241,6 +249,8 @@ private:
 
     CheckRun& run_;
     bool jet4_;
+    const DefinitionLayout& layout_;
+    const ColumnLayout& column_layout_;
     std::vector<std::byte> bytes_;
     std::size_t at_ = 0;
     bool failed_ = false;
@@ -265,9 +275,10 @@ std::optional<std::vector<std::byte>> Assemble(CheckRun& run, PageNumber first,
             run.Fault(page, -1, "is not a definition page");
             return std::nullopt;
         }
-        const std::size_t skipped = page == first ? 0 : 8;
-        if (page == first) length = base::LoadLittle<std::uint32_t>(content.data() + 8);
-        if (length < 20) {
+        const std::size_t skipped = page == first ? 0 : kDefinitionPageHead;
+        if (page == first)
+            length = base::LoadLittle<std::uint32_t>(content.data() + kDefinitionLength);
+        if (length < LayoutOf(run.format()).index_counters) {
             run.Fault(page, -1, "the length of the definition is wrong");
             return std::nullopt;
         }
@@ -277,11 +288,12 @@ std::optional<std::vector<std::byte>> Assemble(CheckRun& run, PageNumber first,
         bytes.insert(bytes.end(), part.begin(), part.end());
         used_on_last = skipped + taken;
         last = page;
-        page = base::LoadLittle<std::uint32_t>(content.data() + 4);
-        const auto free = base::LoadLittle<std::uint16_t>(content.data() + 2);
+        page = base::LoadLittle<std::uint32_t>(content.data() + kNextDefinitionPage);
+        const auto free = base::LoadLittle<std::uint16_t>(content.data() + kDefinitionFreeBytes);
         if (!run.format().jet4()) continue;
         const std::size_t room = content.size() - used_on_last;
-        const std::size_t expected = page != 0 ? 0 : (room > 8 ? room - 8 : 0);
+        const std::size_t expected =
+            page != 0 || room < kDefinitionPageHead ? 0 : room - kDefinitionPageHead;
         if (free != expected)
             run.Fault(last, -1,
                       "says that " + std::to_string(free) + " bytes are free, but " +

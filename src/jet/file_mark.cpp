@@ -1,19 +1,21 @@
 #include "jet/file_mark.h"
 
+#include "jet/page_header_layout.h"
+
 #include <algorithm>
 #include <random>
 
 namespace jet {
 namespace {
 
-constexpr std::size_t kCommitWordsBytes = 512;
+constexpr std::size_t kCommitWordsBytes = 2 * kCommitWordCount;
 constexpr std::size_t kSectorSize = 512;
 constexpr std::byte kNeutralHighByte{1};
 
 }  // namespace
 
 std::size_t FileMarkOffset(std::uint32_t page_size) {
-    const std::size_t commit_words = page_size == 2048 ? 0x600 : 0xE00;
+    const std::size_t commit_words = page_size == 2048 ? kCommitWordsJet3 : kCommitWordsJet4;
     return commit_words + kCommitWordsBytes - kFileMarkBytes;
 }
 

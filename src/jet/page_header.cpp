@@ -1,7 +1,9 @@
 #include "jet/page_header.h"
 
+#include "jet/page_header_layout.h"
 #include "jet/rc4.h"
 #include "jet/storage_errors.h"
+#include "jet/table_definition.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,19 +15,6 @@ namespace {
 using base::LoadLittle;
 using base::StoreLittle;
 
-constexpr std::array kMaskKey = {std::byte{0xC7}, std::byte{0xDA}, std::byte{0x39},
-                                 std::byte{0x6B}};
-constexpr std::size_t kMaskStart = 0x18;
-constexpr std::size_t kMaskBytesJet4 = 128;
-constexpr std::size_t kMaskBytesJet3 = 126;
-constexpr std::size_t kEncodingKey = 0x3E;
-constexpr std::size_t kCodePage = 0x3C;
-constexpr std::size_t kPassword = 0x42;
-constexpr std::size_t kPasswordBytesJet4 = 40;
-constexpr std::size_t kPasswordBytesJet3 = 20;
-constexpr std::size_t kBuild = 0x6A;
-constexpr std::size_t kCreated = 0x72;
-constexpr std::size_t kCommitWords = 0xE00;
 constexpr std::uint32_t kBuildNumber = 9756;  // of the last engines that wrote the format
 
 using Head = std::array<std::byte, kMaskStart + kMaskBytesJet4>;
@@ -62,10 +51,8 @@ bool AnySet(std::span<const std::byte> bytes) {
     return std::ranges::any_of(bytes, [](std::byte b) { return b != std::byte{0}; });
 }
 
-constexpr std::string_view kSignature = "Standard Jet DB";
-
 std::string_view Signature(std::span<const std::byte> head) {
-    return {reinterpret_cast<const char*>(head.data()) + 4, kSignature.size()};
+    return {reinterpret_cast<const char*>(head.data()) + kSignatureAt, kSignature.size()};
 }
 
 }  // namespace
@@ -75,7 +62,8 @@ std::optional<std::string_view> OtherFormat(std::span<const std::byte> head) {
     if (signature == "Standard ACE DB")
         return "the file was made by a newer version of the database engine (.accdb)";
     if (signature == "MSISAM Database") return "the file is an encrypted database";
-    if (signature == kSignature && LoadLittle<std::uint32_t>(head.data() + 0x14) > 1)
+    if (signature == kSignature &&
+        LoadLittle<std::uint32_t>(head.data() + kVersionAt) > kVersionJet4)
         return "the file was made by a newer version of the database engine";
     return std::nullopt;
 }
@@ -87,7 +75,7 @@ base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page, std::st
     if (const auto other = OtherFormat(head)) return errors::UnsupportedDatabase(path, *other);
     if (Signature(head) != kSignature) return errors::NotADatabase(path);
     PageHeader header;
-    header.version = LoadLittle<std::uint32_t>(head.data() + 0x14) == 0 ? 3 : 4;
+    header.version = LoadLittle<std::uint32_t>(head.data() + kVersionAt) == kVersionJet3 ? 3 : 4;
     if (page.size() != FormatOf(header.version).page_size) return errors::NotADatabase(path);
     ApplyMask(head, header.version);
     header.encoding_key = LoadLittle<std::uint32_t>(head.data() + kEncodingKey);
@@ -107,23 +95,24 @@ base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page, std::st
 std::vector<std::byte> MakePageHeader(double created) {
     std::vector<std::byte> page(FormatOf(4).page_size);
     std::byte* at = page.data();
-    StoreLittle<std::uint32_t>(at, 0x100);
-    std::memcpy(at + 4, "Standard Jet DB", 16);
-    StoreLittle<std::uint32_t>(at + 0x14, 1);
-    StoreRowPointer(at + 0x18, {1, 0});
-    StoreRowPointer(at + 0x1C, {1, 1});
-    for (std::uint32_t system = 0; system < 4; ++system)
-        StoreLittle(at + 0x20 + 4 * system, kObjectsPage + system);
+    StoreLittle(at, kHeaderMark);
+    std::memcpy(at + kSignatureAt, kSignature.data(), kSignature.size());
+    StoreLittle(at + kVersionAt, kVersionJet4);
+    StoreRowPointer(at + kGlobalMapAt, {1, 0});
+    StoreRowPointer(at + kSecondMapAt, {1, 1});
+    for (std::uint32_t system = 0; system < kSystemPages; ++system)
+        StoreLittle(at + kSystemPagesAt + 4 * system, kObjectsPage + system);
     StoreLittle<std::uint16_t>(at + kCodePage, 1252);
     StoreLittle(at + kBuild, kBuildNumber);
-    StoreLittle<std::uint16_t>(at + 0x6E, 0x0409);
+    StoreLittle(at + kSortOrderAt, kSortOrderGeneral);
     base::StoreDouble(at + kCreated, created);
     ApplyPasswordMask(page);
     ApplyMask(page, 4);
-    StoreLittle<std::uint16_t>(at + 0x98, 1620);
-    std::memcpy(at + 0x9C, "4.0", 4);
-    for (std::size_t slot = 0; slot < 256; ++slot)
-        StoreLittle<std::uint16_t>(at + kCommitWords + 2 * slot, slot == 0 ? 0x0101 : 0x0100);
+    StoreLittle(at + kAfterMaskAt, kAfterMask);
+    std::memcpy(at + kFormatTextAt, kFormatText.data(), kFormatText.size());
+    for (std::size_t slot = 0; slot < kCommitWordCount; ++slot)
+        StoreLittle(at + kCommitWordsJet4 + 2 * slot, kNeutralCommitWord);
+    StoreLittle<std::uint16_t>(at + kCommitWordsJet4, kNeutralCommitWord + 1);
     return page;
 }
 

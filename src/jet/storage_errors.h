@@ -1,5 +1,5 @@
-// The engine's errors as Status values: number and text as users of this kind of database know
-// them. Names are UTF-16 as in the file; the texts are UTF-8.
+// The engine's errors as Status values. The comments give the error numbers. Names are UTF-16, as in
+// the file; the texts are UTF-8.
 #pragma once
 
 #include "base/status.h"
@@ -29,7 +29,7 @@ base::Status TooManyFields();                                                   
 base::Status TooManyIndexes(std::u16string_view table);                           // 3626
 base::Status NoFieldDefined();                                                    // 3264
 base::Status NotAValidName(std::u16string_view name);                             // 3125
-base::Status InvalidIndex(std::u16string_view index);        // 3283 family: wrong columns
+base::Status InvalidIndex(std::u16string_view index);        // 3291: its columns are wrong
 base::Status FieldInUse(std::u16string_view column);         // 3280
 base::Status DuplicateKey();                                 // 3022
 base::Status NullInIndex();                                  // 3058

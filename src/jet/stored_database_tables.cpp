@@ -10,8 +10,6 @@
 namespace jet {
 namespace {
 
-constexpr std::uint8_t kUserTable = 0x4E;  // 'N'
-
 base::Status CheckDesign(const FileContext& file, const TableDesign& design) {
     if (!IsValidName(design.name)) return errors::NotAValidName(design.name);
     if (design.columns.empty()) return errors::NoFieldDefined();

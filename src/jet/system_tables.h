@@ -6,8 +6,6 @@
 
 namespace jet {
 
-inline constexpr std::uint8_t kSystemTable = 0x53;  // 'S'
-
 // The page that holds all their page maps.
 inline constexpr PageNumber kSystemMapPage = 6;
 inline constexpr PageNumber kFirstSystemIndex = 7;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "jet/definition_layout.h"
 #include "jet/format.h"
 #include "jet/text_codec.h"
 #include "jet/value.h"
@@ -87,7 +88,7 @@ struct LogicalIndex {
     std::int32_t partner = -1;  // logical index number in the other table
     PageNumber other_table = 0;
     std::uint8_t cascade_updates = 4;  // 1 yes, 0 no, 4 no relation
-    std::uint8_t cascade_deletes = 4;
+    std::uint8_t cascade_deletes = 4;  // the same, and 2: set to null
     IndexKind kind = IndexKind::kPlain;
     std::u16string name;
 };
@@ -103,7 +104,7 @@ struct TableDefinition {
     std::vector<PageNumber> pages;  // all pages of the definition, `page` first
     std::uint32_t rows = 0;
     std::uint32_t last_autonumber = 0;
-    std::uint8_t kind = 0x4E;  // 'N' user, 'S' system
+    std::uint8_t kind = kUserTable;
     std::uint16_t columns_ever = 0;
     std::uint16_t variables_ever = 0;
     RowPointer owned;

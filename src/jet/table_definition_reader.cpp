@@ -11,6 +11,8 @@ namespace {
 // Far above what 255 columns and their indexes need.
 constexpr std::size_t kMaxDefinitionBytes = 1U << 20;
 constexpr std::size_t kMaxIndexesRead = 4096;
+// No definition that has a column is shorter.
+constexpr std::size_t kLeastDefinitionBytes = 64;
 
 struct DefinitionBytes {
     std::vector<std::byte> bytes;
@@ -32,65 +34,81 @@ base::Result<DefinitionBytes> Gather(PageStore& store, PageNumber page) {
         if (first) length = base::LoadLittle<std::uint32_t>(bytes.data() + kDefinitionLength);
         if (gathered.bytes.size() > kMaxDefinitionBytes)
             return errors::DamagedPage(page, "the table definition does not end");
-        next = base::LoadLittle<std::uint32_t>(bytes.data() + 4);
+        next = base::LoadLittle<std::uint32_t>(bytes.data() + kNextDefinitionPage);
     }
-    if (length > gathered.bytes.size() || length < 64)
+    if (length > gathered.bytes.size() || length < kLeastDefinitionBytes)
         return errors::DamagedPage(page, "the table definition is cut short");
     gathered.bytes.resize(length);
     return gathered;
 }
 
-ColumnDefinition ParseColumn(std::span<const std::byte> d, bool jet4) {
-    using base::LoadLittle;
-    ColumnDefinition column;
-    const std::byte* at = d.data();
-    const std::size_t shift = jet4 ? 5 : 1;
-    column.type = static_cast<ColumnType>(d[0]);
-    column.number = LoadLittle<std::uint16_t>(at + shift);
-    column.variable_index = LoadLittle<std::uint16_t>(at + shift + 2);
-    column.ordinal = LoadLittle<std::uint16_t>(at + shift + 4);
-    const std::size_t sort = jet4 ? 11 : 9;
-    if (column.type == ColumnType::kNumeric) {
-        column.precision = std::to_integer<std::uint8_t>(d[11]);
-        column.scale = std::to_integer<std::uint8_t>(d[12]);
-    } else {
-        column.sort_order = LoadLittle<std::uint16_t>(at + sort);
-        if (jet4)
-            column.sort_version = std::to_integer<std::uint8_t>(d[14]);
-        else
-            column.code_page = LoadLittle<std::uint16_t>(at + 11);
+// Fields of one descriptor, by the offsets of its layout.
+class Fields {
+public:
+    explicit Fields(std::span<const std::byte> bytes) : bytes_(bytes) {}
+    template <std::integral T>
+    T At(std::size_t offset) const {
+        return base::LoadLittle<T>(bytes_.data() + offset);
     }
-    column.flags = std::to_integer<std::uint8_t>(d[jet4 ? 15 : 13]);
-    if (jet4) column.extended_flags = std::to_integer<std::uint8_t>(d[16]);
-    column.fixed_offset = LoadLittle<std::uint16_t>(at + (jet4 ? 21 : 14));
-    column.length = LoadLittle<std::uint16_t>(at + (jet4 ? 23 : 16));
+    std::uint8_t ByteAt(std::size_t offset) const { return At<std::uint8_t>(offset); }
+    RowPointer PointerAt(std::size_t offset) const {
+        return LoadRowPointer(bytes_.data() + offset);
+    }
+
+private:
+    std::span<const std::byte> bytes_;
+};
+
+ColumnDefinition ParseColumn(Fields fields, bool jet4) {
+    const ColumnLayout& layout = jet4 ? kColumnJet4 : kColumnJet3;
+    ColumnDefinition column;
+    column.type = static_cast<ColumnType>(fields.ByteAt(layout.type));
+    column.number = fields.At<std::uint16_t>(layout.number);
+    column.variable_index = fields.At<std::uint16_t>(layout.variable_index);
+    column.ordinal = fields.At<std::uint16_t>(layout.ordinal);
+    if (jet4 && column.type == ColumnType::kNumeric) {
+        column.precision = fields.ByteAt(layout.precision);
+        column.scale = fields.ByteAt(layout.scale);
+    } else {
+        column.sort_order = fields.At<std::uint16_t>(layout.sort_order);
+        if (jet4)
+            column.sort_version = fields.ByteAt(layout.sort_version);
+        else
+            column.code_page = fields.At<std::uint16_t>(layout.code_page);
+    }
+    column.flags = fields.ByteAt(layout.flags);
+    if (jet4) column.extended_flags = fields.ByteAt(layout.extended_flags);
+    column.fixed_offset = fields.At<std::uint16_t>(layout.fixed_offset);
+    column.length = fields.At<std::uint16_t>(layout.length);
     return column;
 }
 
-RealIndex ParseRealIndex(std::span<const std::byte> d, bool jet4) {
+RealIndex ParseRealIndex(Fields fields, bool jet4) {
+    const RealIndexLayout& layout = jet4 ? kRealIndexJet4 : kRealIndexJet3;
     RealIndex index;
-    const std::byte* at = d.data() + (jet4 ? 4 : 0);
     for (std::size_t i = 0; i < kMaxIndexColumns; ++i) {
-        const auto column = base::LoadLittle<std::uint16_t>(at + 3 * i);
-        if (column != 0xFFFF) index.columns.push_back({column, at[3 * i + 2] != std::byte{0}});
+        const std::size_t at = layout.columns + kIndexColumnBytes * i;
+        const auto column = fields.At<std::uint16_t>(at);
+        if (column != kNoColumn)
+            index.columns.push_back({column, fields.ByteAt(at + kIndexColumnOrder) != 0});
     }
-    index.map = LoadRowPointer(at + 30);
-    index.root = base::LoadLittle<std::uint32_t>(at + 34);
-    index.flags = std::to_integer<std::uint8_t>(at[jet4 ? 42 : 38]);
+    index.map = fields.PointerAt(layout.map);
+    index.root = fields.At<std::uint32_t>(layout.root);
+    index.flags = fields.ByteAt(layout.flags);
     return index;
 }
 
-LogicalIndex ParseLogicalIndex(std::span<const std::byte> d, bool jet4) {
+LogicalIndex ParseLogicalIndex(Fields fields, bool jet4) {
+    const LogicalIndexLayout& layout = jet4 ? kLogicalIndexJet4 : kLogicalIndexJet3;
     LogicalIndex index;
-    const std::byte* at = d.data() + (jet4 ? 4 : 0);
-    index.number = base::LoadLittle<std::uint32_t>(at);
-    index.real = base::LoadLittle<std::uint32_t>(at + 4);
-    index.side = static_cast<RelationSide>(at[8]);
-    index.partner = base::LoadLittle<std::int32_t>(at + 9);
-    index.other_table = base::LoadLittle<std::uint32_t>(at + 13);
-    index.cascade_updates = std::to_integer<std::uint8_t>(at[17]);
-    index.cascade_deletes = std::to_integer<std::uint8_t>(at[18]);
-    index.kind = static_cast<IndexKind>(at[19]);
+    index.number = fields.At<std::uint32_t>(layout.number);
+    index.real = fields.At<std::uint32_t>(layout.real);
+    index.side = static_cast<RelationSide>(fields.ByteAt(layout.side));
+    index.partner = fields.At<std::int32_t>(layout.partner);
+    index.other_table = fields.At<std::uint32_t>(layout.other_table);
+    index.cascade_updates = fields.ByteAt(layout.cascade_updates);
+    index.cascade_deletes = fields.ByteAt(layout.cascade_deletes);
+    index.kind = static_cast<IndexKind>(fields.ByteAt(layout.kind));
     return index;
 }
 
@@ -146,7 +164,7 @@ private:
         for (ColumnDefinition& column : definition_.columns) {
             const auto piece = cursor.TakeBytes(layout_.column_bytes);
             if (cursor.failed()) return;
-            column = ParseColumn(piece, jet4_);
+            column = ParseColumn(Fields(piece), jet4_);
         }
         for (ColumnDefinition& column : definition_.columns)
             column.name = TakeName(cursor, text_);
@@ -157,14 +175,14 @@ private:
             const auto piece = cursor.TakeBytes(layout_.real_index_bytes);
             if (cursor.failed()) return;
             const RealIndex counters = index;
-            index = ParseRealIndex(piece, jet4_);
+            index = ParseRealIndex(Fields(piece), jet4_);
             index.entries_when_compacted = counters.entries_when_compacted;
             index.distinct_keys = counters.distinct_keys;
         }
         for (LogicalIndex& index : definition_.logical_indexes) {
             const auto piece = cursor.TakeBytes(layout_.logical_index_bytes);
             if (cursor.failed()) return;
-            index = ParseLogicalIndex(piece, jet4_);
+            index = ParseLogicalIndex(Fields(piece), jet4_);
         }
         for (LogicalIndex& index : definition_.logical_indexes)
             index.name = TakeName(cursor, text_);

@@ -61,8 +61,8 @@ private:
         out_.resize(layout_.index_counters);
         std::byte* at = out_.data();
         if (jet4_) {
-            base::StoreLittle(at + 12, kDefinitionMark);
-            base::StoreLittle<std::uint32_t>(at + 24, 1);  // step of the autonumber
+            base::StoreLittle(at + kDefinitionMarkAt, kDefinitionMark);
+            base::StoreLittle<std::uint32_t>(at + kAutonumberStep, 1);
         }
         const auto count16 = [](std::size_t n) { return static_cast<std::uint16_t>(n); };
         const auto count32 = [](std::size_t n) { return static_cast<std::uint32_t>(n); };
@@ -111,7 +111,7 @@ private:
         if (jet4_) base::AppendLittle(out_, kRealIndexMark);
         for (std::size_t i = 0; i < kMaxIndexColumns; ++i) {
             const bool used = i < index.columns.size();
-            base::AppendLittle<std::uint16_t>(out_, used ? index.columns[i].column : 0xFFFF);
+            base::AppendLittle<std::uint16_t>(out_, used ? index.columns[i].column : kNoColumn);
             AppendByte(out_, used && index.columns[i].ascending ? 1 : 0);
         }
         AppendPointer(out_, index.map);
@@ -185,10 +185,9 @@ void WritePage(std::span<std::byte> page, std::span<const std::byte> content, Pa
     page[1] = std::byte{1};
     const std::size_t used = content_at + content.size() + kDefinitionPageHead;
     const std::size_t free = next != 0 || used > page.size() ? 0 : page.size() - used;
-    // Jet 3 has the letters "VC" in this place.
-    base::StoreLittle<std::uint16_t>(page.data() + 2,
-                                     jet4 ? static_cast<std::uint16_t>(free) : 0x4356);
-    base::StoreLittle(page.data() + 4, next);
+    base::StoreLittle<std::uint16_t>(page.data() + kDefinitionFreeBytes,
+                                     jet4 ? static_cast<std::uint16_t>(free) : kJet3HeadText);
+    base::StoreLittle(page.data() + kNextDefinitionPage, next);
 }
 
 }  // namespace
