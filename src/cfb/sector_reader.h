@@ -1,5 +1,5 @@
-// SectorReader: sectors of a compound file. What is looked at piece by piece (FAT, directory, mini
-// stream) comes through a cache of 4 KB blocks, each read once; long runs of a stream go straight
+// SectorReader: sectors of a compound file. Small reads (FAT, directory, mini
+// stream) go through a cache of 4 KB blocks, each read once; long runs of a stream are read directly
 // into the caller's memory. A file that ends inside its last sector is read as if zeros followed.
 // Errors: kCorruption (a sector outside the file), kIoError.
 #pragma once

@@ -1,4 +1,4 @@
-// QtUserEvents: lets the windows live during long work on the user-interface thread.
+// QtUserEvents: processes pending window events during long work on the user-interface thread.
 #pragma once
 
 #include "platform/user_events.h"

@@ -3,7 +3,6 @@
 
 #include "jet/check_run.h"
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>

@@ -88,7 +88,7 @@ base::Status Journal::Sync() {
     return {};
 }
 
-// The same bytes over themselves: nobody can see a difference, but the system takes them for new.
+// Rewrites the same bytes: the content does not change, but the system marks the pages dirty again.
 // Commits that are appended meanwhile lie behind the size asked for here.
 base::Status Journal::WriteAnew() {
     constexpr std::uint64_t kAtOnce = 1U << 20;

@@ -51,7 +51,7 @@ OwnerFile::OwnerFile(FileSystem& files, std::filesystem::path path, std::unique_
     : files_(files), path_(std::move(path)), file_(std::move(file)) {}
 
 OwnerFile::~OwnerFile() {
-    // Removed while it is still locked: nobody takes it over in between.
+    // Removed while it is still locked, so that no other process takes it over in between.
     files_.Remove(path_).Ignore();
 }
 

@@ -1,6 +1,6 @@
-// PageCache: pages of a file kept in memory, up to a limit; the ones not asked for lately go first.
-// A page that somebody still looks at lives on in his view. Threads: none; the store that owns it
-// sees to that.
+// PageCache: pages of a file in memory, up to a limit; evicts by the clock algorithm. An evicted
+// page stays valid in the views that hold it. Threads: not synchronised; the store that owns the
+// cache does that.
 #pragma once
 
 #include "jet/page_transaction.h"

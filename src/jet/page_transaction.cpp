@@ -30,7 +30,7 @@ std::span<std::byte> PageTransaction::ChangeAgain(PageNumber page) {
     const auto found = pages_.find(page);
     if (found == pages_.end()) return {};
     std::shared_ptr<PageBytes>& after = found->second.after;
-    // Somebody still looks at it: his view keeps the old bytes.
+    // Copy on write: a view that still holds the page keeps the old bytes.
     if (after.use_count() > 1) after = std::make_shared<PageBytes>(*after);
     return *after;
 }

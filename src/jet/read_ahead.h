@@ -1,5 +1,5 @@
-// ReadAhead: how many pages to fetch when one is missing. One for a page out of the blue, ever more
-// for pages asked for one after the other, as a walk through a table does.
+// ReadAhead: how many pages to fetch when one is missing. One for a random read; for sequential
+// reads, as in a table scan, the number doubles each time up to a limit.
 #pragma once
 
 #include "jet/page_store.h"

@@ -19,7 +19,7 @@ void RowPages::Forget() {
     candidate_ = 0;
 }
 
-// `worth_keeping`: enough is free for another row some day.
+// `worth_keeping`: enough is free for a later, smaller row.
 base::Result<bool> RowPages::HasRoom(PageNumber number, std::size_t bytes, bool& worth_keeping) {
     ASSIGN_OR_RETURN(const PageView view, file_.store.Read(number));
     const auto page = DataPage::Parse(view.bytes(), file_.format);

@@ -1,5 +1,5 @@
 // RowRules: the validation rules of a table's design, ready to be tested. The storage layer keeps
-// them and asks them before it stores a row; whoever understands the rules' texts makes them.
+// them and checks them before it stores a row; the SQL layer, which parses the rules, makes them.
 #pragma once
 
 #include "base/status.h"

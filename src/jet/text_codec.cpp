@@ -57,9 +57,9 @@ Bytes EncodeWide(std::u16string_view text) {
     return bytes;
 }
 
-// A text that begins with U+FEFF would be taken for a compressed one. It is stored compressed, as
-// two bytes a character throughout; a character that this cannot hold makes the mark itself fall
-// away, which nobody sees.
+// A text that begins with U+FEFF would be read as a compressed one. It is stored compressed, in
+// wide mode throughout; if it holds a character that wide mode cannot store, the leading U+FEFF,
+// which is invisible, is dropped instead.
 Bytes EncodeMarked(std::u16string_view text) {
     const auto holds = [](char16_t unit) { return (unit & 0xFF) != 0 && unit >> 8 != 0; };
     const auto narrow = [](char16_t unit) { return unit >= 1 && unit <= 0xFF; };

@@ -1,5 +1,5 @@
-// Long work on the user-interface thread lets the windows live: ProcessEvents once per item. And the small status window
-// that says what is going on. Implemented by the windows; recorded by tests.
+// UserEvents: long work on the user-interface thread calls ProcessEvents once per item, so that windows repaint and react.
+// StatusDisplay: the small window that shows what is in progress. Implemented by the windows; recorded by tests.
 #pragma once
 
 #include <QtCore/QString>

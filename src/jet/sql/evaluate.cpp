@@ -71,7 +71,7 @@ Result<Truth> LogicChain(const Expression& chain, EvalContext& context) {
     return truth;
 }
 
-// `x <> NULL` with the word on the right asks whether x has a value; so the engine has always done.
+// `x <> NULL` with the word on the right asks whether x has a value; Jet's own rule.
 Result<Truth> CompareOnce(Operator op, const Value& left, const Expression& right,
                           EvalContext& context) {
     if (op == Operator::kNotEqual && IsNullLiteral(right)) return ToTruth(!left.is_null());
