@@ -5,6 +5,7 @@
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
+#include "catalogue/error_report.h"
 #include "dialogs/program_version.h"
 #include "dialogs/qt_user_prompts.h"
 #include "platform/file_system.h"
@@ -55,7 +56,7 @@ int RunProgram(const QString& folder_argument) {
     dialogs::QtUserPrompts prompts;
     const base::Status opened = catalogue::Main(catalogue);
     if (!opened.ok()) {
-        prompts.Ask({QString::fromStdString(opened.message()), {}});
+        catalogue::ShowError(prompts, opened);
         return 1;
     }
 

@@ -5,6 +5,7 @@
 #include "browser/detail_record.h"
 #include "browser/notes_summary.h"
 #include "browser/rules_file.h"
+#include "catalogue/error_report.h"
 #include "platform/files.h"
 #include "tableinfo/storage_tools.h"
 
@@ -23,14 +24,6 @@ constexpr std::size_t At(int index) {
 constexpr QStringView kLoadingScreenShot = u"Loading Screen Shot";
 constexpr QStringView kLoadingFlyer = u"Loading Flyer Pic";
 constexpr QStringView kLoadingRules = u"Loading Rules PIc";
-
-// A box with the program's title and an OK button.
-platform::Message Told(const QString& text, platform::MessageIcon icon) {
-    platform::Message message;
-    message.text = text;
-    message.icon = icon;
-    return message;
-}
 
 platform::Message DeleteQuestion() {
     platform::Message question;
@@ -250,8 +243,7 @@ void DetailPanel::Impl::Save() {
     const DetailRecord record = EditedRecord();
     if (record.fields[kId].isEmpty()) return;
     if (const auto field = FirstMissingFile(record)) {
-        prompts_.Ask(Told(QStringLiteral("Please select a valid file name or leave blank"),
-                          platform::MessageIcon::kNone));
+        prompts_.Ask({QStringLiteral("Please select a valid file name or leave blank"), {}});
         return GoToField(*field);
     }
     if (const auto saved = SaveDetailRecord(connection(), record); !saved.ok())
@@ -311,8 +303,7 @@ void DetailPanel::Impl::ReadRules() {
 }
 
 void DetailPanel::Impl::Report(const base::Status& status) {
-    prompts_.Ask(
-        Told(QString::fromStdString(status.message()), platform::MessageIcon::kExclamation));
+    catalogue::ShowError(prompts_, status);
 }
 
 DetailPanel::DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,

@@ -6,6 +6,7 @@
 #include "browser/status_panels.h"
 #include "browser/utilities_menu.h"
 #include "browser/wait_until_shown.h"
+#include "catalogue/error_report.h"
 #include "catalogue/selection.h"
 #include "dialogs/program_version.h"
 #include "platform/application_folder.h"
@@ -192,9 +193,7 @@ void frmPinball::RestoreControls(const MainWindowSettings& settings) {
 void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
     const auto rows = catalogue_.CatalogueConnection->Execute(u"select * from tables");
     if (!rows.ok()) {
-        prompts_.Ask({QString::fromStdString(rows.status().message()),
-                      {},
-                      platform::MessageIcon::kCritical});
+        catalogue::ShowError(prompts_, rows.status());
         return;
     }
     catalogue_is_empty_ = rows->Bof() && rows->Eof();

@@ -1,5 +1,6 @@
 #include "browser/table_info_command.h"
 
+#include "catalogue/error_report.h"
 #include "tableinfo/frmReadVPT.h"
 #include "tableinfo/storage_tools.h"
 #include "tableinfo/update_from_table_files.h"
@@ -28,13 +29,6 @@ platform::Message NoInformation() {
     return message;
 }
 
-platform::Message Failure(const base::Status& status) {
-    platform::Message message;
-    message.text = QString::fromStdString(status.message());
-    message.icon = platform::MessageIcon::kExclamation;
-    return message;
-}
-
 constexpr int kShowProgress = 1;
 
 }  // namespace
@@ -52,8 +46,8 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
 
 void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
                         platform::UserPrompts& prompts, const std::function<void()>& refresh_tree) {
-    const auto updated = tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status);
-    if (!updated.ok()) prompts.Ask(Failure(updated));
+    catalogue::ShowError(prompts,
+                         tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status));
     refresh_tree();
 }
 

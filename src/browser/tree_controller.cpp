@@ -1,5 +1,6 @@
 #include "browser/tree_controller.h"
 
+#include "catalogue/error_report.h"
 #include "platform/files.h"
 
 #include <QtWidgets/QMenu>
@@ -101,10 +102,8 @@ void TreeController::ShowPopup(int x_twips, const QPoint& position) {
 
 void TreeController::ToggleSelectedFavorite() {
     if (!IsTable(parts_.tree.currentIndex())) return;
-    const base::Status done = ToggleFavorites(*parts_.catalogue.CatalogueConnection, *this);
-    if (!done.ok())
-        parts_.prompts.Ask(
-            {QString::fromStdString(done.message()), {}, platform::MessageIcon::kCritical});
+    catalogue::ShowError(parts_.prompts,
+                         ToggleFavorites(*parts_.catalogue.CatalogueConnection, *this));
 }
 
 bool TreeController::TreeIsEmpty() const {

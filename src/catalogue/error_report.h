@@ -1,4 +1,4 @@
-// How a failure that a command does not expect is told to the user.
+// How a failure that a command has no words of its own for is told to the user: everywhere in this way.
 #pragma once
 
 #include "base/status.h"
@@ -8,7 +8,7 @@
 
 namespace catalogue {
 
-// A box with the failure's own description. Does nothing when `status` is ok.
+// A box with the failure's own description, the program's title and the exclamation icon. Does nothing when `status` is ok.
 inline void ShowError(platform::UserPrompts& prompts, const base::Status& status) {
     if (status.ok()) return;
     platform::Message message;

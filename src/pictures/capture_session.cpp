@@ -1,5 +1,6 @@
 #include "pictures/capture_session.h"
 
+#include "catalogue/error_report.h"
 #include "pictures/jpeg_bridge.h"
 #include "platform/application_folder.h"
 
@@ -93,9 +94,7 @@ QString CaptureSession::SizeText() const {
 }
 
 void CaptureSession::ReportStatus(const base::Status& status) {
-    prompts_.Ask({.text = QString::fromStdString(status.message()),
-                  .title = {},
-                  .icon = platform::MessageIcon::kExclamation});
+    catalogue::ShowError(prompts_, status);
 }
 
 }  // namespace pictures

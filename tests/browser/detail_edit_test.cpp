@@ -187,6 +187,7 @@ TEST_F(DetailEditTest, ATextTooLongForItsColumnIsToldAndNothingIsLost) {
     Click("cmdChange");
     ASSERT_EQ(prompts.messages.size(), 1u);
     EXPECT_FALSE(prompts.messages[0].text.isEmpty());
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
     EXPECT_TRUE(panel->record_changed());
     EXPECT_EQ(Line(6)->text(), text);
     EXPECT_EQ(Stored(QStringLiteral("Author"), QStringLiteral("Attack")), QString());

@@ -149,6 +149,15 @@ TEST_F(MainWindowWithTables, AKnownExecutableAndAFilledCatalogueAskNothing) {
     EXPECT_FALSE(RefreshPending());
 }
 
+TEST_F(MainWindowWithTables, ACatalogueThatCannotBeReadIsTold) {
+    connection->Close().Ignore();
+    Open();
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_FALSE(prompts.messages[0].text.isEmpty());
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
+    EXPECT_TRUE(commands.isEmpty());
+}
+
 TEST_F(MainWindowWithTables, TheTitleHasFourBlanks) {
     Open();
     EXPECT_EQ(window->windowTitle(), S(u"Tavolo -    v. 1.6 - RC 1"));
@@ -494,6 +503,17 @@ TEST_F(MainWindowWithTables, TogglingLeavesTheFavouritesFilter) {
     Action(u"mnuAddit")->trigger();
     EXPECT_EQ(Find<QComboBox>(u"cboFilter")->currentText(), S(u"All"));
     EXPECT_TRUE(RefreshPending());
+}
+
+TEST_F(MainWindowWithTables, AFavouriteThatCannotBeStoredIsTold) {
+    Open();
+    Click(Table(0));
+    connection->Close().Ignore();
+    Action(u"mnuAddit")->trigger();
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_FALSE(prompts.messages[0].text.isEmpty());
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
+    EXPECT_EQ(Table(0).data(TableTreeModel::kIconKeyRole).toString(), S(u"pinball"));
 }
 
 // Menus and locks.

@@ -102,5 +102,15 @@ TEST_F(TableInfoCommandTest, TheImportShowsItsStatusAndRefreshesTheTree) {
     EXPECT_TRUE(prompts.messages.empty());
 }
 
+TEST_F(TableInfoCommandTest, AnImportThatTheDatabaseRefusesIsTold) {
+    connection->Close().Ignore();
+    int refreshes = 0;
+    ImportDataFromVpts(catalogue, status, prompts, [&] { ++refreshes; });
+    ASSERT_EQ(prompts.messages.size(), 1u);
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
+    EXPECT_EQ(status.unloads, 1);
+    EXPECT_EQ(refreshes, 1);
+}
+
 }  // namespace
 }  // namespace browser

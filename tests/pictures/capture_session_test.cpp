@@ -88,7 +88,8 @@ TEST_F(CaptureSessionTest, UnwritableFolderIsReportedAndThePictureStays) {
     session.Paste(test_pictures::Colourful(32, 16));
     prompts.files = {In(u"none/shot.jpg")};
     EXPECT_TRUE(session.Save().isEmpty());
-    EXPECT_EQ(prompts.messages.size(), 1U);
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
     EXPECT_EQ(session.SizeText(), QStringLiteral("32X16"));
 }
 
