@@ -146,8 +146,7 @@ void frmReadVPT::BuildControls() {
 }
 
 void frmReadVPT::ConnectControls() {
-    connect(controls_->cboCustom, &QComboBox::currentIndexChanged, this,
-            &frmReadVPT::ShowCustomText);
+    connect(controls_->cboCustom, &QComboBox::activated, this, &frmReadVPT::ShowCustomText);
     connect(controls_->cmdUpdateFace, &QPushButton::clicked, this, &frmReadVPT::UpdateDetails);
     connect(controls_->cmdMail, &QPushButton::clicked, this, &frmReadVPT::SendMail);
     connect(controls_->cmdSite, &QPushButton::clicked, this, &frmReadVPT::GoToSite);
@@ -166,9 +165,8 @@ void frmReadVPT::LoadInformation() {
 void frmReadVPT::ShowCustomNames(TableInfoFile& file) {
     QStringList names;
     file.ListCustomStreams(names);
-    const QSignalBlocker nothing_chosen_yet(controls_->cboCustom);
     controls_->cboCustom->addItems(names);
-    controls_->cboCustom->setCurrentIndex(-1);
+    controls_->cboCustom->setCurrentIndex(-1);  // nothing is chosen yet
     controls_->cboCustom->setEnabled(!names.isEmpty());
 }
 

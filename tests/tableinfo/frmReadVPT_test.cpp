@@ -57,6 +57,13 @@ protected:
         if (auto* line = dialog->findChild<QLineEdit*>(name)) return line->text();
         return Find<QPlainTextEdit>(name)->toPlainText();
     }
+    // As a user does who picks an entry of the list.
+    void PickCustom(const QString& name) {
+        auto* names = Find<QComboBox>(QStringLiteral("cboCustom"));
+        const int index = names->findText(name);
+        names->setCurrentIndex(index);
+        Q_EMIT names->activated(index);
+    }
     void Click(const char* button) {
         QTest::mouseClick(Find<QPushButton>(QLatin1String(button)), Qt::LeftButton);
     }
@@ -103,10 +110,19 @@ TEST_F(frmReadVPTTest, CustomFieldsAreListedAndAChosenOneIsShown) {
     ASSERT_EQ(names->count(), 2);
     EXPECT_EQ(names->currentIndex(), -1);
     EXPECT_EQ(text->toPlainText(), QString());
-    names->setCurrentText(QStringLiteral("CompanyYear"));
+    PickCustom(QStringLiteral("CompanyYear"));
     EXPECT_EQ(text->toPlainText(), QStringLiteral("1977"));
-    names->setCurrentText(QStringLiteral("CompanyName"));
+    PickCustom(QStringLiteral("CompanyName"));
     EXPECT_EQ(text->toPlainText(), QStringLiteral("Playmatic"));
+}
+
+TEST_F(frmReadVPTTest, ACustomFieldThatIsChosenAgainIsShownAgain) {
+    Open(VptBuilder().Text(u"CompanyYear", u"1977"));
+    auto* text = Find<QPlainTextEdit>(QStringLiteral("txtCustom"));
+    PickCustom(QStringLiteral("CompanyYear"));
+    text->setPlainText(QStringLiteral("overtyped"));
+    PickCustom(QStringLiteral("CompanyYear"));
+    EXPECT_EQ(text->toPlainText(), QStringLiteral("1977"));
 }
 
 TEST_F(frmReadVPTTest, WithoutCustomFieldsThereIsNothingToChoose) {
@@ -159,7 +175,7 @@ TEST_F(frmReadVPTTest, AFileReplacedByGarbageIsEmpty) {
 TEST_F(frmReadVPTTest, AFileReplacedWhileItIsShownGivesNoCustomText) {
     Open(VptBuilder().Text(u"Custom", u"text"));
     ASSERT_TRUE(QFile::remove(path()));
-    Find<QComboBox>(QStringLiteral("cboCustom"))->setCurrentIndex(0);
+    PickCustom(QStringLiteral("Custom"));
     EXPECT_EQ(Find<QPlainTextEdit>(QStringLiteral("txtCustom"))->toPlainText(), QString());
 }
 
