@@ -6,6 +6,8 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 
+#include <utility>
+
 namespace browser {
 
 MainMenu::MainMenu(QMenuBar& bar) {
@@ -38,27 +40,38 @@ void MainMenu::Fill(QMenu& menu, const MenuLayout& layout) {
     }
 }
 
-void MainMenu::SetCommand(const QString& item, Command command) {
-    Q_ASSERT(items_.contains(item));
-    items_[item].command = std::move(command);
-    UpdateEnabled(items_[item]);
+const MainMenu::Item* MainMenu::Find(const QString& item) const {
+    const auto found = items_.constFind(item);
+    if (found != items_.cend()) return &*found;
+    qCritical("The menu has no item \"%s\".", qUtf8Printable(item));
+    return nullptr;
 }
 
-bool MainMenu::HasCommand(const QString& item) const {
-    return static_cast<bool>(items_.value(item).command);
+MainMenu::Item* MainMenu::Find(const QString& item) {
+    return const_cast<Item*>(std::as_const(*this).Find(item));  // NOLINT: the hash is ours
+}
+
+void MainMenu::SetCommand(const QString& item, Command command) {
+    Item* const found = Find(item);
+    if (!found) return;
+    found->command = std::move(command);
+    UpdateEnabled(*found);
 }
 
 void MainMenu::Run(const QString& item) {
-    if (QAction* const action = items_.value(item).action) action->trigger();
+    if (const Item* const found = Find(item)) found->action->trigger();
 }
 
 void MainMenu::SetAllowed(const QString& item, bool allowed) {
-    items_[item].allowed = allowed;
-    UpdateEnabled(items_[item]);
+    Item* const found = Find(item);
+    if (!found) return;
+    found->allowed = allowed;
+    UpdateEnabled(*found);
 }
 
 bool MainMenu::IsEnabled(const QString& item) const {
-    return items_.value(item).action->isEnabled();
+    const Item* const found = Find(item);
+    return found && found->action->isEnabled();
 }
 
 void MainMenu::UpdateEnabled(const Item& item) {
@@ -66,23 +79,27 @@ void MainMenu::UpdateEnabled(const Item& item) {
 }
 
 void MainMenu::SetChecked(const QString& item, bool checked) {
-    items_[item].action->setChecked(checked);
+    if (const Item* const found = Find(item)) found->action->setChecked(checked);
 }
 
 bool MainMenu::IsChecked(const QString& item) const {
-    return items_.value(item).action->isChecked();
+    const Item* const found = Find(item);
+    return found && found->action->isChecked();
 }
 
 QMenu* MainMenu::Menu(const QString& name) const {
-    return menus_.value(name);
+    QMenu* const menu = menus_.value(name);
+    if (!menu) qCritical("There is no menu \"%s\".", qUtf8Printable(name));
+    return menu;
 }
 
 void MainMenu::SetMenuEnabled(const QString& menu, bool enabled) {
-    Menu(menu)->menuAction()->setEnabled(enabled);
+    if (QMenu* const found = Menu(menu)) found->menuAction()->setEnabled(enabled);
 }
 
 bool MainMenu::IsMenuEnabled(const QString& menu) const {
-    return Menu(menu)->menuAction()->isEnabled();
+    const QMenu* const found = Menu(menu);
+    return found && found->menuAction()->isEnabled();
 }
 
 }  // namespace browser

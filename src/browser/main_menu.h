@@ -1,5 +1,6 @@
 // MainMenu: the menu bar and the tree's pop-up menu. A command is attached to its item by name; an
-// item without a command is there and disabled.
+// item without a command is there and disabled. A name that menu_layout.h does not have is a
+// mistake of the program: it is said on the error output and changes nothing.
 #pragma once
 
 #include <QtCore/QHash>
@@ -25,10 +26,8 @@ public:
     explicit MainMenu(QMenuBar& bar);
     ~MainMenu() override;
 
-    // Attaches a command, or replaces it; an empty one disables the item. Requires: an item of
-    // menu_layout.h.
+    // Attaches a command, or replaces it; an empty one disables the item.
     void SetCommand(const QString& item, Command command);
-    bool HasCommand(const QString& item) const;
     // Does what a click on the item would do; nothing when the item is disabled.
     void Run(const QString& item);
 
@@ -40,7 +39,7 @@ public:
     void SetChecked(const QString& item, bool checked);
     bool IsChecked(const QString& item) const;
 
-    // Menus of the bar by name, and "mnufavorites".
+    // Menus of the bar by name, and "mnufavorites"; null: no such menu.
     QMenu* Menu(const QString& name) const;
     void SetMenuEnabled(const QString& menu, bool enabled);
     bool IsMenuEnabled(const QString& menu) const;
@@ -53,7 +52,10 @@ private:
     };
 
     void Fill(QMenu& menu, const MenuLayout& layout);
-    void UpdateEnabled(const Item& item);
+    // Null, and said: no such item.
+    Item* Find(const QString& item);
+    const Item* Find(const QString& item) const;
+    static void UpdateEnabled(const Item& item);
 
     QHash<QString, Item> items_;
     QHash<QString, QMenu*> menus_;

@@ -11,6 +11,24 @@ namespace {
 
 const QString kPurge = QStringLiteral("mnuPurge");
 
+// What the program says of itself while a test runs.
+class SaidMessages {
+public:
+    SaidMessages() {
+        texts_.clear();
+        before_ = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext&, const QString& text) { texts_.append(text); });
+    }
+    ~SaidMessages() { qInstallMessageHandler(before_); }
+    SaidMessages(const SaidMessages&) = delete;
+    SaidMessages& operator=(const SaidMessages&) = delete;
+    const QStringList& texts() const { return texts_; }
+
+private:
+    inline static QStringList texts_;
+    QtMessageHandler before_;
+};
+
 class MainMenuTest : public testing::Test {
 protected:
     QMenuBar bar;
@@ -42,7 +60,29 @@ TEST_F(MainMenuTest, ADisabledItemRunsNothing) {
     menu.SetAllowed(kPurge, false);
     menu.Run(kPurge);
     EXPECT_EQ(runs, 0);
-    menu.Run(QStringLiteral("mnuNoSuchItem"));
+}
+
+TEST_F(MainMenuTest, ANameThatNoItemHasIsSaidAndChangesNothing) {
+    const QString wrong = QStringLiteral("mnuPurg");
+    const SaidMessages said;
+    menu.SetCommand(wrong, [] { ADD_FAILURE() << "there is no such item"; });
+    menu.Run(wrong);
+    menu.SetAllowed(wrong, true);
+    menu.SetChecked(wrong, true);
+    EXPECT_FALSE(menu.IsEnabled(wrong));
+    EXPECT_FALSE(menu.IsChecked(wrong));
+    EXPECT_FALSE(menu.IsEnabled(kPurge));
+    EXPECT_EQ(said.texts(), QStringList(6, QStringLiteral("The menu has no item \"mnuPurg\".")));
+}
+
+TEST_F(MainMenuTest, ANameThatNoMenuHasIsSaidAndChangesNothing) {
+    const QString wrong = QStringLiteral("mnuFiles");
+    const SaidMessages said;
+    menu.SetMenuEnabled(wrong, false);
+    EXPECT_FALSE(menu.IsMenuEnabled(wrong));
+    EXPECT_EQ(menu.Menu(wrong), nullptr);
+    EXPECT_EQ(said.texts(), QStringList(3, QStringLiteral("There is no menu \"mnuFiles\".")));
+    EXPECT_TRUE(menu.IsMenuEnabled(QStringLiteral("mnuFile")));
 }
 
 TEST_F(MainMenuTest, ACommandMayReplaceItself) {
