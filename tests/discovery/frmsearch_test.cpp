@@ -154,6 +154,24 @@ TEST_F(FrmSearchTest, TheLabelsTellWhatIsGoingOn) {
     EXPECT_EQ(checksums.first().toUpper(), checksums.first());
 }
 
+TEST_F(FrmSearchTest, ThatTheTableFilesAreReadIsPaintedBeforeTheyAre) {
+    // What a label says each time it is painted.
+    struct PaintedTexts : QObject {
+        bool eventFilter(QObject* label, QEvent* event) override {
+            if (event->type() == QEvent::Paint) texts.append(static_cast<QLabel*>(label)->text());
+            return false;
+        }
+        QStringList texts;
+    } painted;
+    Build(QStringLiteral("one.vpt"), VptBuilder().Text(u"TableName", u"One"));
+    dialog->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
+    Find<QLabel>("Label2")->installEventFilter(&painted);
+    Search();
+    EXPECT_TRUE(painted.texts.contains(QStringLiteral("Reading VPT Info...")))
+        << painted.texts.join(QLatin1Char('/')).toStdString();
+}
+
 TEST_F(FrmSearchTest, NamesAreShownAsPlainText) {
     for (const char* label : {"lbltime", "Label2", "lblCRC"})
         EXPECT_EQ(Find<QLabel>(label)->textFormat(), Qt::PlainText);
