@@ -101,8 +101,4 @@ void OrderBar::LockRefresh(bool locked) {
     cmdGo_->setEnabled(!locked);
 }
 
-bool OrderBar::refresh_pending() const {
-    return cmdGo_->property(kTextEffect).toInt() == kEmphasised;
-}
-
 }  // namespace browser

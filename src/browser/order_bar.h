@@ -27,7 +27,6 @@ public:
 
     // Makes Refresh Tree stand out while the tree does not show what is selected.
     void SetRefreshPending(bool pending);
-    bool refresh_pending() const;
     // Refresh Tree cannot be pressed while a record is being changed; the order can be chosen all
     // the same.
     void LockRefresh(bool locked);

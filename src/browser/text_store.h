@@ -20,9 +20,8 @@ public:
     };
 
     Reference Add(std::u16string_view text);
-    // Borrowed: until the store is cleared or ends.
+    // Borrowed: until the store ends.
     std::u16string_view Get(Reference reference) const;
-    void Clear() { blocks_.clear(); }
 
 private:
     static constexpr unsigned kBlockBits = 16;

@@ -57,6 +57,20 @@ TEST_F(FilterBarTest, OffersTenKindsWithIconsAndKeys) {
               "Date Added/DateAdded");
 }
 
+TEST_F(FilterBarTest, EachKindHasTheIconOfItsKey) {
+    const auto* combo = Find<QComboBox>(u"cboFilter");
+    const auto picture = [](const QIcon& icon) { return icon.pixmap(16).toImage(); };
+    const QStringList keys = S(u"pinball mame favorite vp author company year filedate number "
+                               u"filedate")
+                                 .split(u' ');
+    ASSERT_EQ(combo->count(), keys.size());
+    for (int i = 0; i < keys.size(); ++i)
+        for (int other = 0; other < keys.size(); ++other)
+            EXPECT_EQ(picture(combo->itemIcon(i)) == picture(icons.Icon(keys[other])),
+                      keys[i] == keys[other])
+                << keys[i].toStdString() << " and " << keys[other].toStdString();
+}
+
 TEST_F(FilterBarTest, AFixedKindHidesValueAndOperator) {
     Pick(u"Company");
     Pick(u"Favorites");
