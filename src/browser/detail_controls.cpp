@@ -1,6 +1,7 @@
 #include "browser/detail_controls.h"
 
-#include "browser/detail_record.h"
+#include "browser/table_record.h"
+#include "browser/utilities_menu.h"
 
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHBoxLayout>
@@ -164,8 +165,8 @@ QTabWidget* BuildTabs(DetailControls& controls) {
     tabs->addTab(BuildDetailsPage(controls), QStringLiteral("Details"));
     tabs->addTab(BuildPicturePage(controls.imgShot, "imgShot"), QStringLiteral("Screenshot"));
     tabs->addTab(BuildPicturePage(controls.imgFlyer, "imgFlyer"), QStringLiteral("Flyer"));
-    tabs->addTab(BuildPicturePage(controls.imgRules, "imgRules"), QStringLiteral("Rules Sheet"));
     tabs->addTab(BuildRulesTextPage(controls), QStringLiteral("Rules Text"));
+    tabs->addTab(BuildPicturePage(controls.imgRules, "imgRules"), QStringLiteral("Rules Sheet"));
     return tabs;
 }
 

@@ -14,15 +14,10 @@
 
 namespace browser {
 
-// Pages of DetTab. The settings and the state of the Utilities menu depend on these numbers.
-enum DetailTab : int {
-    kDetailsTab = 0,
-    kScreenshotTab,
-    kFlyerTab,
-    kRulesSheetTab,
-    kRulesTextTab,
-    kDetailTabCount
-};
+// Pages of DetTab, in this order: details, screenshot, flyer, rules text, rules sheet. The settings
+// and the state of the Utilities menu depend on these numbers.
+inline constexpr int kDetailsTab = 0;
+inline constexpr int kDetailTabCount = 5;
 
 // All widgets belong to the panel that they were built into.
 struct DetailControls {

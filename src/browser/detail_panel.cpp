@@ -2,9 +2,9 @@
 
 #include "base/scope_guards.h"
 #include "browser/detail_controls.h"
-#include "browser/detail_record.h"
 #include "browser/notes_summary.h"
 #include "browser/rules_file.h"
+#include "browser/table_record.h"
 #include "catalogue/error_report.h"
 #include "platform/files.h"
 #include "tableinfo/storage_tools.h"
@@ -19,6 +19,9 @@ using tableinfo::TextBox;
 constexpr std::size_t At(int index) {
     return static_cast<std::size_t>(index);
 }
+
+// "Either BOF or EOF is True, or the current record has been deleted": no row matches.
+constexpr std::int32_t kNoCurrentRecord = 3021;
 
 // What a run of ShowTableDetails is doing; kept for whoever looks with a debugger.
 constexpr QStringView kLoadingScreenShot = u"Loading Screen Shot";
@@ -53,26 +56,29 @@ public:
     void Save();
     void SaveRules();
     void Delete();
+    QString NotesSummary(const QString& file_name);
 
     DetailControls& controls() { return controls_; }
-    jet::Connection& connection() { return *catalogue_.CatalogueConnection; }
 
 private:
+    jet::Connection& connection() { return *catalogue_.CatalogueConnection; }
+
     void ConnectFields();
     void ConnectButtons();
     void ConnectPictures();
 
     bool FillFields(const QString& file_name);
-    void ShowRecord(const DetailRecord& record);
+    bool SayFailure(const base::Status& failure);
+    void ShowRecord(const TableRecord& record);
     void ShowPictures();
     bool ShowPicture(PictureBox* box, int field, QStringView step);
     void ShowEmbeddedScreenshot();
     void ShowPlaceholders(std::initializer_list<PictureBox*> boxes);
 
     void MarkEdited();
-    DetailRecord EditedRecord() const;
+    TableRecord EditedRecord() const;
     void GoToField(DetailField field);
-    void EndEdit();
+    void EndEdit(const QString& file_name);
     void Cancel();
     void ChoosePicture(DetailField field, const QString& title);
     void ReadRules();
@@ -82,7 +88,7 @@ private:
     platform::UserPrompts& prompts_;
     DetailHost& host_;
     DetailControls controls_;
-    bool loading_details_ = false;
+    bool LoadingDetails = false;
     bool shot_is_embedded_ = false;
     QStringView current_step_;
 };
@@ -134,18 +140,33 @@ void DetailPanel::Impl::ShowTableDetails(const QString& file_name) {
 }
 
 bool DetailPanel::Impl::FillFields(const QString& file_name) {
-    const base::ScopedFlag loading(loading_details_);
-    DetailRecord record;
-    const base::Status loaded = LoadDetailRecord(connection(), file_name, record);
+    const base::ScopedFlag loading(LoadingDetails);
+    TableRecord record;
+    const base::Status loaded = LoadTableRecord(connection(), file_name, record);
     ShowRecord(record);
-    if (!loaded.ok()) return false;
+    if (!loaded.ok()) return SayFailure(loaded);
     const auto summary = browser::NotesSummary(connection(), file_name);
-    if (!summary.ok()) return false;
+    if (!summary.ok()) return SayFailure(summary.status());
     host_.SetComments(*summary);
     return true;
 }
 
-void DetailPanel::Impl::ShowRecord(const DetailRecord& record) {
+// In the status bar, where the name of the table would stand. That there is no such row is no
+// failure: the panel is empty and says so. False, for the caller to return.
+bool DetailPanel::Impl::SayFailure(const base::Status& failure) {
+    if (failure.number() != kNoCurrentRecord)
+        host_.SetStatusText(kFailurePanel, QString::fromStdString(failure.message()));
+    return false;
+}
+
+QString DetailPanel::Impl::NotesSummary(const QString& file_name) {
+    auto summary = browser::NotesSummary(connection(), file_name);
+    if (summary.ok()) return *summary;
+    SayFailure(summary.status());
+    return {};
+}
+
+void DetailPanel::Impl::ShowRecord(const TableRecord& record) {
     for (std::size_t i = 0; i < record.fields.size(); ++i)
         controls_.txtDet[i].SetText(record.fields[i]);
     controls_.chkPinMame->setChecked(record.pin_mame);
@@ -190,7 +211,7 @@ void DetailPanel::Impl::ShowPlaceholders(std::initializer_list<PictureBox*> boxe
 }
 
 void DetailPanel::Impl::ClearTableDetails() {
-    const base::ScopedFlag loading(loading_details_);
+    const base::ScopedFlag loading(LoadingDetails);
     for (TextBox& box : controls_.txtDet)
         box.SetText({});
     controls_.chkPinMame->setChecked(false);
@@ -202,7 +223,7 @@ void DetailPanel::Impl::ClearTableDetails() {
 }
 
 void DetailPanel::Impl::MarkEdited() {
-    if (!loading_details_) SetRecordChanged(true);
+    if (!LoadingDetails) SetRecordChanged(true);
 }
 
 void DetailPanel::Impl::SetRecordChanged(bool changed) {
@@ -220,8 +241,8 @@ void DetailPanel::Impl::SetRecordChanged(bool changed) {
     controls_.pnlAlert->show();
 }
 
-DetailRecord DetailPanel::Impl::EditedRecord() const {
-    DetailRecord record;
+TableRecord DetailPanel::Impl::EditedRecord() const {
+    TableRecord record;
     for (std::size_t i = 0; i < record.fields.size(); ++i)
         record.fields[i] = controls_.txtDet[i].Text();
     record.pin_mame = controls_.chkPinMame->isChecked();
@@ -240,15 +261,15 @@ void DetailPanel::Impl::GoToField(DetailField field) {
 }
 
 void DetailPanel::Impl::Save() {
-    const DetailRecord record = EditedRecord();
+    const TableRecord record = EditedRecord();
     if (record.fields[kId].isEmpty()) return;
     if (const auto field = FirstMissingFile(record)) {
         prompts_.Ask({QStringLiteral("Please select a valid file name or leave blank"), {}});
         return GoToField(*field);
     }
-    if (const auto saved = SaveDetailRecord(connection(), record); !saved.ok())
-        return Report(saved);
-    EndEdit();
+    if (const auto saved = SaveTableRecord(connection(), record); !saved.ok()) return Report(saved);
+    host_.FileNameStored(record.fields[kId], record.fields[kFileName]);
+    EndEdit(record.fields[kFileName]);
 }
 
 void DetailPanel::Impl::SaveRules() {
@@ -256,13 +277,14 @@ void DetailPanel::Impl::SaveRules() {
     if (id.isEmpty()) return;
     const auto saved = SaveRulesText(connection(), id, controls_.txtDet[kRulesText].Text());
     if (!saved.ok()) return Report(saved);
-    EndEdit();
+    EndEdit(host_.SelectedTag());
 }
 
-void DetailPanel::Impl::EndEdit() {
+// Shows what was stored.
+void DetailPanel::Impl::EndEdit(const QString& file_name) {
     SetRecordChanged(false);
     host_.RememberSelectedNode();
-    ShowTableDetails(host_.SelectedTag());
+    ShowTableDetails(file_name);
 }
 
 void DetailPanel::Impl::Cancel() {
@@ -361,7 +383,7 @@ void DetailPanel::SetCurrentTab(int tab) {
 }
 
 QString DetailPanel::NotesSummary(const QString& file_name) const {
-    return browser::NotesSummary(impl_->connection(), file_name).value_or(QString());
+    return impl_->NotesSummary(file_name);
 }
 
 }  // namespace browser

@@ -3,6 +3,7 @@
 // DetailHost only.
 #pragma once
 
+#include "browser/status_panels.h"
 #include "catalogue/pin_subs.h"
 #include "platform/user_prompts.h"
 
@@ -21,8 +22,10 @@ public:
     virtual QString SelectedText() const = 0;
     // Makes the selected node the one that the next start shows again.
     virtual void RememberSelectedNode() = 0;
+    // The record with this id has this FileName from now on.
+    virtual void FileNameStored(const QString& id, const QString& file_name) = 0;
     virtual void RefreshTree() = 0;
-    // Panels 1..4 of the status bar.
+    // Panels 1..4 of the status bar; a failure that no box tells is said in kFailurePanel.
     virtual void SetStatusText(int panel, const QString& text) = 0;
     // The label lblComments under the tree.
     virtual void SetComments(const QString& text) = 0;
@@ -60,6 +63,7 @@ public:
     int CurrentTab() const;
     void SetCurrentTab(int tab);
 
+    // For the label under the tree; a failure is said in the status bar.
     QString NotesSummary(const QString& file_name) const;
 
 private:

@@ -137,7 +137,10 @@ void FilterBar::FillFilterValues() {
     const QString key = FilterKey();
     SetValues({});
     const auto values = values_(key);
-    if (!values.ok()) return;
+    if (!values.ok()) {
+        Q_EMIT ValuesNotRead(QString::fromStdString(values.status().message()));
+        return;
+    }
     if (values->isEmpty()) {
         prompts_.Ask({QStringLiteral("The database contains no values for ") + key,
                       {},

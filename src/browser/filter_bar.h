@@ -49,6 +49,8 @@ public:
 Q_SIGNALS:
     // The user changed something: what the tree shows is not what is selected any more.
     void Changed();
+    // The values of a column cannot be offered: they could not be read.
+    void ValuesNotRead(const QString& failure);
 
 private:
     void BuildKinds();

@@ -27,8 +27,12 @@ namespace {
 constexpr int kMargin = 6;
 // Lines of notes under the tree; more are cut.
 constexpr int kCommentLines = 4;
+// Characters of notes under the tree: more than these lines hold on the widest screen. Laying out
+// all of a long text would hold up the window.
+constexpr qsizetype kShownCommentLength = 4000;
 
 QString ForDisplay(QString text) {
+    text.truncate(kShownCommentLength);
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     return text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
 }
@@ -222,6 +226,10 @@ QString frmPinball::SelectedText() const {
     return tree_->SelectedText();
 }
 
+bool frmPinball::TableIsSelected() const {
+    return tree_->TableIsSelected();
+}
+
 void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
     if (done == total) {
         status_->EndProgress();
@@ -233,6 +241,10 @@ void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
 
 void frmPinball::RememberSelectedNode() {
     tree_->RememberSelectedNode();
+}
+
+void frmPinball::FileNameStored(const QString& id, const QString& file_name) {
+    tree_->FileNameStored(id, file_name);
 }
 
 void frmPinball::SetStatusText(int panel, const QString& text) {

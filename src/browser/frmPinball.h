@@ -52,6 +52,8 @@ public:
     // Of the tree's selected node; empty: none is selected.
     QString SelectedTag() const override;
     QString SelectedText() const override;
+    // A table, and neither the root nor a detail line, is selected.
+    bool TableIsSelected() const;
     DetailPanel& details() { return *details_; }
     // How far a command has come; it is over when `done` equals `total`.
     void ShowProgress(std::int64_t done, std::int64_t total);
@@ -87,6 +89,7 @@ private:
 
     // DetailHost
     void RememberSelectedNode() override;
+    void FileNameStored(const QString& id, const QString& file_name) override;
     void SetStatusText(int panel, const QString& text) override;
     void SetComments(const QString& text) override;
     void LockForEdit(bool changed) override;

@@ -45,6 +45,8 @@ SelectionController::SelectionController(const Parts& parts, std::function<void(
     connect(&parts_.filter_bar, &FilterBar::Changed, this, mark);
     connect(&parts_.order_bar, &OrderBar::Changed, this, mark);
     connect(&parts_.order_bar, &OrderBar::RefreshClicked, this, &SelectionController::RefreshTree);
+    connect(&parts_.filter_bar, &FilterBar::ValuesNotRead, this,
+            [this](const QString& failure) { parts_.status.SetPanelText(kFailurePanel, failure); });
 }
 
 Selection SelectionController::Current() const {
@@ -69,8 +71,14 @@ void SelectionController::RefreshTree() {
     if (const auto wrong = WrongValue(selection))
         ReportWrongValue(*wrong);
     else
-        ShowSelection(selection).Ignore();
+        SayFailure(ShowSelection(selection));
     parts_.order_bar.SetRefreshPending(false);
+}
+
+void SelectionController::SayFailure(const base::Status& failure) {
+    if (failure.ok()) return;
+    parts_.status.SetPanelText(kCountPanel, {});  // the count is not of this empty tree
+    parts_.status.SetPanelText(kFailurePanel, QString::fromStdString(failure.message()));
 }
 
 void SelectionController::ReportWrongValue(const QString& message) {

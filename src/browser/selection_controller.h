@@ -39,8 +39,8 @@ public:
     // panel of details.
     SelectionController(const Parts& parts, std::function<void()> clear_details);
 
-    // Shows what the controls say. An impossible value is reported and nothing is shown; a failing
-    // query ends silently.
+    // Shows what the controls say. An impossible value is reported and nothing is shown; what goes
+    // wrong with the database is said in the status bar, and nothing is shown or counted.
     void RefreshTree();
     // The selection that the settings hold, before anything is shown.
     void Remember(const AppliedSelection& saved) { applied_ = saved; }
@@ -54,6 +54,7 @@ private:
     base::Status ShowSelection(const Selection& selection);
     base::Status BuildTree(jet::Recordset& rows, const Selection& selection);
     void ReportNothingFound();
+    void SayFailure(const base::Status& failure);
     void ReportWrongValue(const QString& message);
 
     Parts parts_;

@@ -14,8 +14,7 @@ constexpr int kHundred = 100;
 // Below this the work is over before a bar can be read.
 constexpr std::int64_t kWorthShowing = 2000;
 
-// The name of the current table takes what the other panels leave.
-constexpr std::size_t kNamePanel = 1;
+constexpr std::size_t kNamePanel = kFailurePanel - 1;
 
 }  // namespace
 
@@ -40,10 +39,6 @@ void StatusPanels::SetPanelText(int panel, const QString& text) {
     QLabel* const label = panels_.at(static_cast<std::size_t>(panel - 1));
     label->setText(text);
     label->setToolTip(text.trimmed());
-}
-
-QString StatusPanels::PanelText(int panel) const {
-    return panels_.at(static_cast<std::size_t>(panel - 1))->text();
 }
 
 void StatusPanels::StartProgress(std::int64_t steps) {

@@ -12,6 +12,10 @@ class QProgressBar;
 
 namespace browser {
 
+// The panel of the current table's name, which takes what the other panels leave. Failures that no
+// box tells are said there: once, until the next table is shown.
+inline constexpr int kFailurePanel = 2;
+
 class StatusPanels : public QStatusBar {
     Q_OBJECT
 
@@ -20,7 +24,6 @@ public:
 
     // Panels count from 1 to 4.
     void SetPanelText(int panel, const QString& text);
-    QString PanelText(int panel) const;
 
     // Shows the progress bar in place of the panels. `steps` counts the whole work.
     void StartProgress(std::int64_t steps);

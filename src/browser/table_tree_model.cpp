@@ -22,7 +22,9 @@ QVariant RootFont() {
 
 TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* parent)
     : QAbstractItemModel(parent), icons_(std::move(icons)),
-      file_test_(file_test ? std::move(file_test) : FileTest(platform::FileExists)) {}
+      files_(file_test ? std::move(file_test) : FileTest(platform::FileExists)) {
+    connect(&files_, &FileLookup::Answered, this, &TableTreeModel::KeepAnswer);
+}
 
 void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
                           const QString& root_icon) {
@@ -32,6 +34,8 @@ void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
     root_text_ = root_text;
     root_icon_ = root_icon;
     icon_overrides_.clear();
+    file_name_overrides_.clear();
+    files_.Forget();
     file_states_.assign(tables_.size(), FileState::kUnknown);
     endResetModel();
 }
@@ -41,6 +45,8 @@ void TableTreeModel::Clear() {
     tables_ = {};
     has_nodes_ = false;
     icon_overrides_.clear();
+    file_name_overrides_.clear();
+    files_.Forget();
     file_states_.clear();
     endResetModel();
 }
@@ -54,6 +60,14 @@ void TableTreeModel::SetRootIcon(const QString& icon_key) {
 void TableTreeModel::SetTableIcon(const QModelIndex& index, const QString& icon_key) {
     icon_overrides_[*NodeOf(index).table] = icon_key;
     Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole});
+}
+
+void TableTreeModel::SetFileName(const QModelIndex& index, const QString& file_name) {
+    const std::size_t table = *NodeOf(index).table;
+    if (FileNameOf(table) == file_name) return;
+    file_name_overrides_[table] = file_name;
+    file_states_[table] = FileState::kUnknown;
+    Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole, kTagRole});
 }
 
 QModelIndex TableTreeModel::RootIndex() const {
@@ -148,7 +162,7 @@ QString TableTreeModel::TextOf(const Node& node) const {
 
 QString TableTreeModel::TagOf(const Node& node) const {
     if (!node.table) return kRootTag.toString();
-    return node.detail ? kDetailTag.toString() : tables_.FileName(*node.table);
+    return node.detail ? kDetailTag.toString() : FileNameOf(*node.table);
 }
 
 QString TableTreeModel::IconKeyOf(const Node& node) const {
@@ -160,16 +174,31 @@ QString TableTreeModel::IconKeyOf(const Node& node) const {
 QString TableTreeModel::TableIconKey(std::size_t table) const {
     if (const auto chosen = icon_overrides_.constFind(table); chosen != icon_overrides_.cend())
         return *chosen;
-    if (!FileIsThere(table)) return QStringLiteral("stop");
+    if (FileIsMissing(table)) return QStringLiteral("stop");
     if (tables_.Favorite(table)) return QStringLiteral("favorite");
     return tables_.PinMame(table) ? QStringLiteral("mame") : QStringLiteral("pinball");
 }
 
-bool TableTreeModel::FileIsThere(std::size_t table) const {
+QString TableTreeModel::FileNameOf(std::size_t table) const {
+    const auto changed = file_name_overrides_.constFind(table);
+    return changed != file_name_overrides_.cend() ? *changed : tables_.FileName(table);
+}
+
+// False as long as nobody knows.
+bool TableTreeModel::FileIsMissing(std::size_t table) const {
     FileState& state = file_states_[table];
-    if (state == FileState::kUnknown)
-        state = file_test_(tables_.FileName(table)) ? FileState::kThere : FileState::kMissing;
-    return state == FileState::kThere;
+    if (state == FileState::kUnknown) {
+        state = FileState::kAsked;
+        files_.Ask(table, FileNameOf(table));
+    }
+    return state == FileState::kMissing;
+}
+
+void TableTreeModel::KeepAnswer(std::size_t table, const QString& path, bool is_there) {
+    if (path != FileNameOf(table)) return;  // of the file that it stood for before
+    file_states_[table] = is_there ? FileState::kThere : FileState::kMissing;
+    const QModelIndex index = IndexOf({table, std::nullopt});
+    Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole});
 }
 
 }  // namespace browser

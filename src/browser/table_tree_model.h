@@ -1,9 +1,11 @@
 // TableTreeModel: the tree of the selected tables: a root that names the selection, a node per
 // table, six detail lines under each. No object per node: an index carries the table's number, and
-// texts and icons are computed when a view asks for them. Whether a table file exists is looked up
-// once, when its row is first drawn.
+// texts and icons are computed when a view asks for them. Whether a table file exists is asked
+// once, when its row is first drawn, and in a thread of its own: until the answer is there the
+// table has the icon of its record, and a table whose file is missing then changes to "stop".
 #pragma once
 
+#include "browser/file_lookup.h"
 #include "browser/node_number.h"
 #include "browser/table_snapshot.h"
 
@@ -11,7 +13,6 @@
 #include <QtCore/QHash>
 
 #include <functional>
-#include <optional>
 #include <vector>
 
 namespace browser {
@@ -26,7 +27,7 @@ class TableTreeModel : public QAbstractItemModel {
 public:
     enum Role { kTagRole = Qt::UserRole, kIconKeyRole, kNodeKeyRole };
 
-    using FileTest = std::function<bool(const QString& path)>;
+    using FileTest = FileLookup::FileTest;
     // What a view draws for an icon key ("mame", "closed"); may be empty.
     using IconSource = std::function<QVariant(const QString& icon_key)>;
 
@@ -39,12 +40,14 @@ public:
     void Show(TableSnapshot tables, const QString& root_text, const QString& root_icon);
     void Clear();
     bool has_nodes() const { return has_nodes_; }
-    std::size_t table_count() const { return tables_.size(); }
 
     // The root's icon, "open" or "closed".
     void SetRootIcon(const QString& icon_key);
     // A table's icon from now on, until the next Show. Requires: index is a table.
     void SetTableIcon(const QModelIndex& index, const QString& icon_key);
+    // The file that a table stands for from now on, until the next Show. Requires: index is a
+    // table.
+    void SetFileName(const QModelIndex& index, const QString& file_name);
 
     QModelIndex RootIndex() const;
     // Invalid: no such node.
@@ -63,7 +66,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
-    enum class FileState : std::uint8_t { kUnknown, kThere, kMissing };
+    enum class FileState : std::uint8_t { kUnknown, kAsked, kThere, kMissing };
 
     static Node NodeOf(const QModelIndex& index);
     QModelIndex IndexOf(const Node& node) const;
@@ -71,15 +74,18 @@ private:
     QString TagOf(const Node& node) const;
     QString IconKeyOf(const Node& node) const;
     QString TableIconKey(std::size_t table) const;
-    bool FileIsThere(std::size_t table) const;
+    QString FileNameOf(std::size_t table) const;
+    bool FileIsMissing(std::size_t table) const;
+    void KeepAnswer(std::size_t table, const QString& path, bool is_there);
 
     IconSource icons_;
-    FileTest file_test_;
+    mutable FileLookup files_;
     TableSnapshot tables_;
     bool has_nodes_ = false;
     QString root_text_;
     QString root_icon_;
     QHash<std::size_t, QString> icon_overrides_;
+    QHash<std::size_t, QString> file_name_overrides_;
     mutable std::vector<FileState> file_states_;
 };
 

@@ -43,9 +43,15 @@ QString TreeController::SelectedText() const {
     return parts_.tree.currentIndex().data().toString();
 }
 
+// The kind of the node decides, not its tag: a table's tag is whatever its FileName holds.
 bool TreeController::IsTable(const QModelIndex& index) const {
-    const QString tag = TableTreeModel::Tag(index);
-    return index.isValid() && tag != kRootTag && tag != kDetailTag;
+    return index.data(TableTreeModel::kNodeKeyRole).isValid();
+}
+
+void TreeController::FileNameStored(const QString& id, const QString& file_name) {
+    const QModelIndex selected = parts_.tree.currentIndex();
+    if (selected.data(TableTreeModel::kNodeKeyRole).toString() == QStringLiteral("X") + id)
+        parts_.model.SetFileName(selected, file_name);
 }
 
 void TreeController::RememberSelectedNode() {
@@ -101,7 +107,7 @@ void TreeController::ShowPopup(int x_twips, const QPoint& position) {
 }
 
 void TreeController::ToggleSelectedFavorite() {
-    if (!IsTable(parts_.tree.currentIndex())) return;
+    if (!TableIsSelected()) return;
     catalogue::ShowError(parts_.prompts,
                          ToggleFavorites(*parts_.catalogue.CatalogueConnection, *this));
 }

@@ -46,11 +46,15 @@ public:
     // FavouritesHost, too. Of the selected node; empty: none is.
     QString SelectedTag() const override;
     QString SelectedText() const override;
+    // A table, and neither the root nor a detail line, is selected.
+    bool TableIsSelected() const { return IsTable(parts_.tree.currentIndex()); }
 
     // A node number; 0: none. Kept between runs.
     std::int64_t SelectedNodeIndex() const { return selected_node_index_; }
     void SetSelectedNodeIndex(std::int64_t number) { selected_node_index_ = number; }
     void RememberSelectedNode();
+    // The selected node stands for another file when its record has this id.
+    void FileNameStored(const QString& id, const QString& file_name);
 
     // Selects a node, scrolls to it and shows its table. A number that no node has is ignored.
     void SelectTableNode(std::int64_t number);

@@ -25,6 +25,10 @@ struct Selection {
 // What is wrong with the value, in the program's words; nullopt: nothing, or no value is asked for.
 std::optional<QString> WrongValue(const Selection& selection);
 
+// The statement that gives the rows of the selection in its order; nullopt: nothing matches.
+base::Result<std::optional<QString>> SelectionSql(jet::Connection& connection,
+                                                  const Selection& selection);
+
 // The rows of the selection in its order, standing on the first; nullopt: nothing matches.
 base::Result<std::optional<jet::Recordset>> OpenSelection(jet::Connection& connection,
                                                           const Selection& selection);

@@ -10,7 +10,11 @@ struct UtilitiesMenuState {
     bool operator==(const UtilitiesMenuState&) const = default;
 };
 
-// `current_tab`: of the detail tabs, 0..4. `window_normal`: neither minimised nor maximised.
+// The tab of the rules text.
+inline constexpr int kRulesTextTab = 3;
+
+// `current_tab`: of the detail tabs, 0..4. On the rules text the commands that would reload what is
+// being written there are not offered. `window_normal`: neither minimised nor maximised.
 UtilitiesMenuState UtilitiesMenuFor(int current_tab, bool window_normal);
 
 }  // namespace browser

@@ -62,9 +62,9 @@ TEST_F(DetailEditTest, OnlyTheCurrentTabStaysUsable) {
 
 TEST_F(DetailEditTest, WhileTheRulesAreEditedTheRulesTabIsTheUsableOne) {
     ShowTable(QStringLiteral("Attack"));
-    panel->SetCurrentTab(4);
+    panel->SetCurrentTab(3);
     QTest::keyClicks(Lines(12), QStringLiteral("typed"));
-    EXPECT_EQ(EnabledTabs(), QList<int>({4}));
+    EXPECT_EQ(EnabledTabs(), QList<int>({3}));
 }
 
 TEST_F(DetailEditTest, SaveWritesTheFieldsAndUnlocks) {
@@ -225,6 +225,7 @@ TEST_F(DetailEditTest, DeleteAsksAndDeletesTheRowOnly) {
     Click("cmdDelete");
     ASSERT_EQ(prompts.messages.size(), 1u);
     EXPECT_EQ(prompts.messages[0].text, QStringLiteral("Delete the current table?"));
+    EXPECT_EQ(prompts.messages[0].title, QStringLiteral("Warning"));
     EXPECT_EQ(prompts.messages[0].buttons, platform::MessageButtons::kYesNo);
     EXPECT_EQ(Scalar(QStringLiteral("select FileName from tables")), file);
     EXPECT_FALSE(panel->record_changed());
@@ -234,10 +235,37 @@ TEST_F(DetailEditTest, DeleteAsksAndDeletesTheRowOnly) {
 
 TEST_F(DetailEditTest, DeleteAnsweredByNoChangesNothing) {
     ShowTable(QStringLiteral("Attack"));
+    Line(4)->setText(QStringLiteral("Anna"));
     prompts.answers = {MessageAnswer::kNo};
     Click("cmdDelete");
+    EXPECT_EQ(prompts.messages.size(), 1u);
     EXPECT_EQ(Scalar(QStringLiteral("select DisplayName from tables")), QStringLiteral("Attack"));
     EXPECT_EQ(host.refreshes, 0);
+    EXPECT_EQ(Line(2)->text(), QStringLiteral("Attack"));
+    EXPECT_EQ(Line(4)->text(), QStringLiteral("Anna"));
+    EXPECT_TRUE(panel->record_changed());
+    EXPECT_TRUE(host.locked);
+}
+
+TEST_F(DetailEditTest, SaveShowsTheRecordUnderItsNewFileName) {
+    ShowTable(QStringLiteral("Attack"));
+    const QString id = panel->DetailText(0);
+    Line(3)->setText(QStringLiteral("/moved/it's here.vpt"));
+    Click("cmdChange");
+    EXPECT_EQ(Line(2)->text(), QStringLiteral("Attack"));
+    EXPECT_EQ(Line(3)->text(), QStringLiteral("/moved/it's here.vpt"));
+    EXPECT_EQ(panel->DetailText(0), id);
+    EXPECT_EQ(host.stored_names,
+              (QMap<QString, QString>{{id, QStringLiteral("/moved/it's here.vpt")}}));
+    EXPECT_FALSE(panel->record_changed());
+}
+
+TEST_F(DetailEditTest, ARefusedSaveStoresNoFileName) {
+    ShowTable(QStringLiteral("Attack"));
+    Line(3)->setText(QString(300, QLatin1Char('x')));
+    Click("cmdChange");
+    EXPECT_EQ(prompts.messages.size(), 1u);
+    EXPECT_TRUE(host.stored_names.isEmpty());
 }
 
 struct Chooser {

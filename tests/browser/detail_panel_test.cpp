@@ -132,8 +132,22 @@ TEST_F(DetailPanelTest, AFailureLeavesWhatWasFilledBeforeIt) {
     EXPECT_EQ(Line(4)->text(), QStringLiteral("Anna"));
     EXPECT_EQ(Line(11)->text(), QStringLiteral("11/20/2026 3:04:05 PM"));
     EXPECT_EQ(Lines(12)->toPlainText(), QString());
-    EXPECT_EQ(host.status[2], QString());
+    EXPECT_NE(host.status[2], QString());
+    EXPECT_FALSE(host.status[2].startsWith(QStringLiteral("Current Table")));
     EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(DetailPanelTest, AFileNameOfNoRowIsNoFailure) {
+    panel->ShowTableDetails(QStringLiteral("/nowhere.vpt"));
+    EXPECT_EQ(host.status[2], QString());
+    EXPECT_EQ(panel->NotesSummary(QStringLiteral("/nowhere.vpt")), QString());
+    EXPECT_EQ(host.status[2], QString());
+}
+
+TEST_F(DetailPanelTest, NotesThatCannotBeReadAreSaidInTheStatusBar) {
+    connection->Close().Ignore();
+    EXPECT_EQ(panel->NotesSummary(QStringLiteral("/nowhere.vpt")), QString());
+    EXPECT_NE(host.status[2], QString());
 }
 
 TEST_F(DetailPanelTest, AfterAFailureAnEditIsStillNoticed) {
@@ -144,7 +158,10 @@ TEST_F(DetailPanelTest, AfterAFailureAnEditIsStillNoticed) {
 }
 
 TEST_F(DetailPanelTest, ThereAreFiveTabsAndTheSavedOneCanBeSelected) {
-    EXPECT_EQ(Tabs()->count(), 5);
+    QStringList captions;
+    for (int tab = 0; tab < Tabs()->count(); ++tab)
+        captions.append(Tabs()->tabText(tab));
+    EXPECT_EQ(captions.join(u'/').toStdString(), "Details/Screenshot/Flyer/Rules Text/Rules Sheet");
     for (int tab = 0; tab < 5; ++tab) {
         panel->SetCurrentTab(tab);
         EXPECT_EQ(panel->CurrentTab(), tab);
@@ -156,8 +173,8 @@ TEST_F(DetailPanelTest, TheRulesTextTabHasItsOwnSaveAndCancelOnly) {
     auto* save_rules = Find<QAbstractButton>(QStringLiteral("cmdSaveRules"));
     for (int tab = 0; tab < 5; ++tab) {
         panel->SetCurrentTab(tab);
-        EXPECT_EQ(save->isVisible(), tab != 4) << tab;
-        EXPECT_EQ(save_rules->isVisible(), tab == 4) << tab;
+        EXPECT_EQ(save->isVisible(), tab != 3) << tab;
+        EXPECT_EQ(save_rules->isVisible(), tab == 3) << tab;
     }
 }
 

@@ -1,9 +1,11 @@
 // The three pictures of the detail panel. Needs widgets; runs offscreen.
 #include "browser/detail_panel_fixture.h"
+#include "support/event_counter.h"
 #include "support/vpt_builder.h"
 #include "tableinfo/picture_box.h"
 
 #include <QtCore/QBuffer>
+#include <QtWidgets/QApplication>
 
 namespace browser {
 namespace {
@@ -49,6 +51,21 @@ TEST_F(DetailPicturesTest, EachBoxShowsItsFile) {
     EXPECT_TRUE(ShowsFile("imgFlyer", flyer));
     EXPECT_TRUE(ShowsFile("imgRules", rules));
     EXPECT_EQ(Box("imgShot")->ShownImage().size(), QSize(40, 30));
+}
+
+TEST_F(DetailPicturesTest, ANewPictureIsPaintedAndSoIsItsAbsence) {
+    const QString shot = WritePicture(QStringLiteral("shot.jpg"));
+    panel->SetCurrentTab(1);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(panel.get()));
+    const auto is_painted_by = [this](const auto& show) {
+        QApplication::processEvents();
+        const test_support::EventCounter paints(*Box("imgShot"), QEvent::Paint);
+        show();
+        return QTest::qWaitFor([&] { return paints.count() > 0; });
+    };
+    EXPECT_TRUE(is_painted_by(
+        [&] { ShowTable(QStringLiteral("Attack"), Pictures(shot, QString(), QString())); }));
+    EXPECT_TRUE(is_painted_by([this] { panel->ClearTableDetails(); }));
 }
 
 TEST_F(DetailPicturesTest, EmptyFieldsAndMissingFilesShowThePlaceholder) {

@@ -9,7 +9,7 @@ protected:
     void SetUp() override {
         DetailPanelFixture::SetUp();
         ShowTable(QStringLiteral("Attack"), QStringLiteral("RulesText = 'old', Author = 'Anna'"));
-        panel->SetCurrentTab(4);
+        panel->SetCurrentTab(3);
     }
     QString StoredRules() { return Stored(QStringLiteral("RulesText"), QStringLiteral("Attack")); }
 };
@@ -22,7 +22,7 @@ TEST_F(DetailRulesTest, ReadFromFileFillsTheFieldAndLocksTheOtherTabs) {
     EXPECT_EQ(prompts.dialogs[0].filter, QStringLiteral("Text (*.txt)|*.txt"));
     EXPECT_EQ(panel->DetailText(12), QStringLiteral("Hit it.\r\nTwice.\r\n"));
     EXPECT_TRUE(panel->record_changed());
-    EXPECT_EQ(EnabledTabs(), QList<int>({4}));
+    EXPECT_EQ(EnabledTabs(), QList<int>({3}));
 }
 
 TEST_F(DetailRulesTest, ACancelledChoiceOrAMissingFileChangesNothing) {

@@ -12,6 +12,7 @@ public:
     QString selected_tag;
     QString selected_text;
     QMap<int, QString> status;
+    QMap<QString, QString> stored_names;  // by id
     QString comments;
     bool locked = false;
     int remembered = 0;
@@ -21,6 +22,9 @@ public:
     QString SelectedTag() const override { return selected_tag; }
     QString SelectedText() const override { return selected_text; }
     void RememberSelectedNode() override { ++remembered; }
+    void FileNameStored(const QString& id, const QString& file_name) override {
+        stored_names[id] = file_name;
+    }
     void RefreshTree() override { ++refreshes; }
     void SetStatusText(int panel, const QString& text) override { status[panel] = text; }
     void SetComments(const QString& text) override { comments = text; }

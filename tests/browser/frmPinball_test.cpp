@@ -1,123 +1,16 @@
-// The main window on a real catalogue; its questions are answered by the test.
-#include "browser/frmPinball.h"
+// The main window: its start, selection, tree, menus and locks.
+#include "browser/main_window_fixture.h"
+#include "support/event_counter.h"
+#include "support/wait_for.h"
 
-#include "browser/tree_fixture.h"
-
-#include <gtest/gtest.h>
-
-#include <QtGui/QAction>
-#include <QtTest/QSignalSpy>
-#include <QtTest/QTest>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QComboBox>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QMenuBar>
-#include <QtWidgets/QTreeView>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QTabWidget>
 
 namespace browser {
 namespace {
-
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
-
-struct Play {
-    QString path;
-    QString name;
-    std::int32_t id = 0;
-    bool operator==(const Play&) const = default;
-};
-
-class MainWindowTest : public TreeFixture {
-protected:
-    // Opens the window as the program does.
-    void Open() {
-        window = std::make_unique<frmPinball>(catalogue, prompts);
-        window->SetPlayTable([this](const QString& path, const QString& name, std::int32_t id) {
-            plays.push_back({path, name, id});
-            if (while_playing) while_playing();
-        });
-        window->SetCommand(S(u"mnuTblScan"), [this] { commands.append(S(u"scan")); });
-        window->SetCommand(S(u"mnuExe"), [this] { commands.append(S(u"exe")); });
-        window->SetCommand(S(u"mnuClip"), [this] { commands.append(S(u"clip")); });
-        window->Load();
-        window->show();
-        window->AskForWhatIsMissing();
-    }
-    void Save(const char16_t* key, const char16_t* value) {
-        settings.values[S(u"TAVOLO/GENERAL/") + S(key)] = S(value);
-    }
-    QString Saved(const char16_t* key) {
-        return settings.values.value(S(u"TAVOLO/GENERAL/") + S(key), S(u"<missing>"));
-    }
-    template <typename T>
-    T* Find(const char16_t* name) {
-        T* const found = window->findChild<T*>(S(name));
-        EXPECT_TRUE(found) << S(name).toStdString();
-        return found;
-    }
-    QTreeView* Tree() { return Find<QTreeView>(u"tvwDB"); }
-    QModelIndex Root() { return Tree()->model()->index(0, 0); }
-    QModelIndex Table(int row) { return Tree()->model()->index(row, 0, Root()); }
-    QModelIndex Detail(int table, int row) { return Tree()->model()->index(row, 0, Table(table)); }
-    QStringList TableNames() {
-        QStringList names;
-        for (int row = 0; row < Tree()->model()->rowCount(Root()); ++row)
-            names.append(Table(row).data().toString());
-        return names;
-    }
-    void Click(const QModelIndex& index, Qt::MouseButton button = Qt::LeftButton) {
-        Tree()->scrollTo(index);
-        QTest::mouseClick(Tree()->viewport(), button, {}, Tree()->visualRect(index).center());
-    }
-    void DoubleClick(const QModelIndex& index) {
-        Tree()->scrollTo(index);
-        const QPoint place = Tree()->visualRect(index).center();
-        QTest::mouseClick(Tree()->viewport(), Qt::LeftButton, {}, place);
-        QTest::mouseDClick(Tree()->viewport(), Qt::LeftButton, {}, place);
-    }
-    QString FieldText(int field) { return window->details().DetailText(field); }
-    void PickFilter(const char16_t* text) {
-        auto* combo = Find<QComboBox>(u"cboFilter");
-        combo->setCurrentIndex(combo->findText(S(text)));
-        Q_EMIT combo->activated(combo->currentIndex());
-    }
-    void TypeValue(const char16_t* text) { Find<QComboBox>(u"cboFilterDet")->setEditText(S(text)); }
-    void Press(const char16_t* button) { QTest::mouseClick(Find<QWidget>(button), Qt::LeftButton); }
-    bool RefreshPending() { return Find<QWidget>(u"cmdGo")->property("textEffect").toInt() == 3; }
-    QString Panel(int panel) {
-        return Find<QLabel>((S(u"sbrDB_") + QString::number(panel)).toStdU16String().c_str())
-            ->text();
-    }
-    QAction* Action(const char16_t* name) { return Find<QAction>(name); }
-    // Changes the name of the shown table, as a user who types.
-    void EditName() { window->details().SetDetailText(2, S(u"changed")); }
-
-    QStringList commands;
-    std::vector<Play> plays;
-    std::function<void()> while_playing;
-    std::unique_ptr<frmPinball> window;
-};
-
-class MainWindowWithTables : public MainWindowTest {
-protected:
-    void SetUp() override {
-        MainWindowTest::SetUp();
-        values.VisualPinballExe = S(u"/bin/vp");
-        alpha = MakeFile(S(u"alpha.vpt"));
-        AddRow(S(u"DisplayName, FileName, Author, Year, TimesPlayed, Favorite, FileDate, Notes"),
-               QStringLiteral("'Alpha', '%1', 'Bob', '1990', 3, false, '1/2/2003', 'note of alpha'")
-                   .arg(alpha));
-        AddRow(S(u"DisplayName, FileName, Author, Year, TimesPlayed, Favorite, PinMame, FileDate"),
-               S(u"'Beta', '/gone/beta.vpt', 'Ann', '1991', 0, true, true, '5/6/2007'"));
-        AddRow(S(u"DisplayName, FileName, Author, Year, TimesPlayed, FileDate"),
-               QStringLiteral("'Gamma', '%1', 'Bob', '1985', 12, '1/2/2003'")
-                   .arg(MakeFile(S(u"it's gamma.vpt")).replace(S(u"'"), S(u"''"))));
-    }
-    QString alpha;
-};
 
 // Start.
 
@@ -229,11 +122,13 @@ TEST_F(MainWindowWithTables, ALastNodeThatIsADetailLineShowsNoTable) {
 
 TEST_F(MainWindowWithTables, OptionsComeBackWithTheirCheckMarks) {
     Save(u"SOUND", u"True");
+    Save(u"MIN", u"False");
     Save(u"LASTPICDIR", u"/pictures/");
     Open();
     EXPECT_TRUE(values.SoundOn);
     EXPECT_FALSE(values.MinimiseOnPlay);
     EXPECT_TRUE(Action(u"mnuSound")->isChecked());
+    EXPECT_FALSE(Action(u"mnuMin")->isChecked());
     EXPECT_EQ(values.LastPictureDir, S(u"/pictures/"));
     Action(u"mnuSound")->trigger();
     Action(u"mnuMin")->trigger();
@@ -245,12 +140,35 @@ TEST_F(MainWindowWithTables, OptionsComeBackWithTheirCheckMarks) {
     EXPECT_EQ(Saved(u"LASTPICDIR"), S(u"/pictures/"));
 }
 
+TEST_F(MainWindowWithTables, MinimisingOnPlayComesBackByItself) {
+    Save(u"MIN", u"True");
+    Open();
+    EXPECT_TRUE(values.MinimiseOnPlay);
+    EXPECT_FALSE(values.SoundOn);
+    EXPECT_TRUE(Action(u"mnuMin")->isChecked());
+    EXPECT_FALSE(Action(u"mnuSound")->isChecked());
+}
+
 TEST_F(MainWindowWithTables, TheSavedTabComesBack) {
     Save(u"LASTTAB", u"4");
     Open();
     EXPECT_EQ(window->details().CurrentTab(), 4);
     window->close();
     EXPECT_EQ(Saved(u"LASTTAB"), S(u"4"));
+}
+
+TEST_F(MainWindowTest, TheCountPasses16Bits) {
+    constexpr int kTables = 1 << 15;
+    Execute(S(u"DROP INDEX DisplayName ON Tables"));
+    Execute(S(u"DROP INDEX FileName ON Tables"));
+    AddTable(S(u"t"));
+    for (int tables = 1; tables < kTables; tables *= 2)
+        Execute(S(u"INSERT INTO Tables (DisplayName) SELECT DisplayName FROM Tables"));
+    Save(u"LASTPLAY", QString::number(2 + 7 * (kTables - 1)).toStdU16String().c_str());
+    Open();
+    EXPECT_EQ(Tree()->model()->rowCount(Root()), kTables);
+    EXPECT_EQ(Panel(1), S(u"32768 Tables in list.  "));
+    EXPECT_EQ(Tree()->currentIndex(), Table(kTables - 1));
 }
 
 // Selection.
@@ -296,13 +214,81 @@ TEST_F(MainWindowWithTables, AWrongNumberIsReported) {
     EXPECT_EQ(prompts.messages[0].text, S(u"Please enter a valid number"));
 }
 
-TEST_F(MainWindowWithTables, AWrongDateAddedEndsWithoutAWord) {
+TEST_F(MainWindowWithTables, AWrongDateAddedIsSaidInTheStatusBarAlone) {
     Open();
     PickFilter(u"Date Added");
     TypeValue(u"soon");
     Press(u"cmdGo");
     EXPECT_TRUE(prompts.messages.empty());
     EXPECT_EQ(Tree()->model()->rowCount(), 0);
+    EXPECT_EQ(Panel(1), QString());  // no count of tables that are not there
+    EXPECT_NE(Panel(2), QString());
+    EXPECT_FALSE(RefreshPending());
+    PickFilter(u"All");
+    Press(u"cmdGo");
+    EXPECT_EQ(Panel(1), S(u"3 Tables in list.  "));
+    EXPECT_EQ(Panel(2), QString());
+}
+
+TEST_F(MainWindowWithTables, ACatalogueThatFailsInARefreshIsSaidInTheStatusBar) {
+    Open();
+    connection->Close().Ignore();
+    Press(u"cmdGo");
+    EXPECT_EQ(Tree()->model()->rowCount(), 0);
+    EXPECT_EQ(Panel(1), QString());
+    EXPECT_NE(Panel(2), QString());
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(MainWindowWithTables, ValuesThatCannotBeReadAreSaidInTheStatusBar) {
+    Open();
+    connection->Close().Ignore();
+    PickFilter(u"Author");
+    EXPECT_NE(Panel(2), QString());
+    EXPECT_TRUE(Find<QWidget>(u"fraFilter")->isHidden());
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(MainWindowWithTables, ATableThatCannotBeReadIsSaidInTheStatusBar) {
+    Open();
+    connection->Close().Ignore();
+    Click(Table(0));
+    EXPECT_EQ(FieldText(2), QString());
+    EXPECT_NE(Panel(2), QString());
+    EXPECT_FALSE(Panel(2).startsWith(S(u"Current Table")));
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(MainWindowWithTables, ARefreshedTreeIsPaintedWithItsPanels) {
+    Open();
+    auto* bar = Find<QProgressBar>(u"prgLoad");
+    QApplication::processEvents();
+    const test_support::EventCounter paints(*Tree()->viewport(), QEvent::Paint);
+    const test_support::EventCounter progress(*bar, QEvent::Show);
+    Press(u"lblDirection");
+    Press(u"cmdGo");
+    EXPECT_EQ(progress.count(), 1);
+    EXPECT_TRUE(test_support::WaitFor([&] {
+        QApplication::processEvents();
+        return paints.count() > 0;
+    }));
+    EXPECT_FALSE(bar->isVisible());
+    for (const char16_t* panel : {u"sbrDB_1", u"sbrDB_2", u"sbrDB_3", u"sbrDB_4"})
+        EXPECT_TRUE(Find<QLabel>(panel)->isVisible()) << S(panel).toStdString();
+}
+
+TEST_F(MainWindowWithTables, ACommandShowsItsProgressInPlaceOfThePanels) {
+    Open();
+    auto* bar = Find<QProgressBar>(u"prgLoad");
+    window->ShowProgress(0, 200);
+    EXPECT_TRUE(bar->isVisible());
+    EXPECT_FALSE(Find<QLabel>(u"sbrDB_1")->isVisible());
+    window->ShowProgress(100, 200);
+    EXPECT_EQ(bar->value(), 100);
+    window->ShowProgress(200, 200);
+    EXPECT_FALSE(bar->isVisible());
+    EXPECT_TRUE(Find<QLabel>(u"sbrDB_1")->isVisible());
+    EXPECT_EQ(Panel(1), S(u"3 Tables in list.  "));
 }
 
 TEST_F(MainWindowWithTables, NoMatchIsReportedAndTheCountEmptied) {
@@ -410,6 +396,19 @@ TEST_F(MainWindowWithTables, EnterPlays) {
     EXPECT_EQ(plays.size(), 2U);
 }
 
+TEST_F(MainWindowWithTables, AHeldEnterPlaysOnce) {
+    Open();
+    Click(Table(0));
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
+        plays.clear();
+        for (const bool repeated : {false, true, true}) {
+            QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, S(u"\r"), repeated);
+            QApplication::sendEvent(Tree(), &press);
+        }
+        EXPECT_EQ(plays.size(), 1U) << key;
+    }
+}
+
 TEST_F(MainWindowWithTables, PlayButtonAndPopupPlayTheSameWay) {
     Open();
     Click(Table(0));
@@ -430,6 +429,17 @@ TEST_F(MainWindowWithTables, ARefreshDuringAPlayDoesNoHarm) {
     while_playing = [this] { window->RefreshTree(); };
     DoubleClick(Table(0));
     EXPECT_EQ(FieldText(2), QString());
+}
+
+TEST_F(MainWindowWithTables, NotesOfAMegabyteAreCutWhereNobodySeesThem) {
+    Execute(S(u"Update Tables set Notes = '") + QString(1 << 20, QLatin1Char('x')) +
+            S(u"' where DisplayName = 'Alpha'"));
+    Open();
+    Click(Table(0));
+    const auto* comments = Find<QLabel>(u"lblComments");
+    EXPECT_EQ(comments->text(), QString(4000, QLatin1Char('x')));
+    EXPECT_EQ(comments->toolTip(), comments->text());
+    EXPECT_EQ(FieldText(9).size(), 1 << 20);  // the record is whole
 }
 
 TEST_F(MainWindowWithTables, EveryCharacterKeyShowsTheNotes) {
@@ -453,6 +463,76 @@ TEST_F(MainWindowWithTables, F2AnywhereLoadsThePictureOnce) {
     EXPECT_EQ(commands, QStringList({S(u"clip"), S(u"clip"), S(u"clip")}));
     QTest::keyClick(Tree(), Qt::Key_F3);
     EXPECT_EQ(commands.size(), 3);
+}
+
+TEST_F(MainWindowWithTables, F2HeldOrInAnotherWindowLoadsNothing) {
+    Open();
+    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_F2, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(Tree(), &repeated);
+    QDialog other(window.get());
+    QLineEdit edit(&other);
+    other.show();
+    QTest::keyClick(&other, Qt::Key_F2);
+    QTest::keyClick(&edit, Qt::Key_F2);
+    EXPECT_TRUE(commands.isEmpty());
+}
+
+TEST_F(MainWindowWithTables, OnlyATableIsASelectedTable) {
+    Execute(S(u"Update Tables set FileName = '' where DisplayName = 'Beta'"));
+    Open();
+    EXPECT_FALSE(window->TableIsSelected());
+    Click(Table(0));
+    EXPECT_TRUE(window->TableIsSelected());
+    Click(Root());
+    EXPECT_FALSE(window->TableIsSelected());
+    Click(Table(1));  // without a file name
+    EXPECT_TRUE(window->TableIsSelected());
+    EXPECT_EQ(FieldText(2), S(u"Beta"));
+    Tree()->expand(Table(0));
+    Click(Detail(0, 0));
+    EXPECT_FALSE(window->TableIsSelected());
+}
+
+// Editing.
+
+TEST_F(MainWindowWithTables, ASavedFileNameIsThatOfTheNode) {
+    Open();
+    Click(Table(0));
+    const QString moved = MakeFile(S(u"moved.vpt"));
+    window->details().SetDetailText(3, moved);
+    window->details().Save();
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+    EXPECT_EQ(FieldText(3), moved);
+    EXPECT_EQ(window->SelectedTag(), moved);
+    Press(u"cmdPlay");
+    EXPECT_EQ(plays, std::vector<Play>({{moved, S(u"Alpha"), 1}}));
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+    Click(Table(1));
+    Click(Table(0));
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+}
+
+TEST_F(MainWindowWithTables, ARecordSavedWhileTheRootIsSelectedStaysShown) {
+    Open();
+    Click(Table(0));
+    Click(Root());
+    window->details().SetDetailText(3, MakeFile(S(u"moved.vpt")));
+    window->details().Save();
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+    EXPECT_EQ(window->SelectedTag(), S(u"X1"));
+}
+
+TEST_F(MainWindowWithTables, AfterADeleteTheTreeIsRebuiltAndThePanelEmpty) {
+    Open();
+    Click(Table(0));
+    Press(u"cmdDelete");
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].title, S(u"Warning"));
+    EXPECT_EQ(TableNames(), QStringList({S(u"Beta"), S(u"Gamma")}));
+    EXPECT_EQ(Panel(1), S(u"2 Tables in list.  "));
+    for (int field = 0; field <= 12; ++field)
+        EXPECT_EQ(FieldText(field), QString()) << field;
+    EXPECT_EQ(Panel(2), QString());
 }
 
 // The pop-up menu.
@@ -527,10 +607,25 @@ TEST_F(MainWindowWithTables, AChangedRecordLocksWhatCouldMoveTheSelectionAway) {
         EXPECT_FALSE(Find<QWidget>(name)->isEnabled()) << S(name).toStdString();
     EXPECT_FALSE(Find<QMenu>(u"mnuFile")->menuAction()->isEnabled());
     EXPECT_FALSE(Find<QMenu>(u"mnuUtilities")->menuAction()->isEnabled());
-    EXPECT_TRUE(Find<QMenu>(u"mnuHelp")->menuAction()->isEnabled());
     window->details().Save();
     EXPECT_TRUE(Find<QWidget>(u"tvwDB")->isEnabled());
     EXPECT_TRUE(Find<QMenu>(u"mnuFile")->menuAction()->isEnabled());
+}
+
+TEST_F(MainWindowWithTables, AChangedRecordLocksNothingElse) {
+    Open();
+    Click(Table(0));
+    EditName();
+    for (const char16_t* menu : {u"mnuOptions", u"mnuHelp"})
+        EXPECT_TRUE(Find<QMenu>(menu)->menuAction()->isEnabled()) << S(menu).toStdString();
+    for (const char16_t* name :
+         {u"cboOrder",    u"lblDirection", u"DetTab",   u"cmdChange", u"cmdCancel",   u"cmdDelete",
+          u"cmdReadInfo", u"Command2",     u"Command3", u"Command4",  u"chkFavorite", u"chkPinMame",
+          u"txtDet_1",    u"txtDet_2",     u"txtDet_3", u"txtDet_4",  u"txtDet_5",    u"txtDet_6",
+          u"txtDet_7",    u"txtDet_8",     u"txtDet_9", u"txtDet_10", u"txtDet_11"})
+        EXPECT_TRUE(Find<QWidget>(name)->isEnabled()) << S(name).toStdString();
+    for (const char16_t* item : {u"mnuMin", u"mnuSound"})
+        EXPECT_TRUE(Action(item)->isEnabled()) << S(item).toStdString();
 }
 
 TEST_F(MainWindowWithTables, OpeningTheFileMenuClearsTheNotes) {
@@ -559,11 +654,13 @@ TEST_F(MainWindowWithTables, AMaximisedWindowHasNoDefaultSize) {
     EXPECT_EQ(window->size(), size);
 }
 
-TEST_F(MainWindowWithTables, PathsAndDatesCannotBeResetFromTheRulesTab) {
+TEST_F(MainWindowWithTables, PathsAndDatesCannotBeResetFromTheRulesText) {
     Open();
     window->SetCommand(S(u"mnuRest"), [] {});
     window->SetCommand(S(u"mnuDates"), [] {});
     window->details().SetCurrentTab(3);
+    const auto* tabs = Find<QTabWidget>(u"DetTab");
+    EXPECT_EQ(tabs->tabText(tabs->currentIndex()), S(u"Rules Text"));
     Q_EMIT Find<QMenu>(u"mnuUtilities")->aboutToShow();
     EXPECT_FALSE(Action(u"mnuRest")->isEnabled());
     EXPECT_FALSE(Action(u"mnuDates")->isEnabled());
@@ -571,90 +668,6 @@ TEST_F(MainWindowWithTables, PathsAndDatesCannotBeResetFromTheRulesTab) {
     Q_EMIT Find<QMenu>(u"mnuUtilities")->aboutToShow();
     EXPECT_TRUE(Action(u"mnuRest")->isEnabled());
     EXPECT_TRUE(Action(u"mnuDates")->isEnabled());
-}
-
-// Closing.
-
-TEST_F(MainWindowWithTables, ExitClosesTheWindowAndTheCatalogue) {
-    Open();
-    Action(u"mnuExit")->trigger();
-    EXPECT_FALSE(window->isVisible());
-    EXPECT_FALSE(connection->is_open());
-    EXPECT_EQ(settings.written.front(), S(u"DIRECTION"));
-    EXPECT_EQ(Saved(u"WIDTH"), S(u"9570"));
-    EXPECT_EQ(Saved(u"HEIGHT"), S(u"6885"));
-    EXPECT_EQ(Saved(u"WINDOWSTATE"), S(u"0"));
-    EXPECT_GT(Saved(u"SCALEHEIGHT").toInt(), 0);
-}
-
-TEST_F(MainWindowWithTables, AChangedRecordRefusesTheCloseWithoutAWord) {
-    Open();
-    Click(Table(0));
-    EditName();
-    EXPECT_FALSE(window->close());
-    EXPECT_TRUE(connection->is_open());
-    EXPECT_TRUE(prompts.messages.empty());
-    EXPECT_TRUE(settings.written.empty());
-}
-
-TEST_F(MainWindowWithTables, AWrongValueRefusesTheClose) {
-    Open();
-    PickFilter(u"File Date");
-    TypeValue(u"soon");
-    EXPECT_FALSE(window->close());
-    ASSERT_EQ(prompts.messages.size(), 1U);
-    EXPECT_EQ(prompts.messages[0].text, S(u"Please enter a valid date"));
-    PickFilter(u"Times Played");
-    TypeValue(u"often");
-    EXPECT_FALSE(window->close());
-    ASSERT_EQ(prompts.messages.size(), 2U);
-    EXPECT_EQ(prompts.messages[1].text, S(u"Please enter a valid number"));
-    PickFilter(u"Author");
-    EXPECT_TRUE(window->close());
-}
-
-TEST_F(MainWindowWithTables, WorkFilesOfTheCaptureAreRemoved) {
-    Open();
-    MakeFile(S(u"temp.jpg"));
-    MakeFile(S(u"temp.bmp"));
-    window->close();
-    EXPECT_FALSE(QFile::exists(folder.filePath(S(u"temp.jpg"))));
-    EXPECT_FALSE(QFile::exists(folder.filePath(S(u"temp.bmp"))));
-    EXPECT_TRUE(QFile::exists(alpha));
-}
-
-TEST_F(MainWindowWithTables, ClosingDuringAPlayIsClean) {
-    Open();
-    while_playing = [this] { window->close(); };
-    DoubleClick(Table(0));
-    EXPECT_FALSE(connection->is_open());
-}
-
-TEST_F(MainWindowTest, TheCountPasses16Bits) {
-    constexpr int kTables = 1 << 15;
-    Execute(S(u"DROP INDEX DisplayName ON Tables"));
-    Execute(S(u"DROP INDEX FileName ON Tables"));
-    AddTable(S(u"t"));
-    for (int tables = 1; tables < kTables; tables *= 2)
-        Execute(S(u"INSERT INTO Tables (DisplayName) SELECT DisplayName FROM Tables"));
-    Save(u"LASTPLAY", QString::number(2 + 7 * (kTables - 1)).toStdU16String().c_str());
-    Open();
-    EXPECT_EQ(Tree()->model()->rowCount(Root()), kTables);
-    EXPECT_EQ(Panel(1), S(u"32768 Tables in list.  "));
-    EXPECT_EQ(Tree()->currentIndex(), Table(kTables - 1));
-}
-
-TEST_F(MainWindowTest, AnEmptyCatalogueKeepsTheSavedOperator) {
-    Save(u"OPERATOR", u"<");
-    Open();
-    window->close();
-    EXPECT_EQ(Saved(u"OPERATOR"), S(u"<"));
-}
-
-TEST_F(MainWindowTest, AnEmptyCatalogueWritesTheDefaultOperator) {
-    Open();
-    window->close();
-    EXPECT_EQ(Saved(u"OPERATOR"), S(u"="));
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 #include <QtCore/QAbstractItemModel>
 #include <QtGui/QFont>
 #include <QtTest/QAbstractItemModelTester>
+#include <QtTest/QSignalSpy>
+
+#include <mutex>
 
 namespace browser {
 namespace {
@@ -25,6 +28,14 @@ protected:
     }
     static QString IconKey(const QModelIndex& index) {
         return index.data(TableTreeModel::kIconKeyRole).toString();
+    }
+    // Asks for the table's icon and waits until the file system has answered.
+    QString SettledIconKey(const QModelIndex& table) {
+        QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
+        IconKey(table);
+        EXPECT_TRUE(changes.count() > 0 || changes.wait());
+        EXPECT_EQ(changes.value(0).value(0).toModelIndex(), table);
+        return IconKey(table);
     }
 
     TableTreeModel model;
@@ -88,7 +99,7 @@ TEST_P(TableIconTest, FollowsFileAndFlags) {
     AddRow(S(u"DisplayName, FileName, PinMame, Favorite"),
            QStringLiteral("'T', '%1', %2").arg(file, S(GetParam().flags)));
     Show();
-    EXPECT_EQ(IconKey(Table(0)), S(GetParam().icon));
+    EXPECT_EQ(SettledIconKey(Table(0)), S(GetParam().icon));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -104,24 +115,51 @@ TEST_F(TableTreeModelTest, AFolderAndAnEmptyNameAreMissingFiles) {
     AddTable(S(u"A"), folder.path());
     AddTable(S(u"B"), {});
     Show();
-    EXPECT_EQ(IconKey(Table(0)), S(u"stop"));
-    EXPECT_EQ(IconKey(Table(1)), S(u"stop"));
+    EXPECT_EQ(SettledIconKey(Table(0)), S(u"stop"));
+    EXPECT_EQ(SettledIconKey(Table(1)), S(u"stop"));
+}
+
+TEST_F(TableTreeModelTest, UntilTheFileSystemAnswersATableHasTheIconOfItsRecord) {
+    AddRow(S(u"DisplayName, FileName, Favorite"), S(u"'A', '/gone/a.vpt', true"));
+    Show();
+    EXPECT_EQ(IconKey(Table(0)), S(u"favorite"));
+    EXPECT_EQ(SettledIconKey(Table(0)), S(u"stop"));
+}
+
+TEST_F(TableTreeModelTest, ATableThatStandsForAnotherFileHasItsTagAndItsIcon) {
+    AddTable(S(u"A"), MakeFile(S(u"a.vpt")));
+    Show();
+    EXPECT_EQ(SettledIconKey(Table(0)), S(u"pinball"));
+    const QString gone = folder.filePath(S(u"gone.vpt"));
+    model.SetFileName(Table(0), gone);
+    EXPECT_EQ(TableTreeModel::Tag(Table(0)), gone);
+    EXPECT_EQ(SettledIconKey(Table(0)), S(u"stop"));
+    Show();
+    EXPECT_EQ(TableTreeModel::Tag(Table(0)), folder.filePath(S(u"a.vpt")));
 }
 
 TEST_F(TableTreeModelTest, FilesAreLookedUpOnceAndOnlyWhenTheirRowIsDrawn) {
     for (const char16_t* name : {u"a", u"b", u"c"})
         AddTable(S(name), S(name));
+    std::mutex mutex;
     QStringList asked;
     TableTreeModel counting({}, [&](const QString& path) {
+        const std::lock_guard lock(mutex);
         asked.append(path);
         return true;
     });
+    QSignalSpy answers(&counting, &QAbstractItemModel::dataChanged);
     counting.Show(Snapshot(), S(u"All"), S(u"pinball"));
-    EXPECT_TRUE(asked.isEmpty());
-    const QModelIndex second = counting.index(1, 0, counting.RootIndex());
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(IconKey(second), S(u"pinball"));
-    EXPECT_EQ(asked, QStringList({S(u"b")}));
+    for (const int row : {1, 1, 0, 1}) {
+        IconKey(counting.index(row, 0, counting.RootIndex()));
+        if (row == 0) {
+            ASSERT_TRUE(answers.wait());
+        }
+    }
+    while (answers.count() < 2)
+        ASSERT_TRUE(answers.wait());
+    asked.sort();
+    EXPECT_EQ(asked, QStringList({S(u"a"), S(u"b")}));
 }
 
 TEST_F(TableTreeModelTest, AnIconThatWasSetStaysUntilTheNextSelection) {

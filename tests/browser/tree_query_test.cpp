@@ -72,6 +72,15 @@ TEST_F(TreeQueryTest, AValueWithAQuoteFindsItsRow) {
     EXPECT_EQ(Names(ByValue(u"Author", u"=", u"O'Hara")), QStringList({S(u"t")}));
 }
 
+TEST_F(TreeQueryTest, AQuoteInAValueIsNeverDoubled) {
+    AddRow(S(u"DisplayName, Author"), S(u"'t', 'O''Hara | Sons'"));
+    const auto sql = SelectionSql(*connection, ByValue(u"Author", u"=", u"O'Hara | Sons"));
+    ASSERT_TRUE(sql.ok() && *sql);
+    EXPECT_EQ((*sql)->toStdString(),
+              "Select * from Tables Where Author = 'O' & chr(39) & 'Hara ' & chr(124) & ' Sons'"
+              " Order By DisplayName Asc");
+}
+
 TEST_F(TreeQueryTest, TheCountIsKnownAtTheLastRow) {
     for (const char16_t* name : {u"a", u"b", u"c"})
         AddTable(S(name));

@@ -59,6 +59,7 @@ class FakeSettings final : public platform::SettingsStore {
 public:
     QMap<QString, QString> values;  // "application/section/key"
     std::vector<QString> written;   // keys in the order of writing
+    std::function<void()> on_save;
 
     QString GetSetting(const QString& application, const QString& section, const QString& key,
                        const QString& fallback) override {
@@ -66,6 +67,7 @@ public:
     }
     void SaveSetting(const QString& application, const QString& section, const QString& key,
                      const QString& value) override {
+        if (on_save) on_save();
         written.push_back(key);
         values[Name(application, section, key)] = value;
     }

@@ -1,4 +1,4 @@
-// DetailRecord: one row of the catalogue as the detail panel shows it, its way out of the database
+// TableRecord: one row of the catalogue as the detail panel shows it, its way out of the database
 // and back. Errors are the engine's, with its number and text.
 #pragma once
 
@@ -31,29 +31,29 @@ enum DetailField : int {
 };
 
 // What a row gave, as far as it could be read: the rest is empty, unchecked or nullopt.
-struct DetailRecord {
+struct TableRecord {
     std::array<QString, kDetailFieldCount> fields;
     bool pin_mame = false;
     bool favorite = false;
     bool checks_read = false;             // everything above was read
     std::optional<QString> times_played;  // empty text: Null
     std::optional<QString> last_played;   // empty text: Null
-    bool operator==(const DetailRecord&) const = default;
+    bool operator==(const TableRecord&) const = default;
 };
 
 // Fills `record` from the first row with this FileName, field by field in a fixed order (the file
 // date before the rules file). On failure what was read so far stays in `record`. 3021: there is no
 // such row. Requires: `record` is new.
-base::Status LoadDetailRecord(jet::Connection& connection, const QString& file_name,
-                              DetailRecord& record);
+base::Status LoadTableRecord(jet::Connection& connection, const QString& file_name,
+                             TableRecord& record);
 
 // The first of the fields image, flyer and rules file that is not blank and names no file; nullopt:
 // all are right.
-std::optional<DetailField> FirstMissingFile(const DetailRecord& record);
+std::optional<DetailField> FirstMissingFile(const TableRecord& record);
 
 // Writes the fields that a user may edit, and both check boxes, into the row with the id in
 // `record`; rules text, id and file date are left alone. All or nothing. 3021: the row is gone.
-base::Status SaveDetailRecord(jet::Connection& connection, const DetailRecord& record);
+base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& record);
 
 // Writes the rules text alone. 3021: the row is gone.
 base::Status SaveRulesText(jet::Connection& connection, const QString& id, const QString& text);

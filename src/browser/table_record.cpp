@@ -1,4 +1,4 @@
-#include "browser/detail_record.h"
+#include "browser/table_record.h"
 
 #include "catalogue/pin_subs.h"
 #include "platform/files.h"
@@ -53,14 +53,14 @@ jet::Value FieldValue(const QString& text, EmptyText empty) {
     return jet::Value::Text(text.toStdU16String());
 }
 
-base::Status WriteFields(jet::Recordset& rows, const DetailRecord& record,
+base::Status WriteFields(jet::Recordset& rows, const TableRecord& record,
                          std::span<const FieldColumn> columns, EmptyText empty) {
     for (const auto& [field, column] : columns)
         RETURN_IF_ERROR(rows.SetField(column, FieldValue(record.fields[field], empty)));
     return {};
 }
 
-base::Status WriteChecks(jet::Recordset& rows, const DetailRecord& record) {
+base::Status WriteChecks(jet::Recordset& rows, const TableRecord& record) {
     RETURN_IF_ERROR(rows.SetField(u"PinMame", jet::Value::Boolean(record.pin_mame)));
     return rows.SetField(u"favorite", jet::Value::Boolean(record.favorite));
 }
@@ -91,8 +91,8 @@ base::Result<bool> IsTrue(jet::Recordset& rows, std::u16string_view column) {
 
 }  // namespace
 
-base::Status LoadDetailRecord(jet::Connection& connection, const QString& file_name,
-                              DetailRecord& record) {
+base::Status LoadTableRecord(jet::Connection& connection, const QString& file_name,
+                             TableRecord& record) {
     const QString sql = QStringLiteral("Select * from tables where FileName = '") +
                         catalogue::QuoteSqlExpr(file_name) + QStringLiteral("'");
     jet::Recordset rows;
@@ -108,7 +108,7 @@ base::Status LoadDetailRecord(jet::Connection& connection, const QString& file_n
     return {};
 }
 
-std::optional<DetailField> FirstMissingFile(const DetailRecord& record) {
+std::optional<DetailField> FirstMissingFile(const TableRecord& record) {
     for (const DetailField field : {kImageFile, kFlyerFile, kRulesFile}) {
         const QString& path = record.fields[field];
         if (!path.trimmed().isEmpty() && !platform::FileExists(path)) return field;
@@ -116,7 +116,7 @@ std::optional<DetailField> FirstMissingFile(const DetailRecord& record) {
     return std::nullopt;
 }
 
-base::Status SaveDetailRecord(jet::Connection& connection, const DetailRecord& record) {
+base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& record) {
     jet::Recordset rows;
     RETURN_IF_ERROR(OpenById(connection, record.fields[kId], rows));
     return WriteRow(rows, [&](EmptyText empty) {

@@ -1,0 +1,73 @@
+#include "browser/status_panels.h"
+
+#include <gtest/gtest.h>
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QProgressBar>
+
+namespace browser {
+namespace {
+
+class StatusPanelsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        window.setStatusBar(&panels);
+        window.show();
+    }
+    QLabel* Panel(int number) {
+        return panels.findChild<QLabel*>(QStringLiteral("sbrDB_%1").arg(number));
+    }
+    QProgressBar* Bar() { return panels.findChild<QProgressBar*>(QStringLiteral("prgLoad")); }
+    void ExpectPanels(bool visible) {
+        for (int number = 1; number <= 4; ++number)
+            EXPECT_EQ(Panel(number)->isVisible(), visible) << number;
+        EXPECT_EQ(Bar()->isVisible(), !visible);
+    }
+
+    QMainWindow window;
+    StatusPanels& panels = *new StatusPanels;  // the window's
+};
+
+TEST_F(StatusPanelsTest, APanelShowsItsTextAndTellsAllOfItUnderThePointer) {
+    panels.SetPanelText(1, QStringLiteral("12 Tables in list.  "));
+    EXPECT_EQ(Panel(1)->text(), QStringLiteral("12 Tables in list.  "));
+    EXPECT_EQ(Panel(1)->toolTip(), QStringLiteral("12 Tables in list."));
+    ExpectPanels(true);
+}
+
+TEST_F(StatusPanelsTest, TheProgressBarTakesThePlaceOfThePanelsUntilTheEnd) {
+    panels.StartProgress(200);
+    EXPECT_TRUE(panels.in_progress());
+    EXPECT_EQ(Bar()->maximum(), 200);
+    EXPECT_EQ(Bar()->value(), 0);
+    ExpectPanels(false);
+    panels.Advance(100);
+    EXPECT_EQ(Bar()->value(), 100);
+    ExpectPanels(false);
+    panels.EndProgress();
+    EXPECT_FALSE(panels.in_progress());
+    ExpectPanels(true);
+}
+
+TEST_F(StatusPanelsTest, TheNextProgressBeginsAtNothing) {
+    panels.StartProgress(10);
+    panels.Advance(10);
+    panels.EndProgress();
+    panels.StartProgress(1000);
+    EXPECT_EQ(Bar()->value(), 0);
+    EXPECT_EQ(Bar()->maximum(), 1000);
+    panels.Advance(10);  // a hundredth
+    EXPECT_EQ(Bar()->value(), 10);
+    panels.Advance(15);  // less than another one
+    EXPECT_EQ(Bar()->value(), 10);
+}
+
+TEST_F(StatusPanelsTest, ALongTextInTheNamePanelDoesNotWidenTheWindow) {
+    const int before = panels.minimumSizeHint().width();
+    panels.SetPanelText(kFailurePanel, QString(2000, QLatin1Char('x')));
+    EXPECT_EQ(panels.minimumSizeHint().width(), before);
+}
+
+}  // namespace
+}  // namespace browser
