@@ -24,10 +24,11 @@ constexpr int kImageFileField = 7;
 }  // namespace
 
 Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                   browser::frmPinball& window)
-    : catalogue_(catalogue), prompts_(prompts), window_(window),
+                   const OutsideWorld& outside, browser::frmPinball& window)
+    : catalogue_(catalogue), prompts_(prompts), outside_(outside), window_(window),
       refresh_tree_([this] { window_.RefreshTree(); }), splash_(&window),
-      launcher_({catalogue, *windows_, *starter_, *sounds_, events_, splash_, prompts},
+      launcher_({catalogue, outside_.windows, outside_.programs, outside_.sounds, events_, splash_,
+                 prompts},
                 WindowActions()) {
     AttachScan();
     AttachUtilities();
@@ -69,8 +70,9 @@ void Commands::AttachUtilities() {
 }
 
 void Commands::AttachCatalogueDialogs() {
-    window_.SetCommand(QStringLiteral("mnuExe"),
-                       [this] { dialogs::frmSettings(catalogue_, prompts_, &window_).exec(); });
+    window_.SetCommand(QStringLiteral("mnuExe"), [this] {
+        if (!RaiseSettings()) dialogs::frmSettings(catalogue_, prompts_, &window_).exec();
+    });
     window_.SetCommand(QStringLiteral("mnuRest"), [this] {
         maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
     });
@@ -81,28 +83,43 @@ void Commands::AttachCatalogueDialogs() {
 
 void Commands::AttachHelp() {
     window_.SetCommand(QStringLiteral("mnuHelpContents"), [this] {
-        dialogs::OpenHelp(*shell_, catalogue_.values->ApplicationFolder);
+        dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder);
     });
     window_.SetCommand(QStringLiteral("mnuAbout"), [this] {
-        dialogs::frmAbout(prompts_, *shell_, *starter_, &window_).exec();
+        dialogs::frmAbout(prompts_, outside_.shell, outside_.programs, &window_).exec();
     });
 }
 
 void Commands::AttachPictures() {
     window_.SetCommand(QStringLiteral("mnuTI"), [this] {
-        browser::ViewTableInfo(window_.SelectedTag(), window_.details(), prompts_, *shell_,
+        browser::ViewTableInfo(window_.SelectedTag(), window_.details(), prompts_, outside_.shell,
                                &window_);
     });
-    window_.SetCommand(QStringLiteral("mnuClip"), [this] {
-        const QString tag = window_.SelectedTag();
-        if (tag.isEmpty() || tag == browser::kDetailTag) return;
-        const auto assign = [this](const QString& path) {
-            window_.details().SetDetailText(kImageFileField, path);
-            window_.details().Save();
-        };
-        pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(),
-                                           assign, &window_);
-    });
+    window_.SetCommand(QStringLiteral("mnuClip"), [this] { LoadPicture(); });
+}
+
+void Commands::LoadPicture() {
+    if (!window_.TableIsSelected()) return;
+    const auto assign = [this](const QString& path) {
+        window_.details().SetDetailText(kImageFileField, path);
+        window_.details().Save();
+    };
+    pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(), assign,
+                                       &window_);
+}
+
+bool Commands::RaiseSettings() {
+    if (!settings_ || !settings_->isVisible()) return false;
+    settings_->raise();
+    settings_->activateWindow();
+    return true;
+}
+
+void Commands::ShowSettings() {
+    if (RaiseSettings()) return;
+    settings_ = new dialogs::frmSettings(catalogue_, prompts_, &window_);
+    settings_->setAttribute(Qt::WA_DeleteOnClose);
+    settings_->show();
 }
 
 void Commands::AttachPlay() {
@@ -110,7 +127,7 @@ void Commands::AttachPlay() {
         launcher_.PlayTable(path, display_name, id);
     });
     window_.SetPlaySound([this](const QString& wave_file_name) {
-        sounds_->PlaySynchronously(
+        outside_.sounds.PlaySynchronously(
             platform::FileIn(catalogue_.values->ApplicationFolder, wave_file_name));
     });
 }
@@ -118,11 +135,7 @@ void Commands::AttachPlay() {
 launcher::MainWindowActions Commands::WindowActions() {
     return {[this] { return window_.windowState(); }, [this] { window_.showMinimized(); },
             [this](Qt::WindowStates state) { window_.setWindowState(state); },
-            [this] {
-                auto* settings = new dialogs::frmSettings(catalogue_, prompts_, &window_);
-                settings->setAttribute(Qt::WA_DeleteOnClose);
-                settings->show();
-            }};
+            [this] { ShowSettings(); }};
 }
 
 }  // namespace app

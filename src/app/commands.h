@@ -12,17 +12,30 @@
 #include "platform/sound_player.h"
 #include "platform/window_control.h"
 
+#include <QtCore/QPointer>
+
 #include <functional>
-#include <memory>
+
+namespace dialogs {
+class frmSettings;
+}
 
 namespace app {
+
+// What the commands reach of the world outside the program. Borrowed; outlive the commands.
+struct OutsideWorld {
+    platform::Shell& shell;
+    platform::ProcessStarter& programs;
+    platform::SoundPlayer& sounds;
+    platform::WindowControl& windows;
+};
 
 class Commands {
 public:
     // Everything is borrowed. `catalogue` and `prompts` outlive the commands; the commands live as
     // long as `window` is used.
     Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-             browser::frmPinball& window);
+             const OutsideWorld& outside, browser::frmPinball& window);
 
 private:
     void AttachScan();
@@ -31,21 +44,23 @@ private:
     void AttachHelp();
     void AttachPictures();
     void AttachPlay();
+    void LoadPicture();
+    // Without waiting for its end.
+    void ShowSettings();
+    bool RaiseSettings();
     launcher::MainWindowActions WindowActions();
     maintenance::CommandContext Context();
 
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;
+    OutsideWorld outside_;
     browser::frmPinball& window_;
     std::function<void()> refresh_tree_;
     browser::SplashDisplay splash_;
     dialogs::QtUserEvents events_;
     dialogs::QtUserEvents held_back_events_{dialogs::UserInput::kHeldBack};
-    std::unique_ptr<platform::Shell> shell_ = platform::MakeShell();
-    dialogs::HelpKey help_key_{*shell_, catalogue_.values->ApplicationFolder};
-    std::unique_ptr<platform::ProcessStarter> starter_ = platform::MakeProcessStarter();
-    std::unique_ptr<platform::SoundPlayer> sounds_ = platform::MakeSoundPlayer();
-    std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
+    dialogs::HelpKey help_key_{outside_.shell, catalogue_.values->ApplicationFolder};
+    QPointer<dialogs::frmSettings> settings_;  // as long as it is open
     launcher::Launcher launcher_;
 };
 

@@ -62,7 +62,11 @@ int RunProgram(const QString& folder_argument) {
 
     browser::frmPinball window(catalogue, prompts);
     prompts.SetOwner(&window);
-    app::Commands commands(catalogue, prompts, window);
+    const auto shell = platform::MakeShell();
+    const auto programs = platform::MakeProcessStarter();
+    const auto sounds = platform::MakeSoundPlayer();
+    const auto windows = platform::MakeWindowControl();
+    app::Commands commands(catalogue, prompts, {*shell, *programs, *sounds, *windows}, window);
     window.Load();
     window.show();
     window.AskForWhatIsMissing();

@@ -1,0 +1,283 @@
+// What the menus, the keys and the end of the program set in motion, in the real main window; the
+// world outside is faked.
+#include "app/commands.h"
+
+#include "browser/menu_layout.h"
+#include "browser/tree_fixture.h"
+#include "dialogs/frmSettings.h"
+#include "pictures/frmPicture.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QTimer>
+#include <QtGui/QAction>
+#include <QtGui/QClipboard>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QTreeView>
+
+namespace app {
+namespace {
+
+QString S(const char16_t* text) {
+    return QString::fromUtf16(text);
+}
+
+const QString kPlaying = QStringLiteral("Visual Pinball - [alpha*]");
+const QString kEnded = QStringLiteral("Visual Pinball - [alpha]");
+
+class CommandsTest : public browser::TreeFixture {
+protected:
+    void SetUp() override {
+        TreeFixture::SetUp();
+        QGuiApplication::clipboard()->clear();
+        values.VisualPinballExe = S(u"/bin/vp");
+        alpha = MakeFile(S(u"alpha.vpt"));
+        AddTable(S(u"Alpha"), alpha);
+        AddTable(S(u"Beta"), {});
+        window = std::make_unique<browser::frmPinball>(catalogue, prompts);
+        commands = std::make_unique<Commands>(
+            catalogue, prompts, OutsideWorld{shell, programs, sounds, windows}, *window);
+        window->Load();
+        window->show();
+    }
+    QAction* Action(const QString& name) {
+        auto* const action = window->findChild<QAction*>(name);
+        EXPECT_TRUE(action) << name.toStdString();
+        return action;
+    }
+    void Run(const char16_t* item) { Action(S(item))->trigger(); }
+    QTreeView* Tree() { return window->findChild<QTreeView*>(S(u"tvwDB")); }
+    void Select(int table) {
+        const QAbstractItemModel& model = *Tree()->model();
+        Tree()->setCurrentIndex(model.index(table, 0, model.index(0, 0)));
+    }
+    void SelectRoot() { Tree()->setCurrentIndex(Tree()->model()->index(0, 0)); }
+    void Press(const char16_t* button) {
+        QTest::mouseClick(window->findChild<QWidget*>(S(button)), Qt::LeftButton);
+    }
+    std::vector<dialogs::frmSettings*> SettingsWindows() {
+        std::vector<dialogs::frmSettings*> open;
+        for (auto* settings_window : window->findChildren<dialogs::frmSettings*>())
+            if (settings_window->isVisible()) open.push_back(settings_window);
+        return open;
+    }
+    // Calls `look` with the modal window that the next command opens, and closes it.
+    void InTheModalWindow(const std::function<void(QWidget&)>& look) {
+        QTimer::singleShot(0, window.get(), [look] {
+            QWidget* const modal = QApplication::activeModalWidget();
+            ASSERT_TRUE(modal);
+            look(*modal);
+            modal->close();
+        });
+    }
+
+    test_support::FakeShell shell;
+    test_support::FakeProcessStarter programs;
+    test_support::FakeSound sounds;
+    test_support::FakeWindows windows;
+    QString alpha;
+    std::unique_ptr<browser::frmPinball> window;
+    std::unique_ptr<Commands> commands;
+};
+
+TEST_F(CommandsTest, EveryItemOfTheMenusDoesSomething) {
+    std::vector<browser::MenuLayout> menus(browser::MenuBarLayout().begin(),
+                                           browser::MenuBarLayout().end());
+    menus.push_back(browser::PopupLayout());
+    for (const browser::MenuLayout& menu : menus) {
+        for (const browser::MenuItem& item : menu.items) {
+            if (item.caption == u"-") continue;
+            const bool is_heading = item.name == u"mnumnu";
+            EXPECT_EQ(Action(item.name.toString())->isEnabled(), !is_heading)
+                << item.name.toString().toStdString();
+        }
+    }
+}
+
+// Playing.
+
+TEST_F(CommandsTest, APlayCountsStartsMinimisesAndRestores) {
+    values.MinimiseOnPlay = true;
+    values.SoundOn = true;
+    bool was_minimised = false;
+    windows.windows = {{S(u"VPinball"), kPlaying}};
+    windows.on_find = [&] {
+        was_minimised = was_minimised || window->isMinimized();
+        windows.windows = {{S(u"VPinball"), kEnded}};
+    };
+    Select(0);
+    Press(u"cmdPlay");
+    EXPECT_EQ(Scalar(S(u"Select TimesPlayed from Tables where DisplayName = 'Alpha'")), S(u"1"));
+    EXPECT_EQ(programs.started,
+              std::vector<QString>{QStringLiteral("\"/bin/vp\" /Play -\"%1\"").arg(alpha)});
+    EXPECT_EQ(sounds.played, (std::vector<QString>{folder.filePath(S(u"slingshot.wav")),
+                                                   folder.filePath(S(u"Pinball.wav"))}));
+    EXPECT_TRUE(was_minimised);
+    EXPECT_FALSE(window->isMinimized());
+    EXPECT_EQ(windows.closed, std::vector<QString>{kEnded});
+}
+
+TEST_F(CommandsTest, ClosingTheWindowEndsTheWatchOfAPlay) {
+    int finds = 0;
+    windows.windows = {{S(u"VPinball"), kPlaying}};
+    windows.on_find = [&] {
+        // A watch that goes on after the close would never end.
+        ASSERT_LT(++finds, 100);
+        if (finds == 3) window->close();
+        if (finds == 99) windows.windows.clear();
+    };
+    Select(0);
+    Press(u"cmdPlay");
+    EXPECT_EQ(finds, 3);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(connection->is_open());
+    EXPECT_TRUE(windows.closed.empty());
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(settings.written.size(), 13U);
+}
+
+TEST_F(CommandsTest, WithoutAnExecutablePlayOpensTheSettingsOnce) {
+    values.VisualPinballExe.clear();
+    Select(0);
+    for (int i = 0; i < 3; ++i)
+        Press(u"cmdPlay");
+    EXPECT_EQ(prompts.messages.size(), 3U);
+    EXPECT_EQ(SettingsWindows().size(), 1U);
+    EXPECT_FALSE(SettingsWindows()[0]->isModal());
+    EXPECT_TRUE(programs.started.empty());
+    EXPECT_EQ(Scalar(S(u"Select TimesPlayed from Tables where DisplayName = 'Alpha'")), S(u"3"));
+}
+
+TEST_F(CommandsTest, TheSettingsThatAreOpenComeToTheFrontAndCanBeOpenedAgainLater) {
+    values.VisualPinballExe.clear();
+    Select(0);
+    Press(u"cmdPlay");
+    ASSERT_EQ(SettingsWindows().size(), 1U);
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    Run(u"mnuExe");  // returns at once
+    ASSERT_EQ(SettingsWindows().size(), 1U);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(SettingsWindows()[0]));
+    SettingsWindows()[0]->close();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return SettingsWindows().empty(); }));
+    Press(u"cmdPlay");
+    EXPECT_EQ(SettingsWindows().size(), 1U);
+}
+
+TEST_F(CommandsTest, SettingsOpenedByTheMenuAreModal) {
+    QString title;
+    InTheModalWindow([&](QWidget& modal) { title = modal.windowTitle(); });
+    Run(u"mnuExe");
+    EXPECT_EQ(title, S(u"Settings"));
+    EXPECT_TRUE(SettingsWindows().empty());
+}
+
+// The picture on the clipboard.
+
+TEST_F(CommandsTest, GroupNodesTakeNoPicture) {
+    Select(0);
+    SelectRoot();
+    QTest::keyClick(Tree(), Qt::Key_F2);
+    Run(u"mnuClip");
+    Select(0);
+    const QAbstractItemModel& model = *Tree()->model();
+    Tree()->setCurrentIndex(model.index(0, 0, Tree()->currentIndex()));
+    QTest::keyClick(Tree(), Qt::Key_F2);
+    Tree()->setCurrentIndex({});
+    QTest::keyClick(Tree(), Qt::Key_F2);
+    EXPECT_TRUE(prompts.messages.empty());  // not even asked for a picture
+}
+
+TEST_F(CommandsTest, ATableTakesAPictureWithOrWithoutAFileName) {
+    for (const int table : {0, 1}) {
+        Select(table);
+        QTest::keyClick(Tree(), Qt::Key_F2);
+    }
+    ASSERT_EQ(prompts.messages.size(), 2U);
+    EXPECT_EQ(prompts.messages[1].text, S(u"No valid Image in the clipboard"));
+}
+
+TEST_F(CommandsTest, F2TwiceSavesThePictureAndSetsItForTheTable) {
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QGuiApplication::clipboard()->setImage(picture);
+    const QString shot = folder.filePath(S(u"shot.jpg"));
+    prompts.files = {shot};
+    Select(1);
+    QString focus;
+    InTheModalWindow([&](QWidget& modal) {
+        ASSERT_TRUE(modal.focusWidget());
+        focus = modal.focusWidget()->objectName();
+        QTest::keyClick(modal.focusWidget(), Qt::Key_F2);
+    });
+    QTest::keyClick(Tree(), Qt::Key_F2);
+    EXPECT_EQ(focus, S(u"view"));
+    EXPECT_EQ(Scalar(S(u"Select ImageFile from Tables where DisplayName = 'Beta'")), shot);
+    EXPECT_EQ(Scalar(S(u"Select ImageFile from Tables where DisplayName = 'Alpha'")), QString());
+    EXPECT_EQ(window->details().DetailText(7), shot);
+    EXPECT_FALSE(window->details().record_changed());
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(values.LastPictureDir, folder.path() + u'/');
+}
+
+// The rest of the menus.
+
+TEST_F(CommandsTest, TheInformationOfATableIsAskedOfItsFile) {
+    Select(0);
+    Run(u"mnuTI");
+    Press(u"cmdReadInfo");
+    ASSERT_EQ(prompts.messages.size(), 2U);
+    EXPECT_EQ(prompts.messages[0].text, S(u"There is no table Information for this table"));
+    EXPECT_EQ(prompts.messages[1].text, prompts.messages[0].text);
+}
+
+TEST_F(CommandsTest, TheHelpIsOpenedThroughTheShell) {
+    Run(u"mnuHelpContents");
+    EXPECT_EQ(shell.opened.size(), 1U);
+}
+
+TEST_F(CommandsTest, DialogsOpenOverTheMainWindow) {
+    struct Dialog {
+        const char16_t* item;
+        const char16_t* name;
+    };
+    for (const Dialog& dialog :
+         {Dialog{u"mnuTblScan", u"frmsearch"}, Dialog{u"mnuRest", u"frmUtility"},
+          Dialog{u"mnuImport", u"frmImport"}, Dialog{u"mnuAbout", u"frmAbout"}}) {
+        QString name;
+        const QWidget* owner = nullptr;
+        InTheModalWindow([&](QWidget& modal) {
+            name = modal.objectName();
+            owner = modal.parentWidget();
+        });
+        Run(dialog.item);
+        EXPECT_EQ(name, S(dialog.name));
+        EXPECT_EQ(owner, window.get()) << name.toStdString();
+    }
+}
+
+TEST_F(CommandsTest, PurgeTakesTheMissingTablesOutOfTheTree) {
+    AddTable(S(u"Gone"), S(u"/gone/gone.vpt"));
+    window->RefreshTree();
+    Run(u"mnuPurge");
+    const QAbstractItemModel& model = *Tree()->model();
+    EXPECT_EQ(model.data(model.index(0, 0, model.index(0, 0))).toString(), S(u"Alpha"));
+    EXPECT_EQ(Scalar(S(u"Select count(*) from Tables where DisplayName = 'Gone'")), S(u"0"));
+    EXPECT_EQ(model.rowCount(model.index(0, 0)), Scalar(S(u"Select count(*) from Tables")).toInt());
+}
+
+TEST_F(CommandsTest, ResetTimesPlayedShowsInTheDetails) {
+    Execute(S(u"Update Tables set TimesPlayed = 5"));
+    Run(u"mnuResetTimes");
+    Select(0);
+    EXPECT_EQ(Scalar(S(u"Select max(TimesPlayed) from Tables")), S(u"0"));
+}
+
+TEST_F(CommandsTest, BackupMakesItsCopy) {
+    Run(u"mnuBackup");
+    EXPECT_TRUE(QFile::exists(folder.filePath(S(u"pinball.BU"))));
+}
+
+}  // namespace
+}  // namespace app
