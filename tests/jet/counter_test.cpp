@@ -111,5 +111,17 @@ TEST_F(CounterTest, KeysThatRunDownwardsAreThoseOfTheFormat) {
     EXPECT_EQ(First(u"SELECT ID FROM T WHERE T = 'one' ORDER BY N DESC"), "1 2");
 }
 
+TEST_F(CounterTest, WhatAnIndexDoesNotNarrowIsFoundAllTheSame) {
+    Run(u"CREATE TABLE T (ID COUNTER PRIMARY KEY, N LONG)");
+    Run(u"CREATE INDEX ByN ON T (N) WITH IGNORE NULL");
+    for (const auto* number : {u"5", u"Null", u"7", u"-1", u"3"})
+        Run(u"INSERT INTO T (N) VALUES (" + std::u16string(number) + u")");
+    EXPECT_EQ(First(u"SELECT ID FROM T WHERE N Not Between 0 And 6 ORDER BY ID"), "3 4");
+    EXPECT_EQ(First(u"SELECT ID FROM T WHERE N = 5 Or N Is Null ORDER BY ID"), "1 2");
+    EXPECT_EQ(First(u"SELECT ID FROM T WHERE N Is Null Or N = 5 ORDER BY ID"), "1 2");
+    EXPECT_EQ(First(u"SELECT ID FROM T WHERE N Not In (5, 7) ORDER BY ID"), "4 5");
+    EXPECT_EQ(First(u"SELECT ID FROM T WHERE Not N = 5 ORDER BY ID"), "3 4 5");
+}
+
 }  // namespace
 }  // namespace jet::test

@@ -42,6 +42,9 @@ const Case kOperators[] = {
     {u"(#1/2/2026# - #1/1/2026#) & ''", "1"},
     {u"(#1/2/2026# + 1) & ''", "1/3/2026"},
     {u"CCur(1.5) + 2", "3.5"},
+    {u"CCur('900000000000000.0001') + 1", "900000000000001.0001"},
+    {u"#11/20/2026 8:00:00# = 46346.333333", "-1"},
+    {u"#11/20/2026 8:00:00# < 46346.34", "-1"},
     {u"True & ''", "-1"},
     {u"False & ''", "0"},
 };
@@ -106,6 +109,11 @@ const Case kTexts[] = {
 INSTANTIATE_TEST_SUITE_P(Texts, SqlEdge, testing::ValuesIn(kTexts));
 
 class SqlEdgeOfRows : public SqlFixture {};
+
+TEST_F(SqlEdgeOfRows, ADistanceThatIsNoLongIsAnOverflow) {
+    EXPECT_EQ(ErrorOf(u"SELECT DateDiff('s', #1/1/100#, #1/1/9999#)"), 6);
+    EXPECT_EQ(ErrorOf(u"SELECT DateDiff('s', #1/1/9999#, #1/1/100#)"), 6);
+}
 
 TEST_F(SqlEdgeOfRows, FirstIsTheFirstRowsValueEvenWhenItIsNull) {
     Run(u"CREATE TABLE T (ID LONG, V LONG)");
