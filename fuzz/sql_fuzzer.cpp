@@ -1,4 +1,4 @@
-// SQL texts from strangers' hands: parsed, bound and executed on a small database in memory; what a
+// Any text as SQL: parsed, bound and executed on a small database in memory; what a
 // SELECT gives is read to its end.
 #include "base/unicode.h"
 #include "jet/connection.h"

@@ -121,7 +121,7 @@ def take(program, tables, simulator):
     program.click_tab(1)
     program.desktop.xdotool("mousemove", "5", "5")
     shoot(program, title, README / "main-window.png", HELP / "main-window.png")
-    program.click_tab(4)
+    program.click_tab(3)
     shoot(program, title, HELP / "rules.png")
     program.click_tab(0)
 

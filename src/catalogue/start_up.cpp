@@ -1,4 +1,4 @@
-// Main: how the program's data come to life.
+// Main: opens the catalogue and brings it up to date.
 #include "catalogue/data_source.h"
 #include "catalogue/pin_subs.h"
 #include "catalogue/table_info_names.h"

@@ -9,7 +9,7 @@ namespace {
 
 constexpr qint64 kRoundMs = 20;
 
-// Passes each whole percent on, and the end in any case, and lets the windows live fifty times a
+// Reports each whole percent, and the end in any case, and processes pending events fifty times a
 // second.
 class ProgressMeter {
 public:

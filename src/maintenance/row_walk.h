@@ -9,7 +9,7 @@
 
 namespace maintenance {
 
-// Calls `visit` with each row of `sql`, first to last, and keeps windows and progress alive in
+// Calls `visit` with each row of `sql`, first to last, with pending events and progress in
 // between. Stops at the first failure and returns it; what was changed before stays changed.
 base::Status WalkRows(CommandContext& context, const QString& sql,
                       const std::function<base::Status(jet::Recordset&)>& visit);
