@@ -204,6 +204,70 @@ TEST_P(RelationTest, CircleOfReferencesGoesAsAWhole) {
     EXPECT_EQ(Run(u"SELECT ID FROM People"), "");
 }
 
+TEST_P(RelationTest, RowsThatACascadeHasTakenAreGone) {
+    Do(u"CREATE TABLE People (ID LONG PRIMARY KEY, Boss LONG REFERENCES People ON DELETE CASCADE)");
+    for (const std::u16string_view row : {u"1, Null", u"2, 1", u"3, 2", u"4, Null"})
+        Do(u"INSERT INTO People (ID, Boss) VALUES (" + std::u16string(row) + u")");
+    EXPECT_EQ(Run(u"DELETE FROM People WHERE ID < 4"), "3");
+    EXPECT_EQ(Run(u"SELECT ID FROM People"), "4");
+}
+
+TEST_P(RelationTest, RowsThatACascadeHasTakenAreGoneInAJoin) {
+    Do(u"CREATE TABLE People (ID LONG PRIMARY KEY, Boss LONG REFERENCES People ON DELETE CASCADE)");
+    for (const std::u16string_view row : {u"1, 1", u"2, 1", u"3, 2", u"4, Null"})
+        Do(u"INSERT INTO People (ID, Boss) VALUES (" + std::u16string(row) + u")");
+    EXPECT_EQ(Run(u"DELETE P.* FROM People AS P INNER JOIN People AS B ON P.Boss = B.ID"), "3");
+    EXPECT_EQ(Run(u"SELECT ID FROM People"), "4");
+}
+
+TEST_P(RelationTest, TablesMayCascadeIntoEachOther) {
+    Do(u"CREATE TABLE Left1 (ID LONG PRIMARY KEY, Other LONG)");
+    Do(u"CREATE TABLE Right1 (ID LONG PRIMARY KEY, Other LONG REFERENCES Left1 ON DELETE CASCADE)");
+    Do(u"ALTER TABLE Left1 ADD CONSTRAINT Back FOREIGN KEY (Other) REFERENCES Right1 ON DELETE "
+       u"CASCADE");
+    Do(u"INSERT INTO Left1 (ID) VALUES (1)");
+    Do(u"INSERT INTO Right1 (ID, Other) VALUES (1, 1)");
+    Do(u"INSERT INTO Left1 (ID, Other) VALUES (2, 1)");
+    Do(u"INSERT INTO Right1 (ID, Other) VALUES (2, 2)");
+    Do(u"INSERT INTO Left1 (ID, Other) VALUES (3, 2)");
+    EXPECT_EQ(Run(u"DELETE FROM Left1"), "3");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM Left1"), "0");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM Right1"), "0");
+}
+
+TEST_P(RelationTest, ReferencesThatACascadeClearedStayClear) {
+    Do(u"CREATE TABLE People (ID LONG PRIMARY KEY, Boss LONG REFERENCES People ON DELETE SET NULL)");
+    for (const std::u16string_view row : {u"1, Null", u"2, 1", u"3, 2"})
+        Do(u"INSERT INTO People (ID, Boss) VALUES (" + std::u16string(row) + u")");
+    EXPECT_EQ(Run(u"DELETE FROM People WHERE ID < 3"), "2");
+    EXPECT_EQ(Run(u"SELECT ID, Boss FROM People"), "3,-");
+}
+
+TEST_P(RelationTest, ValuesComputedBeforeDoNotUndoACascade) {
+    Do(u"CREATE TABLE People (ID LONG PRIMARY KEY, Boss LONG REFERENCES People ON UPDATE CASCADE)");
+    for (const std::u16string_view row : {u"1, Null", u"2, 1", u"3, 1"})
+        Do(u"INSERT INTO People (ID, Boss) VALUES (" + std::u16string(row) + u")");
+    EXPECT_EQ(Run(u"UPDATE People AS B INNER JOIN People AS P ON P.Boss = B.ID "
+                  u"SET B.ID = B.ID + 10, P.Boss = B.ID"),
+              "2");
+    EXPECT_EQ(Run(u"SELECT ID, Boss FROM People ORDER BY ID"), "2,11|3,11|11,-");
+    // Another value is meant, whatever the cascade has brought.
+    EXPECT_EQ(Run(u"UPDATE People AS B INNER JOIN People AS P ON P.Boss = B.ID "
+                  u"SET B.ID = B.ID + 10, P.Boss = P.ID"),
+              "2");
+    EXPECT_EQ(Run(u"SELECT ID, Boss FROM People ORDER BY ID"), "2,2|3,3|21,-");
+}
+
+TEST_P(RelationTest, LastOfSeveralNewValuesStays) {
+    Do(u"CREATE TABLE Makers (ID LONG PRIMARY KEY, Name TEXT(20))");
+    Do(u"CREATE TABLE Games (Maker LONG, Title TEXT(20))");
+    Do(u"INSERT INTO Makers (ID, Name) VALUES (1, 'b')");
+    for (const std::u16string_view title : {u"a", u"b"})
+        Do(u"INSERT INTO Games (Maker, Title) VALUES (1, '" + std::u16string(title) + u"')");
+    EXPECT_EQ(Run(u"UPDATE Makers INNER JOIN Games ON Maker = ID SET Name = Title"), "2");
+    EXPECT_EQ(Run(u"SELECT Name FROM Makers"), "b");
+}
+
 TEST_P(RelationTest, KeysOfTwoColumnsGoTogether) {
     Do(u"CREATE TABLE Makers (City TEXT(20), No SHORT, "
        u"CONSTRAINT PrimaryKey PRIMARY KEY (City, No))");

@@ -4,7 +4,10 @@
 #include "jet/sql/join.h"
 #include "jet/sql/transaction.h"
 
+#include <map>
 #include <set>
+#include <span>
+#include <utility>
 
 namespace jet::sql {
 namespace {
@@ -14,13 +17,56 @@ using base::Status;
 
 struct BoundAssignment {
     Scope::Place target;
+    std::size_t slot = 0;  // of the target in its source's row
     const Expression* value = nullptr;
 };
 
-struct RowChange {
-    Table* table = nullptr;
-    RowId row;
-    std::vector<ColumnChange> columns;
+struct NewValue {
+    Value before;  // when the row was found
+    Value value;
+};
+
+// The new values of the rows, each row once: of several for one column the last one stays.
+class RowChanges {
+public:
+    using Columns = std::map<std::size_t, NewValue>;
+
+    void Set(Table& table, RowId row, std::size_t column, NewValue value) {
+        const auto [known, is_new] = numbers_.try_emplace({&table, row}, rows_.size());
+        if (is_new) rows_.push_back({&table, row, {}});
+        rows_[known->second].columns.insert_or_assign(column, std::move(value));
+    }
+
+    Status Write() const {
+        for (const Row& row : rows_) {
+            ASSIGN_OR_RETURN(const std::vector<ColumnChange> changes, StillMeant(row));
+            if (!changes.empty()) RETURN_IF_ERROR(row.table->Update(row.id, changes));
+        }
+        return Status::Ok();
+    }
+
+private:
+    struct Row {
+        Table* table = nullptr;
+        RowId id;
+        Columns columns;
+    };
+
+    // A value that was to stay gives way to the one that a cascade of this statement has brought.
+    static Result<std::vector<ColumnChange>> StillMeant(const Row& row) {
+        std::vector<ColumnChange> changes;
+        for (const auto& [column, value] : row.columns) {
+            Value now = value.before;
+            if (value.value == value.before)
+                RETURN_IF_ERROR(
+                    row.table->Read(row.id, std::span(&column, 1), std::span(&now, 1)));
+            if (now == value.before) changes.push_back({column, value.value});
+        }
+        return changes;
+    }
+
+    std::map<std::pair<Table*, RowId>, std::size_t> numbers_;
+    std::vector<Row> rows_;  // as they were found
 };
 
 Status BindFrom(FromNode& from, Expression* where, Scope& scope, Session& session) {
@@ -41,7 +87,7 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
         RETURN_IF_ERROR(CheckWritable(session, *scope.sources()[place.source].table));
         if (HasSubquery(*assignment.value)) return JetError(3073);
         RETURN_IF_ERROR(Bind(*assignment.value, scope, session));
-        bound.push_back({place, assignment.value.get()});
+        bound.push_back({place, scope.Use(place), assignment.value.get()});
     }
     return bound;
 }
@@ -62,23 +108,18 @@ Status ForEachMatch(const FromNode& from, const Expression* where, const Scope& 
         });
 }
 
-// The changes of one combination, one for each source that has a row.
+// The new values that one combination gives, for each source that has a row.
 Status CollectChanges(const std::vector<BoundAssignment>& assignments, const Scope& scope,
-                      EvalContext& context, const CombinedRows& found,
-                      std::vector<RowChange>& changes) {
-    std::vector<RowChange> by_source(found.size());
+                      EvalContext& context, const CombinedRows& found, RowChanges& changes) {
     for (const BoundAssignment& assignment : assignments) {
         const std::size_t source = assignment.target.source;
         if (!found[source]) continue;
-        RowChange& change = by_source[source];
-        change.table = scope.sources()[source].table;
-        change.row = *found[source];
-        const ColumnDesign& column = change.table->design().columns[assignment.target.column];
+        Table& table = *scope.sources()[source].table;
+        const ColumnDesign& column = table.design().columns[assignment.target.column];
         ASSIGN_OR_RETURN(Value value, StoredValue(*assignment.value, context, column));
-        change.columns.push_back({assignment.target.column, std::move(value)});
+        changes.Set(table, *found[source], assignment.target.column,
+                    {(*context.rows)[source][assignment.slot], std::move(value)});
     }
-    for (RowChange& change : by_source)
-        if (change.table != nullptr) changes.push_back(std::move(change));
     return Status::Ok();
 }
 
@@ -95,7 +136,7 @@ Result<std::int64_t> UpdateJoined(UpdateStatement& update, Session& session) {
     Scope scope;
     RETURN_IF_ERROR(BindFrom(*update.from, update.where.get(), scope, session));
     ASSIGN_OR_RETURN(const auto assignments, BindAssignments(update, scope, session));
-    std::vector<RowChange> changes;
+    RowChanges changes;
     std::int64_t count = 0;
     RETURN_IF_ERROR(ForEachMatch(*update.from, update.where.get(), scope, session,
                                  [&](EvalContext& context, const CombinedRows& found) {
@@ -105,8 +146,7 @@ Result<std::int64_t> UpdateJoined(UpdateStatement& update, Session& session) {
                                  }));
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
-    for (const RowChange& change : changes)
-        RETURN_IF_ERROR(change.table->Update(change.row, change.columns));
+    RETURN_IF_ERROR(changes.Write());
     RETURN_IF_ERROR(transaction.Commit());
     return count;
 }
@@ -125,8 +165,7 @@ Result<std::int64_t> DeleteJoined(DeleteStatement& erase, Session& session) {
                                  }));
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
-    for (const RowId row : rows)
-        RETURN_IF_ERROR(table.Delete(row));
+    RETURN_IF_ERROR(DeleteFound(table, std::vector<RowId>(rows.begin(), rows.end())));
     RETURN_IF_ERROR(transaction.Commit());
     return static_cast<std::int64_t>(rows.size());
 }
