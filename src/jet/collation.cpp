@@ -11,7 +11,6 @@ namespace {
 
 using collation::Form;
 
-constexpr std::size_t kMaxKeyUnits = 255;
 constexpr std::byte kNoAccent{2};
 constexpr std::byte kSectionEnd{1};
 
@@ -123,7 +122,7 @@ void AppendUnit(char16_t unit, Bytes& key, KeyTail& tail) {
 }
 
 std::u16string_view Significant(std::u16string_view text) {
-    text = text.substr(0, kMaxKeyUnits);
+    text = text.substr(0, kKeyUnits);
     const std::size_t last = text.find_last_not_of(u' ');
     return last == std::u16string_view::npos ? std::u16string_view() : text.substr(0, last + 1);
 }
@@ -137,8 +136,9 @@ void AppendTextKey(std::u16string_view text, Bytes& key) {
     tail.AppendTo(key);
 }
 
-std::weak_ordering CompareText(std::u16string_view a, std::u16string_view b) {
-    if (a == b) return std::weak_ordering::equivalent;
+namespace {
+
+std::weak_ordering CompareKeys(std::u16string_view a, std::u16string_view b) {
     thread_local Bytes key_a;
     thread_local Bytes key_b;
     key_a.clear();
@@ -150,8 +150,20 @@ std::weak_ordering CompareText(std::u16string_view a, std::u16string_view b) {
     return key_a.size() <=> key_b.size();
 }
 
+}  // namespace
+
+std::weak_ordering CompareText(std::u16string_view a, std::u16string_view b) {
+    if (a == b) return std::weak_ordering::equivalent;
+    for (;;) {
+        const std::weak_ordering order = CompareKeys(a, b);
+        if (order != 0 || (a.size() <= kKeyUnits && b.size() <= kKeyUnits)) return order;
+        a.remove_prefix(std::min(a.size(), kKeyUnits));
+        b.remove_prefix(std::min(b.size(), kKeyUnits));
+    }
+}
+
 void AppendTextKeyJet3(std::span<const std::byte> text, Bytes& key) {
-    text = text.first(std::min(text.size(), kMaxKeyUnits));
+    text = text.first(std::min(text.size(), kKeyUnits));
     while (!text.empty() && text.back() == std::byte{' '})
         text = text.first(text.size() - 1);
     std::vector<std::uint8_t> nibbles{0};

@@ -49,6 +49,13 @@ protected:
         return text;
     }
 
+    // Some are longer than an index key.
+    std::u16string RandomMemo() {
+        std::u16string text = RandomText();
+        if (Below(4) == 0) text.insert(0, std::u16string(253, u'a'));
+        return text;
+    }
+
     int Below(std::size_t n) { return static_cast<int>(random_() % n); }
 
     double RandomNumber() {
@@ -78,8 +85,9 @@ protected:
     Value RandomValue(ColumnType type) {
         if (type != ColumnType::kBoolean && Below(6) == 0) return Value::Null();
         switch (type) {
-        case ColumnType::kText:
         case ColumnType::kMemo:
+            return Value::Text(RandomMemo());
+        case ColumnType::kText:
             return Value::Text(RandomText());
         case ColumnType::kDate:
             return Value::DateTime(RandomDay());
@@ -124,7 +132,7 @@ protected:
         switch (type) {
         case ColumnType::kText:
         case ColumnType::kMemo:
-            return Quoted(RandomText());
+            return Quoted(RandomMemo());
         case ColumnType::kDate: {
             const double day = RandomDay();
             if (Below(3) == 0) return NumberLiteral(day);

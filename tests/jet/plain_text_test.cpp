@@ -1,5 +1,6 @@
 // The shortcut for plain texts must give what the collation gives.
 #include "jet/sql/plain_text.h"
+#include "jet/sql/sort_key.h"
 
 #include "base/unicode.h"
 #include "jet/collation.h"
@@ -81,13 +82,64 @@ TEST(PlainTextTest, TextsOfOneByteACharacterHaveTheSameKeysAndOrder) {
     }
 }
 
-TEST(PlainTextTest, OnlyTheFirst255CharactersCount) {
+TEST(PlainTextTest, KeysHoldTheFirst255Characters) {
     const std::u16string long_text(255, u'x');
-    EXPECT_EQ(ComparePlain(long_text + u"a", long_text + u"b"), std::weak_ordering::equivalent);
-    EXPECT_EQ(jet::CompareText(long_text + u"a", long_text + u"b"), std::weak_ordering::equivalent);
     std::string key;
     ASSERT_TRUE(AppendPlainKey(long_text + u"a", key));
     EXPECT_EQ(key, KeyOf(long_text + u"a"));
+    EXPECT_EQ(key, KeyOf(long_text));
+}
+
+TEST(PlainTextTest, LongTextsAreLeftToTheCollation) {
+    const std::u16string long_text(255, u'x');
+    EXPECT_EQ(ComparePlain(long_text, long_text), std::weak_ordering::equivalent);
+    EXPECT_FALSE(ComparePlain(long_text + u"a", long_text).has_value());
+    EXPECT_FALSE(ComparePlain(long_text, long_text + u"a").has_value());
+    EXPECT_FALSE(jet::sql::PlainText::Of(long_text + u"a").has_value());
+    const auto constant = jet::sql::PlainText::Of(long_text);
+    ASSERT_TRUE(constant.has_value());
+    EXPECT_EQ(constant->Order(long_text), std::weak_ordering::equivalent);
+    EXPECT_FALSE(constant->Order(long_text + u"a").has_value());
+    EXPECT_FALSE(constant->Order(std::string(256, 'x')).has_value());
+}
+
+TEST(PlainTextTest, WholeTextsAreCompared) {
+    const std::u16string head(255, u'x');
+    EXPECT_TRUE(jet::CompareText(head + u"a", head + u"b") < 0);
+    EXPECT_TRUE(jet::CompareText(head + u"b", head + u"a") > 0);
+    EXPECT_TRUE(jet::CompareText(head + u"a", head) > 0);
+    EXPECT_TRUE(jet::CompareText(head + u"A", head + u"a") == 0);
+    EXPECT_TRUE(jet::CompareText(head + u"  ", head) == 0);
+    EXPECT_TRUE(jet::CompareText(head + head + u"a", head + head + u"b") < 0);
+    EXPECT_TRUE(jet::CompareText(u"a" + head + u"z", u"b" + head + u"a") < 0);
+}
+
+// The keys for hashing agree with the comparison about what is equal.
+TEST(PlainTextTest, KeysOfEqualTextsAreEqual) {
+    const std::u16string head(255, u'x');
+    const std::u16string texts[] = {u"",
+                                    u" ",
+                                    head,
+                                    head + u"  ",
+                                    head + u"a",
+                                    head + u"A",
+                                    head + u"b",
+                                    head + u"\u0001",
+                                    head + head,
+                                    head + head + u"a",
+                                    head + std::u16string(255, u' ') + u"a",
+                                    std::u16string(255, u'X'),
+                                    u"a",
+                                    u"\u0001a"};
+    const auto key_of = [](const std::u16string& text) {
+        std::string key;
+        jet::sql::AppendEqualKey(jet::Value::Text(text), key);
+        return key;
+    };
+    for (const std::u16string& a : texts)
+        for (const std::u16string& b : texts)
+            EXPECT_EQ(jet::CompareText(a, b) == 0, key_of(a) == key_of(b))
+                << base::ToUtf8(a) << " and " << base::ToUtf8(b);
 }
 
 }  // namespace

@@ -30,6 +30,23 @@ const Case kOperators[] = {
     {u"7 / 2", "3.5"},
     {u"10 - 3 - 2", "5"},
     {u"2147483647 + 1", "2147483648"},
+    {u"-2147483648 \\ 1", "-2147483648"},
+    {u"-2147483648 Mod 10", "-8"},
+    {u"-2147483648 Mod -1", "0"},
+    {u"100 Mod -2147483648", "100"},
+    {u"7.5 \\ 2.5", "4"},
+    {u"6.5 Mod 4", "2"},
+    {u"CCur(1.5) * 1.00001", "1.500015"},
+    {u"CCur(1.5) * CSng(0.00001) < 0.0001", "-1"},
+    {u"CCur(1.5) * '0.00001' < 0.0001", "-1"},
+    {u"CCur(1.5) * CCur(0.0001)", "0.0002"},
+    {u"CCur(1.0001) * 3", "3.0003"},
+    {u"CCur(1) + 0.00004", "1"},
+    {u"CCur(1) + CSng(0.25)", "1.25"},
+    {u"0.5 - CCur(1)", "-0.5"},
+    {u"CCur('922337203685477.5807') - 0.0001", "922337203685477.5806"},
+    {u"CCur(1) / 3 > 0.33333", "-1"},
+    {u"CCur(1) + #2026-11-20#", "11/21/2026"},
     {u"'a' & 'b' = 'ab'", "-1"},
     {u"'a' & 1 + 2 & Null", "a3"},
     {u"'a' + 'b'", "ab"},
@@ -78,6 +95,14 @@ const Case kNulls[] = {
     {u"1 In (2, Null)", "<null>"},
     {u"1 In (1, Null)", "-1"},
     {u"1 Between Null And 2", "<null>"},
+    {u"5 Between Null And 2", "<null>"},
+    {u"1 Between 2 And Null", "<null>"},
+    {u"5 Not Between Null And 2", "<null>"},
+    {u"Null Between 1 And 2", "<null>"},
+    {u"Null & Null", "<null>"},
+    {u"Null & Null & Null", "<null>"},
+    {u"Null & ''", ""},
+    {u"(Null & Null) & 'a'", "a"},
     {u"Null & 'a'", "a"},
     {u"Null + 1", "<null>"},
     {u"Left(Null, 1)", "<null>"},
@@ -141,6 +166,16 @@ const Case kTextFunctions[] = {
     {u"InStr(4, 'abcabc', 'c')", "6"},
     {u"InStr(1, 'abc', 'C', 0)", "0"},
     {u"InStrRev('abcabc', 'b')", "5"},
+    {u"InStrRev('abc', '')", "3"},
+    {u"InStrRev('abc', '', 2)", "2"},
+    {u"InStrRev('', '')", "0"},
+    {u"InStrRev('', 'a')", "0"},
+    {u"InStrRev('abcabc', 'b', 4)", "2"},
+    {u"InStrRev('abcabc', 'b', -1)", "5"},
+    {u"InStrRev('abcabc', 'B', -1, 0)", "0"},
+    {u"InStr('abc', '')", "1"},
+    {u"InStr(3, 'abc', '')", "3"},
+    {u"InStr(4, 'abc', 'c')", "0"},
     {u"LCase('\u00c4B') & UCase('\u00e4b')", "\u00e4b\u00c4B"},
     {u"'[' & Trim('  a b ') & ']'", "[a b]"},
     {u"'[' & LTrim('  a ') & ']'", "[a ]"},
@@ -158,6 +193,10 @@ const Case kTextFunctions[] = {
     {u"Val(' 1 2.5e1x')", "125"},
     {u"Val('x')", "0"},
     {u"Str(5) & Str(-5)", " 5-5"},
+    {u"Str(.5)", " .5"},
+    {u"Str(-.5)", "-.5"},
+    {u"Str(10.5)", " 10.5"},
+    {u"Str(0)", " 0"},
     {u"Hex(255) & Oct(8)", "FF10"},
     {u"Hex(-1)", "FFFFFFFF"},
 };
@@ -335,6 +374,13 @@ const ErrorCase kErrors[] = {
     {u"DROP INDEX X ON T", 3372, "No such index 'X' on table 'T'."},
     {u"SELECT 1 / 0", 11, "Division by zero"},
     {u"SELECT 1 Mod 0", 11},
+    {u"SELECT 1 Mod 0.4", 11},
+    {u"SELECT -2147483648 \\ -1", 6},
+    {u"SELECT 2147483648 \\ 1", 6},
+    {u"SELECT 1 Mod -2147483649", 6},
+    {u"SELECT CCur(1) + 1e15", 6},
+    {u"SELECT CCur('922337203685477') + 1", 6},
+    {u"SELECT CCur('900000000000000') * 2", 6},
     {u"SELECT 1e300 * 1e300", 6, "Overflow"},
     {u"SELECT 'x' + 1", 3464},
     {u"SELECT 5 = 'x'", 3464},
@@ -363,6 +409,43 @@ TEST_F(SqlError, DeepParenthesesAreRefused) {
         tests += u" IS NULL";
     EXPECT_EQ(ErrorOf(tests), 3360);
     EXPECT_EQ(ErrorOf(u"SELECT 1 FROM " + std::u16string(5000, u'(')), 3360);
+}
+
+TEST_F(SqlError, HundredLevelsPass) {
+    const auto nested = [](std::size_t levels, std::u16string_view open) {
+        std::u16string sql = u"SELECT ";
+        for (std::size_t i = 0; i < levels; ++i)
+            sql += open;
+        return sql + u"1" + (open.back() == u'(' ? std::u16string(levels, u')') : std::u16string());
+    };
+    for (const std::u16string_view open : {u"(", u"Abs(", u"1 In (", u"- "}) {
+        EXPECT_NE(Run(nested(100, open)).substr(0, 1), "#") << base::ToUtf8(open);
+        EXPECT_EQ(ErrorOf(nested(101, open)), 3360) << base::ToUtf8(open);
+    }
+    EXPECT_EQ(Run(u"SELECT " + std::u16string(50, u'(') + u"- 1 + " + std::u16string(50, u'(') +
+                  u"3" + std::u16string(100, u')')),
+              "2");
+}
+
+TEST_F(SqlError, HundredSubqueriesPass) {
+    const auto nested = [](std::size_t levels) {
+        std::u16string sql = u"SELECT ";
+        for (std::size_t i = 0; i < levels; ++i)
+            sql += u"(SELECT ";
+        return sql + u"1" + std::u16string(levels, u')');
+    };
+    EXPECT_EQ(Run(nested(100)), "1");
+    EXPECT_EQ(ErrorOf(nested(101)), 3360);
+}
+
+TEST_F(SqlError, TestsOfTestsInParenthesesAreRefusedInTime) {
+    std::u16string sql = u"1";
+    for (int i = 0; i < 99; ++i) {
+        sql = u"(" + sql + u")";
+        for (int test = 0; test < 99; ++test)
+            sql += u" Is Null";
+    }
+    EXPECT_EQ(ErrorOf(u"SELECT " + sql), 3360);
 }
 
 TEST_F(SqlError, LongChainsAreNoNesting) {

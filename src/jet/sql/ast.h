@@ -79,6 +79,7 @@ enum class Aggregate : std::uint8_t {
 struct Expression;
 struct SelectStatement;
 class Subquery;
+class ValueSet;
 using ExpressionPtr = std::unique_ptr<Expression>;
 
 struct Expression {
@@ -103,6 +104,7 @@ struct Expression {
     const Function* function = nullptr;
     // A copy of the bound expression shares it: both belong to one statement.
     std::shared_ptr<Subquery> subquery;
+    std::shared_ptr<const ValueSet> choices;  // of kIn: the constants, where they are hashed
 };
 
 struct OutputItem {

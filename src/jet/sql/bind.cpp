@@ -2,9 +2,11 @@
 
 #include "base/unicode.h"
 #include "jet/errors.h"
+#include "jet/sql/evaluate.h"
 #include "jet/sql/functions.h"
 #include "jet/sql/subquery.h"
 #include "jet/sql/text_case.h"
+#include "jet/sql/value_set.h"
 
 #include <algorithm>
 
@@ -73,6 +75,26 @@ Status BindSubquery(Expression& e, Scope& scope, Session& session) {
     return Status::Ok();
 }
 
+bool IsNumberOrText(const Expression& e) {
+    return e.kind == NodeKind::kLiteral ||
+           (e.kind == NodeKind::kNegate && e.children[0]->kind == NodeKind::kLiteral);
+}
+
+void HashChoices(Expression& in, Session& session) {
+    // Fewer are compared as fast one by one.
+    constexpr std::size_t kWorthHashing = 8;
+    if (in.children.size() <= kWorthHashing) return;
+    EvalContext context{&session, nullptr, nullptr};
+    std::vector<Value> values;
+    for (std::size_t i = 1; i < in.children.size(); ++i) {
+        if (!IsNumberOrText(*in.children[i])) return;
+        auto value = Evaluate(*in.children[i], context);
+        if (!value.ok()) return;
+        values.push_back(std::move(value).value());
+    }
+    in.choices = ValueSet::Make(values);
+}
+
 Status BindCall(Expression& call) {
     call.function = FindFunction(call.name);
     if (call.function == nullptr) return JetError(3085, call.name);
@@ -139,6 +161,7 @@ Status Bind(Expression& expression, Scope& scope, Session& session,
         aggregates->push_back(&expression);
     }
     if (expression.kind == NodeKind::kCall) return BindCall(expression);
+    if (expression.kind == NodeKind::kIn) HashChoices(expression, session);
     if (expression.select != nullptr) return BindSubquery(expression, scope, session);
     return Status::Ok();
 }
@@ -183,6 +206,7 @@ ExpressionPtr Clone(const Expression& expression) {
     copy->source = expression.source;
     copy->slot = expression.slot;
     copy->function = expression.function;
+    copy->choices = expression.choices;
     for (const ExpressionPtr& child : expression.children)
         copy->children.push_back(Clone(*child));
     return copy;
@@ -229,9 +253,63 @@ SelectStatement Clone(const SelectStatement& select) {
     return copy;
 }
 
+namespace {
+
+bool SameText(const std::u16string& a, const std::u16string& b) {
+    return SameName(a, b);
+}
+
+template <typename T>
+bool SameParsed(const std::unique_ptr<T>& a, const std::unique_ptr<T>& b);
+
+bool SameParsed(const Expression& a, const Expression& b) {
+    return SameExpression(a, b);
+}
+
+bool SameParsed(const FromNode& a, const FromNode& b) {
+    return SameText(a.table, b.table) && SameText(a.alias, b.alias) && a.kind == b.kind &&
+           SameParsed(a.left, b.left) && SameParsed(a.right, b.right) && SameParsed(a.on, b.on);
+}
+
+bool SameParsed(const SelectStatement& a, const SelectStatement& b) {
+    return a.distinct == b.distinct && a.top == b.top && a.top_percent == b.top_percent &&
+           SameParsed(a.from, b.from) && SameParsed(a.where, b.where) &&
+           SameParsed(a.having, b.having) &&
+           std::ranges::equal(a.outputs, b.outputs,
+                              [](const OutputItem& x, const OutputItem& y) {
+                                  return SameText(x.star_of, y.star_of) &&
+                                         SameText(x.alias, y.alias) &&
+                                         SameParsed(x.expression, y.expression);
+                              }) &&
+           std::ranges::equal(
+               a.group_by, b.group_by,
+               [](const ExpressionPtr& x, const ExpressionPtr& y) { return SameParsed(x, y); }) &&
+           std::ranges::equal(a.order_by, b.order_by,
+                              [](const OrderItem& x, const OrderItem& y) {
+                                  return x.descending == y.descending &&
+                                         SameParsed(x.expression, y.expression);
+                              }) &&
+           std::ranges::equal(a.unions, b.unions,
+                              [](const SelectStatement::Union& x, const SelectStatement::Union& y) {
+                                  return x.all == y.all && SameParsed(x.select, y.select);
+                              });
+}
+
+template <typename T>
+bool SameParsed(const std::unique_ptr<T>& a, const std::unique_ptr<T>& b) {
+    return a == nullptr || b == nullptr ? a == b : SameParsed(*a, *b);
+}
+
+// A subquery that is written twice is parsed twice.
+bool SameSelect(const SelectStatement* a, const SelectStatement* b) {
+    return a == b || (a != nullptr && b != nullptr && SameParsed(*a, *b));
+}
+
+}  // namespace
+
 bool SameExpression(const Expression& a, const Expression& b) {
     if (a.kind != b.kind || a.value != b.value || a.operators != b.operators ||
-        a.negated != b.negated || a.all != b.all || a.select != b.select ||
+        a.negated != b.negated || a.all != b.all || !SameSelect(a.select.get(), b.select.get()) ||
         a.function != b.function || a.children.size() != b.children.size())
         return false;
     if (a.kind == NodeKind::kName &&

@@ -11,8 +11,9 @@
 namespace jet::sql {
 namespace {
 
-// More choices than these are not worth as many searches.
-constexpr std::size_t kMostIntervals = 2000;
+// So many choices are always worth as many searches; more are while they are fewer than half of the
+// rows, since beyond that a walk over all of them is no slower.
+constexpr std::size_t kFewIntervals = 2000;
 
 using Facts = std::vector<ColumnBounds>;
 
@@ -112,8 +113,8 @@ private:
                 known.exact = false;
                 known.null = known.null || other.null;
             }
-            std::erase_if(facts, [](const ColumnBounds& known) {
-                return known.intervals.size() > kMostIntervals;
+            std::erase_if(facts, [this](const ColumnBounds& known) {
+                return known.intervals.size() > MostIntervals();
             });
         }
         for (ColumnBounds& known : facts)
@@ -128,7 +129,7 @@ private:
     }
 
     Facts StudyIn(const Expression& e) {
-        if (!IsColumn(*e.children[0]) || e.children.size() > kMostIntervals) return {};
+        if (!IsColumn(*e.children[0]) || e.children.size() > MostIntervals()) return {};
         ColumnBounds bounds{PositionOf(*e.children[0]), {}, false};
         for (std::size_t i = 1; i < e.children.size(); ++i) {
             const auto constant = Constant(*e.children[i]);
@@ -148,7 +149,7 @@ private:
         for (std::size_t i = 1; i < e.children.size(); ++i)
             if (!IsConstant(*e.children[i])) return {};
         const auto values = e.subquery->Values(context_);
-        if (!values.ok() || (*values)->size() > kMostIntervals) return {};
+        if (!values.ok() || (*values)->size() > MostIntervals()) return {};
         ColumnBounds bounds{PositionOf(*e.children[0]), {}};
         for (const Value& value : **values) {
             if (value.is_null()) continue;
@@ -228,6 +229,10 @@ private:
         if (e.kind == NodeKind::kCall && e.function->kind == FunctionKind::kChanging) return false;
         return std::all_of(e.children.begin(), e.children.end(),
                            [this](const ExpressionPtr& child) { return IsConstant(*child); });
+    }
+
+    std::size_t MostIntervals() const {
+        return std::max<std::size_t>(kFewIntervals, source_.table->row_count() / 2);
     }
 
     std::size_t PositionOf(const Expression& column) const { return source_.columns[column.slot]; }

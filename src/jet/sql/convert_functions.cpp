@@ -5,6 +5,7 @@
 #include "jet/sql/format_number.h"
 #include "jet/sql/functions.h"
 
+#include <cmath>
 #include <random>
 
 namespace jet::sql {
@@ -34,11 +35,12 @@ Result<Value> CVar(Arguments a, EvalContext&) {
     return a[0];
 }
 
-// A blank stands where a minus would.
+// A blank stands where a minus would, and no zero before the point.
 Result<Value> Str(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(const double number, NumberArgument(a[0]));
-    const std::u16string text = FormatNumber(number);
-    return Value::Text(number < 0 ? text : u" " + text);
+    std::u16string text = FormatNumber(std::fabs(number));
+    if (text.starts_with(u"0.")) text.erase(0, 1);
+    return Value::Text((number < 0 ? u"-" : u" ") + text);
 }
 
 Result<Value> IsNullCall(Arguments a, EvalContext&) {

@@ -3,6 +3,7 @@
 #include "jet/errors.h"
 #include "jet/sql/functions.h"
 #include "jet/sql/subquery.h"
+#include "jet/sql/value_set.h"
 
 namespace jet::sql {
 namespace {
@@ -96,14 +97,16 @@ Result<Truth> ComparisonChain(const Expression& chain, EvalContext& context) {
 
 Result<Value> ConcatChain(const Expression& chain, EvalContext& context) {
     std::u16string text;
+    bool all_null = true;
     for (const ExpressionPtr& child : chain.children) {
         Value made;
         const Value* value = nullptr;
         RETURN_IF_ERROR(Fetch(*child, context, made, value));
+        all_null = all_null && value->is_null();
         text += ConcatText(*value);
         if (text.size() > kLongestResult) return JetError(3071);
     }
-    return Value::Text(std::move(text));
+    return all_null ? Value::Null() : Value::Text(std::move(text));
 }
 
 Result<Value> ArithmeticChain(const Expression& chain, EvalContext& context) {
@@ -123,6 +126,9 @@ Result<Truth> InTruth(const Expression& test, EvalContext& context) {
     Value made;
     const Value* value = nullptr;
     RETURN_IF_ERROR(Fetch(*test.children[0], context, made, value));
+    const auto found = test.choices != nullptr && !value->is_null() ? test.choices->Contains(*value)
+                                                                    : std::nullopt;
+    if (found) return test.negated ? Not(*found) : *found;
     Truth truth = Truth::kFalse;
     for (std::size_t i = 1; i < test.children.size() && truth != Truth::kTrue; ++i) {
         Value made_choice;
@@ -139,6 +145,8 @@ Result<Truth> BetweenTruth(const Expression& test, EvalContext& context) {
     const Value* values[3] = {};
     for (std::size_t i = 0; i < 3; ++i)
         RETURN_IF_ERROR(Fetch(*test.children[i], context, made[i], values[i]));
+    // Without one of the ends there is no range, even for what lies beyond the other one.
+    if (values[1]->is_null() || values[2]->is_null()) return Truth::kNull;
     ASSIGN_OR_RETURN(const Truth low, CompareWith(Operator::kGreaterEqual, *values[0], *values[1]));
     ASSIGN_OR_RETURN(const Truth high, CompareWith(Operator::kLessEqual, *values[0], *values[2]));
     const Truth truth = Logic(Operator::kAnd, low, high);

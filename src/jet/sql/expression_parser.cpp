@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace jet::sql {
 namespace {
@@ -202,22 +203,31 @@ ExpressionPtr ExpressionParser::CompleteRule(ExpressionPtr rule) const {
 
 Result<ExpressionPtr> ExpressionParser::ParseLevel(int lowest) {
     ASSIGN_OR_RETURN(ExpressionPtr left, ParsePrefix(lowest));
-    int tests = 0;
+    bool tested = false;
     for (;;) {
         if (lowest <= kCompareLevel) {
             ASSIGN_OR_RETURN(const bool test, ParseTest(left));
-            if (test && ++tests > kDeepestNesting) return JetError(3360);
-            if (test) continue;
+            if (test) {
+                RETURN_IF_ERROR(CountTest(tested));
+                continue;
+            }
         }
         const OperatorSpelling* spelling = OperatorAt(tokens_);
         if (spelling == nullptr || spelling->level < lowest) return left;
-        if (spelling->level == kCompareLevel && ++tests > kDeepestNesting) return JetError(3360);
         if (spelling->level == kCompareLevel) {
+            RETURN_IF_ERROR(CountTest(tested));
             ASSIGN_OR_RETURN(const bool query, ParseComparedQuery(left, spelling->op));
             if (query) continue;
         }
         ASSIGN_OR_RETURN(left, ParseChain(std::move(left), spelling->level));
     }
+}
+
+// A test of what a test gave goes one level deeper, and its parentheses may hold others.
+Status ExpressionParser::CountTest(bool& tested) {
+    if (std::exchange(tested, true) && ++tokens_.tests_of_tests() > kDeepestNesting)
+        return JetError(3360);
+    return Status::Ok();
 }
 
 Result<ExpressionPtr> ExpressionParser::ParseChain(ExpressionPtr first, int level) {
@@ -315,10 +325,13 @@ Result<ExpressionPtr> ExpressionParser::ParseBetween(ExpressionPtr value) {
 }
 
 Result<ExpressionPtr> ExpressionParser::ParsePrefix(int lowest) {
-    const Deeper deeper(tokens_.nesting());
-    if (deeper.too_deep()) return JetError(3360);
     const std::size_t begin = tokens_.Peek().begin;
     if (!column_.empty() && lowest <= kCompareLevel && StartsTest()) return NewColumn(begin);
+    const bool prefixed =
+        tokens_.IsWord(u"NOT") || tokens_.IsSymbol(u"+") || tokens_.IsSymbol(u"-");
+    if (!prefixed) return ParseOperand();
+    const Deeper deeper(tokens_.nesting());
+    if (deeper.too_deep()) return JetError(3360);
     if (tokens_.TakeWord(u"NOT")) {
         ASSIGN_OR_RETURN(ExpressionPtr operand, ParseLevel(kCompareLevel));
         ExpressionPtr node = NewNode(NodeKind::kNot, begin);
@@ -326,13 +339,11 @@ Result<ExpressionPtr> ExpressionParser::ParsePrefix(int lowest) {
         return node;
     }
     if (tokens_.TakeSymbol(u"+")) return ParseLevel(kPowerLevel);
-    if (tokens_.TakeSymbol(u"-")) {
-        ASSIGN_OR_RETURN(ExpressionPtr operand, ParseLevel(kPowerLevel));
-        ExpressionPtr node = NewNode(NodeKind::kNegate, begin);
-        node->children.push_back(std::move(operand));
-        return node;
-    }
-    return ParseOperand();
+    tokens_.Take();  // a minus
+    ASSIGN_OR_RETURN(ExpressionPtr operand, ParseLevel(kPowerLevel));
+    ExpressionPtr node = NewNode(NodeKind::kNegate, begin);
+    node->children.push_back(std::move(operand));
+    return node;
 }
 
 Result<ExpressionPtr> ExpressionParser::ParseOperand() {
@@ -365,6 +376,8 @@ Result<ExpressionPtr> ExpressionParser::ParseOperand() {
 }
 
 Result<ExpressionPtr> ExpressionParser::ParseParentheses() {
+    const Deeper deeper(tokens_.nesting());
+    if (deeper.too_deep()) return JetError(3360);
     tokens_.Take();
     ASSIGN_OR_RETURN(ExpressionPtr inner, ParseLevel(kImpLevel));
     if (!tokens_.TakeSymbol(u")")) return MissingOperator();
@@ -409,6 +422,8 @@ Result<ExpressionPtr> ExpressionParser::ParseCall() {
 
 Status ExpressionParser::ParseArguments(Expression& call) {
     if (tokens_.TakeSymbol(u")")) return Status::Ok();
+    const Deeper deeper(tokens_.nesting());
+    if (deeper.too_deep()) return JetError(3360);
     do {
         ASSIGN_OR_RETURN(ExpressionPtr argument, ParseLevel(kImpLevel));
         call.children.push_back(std::move(argument));

@@ -24,6 +24,7 @@ private:
     class Deeper;
 
     base::Result<ExpressionPtr> ParseLevel(int lowest);
+    base::Status CountTest(bool& tested);
     base::Result<ExpressionPtr> ParseChain(ExpressionPtr first, int level);
     // In, Between, Is and Like after `value`, with their Not; `value` itself when nothing of the
     // kind follows.

@@ -101,9 +101,14 @@ bool IsWhole(const Value& value) {
            value.is<std::int32_t>();
 }
 
+bool FitsLong(double number) {
+    return number >= std::numeric_limits<std::int32_t>::min() &&
+           number <= std::numeric_limits<std::int32_t>::max();
+}
+
 Result<Value> NumberResult(double number, bool whole) {
     if (!std::isfinite(number)) return JetError(6);
-    if (whole && std::fabs(number) <= std::numeric_limits<std::int32_t>::max())
+    if (whole && FitsLong(number))
         return Value::Long(static_cast<std::int32_t>(number));
     return Value::Double(number);
 }
@@ -112,19 +117,21 @@ Result<Value> NumberResult(double number, bool whole) {
 Result<Value> WholeDivision(Operator op, double a, double b) {
     const double dividend = std::nearbyint(a);
     const double divisor = std::nearbyint(b);
-    constexpr double kMost = std::numeric_limits<std::int32_t>::max();
-    if (std::fabs(dividend) > kMost || std::fabs(divisor) > kMost) return JetError(6);
+    if (!FitsLong(dividend) || !FitsLong(divisor)) return JetError(6);
     if (divisor == 0) return JetError(11);
-    const auto x = static_cast<std::int32_t>(dividend);
-    const auto y = static_cast<std::int32_t>(divisor);
-    return Value::Long(op == Operator::kMod ? x % y : x / y);
+    const auto x = static_cast<std::int64_t>(dividend);
+    const auto y = static_cast<std::int64_t>(divisor);
+    const std::int64_t result = op == Operator::kMod ? x % y : x / y;
+    if (!FitsLong(static_cast<double>(result))) return JetError(6);
+    return Value::Long(static_cast<std::int32_t>(result));
 }
 
-// Sums of money and of money with whole numbers stay exact.
-std::optional<std::int64_t> MoneyUnits(const Value& value) {
+// The amount that a value is: sums of amounts stay exact. 6: there is none so large.
+Result<std::int64_t> MoneyUnits(const Value& value, double number) {
     if (const auto* money = value.get_if<Money>()) return money->units;
-    if (IsWhole(value)) return ToInteger(value) * 10000;
-    return std::nullopt;
+    const double units = std::nearbyint(number * 10000);
+    if (!(std::fabs(units) < 9.2e18)) return JetError(6);
+    return static_cast<std::int64_t>(units);
 }
 
 Result<Value> MoneySum(Operator op, std::int64_t a, std::int64_t b) {
@@ -141,6 +148,11 @@ Result<Value> MoneyFromDouble(double number) {
     return Value::Currency({static_cast<std::int64_t>(units)});
 }
 
+// A text counts as the double it stands for.
+bool IsReal(const Value& value) {
+    return value.is<float>() || value.is<double>() || value.is<std::u16string>();
+}
+
 Result<Value> DateResult(double days) {
     if (!CivilFromDays(days)) return JetError(6);
     return Value::DateTime(days);
@@ -153,16 +165,18 @@ Result<Value> CalculateNumbers(Operator op, const Value& a, const Value& b, doub
     switch (op) {
     case Operator::kAdd:
     case Operator::kSubtract: {
-        const auto first = MoneyUnits(a);
-        const auto second = MoneyUnits(b);
-        if (money && first && second) return MoneySum(op, *first, *second);
+        if (money && !dates) {
+            ASSIGN_OR_RETURN(const std::int64_t first, MoneyUnits(a, x));
+            ASSIGN_OR_RETURN(const std::int64_t second, MoneyUnits(b, y));
+            return MoneySum(op, first, second);
+        }
         const double sum = op == Operator::kAdd ? x + y : x - y;
         const bool distance = op == Operator::kSubtract && a.is<Date>() && b.is<Date>();
         if (dates && !distance) return DateResult(sum);
         return NumberResult(sum, whole);
     }
     case Operator::kMultiply:
-        if (money && !dates) return MoneyFromDouble(x * y);
+        if (money && !dates && !IsReal(a) && !IsReal(b)) return MoneyFromDouble(x * y);
         return NumberResult(x * y, whole);
     case Operator::kDivide:
         if (y == 0) return JetError(11);
@@ -245,7 +259,8 @@ Result<Truth> CompareWith(Operator op, const Value& a, const Value& b) {
 }
 
 Result<Value> Calculate(Operator op, const Value& a, const Value& b) {
-    if (op == Operator::kConcat) return Value::Text(ConcatText(a) + ConcatText(b));
+    if (op == Operator::kConcat && !(a.is_null() && b.is_null()))
+        return Value::Text(ConcatText(a) + ConcatText(b));
     if (a.is_null() || b.is_null()) return Value::Null();
     if (op == Operator::kAdd && a.is<std::u16string>() && b.is<std::u16string>())
         return Value::Text(a.as<std::u16string>() + b.as<std::u16string>());

@@ -9,8 +9,7 @@
 namespace jet::sql {
 namespace {
 
-constexpr std::size_t kUnits = 256;     // a table of one byte's values; half of it is never plain
-constexpr std::size_t kKeyUnits = 255;  // what counts of a text
+constexpr std::size_t kUnits = 256;  // a table of one byte's values; half of it is never plain
 
 // The one-byte weight of each character; 0: it is not plain. The weights come from the collation's
 // own keys: the key of a plain character is its weight, 01 (end of the weights), 00 (end of the
@@ -71,6 +70,7 @@ bool AppendKey(std::basic_string_view<Unit> text, std::string& key) {
 template <typename Unit>
 std::optional<std::weak_ordering> OrderOf(std::basic_string_view<Unit> text,
                                           std::string_view constant) {
+    if (text.size() > kKeyUnits) return std::nullopt;
     const WeightTable& weights = Weights();
     text = Counting(text);
     const std::size_t common = std::min(text.size(), constant.size());
@@ -93,6 +93,7 @@ std::optional<std::weak_ordering> OrderOf(std::basic_string_view<Unit> text,
 }  // namespace
 
 std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16string_view b) {
+    if (a.size() > kKeyUnits || b.size() > kKeyUnits) return std::nullopt;
     const auto& weights = Weights();
     a = Counting(a);
     b = Counting(b);
@@ -123,7 +124,7 @@ bool AppendPlainKey(std::string_view narrow, std::string& key) {
 
 std::optional<PlainText> PlainText::Of(std::u16string_view text) {
     PlainText plain;
-    if (!AppendPlainKey(text, plain.weights_)) return std::nullopt;
+    if (text.size() > kKeyUnits || !AppendPlainKey(text, plain.weights_)) return std::nullopt;
     plain.weights_.resize(plain.weights_.size() - 2);  // without the end
     return plain;
 }

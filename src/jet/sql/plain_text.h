@@ -10,7 +10,7 @@
 
 namespace jet::sql {
 
-// The order that the collation gives; nullopt: not both texts are plain.
+// The order that CompareText gives; nullopt: not both texts are plain and as short as a key.
 std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16string_view b);
 
 // Appends what AppendTextKey (jet/collation.h) would; false: the text is not plain, and `key` is as
@@ -19,13 +19,13 @@ bool AppendPlainKey(std::u16string_view text, std::string& key);
 // The same for a text of one byte a character.
 bool AppendPlainKey(std::string_view narrow, std::string& key);
 
-// A plain text that many others are compared with.
+// A plain text, as short as a key, that many others are compared with.
 class PlainText {
 public:
-    // nullopt: it is not plain.
+    // nullopt: it is not.
     static std::optional<PlainText> Of(std::u16string_view text);
 
-    // The order of `text` to this one; nullopt: it is not plain.
+    // The order of `text` to this one; nullopt: it is not plain, or longer than a key.
     std::optional<std::weak_ordering> Order(std::u16string_view text) const;
     std::optional<std::weak_ordering> Order(std::string_view narrow) const;
 

@@ -84,6 +84,27 @@ void AppendSortKey(const Value& value, bool descending, std::string& key) {
     if (descending) Complement(begin, key);
 }
 
+void AppendEqualKey(const Value& value, std::string& key) {
+    AppendSortKey(value, false, key);
+    const auto* text = value.get_if<std::u16string>();
+    if (text == nullptr) return;
+    static const std::string nothing = [] {
+        std::string empty;
+        AppendText({}, empty);
+        return empty;
+    }();
+    // Pieces without a weight count only where another one follows.
+    std::string pending;
+    for (std::size_t at = kKeyUnits; at < text->size(); at += kKeyUnits) {
+        std::string piece;
+        AppendText(std::u16string_view(*text).substr(at), piece);
+        pending += piece;
+        if (piece == nothing) continue;
+        key += pending;
+        pending.clear();
+    }
+}
+
 bool AppendNarrowSortKey(std::string_view narrow, bool descending, std::string& key) {
     const std::size_t begin = key.size();
     key += kTextMark;

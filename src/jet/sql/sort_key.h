@@ -13,7 +13,11 @@ namespace jet::sql {
 // `descending` complements the key, so that one comparison serves lists of mixed directions.
 void AppendSortKey(const Value& value, bool descending, std::string& key);
 
-// The same for a text of one byte a character. False: it takes its value to make the key, and
+// The same for hashing: values of one family (value_set.h) are equal when these keys are, texts
+// behind what is sorted by, too.
+void AppendEqualKey(const Value& value, std::string& key);
+
+// The same as AppendSortKey for a text of one byte a character. False: it takes its value to make the key, and
 // nothing was appended.
 bool AppendNarrowSortKey(std::string_view narrow, bool descending, std::string& key);
 

@@ -2,9 +2,6 @@
 
 #include "jet/errors.h"
 #include "jet/sql/query.h"
-#include "jet/sql/sort_key.h"
-
-#include <algorithm>
 
 namespace jet::sql {
 
@@ -66,34 +63,9 @@ Status Subquery::Load(EvalContext& context) {
     values_.clear();
     for (ResultRow& row : rows)
         values_.push_back(std::move(row[0]));
-    has_null_ = std::any_of(values_.begin(), values_.end(),
-                            [](const Value& value) { return value.is_null(); });
-    family_ = Family::kMixed;
-    if (uses_.empty()) MakeKeys();
+    set_ = uses_.empty() ? ValueSet::Make(values_) : nullptr;
     loaded_in_ = context.session->statement;
     return Status::Ok();
-}
-
-Subquery::Family Subquery::FamilyOf(const Value& value) {
-    if (value.is<std::u16string>()) return Family::kTexts;
-    if (value.is<Date>()) return Family::kDates;
-    const bool number = value.is<bool>() || value.is<std::uint8_t>() || value.is<std::int16_t>() ||
-                        value.is<std::int32_t>() || value.is<float>() || value.is<double>();
-    return number ? Family::kNumbers : Family::kMixed;
-}
-
-void Subquery::MakeKeys() {
-    keys_.clear();
-    for (const Value& value : values_) {
-        if (value.is_null()) continue;
-        const Family family = FamilyOf(value);
-        if (!keys_.empty() && family != family_) family_ = Family::kMixed;
-        if (keys_.empty()) family_ = family;
-        if (family_ == Family::kMixed) return;
-        std::string key;
-        AppendSortKey(value, false, key);
-        keys_.insert(std::move(key));
-    }
 }
 
 Result<const std::vector<Value>*> Subquery::Values(EvalContext& context) {
@@ -120,12 +92,8 @@ Result<bool> Subquery::HasRows(EvalContext& context) {
 Result<Truth> Subquery::Contains(const Value& value, EvalContext& context) {
     RETURN_IF_ERROR(Load(context));
     if (value.is_null()) return values_.empty() ? Truth::kFalse : Truth::kNull;
-    if (family_ != Family::kMixed && FamilyOf(value) == family_) {
-        std::string key;
-        AppendSortKey(value, false, key);
-        if (keys_.contains(key)) return Truth::kTrue;
-        return has_null_ ? Truth::kNull : Truth::kFalse;
-    }
+    const auto found = set_ != nullptr ? set_->Contains(value) : std::nullopt;
+    if (found) return *found;
     return CompareWithEach(value, Operator::kEqual, false, context);
 }
 

@@ -5,11 +5,10 @@
 #include "base/status.h"
 #include "jet/sql/bind.h"
 #include "jet/sql/evaluate.h"
+#include "jet/sql/value_set.h"
 
 #include <memory>
 #include <optional>
-#include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace jet::sql {
@@ -43,24 +42,17 @@ public:
     base::Result<const std::vector<Value>*> Values(EvalContext& context);
 
 private:
-    // Keys of values of one kind tell whether these are equal (sort_key.h).
-    enum class Family : std::uint8_t { kMixed, kTexts, kNumbers, kDates };
-
     Subquery(std::unique_ptr<Query> query, std::vector<OuterUse> uses);
-    static Family FamilyOf(const Value& value);
     bool IsFresh(const Session& session) const;
     base::Status CountRun(EvalContext& context);
     base::Status Load(EvalContext& context);
-    void MakeKeys();
 
     std::unique_ptr<Query> query_;
     std::vector<OuterUse> uses_;
     // What the last run gave; good for all of one statement unless it uses outer columns.
     std::optional<std::uint64_t> loaded_in_;
     std::vector<Value> values_;
-    bool has_null_ = false;
-    Family family_ = Family::kMixed;
-    std::unordered_set<std::string> keys_;  // of values_, where they are of one family
+    std::unique_ptr<const ValueSet> set_;  // of values_, where they are good for a statement
     std::optional<std::uint64_t> looked_in_;
     bool has_rows_ = false;
 };

@@ -128,7 +128,9 @@ Result<Value> InStrRev(Arguments a, EvalContext&) {
         if (start == 0 || start < -1) return BadArgument();
         if (start > 0) text = text.substr(0, static_cast<std::size_t>(start));
     }
-    const std::size_t at = text.rfind(Searchable(a[1], exact));
+    const std::u16string wanted = Searchable(a[1], exact);
+    // The empty text is found where the search begins.
+    const std::size_t at = wanted.empty() ? text.size() - 1 : text.rfind(wanted);
     return Value::Long(at == std::u16string::npos ? 0 : static_cast<std::int32_t>(at) + 1);
 }
 

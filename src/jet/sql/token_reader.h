@@ -37,6 +37,8 @@ public:
 
     // How deep the text is nested where the parser is, all statements and expressions together.
     int& nesting() { return nesting_; }
+    // Tests of the truth that a test gave, without parentheses: `a Is Null Is Null`.
+    int& tests_of_tests() { return tests_of_tests_; }
     // Expressions of designs have no subqueries.
     void ForbidQueries() { queries_allowed_ = false; }
     // ahead: where "(" and a SELECT would stand.
@@ -55,6 +57,7 @@ private:
     std::size_t at_ = 0;
     std::size_t last_end_ = 0;
     int nesting_ = 0;
+    int tests_of_tests_ = 0;
     bool queries_allowed_ = true;
 };
 
