@@ -107,6 +107,7 @@ constexpr ErrorText kErrors[] = {
     {3292, StatusCode::kInvalidArgument, "Syntax error in field definition."},
     {3293, StatusCode::kInvalidArgument, "Syntax error in ALTER TABLE statement."},
     {3295, StatusCode::kInvalidArgument, "Syntax error in DROP TABLE or DROP INDEX."},
+    {3296, StatusCode::kInvalidArgument, "Join expression not supported."},
     {3306, StatusCode::kInvalidArgument,
      "You have written a subquery that can return more than one field without using the EXISTS "
      "reserved word in the main query's FROM clause. Revise the SELECT statement of the subquery "

@@ -66,6 +66,7 @@ void Recordset::Impl::Close() {
     query_.reset();
     found_ = {};
     values_.clear();
+    failures_.clear();
     ForgetLearned();
     pending_.clear();
     names_.clear();
@@ -78,7 +79,7 @@ Status Recordset::Impl::Load() {
     cache_valid_ = false;
     keeps_values_ = query_->table() == nullptr;
     if (keeps_values_) {
-        ASSIGN_OR_RETURN(values_, query_->Rows());
+        ASSIGN_OR_RETURN(values_, query_->Rows(&failures_));
     } else if (cursor_ == CursorType::kForwardOnly) {
         ASSIGN_OR_RETURN(walk_, query_->Walk());
         if (walk_ != nullptr) {
@@ -97,7 +98,7 @@ Status Recordset::Impl::Load() {
 Status Recordset::Impl::ListRows() {
     ASSIGN_OR_RETURN(found_, query_->CollectRows());
     if (cursor_ != CursorType::kStatic) return Status::Ok();
-    ASSIGN_OR_RETURN(values_, query_->ReadRows(found_));
+    ASSIGN_OR_RETURN(values_, query_->ReadRows(found_, &failures_));
     found_.stored = {};
     return Status::Ok();
 }
@@ -234,10 +235,17 @@ Result<Value> Recordset::Impl::Field(std::size_t field) {
     if (field >= names_.size()) return JetError(3265);
     for (const Pending& pending : pending_)
         if (pending.output == field) return pending.value;
-    if (!values_.empty()) return values_[static_cast<std::size_t>(position_)][field];
+    if (!values_.empty()) {
+        const auto row = static_cast<std::size_t>(position_);
+        const auto failed = failures_.find({row, field});
+        if (failed != failures_.end()) return failed->second;
+        return values_[row][field];
+    }
     if (query_ == nullptr) return JetError(3011, text_);
     RETURN_IF_ERROR(ReadLearned(field));
-    return cache_[place_in_cache_[field]];
+    const std::size_t place = place_in_cache_[field];
+    RETURN_IF_ERROR(cache_failures_[place]);
+    return cache_[place];
 }
 
 void Recordset::Impl::ForgetLearned() {
@@ -245,6 +253,7 @@ void Recordset::Impl::ForgetLearned() {
     learned_columns_.clear();
     place_in_cache_.clear();
     cache_.clear();
+    cache_failures_.clear();
     cache_valid_ = false;
 }
 
@@ -267,6 +276,7 @@ void Recordset::Impl::Learn(std::size_t field) {
     place_in_cache_[field] = learned_.size();
     learned_.push_back(field);
     cache_.resize(learned_.size());
+    cache_failures_.resize(learned_.size());
     const auto column = query_->TableColumn(field);
     const bool all_plain = learned_columns_.size() + 1 == learned_.size() && column;
     if (all_plain)
@@ -278,7 +288,8 @@ void Recordset::Impl::Learn(std::size_t field) {
 // A walk stands on the page of its row; it shows the row as it was met, so a row that may have
 // changed is read anew.
 Status Recordset::Impl::ReadRow() {
-    if (learned_columns_.empty()) return query_->ReadRow(current(), learned_, cache_);
+    if (learned_columns_.empty())
+        return query_->ReadRow(current(), learned_, cache_, cache_failures_);
     if (walk_ != nullptr && met_changes_ == connection_->changes() && !at_end_)
         return walk_->Read(learned_columns_, cache_);
     return query_->table()->Read(current(), learned_columns_, cache_);

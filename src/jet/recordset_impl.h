@@ -89,6 +89,7 @@ private:
     RowId met_;  // the walk's current row
     sql::FoundRows found_;
     std::vector<sql::ResultRow> values_;
+    sql::FieldFailures failures_;  // of values_
     bool keeps_values_ = false;
 
     bool has_rows_ = false;
@@ -101,6 +102,7 @@ private:
     std::vector<std::size_t> learned_columns_;  // in the table's design; empty: some are computed
     std::vector<std::size_t> place_in_cache_;   // of each field; kNotLearned
     std::vector<Value> cache_;
+    std::vector<base::Status> cache_failures_;
     bool cache_valid_ = false;
     RowId cache_row_;
     std::uint64_t cache_changes_ = 0;

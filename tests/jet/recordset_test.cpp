@@ -52,6 +52,22 @@ TEST_P(AnyCursor, WalksATableInItsOrder) {
     EXPECT_TRUE(rows.Eof());
 }
 
+TEST_P(AnyCursor, AnOutputThatFailsLeavesTheOthers) {
+    Run(u"UPDATE T SET Played = 0 WHERE Name = 'a'");
+    Recordset rows = Open(u"SELECT Name, 6 / Played, Id FROM T ORDER BY Id", GetParam());
+    EXPECT_EQ(ShownRows(rows), "b,6,1|a,<error> Division by zero,2|c,6,3");
+    EXPECT_TRUE(rows.MoveFirst().ok());
+    EXPECT_EQ(ShownRows(rows), "b,6,1|a,<error> Division by zero,2|c,6,3");
+}
+
+TEST_P(AnyCursor, AnOutputOfAJoinThatFailsLeavesTheOthers) {
+    Run(u"UPDATE T SET Played = 0 WHERE Name = 'a'");
+    Recordset rows = Open(u"SELECT T.Name, 6 / U.Played FROM T INNER JOIN T AS U ON T.Id = U.Id "
+                          u"ORDER BY T.Name DESC",
+                          GetParam());
+    EXPECT_EQ(ShownRows(rows), "c,6|b,6|a,<error> Division by zero");
+}
+
 TEST_P(AnyCursor, WithoutRowsIsAtBothEnds) {
     Recordset rows = Open(u"SELECT * FROM T WHERE Id = 99", GetParam());
     EXPECT_TRUE(rows.Bof() && rows.Eof());
@@ -84,6 +100,15 @@ TEST_P(AnyCursor, DeletesTheCurrentRow) {
 INSTANTIATE_TEST_SUITE_P(Cursors, AnyCursor,
                          testing::Values(CursorType::kForwardOnly, CursorType::kKeyset,
                                          CursorType::kDynamic, CursorType::kStatic));
+
+TEST_F(RecordsetTest, OutputsThatAreComparedOrStoredMustNotFail) {
+    Run(u"UPDATE T SET Played = 0 WHERE Name = 'a'");
+    EXPECT_EQ(ErrorOf(u"SELECT DISTINCT 6 / Played FROM T"), 11);
+    EXPECT_EQ(ErrorOf(u"SELECT 6 / Played FROM T UNION SELECT 1"), 11);
+    EXPECT_EQ(ErrorOf(u"SELECT Name FROM T ORDER BY 6 / Played"), 11);
+    EXPECT_EQ(ErrorOf(u"INSERT INTO T (Played) SELECT 6 / Played FROM T"), 11);
+    EXPECT_EQ(ErrorOf(u"SELECT Name FROM T WHERE 3 In (SELECT 6 / Played FROM T)"), 11);
+}
 
 TEST_F(RecordsetTest, AKeysetKnowsItsCountAndGoesAnywhere) {
     Recordset rows = Open(u"SELECT * FROM T ORDER BY Name DESC");

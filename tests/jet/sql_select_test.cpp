@@ -128,6 +128,112 @@ TEST_F(SqlSelect, UnionRemovesDuplicatesAndSorts) {
               "3|2|2|1|1|1|<null>");
 }
 
+TEST_F(SqlSelect, UnionAllBehindAUnionKeepsItsDuplicates) {
+    EXPECT_EQ(
+        Run(u"SELECT 3 UNION ALL SELECT 1 UNION SELECT 1 UNION ALL SELECT 3 UNION ALL SELECT 3"),
+        "1|3|3|3");
+    EXPECT_EQ(Run(u"SELECT 3 UNION ALL SELECT 1 UNION ALL SELECT 3"), "3|1|3");
+    EXPECT_EQ(Run(u"SELECT 'b' UNION SELECT 'B' UNION SELECT 'a'"), "a|b");
+}
+
+// Sorting again after each part would take hours.
+TEST_F(SqlSelect, UnionOfAThousandParts) {
+    Run(u"CREATE TABLE N (I LONG)");
+    for (int i = 0; i < 100; ++i)
+        Table(u"N").rows()[{1, static_cast<std::uint8_t>(i)}] = {jet::Value::Long(i)};
+    std::u16string sql = u"SELECT I FROM N";
+    for (int part = 1; part < 1000; ++part) {
+        const std::string offset = std::to_string(part * 50);
+        sql += u" UNION SELECT I + " + std::u16string(offset.begin(), offset.end()) + u" FROM N";
+    }
+    auto rows = connection->Execute(sql);
+    ASSERT_TRUE(rows.ok()) << rows.status().message();
+    for (int i = 0; i < 999 * 50 + 100; ++i, static_cast<void>(rows->MoveNext()))
+        ASSERT_EQ(jet::ToInteger(*rows->Fields(std::size_t{0})), i);
+    EXPECT_TRUE(rows->Eof());
+}
+
+// Texts are compared as a whole; 255 characters count where they are sorted.
+TEST_F(SqlSelect, LongTextsThatBeginAlikeAreDifferent) {
+    Run(u"CREATE TABLE Notes (Id LONG, Story MEMO)");
+    const std::u16string head(255, u'x');
+    const std::u16string a = u"'" + head + u"a'";
+    const std::u16string b = u"'" + head + u"B'";
+    Run(u"INSERT INTO Notes VALUES (1, " + a + u")");
+    Run(u"INSERT INTO Notes VALUES (2, " + b + u")");
+    Run(u"INSERT INTO Notes VALUES (3, '" + head + u"')");
+    for (const bool indexed : {false, true}) {
+        if (indexed) Run(u"CREATE INDEX ByStory ON Notes (Story)");
+        EXPECT_EQ(Run(u"SELECT Id FROM Notes WHERE Story = " + a), "1");
+        EXPECT_EQ(Run(u"SELECT Id FROM Notes WHERE Story <> " + a), "2|3");
+        EXPECT_EQ(Run(u"SELECT Id FROM Notes WHERE Story > " + a), "2");
+        EXPECT_EQ(Run(u"SELECT Id FROM Notes WHERE Story < " + b), "1|3");
+        EXPECT_EQ(Run(u"SELECT Id FROM Notes WHERE Story In (" + b + u", 'y')"), "2");
+        EXPECT_EQ(Run(u"SELECT Id FROM Notes WHERE Story In (" + b +
+                      u", '1', '2', '3', '4', '5', '6', '7', '8', '9')"),
+                  "2");
+        EXPECT_EQ(
+            Run(u"SELECT Id FROM Notes WHERE Story In (SELECT Story FROM Notes WHERE Id = 2)"),
+            "2");
+        EXPECT_EQ(Run(u"SELECT X.Id, Y.Id FROM Notes AS X INNER JOIN Notes AS Y "
+                      u"ON X.Story = Y.Story"),
+                  "1,1|2,2|3,3");
+    }
+    EXPECT_EQ(Run(u"SELECT StrComp(" + a + u", " + b + u")"), "-1");
+    EXPECT_EQ(Run(u"SELECT StrComp(" + b + u", '" + head + u"b')"), "0");
+    EXPECT_EQ(Run(u"SELECT " + a + u" = " + b), "0");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM Notes GROUP BY Story"), "3");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM Notes WHERE Id In (SELECT Min(Id) FROM Notes GROUP BY "
+                  u"Story)"),
+              "1");
+    EXPECT_EQ(Run(u"UPDATE Notes SET Story = " + b + u" WHERE Story <> " + b), "2");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM Notes WHERE Story = " + b), "3");
+}
+
+TEST_F(SqlSelect, ListsOfOneKindAreLookedUp) {
+    const std::u16string list = u" (1, -2, 3.5, 4, 5, 6, 7, 8, 9, 20)";
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Nr In" + list), "1|4");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE -2 * Nr Not In" + list), "2|3|4");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Price In" + list), "2|3");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Price Not In" + list), "1");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Nr Not In (1, 2, 3, 5, 6, 7, 8, 9, Null)"), "");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Nr In (1, 2, 5, 6, 7, 8, 9, 10, Null)"), "1|2");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Name In ('XENON', 'a', 'b', 'c', 'd', 'e', 'f', "
+                  u"'g', 'fathom ')"),
+              "1|2");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Made In (#3/4/1980#, #1/1/2000#, #1/2/2000#, "
+                  u"#1/3/2000#, #1/4/2000#, #1/5/2000#, #1/6/2000#, #1/7/2000#, #1/8/2000#)"),
+              "2");
+    // Values of another kind are compared one by one, with the conversions of a comparison.
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE '4' In" + list), "1|2|3|4");
+    EXPECT_EQ(Run(u"SELECT Nr FROM Game WHERE Nr In ('1', '2', 3, 5, 6, 7, 8, 9, 10)"), "1|2|3");
+    EXPECT_EQ(ErrorOf(u"SELECT Nr FROM Game WHERE Name In" + list), 3464);
+}
+
+TEST_F(SqlSelect, LongListsKeepTheIndex) {
+    Run(u"CREATE TABLE N (I LONG)");
+    Run(u"CREATE INDEX ByI ON N (I)");
+    auto& rows = Table(u"N").rows();
+    for (int i = 0; i < 20000; ++i)
+        rows[{1U + static_cast<std::uint32_t>(i) / 200, static_cast<std::uint8_t>(i % 200)}] = {
+            jet::Value::Long(i)};
+    const auto list_of = [](int items) {
+        std::u16string list;
+        for (int i = 0; i < items; ++i) {
+            const std::string number = std::to_string(7 * i);
+            list += (i > 0 ? u"," : u"") + std::u16string(number.begin(), number.end());
+        }
+        return list;
+    };
+    const int before = Table(u"N").ranges();
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM N WHERE I In (" + list_of(5000) + u")"), "2858");
+    EXPECT_EQ(Table(u"N").ranges() - before, 5000);
+    // Beyond half of the rows a walk over all of them is no slower; each is looked up.
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM N WHERE I In (" + list_of(15000) + u")"), "2858");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM N WHERE I + 0 In (" + list_of(15000) + u")"), "2858");
+    EXPECT_EQ(Table(u"N").ranges() - before, 5000);
+}
+
 TEST_F(SqlSelect, InsertFromASelectOfTheSameTable) {
     EXPECT_EQ(Run(u"INSERT INTO Game (Nr, Name) SELECT Nr + 10, Name FROM Game"), "4");
     EXPECT_EQ(Run(u"SELECT Count(*) FROM Game"), "8");

@@ -122,6 +122,74 @@ TEST_F(Subqueries, SeeTheRowAroundThem) {
     EXPECT_EQ(ErrorOf(u"SELECT Name FROM Maker WHERE EXISTS (SELECT * FROM Nowhere)"), 3078);
 }
 
+TEST_F(Subqueries, WrittenTwiceAreTheSame) {
+    const std::u16string name = u"(SELECT Name FROM Maker WHERE Id = Game.MakerId)";
+    const std::u16string same = u"(select NAME from maker where id = game.makerid)";
+    EXPECT_EQ(Run(u"SELECT DISTINCT " + name + u" FROM Game ORDER BY " + same + u" DESC"),
+              "Zaccaria|Bally|<null>");
+    EXPECT_EQ(Run(u"SELECT " + name + u", Count(*) FROM Game GROUP BY " + same),
+              "<null>,1|Bally,2|Zaccaria,1");
+    EXPECT_EQ(Run(u"SELECT Count(*) FROM Game GROUP BY " + name + u" HAVING " + same +
+                  u" = 'Bally' ORDER BY " + name),
+              "2");
+    for (const std::u16string_view other :
+         {u"(SELECT Country FROM Maker WHERE Id = Game.MakerId)",
+          u"(SELECT Name FROM Maker WHERE Id = Game.Id)",
+          u"(SELECT DISTINCT Name FROM Maker WHERE Id = Game.MakerId)",
+          u"(SELECT TOP 1 Name FROM Maker WHERE Id = Game.MakerId)",
+          u"(SELECT Name FROM Maker AS M WHERE Id = Game.MakerId)",
+          u"(SELECT Name FROM Maker WHERE Id = Game.MakerId GROUP BY Name)",
+          u"(SELECT Name FROM Maker WHERE Id = Game.MakerId ORDER BY Id)",
+          u"(SELECT Name FROM Maker WHERE Id = Game.MakerId UNION SELECT 'x' FROM Maker WHERE "
+          u"Id = 9)"}) {
+        EXPECT_EQ(
+            ErrorOf(u"SELECT DISTINCT " + name + u" FROM Game ORDER BY " + std::u16string(other)),
+            3093)
+            << base::ToUtf8(other);
+    }
+    EXPECT_EQ(ErrorOf(u"SELECT " + name +
+                      u" FROM Game GROUP BY Id, "
+                      u"(SELECT Country FROM Maker WHERE Id = Game.MakerId)"),
+              3122);
+}
+
+// An answer that is only asked for a row stops at the first one.
+TEST_F(Subqueries, ExistsComputesNoAnswer) {
+    for (const std::u16string_view what :
+         {u"TOP 1 *", u"DISTINCT Title", u"TOP 50 PERCENT Title", u"1 / 0", u"DISTINCT 1 / 0",
+          u"TOP 3 1 / 0", u"Count(1 / 0)"})
+        EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT " + std::u16string(what) +
+                      u" FROM Game WHERE MakerId = 1)"),
+                  "Bally|Zaccaria|Nobody")
+            << base::ToUtf8(what);
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT TOP 1 * FROM Game WHERE MakerId = "
+                  u"Maker.Id ORDER BY Title)"),
+              "Bally|Zaccaria");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT DISTINCT Title FROM Game WHERE "
+                  u"MakerId = Maker.Id)"),
+              "Bally|Zaccaria");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT MakerId FROM Game WHERE MakerId = "
+                  u"Maker.Id GROUP BY MakerId)"),
+              "Bally|Zaccaria");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT MakerId FROM Game WHERE MakerId = "
+                  u"Maker.Id GROUP BY MakerId HAVING Count(*) > 1)"),
+              "Bally");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT Sum(Id) FROM Game WHERE MakerId = "
+                  u"99)"),
+              "Bally|Zaccaria|Nobody");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT TOP 0 * FROM Game)"), "");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT TOP 0 PERCENT * FROM Game)"), "");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT Id FROM Game WHERE Id = 99 UNION "
+                  u"SELECT 1 / 0 FROM Game WHERE MakerId = Maker.Id)"),
+              "Bally|Zaccaria");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT 1)"), "Bally|Zaccaria|Nobody");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT 1 WHERE Maker.Id = 2)"),
+              "Zaccaria");
+    EXPECT_EQ(Run(u"SELECT Name FROM Maker WHERE EXISTS (SELECT 1 / 0 FROM Game, Maker AS M WHERE "
+                  u"MakerId = M.Id AND M.Id = Maker.Id)"),
+              "Bally|Zaccaria");
+}
+
 TEST_F(Subqueries, UseIndexesInsideAndOutside) {
     const auto ranges = [&](std::u16string_view table, std::u16string_view sql) {
         const int before = Table(table).ranges();

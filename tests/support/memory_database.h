@@ -48,8 +48,16 @@ public:
     // Borrowed; nullptr: validation rules are not tested.
     void UseRules(const jet::RowRuleMaker* maker) { rule_maker_ = maker; }
 
-    jet::TableDesign& mutable_design() { return design_; }
-    RowMap& rows() { return rows_; }
+    jet::TableDesign& mutable_design() {
+        sorted_.clear();
+        return design_;
+    }
+    RowMap& rows() {
+        sorted_.clear();
+        return rows_;
+    }
+    // Walks over the whole table since it was made.
+    int scans() const { return scans_; }
     // Ranges walked since the table was made, so that a test can tell whether an index was used.
     int ranges() const { return ranges_; }
 
@@ -58,6 +66,7 @@ public:
     std::optional<base::Status> read_only_reason() const override { return std::nullopt; }
 
     base::Result<std::unique_ptr<jet::RowCursor>> Scan() override {
+        ++scans_;
         std::vector<jet::RowId> ids;
         for (const auto& [id, row] : rows_)
             ids.push_back(id);
@@ -72,17 +81,12 @@ public:
         const jet::IndexDesign& design = design_.indexes[index];
         const std::string low = BoundKey(design, from);
         const std::string high = BoundKey(design, to);
-        std::vector<std::pair<std::string, jet::RowId>> found;
-        for (const auto& [id, row] : rows_) {
-            const std::string key = Key(design, row);
-            if (key.substr(0, low.size()) < low || key.substr(0, high.size()) > high) continue;
-            found.emplace_back(key, id);
-        }
-        std::sort(found.begin(), found.end());
-        if (backwards) std::reverse(found.begin(), found.end());
         std::vector<jet::RowId> ids;
-        for (const auto& entry : found)
-            ids.push_back(entry.second);
+        const SortedKeys& keys = Sorted(index);
+        for (auto at = std::lower_bound(keys.begin(), keys.end(), std::pair(low, jet::RowId{}));
+             at != keys.end() && at->first.substr(0, high.size()) <= high; ++at)
+            ids.push_back(at->second);
+        if (backwards) std::reverse(ids.begin(), ids.end());
         return std::unique_ptr<jet::RowCursor>(new MemoryCursor(rows_, std::move(ids)));
     }
 
@@ -108,7 +112,7 @@ public:
         RETURN_IF_ERROR(CheckUnique(row, jet::RowId{}));
         const jet::RowId id{1 + next_ / 200, static_cast<std::uint8_t>(next_ % 200)};
         ++next_;
-        rows_[id] = std::move(row);
+        rows()[id] = std::move(row);
         return id;
     }
     base::Status Update(jet::RowId row, std::span<const jet::ColumnChange> changes) override {
@@ -124,13 +128,25 @@ public:
         RETURN_IF_ERROR(CheckRules(changed, marks));
         RETURN_IF_ERROR(CheckUnique(changed, row));
         found->second = std::move(changed);
+        sorted_.clear();
         return base::Status::Ok();
     }
     base::Status Delete(jet::RowId row) override {
-        return rows_.erase(row) == 1 ? base::Status::Ok() : jet::JetError(3167);
+        return rows().erase(row) == 1 ? base::Status::Ok() : jet::JetError(3167);
     }
 
 private:
+    using SortedKeys = std::vector<std::pair<std::string, jet::RowId>>;
+
+    const SortedKeys& Sorted(std::size_t index) {
+        const auto [keys, is_new] = sorted_.try_emplace(index);
+        if (!is_new) return keys->second;
+        for (const auto& [id, row] : rows_)
+            keys->second.emplace_back(Key(design_.indexes[index], row), id);
+        std::sort(keys->second.begin(), keys->second.end());
+        return keys->second;
+    }
+
     static std::string Key(const jet::IndexDesign& index, const std::vector<jet::Value>& row) {
         std::string key;
         for (const jet::IndexColumn& part : index.columns)
@@ -164,6 +180,8 @@ private:
     std::uint32_t next_ = 0;
     std::int32_t autonumber_ = 0;
     int ranges_ = 0;
+    int scans_ = 0;
+    std::map<std::size_t, SortedKeys> sorted_;  // by index; empty after a change
     const jet::RowRuleMaker* rule_maker_ = nullptr;
 };
 

@@ -58,8 +58,7 @@ private:
         for (const auto& [column, value] : row.columns) {
             Value now = value.before;
             if (value.value == value.before)
-                RETURN_IF_ERROR(
-                    row.table->Read(row.id, std::span(&column, 1), std::span(&now, 1)));
+                RETURN_IF_ERROR(row.table->Read(row.id, std::span(&column, 1), std::span(&now, 1)));
             if (now == value.before) changes.push_back({column, value.value});
         }
         return changes;
@@ -92,22 +91,6 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
     return bound;
 }
 
-// Calls `take` with the combinations that satisfy the condition.
-template <typename Take>
-Status ForEachMatch(const FromNode& from, const Expression* where, const Scope& scope,
-                    Session& session, Take take) {
-    return ForEachCombinationOfRows(
-        from, scope, where, session,
-        [&](const SourceRows& rows, const CombinedRows& found) -> Status {
-            EvalContext context{&session, &rows, nullptr};
-            if (where != nullptr) {
-                ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*where, context));
-                if (truth != Truth::kTrue) return Status::Ok();
-            }
-            return take(context, found);
-        });
-}
-
 // The new values that one combination gives, for each source that has a row.
 Status CollectChanges(const std::vector<BoundAssignment>& assignments, const Scope& scope,
                       EvalContext& context, const CombinedRows& found, RowChanges& changes) {
@@ -138,12 +121,15 @@ Result<std::int64_t> UpdateJoined(UpdateStatement& update, Session& session) {
     ASSIGN_OR_RETURN(const auto assignments, BindAssignments(update, scope, session));
     RowChanges changes;
     std::int64_t count = 0;
-    RETURN_IF_ERROR(ForEachMatch(*update.from, update.where.get(), scope, session,
-                                 [&](EvalContext& context, const CombinedRows& found) {
-                                     ++count;
-                                     return CollectChanges(assignments, scope, context, found,
-                                                           changes);
-                                 }));
+    ASSIGN_OR_RETURN(const std::unique_ptr<Joiner> joiner,
+                     Joiner::Make(*update.from, scope, update.where.get(), session));
+    const auto collect = [&](const SourceRows& rows, const CombinedRows& found) -> Result<bool> {
+        ++count;
+        EvalContext context{&session, &rows, nullptr};
+        RETURN_IF_ERROR(CollectChanges(assignments, scope, context, found, changes));
+        return true;
+    };
+    RETURN_IF_ERROR(joiner->Run(collect));
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
     RETURN_IF_ERROR(changes.Write());
@@ -158,11 +144,13 @@ Result<std::int64_t> DeleteJoined(DeleteStatement& erase, Session& session) {
     Table& table = *scope.sources()[target].table;
     RETURN_IF_ERROR(CheckWritable(session, table));
     std::set<RowId> rows;
-    RETURN_IF_ERROR(ForEachMatch(*erase.from, erase.where.get(), scope, session,
-                                 [&](EvalContext&, const CombinedRows& found) {
-                                     if (found[target]) rows.insert(*found[target]);
-                                     return Status::Ok();
-                                 }));
+    ASSIGN_OR_RETURN(const std::unique_ptr<Joiner> joiner,
+                     Joiner::Make(*erase.from, scope, erase.where.get(), session));
+    const auto collect = [&](const SourceRows&, const CombinedRows& found) -> Result<bool> {
+        if (found[target]) rows.insert(*found[target]);
+        return true;
+    };
+    RETURN_IF_ERROR(joiner->Run(collect));
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
     RETURN_IF_ERROR(DeleteFound(table, std::vector<RowId>(rows.begin(), rows.end())));

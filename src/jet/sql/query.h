@@ -11,12 +11,16 @@
 #include "jet/sql/row_walk.h"
 #include "jet/sql/stored_rows.h"
 
+#include <map>
 #include <memory>
+#include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace jet::sql {
 
+class Joiner;
 class KeySorter;
 
 using ResultRow = std::vector<Value>;
@@ -26,6 +30,9 @@ struct FoundRows {
     std::vector<RowId> ids;
     StoredRows stored;  // of the same rows, the outputs in order; perhaps none is held
 };
+
+// Why outputs have no value, by row and output: one that fails leaves the row its other fields.
+using FieldFailures = std::map<std::pair<std::size_t, std::size_t>, base::Status>;
 
 class Query {
 public:
@@ -47,11 +54,15 @@ public:
     base::Result<FoundRows> CollectRows();
     // nullptr: the rows have to be sorted or cut first, so that CollectRows is needed.
     base::Result<std::unique_ptr<RowWalk>> Walk();
-    // `outputs` are positions in names(); `values` has the same size. 3167: the row is gone.
-    base::Status ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values);
+    // `outputs` are positions in names(); `values` and `failures` have the same size. 3167: the row
+    // is gone.
+    base::Status ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values,
+                         std::span<base::Status> failures);
 
-    // All outputs of rows found by CollectRows.
-    base::Result<std::vector<ResultRow>> ReadRows(const FoundRows& found);
+    // All outputs of rows found by CollectRows. `failures`, here and below: nullptr: an output that
+    // fails is the answer.
+    base::Result<std::vector<ResultRow>> ReadRows(const FoundRows& found,
+                                                  FieldFailures* failures = nullptr);
 
     // Of a subquery: the columns of the statements around it that it uses.
     std::vector<OuterUse> outer_uses() const;
@@ -62,7 +73,7 @@ public:
     // True: there is a row.
     base::Result<bool> HasRows();
     // All rows, whatever their origin.
-    base::Result<std::vector<ResultRow>> Rows();
+    base::Result<std::vector<ResultRow>> Rows(FieldFailures* failures = nullptr);
 
 private:
     class Grouping;
@@ -84,7 +95,10 @@ private:
     bool IsGrouped() const { return !select_.group_by.empty() || !aggregates_.empty(); }
     bool IsRowWise() const;
 
-    base::Status ForEachRow(const std::function<base::Status(const SourceRows&)>& take);
+    // False: no more rows are wanted.
+    using TakeRow = std::function<base::Result<bool>(const SourceRows&)>;
+    base::Status ForEachRow(const TakeRow& take);
+    base::Status ForEachCombination(const TakeRow& take);
     base::Result<std::vector<Sorted>> Produce();
     base::Result<Sorted> MakeRow(EvalContext& context) const;
     base::Status AppendOrderKey(EvalContext& context, std::string& key) const;
@@ -105,7 +119,9 @@ private:
     std::vector<std::u16string> names_;
     std::vector<std::unique_ptr<Query>> unions_;
     AccessPath path_;
+    std::unique_ptr<Joiner> joiner_;  // of several sources; perhaps not made yet
     bool row_wise_ = false;
+    bool keeps_failures_ = false;  // of outputs, in the run at hand
 };
 
 }  // namespace jet::sql

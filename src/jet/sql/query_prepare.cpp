@@ -1,5 +1,6 @@
 // Query, first half: names, orders and groups are checked and bound.
 #include "jet/errors.h"
+#include "jet/sql/join.h"
 #include "jet/sql/query.h"
 
 #include <algorithm>

@@ -77,7 +77,7 @@ void SortByKey(std::vector<Row>& rows) {
 struct Query::Sorted {
     ResultRow values;
     std::string key;
-    RowId row;
+    std::vector<std::pair<std::size_t, Status>> failures;  // by output
 };
 
 Table* Query::table() const {
@@ -173,7 +173,9 @@ Result<FoundRows> Query::CollectRows() {
     return found;
 }
 
-Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values) {
+Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values,
+                      std::span<Status> failures) {
+    std::fill(failures.begin(), failures.end(), Status::Ok());
     const Source& source = output_scope_.sources()[0];
     std::vector<std::size_t> columns;
     bool computed = false;
@@ -188,12 +190,15 @@ Status Query::ReadRow(RowId row, std::span<const std::size_t> outputs, std::span
     RETURN_IF_ERROR(source.table->Read(row, source.columns, rows[0]));
     EvalContext context{&session_, &rows, nullptr};
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        ASSIGN_OR_RETURN(values[i], OutputValue(*select_.outputs[outputs[i]].expression, context));
+        auto value = OutputValue(*select_.outputs[outputs[i]].expression, context);
+        if (!value.ok()) failures[i] = value.status();
+        values[i] = std::move(value).value_or(Value::Null());
     }
     return Status::Ok();
 }
 
-Result<std::vector<ResultRow>> Query::ReadRows(const FoundRows& found) {
+Result<std::vector<ResultRow>> Query::ReadRows(const FoundRows& found, FieldFailures* failures) {
+    std::vector<Status> failed(names_.size());
     std::vector<std::size_t> outputs(names_.size());
     std::iota(outputs.begin(), outputs.end(), std::size_t{0});
     std::vector<ResultRow> rows;
@@ -201,7 +206,12 @@ Result<std::vector<ResultRow>> Query::ReadRows(const FoundRows& found) {
     for (std::size_t i = 0; i < found.ids.size(); ++i) {
         ResultRow& row = rows.emplace_back(outputs.size());
         if (!found.stored.are_fresh()) {
-            RETURN_IF_ERROR(ReadRow(found.ids[i], outputs, row));
+            RETURN_IF_ERROR(ReadRow(found.ids[i], outputs, row, failed));
+            for (const std::size_t output : outputs) {
+                if (failed[output].ok()) continue;
+                if (failures == nullptr) return failed[output];
+                failures->try_emplace({i, output}, failed[output]);
+            }
             continue;
         }
         for (const std::size_t output : outputs)
@@ -210,32 +220,48 @@ Result<std::vector<ResultRow>> Query::ReadRows(const FoundRows& found) {
     return rows;
 }
 
-Status Query::ForEachRow(const std::function<Status(const SourceRows&)>& take) {
-    if (scope_.sources().size() == 1) {
-        ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
-                         RowWalk::Open(scope_, path_, select_.where.get(), session_));
-        for (;;) {
-            ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
-            if (!row) return Status::Ok();
-            RETURN_IF_ERROR(walk->ReadInUse());
-            RETURN_IF_ERROR(take(walk->rows()));
-        }
+Status Query::ForEachRow(const TakeRow& take) {
+    if (select_.from == nullptr) {
+        const SourceRows none;
+        EvalContext context{&session_, &none, nullptr};
+        ASSIGN_OR_RETURN(const Truth truth, select_.where == nullptr
+                                                ? Result<Truth>(Truth::kTrue)
+                                                : EvaluateTruth(*select_.where, context));
+        return truth == Truth::kTrue ? take(none).status() : Status::Ok();
     }
-    const auto filtered = [&](const SourceRows& rows) -> Status {
-        if (select_.where == nullptr) return take(rows);
-        EvalContext context{&session_, &rows, nullptr};
-        ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*select_.where, context));
-        return truth == Truth::kTrue ? take(rows) : Status::Ok();
-    };
-    if (select_.from == nullptr) return filtered(SourceRows());
-    return ForEachCombination(*select_.from, scope_, select_.where.get(), session_, filtered);
+    if (scope_.sources().size() > 1) return ForEachCombination(take);
+    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
+                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    for (;;) {
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        if (!row) return Status::Ok();
+        RETURN_IF_ERROR(walk->ReadInUse());
+        ASSIGN_OR_RETURN(const bool more, take(walk->rows()));
+        if (!more) return Status::Ok();
+    }
+}
+
+// A subquery that is run for each row around it keeps what it has read for the whole statement.
+Status Query::ForEachCombination(const TakeRow& take) {
+    if (joiner_ == nullptr) {
+        ASSIGN_OR_RETURN(joiner_,
+                         Joiner::Make(*select_.from, scope_, select_.where.get(), session_));
+    }
+    const Status done =
+        joiner_->Run([&](const SourceRows& rows, const CombinedRows&) { return take(rows); });
+    if (outer_uses().empty()) joiner_.reset();
+    return done;
 }
 
 Result<Query::Sorted> Query::MakeRow(EvalContext& context) const {
     Sorted row;
     for (const OutputItem& item : select_.outputs) {
-        ASSIGN_OR_RETURN(Value value, OutputValue(*item.expression, context));
-        row.values.push_back(std::move(value));
+        auto value = OutputValue(*item.expression, context);
+        if (!value.ok()) {
+            if (!keeps_failures_) return value.status();
+            row.failures.emplace_back(row.values.size(), value.status());
+        }
+        row.values.push_back(std::move(value).value_or(Value::Null()));
     }
     row.key.reserve(32 * select_.order_by.size());
     RETURN_IF_ERROR(AppendOrderKey(context, row.key));
@@ -247,7 +273,7 @@ class Query::Grouping {
 public:
     explicit Grouping(const Query& query) : query_(query) {}
 
-    Status Add(const SourceRows& rows) {
+    Result<bool> Add(const SourceRows& rows) {
         EvalContext context{&query_.session_, &rows, nullptr};
         key_.clear();
         for (const ExpressionPtr& expression : query_.select_.group_by)
@@ -256,7 +282,7 @@ public:
         if (is_new) Open(key_, rows);
         for (Accumulator& accumulator : groups_[found->second].accumulators)
             RETURN_IF_ERROR(accumulator.Add(context));
-        return Status::Ok();
+        return true;
     }
 
     Result<std::vector<Sorted>> Finish() {
@@ -321,12 +347,12 @@ Result<std::vector<Query::Sorted>> Query::Produce() {
     }
     std::vector<Sorted> made;
     std::unordered_set<std::string> met;
-    RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Status {
+    RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Result<bool> {
         EvalContext context{&session_, &rows, nullptr};
         ASSIGN_OR_RETURN(Sorted row, MakeRow(context));
-        if (select_.distinct && !met.insert(KeyOfAll(row.values)).second) return Status::Ok();
+        if (select_.distinct && !met.insert(KeyOfAll(row.values)).second) return true;
         made.push_back(std::move(row));
-        return Status::Ok();
+        return true;
     }));
     return made;
 }
@@ -364,40 +390,62 @@ Status Query::RefreshPath() {
     return scope_.outer_uses().empty() ? Status::Ok() : FindPath(true);
 }
 
+// Outputs and their order do not matter, nor how many rows there are.
 Result<bool> Query::HasRows() {
-    if (!row_wise_ || select_.top) {
-        ASSIGN_OR_RETURN(const std::vector<ResultRow> rows, Rows());
+    RETURN_IF_ERROR(RefreshPath());
+    for (const std::unique_ptr<Query>& part : unions_) {
+        ASSIGN_OR_RETURN(const bool has_rows, part->HasRows());
+        if (has_rows) return true;
+    }
+    if (!unions_.empty() || (select_.top && *select_.top == 0)) return false;
+    if (select_.having != nullptr) {
+        ASSIGN_OR_RETURN(const std::vector<Sorted> rows, Produce());
         return !rows.empty();
     }
-    RETURN_IF_ERROR(RefreshPath());
-    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
-                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
-    ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
-    return row.has_value();
+    // Without GROUP BY there is one group, even of no rows.
+    if (IsGrouped() && select_.group_by.empty()) return true;
+    bool has_rows = false;
+    RETURN_IF_ERROR(ForEachRow([&](const SourceRows&) -> Result<bool> {
+        has_rows = true;
+        return false;
+    }));
+    return has_rows;
 }
 
-Result<std::vector<ResultRow>> Query::Rows() {
+Result<std::vector<ResultRow>> Query::Rows(FieldFailures* failures) {
     RETURN_IF_ERROR(RefreshPath());
     if (!unions_.empty()) return UnionRows();
     std::vector<ResultRow> result;
     if (row_wise_) {
         ASSIGN_OR_RETURN(const FoundRows found, CollectRows());
-        return ReadRows(found);
+        return ReadRows(found, failures);
     }
+    // What is compared must have a value.
+    const bool of_rows = select_.from != nullptr && !IsGrouped() && select_.having == nullptr;
+    keeps_failures_ = failures != nullptr && of_rows && !select_.distinct;
     ASSIGN_OR_RETURN(std::vector<Sorted> rows, Produce());
     Finish(rows);
-    for (Sorted& row : rows)
+    for (Sorted& row : rows) {
+        for (const auto& [output, failure] : row.failures)
+            failures->try_emplace({result.size(), output}, failure);
         result.push_back(std::move(row.values));
+    }
     return result;
 }
 
+// Duplicates go up to the last part that is added without ALL, and are sorted once.
 Result<std::vector<ResultRow>> Query::UnionRows() {
+    std::size_t distinct = 0;  // so many parts
+    for (std::size_t i = 1; i < unions_.size(); ++i)
+        if (!select_.unions[i - 1].all) distinct = i + 1;
     std::vector<Sorted> all;
+    std::unordered_set<std::string> met;
     for (std::size_t i = 0; i < unions_.size(); ++i) {
         ASSIGN_OR_RETURN(std::vector<ResultRow> rows, unions_[i]->Rows());
         for (ResultRow& row : rows)
-            all.push_back({std::move(row), {}, {}});
-        if (i > 0 && !select_.unions[i - 1].all) SortDistinct(all);
+            if (i >= distinct || met.insert(KeyOfAll(row)).second)
+                all.push_back({std::move(row), {}, {}});
+        if (i + 1 == distinct) SortDistinct(all);
     }
     for (Sorted& row : all)
         for (const OrderItem& order : select_.order_by)
