@@ -1,14 +1,14 @@
 #include "jet/check_long_values.h"
 
+#include "jet/long_value_layout.h"
+
 #include <algorithm>
 
 namespace jet::check {
 namespace {
 
-constexpr std::uint32_t kInline = 2;
-constexpr std::uint32_t kSingle = 1;
+constexpr std::uint32_t kKindOf = ~kLongValueLength;
 constexpr std::uint32_t kChain = 0;
-constexpr std::size_t kHeadSize = 12;
 
 }  // namespace
 
@@ -55,27 +55,28 @@ const Slot* LongValues::Take(RowPointer pointer, PageNumber page, int row) {
 
 Bytes LongValues::Follow(std::span<const std::byte> field, PageNumber page, int row) {
     Bytes content;
-    if (field.size() < kHeadSize) {
+    if (field.size() < kLongValueHead) {
         run_.Fault(page, row, name_ + " is too short for a long value");
         return content;
     }
     ++run_.report().long_values;
     const auto word = base::LoadLittle<std::uint32_t>(field.data());
-    const std::uint32_t length = word & 0x3FFFFFFF;
-    const RowPointer pointer = LoadRowPointer(field.data() + 4);
-    const auto stamp = base::LoadLittle<std::uint32_t>(field.data() + 8);
-    if (word >> 30 == kInline) {
-        const auto bytes = field.subspan(kHeadSize);
+    const std::uint32_t kind = word & kKindOf;
+    const std::uint32_t length = word & kLongValueLength;
+    const RowPointer pointer = LoadRowPointer(field.data() + kLongValuePlace);
+    const auto stamp = base::LoadLittle<std::uint32_t>(field.data() + kLongValueStamp);
+    if (kind == kLongValueInline) {
+        const auto bytes = field.subspan(kLongValueHead);
         if (length != bytes.size())
             run_.Fault(page, row, name_ + ": the length of the value is wrong");
         content.assign(bytes.begin(), bytes.end());
-    } else if (word >> 30 == kSingle) {
+    } else if (kind == kLongValueSingle) {
         if (Take(pointer, page, row) == nullptr) return content;
         const auto bytes = pages_.at(pointer.page).Row(pointer.row);
         if (length != bytes.size())
             run_.Fault(page, row, name_ + ": the length of the value is wrong");
         content.assign(bytes.begin(), bytes.end());
-    } else if (word >> 30 == kChain) {
+    } else if (kind == kChain) {
         FollowChain(pointer, length, stamp, page, row, content);
     } else {
         run_.Fault(page, row, name_ + ": the kind of the value is unknown");
@@ -92,11 +93,11 @@ void LongValues::FollowChain(RowPointer first, std::uint32_t length, std::uint32
         const auto piece = data.Row(next.row);
         if (next == first && run_.format().jet4() && data.stamp != stamp)
             run_.Fault(page, row, name_ + ": the stamp of the value is not that of its page");
-        if (piece.size() < 4) {
+        if (piece.size() < kLongValuePieceHead) {
             run_.Fault(next.page, next.row, "is too short for a piece of a long value");
             return;
         }
-        content.insert(content.end(), piece.begin() + 4, piece.end());
+        content.insert(content.end(), piece.begin() + kLongValuePieceHead, piece.end());
         next = LoadRowPointer(piece.data());
     }
     if (content.size() != length)

@@ -4,14 +4,10 @@
 #pragma once
 
 #include "jet/file_context.h"
+#include "jet/long_value_layout.h"
 #include "jet/value.h"
 
 namespace jet {
-
-inline constexpr std::size_t kLongValueHead = 12;
-inline constexpr std::uint32_t kLongValueInline = 0x80000000;
-inline constexpr std::uint32_t kLongValueSingle = 0x40000000;
-inline constexpr std::uint32_t kLongValueLength = 0x3FFFFFFF;
 
 // The whole value behind the field `reference` of a row.
 base::Result<Bytes> ReadLongValue(FileContext& file, std::span<const std::byte> reference);

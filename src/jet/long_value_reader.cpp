@@ -17,9 +17,10 @@ base::Status AppendPiece(FileContext& file, RowPointer at, bool chained, RowPoin
     std::span<const std::byte> data = *row;
     next = {};
     if (chained) {
-        if (data.size() < 4) return errors::DamagedPage(at.page, "a long value is cut short");
+        if (data.size() < kLongValuePieceHead)
+            return errors::DamagedPage(at.page, "a long value is cut short");
         next = LoadRowPointer(data.data());
-        data = data.subspan(4);
+        data = data.subspan(kLongValuePieceHead);
         // A chain of empty pieces would never reach its length.
         if (data.empty() && !next.none())
             return errors::DamagedPage(at.page, "a long value has an empty piece");
@@ -40,7 +41,7 @@ base::Result<Bytes> ReadLongValue(FileContext& file, std::span<const std::byte> 
         if (data.size() < length) return errors::Damaged("an inline long value is cut short");
         return Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(length));
     }
-    RowPointer at = LoadRowPointer(reference.data() + 4);
+    RowPointer at = LoadRowPointer(reference.data() + kLongValuePlace);
     const bool chained = (word & kLongValueSingle) == 0;
     Bytes value;
     if (length == 0 && at.none()) return value;

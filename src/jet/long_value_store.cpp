@@ -10,7 +10,7 @@ namespace {
 Bytes Reference(std::uint32_t kind, std::size_t length, RowPointer at) {
     Bytes field(kLongValueHead);
     base::StoreLittle(field.data(), static_cast<std::uint32_t>(length) | kind);
-    StoreRowPointer(field.data() + 4, at);
+    StoreRowPointer(field.data() + kLongValuePlace, at);
     return field;
 }
 
@@ -38,7 +38,7 @@ base::Result<RowId> LongValueStore::StoreChain(std::span<const std::byte> value)
     RowId at;
     for (std::size_t piece = (value.size() + size - 1) / size; piece-- > 0;) {
         const auto data = value.subspan(piece * size, std::min(size, value.size() - piece * size));
-        Bytes row(4);
+        Bytes row(kLongValuePieceHead);
         StoreRowPointer(row.data(), next);
         row.insert(row.end(), data.begin(), data.end());
         ASSIGN_OR_RETURN(at, pages_.AddAlone(row));
@@ -52,7 +52,7 @@ base::Status LongValueStore::Free(std::span<const std::byte> field) {
     const auto word = base::LoadLittle<std::uint32_t>(field.data());
     if ((word & kLongValueInline) != 0) return {};
     const bool chained = (word & kLongValueSingle) == 0;
-    RowPointer at = LoadRowPointer(field.data() + 4);
+    RowPointer at = LoadRowPointer(field.data() + kLongValuePlace);
     for (PageNumber hops = file_.store.page_count(); hops > 0 && !at.none(); --hops) {
         ASSIGN_OR_RETURN(const bool owned, file_.Map(maps_.owned).Contains(at.page));
         if (!owned || at.page >= file_.store.page_count()) return {};
@@ -63,7 +63,7 @@ base::Status LongValueStore::Free(std::span<const std::byte> field) {
             const auto row = page ? page->Bytes(at.row) : std::nullopt;
             if (!row || page->owner() != kLongValueOwner || page->Flags(at.row) == kSlotDeleted)
                 return {};
-            if (chained && row->size() >= 4) next = LoadRowPointer(row->data());
+            if (chained && row->size() >= kLongValuePieceHead) next = LoadRowPointer(row->data());
         }
         RETURN_IF_ERROR(pages_.Delete({at.page, at.row}));
         at = next;
