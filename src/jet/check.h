@@ -14,8 +14,8 @@
 namespace jet {
 
 enum class Severity : std::uint8_t {
-    kWarning,  // tolerated by every engine: lost pages, a drifted counter
-    kFault,
+    kWarning,  // costs only space or speed, or was written by a later engine; stops no change
+    kFault,    // contradicts the format: something cannot be read, or a change may cost data
 };
 
 struct Finding {

@@ -31,7 +31,7 @@ public:
             Fault("the definition ends too early");
             return std::nullopt;
         }
-        if (at_ != bytes_.size()) Fault("the definition is longer than its content");
+        if (at_ != bytes_.size()) Warn("the definition is longer than its content");
         CheckColumns();
         CheckLongValues();
         CheckIndexes();
@@ -40,6 +40,7 @@ public:
 
 private:
     void Fault(const std::string& text) { run_.Fault(definition_.page, -1, text); }
+    void Warn(const std::string& text) { run_.Warn(definition_.page, -1, text); }
 
     template <typename T>
     T Take() {
@@ -224,8 +225,8 @@ private:
             if (!definition_.long_values.contains(column.number))
                 Fault(NameOf(column) + ": it has no maps for long values");
         }
-        if (count != definition_.long_values.size())
-            Fault("there are maps for long values of columns that have none");
+        if (count < definition_.long_values.size())
+            Warn("there are maps for long values of columns that have none");
     }
 
     void CheckIndexes() {
@@ -294,10 +295,7 @@ std::optional<std::vector<std::byte>> Assemble(CheckRun& run, PageNumber first,
         const std::size_t room = content.size() - used_on_last;
         const std::size_t expected =
             page != 0 || room < kDefinitionPageHead ? 0 : room - kDefinitionPageHead;
-        if (free != expected)
-            run.Fault(last, -1,
-                      "says that " + std::to_string(free) + " bytes are free, but " +
-                          std::to_string(expected) + " are");
+        run.CheckFreeBytes(last, free, expected);
     }
     if (bytes.size() < length) {
         run.Fault(last, -1, "the definition ends too early");

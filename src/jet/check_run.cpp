@@ -29,6 +29,16 @@ void CheckRun::Warn(PageNumber page, int row, std::string text) {
         report_.findings.push_back({Severity::kWarning, page, row, table_, std::move(text)});
 }
 
+void CheckRun::CheckFreeBytes(PageNumber page, std::size_t said, std::size_t real) {
+    if (said == real) return;
+    std::string text = "says that " + std::to_string(said) + " bytes are free, but " +
+                       std::to_string(real) + " are";
+    if (said < real)
+        Warn(page, -1, std::move(text));
+    else
+        Fault(page, -1, std::move(text));
+}
+
 std::optional<PageView> CheckRun::Page(PageNumber page, PageNumber asked_by) {
     if (page >= page_count()) {
         Fault(asked_by, -1,
@@ -87,10 +97,7 @@ std::optional<DataPage> CheckRun::ReadDataPage(PageNumber page, PageNumber asked
         end = start;
     }
     const auto free = base::LoadLittle<std::uint16_t>(bytes.data() + 2);
-    if (free != end - table_end)
-        Fault(page, -1,
-              "says that " + std::to_string(free) + " bytes are free, but " +
-                  std::to_string(end - table_end) + " are");
+    CheckFreeBytes(page, free, end - table_end);
     return data;
 }
 

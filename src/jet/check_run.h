@@ -51,6 +51,9 @@ public:
     bool written_by_later_engine() const { return written_by_later_engine_; }
     void SetWrittenByLaterEngine() { written_by_later_engine_ = true; }
 
+    // What a page says of its free space: too little costs space only, too much costs data.
+    void CheckFreeBytes(PageNumber page, std::size_t said, std::size_t real);
+
     // The name goes into the findings that follow.
     void SetTable(std::string name) { table_ = std::move(name); }
     void Fault(PageNumber page, int row, std::string text);

@@ -25,6 +25,13 @@ std::optional<std::span<const std::byte>> DataPage::Bytes(std::size_t slot) cons
     return bytes_.subspan(start, end - start);
 }
 
+std::size_t DataPage::free_bytes() const {
+    const std::size_t table_end = format_->slots_offset + 2 * slot_count_;
+    const std::size_t rows =
+        slot_count_ == 0 ? bytes_.size() : Word(slot_count_ - 1) & kSlotOffsetMask;
+    return rows > table_end ? rows - table_end : 0;
+}
+
 bool DataPage::AnyLiveSlot() const {
     for (std::size_t slot = 0; slot < slot_count_; ++slot)
         if (Flags(slot) != kSlotDeleted) return true;

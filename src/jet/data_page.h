@@ -30,7 +30,8 @@ public:
     std::optional<std::span<const std::byte>> Bytes(std::size_t slot) const;
     // True when a row or a row's target lives here.
     bool AnyLiveSlot() const;
-    std::size_t free_bytes() const { return base::LoadLittle<std::uint16_t>(bytes_.data() + 2); }
+    // Between slots and rows, whatever the page says of it.
+    std::size_t free_bytes() const;
 
 private:
     DataPage(std::span<const std::byte> bytes, const Format& format, std::size_t slot_count)

@@ -51,7 +51,10 @@ public:
     // 3201: one of `rows` refers by the relation `name` to a row that is not there.
     base::Status CheckRelation(std::u16string_view name, const std::vector<RowId>& rows);
     // What is remembered of pages is forgotten; to be called after a rollback.
-    void Forget() { rows_.Forget(); }
+    void Forget() {
+        rows_.Forget();
+        counter_is_checked_ = false;
+    }
 
 private:
     StoredTable(FileContext& file, TableSource& tables, TableDefinition definition)
@@ -68,6 +71,7 @@ private:
     base::Status CheckRules(RowId row, std::span<const Value> values,
                             const std::vector<bool>& changed);
     base::Status FillAutonumbers(std::span<Value> shown_values);
+    base::Result<std::int32_t> LastAutonumber(std::size_t shown);
     base::Status CountRow(int change, std::span<const Value> shown_values);
     // All columns of a row, in the order of definition_.columns; long values only where an index
     // needs them.
@@ -104,6 +108,7 @@ private:
     std::optional<base::Status> read_only_reason_;
     std::unique_ptr<const RowRules> rules_;  // nullptr: none
     int cascade_depth_ = 0;
+    bool counter_is_checked_ = false;  // the autonumber's counter is not behind its values
 };
 
 }  // namespace jet

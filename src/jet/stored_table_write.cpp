@@ -54,11 +54,34 @@ base::Status StoredTable::FillAutonumbers(std::span<Value> values) {
             values[i] = Value::OfGuid(MakeRandomGuid());
             continue;
         }
-        ASSIGN_OR_RETURN(const PageView page, file_.store.Read(definition_.page));
-        const auto counters = ReadDefinitionCounters(page.bytes(), file_.format);
-        values[i] = Value::Long(static_cast<std::int32_t>(counters.last_autonumber + 1));
+        ASSIGN_OR_RETURN(const std::int32_t last, LastAutonumber(i));
+        values[i] = Value::Long(static_cast<std::int32_t>(static_cast<std::uint32_t>(last) + 1));
     }
     return {};
+}
+
+// The counter, unless other programs have left it behind the values that there are.
+base::Result<std::int32_t> StoredTable::LastAutonumber(std::size_t shown) {
+    std::int32_t last = 0;
+    {
+        ASSIGN_OR_RETURN(const PageView page, file_.store.Read(definition_.page));
+        const auto counters = ReadDefinitionCounters(page.bytes(), file_.format);
+        last = static_cast<std::int32_t>(counters.last_autonumber);
+    }
+    if (counter_is_checked_) return last;
+    counter_is_checked_ = true;
+    for (std::size_t index = 0; index < design_.indexes.size(); ++index) {
+        const IndexDesign& design = design_.indexes[index];
+        if (!design.maintainable || design.columns.front().column != shown) continue;
+        ASSIGN_OR_RETURN(const auto cursor, Range(index, {}, {}, design.columns.front().ascending));
+        ASSIGN_OR_RETURN(const auto row, cursor->Next());
+        if (!row) break;
+        Value greatest;
+        RETURN_IF_ERROR(Read(*row, std::span(&shown, 1), std::span(&greatest, 1)));
+        if (const auto* number = greatest.get_if<std::int32_t>()) last = std::max(last, *number);
+        break;
+    }
+    return last;
 }
 
 // Rows, and the last autonumber when the row has a larger one.
