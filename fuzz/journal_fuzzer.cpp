@@ -1,11 +1,12 @@
 // Opens a database with a left-over journal beside it, reads everything and goes on writing.
 // Input: byte 0 even: the rest is the journal itself. Odd: the rest are records (u8 kind, u8 page
 // count, u16 size, payload) that get a right header and right checksums, so that their content is
-// looked at.
+// looked at. With bit 1 the database is encoded.
 #include "base/byte_reader.h"
 #include "jet/file_mark.h"
 #include "jet/journal.h"
 #include "jet/page_store.h"
+#include "support/encoded_file.h"
 #include "support/faulty_file_system.h"
 #include "support/make_pages.h"
 
@@ -61,8 +62,14 @@ std::unique_ptr<jet::PageStore> Open(FaultyFileSystem& files, bool read_only) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const Bytes file = MakeMarkedFile();
+    static const Bytes plain = MakeMarkedFile();
+    static const Bytes encoded = [] {
+        Bytes file = plain;
+        test_support::EncodeFile(file, 0x1234ABCD);
+        return file;
+    }();
     if (size < 1) return 0;
+    const Bytes& file = (data[0] & 2) != 0 ? encoded : plain;
     const std::span input(reinterpret_cast<const std::byte*>(data), size);
     const auto rest = input.subspan(1);
     FaultyFileSystem files;

@@ -1,9 +1,11 @@
 // Opens a database in memory, reads every row of every table, changes rows and takes that back, and
 // runs the checker. Input: byte 0 even: the rest is the file itself. Odd: the rest are patches (u24
-// offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep.
+// offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep. With bit
+// 1 the file of the patches is encoded.
 #include "jet/check.h"
 #include "jet/connection.h"
 #include "jet/database.h"
+#include "support/encoded_file.h"
 #include "support/faulty_file_system.h"
 
 #include <algorithm>
@@ -124,7 +126,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 2 || size > kLargestFile) return 0;
     const std::span input(reinterpret_cast<const std::byte*>(data), size);
     const auto rest = input.subspan(1);
-    const Bytes file = (data[0] & 1) != 0 ? Patched(sound, rest) : Bytes(rest.begin(), rest.end());
+    Bytes file = (data[0] & 1) != 0 ? Patched(sound, rest) : Bytes(rest.begin(), rest.end());
+    if ((data[0] & 3) == 3) test_support::EncodeFile(file, 0x1234ABCD);
     const auto store = StoreOf(file);
     if (store->page_count() == 0) return 0;
     Walk(file);

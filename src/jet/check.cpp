@@ -47,10 +47,6 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
         fault("is not the header of a database");
         return std::nullopt;
     }
-    if (base::LoadLittle<std::uint32_t>(page.data() + kEncodingKey) != 0) {
-        fault("says that the pages are encoded; they cannot be checked");
-        return std::nullopt;
-    }
     for (std::uint32_t i = 0; i < kSystemPages; ++i)
         if (base::LoadLittle<std::uint32_t>(page.data() + kSystemPagesAt + 4 * i) !=
             kObjectsPage + i)

@@ -148,7 +148,7 @@ public:
     virtual PageStore& pages() = 0;
 };
 
-// Takes the store over. Refuses encoded, newer and password-protected files with a message that says what the file is.
+// Takes the store over. Refuses newer and password-protected files with a message that says what the file is.
 base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> pages,
                                                      std::string_view path_for_messages);
 

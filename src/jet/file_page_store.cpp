@@ -20,6 +20,14 @@ base::Status NoSuchPage(PageNumber page) {
             "page " + std::to_string(page) + " is past the end of the file"};
 }
 
+// A copy, encoded or, if it was that, plain.
+std::shared_ptr<PageBytes> Encoded(const PageEncoding& encoding, PageNumber number,
+                                   const SharedPage& page) {
+    auto encoded = std::make_shared<PageBytes>(*page);
+    encoding.Apply(number, *encoded);
+    return encoded;
+}
+
 }  // namespace
 
 // The engine's words for what the system said.
@@ -36,10 +44,11 @@ base::Status EngineStatus(const base::Status& status) {
 
 FilePageStore::FilePageStore(FileSystem& files, const std::filesystem::path& path, Parts parts,
                              const PageStoreOptions& options)
-    : path_(path), page_size_(parts.page_size), read_only_(options.read_only),
-      committed_count_(parts.page_count), ahead_(parts.page_size), file_(std::move(parts.file)),
-      owner_(std::move(parts.owner)), journal_(files, Journal::PathFor(path)),
-      cache_(options.cache_bytes / parts.page_size), pages_in_file_(parts.page_count) {}
+    : path_(path), page_size_(parts.page_size), encoding_(parts.encoding),
+      read_only_(options.read_only), committed_count_(parts.page_count), ahead_(parts.page_size),
+      file_(std::move(parts.file)), owner_(std::move(parts.owner)),
+      journal_(files, Journal::PathFor(path)), cache_(options.cache_bytes / parts.page_size),
+      pages_in_file_(parts.page_count) {}
 
 FilePageStore::~FilePageStore() {
     Close().Ignore();
@@ -51,6 +60,9 @@ void FilePageStore::StartFlusher(std::chrono::milliseconds delay) {
 
 base::Status FilePageStore::Recover(RecoveredJournal recovered, std::unique_ptr<File> journal) {
     pending_ = std::move(recovered.pages);
+    if (!encoding_.is_plain())
+        for (auto& [number, page] : pending_)
+            page = Encoded(encoding_, number, page);
     committed_count_ = recovered.page_count;
     pages_in_file_ = std::min(pages_in_file_, committed_count_);
     if (journal == nullptr) return {};
@@ -112,6 +124,8 @@ base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
         const base::Status read = file_->ReadAt(offset, bytes.first(page_size_));
         if (!read.ok()) return EngineStatus(read);
     }
+    for (PageNumber i = 0; i < count; ++i)
+        encoding_.Apply(page + i, bytes.subspan(std::size_t{i} * page_size_, page_size_));
     ahead_.Hold(page, count);
     if (count > 1 && read_ahead_.is_long_walk()) return TakeAhead(page);
     const std::lock_guard lock(mutex_);
@@ -193,9 +207,20 @@ base::Status FilePageStore::AppendToJournal() {
         ASSIGN_OR_RETURN(header, MakeJournalHeader());
     }
     const base::Status added =
-        journal_.AddTransaction(transaction_.pages(), transaction_.page_count(), header);
+        journal_.AddTransaction(encoding_.is_plain() ? transaction_.pages() : EncodedPages(),
+                                transaction_.page_count(), header);
     is_in_doubt_ = !added.ok() && journal_.is_in_doubt();
     return added;
+}
+
+// What the open transaction changes, as it is in the file and will be.
+PageTransaction::ChangedPages FilePageStore::EncodedPages() const {
+    PageTransaction::ChangedPages encoded = transaction_.pages();
+    for (auto& [number, page] : encoded) {
+        if (page.before != nullptr) page.before = Encoded(encoding_, number, page.before);
+        page.after = Encoded(encoding_, number, page.after);
+    }
+    return encoded;
 }
 
 void FilePageStore::TakeIntoPending() {
@@ -273,6 +298,7 @@ base::Status FilePageStore::WriteSnapshot(const Snapshot& snapshot) {
             RETURN_IF_ERROR(write_run());
         if (run.empty()) run_start = number;
         run.insert(run.end(), page->begin(), page->end());
+        encoding_.Apply(number, std::span(run).last(page_size_));
         if (number == 0)
             StoreFileMark(std::span(run).subspan(FileMarkOffset(page_size_), kFileMarkBytes),
                           snapshot.mark);

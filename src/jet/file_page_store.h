@@ -12,6 +12,9 @@
 // Until 5 is done the journal can repeat everything; until 2 is done the database file is not
 // touched. Opening a file with a journal continues that journal and runs a checkpoint at once.
 //
+// Pages are plain in memory and encoded in the file and in the journal, where the file's page 0 asks
+// for that.
+//
 // A long walk reads ahead into `ahead_`, which holds no page that was committed since.
 //
 // Threads: everything that `mutex_` names is reached under it; `checkpoint_mutex_` keeps
@@ -24,6 +27,7 @@
 #include "jet/journal_recovery.h"
 #include "jet/owner_file.h"
 #include "jet/page_cache.h"
+#include "jet/page_encoding.h"
 #include "jet/page_store.h"
 #include "jet/page_transaction.h"
 #include "jet/read_ahead.h"
@@ -46,6 +50,7 @@ public:
         std::unique_ptr<OwnerFile> owner;  // null: read only
         std::uint32_t page_size = 0;
         PageNumber page_count = 0;
+        PageEncoding encoding;
     };
     FilePageStore(FileSystem& files, const std::filesystem::path& path, Parts parts,
                   const PageStoreOptions& options);
@@ -84,6 +89,7 @@ private:
     base::Status CommitPages();
     // These two: under mutex_.
     base::Status AppendToJournal();
+    PageTransaction::ChangedPages EncodedPages() const;
     void TakeIntoPending();
 
     base::Status Checkpoint();
@@ -93,6 +99,7 @@ private:
 
     const std::filesystem::path path_;
     const std::uint32_t page_size_;
+    const PageEncoding encoding_;
     const bool read_only_;
     bool closed_ = false;
     bool is_in_doubt_ = false;  // a failed commit may come back at the next opening

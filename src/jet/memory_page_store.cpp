@@ -1,3 +1,4 @@
+#include "jet/page_encoding.h"
 #include "jet/page_store.h"
 #include "jet/page_transaction.h"
 
@@ -11,9 +12,13 @@ public:
     MemoryPageStore(std::uint32_t page_size, const std::vector<std::byte>& bytes)
         : page_size_(page_size) {
         assert(page_size > 0);
+        PageEncoding encoding;
         for (std::size_t start = 0; start + page_size <= bytes.size(); start += page_size) {
             const auto from = bytes.begin() + static_cast<std::ptrdiff_t>(start);
-            pages_.push_back(std::make_shared<PageBytes>(from, from + page_size));
+            auto page = std::make_shared<PageBytes>(from, from + page_size);
+            if (start == 0) encoding = EncodingOf(*page);
+            encoding.Apply(static_cast<PageNumber>(pages_.size()), *page);
+            pages_.push_back(std::move(page));
         }
     }
 

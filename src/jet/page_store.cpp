@@ -78,6 +78,12 @@ base::Result<std::optional<std::uint32_t>> ReadPageSize(const File& file) {
     return std::optional(page_size);
 }
 
+base::Result<PageEncoding> ReadEncoding(const File& file, std::uint32_t page_size) {
+    std::vector<std::byte> first_page(page_size);
+    RETURN_IF_ERROR(file.ReadAt(0, first_page));
+    return EncodingOf(first_page);
+}
+
 struct FoundJournal {
     std::unique_ptr<File> file;  // null: there is none
     LeftOverJournal left_over;
@@ -112,6 +118,9 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
     if (!page_size.ok()) return EngineStatus(page_size.status());
     if (!page_size.value()) return Unrecognized(*parts.file, path);
     parts.page_size = **page_size;
+    const auto encoding = ReadEncoding(*parts.file, parts.page_size);
+    if (!encoding.ok()) return EngineStatus(encoding.status());
+    parts.encoding = *encoding;
 
     if (!options.read_only) {
         auto owner = OwnerFile::Take(files, path);

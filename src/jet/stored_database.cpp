@@ -91,8 +91,6 @@ base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> 
         ASSIGN_OR_RETURN(const PageView page, pages->Read(0));
         ASSIGN_OR_RETURN(header, ReadPageHeader(page.bytes(), path));
     }
-    if (header.encoding_key != 0)
-        return errors::UnsupportedDatabase(path, "the database is encoded (encrypted)");
     if (header.has_password) return errors::NotAValidPassword(path);
     if (pages->page_count() <= kObjectsPage) return errors::NotADatabase(path);
     auto database = std::make_unique<StoredDatabase>(std::move(pages), header);

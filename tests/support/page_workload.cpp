@@ -1,18 +1,24 @@
 #include "support/page_workload.h"
 
 #include "jet/file_mark.h"
+#include "support/encoded_file.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace test_support {
 
-PageWorkload::PageWorkload(std::uint32_t seed, std::uint32_t version)
+PageWorkload::PageWorkload(std::uint32_t seed, std::uint32_t version, std::uint32_t key)
     : page_size_(version == 0 ? 2048 : 4096), first_file_(MakePages(version, kFirstPages)),
       random_(seed) {
     Content first;
     for (std::size_t at = 0; at < first_file_.size(); at += page_size_)
         first.emplace_back(first_file_.begin() + static_cast<std::ptrdiff_t>(at),
                            first_file_.begin() + static_cast<std::ptrdiff_t>(at + page_size_));
+    if (key != 0) {
+        EncodeFile(first_file_, key);
+        std::copy_n(first_file_.begin(), page_size_, first[0].begin());
+    }
     contents_[0] = std::move(first);
 }
 

@@ -19,7 +19,8 @@ class PageWorkload {
 public:
     using Content = std::vector<std::vector<std::byte>>;  // pages
 
-    explicit PageWorkload(std::uint32_t seed, std::uint32_t version = 1);
+    // `key`: 0, or the file is an encoded one.
+    explicit PageWorkload(std::uint32_t seed, std::uint32_t version = 1, std::uint32_t key = 0);
 
     static constexpr jet::PageNumber kFirstPages = 4;
     static constexpr jet::PageNumber kMostPages = 60;
