@@ -4,6 +4,7 @@
 #include "jet/page_store.h"
 #include "support/faulty_file_system.h"
 #include "support/page_workload.h"
+#include "support/wait_for.h"
 
 #include <gtest/gtest.h>
 
@@ -119,6 +120,19 @@ protected:
         }
     }
 
+    // How many calls the second transaction makes of a new file; the last is the commit's write.
+    std::uint64_t CallsOfTheSecond(bool after_a_flush) {
+        const auto files = FreshDisk({});
+        auto store = Open(*files);
+        EXPECT_TRUE(store.ok() && workload_.Run(**store, 0).ok());
+        if (after_a_flush) {
+            EXPECT_TRUE((*store)->Flush().ok());
+        }
+        files->SetPlan({});
+        EXPECT_TRUE(workload_.Run(**store, 1).ok());
+        return files->calls();
+    }
+
     PageWorkload workload_{21};
 };
 
@@ -227,6 +241,111 @@ TEST_F(FaultTest, PowerCutAfterAForgottenSyncLeavesWholeTransactions) {
         }
     }
     EXPECT_GT(cuts, 1200u);
+}
+
+// The same of encoded files: what the journal holds is encoded as the pages of the file are.
+class EncodedFaultTest : public FaultTest, public testing::WithParamInterface<std::uint32_t> {
+protected:
+    EncodedFaultTest() { workload_ = PageWorkload(22, GetParam(), 0x9A7B01FEU); }
+};
+
+TEST_P(EncodedFaultTest, EveryCommittedTransactionIsThereAndNoOther) {
+    ForEachCall(FaultKind::kHalf, base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    const auto next = files.Kill();
+                    CheckReopened(*next, outcome.committed,
+                                  outcome.committed + (outcome.in_doubt ? 1 : 0));
+                });
+}
+
+TEST_P(EncodedFaultTest, ProcessStoppedAtAnyCallLosesNothingCommitted) {
+    ForEachCall(FaultKind::kStop, base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    const auto next = files.Kill();
+                    CheckReopened(*next, outcome.committed,
+                                  outcome.committed + (outcome.in_doubt ? 1 : 0));
+                });
+}
+
+TEST_P(EncodedFaultTest, PowerCutAtAnyCallLeavesWholeTransactions) {
+    ForEachCall(FaultKind::kStop, base::StatusCode::kIoError,
+                [&](FaultyFileSystem& files, const Outcome& outcome) {
+                    for (std::uint32_t seed = 0; seed < 4; ++seed) {
+                        const auto next = files.CutPower(seed);
+                        CheckReopened(*next, outcome.durable,
+                                      outcome.committed + (outcome.in_doubt ? 1 : 0));
+                    }
+                });
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, EncodedFaultTest, testing::Values(0U, 1U),
+                         [](const auto& version) {
+                             return version.param == 0 ? std::string("Jet3") : std::string("Jet4");
+                         });
+
+TEST_F(FaultTest, AStoreInDoubtIsNotUsedAnyMore) {
+    const auto files = FreshDisk({});
+    auto store = Open(*files);
+    ASSERT_TRUE(store.ok());
+    ASSERT_TRUE(workload_.Run(**store, 0).ok());
+    // The disk goes away inside the commit: what was written of it cannot be taken back.
+    files->SetPlan({CallsOfTheSecond(false), FaultKind::kLost, base::StatusCode::kIoError});
+    EXPECT_FALSE(workload_.Run(**store, 1).ok());
+    files->SetPlan({});  // and is back
+    EXPECT_EQ((*store)->Read(1).status().number(), 3043);
+    EXPECT_EQ((*store)->Begin().number(), 3043);
+    EXPECT_EQ((*store)->Flush().number(), 3043);
+    EXPECT_FALSE((*store)->in_transaction());
+}
+
+// A failed commit that could be taken back leaves a good store, also one after the other.
+TEST_F(FaultTest, AStoreIsUsableAfterCommitsThatWereTakenBack) {
+    const auto files = FreshDisk({});
+    auto store = Open(*files);
+    ASSERT_TRUE(store.ok());
+    for (std::size_t number = 0; number < 4; ++number) {
+        files->SetPlan({1, FaultKind::kHalf, base::StatusCode::kIoError});
+        EXPECT_FALSE(workload_.Run(**store, number).ok());
+        EXPECT_TRUE(files->fault_happened());
+        files->SetPlan({});
+        ASSERT_TRUE(workload_.Run(**store, number).ok());
+    }
+    workload_.Recognize(PageWorkload::Read(**store), 4, 4);
+    EXPECT_TRUE((*store)->Close().ok());
+}
+
+// The flusher has no one to tell: it tries again until it succeeds, asked once.
+TEST_F(FaultTest, AFlushThatFailsIsTriedAgain) {
+    const auto files = FreshDisk({});
+    jet::PageStoreOptions options;
+    options.cache_bytes = 0;
+    options.flush_delay = std::chrono::milliseconds(1);
+    auto store = jet::OpenPageStore(*files, kPath, options);
+    ASSERT_TRUE(store.ok());
+    ASSERT_TRUE(workload_.Run(**store, 0).ok());
+    ASSERT_TRUE((*store)->Flush().ok());
+    const auto flushed = files->Get(kPath);
+    files->SetPlan({CallsOfTheSecond(true) + 1, FaultKind::kRefuse, base::StatusCode::kIoError});
+    ASSERT_TRUE(workload_.Run(**store, 1).ok());
+    EXPECT_TRUE(test_support::WaitFor([&] { return files->fault_happened(); }));
+    EXPECT_TRUE(test_support::WaitFor([&] {
+        return files->Get("folder/tables.mdb-journal").empty() && files->Get(kPath) != flushed;
+    }));
+    EXPECT_TRUE((*store)->Close().ok());
+}
+
+// Pages are read many at a time; one that cannot be read takes no other with it.
+TEST_F(FaultTest, OneUnreadablePageIsAlone) {
+    constexpr jet::PageNumber kPages = 40;
+    FaultyFileSystem files;
+    files.Put(kPath, test_support::MakePages(1, kPages));
+    files.SetUnreadable(kPath, 4096 * 20 + 100);
+    auto store = Open(files);
+    ASSERT_TRUE(store.ok());
+    for (int walk = 0; walk < 2; ++walk)
+        for (jet::PageNumber page = 0; page < kPages; ++page)
+            EXPECT_EQ((*store)->Read(page).ok(), page != 20) << page;
+    EXPECT_EQ((*store)->Read(20).status().number(), 3043);
 }
 
 TEST_F(FaultTest, FullDiskSaysSoAndGoesOnWhenThereIsRoom) {

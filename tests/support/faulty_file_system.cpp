@@ -34,6 +34,9 @@ public:
         if (!verdict.status.ok()) return verdict.status;
         if (offset > inode_->live.size() || inode_->live.size() - offset < bytes.size())
             return {StatusCode::kIoError, "the file ends too early"};
+        const auto& bad = inode_->unreadable;
+        if (bad && offset <= *bad && *bad - offset < bytes.size())
+            return {StatusCode::kIoError, "a bad block"};
         if (!bytes.empty()) std::memcpy(bytes.data(), inode_->live.data() + offset, bytes.size());
         return {};
     }
@@ -103,6 +106,11 @@ FaultyFileSystem::Bytes FaultyFileSystem::Get(const std::filesystem::path& path)
     const std::lock_guard lock(mutex_);
     const auto found = live_.find(path);
     return found == live_.end() ? Bytes() : found->second->live;
+}
+
+void FaultyFileSystem::SetUnreadable(const std::filesystem::path& path, std::uint64_t offset) {
+    const std::lock_guard lock(mutex_);
+    live_.at(path)->unreadable = offset;
 }
 
 void FaultyFileSystem::SetPlan(FaultPlan plan) {

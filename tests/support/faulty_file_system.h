@@ -11,6 +11,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <random>
 #include <set>
 #include <string>
@@ -48,6 +49,8 @@ public:
     Bytes Get(const std::filesystem::path& path) const;
 
     void SetPlan(FaultPlan plan);
+    // Every read that meets this byte of the file fails. Requires: there is such a file.
+    void SetUnreadable(const std::filesystem::path& path, std::uint64_t offset);
     std::uint64_t calls() const;
     bool fault_happened() const;
     std::uint64_t bytes_written() const;
@@ -78,6 +81,7 @@ private:
         Bytes live;
         Bytes durable;
         std::vector<Change> changes;
+        std::optional<std::uint64_t> unreadable;
         std::map<const void*, jet::FileLock> locks;
     };
     using Folder = std::map<std::filesystem::path, std::shared_ptr<Inode>>;
