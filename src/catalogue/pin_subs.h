@@ -55,7 +55,6 @@ using StatusColourTable = std::array<std::uint32_t, 4>;
 struct ProcessValues {
     QString ApplicationFolder;  // without a trailing separator
     QString VisualPinballExe;
-    std::array<QString, 10> TableInfoStreamNames;
     StatusColourTable StatusColours{};
     bool SoundOn = false;
     bool MinimiseOnPlay = false;

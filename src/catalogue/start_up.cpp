@@ -1,10 +1,7 @@
 // Main: opens the catalogue and brings it up to date.
 #include "catalogue/data_source.h"
 #include "catalogue/pin_subs.h"
-#include "catalogue/table_info_names.h"
 #include "platform/application_folder.h"
-
-#include <algorithm>
 
 namespace catalogue {
 namespace {
@@ -27,9 +24,6 @@ constexpr std::u16string_view kAddColumns[] = {
 
 void FillProcessValues(ProcessValues& values) {
     values.StatusColours = kStatusColours;
-    std::transform(kTableInfoStreamNames.begin(), kTableInfoStreamNames.end(),
-                   values.TableInfoStreamNames.begin(),
-                   [](QStringView name) { return name.toString(); });
 }
 
 base::Status OpenCatalogue(Catalogue& catalogue) {

@@ -64,15 +64,17 @@ base::Status AllocationTable::ReadNextDifatSector() {
 }
 
 SectorChain::SectorChain(AllocationTable& table, SectorNumber start)
-    : table_(table), next_(start) {}
+    : table_(table), start_(start) {}
 
 base::Result<SectorNumber> SectorChain::At(std::uint64_t position) {
     while (position >= known_.size()) {
-        if (next_ == kEndOfChain) return Damaged("a sector chain ends too early");
-        if (loop_.Meets(next_)) return Damaged("a sector chain is a loop");
-        const SectorNumber current = next_;
-        ASSIGN_OR_RETURN(next_, table_.Next(current));
-        known_.push_back(current);
+        SectorNumber next = start_;
+        if (!known_.empty()) {
+            ASSIGN_OR_RETURN(next, table_.Next(known_.back()));
+        }
+        if (next == kEndOfChain) return Damaged("a sector chain ends too early");
+        if (loop_.Meets(next)) return Damaged("a sector chain is a loop");
+        known_.push_back(next);
     }
     return known_[static_cast<std::size_t>(position)];
 }

@@ -49,12 +49,13 @@ class SectorChain {
 public:
     // Requires: `table` outlives the chain.
     SectorChain(AllocationTable& table, SectorNumber start);
-    // The sector at this position of the chain. kCorruption: the chain is shorter.
+    // The sector at this position of the chain; links behind it are not looked at. kCorruption: the
+    // chain is shorter.
     base::Result<SectorNumber> At(std::uint64_t position);
 
 private:
     AllocationTable& table_;
-    SectorNumber next_;
+    SectorNumber start_;
     std::vector<SectorNumber> known_;
     LoopDetector loop_;
 };

@@ -33,14 +33,13 @@ public:
     const Element& root() const { return root_; }
 
     // Borrowed; valid as long as the file.
-    base::Result<const std::vector<Element>*> Members(EntryId storage) {
+    base::Result<const Members*> MembersOf(EntryId storage) {
         if (const auto found = members_.find(storage); found != members_.end())
             return &found->second;
         ASSIGN_OR_RETURN(const DirectoryEntry entry, directory_.Entry(storage));
         if (entry.element.type == ElementType::kStream)
             return base::Status(base::StatusCode::kInvalidArgument, "a stream has no members");
-        ASSIGN_OR_RETURN(std::vector<Element> members, directory_.Members(entry));
-        return &members_.emplace(storage, std::move(members)).first->second;
+        return &members_.emplace(storage, directory_.MembersOf(entry)).first->second;
     }
 
     base::Result<std::vector<std::byte>> Read(EntryId stream) {
@@ -57,7 +56,7 @@ private:
     Directory directory_;
     Element root_;
     std::unique_ptr<StreamReader> streams_;
-    std::unordered_map<EntryId, std::vector<Element>> members_;
+    std::unordered_map<EntryId, Members> members_;
 };
 
 CompoundFile::CompoundFile(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
@@ -83,17 +82,24 @@ const Element& CompoundFile::root() const {
 }
 
 base::Result<std::vector<Element>> CompoundFile::List(const Element& storage) {
-    ASSIGN_OR_RETURN(const auto* members, impl_->Members(storage.id));
-    return *members;
+    ASSIGN_OR_RETURN(const Members* members, impl_->MembersOf(storage.id));
+    RETURN_IF_ERROR(members->damage);
+    return members->elements;
+}
+
+std::vector<Element> CompoundFile::ListReadable(const Element& storage) {
+    const auto members = impl_->MembersOf(storage.id);
+    return members.ok() ? (*members)->elements : std::vector<Element>();
 }
 
 base::Result<Element> CompoundFile::Find(const Element& storage, std::u16string_view name) {
-    ASSIGN_OR_RETURN(const auto* members, impl_->Members(storage.id));
-    const auto found = std::find_if(members->begin(), members->end(),
+    ASSIGN_OR_RETURN(const Members* members, impl_->MembersOf(storage.id));
+    const auto& elements = members->elements;
+    const auto found = std::find_if(elements.begin(), elements.end(),
                                     [name](const Element& e) { return SameName(e.name, name); });
-    if (found == members->end())
-        return base::Status(base::StatusCode::kNotFound, "no element named " + base::ToUtf8(name));
-    return *found;
+    if (found != elements.end()) return *found;
+    RETURN_IF_ERROR(members->damage);
+    return base::Status(base::StatusCode::kNotFound, "no element named " + base::ToUtf8(name));
 }
 
 base::Result<std::vector<std::byte>> CompoundFile::Read(const Element& stream) {

@@ -41,9 +41,12 @@ public:
 
     const Element& root() const;
     // The direct members of a storage in the order of the platform's enumeration (the directory's
-    // tree order: shorter names first, then by upper-cased letters).
+    // tree order: shorter names first, then by upper-cased letters). Fails when any of them cannot
+    // be read.
     base::Result<std::vector<Element>> List(const Element& storage);
-    // kNotFound: no such member.
+    // The same, without those that cannot be read; empty when none can.
+    std::vector<Element> ListReadable(const Element& storage);
+    // Damage elsewhere in the storage does not hide a member. kNotFound: no such member.
     base::Result<Element> Find(const Element& storage, std::u16string_view name);
     // The whole stream. kCorruption: the chain is shorter than the size says, or the size is larger
     // than the file.

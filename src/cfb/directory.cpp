@@ -45,53 +45,84 @@ DirectoryEntry Decode(std::span<const std::byte> bytes, bool has_long_sizes) {
     return result;
 }
 
+base::Status CheckEntry(const Element& element) {
+    if (!IsKnownType(element.type)) return Damaged(element.id, "not in use");
+    if (element.name.empty() && element.type != ElementType::kRoot)
+        return Damaged(element.id, "impossible name");
+    return {};
+}
+
 }  // namespace
 
 Directory::Directory(SectorReader& sectors, AllocationTable& table, const Header& header)
     : sectors_(sectors), chain_(table, header.directory_start),
       has_long_sizes_(header.major_version >= 4) {}
 
-base::Result<DirectoryEntry> Directory::Entry(EntryId id) {
+base::Result<DirectoryEntry> Directory::AnyEntry(EntryId id) {
     const auto per_sector = static_cast<std::uint32_t>(sectors_.sector_size() / entry::kSize);
     ASSIGN_OR_RETURN(const SectorNumber sector, chain_.At(id / per_sector));
     ASSIGN_OR_RETURN(const auto bytes, sectors_.Sector(sector));
     DirectoryEntry result =
         Decode(bytes.subspan((id % per_sector) * entry::kSize, entry::kSize), has_long_sizes_);
     result.element.id = id;
-    if (!IsKnownType(result.element.type)) return Damaged(id, "not in use");
-    if (result.element.name.empty() && result.element.type != ElementType::kRoot)
-        return Damaged(id, "impossible name");
+    return result;
+}
+
+base::Result<DirectoryEntry> Directory::Entry(EntryId id) {
+    ASSIGN_OR_RETURN(DirectoryEntry result, AnyEntry(id));
+    RETURN_IF_ERROR(CheckEntry(result.element));
     return result;
 }
 
 // In order: left branch, entry, right branch. Each entry is met once, so a loop and a shared branch
-// are damage.
-base::Result<std::vector<Element>> Directory::Members(const DirectoryEntry& storage) {
-    std::vector<Element> members;
-    std::unordered_set<EntryId> met;
-    std::vector<DirectoryEntry> path;
-    RETURN_IF_ERROR(DescendLeft(storage.child, path));
-    while (!path.empty()) {
-        DirectoryEntry current = std::move(path.back());
-        path.pop_back();
-        if (!met.insert(current.element.id).second) return Damaged(current.element.id, "met twice");
-        if (current.element.type == ElementType::kRoot)
-            return Damaged(current.element.id, "root as a member");
-        const EntryId right = current.right;
-        members.push_back(std::move(current.element));
-        RETURN_IF_ERROR(DescendLeft(right, path));
-    }
-    return members;
-}
+// are damage and end the branch.
+class Directory::Walk {
+public:
+    explicit Walk(Directory& directory) : directory_(directory) {}
 
-base::Status Directory::DescendLeft(EntryId from, std::vector<DirectoryEntry>& path) {
-    std::unordered_set<EntryId> met;
-    for (EntryId id = from; id != kNoEntry; id = path.back().left) {
-        if (!met.insert(id).second) return Damaged(id, "its left branch is a loop");
-        ASSIGN_OR_RETURN(DirectoryEntry current, Entry(id));
-        path.push_back(std::move(current));
+    Members From(EntryId top) {
+        DescendLeft(top);
+        while (!path_.empty()) {
+            DirectoryEntry current = std::move(path_.back());
+            path_.pop_back();
+            const EntryId right = current.right;
+            Take(std::move(current.element));
+            DescendLeft(right);
+        }
+        return std::move(members_);
     }
-    return base::Status::Ok();
+
+private:
+    void DescendLeft(EntryId id) {
+        while (id != kNoEntry) {
+            if (!met_.insert(id).second) return Note(Damaged(id, "met twice"));
+            auto current = directory_.AnyEntry(id);
+            if (!current.ok()) return Note(current.status());
+            id = current->left;
+            path_.push_back(std::move(*current));
+        }
+    }
+
+    void Take(Element element) {
+        base::Status usable = CheckEntry(element);
+        if (usable.ok() && element.type == ElementType::kRoot)
+            usable = Damaged(element.id, "root as a member");
+        if (!usable.ok()) return Note(usable);
+        members_.elements.push_back(std::move(element));
+    }
+
+    void Note(const base::Status& trouble) {
+        if (members_.damage.ok()) members_.damage = trouble;
+    }
+
+    Directory& directory_;
+    std::unordered_set<EntryId> met_;
+    std::vector<DirectoryEntry> path_;  // entries whose left branch has been taken
+    Members members_;
+};
+
+Members Directory::MembersOf(const DirectoryEntry& storage) {
+    return Walk(*this).From(storage.child);
 }
 
 }  // namespace cfb

@@ -1,6 +1,6 @@
 // Directory: the entries of a compound file. The members of a storage form a binary tree of
-// entries; it is walked in order with a bound, whatever its links say. Errors: kCorruption,
-// kIoError.
+// entries; it is walked in order with a bound, whatever its links say, and around what cannot be
+// read. Errors: kCorruption, kIoError.
 #pragma once
 
 #include "base/status.h"
@@ -23,16 +23,26 @@ struct DirectoryEntry {
     SectorNumber start = kEndOfChain;
 };
 
+// What a storage holds.
+struct Members {
+    std::vector<Element> elements;  // those that could be read, in the tree's order
+    base::Status damage;            // the first trouble on the way; ok: these are all there are
+};
+
 class Directory {
 public:
     // Requires: both outlive the directory.
     Directory(SectorReader& sectors, AllocationTable& table, const Header& header);
     // kCorruption: there is no such entry, it is not in use, or its name is impossible.
     base::Result<DirectoryEntry> Entry(EntryId id);
-    base::Result<std::vector<Element>> Members(const DirectoryEntry& storage);
+    // A member that cannot be read hides itself and what only it leads to, nothing else.
+    Members MembersOf(const DirectoryEntry& storage);
 
 private:
-    base::Status DescendLeft(EntryId from, std::vector<DirectoryEntry>& path);
+    class Walk;
+
+    // Whatever type and name it has.
+    base::Result<DirectoryEntry> AnyEntry(EntryId id);
 
     SectorReader& sectors_;
     SectorChain chain_;

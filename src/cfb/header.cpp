@@ -43,7 +43,6 @@ base::Result<Header> ParseHeader(std::span<const std::byte, header::kSize> bytes
     Header result;
     result.major_version = Field<std::uint16_t>(bytes, header::kMajorVersion);
     result.sector_shift = Field<std::uint16_t>(bytes, header::kSectorShift);
-    result.fat_sectors = Field<std::uint32_t>(bytes, header::kFatSectorCount);
     result.directory_start = Field<SectorNumber>(bytes, header::kDirectoryStart);
     result.mini_fat_start = Field<SectorNumber>(bytes, header::kMiniFatStart);
     result.difat_start = Field<SectorNumber>(bytes, header::kDifatStart);

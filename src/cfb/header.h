@@ -14,13 +14,10 @@ namespace cfb {
 struct Header {
     std::uint16_t major_version = 3;
     std::uint32_t sector_shift = 9;  // log2 of the sector size in bytes
-    std::uint32_t fat_sectors = 0;
     SectorNumber directory_start = kEndOfChain;
     SectorNumber mini_fat_start = kEndOfChain;
     SectorNumber difat_start = kEndOfChain;
     std::array<SectorNumber, header::kDifatEntries> difat{};
-
-    std::uint32_t sector_size() const { return std::uint32_t{1} << sector_shift; }
 };
 
 // kUnsupported: this is no compound file, or one of an unknown version; kCorruption: its fields

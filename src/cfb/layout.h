@@ -25,7 +25,6 @@ inline constexpr std::size_t kMajorVersion = 0x1A;
 inline constexpr std::size_t kByteOrder = 0x1C;
 inline constexpr std::size_t kSectorShift = 0x1E;
 inline constexpr std::size_t kMiniSectorShift = 0x20;
-inline constexpr std::size_t kFatSectorCount = 0x2C;
 inline constexpr std::size_t kDirectoryStart = 0x30;
 inline constexpr std::size_t kMiniStreamCutoff = 0x38;
 inline constexpr std::size_t kMiniFatStart = 0x3C;

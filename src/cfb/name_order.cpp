@@ -43,7 +43,7 @@ char16_t UpperCase(char16_t c) {
     if (c < 0x80) return c;
     if (In(c, 0xE0, 0xFE) && c != 0xF7) return Minus(c, 32);
     if (c == 0xFF) return 0x0178;
-    if (LowerAtOdd(c)) return c % 2 == 1 && c != 0x0131 ? Minus(c, 1) : c;
+    if (LowerAtOdd(c)) return c % 2 == 1 ? Minus(c, 1) : c;
     if (LowerAtEven(c)) return c % 2 == 0 ? Minus(c, 1) : c;
     if (In(c, 0x03AC, 0x03CE)) return UpperGreek(c);
     if (In(c, 0x0430, 0x044F)) return Minus(c, 32);

@@ -47,16 +47,16 @@ base::Result<std::vector<StreamReader::Run>> StreamReader::RunsOf(const Director
     LoopDetector loop;
     SectorNumber sector = stream.start;
     const std::uint64_t size = sectors_.sector_size();
-    for (std::uint64_t left = (stream.element.size_bytes + size - 1) / size; left > 0; --left) {
+    for (std::uint64_t left = (stream.element.size_bytes + size - 1) / size;; --left) {
         if (sector == kEndOfChain) return Damaged("a stream's chain is shorter than its size");
         if (loop.Meets(sector)) return Damaged("a stream's chain is a loop");
         if (!runs.empty() && runs.back().first + runs.back().sectors == sector)
             ++runs.back().sectors;
         else
             runs.push_back({sector, 1});
+        if (left == 1) return runs;  // what the last sector's link says does not matter
         ASSIGN_OR_RETURN(sector, table_.Next(sector));
     }
-    return runs;
 }
 
 // At most 64 mini sectors, so a loop needs no other bound.

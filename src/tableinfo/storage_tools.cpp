@@ -31,10 +31,10 @@ public:
     }
 
     std::vector<cfb::Element> RootElements() {
-        return file_ ? file_->List(file_->root()).value_or({}) : std::vector<cfb::Element>();
+        return file_ ? file_->ListReadable(file_->root()) : std::vector<cfb::Element>();
     }
     std::vector<cfb::Element> InfoElements() {
-        return storage_ ? file_->List(*storage_).value_or({}) : std::vector<cfb::Element>();
+        return storage_ ? file_->ListReadable(*storage_) : std::vector<cfb::Element>();
     }
     std::vector<std::byte> Read(std::u16string_view stream_name) {
         if (!storage_) return {};
@@ -93,7 +93,7 @@ int ListCustomInfoStreams(const QString& path, QStringList& names) {
 }
 
 bool IsStandardInfoStream(const QString& name) {
-    const auto& standard = catalogue::kTableInfoStreamNames;
+    const auto& standard = catalogue::TableInfoStreamNames;
     return std::find(standard.begin(), standard.end(), QStringView(name)) != standard.end();
 }
 

@@ -1,7 +1,8 @@
 // StorageTools: what a table file says about itself. A table file (.vpt) is a compound file; its
 // storage TableInfo holds one stream per field. Strictly read-only. Whatever is wrong with a file
 // (not there, not a compound file, damaged, no such stream) reads as "nothing there": an absent
-// field and an empty one are the same to the callers, and nothing is reported.
+// field and an empty one are the same to the callers, and nothing is reported. Damage hides what it
+// hits and no more.
 // Inside a file a name is found without regard to letter case; standard names are told from custom
 // ones exactly. Threads: a TableInfoFile belongs to one thread.
 #pragma once

@@ -121,9 +121,6 @@ TEST_F(FreshFolder, RowsThatExistedBeforeTheColumnHaveNoPlayCount) {
 
 TEST_F(StartUpTest, ProcessValuesAreFilled) {
     EXPECT_EQ(values.StatusColours, (StatusColourTable{0, 65535, 255, 65280}));
-    EXPECT_EQ(values.TableInfoStreamNames.front(), QStringLiteral("TableName"));
-    EXPECT_EQ(values.TableInfoStreamNames[2], QStringLiteral("Screenshot"));
-    EXPECT_EQ(values.TableInfoStreamNames.back(), QStringLiteral("TableDescription"));
     EXPECT_EQ(values.VisualPinballExe, QString());
 }
 

@@ -13,6 +13,8 @@
 #include <cstdlib>
 #include <random>
 
+#include <sys/stat.h>
+
 namespace cfb {
 namespace {
 
@@ -387,6 +389,110 @@ TEST_F(CompoundFileTest, ALoopInATreeOfMembersIsDamage) {
         file.Set(file.EntryOffset(id) + link, id);
         EXPECT_EQ(Walk(file).code(), StatusCode::kCorruption) << link;
     }
+}
+
+// The root's tree has TableInfo in it, and TableInfo's own tree four streams.
+std::string TextIn(CompoundFile& file, std::u16string_view name) {
+    const auto storage = file.Find(file.root(), u"TableInfo");
+    if (!storage.ok()) return storage.status().message();
+    const auto stream = file.Find(*storage, name);
+    if (!stream.ok()) return stream.status().message();
+    const auto bytes = file.Read(*stream);
+    return bytes.ok() ? "read " + std::to_string(bytes->size()) : bytes.status().message();
+}
+
+TEST_F(CompoundFileTest, ABadSiblingLinkHidesOnlyWhatItLeadsTo) {
+    for (const std::size_t link : {entry::kLeft, entry::kRight})
+        for (const EntryId target : {EntryId{0x7FFFFFFF}, EntryId{0}, EntryId{0xFFFFFFFE}}) {
+            RawFile raw = Raw(SmallFile());
+            raw.Set(raw.EntryOffset(IdOf(raw, u"TableInfo")) + link, target);
+            auto file = CompoundFile::Open(MakeMemorySource(raw.bytes));
+            ASSERT_TRUE(file.ok());
+            EXPECT_EQ(TextIn(**file, u"TableName"), "read 12") << link << " " << target;
+            EXPECT_EQ((*file)->List((*file)->root()).status().code(), StatusCode::kCorruption);
+            EXPECT_FALSE((*file)->ListReadable((*file)->root()).empty());
+        }
+}
+
+// The entry is the top of its tree, so every other name is found through its links.
+TEST_F(CompoundFileTest, AnEntryThatCannotBeUsedHidesItselfOnly) {
+    const RawFile whole = Raw(SmallFile());
+    const std::size_t top = whole.EntryOffset(
+        whole.Get<EntryId>(whole.EntryOffset(IdOf(whole, u"TableInfo")) + entry::kChild));
+    struct Damage {
+        std::size_t offset;
+        std::uint8_t value;
+    };
+    for (const Damage damage :
+         {Damage{entry::kType, 0}, Damage{entry::kType, 3}, Damage{entry::kType, 5},
+          Damage{entry::kType, 0xFF}, Damage{entry::kNameLength, 1}}) {
+        RawFile raw = whole;
+        raw.Set(top + damage.offset, damage.value);
+        auto file = CompoundFile::Open(MakeMemorySource(raw.bytes));
+        ASSERT_TRUE(file.ok());
+        const auto storage = (*file)->Find((*file)->root(), u"TableInfo");
+        ASSERT_TRUE(storage.ok());
+        EXPECT_EQ((*file)->ListReadable(*storage).size(), 2U) << int{damage.value};
+        EXPECT_EQ((*file)->List(*storage).status().code(), StatusCode::kCorruption);
+        int read = 0;
+        for (const auto* name : {u"TableName", u"TableRules", u"Screenshot"})
+            read += TextIn(**file, name).starts_with("read ") ? 1 : 0;
+        EXPECT_EQ(read, 2) << int{damage.value};
+    }
+}
+
+TEST_F(CompoundFileTest, WhatIsMissingFromADamagedStorageIsCalledDamage) {
+    RawFile raw = Raw(SmallFile());
+    raw.Set<EntryId>(raw.EntryOffset(IdOf(raw, u"TableInfo")) + entry::kChild, 0x7FFFFFFF);
+    auto file = CompoundFile::Open(MakeMemorySource(raw.bytes));
+    ASSERT_TRUE(file.ok());
+    const auto storage = (*file)->Find((*file)->root(), u"TableInfo");
+    ASSERT_TRUE(storage.ok());
+    EXPECT_EQ((*file)->Find(*storage, u"TableName").status().code(), StatusCode::kCorruption);
+    EXPECT_TRUE((*file)->ListReadable(*storage).empty());
+}
+
+TEST_F(CompoundFileTest, ABadLinkBehindTheLastSectorIsNotLookedAt) {
+    const RawFile whole = Raw(SmallFile());
+    const auto screenshot =
+        whole.Get<SectorNumber>(whole.EntryOffset(IdOf(whole, u"Screenshot")) + entry::kStart);
+    const auto mini_stream = whole.Get<SectorNumber>(whole.EntryOffset(0) + entry::kStart);
+    for (const SectorNumber start :
+         {screenshot, mini_stream, whole.Get<SectorNumber>(header::kMiniFatStart),
+          whole.Get<SectorNumber>(header::kDirectoryStart)}) {
+        RawFile raw = whole;
+        SectorNumber last = start;
+        while (raw.Next(last) != kEndOfChain)
+            last = raw.Next(last);
+        raw.Set<SectorNumber>(raw.FatEntryOffset(last), 0x00FFFFFF);
+        const auto status = Walk(raw);
+        EXPECT_TRUE(status.ok()) << start << ": " << status.message();
+    }
+}
+
+TEST_F(CompoundFileTest, AStreamOfMoreThan256MegabytesIsUnsupported) {
+    RawFile raw = Raw(SmallFile());
+    const std::size_t size_at = raw.EntryOffset(IdOf(raw, u"Screenshot")) + entry::kStreamSize;
+    const std::uint64_t cap = 256ULL * 1024 * 1024;
+    const auto code_for = [&](std::uint64_t size) {
+        raw.Set(size_at, size);
+        std::ofstream(path_, std::ios::binary)
+            .write(reinterpret_cast<const char*>(raw.bytes.data()),
+                   static_cast<std::streamsize>(raw.bytes.size()));
+        std::filesystem::resize_file(path_,
+                                     cap + 1'000'000);  // a hole, so that the size is possible
+        auto source = OpenFileSource(path_);
+        return source.ok() ? Walk(std::move(*source)).code() : source.status().code();
+    };
+    EXPECT_EQ(code_for(cap + 1), StatusCode::kUnsupported);
+    EXPECT_EQ(code_for(cap), StatusCode::kCorruption);  // the size may be; the chain is shorter
+    EXPECT_EQ(code_for(4200), StatusCode::kOk);
+}
+
+// Opening it would wait for a writer that never comes.
+TEST_F(CompoundFileTest, APipeIsUnsupported) {
+    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+    EXPECT_EQ(CompoundFile::Open(path_).status().code(), StatusCode::kUnsupported);
 }
 
 TEST_F(CompoundFileTest, AStorageInsideItselfEndsTheWalk) {

@@ -1,6 +1,5 @@
 #include "tableinfo/storage_tools.h"
 
-#include "catalogue/table_info_names.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -118,10 +117,12 @@ TEST_F(StorageToolsTest, AStandardNameInOtherLetterCaseIsACustomField) {
 }
 
 TEST_F(StorageToolsTest, TheTenStandardNamesAreExact) {
-    for (const QStringView name : catalogue::kTableInfoStreamNames) {
-        EXPECT_TRUE(IsStandardInfoStream(name.toString())) << name.toString().toStdString();
-        EXPECT_FALSE(IsStandardInfoStream(name.toString().toUpper()))
-            << name.toString().toStdString();
+    for (const char16_t* standard :
+         {u"TableName", u"AuthorName", u"Screenshot", u"TableBlurb", u"TableRules", u"AuthorEmail",
+          u"ReleaseDate", u"TableVersion", u"AuthorWebSite", u"TableDescription"}) {
+        const QString name = QString::fromUtf16(standard);
+        EXPECT_TRUE(IsStandardInfoStream(name)) << name.toStdString();
+        EXPECT_FALSE(IsStandardInfoStream(name.toUpper())) << name.toStdString();
     }
     EXPECT_FALSE(IsStandardInfoStream(QStringLiteral("CompanyName")));
     EXPECT_FALSE(IsStandardInfoStream(QStringLiteral("TableName ")));
@@ -158,6 +159,35 @@ TEST_F(StorageToolsTest, AFileCutShortHasWhatIsLeftOfItOrNothing) {
         EXPECT_TRUE(name.isEmpty() || name == QStringLiteral("Attack")) << name.toStdString();
     }
     ExpectNothing(file.fileName());
+}
+
+TEST_F(StorageToolsTest, OneDamagedEntryDoesNotHideTheOtherTexts) {
+    const VptBuilder builder = VptBuilder()
+                                   .Text(u"TableName", u"Attack")
+                                   .Text(u"AuthorName", u"Bob")
+                                   .Text(u"CompanyName", u"Bally")
+                                   .Text(u"Designer", u"Ann");
+    for (const char16_t* damaged : {u"TableName", u"AuthorName", u"CompanyName", u"Designer"}) {
+        QFile file(Build(builder));
+        ASSERT_TRUE(file.open(QFile::ReadWrite));
+        QByteArray bytes = file.readAll();
+        const QString name = QString::fromUtf16(damaged);
+        const qsizetype entry = bytes.indexOf(
+            QByteArray(reinterpret_cast<const char*>(name.utf16()), name.size() * 2 + 2));
+        ASSERT_GT(entry, 0);
+        file.seek(entry + 0x42);  // the entry's type
+        ASSERT_TRUE(file.putChar(7));
+        file.close();
+
+        EXPECT_TRUE(HasTableInfo(file.fileName()));
+        for (const char16_t* stream : {u"TableName", u"AuthorName", u"CompanyName", u"Designer"}) {
+            const QString wanted = QString::fromUtf16(stream);
+            EXPECT_EQ(ReadTableInfoStream(file.fileName(), wanted).isEmpty(), wanted == name)
+                << name.toStdString() << " damaged, " << wanted.toStdString() << " read";
+        }
+        QStringList custom;
+        EXPECT_EQ(ListCustomInfoStreams(file.fileName(), custom), 3);
+    }
 }
 
 TEST_F(StorageToolsTest, OneObjectAnswersSeveralQuestions) {
