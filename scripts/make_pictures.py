@@ -6,7 +6,6 @@
 writes docs/images/main-window.png and docs/help/images/*.png. Needs what the tests need (scripts/install_packages.sh test).
 """
 
-import shutil
 import subprocess
 import sys
 import tempfile
@@ -85,8 +84,7 @@ def shoot(program, title, *paths):
 def main():
     with tempfile.TemporaryDirectory(prefix="tavolo-pictures-") as temporary, Desktop("pictures") as desktop:
         work = Path(temporary)
-        tables = Path("/tmp/Tables")
-        shutil.rmtree(tables, ignore_errors=True)
+        tables = work / "Tables"
         build_tables(tables)
         simulator = work / "simulator"
         simulator.write_text("#!/bin/sh\n")
@@ -96,7 +94,6 @@ def main():
         with Tavolo(desktop, folder) as program:
             take(program, tables, simulator)
             program.close()
-        shutil.rmtree(tables)
 
 
 def take(program, tables, simulator):
