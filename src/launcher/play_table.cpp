@@ -25,7 +25,8 @@ QString EndedTitle(const QString& title_key) {
 
 // There is no blank between the "-" and the path: the simulator wants it so.
 QString CommandLine(const QString& executable, const QString& table) {
-    return u'"' + executable + QStringLiteral("\" /Play -") + platform::QuoteForCommandLine(table);
+    return platform::QuoteProgramName(executable) + QStringLiteral(" /Play -") +
+           platform::QuoteForCommandLine(table);
 }
 
 // The name by which the simulator's title calls the table.

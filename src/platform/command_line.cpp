@@ -31,10 +31,13 @@ private:
         QString name;
         bool quoted = false;
         for (; !AtEnd() && (quoted || !IsBlank(line_[next_])); ++next_) {
-            if (Sees(u'"'))
-                quoted = !quoted;
-            else
+            if (!Sees(u'"')) {
                 name += line_[next_];
+            } else if (quoted && next_ + 1 < line_.size() && line_[next_ + 1] == u'"') {
+                name += line_[next_++];
+            } else {
+                quoted = !quoted;
+            }
         }
         return name;
     }
@@ -92,6 +95,10 @@ QString QuoteForCommandLine(const QString& text) {
         quoted += c;
     }
     return quoted + QString(backslashes, u'\\') + u'"';
+}
+
+QString QuoteProgramName(const QString& name) {
+    return u'"' + QString(name).replace(u'"', QLatin1String("\"\"")) + u'"';
 }
 
 }  // namespace platform

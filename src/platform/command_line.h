@@ -2,7 +2,8 @@
 // Source of the rules: "main function and command-line arguments", section "Parsing C command-line arguments", in the
 // Microsoft C language reference:
 //  - blanks and tabs part arguments unless they are quoted;
-//  - the program's name ends at the first unquoted blank, and only quotes are special in it;
+//  - the program's name ends at the first unquoted blank, and only quotes are special in it; one that is doubled inside a
+//    quoted part is a plain quote (ours: the runtime knows no program with a quote in its name, this system may have one);
 //  - elsewhere 2n backslashes before a quote give n backslashes and the quote opens or closes, 2n+1 give n backslashes and
 //    a plain quote, and backslashes before anything else are themselves;
 //  - a doubled quote inside a quoted part is a plain quote.
@@ -20,5 +21,8 @@ QStringList SplitCommandLine(const QString& command_line);
 // `text` between quotes so that SplitCommandLine gives it back inside its argument. A file name of Windows has neither a quote
 // nor a backslash at its end and stands between the quotes as it is.
 QString QuoteForCommandLine(const QString& text);
+
+// The same for the program's name, which comes first in the line.
+QString QuoteProgramName(const QString& name);
 
 }  // namespace platform

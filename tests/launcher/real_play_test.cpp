@@ -41,6 +41,20 @@ TEST_F(RealPlayTest, TheSimulatorIsStartedWatchedAndClosed) {
     EXPECT_TRUE(prompts.messages.empty());
 }
 
+TEST_F(RealPlayTest, ASimulatorWithAQuoteInItsPathIsStarted) {
+    const QString programs = folder.filePath(QStringLiteral("the \"vp\" \"x"));
+    ASSERT_TRUE(QDir().mkpath(programs));
+    values.VisualPinballExe = programs + QStringLiteral("/v\"p");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(SIMULATOR), values.VisualPinballExe));
+    events_.on_round = [this] { run_.EndPlay(); };
+    Play(QStringLiteral("A \"quoted\" table"));
+    EXPECT_TRUE(prompts.messages.empty()) << prompts.messages[0].text.toStdString();
+    EXPECT_TRUE(run_.Logs("closed by request")) << run_.LogText();
+    EXPECT_EQ(
+        run_.Count("argv[2]=-" + TablePath(QStringLiteral("A \"quoted\" table")).toStdString()), 1)
+        << run_.LogText();
+}
+
 TEST_F(RealPlayTest, TheMainWindowIsMinimisedWhileTheTableIsPlayedAndMaximisedAsBefore) {
     values.MinimiseOnPlay = true;
     main_window_.showMaximized();

@@ -42,6 +42,18 @@ TEST_F(WinePlayTest, TheSimulatorIsStartedWatchedAndClosed) {
     EXPECT_EQ(TimesPlayed(kFoo), QStringLiteral("1"));
 }
 
+TEST_F(WinePlayTest, ASimulatorWithAQuoteInItsPathIsStarted) {
+    const QString programs = folder.filePath(QStringLiteral("the \"vp\""));
+    ASSERT_TRUE(QDir().mkpath(programs));
+    values.VisualPinballExe = programs + QStringLiteral("/vpinball.exe");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(WINDOWS_SIMULATOR), values.VisualPinballExe));
+    events_.on_round = [this] { run_.EndPlay(); };
+    Play(kFoo);
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_TRUE(run_.Logs("closed by request")) << run_.LogText();
+    EXPECT_EQ(run_.Count("table=12"), 1) << run_.LogText();
+}
+
 TEST_F(WinePlayTest, ASecondPlayInsideTheWatchOfTheFirst) {
     bool second_started = false;
     events_.on_round = [&] {

@@ -40,6 +40,9 @@ const SplitCase kCases[] = {
     {"Documented4", R"(p a\\\"b c d)", {"p", R"(a\"b)", "c", "d"}},
     {"Documented5", R"(p a\\\\"b c" d e)", {"p", R"(a\\b c)", "d", "e"}},
     {"Documented6", R"(p a"b"" c d)", {"p", R"(ab" c d)"}},
+    {"QuoteInTheProgramName", R"("/my ""vp""/run" a)", {R"(/my "vp"/run)", "a"}},
+    {"QuotesAtTheEndsOfTheProgramName", R"("""vp""" a)", {R"("vp")", "a"}},
+    {"EmptyProgramName", R"("" a)", {"", "a"}},
     {"EmptyArgument", R"(p "" x)", {"p", "", "x"}},
     {"TabsAndTrailingBlanks", "p\t a \t", {"p", "a"}},
     {"ApostrophesAreNothingSpecial", "p 'a b'", {"p", "'a", "b'"}},
@@ -66,6 +69,26 @@ INSTANTIATE_TEST_SUITE_P(CommandLineTest, QuotedText,
                          testing::Values("", "/a b/c.vpt", R"(a"b)", R"(a\"b)", R"(a\\"b\)",
                                          R"(\\)", R"("")", "tab\tnew\nline",
                                          R"(C:\Tables\Foo.vpt)"));
+
+class QuotedProgramName : public testing::TestWithParam<const char*> {};
+
+TEST_P(QuotedProgramName, ComesBackAsTheFirstArgument) {
+    const QString name = QString::fromUtf8(GetParam());
+    const QStringList expected = {name, QStringLiteral("/Play"), QStringLiteral("-a b")};
+    EXPECT_EQ(platform::SplitCommandLine(platform::QuoteProgramName(name) +
+                                         QStringLiteral(" /Play -\"a b\"")),
+              expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(CommandLineTest, QuotedProgramName,
+                         testing::Values("", "/opt/my vp/run", R"(/my "vp"/run)", R"("vp")", R"(")",
+                                         R"("")", R"(\home\u\"vp"\run)", R"(C:\VP\VPinball.exe)",
+                                         R"(C:\VP\)"));
+
+TEST(CommandLineTest, AWindowsProgramIsQuotedAsItStands) {
+    EXPECT_EQ(platform::QuoteProgramName(QStringLiteral(R"(C:\My VP\VPinball.exe)")),
+              QStringLiteral(R"("C:\My VP\VPinball.exe")"));
+}
 
 TEST(CommandLineTest, AWindowsPathIsQuotedAsItStands) {
     EXPECT_EQ(platform::QuoteForCommandLine(QStringLiteral(R"(C:\My Tables\Foo.vpt)")),

@@ -1,5 +1,6 @@
 #include "platform/process_starter.h"
 
+#include "platform/command_line.h"
 #include "platform/linux/windows_program.h"
 #include "support/wait_for.h"
 
@@ -62,6 +63,14 @@ TEST_F(ProcessStarterTest, AScriptGetsTheArgumentsOfTheLine) {
     const auto started = Start("\"" + script + "\" /Play -\"/t/Tom's \xC3\x9C table $HOME.vpt\"");
     ASSERT_TRUE(started.ok()) << started.status().message();
     EXPECT_EQ(Output(), "</Play>\n<-/t/Tom's \xC3\x9C table $HOME.vpt>\n");
+}
+
+TEST_F(ProcessStarterTest, AProgramWithQuotesInItsNameIsStarted) {
+    const auto script = Script("my programs/the \"vp\"", "echo \"$1\"");
+    const QString line =
+        platform::QuoteProgramName(QString::fromStdString(script)) + QStringLiteral(" /Play");
+    ASSERT_TRUE(starter_->Start(line).ok());
+    EXPECT_EQ(Output(), "/Play\n");
 }
 
 TEST_F(ProcessStarterTest, AProgramRunsInTheCurrentDirectory) {

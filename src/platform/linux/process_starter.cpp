@@ -76,7 +76,8 @@ base::Result<std::int64_t> StartWithWine(const QString& program, const QStringLi
     if (wine.isEmpty())
         return FileError(base::StatusCode::kUnsupported,
                          "Wine, which runs Windows programs here, is not installed", program);
-    QStringList words{program};
+    ASSIGN_OR_RETURN(const QString for_wine, ProgramForWine(program));
+    QStringList words{for_wine};
     for (const QString& argument : arguments)
         words.push_back(ArgumentForWindows(argument));
     return StartProgram(wine, words, WineEnvironment());

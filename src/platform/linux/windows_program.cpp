@@ -2,9 +2,13 @@
 
 #include "platform/files.h"
 #include "platform/linux/file_names.h"
+#include "platform/linux/system_error.h"
 
+#include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
 #include <QtCore/QStandardPaths>
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 
@@ -16,6 +20,27 @@ std::string FirstBytes(const QString& path) {
     std::ifstream file(ToPath(path), std::ios::binary);
     file.read(bytes.data(), bytes.size());
     return {bytes.data(), static_cast<std::size_t>(file.gcount())};
+}
+
+// The first program of a new Wine waits until that has been made.
+constexpr int kWineTimeoutMs = 120'000;
+
+// Naming Files, Paths, and Namespaces (Microsoft): reserved characters.
+bool HasReservedSign(const QString& path) {
+    static constexpr QStringView kReserved = u"\"*:<>?|";
+    return std::any_of(path.begin(), path.end(), [](QChar c) { return kReserved.contains(c); });
+}
+
+// What Wine's own tool for names answers; empty: nothing.
+QString AskWinePath(const QStringList& arguments) {
+    QProcess process;
+    QStringList environment = QProcess::systemEnvironment();
+    for (const std::string& variable : WineEnvironment())
+        environment << QString::fromStdString(variable);
+    process.setEnvironment(environment);
+    process.start(QStandardPaths::findExecutable(QStringLiteral("winepath")), arguments);
+    if (!process.waitForFinished(kWineTimeoutMs) || process.exitCode() != 0) return {};
+    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
 bool IsNativePath(QStringView text, bool after_option_sign) {
@@ -50,6 +75,21 @@ std::vector<std::string> WineEnvironment() {
         break;
     }
     return {"LC_ALL=C.UTF-8"};
+}
+
+// The name of the file stays where it can: Wine's windows are known by it.
+base::Result<QString> ProgramForWine(const QString& program) {
+    if (!HasReservedSign(program)) return program;
+    const QFileInfo file(program);
+    const bool keeps_name = !HasReservedSign(file.fileName());
+    QString path =
+        QStringLiteral("Z:") + (keeps_name ? file.absolutePath() : file.absoluteFilePath());
+    path.replace(u'/', u'\\');
+    const QString short_name = AskWinePath({QStringLiteral("-s"), path});
+    if (!short_name.isEmpty())
+        return keeps_name ? short_name + u'\\' + file.fileName() : short_name;
+    return FileError(base::StatusCode::kUnsupported, "Wine cannot start a program with such a name",
+                     program, kInvalidProcedureCall);
 }
 
 QString ArgumentForWindows(const QString& argument) {
