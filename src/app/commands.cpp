@@ -1,6 +1,7 @@
 #include "app/commands.h"
 
 #include "browser/table_info_command.h"
+#include "dialogs/about_text.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmSettings.h"
 #include "dialogs/help.h"
@@ -86,7 +87,9 @@ void Commands::AttachHelp() {
         dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder);
     });
     window_.SetCommand(QStringLiteral("mnuAbout"), [this] {
-        dialogs::frmAbout(prompts_, outside_.shell, outside_.programs, &window_).exec();
+        dialogs::frmAbout(prompts_, outside_.shell, outside_.programs, dialogs::WebSiteAddress(),
+                          &window_)
+            .exec();
     });
 }
 

@@ -2,9 +2,8 @@
 
 namespace dialogs {
 
-// The name is reserved for examples: it can never lead to a stranger's site.
 QString WebSiteAddress() {
-    return QStringLiteral("https://tavolo.example/");
+    return {};
 }
 
 QString CreditsText() {

@@ -5,6 +5,7 @@
 
 namespace dialogs {
 
+// The project's own page; empty as long as it has none.
 QString WebSiteAddress();
 QString CreditsText();
 

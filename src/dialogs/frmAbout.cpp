@@ -11,6 +11,8 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <utility>
+
 namespace dialogs {
 namespace {
 
@@ -23,8 +25,9 @@ QLabel* MakeLabel(const QString& name, const QString& text, QWidget* parent) {
 }  // namespace
 
 frmAbout::frmAbout(platform::UserPrompts& prompts, platform::Shell& shell,
-                   platform::ProcessStarter& starter, QWidget* parent)
-    : QDialog(parent), prompts_(prompts), shell_(shell), starter_(starter) {
+                   platform::ProcessStarter& starter, QString web_site, QWidget* parent)
+    : QDialog(parent), prompts_(prompts), shell_(shell), starter_(starter),
+      web_site_(std::move(web_site)) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About ") + ApplicationTitle());
     auto* column = new QVBoxLayout(this);
@@ -68,14 +71,25 @@ QWidget* frmAbout::BuildCredits() {
     return panel;
 }
 
+QWidget* frmAbout::BuildLink() {
+    auto* link = MakeLabel(QStringLiteral("label1"), {}, this);
+    if (web_site_.isEmpty()) return link;
+    link->setText(QStringLiteral("<a href=\"%1\">%1</a>").arg(web_site_.toHtmlEscaped()));
+    link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    connect(link, &QLabel::linkActivated, this, &frmAbout::OpenWebSite);
+    return link;
+}
+
+void frmAbout::OpenWebSite() {
+    if (shell_.Open(web_site_).ok()) return;
+    platform::Message message;
+    message.text = QStringLiteral("Cannot open site: ") + web_site_;
+    message.icon = platform::MessageIcon::kInformation;
+    prompts_.Ask(message);
+}
+
 QWidget* frmAbout::BuildButtons() {
     auto* row = new QWidget(this);
-    const QString address = WebSiteAddress();
-    auto* link = MakeLabel(QStringLiteral("label1"),
-                           QStringLiteral("<a href=\"%1\">%1</a>").arg(address), row);
-    link->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    connect(link, &QLabel::linkActivated, this,
-            [this](const QString& target) { shell_.Open(target).Ignore(); });
 
     auto* system = new QPushButton(QStringLiteral("&System Info"), row);
     system->setObjectName(QStringLiteral("CmdSystem"));
@@ -90,7 +104,7 @@ QWidget* frmAbout::BuildButtons() {
 
     auto* line = new QHBoxLayout(row);
     line->setContentsMargins(0, 0, 0, 0);
-    line->addWidget(link, 1);
+    line->addWidget(BuildLink(), 1);
     line->addWidget(system);
     line->addWidget(ok);
     return row;

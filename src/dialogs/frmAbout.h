@@ -14,18 +14,22 @@ class frmAbout : public QDialog {
     Q_OBJECT
 
 public:
-    // Everything is borrowed and outlives the window. Shown modally by exec().
+    // Everything is borrowed and outlives the window. `web_site`: the address that the link opens;
+    // empty: no link is shown. Shown modally by exec().
     frmAbout(platform::UserPrompts& prompts, platform::Shell& shell,
-             platform::ProcessStarter& starter, QWidget* parent = nullptr);
+             platform::ProcessStarter& starter, QString web_site, QWidget* parent = nullptr);
 
 private:
     QWidget* BuildHeading();
     QWidget* BuildCredits();
+    QWidget* BuildLink();
     QWidget* BuildButtons();
+    void OpenWebSite();
 
     platform::UserPrompts& prompts_;
     platform::Shell& shell_;
     platform::ProcessStarter& starter_;
+    QString web_site_;
 };
 
 }  // namespace dialogs

@@ -6,7 +6,20 @@
 
 #include <QtCore/QDir>
 
+#include <optional>
+
 namespace dialogs {
+namespace {
+
+// A desktop may tell the user about a file that it does not find, so it is not asked for one.
+std::optional<QString> PresentHelpFile(const QString& application_folder,
+                                       const QString& program_folder) {
+    const QString file = HelpFile(application_folder, program_folder);
+    if (platform::FileExists(file)) return file;
+    return std::nullopt;
+}
+
+}  // namespace
 
 QString HelpFile(const QString& application_folder, const QString& program_folder) {
     const QString name = QStringLiteral("tavolo.chm");
@@ -18,14 +31,16 @@ QString HelpFile(const QString& application_folder, const QString& program_folde
     return own;
 }
 
-void OpenHelp(platform::Shell& shell, const QString& application_folder) {
-    shell.Open(HelpFile(application_folder, platform::ProgramFolder())).Ignore();
+void OpenHelp(platform::Shell& shell, const QString& application_folder,
+              const QString& program_folder) {
+    if (const auto file = PresentHelpFile(application_folder, program_folder))
+        shell.Open(*file).Ignore();
 }
 
 void OpenHelpAtWindow(platform::Shell& shell, const QString& application_folder,
-                      const QString& window) {
-    shell.OpenHelp(HelpFile(application_folder, platform::ProgramFolder()), HelpPageOf(window))
-        .Ignore();
+                      const QString& window, const QString& program_folder) {
+    if (const auto file = PresentHelpFile(application_folder, program_folder))
+        shell.OpenHelp(*file, HelpPageOf(window)).Ignore();
 }
 
 }  // namespace dialogs

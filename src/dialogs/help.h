@@ -1,6 +1,7 @@
 // The help command: the desktop's viewer on the program's help file.
 #pragma once
 
+#include "platform/application_folder.h"
 #include "platform/shell.h"
 
 #include <QtCore/QString>
@@ -13,9 +14,11 @@ namespace dialogs {
 QString HelpFile(const QString& application_folder, const QString& program_folder);
 
 // Opens the help file. A missing file or viewer shows nothing.
-void OpenHelp(platform::Shell& shell, const QString& application_folder);
+void OpenHelp(platform::Shell& shell, const QString& application_folder,
+              const QString& program_folder = platform::ProgramFolder());
 // The same at the page of a window, where the viewer can be told a page.
 void OpenHelpAtWindow(platform::Shell& shell, const QString& application_folder,
-                      const QString& window);
+                      const QString& window,
+                      const QString& program_folder = platform::ProgramFolder());
 
 }  // namespace dialogs

@@ -13,7 +13,8 @@ class Shell {
 public:
     virtual ~Shell() = default;
     // `target` is one argument of the shell's open call, whatever it holds: it can name nothing
-    // else to be started.
+    // else to be started. Fails also when the desktop has nobody who opens such a target; to learn
+    // that may take a moment, in which windows repaint and nothing else happens.
     virtual base::Status Open(const QString& target) = 0;
     // Opens the help file at one of its pages ("settings.html"), where the desktop's viewer of such
     // files can be told one; otherwise the file.

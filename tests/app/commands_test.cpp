@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QClipboard>
@@ -233,6 +234,8 @@ TEST_F(CommandsTest, TheInformationOfATableIsAskedOfItsFile) {
 }
 
 TEST_F(CommandsTest, TheHelpIsOpenedThroughTheShell) {
+    QFile help(folder.filePath(S(u"tavolo.chm")));
+    ASSERT_TRUE(help.open(QIODevice::WriteOnly));
     Run(u"mnuHelpContents");
     EXPECT_EQ(shell.opened.size(), 1U);
 }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLineEdit>
@@ -18,6 +20,8 @@ namespace {
 class HelpKeyTest : public testing::Test {
 protected:
     HelpKeyTest() {
+        QFile help(application.filePath(QStringLiteral("tavolo.chm")));
+        EXPECT_TRUE(help.open(QIODevice::WriteOnly));
         window.setObjectName(QStringLiteral("frmSettings"));
         (new QVBoxLayout(&window))->addWidget(&field);
         window.show();
@@ -25,8 +29,9 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
+    QTemporaryDir application;
     test_support::FakeShell shell;
-    HelpKey key{shell, QStringLiteral("/app")};
+    HelpKey key{shell, application.path()};
     QDialog window;
     QLineEdit field;
 };

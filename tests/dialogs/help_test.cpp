@@ -58,6 +58,15 @@ TEST(HelpTest, TheShellOpensTheHelpFile) {
     EXPECT_EQ(shell.opened, std::vector{own});
 }
 
+TEST(HelpTest, AMissingHelpFileReachesNobody) {
+    const QTemporaryDir application;
+    const QTemporaryDir program;
+    test_support::FakeShell shell;
+    OpenHelp(shell, application.path(), program.path());
+    OpenHelpAtWindow(shell, application.path(), QStringLiteral("frmSettings"), program.path());
+    EXPECT_TRUE(shell.opened.empty());
+}
+
 TEST(HelpTest, AShellThatCannotOpenItIsIgnored) {
     const QTemporaryDir application;
     MakeHelpFile(application);

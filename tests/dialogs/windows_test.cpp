@@ -114,7 +114,15 @@ protected:
     test_support::FakePrompts prompts;
     test_support::FakeShell shell;
     test_support::FakeProcessStarter starter;
-    frmAbout window{prompts, shell, starter};
+    void PressLink() {
+        window.show();
+        auto& link = Control<QLabel>(window, "label1");
+        QTest::mouseClick(&link, Qt::LeftButton, {},
+                          QPoint(link.fontMetrics().height(), link.height() / 2));
+    }
+
+    const QString address = QStringLiteral("https://pinball.example/");
+    frmAbout window{prompts, shell, starter, address};
 };
 
 TEST_F(AboutWindowTest, SaysWhatTheProgramIs) {
@@ -127,12 +135,25 @@ TEST_F(AboutWindowTest, SaysWhatTheProgramIs) {
 }
 
 TEST_F(AboutWindowTest, TheLinkOpensTheWebSite) {
-    window.show();
-    auto& link = Control<QLabel>(window, "label1");
-    link.setFocus();
-    QTest::mouseClick(&link, Qt::LeftButton, {},
-                      QPoint(link.fontMetrics().height(), link.height() / 2));
-    EXPECT_EQ(shell.opened, std::vector{WebSiteAddress()});
+    PressLink();
+    EXPECT_EQ(shell.opened, std::vector{address});
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(AboutWindowTest, ALinkThatNobodyOpensIsTold) {
+    shell.answer = base::Status(base::StatusCode::kNotFound, "no browser");
+    PressLink();
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].text,
+              QStringLiteral("Cannot open site: https://pinball.example/"));
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kInformation);
+}
+
+// The program has no page of its own yet.
+TEST_F(AboutWindowTest, WithoutAWebSiteThereIsNoLink) {
+    EXPECT_EQ(WebSiteAddress(), QString());
+    frmAbout plain{prompts, shell, starter, WebSiteAddress()};
+    EXPECT_EQ(Control<QLabel>(plain, "label1").text(), QString());
 }
 
 TEST_F(AboutWindowTest, SystemInfoStartsTheTool) {

@@ -6,9 +6,11 @@
 
 #include <QtCore/QTemporaryDir>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/wait.h>
 
 namespace {
 
@@ -18,7 +20,18 @@ using test_support::WaitFor;
 class ShellTest : public testing::Test {
 protected:
     void SetUp() override { qputenv("PATH", folder_.path().toUtf8()); }
-    void TearDown() override { qputenv("PATH", before_path_); }
+    void TearDown() override {
+        qputenv("PATH", before_path_);
+        EXPECT_TRUE(HasNoChildren());
+    }
+
+    // Neither running nor dead; nobody is taken from whoever waits for it.
+    static bool HasNoChildren() {
+        return WaitFor([] {
+            siginfo_t facts{};
+            return waitid(P_ALL, 0, &facts, WEXITED | WNOHANG | WNOWAIT) == -1 && errno == ECHILD;
+        });
+    }
 
     std::string Path(const std::string& name) const {
         return folder_.path().toStdString() + "/" + name;
@@ -27,6 +40,10 @@ protected:
         std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\nprintf '%s<%s>' $# \"$1\" >'" +
                                          Path("part") + "'\nmv '" + Path("part") + "' '" +
                                          Path("out") + "'\n";
+        std::filesystem::permissions(Path(name), std::filesystem::perms::owner_all);
+    }
+    void Write(const std::string& name, const std::string& script) {
+        std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\n" << script << "\n";
         std::filesystem::permissions(Path(name), std::filesystem::perms::owner_all);
     }
     std::string Output() {
@@ -73,6 +90,50 @@ TEST_F(ShellTest, NothingCannotBeOpened) {
     EXPECT_EQ(shell_->Open(QString(QChar(0))).code(), base::StatusCode::kInvalidArgument);
 }
 
+class FailingOpener : public ShellTest, public testing::WithParamInterface<int> {};
+
+// Its exit codes: syntax, no such file, no tool, the action failed.
+TEST_P(FailingOpener, IsAFailure) {
+    Write("xdg-open", "exit " + std::to_string(GetParam()));
+    const auto opened = shell_->Open(QStringLiteral("http://example.org"));
+    EXPECT_EQ(opened.code(), base::StatusCode::kNotFound);
+    EXPECT_NE(opened.message().find(std::to_string(GetParam())), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(ShellTest, FailingOpener, testing::Values(1, 2, 3, 4));
+
+TEST_F(ShellTest, AnOpenerThatCrashesIsAFailure) {
+    Write("xdg-open", "kill -SEGV $$");
+    EXPECT_FALSE(shell_->Open(QStringLiteral("http://example.org")).ok());
+}
+
+// The desktop's own opener, on a desktop that has no program for anything.
+TEST_F(ShellTest, TheRealOpenerWithoutAHandlerIsAFailure) {
+    if (!std::filesystem::exists("/usr/bin/xdg-open"))
+        GTEST_SKIP() << "xdg-open (xdg-utils) is not installed";
+    Write("xdg-open", "unset DISPLAY WAYLAND_DISPLAY XDG_CURRENT_DESKTOP DESKTOP_SESSION\n"
+                      "export HOME='" +
+                          Path("home") + "' XDG_DATA_HOME='" + Path("data") + "' XDG_DATA_DIRS='" +
+                          Path("dirs") + "' BROWSER='" + Path("gone") +
+                          "'\nexec /usr/bin/xdg-open \"$@\"");
+    for (const char* target :
+         {"mailto:a@example.org?subject=Attack", "http://www.example.org", "no such file"})
+        EXPECT_FALSE(shell_->Open(QString::fromLatin1(target)).ok()) << target;
+}
+
+// It has become the viewer; what it says when the user closes it does not matter.
+TEST_F(ShellTest, AnOpenerThatStaysIsNoFailureAndIsNotWaitedFor) {
+    Write("xdg-open", "while [ ! -e '" + Path("close") + "' ]; do sleep 0.05; done\nexit 4");
+    EXPECT_TRUE(shell_->Open(QStringLiteral("http://example.org")).ok());
+    std::ofstream(Path("close")) << "x";
+}
+
+TEST_F(ShellTest, AnOpenerThatEndsLeavesNoZombie) {
+    Write("xdg-open", "exit 3");
+    EXPECT_FALSE(shell_->Open(QStringLiteral("a")).ok());
+    EXPECT_TRUE(HasNoChildren());
+}
+
 TEST_F(ShellTest, WithoutADesktopNothingIsOpened) {
     EXPECT_EQ(shell_->Open(QStringLiteral("a")).code(), base::StatusCode::kUnsupported);
 }
@@ -86,11 +147,6 @@ protected:
         Write(program, "for a in \"$@\"; do echo \"$a\"; done > '" + Path("part") + "'\nmv '" +
                            Path("part") + "' '" + Path("out") + "'");
     }
-    void Write(const std::string& name, const std::string& script) {
-        std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\n" << script << "\n";
-        std::filesystem::permissions(Path(name), std::filesystem::perms::owner_all);
-    }
-
     const QString file_ = QStringLiteral("/app/my folder/tavolo.chm");
     const QString page_ = QStringLiteral("settings.html");
 };

@@ -5,10 +5,13 @@
 #include "platform/linux/spawn.h"
 #include "platform/linux/system_error.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 
 #include <array>
+#include <chrono>
+#include <future>
 #include <system_error>
 
 namespace platform {
@@ -37,14 +40,48 @@ QString WithSchemeInLowerCase(QString target) {
     return target;
 }
 
-base::Status Run(const QString& program, const QStringList& arguments) {
+// An opener that finds nobody for its target says so within a moment. One that still runs after
+// this time has become the viewer itself, and its end is the user's business.
+constexpr std::chrono::seconds kOpenersMoment{2};
+constexpr std::chrono::milliseconds kRepaintInterval{20};
+
+std::vector<std::string> Command(const QString& program, const QStringList& arguments) {
     std::vector<std::string> command = {EncodeFileName(program)};
     for (const QString& argument : arguments)
         command.push_back(EncodeFileName(argument));
-    const auto started = Spawn(command);
-    if (started.error_number == 0) return {};
+    return command;
+}
+
+base::Status StartOutcome(int error_number, const QString& program) {
+    if (error_number == 0) return {};
     return FileError(base::StatusCode::kIoError,
-                     std::generic_category().message(started.error_number).c_str(), program);
+                     std::generic_category().message(error_number).c_str(), program);
+}
+
+base::Status Run(const QString& program, const QStringList& arguments) {
+    return StartOutcome(Spawn(Command(program, arguments)).error_number, program);
+}
+
+// Windows repaint meanwhile; keys and clicks wait.
+bool EndsWithinAMoment(const std::future<int>& ended) {
+    const auto give_up = std::chrono::steady_clock::now() + kOpenersMoment;
+    while (ended.wait_for(kRepaintInterval) != std::future_status::ready) {
+        if (std::chrono::steady_clock::now() >= give_up) return false;
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+    return true;
+}
+
+// The exit codes of xdg-open: 2 no such file, 3 a required tool could not be found, 4 the action
+// failed (its manual page).
+base::Status RunOpener(const QString& opener, const QString& target) {
+    WatchedProgram started = SpawnWatched(Command(opener, {target}));
+    RETURN_IF_ERROR(StartOutcome(started.error_number, opener));
+    if (!EndsWithinAMoment(started.ended)) return {};
+    const int exit_code = started.ended.get();
+    if (exit_code == 0) return {};
+    return {base::StatusCode::kNotFound, "Nothing on this desktop opens it (xdg-open ended with " +
+                                             std::to_string(exit_code) + ")."};
 }
 
 class DesktopShell final : public Shell {
@@ -56,7 +93,7 @@ public:
         if (opener.isEmpty())
             return {base::StatusCode::kUnsupported,
                     "xdg-open, which opens files and addresses on this desktop, is not installed."};
-        return Run(opener, {AsArgument(WithSchemeInLowerCase(target))});
+        return RunOpener(opener, AsArgument(WithSchemeInLowerCase(target)));
     }
 
     base::Status OpenHelp(const QString& file, const QString& page) override {

@@ -7,7 +7,9 @@
 #include <fcntl.h>
 #include <string_view>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 namespace {
@@ -85,9 +87,12 @@ ProgramImage MakeImage(const std::vector<std::string>& arguments,
     _exit(0);
 }
 
-void WaitFor(pid_t child) {
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+// The exit code, as a shell has it.
+int WaitFor(pid_t child) {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 // False at the end of the pipe: the program runs, its end was closed by exec.
@@ -128,6 +133,30 @@ SpawnResult Spawn(const std::vector<std::string>& arguments,
     }
     close(ends[0]);
     return result;
+}
+
+WatchedProgram SpawnWatched(const std::vector<std::string>& arguments) {
+    const ProgramImage image = MakeImage(arguments, {});
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) return {errno, {}};
+    const pid_t program = fork();
+    if (program == 0) {
+        setsid();
+        BecomeProgram(image, ends[1]);
+    }
+    const int fork_error = errno;
+    close(ends[1]);
+    Report failure;
+    const bool failed = program > 0 && ReadReport(ends[0], failure);
+    close(ends[0]);
+    if (program < 0) return {fork_error, {}};
+    std::promise<int> exit_code;
+    WatchedProgram watched{failed ? failure.error_number : 0, exit_code.get_future()};
+    // It may outlive us all: then the system takes the program over.
+    std::thread([program, code = std::move(exit_code)]() mutable {
+        code.set_value(WaitFor(program));
+    }).detach();
+    return watched;
 }
 
 }  // namespace platform

@@ -1,9 +1,10 @@
-// Starts a program that goes on by itself: it is nobody's child, needs no wait and leaves no
-// zombie, has no terminal and none of our open files.
+// Starts a program that goes on by itself: it leaves no zombie, has no terminal and none of our
+// open files.
 #pragma once
 
 #include "base/status.h"
 
+#include <future>
 #include <string>
 #include <vector>
 
@@ -19,5 +20,13 @@ struct SpawnResult {
 // Requires: `arguments` is not empty.
 SpawnResult Spawn(const std::vector<std::string>& arguments,
                   const std::vector<std::string>& variables = {});
+
+struct WatchedProgram {
+    int error_number = 0;    // of errno; 0: the program runs
+    std::future<int> ended;  // its exit code, as a shell has it: 128 + n after signal n
+};
+
+// The same for a program whose end tells something. Nobody has to wait for that end.
+WatchedProgram SpawnWatched(const std::vector<std::string>& arguments);
 
 }  // namespace platform
