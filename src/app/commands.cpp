@@ -53,7 +53,8 @@ void Commands::AttachScan() {
         discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec();
     });
     window_.SetCommand(QStringLiteral("mnuVPT"), [this] {
-        browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_);
+        browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_,
+                                    Context().progress);
     });
 }
 

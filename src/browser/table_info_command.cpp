@@ -3,7 +3,6 @@
 #include "catalogue/error_report.h"
 #include "tableinfo/frmReadVPT.h"
 #include "tableinfo/storage_tools.h"
-#include "tableinfo/update_from_table_files.h"
 
 namespace browser {
 namespace {
@@ -45,9 +44,10 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
 }
 
 void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
-                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree) {
-    catalogue::ShowError(prompts,
-                         tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status));
+                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
+                        const tableinfo::RowProgress& progress) {
+    catalogue::ShowError(
+        prompts, tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status, progress));
     refresh_tree();
 }
 

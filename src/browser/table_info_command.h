@@ -6,6 +6,7 @@
 #include "platform/shell.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"
+#include "tableinfo/update_from_table_files.h"
 
 #include <QtCore/QString>
 #include <QtWidgets/QWidget>
@@ -20,8 +21,10 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
                    platform::Shell& shell, QWidget* parent);
 
 // Overwrites the catalogue with the texts of every table file that has some, while `status` says
-// so, and then calls `refresh_tree`. What goes wrong with the database is shown.
+// so and `progress` is told, and then calls `refresh_tree`. What goes wrong with the database is
+// shown.
 void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
-                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree);
+                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
+                        const tableinfo::RowProgress& progress = {});
 
 }  // namespace browser

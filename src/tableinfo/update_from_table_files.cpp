@@ -74,16 +74,43 @@ base::Status UpdateRow(jet::Recordset& rows) {
     return IsValueTrouble(stored) ? StoreWhatFits(rows, fields) : stored;
 }
 
-base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* progress) {
+// Tells how far a run is, and when it is over, however it ends.
+class ProgressMeter {
+public:
+    ProgressMeter(const RowProgress& progress, std::int64_t total)
+        : progress_(progress), total_(total) {}
+    ~ProgressMeter() { Tell(total_); }
+    ProgressMeter(const ProgressMeter&) = delete;
+    ProgressMeter& operator=(const ProgressMeter&) = delete;
+
+    // The last row is told by the end.
+    void RowDone() {
+        if (++done_ < total_) Tell(done_);
+    }
+
+private:
+    void Tell(std::int64_t done) const {
+        if (progress_) progress_(done, total_);
+    }
+
+    const RowProgress& progress_;
+    std::int64_t total_;
+    std::int64_t done_ = 0;
+};
+
+base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* status,
+                        const RowProgress& progress) {
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"Select *  from Tables", connection, jet::CursorType::kDynamic,
                               jet::LockType::kOptimistic));
     if (rows.Bof() && rows.Eof()) return base::Status::Ok();
     RETURN_IF_ERROR(rows.MoveFirst());
-    if (progress) progress->Show(QStringLiteral("Updating from VPTs..."));
+    if (status) status->Show(QStringLiteral("Updating from VPTs..."));
+    ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         RETURN_IF_ERROR(UpdateRow(rows));
         RETURN_IF_ERROR(rows.MoveNext());
+        meter.RowDone();
     }
     return base::Status::Ok();
 }
@@ -91,9 +118,10 @@ base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* pr
 }  // namespace
 
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
-                                  platform::StatusDisplay* status) {
-    base::Status done =
-        UpdateRows(*catalogue.CatalogueConnection, show_progress == 1 ? status : nullptr);
+                                  platform::StatusDisplay* status, const RowProgress& progress) {
+    const bool shows = show_progress == 1;
+    base::Status done = UpdateRows(*catalogue.CatalogueConnection, shows ? status : nullptr,
+                                   shows ? progress : RowProgress());
     if (status) status->Unload();
     return done;
 }

@@ -94,7 +94,11 @@ TEST_F(TableInfoCommandTest, TheImportShowsItsStatusAndRefreshesTheTree) {
     Write(QStringLiteral("Attack"), VptBuilder().Text(u"AuthorName", u"Anna's"));
     AddTable(QStringLiteral("Attack"));
     int refreshes = 0;
-    ImportDataFromVpts(catalogue, status, prompts, [&] { ++refreshes; });
+    std::vector<std::int64_t> steps;
+    ImportDataFromVpts(
+        catalogue, status, prompts, [&] { ++refreshes; },
+        [&](std::int64_t done, std::int64_t) { steps.push_back(done); });
+    EXPECT_FALSE(steps.empty());
     EXPECT_EQ(status.shown, std::vector<QString>{QStringLiteral("Updating from VPTs...")});
     EXPECT_EQ(refreshes, 1);
     EXPECT_EQ(Stored(QStringLiteral("Author"), QStringLiteral("Attack")),

@@ -97,11 +97,27 @@ TEST_F(UpdateFromTableFilesTest, OtherStreamsAreNotStored) {
                      .Text(u"ReleaseDate", u"2003")
                      .Text(u"AuthorWebSite", u"www.example.org")
                      .Text(u"TableDescription", u"Long")
-                     .Text(u"Designer", u"Bob")));
+                     .Text(u"Designer", u"Bob")
+                     .Text(u"TableSaveRev", u"7")
+                     .Text(u"TableSaveDate", u"Monday")
+                     .Text(u"Author", u"not a stream of that meaning")
+                     .Text(u"Notes", u"neither")
+                     .Screenshot(test_support::FillerBytes(5000))));
+    const QStringList columns =
+        QStringLiteral("ID DisplayName FileName Author Company [Year] Version ImageFile FlyerFile "
+                       "Notes PinMame "
+                       "Favorite RulesFile FileDate RulesText TimesPlayed LastPlayed DateAdded CRC")
+            .split(u' ');
+    const auto row = [&] {
+        QStringList fields;
+        for (const QString& column : columns)
+            fields << Field(column);
+        return fields;
+    };
+    const QStringList before = row();
+    ASSERT_TRUE(before.contains(QStringLiteral("Old Notes")));
     Update();
-    EXPECT_EQ(Field(QStringLiteral("Author")), QStringLiteral("Old Author"));
-    EXPECT_EQ(Field(QStringLiteral("Notes")), QStringLiteral("Old Notes"));
-    EXPECT_EQ(Field(QStringLiteral("ImageFile")), QString());
+    EXPECT_EQ(row().join(u'|'), before.join(u'|'));
 }
 
 TEST_F(UpdateFromTableFilesTest, RowsWithoutInformationAreUntouched) {
@@ -214,6 +230,23 @@ TEST_F(UpdateFromTableFilesTest, AClosedCatalogueIsAFailureAndTheStatusWindowIsU
     test_support::FakeStatusDisplay status;
     EXPECT_FALSE(UpdateFromTableFiles(catalogue, 1, &status).ok());
     EXPECT_EQ(status.unloads, 1);
+}
+
+TEST_F(UpdateFromTableFilesTest, EveryRowIsToldToTheProgressAndTheEndOnce) {
+    const QString table = Build(VptBuilder().Text(u"TableName", u"Attack"));
+    for (int i = 0; i < 3; ++i)
+        AddRow(i == 1 ? folder.filePath(QStringLiteral("gone.vpt")) : table);
+    std::vector<std::pair<std::int64_t, std::int64_t>> told;
+    const auto progress = [&](std::int64_t done, std::int64_t total) {
+        told.emplace_back(done, total);
+    };
+    test_support::FakeStatusDisplay status;
+    ASSERT_TRUE(UpdateFromTableFiles(catalogue, 1, &status, progress).ok());
+    EXPECT_EQ(told, (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 3}, {2, 3}, {3, 3}}));
+
+    told.clear();
+    ASSERT_TRUE(UpdateFromTableFiles(catalogue, 0, &status, progress).ok());
+    EXPECT_TRUE(told.empty());
 }
 
 }  // namespace
