@@ -23,6 +23,7 @@ QString StoredExecutable(const catalogue::Catalogue& catalogue) {
 
 QString ChooseExecutable(platform::UserPrompts& prompts, const QString& current) {
     platform::FileDialog dialog;
+    dialog.name = QStringLiteral("ComDialog");
     dialog.title = QStringLiteral("Select Visual Pinball Executable");
     dialog.filter = QStringLiteral("Executables (*.Exe)|*.Exe");
     dialog.file_name = current;

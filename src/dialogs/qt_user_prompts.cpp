@@ -95,7 +95,7 @@ QString Chosen(QFileDialog& window) {
 }
 
 void Prepare(QFileDialog& window, const platform::FileDialog& dialog) {
-    window.setObjectName(QStringLiteral("FileDialog"));
+    window.setObjectName(dialog.name.isEmpty() ? QStringLiteral("FileDialog") : dialog.name);
     window.setOption(QFileDialog::DontUseNativeDialog);
     if (!dialog.title.isEmpty()) window.setWindowTitle(dialog.title);
     const QStringList filters = QtNameFilters(dialog.filter);

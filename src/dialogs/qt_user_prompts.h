@@ -1,6 +1,6 @@
 // QtUserPrompts: the program's questions as real boxes, the same on every desktop.
 // Object names: "MessageBox" with the buttons "cmdOK", "cmdCancel", "cmdYes" and "cmdNo";
-// "FileDialog"; "FolderDialog".
+// "FileDialog", unless the request gives the dialog a name; "FolderDialog".
 #pragma once
 
 #include "platform/user_prompts.h"

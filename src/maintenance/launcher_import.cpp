@@ -90,6 +90,7 @@ void LauncherImport::Run(const QString& date_condition) {
 // Cancelling the dialog leaves the preset file chosen. Empty: the file is not there.
 QString LauncherImport::LocateDataFile() {
     platform::FileDialog dialog;
+    dialog.name = QStringLiteral("CommonDialog1");
     dialog.title = QStringLiteral("Locate DAT File");
     dialog.filter = QStringLiteral("VPlauncher.DAT|VPlauncher.dat");
     dialog.file_name =

@@ -49,7 +49,7 @@ bool CaptureSession::WriteTemporaryBmp(const QImage& image, const QString& path)
 bool CaptureSession::Convert(const QString& bmp, const QString& jpeg) {
     cDIBSection pasted;
     if (!pasted.Load(bmp, prompts_)) return false;
-    const auto saved = SaveJPG(pasted, jpeg, prompts_);
+    const auto saved = Helpers::SaveJPG(pasted, jpeg, prompts_);
     if (!saved.ok()) ReportStatus(saved.status());
     return saved.value_or(false);
 }
@@ -64,7 +64,7 @@ bool CaptureSession::Show(const QString& path) {
     if (!IsJpegName(path)) {
         if (!shown.Load(path, prompts_)) return false;
     } else {
-        const auto loaded = LoadJPG(shown, path, scale_, prompts_);
+        const auto loaded = Helpers::LoadJPG(shown, path, scale_, prompts_);
         if (!loaded.ok()) ReportStatus(loaded.status());
         if (!loaded.value_or(false)) return false;
     }
@@ -78,9 +78,10 @@ QString CaptureSession::Save() {
          .filter = QStringLiteral("JPEG Files (*.jpg;*.jpe;*.jpeg)|*.jpg;*.jpe;*.jpeg|"),
          .file_name = {},
          .folder = values_.LastPictureDir,
-         .default_extension = QStringLiteral(".jpg")});
+         .default_extension = QStringLiteral(".jpg"),
+         .name = QStringLiteral("FileDlg")});
     if (path.isEmpty()) return {};
-    const auto saved = SaveJPG(picture_, path, prompts_);
+    const auto saved = Helpers::SaveJPG(picture_, path, prompts_);
     if (!saved.ok()) ReportStatus(saved.status());
     return saved.value_or(false) ? path : QString();
 }

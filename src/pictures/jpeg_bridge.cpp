@@ -5,7 +5,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QSaveFile>
 
-namespace pictures {
+namespace pictures::Helpers {
 namespace {
 
 // Larger than any JPEG of kMostPixels pixels.
@@ -90,4 +90,4 @@ QString PtrToString(const char* text) {
     return QString::fromLatin1(text);
 }
 
-}  // namespace pictures
+}  // namespace pictures::Helpers

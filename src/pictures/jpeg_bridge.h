@@ -1,5 +1,5 @@
-// The JPEG side of the pictures as the capture window uses it: files and memory into a cDIBSection
-// and back, with the messages that a user sees.
+// Helpers: the JPEG side of the pictures as the capture window uses it: files and memory into a
+// cDIBSection and back, with the messages that a user sees.
 #pragma once
 
 #include "base/status.h"
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <span>
 
-namespace pictures {
+namespace pictures::Helpers {
 
 // Every JPEG that the program writes has this quality.
 inline constexpr int kJpegQuality = 75;
@@ -37,4 +37,4 @@ void ReportIJLError(const QString& context, int status, const QString& text,
 // A zero-terminated text of single bytes; empty for a null address.
 QString PtrToString(const char* text);
 
-}  // namespace pictures
+}  // namespace pictures::Helpers

@@ -24,6 +24,7 @@ struct FileDialog {
     QString file_name;  // preset name or full path
     QString folder;     // where it opens when file_name has no folder
     QString default_extension;
+    QString name;  // of the dialog; empty: "FileDialog"
     bool operator==(const FileDialog&) const = default;
 };
 

@@ -70,6 +70,7 @@ TEST_F(ExecutableSettingTest, TheDialogOffersTheCurrentPath) {
     EXPECT_EQ(ChooseExecutable(prompts, QStringLiteral("/old/VPinball.exe")),
               QStringLiteral("/vp/VPinball.exe"));
     ASSERT_EQ(prompts.dialogs.size(), 1U);
+    EXPECT_EQ(prompts.dialogs[0].name, QStringLiteral("ComDialog"));
     EXPECT_EQ(prompts.dialogs[0].title, QStringLiteral("Select Visual Pinball Executable"));
     EXPECT_EQ(prompts.dialogs[0].filter, QStringLiteral("Executables (*.Exe)|*.Exe"));
     EXPECT_EQ(prompts.dialogs[0].file_name, QStringLiteral("/old/VPinball.exe"));

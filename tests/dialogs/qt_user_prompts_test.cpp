@@ -57,6 +57,20 @@ TEST(MessageBoxTest, EachButtonGivesItsAnswer) {
     EXPECT_EQ(AnswerOfButton(MessageButtons::kOk, "cmdOK"), MessageAnswer::kOk);
 }
 
+// The first button is the one that Return presses.
+TEST(MessageBoxTest, ReturnMeansYesOrOk) {
+    const auto answer_of_return = [](MessageButtons buttons, int key) {
+        return AnswerWhen(
+            {QStringLiteral("Sure?"), {}, MessageIcon::kNone, buttons},
+            [key](QWidget& box) { QTest::keyClick(&box, static_cast<Qt::Key>(key)); });
+    };
+    for (const int key : {int{Qt::Key_Return}, int{Qt::Key_Enter}}) {
+        EXPECT_EQ(answer_of_return(MessageButtons::kYesNo, key), MessageAnswer::kYes);
+        EXPECT_EQ(answer_of_return(MessageButtons::kOkCancel, key), MessageAnswer::kOk);
+        EXPECT_EQ(answer_of_return(MessageButtons::kOk, key), MessageAnswer::kOk);
+    }
+}
+
 TEST(MessageBoxTest, EscapeMeansNoOrCancel) {
     EXPECT_EQ(AnswerOfEscape(MessageButtons::kYesNo), MessageAnswer::kNo);
     EXPECT_EQ(AnswerOfEscape(MessageButtons::kOkCancel), MessageAnswer::kCancel);
@@ -155,6 +169,24 @@ TEST_F(FileDialogTest, ATypedNameIsChosen) {
     const QString chosen =
         OpenWhile([](QFileDialog& dialog) { Type(dialog, QStringLiteral("quiet.bmp")); });
     EXPECT_EQ(chosen, folder.filePath(QStringLiteral("quiet.bmp")));
+}
+
+TEST_F(FileDialogTest, ANamedDialogHasItsName) {
+    request.name = QStringLiteral("ComDialog");
+    BoxDriver driver(QStringLiteral("ComDialog"),
+                     [](QWidget& widget) { dynamic_cast<QFileDialog&>(widget).reject(); });
+    EXPECT_EQ(prompts.ChooseFileToOpen(request), QString());
+    EXPECT_TRUE(driver.seen());
+}
+
+TEST_F(FileDialogTest, ANameWithAQuoteIsChosen) {
+    Make(QStringLiteral("a \"quoted\" name.bmp"));
+    request.file_name = folder.filePath(QStringLiteral("a \"quoted\" name.bmp"));
+    const QString chosen = OpenWhile([](QFileDialog& dialog) {
+        QTest::keyClick(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")),
+                        Qt::Key_Return);
+    });
+    EXPECT_EQ(chosen, request.file_name);
 }
 
 TEST_F(FileDialogTest, TheFilterMatchesWithoutRegardToLetterCase) {
