@@ -7,6 +7,7 @@
 #include "browser/table_record.h"
 #include "catalogue/error_report.h"
 #include "platform/files.h"
+#include "tableinfo/picture_sequence.h"
 #include "tableinfo/storage_tools.h"
 
 namespace browser {
@@ -23,7 +24,7 @@ constexpr std::size_t At(int index) {
 // "Either BOF or EOF is True, or the current record has been deleted": no row matches.
 constexpr std::int32_t kNoCurrentRecord = 3021;
 
-// What a run of ShowTableDetails is doing; kept for whoever looks with a debugger.
+// The steps of loading the pictures.
 constexpr QStringView kLoadingScreenShot = u"Loading Screen Shot";
 constexpr QStringView kLoadingFlyer = u"Loading Flyer Pic";
 constexpr QStringView kLoadingRules = u"Loading Rules PIc";
@@ -46,7 +47,6 @@ public:
           controls_(BuildDetailControls(&panel)) {
         ConnectFields();
         ConnectButtons();
-        ConnectPictures();
     }
 
     void ShowTableDetails(const QString& file_name);
@@ -65,15 +65,14 @@ private:
 
     void ConnectFields();
     void ConnectButtons();
-    void ConnectPictures();
 
     bool FillFields(const QString& file_name);
     bool SayFailure(const base::Status& failure);
     void ShowRecord(const TableRecord& record);
     void ShowPictures();
-    bool ShowPicture(PictureBox* box, int field, QStringView step);
-    void ShowEmbeddedScreenshot();
-    void ShowPlaceholders(std::initializer_list<PictureBox*> boxes);
+    PictureSource FileIn(DetailField field) const;
+    tableinfo::PictureStep ScreenshotStep() const;
+    QSize RoomOfHiddenPictures() const;
 
     void MarkEdited();
     TableRecord EditedRecord() const;
@@ -89,8 +88,7 @@ private:
     DetailHost& host_;
     DetailControls controls_;
     bool LoadingDetails = false;
-    bool shot_is_embedded_ = false;
-    QStringView current_step_;
+    tableinfo::PictureSequence pictures_;
 };
 
 void DetailPanel::Impl::ConnectFields() {
@@ -118,19 +116,6 @@ void DetailPanel::Impl::ConnectButtons() {
              [this] { ChoosePicture(kFlyerFile, QStringLiteral("Select Flyer File")); });
     on_click(controls_.Command4,
              [this] { ChoosePicture(kRulesFile, QStringLiteral("Select Rules File")); });
-}
-
-// A picture that turns out to be damaged when it is first painted ends the loading there, as one
-// that is seen to be damaged at once does: the pictures after it keep the placeholder.
-void DetailPanel::Impl::ConnectPictures() {
-    QObject::connect(controls_.imgShot, &PictureBox::Undecodable, controls_.imgShot, [this] {
-        // An embedded screenshot is a second choice: its damage ends nothing. And another table may
-        // be shown by the time the queued signal arrives.
-        if (shot_is_embedded_ || !controls_.imgShot->shows_placeholder()) return;
-        ShowPlaceholders({controls_.imgFlyer, controls_.imgRules});
-    });
-    QObject::connect(controls_.imgFlyer, &PictureBox::Undecodable, controls_.imgFlyer,
-                     [this] { ShowPlaceholders({controls_.imgRules}); });
 }
 
 void DetailPanel::Impl::ShowTableDetails(const QString& file_name) {
@@ -179,35 +164,33 @@ void DetailPanel::Impl::ShowRecord(const TableRecord& record) {
         host_.SetStatusText(4, QStringLiteral("Last Played: ") + *record.last_played);
 }
 
-// A picture that cannot be decoded ends the work.
-void DetailPanel::Impl::ShowPictures() {
-    shot_is_embedded_ = false;
-    if (!ShowPicture(controls_.imgShot, kImageFile, kLoadingScreenShot)) return;
-    if (!ShowPicture(controls_.imgFlyer, kFlyerFile, kLoadingFlyer)) return;
-    if (!ShowPicture(controls_.imgRules, kRulesFile, kLoadingRules)) return;
-    controls_.DetTab->setEnabled(true);
+// The file that a field names; empty: it names none that can be used.
+PictureSource DetailPanel::Impl::FileIn(DetailField field) const {
+    const QString path = controls_.txtDet[field].Text();
+    return IsUsablePictureFile(path) ? PictureSource::File(path) : PictureSource();
 }
 
-// False: there is a file, and it is no picture.
-bool DetailPanel::Impl::ShowPicture(PictureBox* box, int field, QStringView step) {
-    current_step_ = step;
-    const QString path = controls_.txtDet[At(field)].Text();
-    if (IsUsablePictureFile(path)) return box->SetPicture(PictureSource::File(path)).ok();
-    box->ShowPlaceholder();
-    if (box == controls_.imgShot) ShowEmbeddedScreenshot();
-    return true;
-}
-
-void DetailPanel::Impl::ShowEmbeddedScreenshot() {
+// The screenshot inside the table file is a second choice: its damage ends nothing.
+tableinfo::PictureStep DetailPanel::Impl::ScreenshotStep() const {
+    if (auto file = FileIn(kImageFile); !file.is_empty())
+        return {controls_.imgShot, std::move(file), kLoadingScreenShot};
     const auto bytes = tableinfo::LoadTableScreenshot(controls_.txtDet[kFileName].Text());
-    if (!bytes) return;
-    shot_is_embedded_ = true;
-    controls_.imgShot->SetPicture(PictureSource::Bytes(*bytes)).Ignore();
+    return {controls_.imgShot, PictureSource::Bytes(bytes.value_or(QByteArray())),
+            kLoadingScreenShot, false};
 }
 
-void DetailPanel::Impl::ShowPlaceholders(std::initializer_list<PictureBox*> boxes) {
-    for (PictureBox* box : boxes)
-        box->ShowPlaceholder();
+// All tabs are of the size of the one in front.
+QSize DetailPanel::Impl::RoomOfHiddenPictures() const {
+    const QWidget* page = controls_.DetTab->currentWidget();
+    return (QSizeF(page->size()) * page->devicePixelRatioF()).toSize();
+}
+
+void DetailPanel::Impl::ShowPictures() {
+    pictures_.Start({ScreenshotStep(),
+                     {controls_.imgFlyer, FileIn(kFlyerFile), kLoadingFlyer},
+                     {controls_.imgRules, FileIn(kRulesFile), kLoadingRules}},
+                    RoomOfHiddenPictures());
+    controls_.DetTab->setEnabled(true);
 }
 
 void DetailPanel::Impl::ClearTableDetails() {
@@ -216,7 +199,9 @@ void DetailPanel::Impl::ClearTableDetails() {
         box.SetText({});
     controls_.chkPinMame->setChecked(false);
     controls_.chkFavorite->setChecked(false);
-    ShowPlaceholders({controls_.imgShot, controls_.imgFlyer, controls_.imgRules});
+    pictures_.Stop();
+    for (PictureBox* box : {controls_.imgShot, controls_.imgFlyer, controls_.imgRules})
+        box->ShowPlaceholder();
     for (const int panel : {2, 3, 4})
         host_.SetStatusText(panel, {});
     host_.SetComments({});
@@ -303,6 +288,7 @@ void DetailPanel::Impl::Delete() {
 
 void DetailPanel::Impl::ChoosePicture(DetailField field, const QString& title) {
     platform::FileDialog dialog;
+    dialog.name = QStringLiteral("ComDialog");
     dialog.title = title;
     dialog.filter = QStringLiteral("Pictures (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif");
     dialog.file_name = controls_.txtDet[field].Text();
@@ -315,6 +301,7 @@ void DetailPanel::Impl::ChoosePicture(DetailField field, const QString& title) {
 
 void DetailPanel::Impl::ReadRules() {
     platform::FileDialog dialog;
+    dialog.name = QStringLiteral("ComDialog");
     dialog.title = QStringLiteral("Select Rules File");
     dialog.filter = QStringLiteral("Text (*.txt)|*.txt");
     const QString chosen = prompts_.ChooseFileToOpen(dialog);

@@ -34,7 +34,7 @@ PictureBox::PictureBox(QWidget* parent, Role role) : QWidget(parent), role_(role
     decode_again_.setSingleShot(true);
     decode_again_.setInterval(kResizePauseMs);
     connect(&decode_again_, &QTimer::timeout, this, [this] {
-        decoded_ = {};
+        is_outgrown_ = true;
         update();
     });
 }
@@ -50,14 +50,28 @@ base::Status PictureBox::SetPicture(const PictureSource& source) {
     return {};
 }
 
+void PictureBox::ShowDecoded(const PictureSource& source, const DecodedPicture& picture) {
+    SetSource(source);
+    own_size_ = picture.own_size;
+    decoded_ = picture.image;
+    is_outgrown_ = DecodedIsTooSmall();
+}
+
 void PictureBox::ShowPlaceholder() {
     SetSource({});
 }
 
+void PictureBox::Wait() {
+    SetSource({});
+    waits_ = true;
+}
+
 void PictureBox::SetSource(const PictureSource& source) {
     source_ = source;
+    waits_ = false;
     own_size_ = {};
     decoded_ = {};
+    is_outgrown_ = false;
     decode_again_.stop();
     const bool opens = role_ == Role::kPreview && !source_.is_empty();
     setCursor(opens ? Qt::PointingHandCursor : Qt::ArrowCursor);
@@ -65,7 +79,7 @@ void PictureBox::SetSource(const PictureSource& source) {
 }
 
 QImage PictureBox::ShownImage() {
-    if (decoded_.isNull() && !shows_placeholder()) Decode();
+    if (!source_.is_empty() && (decoded_.isNull() || is_outgrown_)) Decode();
     return decoded_;
 }
 
@@ -77,24 +91,23 @@ QSize PictureBox::minimumSizeHint() const {
     return {32, 24};
 }
 
-QSize PictureBox::BoxInPixels() const {
+QSize PictureBox::SizeInPixels() const {
     return (QSizeF(size()) * devicePixelRatioF()).toSize().expandedTo({1, 1});
 }
 
+// A picture that was good once stays, although its file may have gone since.
 void PictureBox::Decode() {
-    auto decoded = DecodePicture(source_, BoxInPixels());
-    if (decoded.ok()) {
+    is_outgrown_ = false;
+    auto decoded = DecodePicture(source_, SizeInPixels());
+    if (decoded.ok())
         decoded_ = std::move(*decoded);
-        return;
-    }
-    ShowPlaceholder();
-    // Not from inside a paint: a receiver may change other boxes.
-    QMetaObject::invokeMethod(this, &PictureBox::Undecodable, Qt::QueuedConnection);
+    else if (decoded_.isNull())
+        ShowPlaceholder();
 }
 
 bool PictureBox::DecodedIsTooSmall() const {
     if (decoded_.isNull() || own_size_.isEmpty() || decoded_.size() == own_size_) return false;
-    const QSize wanted = own_size_.scaled(BoxInPixels(), Qt::KeepAspectRatio).boundedTo(own_size_);
+    const QSize wanted = own_size_.scaled(SizeInPixels(), Qt::KeepAspectRatio).boundedTo(own_size_);
     return decoded_.width() < wanted.width() || decoded_.height() < wanted.height();
 }
 
@@ -106,6 +119,7 @@ void PictureBox::resizeEvent(QResizeEvent* event) {
 void PictureBox::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (waits_) return;
     const QImage image = ShownImage();
     if (image.isNull()) return DrawPlaceholder(painter, rect());
     const QSizeF natural =
@@ -120,7 +134,7 @@ void PictureBox::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void PictureBox::ShowLarge() {
-    if (!shows_placeholder()) ShowPictureLarge(source_, own_size_, window());
+    if (!source_.is_empty()) ShowPictureLarge(source_, own_size_, window());
 }
 
 }  // namespace tableinfo

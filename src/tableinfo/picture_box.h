@@ -1,7 +1,7 @@
 // PictureBox: shows one picture with its proportions kept, centred, never enlarged; a placeholder
-// when there is none. The picture is decoded when the box is first painted and at the size it has
-// then, so a box on a hidden tab costs only the look at a header. A click shows the picture large
-// in a window of its own.
+// when there is none, and nothing while it waits for one. A picture comes to it decoded, or is
+// decoded when the box is first painted and at the size it has then; when the box has grown it is
+// decoded again. A click shows the picture large in a window of its own.
 #pragma once
 
 #include "base/status.h"
@@ -25,20 +25,24 @@ public:
 
     // Looks at the picture's header and shows it. On failure the box shows the placeholder.
     base::Status SetPicture(const PictureSource& source);
+    // A picture that has been decoded already, in the size of this box or about it.
+    void ShowDecoded(const PictureSource& source, const DecodedPicture& picture);
     void ShowPlaceholder();
-    bool shows_placeholder() const { return source_.is_empty(); }
+    bool shows_placeholder() const { return source_.is_empty() && !waits_; }
+    // The box is empty until one of the calls above.
+    void Wait();
+    bool waits() const { return waits_; }
     const PictureSource& source() const { return source_; }
 
     // What the box shows, at its present size; null when it shows the placeholder.
     QImage ShownImage();
+    QSize SizeInPixels() const;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     void Clicked();
-    // The header promised a picture that the data does not hold; the box shows the placeholder now.
-    void Undecodable();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -46,7 +50,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    QSize BoxInPixels() const;
     bool DecodedIsTooSmall() const;
     void Decode();
     void ShowLarge();
@@ -54,9 +57,11 @@ private:
 
     Role role_;
     PictureSource source_;
-    QSize own_size_;       // of the picture; empty: not known before decoding
-    QImage decoded_;       // null until the first paint
-    QTimer decode_again_;  // waits until the resizing has paused
+    bool waits_ = false;
+    QSize own_size_;            // of the picture; empty: not known before decoding
+    QImage decoded_;            // null until the first paint
+    bool is_outgrown_ = false;  // decoded_ is too small by now
+    QTimer decode_again_;       // waits until the resizing has paused
 };
 
 }  // namespace tableinfo

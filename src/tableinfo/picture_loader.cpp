@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <span>
+#include <utility>
 
 namespace tableinfo {
 namespace {
@@ -68,9 +69,15 @@ bool IsRotated(const QImageReader& reader) {
     return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
 }
 
+bool LimitMemory() {
+    QImageReader::setAllocationLimit(kPictureMemoryMegabytes);
+    return true;
+}
+
 // Set up for `device`; refuses what is no picture.
 base::Status Prepare(QImageReader& reader, const PictureSource& source) {
-    QImageReader::setAllocationLimit(kPictureMemoryMegabytes);
+    static const bool is_limited = LimitMemory();
+    Q_UNUSED(is_limited);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     // Before the reader takes bytes from the device.
@@ -119,6 +126,12 @@ base::Result<QImage> DecodePicture(const PictureSource& source, QSize box) {
     if (image.width() > box.width() || image.height() > box.height())
         image = image.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     return image;
+}
+
+base::Result<DecodedPicture> DecodePictureWithSize(const PictureSource& source, QSize box) {
+    ASSIGN_OR_RETURN(const QSize own_size, PictureSize(source));
+    ASSIGN_OR_RETURN(QImage image, DecodePicture(source, box));
+    return DecodedPicture{std::move(image), own_size};
 }
 
 }  // namespace tableinfo

@@ -39,4 +39,12 @@ base::Result<QSize> PictureSize(const PictureSource& source);
 // is. Requires: box is not empty.
 base::Result<QImage> DecodePicture(const PictureSource& source, QSize box);
 
+struct DecodedPicture {
+    QImage image;
+    QSize own_size;  // of the picture, before it was fitted into the box; empty: not known
+};
+
+// Both at once; from any thread.
+base::Result<DecodedPicture> DecodePictureWithSize(const PictureSource& source, QSize box);
+
 }  // namespace tableinfo

@@ -3,8 +3,10 @@
 #include "support/event_counter.h"
 #include "support/vpt_builder.h"
 #include "tableinfo/picture_box.h"
+#include "tableinfo/picture_loader.h"
 
 #include <QtCore/QBuffer>
+#include <QtCore/QDir>
 #include <QtWidgets/QApplication>
 
 namespace browser {
@@ -16,6 +18,26 @@ using test_support::VptBuilder;
 class DetailPicturesTest : public DetailPanelFixture {
 protected:
     PictureBox* Box(const char* name) { return Find<PictureBox>(QLatin1String(name)); }
+    bool AllAreDecided() {
+        return !Box("imgShot")->waits() && !Box("imgFlyer")->waits() && !Box("imgRules")->waits();
+    }
+    // Also waits until it is known of every picture whether it can be shown.
+    QString ShowTable(const QString& name, const QString& assignments = {}) {
+        QString file = DetailPanelFixture::ShowTable(name, assignments);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return AllAreDecided(); }, 20'000));
+        return file;
+    }
+    // A picture with a sound header and half a body.
+    QString WriteCutPicture(const QString& name, int width, int height) {
+        QImage image(width, height, QImage::Format_RGB32);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                image.setPixel(x, y, qRgb(x * y % 256, x % 256, y % 256));
+        const QString path = folder.filePath(name);
+        EXPECT_TRUE(image.save(path, "png"));
+        EXPECT_TRUE(QFile::resize(path, QFile(path).size() / 2));
+        return path;
+    }
     bool ShowsFile(const char* box, const QString& path) {
         return Box(box)->source() == tableinfo::PictureSource::File(path);
     }
@@ -91,11 +113,14 @@ TEST_F(DetailPicturesTest, WithoutAFileTheScreenshotInsideTheTableIsShown) {
 }
 
 TEST_F(DetailPicturesTest, AFileWithoutADotIsPassedOverForTheScreenshotInside) {
-    // The folder of the test has no dot in its name.
-    ASSERT_FALSE(folder.path().contains(QLatin1Char('.')));
+    // Named from the folder of the test, whose own path may have a dot in it.
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
     WriteTable(QStringLiteral("Attack"), Jpeg());
-    const QString shot = WritePicture(QStringLiteral("shot"));
+    WritePicture(QStringLiteral("shot"));
+    const QString shot = QStringLiteral("shot");
     ShowTable(QStringLiteral("Attack"), Pictures(shot, shot, shot));
+    ASSERT_TRUE(QDir::setCurrent(before));
     EXPECT_EQ(Box("imgShot")->ShownImage().size(), QSize(20, 10));
     EXPECT_TRUE(Box("imgFlyer")->shows_placeholder());
 }
@@ -134,28 +159,67 @@ TEST_F(DetailPicturesTest, AnUndecodableScreenshotFileIsNotReplacedByTheOneInsid
     EXPECT_TRUE(Box("imgShot")->shows_placeholder());
 }
 
-TEST_F(DetailPicturesTest, APictureFoundDamagedWhenItIsPaintedEndsTheLoadingThere) {
-    QFile good(WritePicture(QStringLiteral("good.png")));
-    QImage image(50, 50, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    const QString cut = folder.filePath(QStringLiteral("cut.png"));
-    ASSERT_TRUE(image.save(cut, "png"));
-    ASSERT_TRUE(QFile::resize(cut, 50));
-    ShowTable(QStringLiteral("Attack"), Pictures(good.fileName(), cut, good.fileName()));
-    EXPECT_FALSE(Box("imgRules")->shows_placeholder());
-    panel->SetCurrentTab(2);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return Box("imgRules")->shows_placeholder(); }));
+TEST_F(DetailPicturesTest, ADamagedBodyEndsTheLoadingAtTheSelectionThoughNothingIsPainted) {
+    const QString good = WritePicture(QStringLiteral("good.jpg"));
+    const QString cut = WriteCutPicture(QStringLiteral("cut.png"), 300, 200);
+    ASSERT_TRUE(tableinfo::PictureSize(tableinfo::PictureSource::File(cut)).ok());
+    panel->hide();
+    ShowTable(QStringLiteral("Attack"), Pictures(good, cut, good));
+    EXPECT_TRUE(ShowsFile("imgShot", good));
     EXPECT_TRUE(Box("imgFlyer")->shows_placeholder());
-    EXPECT_TRUE(ShowsFile("imgShot", good.fileName()));
+    EXPECT_TRUE(Box("imgRules")->shows_placeholder());
+    EXPECT_TRUE(prompts.messages.empty());
 }
 
-TEST_F(DetailPicturesTest, AHiddenPictureIsNotDecoded) {
+TEST_F(DetailPicturesTest, ADamagedScreenshotFileLeavesAllThreePlaceholders) {
+    const QString good = WritePicture(QStringLiteral("good.jpg"));
+    const QString cut = WriteCutPicture(QStringLiteral("cut.png"), 300, 200);
+    ShowTable(QStringLiteral("Attack"), Pictures(cut, good, good));
+    for (const char* box : {"imgShot", "imgFlyer", "imgRules"})
+        EXPECT_TRUE(Box(box)->shows_placeholder()) << box;
+}
+
+TEST_F(DetailPicturesTest, ADamagedBodyOfTheScreenshotInsideEndsNothing) {
+    QFile cut(WriteCutPicture(QStringLiteral("cut.png"), 300, 200));
+    ASSERT_TRUE(cut.open(QFile::ReadOnly));
+    WriteTable(QStringLiteral("Attack"), cut.readAll());
+    const QString good = WritePicture(QStringLiteral("good.jpg"));
+    panel->hide();
+    ShowTable(QStringLiteral("Attack"), Pictures(QString(), good, good));
+    EXPECT_TRUE(Box("imgShot")->shows_placeholder());
+    EXPECT_TRUE(ShowsFile("imgFlyer", good));
+    EXPECT_TRUE(ShowsFile("imgRules", good));
+}
+
+TEST_F(DetailPicturesTest, AnswersAboutThePreviousTableTouchNothingOfTheNext) {
+    const QString good = WritePicture(QStringLiteral("good.jpg"));
+    const QString cut = WriteCutPicture(QStringLiteral("cut.png"), 3000, 2000);
+    for (const QString& pictures : {Pictures(cut, good, good), Pictures(good, cut, good)}) {
+        Execute(QStringLiteral("delete from tables"));
+        DetailPanelFixture::ShowTable(QStringLiteral("Attack"), pictures);
+        for (const char* box : {"imgShot", "imgFlyer", "imgRules"})
+            Box(box)->ShownImage();
+        ShowTable(QStringLiteral("Bone"), Pictures(good, good, good));
+        QCoreApplication::processEvents();
+        for (const char* box : {"imgShot", "imgFlyer", "imgRules"})
+            EXPECT_TRUE(ShowsFile(box, good)) << box;
+    }
+}
+
+TEST_F(DetailPicturesTest, APanelThatGoesAwayWhileItLoadsIsNoTrouble) {
+    const QString large = WritePicture(QStringLiteral("shot.jpg"), 4000, 3000);
+    DetailPanelFixture::ShowTable(QStringLiteral("Attack"), Pictures(large, large, large));
+    panel.reset();
+    QCoreApplication::processEvents();
+}
+
+TEST_F(DetailPicturesTest, ALargePictureHoldsNobodyUp) {
     const QString shot = WritePicture(QStringLiteral("shot.jpg"), 7300, 5500);
-    ShowTable(QStringLiteral("Attack"), Pictures(shot, QString(), QString()));
-    ASSERT_TRUE(ShowsFile("imgShot", shot));
-    // Shown later, it is decoded from what is there by then.
-    WritePicture(QStringLiteral("shot.jpg"), 30, 20);
-    EXPECT_EQ(Box("imgShot")->ShownImage().size(), QSize(30, 20));
+    DetailPanelFixture::ShowTable(QStringLiteral("Attack"), Pictures(shot, shot, QString()));
+    EXPECT_TRUE(Box("imgShot")->waits());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return AllAreDecided(); }, 60'000));
+    EXPECT_TRUE(ShowsFile("imgFlyer", shot));
+    EXPECT_LE(Box("imgFlyer")->ShownImage().width(), 1000);
 }
 
 }  // namespace

@@ -56,6 +56,66 @@ TEST(PictureLoaderTest, AGifIsDecoded) {
     EXPECT_EQ(picture->size(), QSize(1, 1));
 }
 
+// A JPEG of 64 x 32 pixels whose quarters are red, blue (above), green and white (below), and an
+// Exif block that says how the camera was held (Exif 2.3, tag 0112 Orientation).
+QByteArray TurnedJpeg(int orientation) {
+    QImage image(64, 32, QImage::Format_RGB32);
+    for (int y = 0; y < 32; ++y)
+        for (int x = 0; x < 64; ++x)
+            image.setPixelColor(
+                x, y, y < 16 ? (x < 32 ? Qt::red : Qt::blue) : (x < 32 ? Qt::green : Qt::white));
+    QByteArray exif =
+        QByteArray::fromHex("ffe1002245786966000049492a000800000001001201030001000000");
+    exif += static_cast<char>(orientation);
+    exif += QByteArray(7, '\0');  // the value's padding, no next block
+    return Encoded(image, "jpg").insert(2, exif);
+}
+
+struct Turn {
+    int orientation;
+    bool is_upright;                                 // wider than high
+    const char *left_top, *right_top, *left_bottom;  // colours as they are to be seen
+};
+
+class TurnedPictureTest : public testing::TestWithParam<Turn> {
+protected:
+    static std::string ColourAt(const QImage& image, double x, double y) {
+        const QColor colour = image.pixelColor(static_cast<int>(image.width() * x),
+                                               static_cast<int>(image.height() * y));
+        const bool red = colour.red() > 128;
+        const bool green = colour.green() > 128;
+        const bool blue = colour.blue() > 128;
+        if (red && green && blue) return "white";
+        return red ? "red" : green ? "green" : blue ? "blue" : "black";
+    }
+};
+
+TEST_P(TurnedPictureTest, IsSeenAsItWasTaken) {
+    const auto& turn = GetParam();
+    const PictureSource source = PictureSource::Bytes(TurnedJpeg(turn.orientation));
+    const QSize seen = turn.is_upright ? QSize(64, 32) : QSize(32, 64);
+    const auto size = PictureSize(source);
+    ASSERT_TRUE(size.ok()) << size.status().message();
+    EXPECT_EQ(*size, seen);
+    for (const int box : {200, 16}) {
+        const auto picture = DecodePicture(source, {box, box});
+        ASSERT_TRUE(picture.ok()) << picture.status().message();
+        EXPECT_EQ(picture->size(), box > 64 ? seen : seen / 4);
+        EXPECT_EQ(ColourAt(*picture, 0.25, 0.25), turn.left_top) << box;
+        EXPECT_EQ(ColourAt(*picture, 0.75, 0.25), turn.right_top) << box;
+        EXPECT_EQ(ColourAt(*picture, 0.25, 0.75), turn.left_bottom) << box;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Orientations, TurnedPictureTest,
+    testing::Values(Turn{1, true, "red", "blue", "green"}, Turn{2, true, "blue", "red", "white"},
+                    Turn{3, true, "white", "green", "blue"}, Turn{4, true, "green", "white", "red"},
+                    Turn{5, false, "red", "green", "blue"}, Turn{6, false, "green", "red", "white"},
+                    Turn{7, false, "white", "blue", "green"},
+                    Turn{8, false, "blue", "white", "red"}),
+    [](const auto& test) { return std::to_string(test.param.orientation); });
+
 TEST(PictureLoaderTest, ALargePictureIsDecodedAtTheSizeOfTheBoxWithItsProportions) {
     const auto bytes = Encoded(Painting(800, 400), "jpg");
     const auto picture = DecodePicture(PictureSource::Bytes(bytes), {200, 200});
