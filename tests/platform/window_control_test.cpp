@@ -11,12 +11,19 @@ namespace {
 using test_support::WaitFor;
 
 const QString kClass = QStringLiteral("VPinball");
+const QString kOtherClass = QStringLiteral("VPinballViewer");
 
 class WindowControlTest : public testing::Test {
 protected:
+    // No window is left for the next test, which may be of this process.
     void TearDown() override {
-        for (const QString& title : {Playing(), Ended()})
-            if (const auto window = windows_->Find(kClass, title)) windows_->RequestClose(*window);
+        for (const QString& window_class : {kClass, kOtherClass})
+            for (const QString& title : {Playing(), Ended()}) {
+                const auto window = windows_->Find(window_class, title);
+                if (!window) continue;
+                windows_->RequestClose(*window);
+                EXPECT_TRUE(WaitFor([&] { return !windows_->Find(window_class, title); }));
+            }
     }
 
     QString Playing() const { return QStringLiteral("Visual Pinball - [%1*]").arg(table_); }
@@ -33,7 +40,10 @@ protected:
     }
 
     test_support::SimulatorRun run_;
-    QString table_ = QStringLiteral("Grüße [1] 漢");
+    // Each test has a title of its own.
+    QString table_ =
+        QStringLiteral("Grüße [1] 漢 ") +
+        QString::fromLatin1(testing::UnitTest::GetInstance()->current_test_info()->name());
     std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
 };
 
@@ -84,10 +94,9 @@ INSTANTIATE_TEST_SUITE_P(WindowControlTest, ShownClass,
                                          "VPinball995.exe"));
 
 TEST_F(WindowControlTest, AnotherProgramWhoseNameOnlyBeginsAlikeIsNotFound) {
-    run_.Set("TAVOLO_SIMULATOR_CLASS", "VPinballViewer");
+    run_.Set("TAVOLO_SIMULATOR_CLASS", kOtherClass.toUtf8().constData());
     StartSimulator();
-    ASSERT_TRUE(WaitFor(
-        [&] { return windows_->Find(QStringLiteral("VPinballViewer"), Playing()).has_value(); }));
+    ASSERT_TRUE(WaitFor([&] { return windows_->Find(kOtherClass, Playing()).has_value(); }));
     EXPECT_FALSE(windows_->Find(kClass, Playing()));
 }
 

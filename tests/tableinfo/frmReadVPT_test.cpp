@@ -80,17 +80,52 @@ TEST_F(frmReadVPTTest, ItsCaptionIsTableInformation) {
     EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Table Information"));
 }
 
-TEST_F(frmReadVPTTest, EveryBoxShowsItsStream) {
+struct ExpectedBox {
+    int index;
+    const char16_t* stream;
+    const char16_t* label;
+};
+
+class InfoBoxOfTheDialog : public frmReadVPTTest,
+                           public testing::WithParamInterface<ExpectedBox> {};
+
+// All ten streams hold something, each its own.
+TEST_P(InfoBoxOfTheDialog, ShowsItsStreamBesideItsLabel) {
     VptBuilder table;
-    for (const InfoBox& box : kInfoBoxes)
-        table.Text(box.tag, std::u16string(u"<") + box.tag + u">");
-    Open(table);
-    for (int i = 0; i < kInfoBoxCount; ++i) {
-        const auto& box = kInfoBoxes[static_cast<std::size_t>(i)];
-        EXPECT_EQ(Info(i), QStringLiteral("<%1>").arg(QString::fromUtf16(box.tag)));
-        EXPECT_EQ(Find<QLabel>(QStringLiteral("lblInfo_%1").arg(i))->text(),
-                  QString::fromUtf16(box.label));
-    }
+    for (const char16_t* stream :
+         {u"TableName", u"AuthorName", u"TableBlurb", u"TableRules", u"AuthorEmail", u"ReleaseDate",
+          u"TableVersion", u"AuthorWebSite", u"TableDescription"})
+        table.Text(stream, std::u16string(u"the text of ") + stream);
+    Open(table.Screenshot(Jpeg(8, 8)));
+    const auto& [index, stream, label] = GetParam();
+    EXPECT_EQ(Info(index), QStringLiteral("the text of ") + QString::fromUtf16(stream));
+    EXPECT_EQ(Find<QLabel>(QStringLiteral("lblInfo_%1").arg(index))->text(),
+              QString::fromUtf16(label));
+}
+
+INSTANTIATE_TEST_SUITE_P(frmReadVPTTest, InfoBoxOfTheDialog,
+                         testing::Values(ExpectedBox{0, u"TableName", u"Table Name"},
+                                         ExpectedBox{1, u"AuthorName", u"Table Author"},
+                                         ExpectedBox{2, u"TableVersion", u"Version"},
+                                         ExpectedBox{3, u"ReleaseDate", u"Release Date"},
+                                         ExpectedBox{4, u"AuthorEmail", u"E-Mail"},
+                                         ExpectedBox{5, u"AuthorWebSite", u"Web Site"},
+                                         ExpectedBox{6, u"TableBlurb", u"Short Blurb"},
+                                         ExpectedBox{7, u"TableDescription", u"Description"},
+                                         ExpectedBox{8, u"TableRules", u"Rules"}));
+
+TEST_F(frmReadVPTTest, ButtonsAndTheOtherLabelsSayWhatTheyAreFor) {
+    Open(VptBuilder().WithTableInfo());
+    EXPECT_EQ(Find<QPushButton>(QStringLiteral("cmdUpdateFace"))->text(),
+              QStringLiteral("Update Tavolo Details"));
+    EXPECT_EQ(Find<QPushButton>(QStringLiteral("cmdMail"))->text(), QStringLiteral("Send Mail"));
+    EXPECT_EQ(Find<QPushButton>(QStringLiteral("cmdSite"))->text(), QStringLiteral("Go To Site"));
+    EXPECT_EQ(Find<QPushButton>(QStringLiteral("Command1"))->text(), QStringLiteral("Close"));
+    QStringList others;
+    for (const QLabel* label : dialog->findChildren<QLabel*>())
+        if (!label->objectName().startsWith(QLatin1String("lblInfo_"))) others << label->text();
+    others.sort();
+    EXPECT_EQ(others, (QStringList{QStringLiteral("Custom:"), QStringLiteral("Picture Preview")}));
 }
 
 TEST_F(frmReadVPTTest, AbsentStreamsAreEmptyBoxes) {
