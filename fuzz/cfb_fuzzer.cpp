@@ -11,9 +11,8 @@ constexpr int kMaxSteps = 2000;
 void Walk(cfb::CompoundFile& file, const cfb::Element& storage, int& steps, int depth) {
     if (depth > 50) return;
     file.Find(storage, u"tableinfo").status().Ignore();
-    const auto members = file.List(storage);
-    if (!members.ok()) return;
-    for (const cfb::Element& member : *members) {
+    file.List(storage).status().Ignore();
+    for (const cfb::Element& member : file.ListReadable(storage)) {
         if (++steps > kMaxSteps) return;
         if (member.type == cfb::ElementType::kStorage)
             Walk(file, member, steps, depth + 1);

@@ -4,9 +4,12 @@
 #include "dialogs/file_filter.h"
 #include "dialogs/program_version.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 
@@ -89,10 +92,40 @@ void Preset(QFileDialog& window, const platform::FileDialog& dialog) {
     if (!name.isEmpty()) window.selectFile(name);
 }
 
-QString Chosen(QFileDialog& window) {
-    if (window.exec() != QDialog::Accepted || window.selectedFiles().isEmpty()) return {};
-    return QDir::toNativeSeparators(window.selectedFiles().constFirst());
-}
+// Qt's dialog takes a quote in a name for the border between two names and then finds neither.
+class FileWindow final : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    // Empty: cancelled.
+    QString Choose() {
+        if (exec() != Accepted) return {};
+        if (!quoted_.isEmpty()) return QDir::toNativeSeparators(quoted_);
+        const QStringList files = selectedFiles();
+        return files.isEmpty() ? QString() : QDir::toNativeSeparators(files.constFirst());
+    }
+
+protected:
+    void accept() override {
+        quoted_ = ExistingWithQuote();
+        if (quoted_.isEmpty())
+            QFileDialog::accept();
+        else
+            QDialog::accept();
+    }
+
+private:
+    QString ExistingWithQuote() const {
+        const auto* edit = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        if (edit == nullptr || !edit->text().contains(u'"')) return {};
+        const QFileInfo file(directory(), edit->text());
+        const bool fits = (fileMode() == ExistingFile && file.isFile()) ||
+                          (fileMode() == Directory && file.isDir());
+        return fits ? QDir::cleanPath(file.absoluteFilePath()) : QString();
+    }
+
+    QString quoted_;
+};
 
 void Prepare(QFileDialog& window, const platform::FileDialog& dialog) {
     window.setObjectName(dialog.name.isEmpty() ? QStringLiteral("FileDialog") : dialog.name);
@@ -129,30 +162,30 @@ MessageAnswer QtUserPrompts::Ask(const platform::Message& message) {
 }
 
 QString QtUserPrompts::ChooseFileToOpen(const platform::FileDialog& dialog) {
-    QFileDialog window(Owner());
+    FileWindow window(Owner());
     Prepare(window, dialog);
     window.setFileMode(QFileDialog::ExistingFile);
     Preset(window, dialog);
-    return Chosen(window);
+    return window.Choose();
 }
 
 QString QtUserPrompts::ChooseFileToSave(const platform::FileDialog& dialog) {
-    QFileDialog window(Owner());
+    FileWindow window(Owner());
     Prepare(window, dialog);
     window.setAcceptMode(QFileDialog::AcceptSave);
     window.setFileMode(QFileDialog::AnyFile);
     Preset(window, dialog);
-    return Chosen(window);
+    return window.Choose();
 }
 
 QString QtUserPrompts::ChooseFolder(const QString& title) {
-    QFileDialog window(Owner());
+    FileWindow window(Owner());
     window.setObjectName(QStringLiteral("FolderDialog"));
     window.setOption(QFileDialog::DontUseNativeDialog);
     window.setOption(QFileDialog::ShowDirsOnly);
     window.setFileMode(QFileDialog::Directory);
     window.setWindowTitle(title.isEmpty() ? QStringLiteral("Select a folder.") : title);
-    return Chosen(window);
+    return window.Choose();
 }
 
 }  // namespace dialogs

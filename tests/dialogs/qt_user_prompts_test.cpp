@@ -5,9 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
 #include <QtTest/QTest>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLineEdit>
@@ -182,9 +185,17 @@ TEST_F(FileDialogTest, ANamedDialogHasItsName) {
 TEST_F(FileDialogTest, ANameWithAQuoteIsChosen) {
     Make(QStringLiteral("a \"quoted\" name.bmp"));
     request.file_name = folder.filePath(QStringLiteral("a \"quoted\" name.bmp"));
+    // A dialog that does not know the file opens a box about it.
+    QTimer boxes;
+    QObject::connect(&boxes, &QTimer::timeout, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            box->reject();
+    });
+    boxes.start(10);
     const QString chosen = OpenWhile([](QFileDialog& dialog) {
         QTest::keyClick(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")),
                         Qt::Key_Return);
+        QTimer::singleShot(0, &dialog, &QWidget::close);  // when it is still there
     });
     EXPECT_EQ(chosen, request.file_name);
 }
@@ -248,6 +259,21 @@ TEST(FolderDialogTest, WithoutATitleItAsksForAFolder) {
     });
     EXPECT_EQ(prompts.ChooseFolder(QString()), QString());
     EXPECT_TRUE(driver.seen());
+}
+
+TEST(FolderDialogTest, AFolderWithAQuoteIsChosen) {
+    const QTemporaryDir folder;
+    const QString wanted = folder.filePath(QStringLiteral("the \"best\""));
+    ASSERT_TRUE(QDir().mkpath(wanted));
+    QtUserPrompts prompts;
+    BoxDriver driver(QStringLiteral("FolderDialog"), [&](QWidget& widget) {
+        auto* edit = widget.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        ASSERT_NE(edit, nullptr);
+        edit->setText(wanted);
+        QTest::keyClick(edit, Qt::Key_Return);
+        QTimer::singleShot(0, &widget, &QWidget::close);  // when the dialog is still there
+    });
+    EXPECT_EQ(prompts.ChooseFolder(QString()), wanted);
 }
 
 TEST(FolderDialogTest, ATypedFolderIsChosen) {

@@ -70,36 +70,6 @@ TEST_F(FrmSearchTest, AScanAddsTheTablesAndReportsTheirNumber) {
     EXPECT_EQ(Scalar(QStringLiteral("Select count(*) from Tables")), QStringLiteral("2"));
 }
 
-// What a label showed each time it was painted.
-class PaintedTexts : public QObject {
-public:
-    explicit PaintedTexts(QLabel* label) : label_(label) { label->installEventFilter(this); }
-    QStringList texts;
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Paint && (texts.isEmpty() || texts.back() != label_->text()))
-            texts << label_->text();
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    QLabel* label_;
-};
-
-TEST_F(FrmSearchTest, WhatItIsDoingIsPaintedWhileItIsDone) {
-    Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
-    dialog->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog.get()));
-    PaintedTexts painted(Find<QLabel>("Label2"));
-    Search();
-    EXPECT_EQ(painted.texts.filter(QStringLiteral("Adding")),
-              QStringList{QStringLiteral("Adding: one")});
-    EXPECT_EQ(painted.texts.back(), QStringLiteral("Reading VPT Info..."));
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return painted.texts.back() == QStringLiteral("Process Complete"); }));
-}
-
 TEST_F(FrmSearchTest, ASecondScanOfTheSameTreeReportsNone) {
     Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
     dialog->show();

@@ -63,10 +63,10 @@ TEST_P(SettingsText, SurvivesTheProgram) {
 
 INSTANTIATE_TEST_SUITE_P(SettingsStoreTest, SettingsText,
                          testing::Values("True", "9570", "=", "<>", "Table Name", " blanks ",
-                                         "a, b", "\"quoted\"", "@Variant(x)",
-                                         "C:\\VP\\VPinball.exe", "semi;colon", "50% off",
-                                         "Ünïcödé \xF0\x9F\x98\x80", "two\nlines", "[GENERAL]",
-                                         ""));
+                                         "a, b", "\"quoted\"", "/the \"vp\", two/r\"un",
+                                         "@Variant(x)", "C:\\VP\\VPinball.exe", "semi;colon",
+                                         "50% off", "Ünïcödé \xF0\x9F\x98\x80", "two\nlines",
+                                         "[GENERAL]", ""));
 
 TEST_F(SettingsStoreTest, ACommaTypedIntoTheFileIsPartOfTheValue) {
     QFile file(folder_.filePath(QStringLiteral("TAVOLO.ini")));

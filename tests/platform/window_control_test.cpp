@@ -43,7 +43,8 @@ protected:
     // Each test has a title of its own.
     QString table_ =
         QStringLiteral("Grüße [1] 漢 ") +
-        QString::fromLatin1(testing::UnitTest::GetInstance()->current_test_info()->name());
+        QString::fromLatin1(testing::UnitTest::GetInstance()->current_test_info()->name())
+            .replace(u'/', u'-');
     std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
 };
 
