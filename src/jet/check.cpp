@@ -121,12 +121,12 @@ void CheckPages(CheckRun& run, PageStore& store, const PageSet& free) {
 }  // namespace
 }  // namespace check
 
-CheckReport CheckIntegrity(PageStore& store) {
+CheckReport CheckIntegrity(PageStore& store, CheckOptions options) {
     CheckReport first;
     const auto header = check::CheckHeader(store, first);
     if (!header) return first;
     const Format& format = FormatOf(store.page_size() == 2048 ? 3 : 4);
-    check::CheckRun run(store, format, TextCodec(format.version, header->code_page));
+    check::CheckRun run(store, format, TextCodec(format.version, header->code_page), options);
     if (header->build == check::kBuildOfLaterEngine) run.SetWrittenByLaterEngine();
     run.Claim(0, "the header");
     if (run.page_count() > 1) run.Claim(1, "the global maps");

@@ -41,7 +41,16 @@ struct CheckReport {
     bool sound() const { return faults == 0; }
 };
 
-CheckReport CheckIntegrity(PageStore& store);
+struct CheckOptions {
+    // What every engine reads, but not every one leaves behind, is a warning, as nothing in a file
+    // says who wrote it last. It is a fault for who knows that:
+    // each key of a node is the last entry below its child, and no leaf or node is empty;
+    bool exact_node_keys = false;
+    // each level byte of an index page is its height above the leaves.
+    bool exact_levels = false;
+};
+
+CheckReport CheckIntegrity(PageStore& store, CheckOptions options = {});
 
 // "page 17, row 3, table Tables: ..."
 std::string Describe(const Finding& finding);

@@ -10,11 +10,9 @@ namespace jet::check {
 namespace {
 
 constexpr std::size_t kChildSize = 4;
-constexpr unsigned kMostLevels = 20;
-
 struct IndexPage {
     bool is_leaf = true;
-    unsigned level = 0;  // a node with 0: its writer does not keep levels
+    unsigned level = 0;  // what the page says
     PageNumber previous = 0;
     PageNumber next = 0;
     PageNumber tail = 0;
@@ -30,7 +28,7 @@ public:
     // All leaf entries in the order of the tree.
     const std::vector<Bytes>& Walk() {
         const auto owned = run_.ReadMap(index_.map, name_);
-        Visit(index_.root, definition_.page, std::nullopt, 0);
+        Visit(index_.root, definition_.page, 0);
         CheckLinks();
         if (owned) CheckMap(*owned);
         for (std::size_t i = 1; i < entries_.size(); ++i)
@@ -46,37 +44,68 @@ public:
     }
 
 private:
-    // `level`: what the page's must be, if that is known; `depth`: nodes above it.
-    void Visit(PageNumber page, PageNumber from, std::optional<unsigned> level, unsigned depth) {
-        const auto content = ReadPage(page, from, level);
-        if (!content) return;
-        if (content->is_leaf) return VisitLeaf(page, *content);
-        if (depth >= kMostLevels) return run_.Fault(page, -1, name_ + ": the tree is too deep");
-        if (content->entries.empty()) run_.Fault(page, -1, name_ + ": a node without an entry");
-        if (content->tail == 0) run_.Fault(page, -1, name_ + ": a node without a tail");
-        std::optional<unsigned> below;
-        if (content->level > 0) below = content->level - 1;
-        for (const Bytes& entry : content->entries)
-            VisitChild(page, entry, below, depth + 1);
-        if (content->tail != 0) Visit(content->tail, page, below, depth + 1);
+    // `depth`: nodes above the page. The levels from it down to the leaves; nullopt: they are not
+    // known.
+    std::optional<unsigned> Visit(PageNumber page, PageNumber from, unsigned depth) {
+        const auto content = ReadPage(page, from);
+        if (!content) return std::nullopt;
+        std::optional<unsigned> height = 0;
+        if (content->is_leaf) {
+            VisitLeaf(page, *content);
+        } else if (depth >= kMaxIndexLevels) {
+            run_.Fault(page, -1, name_ + ": the tree is too deep");
+            return std::nullopt;
+        } else {
+            height = VisitNode(page, *content, depth);
+        }
+        if (height && content->level != *height)
+            Inexact(run_.options().exact_levels, page,
+                    name_ + ": a page that says level " + std::to_string(content->level) +
+                        ", but is of level " + std::to_string(*height));
+        return height;
     }
 
-    void VisitChild(PageNumber page, const Bytes& entry, std::optional<unsigned> level,
-                    unsigned depth) {
-        if (entry.size() < kChildSize + kRowIdSize)
-            return run_.Fault(page, -1, name_ + ": an entry of a node is too short");
+    std::optional<unsigned> VisitNode(PageNumber page, const IndexPage& content, unsigned depth) {
+        if (content.entries.empty())
+            Inexact(run_.options().exact_node_keys, page, name_ + ": a node without an entry");
+        if (content.tail == 0) run_.Fault(page, -1, name_ + ": a node without a tail");
+        std::optional<unsigned> height;
+        const auto add = [&](std::optional<unsigned> child) {
+            if (child && height && *child != *height)
+                run_.Fault(page, -1, name_ + ": the children are of different levels");
+            if (child) height = child;
+        };
+        for (const Bytes& entry : content.entries)
+            add(VisitChild(page, entry, depth + 1));
+        if (content.tail != 0) add(Visit(content.tail, page, depth + 1));
+        return height ? std::optional(*height + 1) : std::nullopt;
+    }
+
+    std::optional<unsigned> VisitChild(PageNumber page, const Bytes& entry, unsigned depth) {
+        if (entry.size() < kChildSize + kRowIdSize) {
+            run_.Fault(page, -1, name_ + ": an entry of a node is too short");
+            return std::nullopt;
+        }
         const std::size_t key_size = entry.size() - kChildSize;
-        Visit(base::LoadBig<std::uint32_t>(entry.data() + key_size), page, level, depth);
-        const auto key = std::span(entry).first(key_size);
-        if (!entries_.empty() && std::ranges::lexicographical_compare(key, entries_.back()))
+        const std::size_t before = entries_.size();
+        const auto height =
+            Visit(base::LoadBig<std::uint32_t>(entry.data() + key_size), page, depth);
+        floor_.assign(entry.begin(), entry.begin() + static_cast<std::ptrdiff_t>(key_size));
+        if (!entries_.empty() && floor_ < entries_.back())
             run_.Fault(page, -1, name_ + ": an entry of a node is less than what is below it");
+        else if (entries_.size() > before && floor_ != entries_.back())
+            Inexact(run_.options().exact_node_keys, page,
+                    name_ + ": an entry of a node is larger than the last one below it");
+        return height;
     }
 
     void VisitLeaf(PageNumber page, const IndexPage& content) {
         leaves_.push_back({page, content.previous, content.next});
         if (content.tail != 0) run_.Fault(page, -1, name_ + ": a leaf with a tail");
         if (content.entries.empty() && page != index_.root)
-            run_.Fault(page, -1, name_ + ": an empty leaf");
+            Inexact(run_.options().exact_node_keys, page, name_ + ": an empty leaf");
+        if (!content.entries.empty() && !floor_.empty() && !(floor_ < content.entries.front()))
+            run_.Fault(page, -1, name_ + ": an entry that the node above has before this leaf");
         for (const Bytes& entry : content.entries) {
             if (entry.size() <= kRowIdSize) run_.Fault(page, -1, name_ + ": an entry is too short");
             entries_.push_back(entry);
@@ -84,8 +113,15 @@ private:
         }
     }
 
-    std::optional<IndexPage> ReadPage(PageNumber page, PageNumber from,
-                                      std::optional<unsigned> level) {
+    // What every engine reads all the same.
+    void Inexact(bool is_fault, PageNumber page, std::string text) {
+        if (is_fault)
+            run_.Fault(page, -1, std::move(text));
+        else
+            run_.Warn(page, -1, std::move(text));
+    }
+
+    std::optional<IndexPage> ReadPage(PageNumber page, PageNumber from) {
         const auto view = run_.Page(page, from);
         if (!view || !run_.Claim(page, name_)) return std::nullopt;
         walked_.insert(page);
@@ -98,7 +134,6 @@ private:
             run_.Fault(page, -1, "is not a page of " + name_);
             return std::nullopt;
         }
-        CheckLevel(page, content, level);
         if (base::LoadLittle<std::uint32_t>(bytes.data() + 4) != definition_.page)
             run_.Fault(page, -1, "belongs to " + name_ + ", but does not say so");
         const std::byte* links = bytes.data() + format.index_links_offset;
@@ -107,13 +142,6 @@ private:
         content.tail = base::LoadLittle<std::uint32_t>(links + 8);
         ReadEntries(page, bytes, content);
         return content;
-    }
-
-    void CheckLevel(PageNumber page, const IndexPage& content, std::optional<unsigned> level) {
-        if (!content.is_leaf && content.level == 0)
-            run_.Warn(page, -1, name_ + ": a node that does not say its level");
-        else if ((level && content.level != *level) || (content.is_leaf && content.level != 0))
-            run_.Fault(page, -1, name_ + ": the levels do not fall by one");
     }
 
     void ReadEntries(PageNumber page, std::span<const std::byte> bytes, IndexPage& content) {
@@ -137,6 +165,10 @@ private:
                 const Bytes& first = content.entries.front();
                 if (prefix_size > first.size()) {
                     run_.Fault(page, -1, name_ + ": the prefix is longer than the first entry");
+                    return;
+                }
+                if (!content.is_leaf && bit - start < kChildSize) {
+                    run_.Fault(page, -1, name_ + ": the prefix reaches into a child's number");
                     return;
                 }
                 entry.assign(first.begin(),
@@ -183,6 +215,7 @@ private:
     PageSet walked_;
     std::vector<Leaf> leaves_;
     std::vector<Bytes> entries_;
+    Bytes floor_;  // the last key of a node that was passed: what follows is larger
     std::vector<PageNumber> pages_of_entries_;
 };
 

@@ -12,8 +12,9 @@ struct CheckRun::MapBits {
     PageSet& members;
 };
 
-CheckRun::CheckRun(PageStore& store, const Format& format, TextCodec text)
-    : store_(store), format_(format), text_(std::move(text)), owners_(store.page_count()) {
+CheckRun::CheckRun(PageStore& store, const Format& format, TextCodec text, CheckOptions options)
+    : store_(store), format_(format), text_(std::move(text)), options_(options),
+      owners_(store.page_count()) {
     report_.pages = owners_.size();
 }
 

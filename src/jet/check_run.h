@@ -40,10 +40,11 @@ using PageSet = std::set<PageNumber>;
 
 class CheckRun {
 public:
-    CheckRun(PageStore& store, const Format& format, TextCodec text);
+    CheckRun(PageStore& store, const Format& format, TextCodec text, CheckOptions options);
 
     const Format& format() const { return format_; }
     const TextCodec& text() const { return text_; }
+    const CheckOptions& options() const { return options_; }
     PageNumber page_count() const { return static_cast<PageNumber>(owners_.size()); }
     CheckReport& report() { return report_; }
 
@@ -86,6 +87,7 @@ private:
     PageStore& store_;
     const Format& format_;
     TextCodec text_;
+    CheckOptions options_;
     CheckReport report_;
     std::string table_;
     bool written_by_later_engine_ = false;

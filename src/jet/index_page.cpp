@@ -32,12 +32,7 @@ std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> byt
     view.prefix_ = format.index_prefix_bytes == 2
                        ? base::LoadLittle<std::uint16_t>(bytes.data() + format.index_prefix_offset)
                        : std::to_integer<std::size_t>(bytes[format.index_prefix_offset]);
-    view.level_ = std::to_integer<std::uint8_t>(bytes[format.index_level_offset]);
-    if (leaf != (view.level_ == 0)) {
-        // Some writers leave the level of a node 0; what the type says counts.
-        if (leaf) return std::nullopt;
-        view.level_ = 1;
-    }
+    view.is_leaf_ = leaf;
     const std::span mask = bytes.subspan(format.index_mask_offset,
                                          format.index_entries_offset - format.index_mask_offset);
     if (!view.FindEnds(mask)) return std::nullopt;
@@ -66,7 +61,9 @@ bool IndexPageView::FindEnds(std::span<const std::byte> mask) {
     ends_.assign(ends.begin(), ends.begin() + static_cast<std::ptrdiff_t>(count));
     const std::size_t child_bytes = is_leaf() ? 0 : kChildBytes;
     const std::size_t least = kRowIdBytes + child_bytes;
-    if (ends_[0] < std::max(least, prefix_) || ends_.back() > entries_.size()) return false;
+    // A prefix that outlived the entries which shared it concerns nobody while one entry is left.
+    if (ends_[0] < (count > 1 ? std::max(least, prefix_) : least) || ends_.back() > entries_.size())
+        return false;
     // What an entry leaves out may be part of its row id, never of its child.
     const std::size_t least_stored = std::max(
         {std::size_t{1}, prefix_ > 0 ? child_bytes : least, least > prefix_ ? least - prefix_ : 0});

@@ -1,7 +1,8 @@
 // IndexPageView: the entries of one index page, leaf or node. An entry is key bytes, then the row's
 // page (24 bits) and slot, then, on nodes, the child's page (32 bits); all big endian. Entries
-// stand in ascending byte order; all but the first leave out the page's common prefix. Layout:
-// docs/formats/jet.md, "Index pages".
+// stand in ascending byte order; all but the first leave out the page's common prefix. The page's
+// type says whether it is a leaf; its level byte is not looked at, as not every engine keeps it.
+// Layout: docs/formats/jet.md, "Index pages".
 #pragma once
 
 #include "base/status.h"
@@ -23,8 +24,7 @@ public:
     static std::optional<IndexPageView> Parse(std::span<const std::byte> bytes,
                                               const Format& format, PageNumber table);
 
-    bool is_leaf() const { return level_ == 0; }
-    std::uint8_t level() const { return level_; }
+    bool is_leaf() const { return is_leaf_; }
     PageNumber previous() const { return Link(0); }
     PageNumber next() const { return Link(4); }
     // Page of the last child, which has no entry. Nodes only.
@@ -71,7 +71,7 @@ private:
     const Format* format_ = nullptr;
     std::vector<std::uint16_t> ends_;
     std::size_t prefix_ = 0;
-    std::uint8_t level_ = 0;
+    bool is_leaf_ = true;
 };
 
 }  // namespace jet

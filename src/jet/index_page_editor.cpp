@@ -56,9 +56,9 @@ Bytes NodeEntry(std::span<const std::byte> entry, PageNumber child) {
     return bytes;
 }
 
-IndexPageImage IndexPageImage::Of(const IndexPageView& view) {
+IndexPageImage IndexPageImage::Of(const IndexPageView& view, std::uint8_t level) {
     IndexPageImage image;
-    image.level = view.level();
+    image.level = level;
     image.previous = view.previous();
     image.next = view.next();
     image.tail = view.is_leaf() ? 0 : view.tail();
@@ -141,6 +141,7 @@ bool InsertInPlace(std::span<std::byte> page, const Format& format, const IndexP
     std::memcpy(at, entry.data() + left_out, size);
     RewriteMask(page, format, ends);
     SetUsed(page, format, used + size);
+    page[format.index_level_offset] = std::byte{0};
     return true;
 }
 
@@ -158,6 +159,7 @@ bool RemoveInPlace(std::span<std::byte> page, const Format& format, const IndexP
     std::memset(page.data() + format.index_entries_offset + used - size, 0, size);
     RewriteMask(page, format, ends);
     SetUsed(page, format, used - size);
+    page[format.index_level_offset] = std::byte{0};
     return true;
 }
 

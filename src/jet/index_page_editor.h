@@ -9,7 +9,7 @@ namespace jet {
 
 // All of a page's content, taken apart.
 struct IndexPageImage {
-    std::uint8_t level = 0;
+    std::uint8_t level = 0;  // nodes between the page and the leaves, itself included
     PageNumber previous = 0;
     PageNumber next = 0;
     PageNumber tail = 0;
@@ -17,7 +17,8 @@ struct IndexPageImage {
     std::vector<Bytes> entries;
 
     bool is_leaf() const { return level == 0; }
-    static IndexPageImage Of(const IndexPageView& view);
+    // `level`: as the way from the root to the leaves has it. Requires: 0 for a leaf, else not 0.
+    static IndexPageImage Of(const IndexPageView& view, std::uint8_t level);
     // Child of entry `i`; the tail when i == entries.size(). Nodes only.
     PageNumber Child(std::size_t i) const;
     // Bytes of the entry area that the entries need with their longest common prefix left out.

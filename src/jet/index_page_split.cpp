@@ -27,29 +27,41 @@ std::vector<IndexPageImage> SplitLeaf(const IndexPageImage& image, bool ascendin
 }
 
 std::vector<IndexPageImage> SplitNode(const IndexPageImage& image, bool ascending,
-                                      std::vector<Bytes>& lasts) {
+                                      const Format& format, std::vector<Bytes>& lasts) {
     const std::size_t count = image.entries.size();
-    std::size_t middle = count - 1;  // entries 0 .. middle-1 go left, the last of them as tail
-    if (!ascending) {
-        std::size_t total = 0;
-        for (const Bytes& entry : image.entries)
-            total += entry.size();
-        std::size_t bytes = 0;
-        for (middle = 0; middle < count && bytes < total / 2; ++middle)
-            bytes += image.entries[middle].size();
+    std::size_t total = 0;
+    for (const Bytes& entry : image.entries)
+        total += entry.size();
+    std::vector<IndexPageImage> groups;
+    lasts.clear();
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < count;) {
+        IndexPageImage& group = groups.emplace_back();
+        // One entry at least goes out behind the first group, and none is left without a group.
+        const std::size_t end = groups.size() == 1 ? count - 2 : count;
+        for (; i < end; ++i) {
+            const bool enough = groups.size() == 1 && !ascending && !group.entries.empty() &&
+                                bytes + image.entries[i].size() >= total / 2;
+            if (enough) break;
+            group.entries.push_back(image.entries[i]);
+            if (group.EncodedBytes(format) > IndexRoom(format)) {
+                group.entries.pop_back();
+                break;
+            }
+            bytes += image.entries[i].size();
+        }
+        if (i == count) break;
+        if (i + 1 == count) {
+            --i;
+            group.entries.pop_back();
+        }
+        group.tail = image.Child(i);
+        Bytes& last = lasts.emplace_back(image.entries[i++]);
+        last.resize(last.size() - kChildBytes);
     }
-    middle = std::clamp<std::size_t>(middle, 2, count - 1);
-    IndexPageImage left;
-    IndexPageImage right;
-    const auto cut = image.entries.begin() + static_cast<std::ptrdiff_t>(middle);
-    left.entries.assign(image.entries.begin(), cut - 1);
-    left.tail = image.Child(middle - 1);
-    right.entries.assign(cut, image.entries.end());
-    right.tail = image.tail;
-    Bytes last = image.entries[middle - 1];
-    last.resize(last.size() - kChildBytes);
-    lasts = {std::move(last), {}};
-    return {std::move(left), std::move(right)};
+    groups.back().tail = image.tail;
+    lasts.emplace_back();
+    return groups;
 }
 
 }  // namespace jet

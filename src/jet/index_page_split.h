@@ -10,9 +10,10 @@ namespace jet {
 std::vector<IndexPageImage> SplitLeaf(const IndexPageImage& image, bool ascending,
                                       const Format& format);
 
-// A node's two groups: the last entry of the first becomes its tail, and its key goes up, as
-// lasts[0]. Requires: three entries or more.
+// The same for a node. Between two groups an entry goes out: its child becomes the tail of the
+// first, and its key goes up, as an element of `lasts`; the last element is empty. Requires: three
+// entries or more, of which any two fit a page.
 std::vector<IndexPageImage> SplitNode(const IndexPageImage& image, bool ascending,
-                                      std::vector<Bytes>& lasts);
+                                      const Format& format, std::vector<Bytes>& lasts);
 
 }  // namespace jet

@@ -3,62 +3,75 @@
 
 #include "jet/storage_errors.h"
 
-#include <limits>
+#include <algorithm>
 
 namespace jet {
-namespace {
 
-constexpr int kAnyLevel = -1;
+bool IndexTree::IsRightmost(const Path& path) {
+    return std::ranges::all_of(path, &Step::is_tail);
+}
 
-}  // namespace
-
-base::Result<IndexTree::Place> IndexTree::Load(PageNumber page, int expected_level) const {
+base::Result<IndexTree::Place> IndexTree::Load(PageNumber page) const {
     Place place;
     ASSIGN_OR_RETURN(place.page, file_.store.Read(page));
     auto view = IndexPageView::Parse(place.page.bytes(), file_.format, table_);
     if (!view) return errors::DamagedPage(page, "not a page of this index");
     place.view = std::move(*view);
-    if (expected_level != kAnyLevel && place.view.level() != expected_level)
-        return errors::DamagedPage(page, "an index page of the wrong level");
     return place;
 }
 
-// Down to the leaf where `target` is or would be. `path`, when given, receives the nodes passed.
-base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> target,
-                                                  Path* path) const {
-    ASSIGN_OR_RETURN(Place place, Load(root_, kAnyLevel));
-    PageNumber page = root_;
-    while (!place.view.is_leaf()) {
+base::Result<IndexTree::Place> IndexTree::LoadLeaf(PageNumber page) const {
+    ASSIGN_OR_RETURN(Place place, Load(page));
+    if (!place.view.is_leaf()) return errors::DamagedPage(page, "not a leaf of this index");
+    return place;
+}
+
+base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> target) const {
+    ASSIGN_OR_RETURN(Place place, Load(root_));
+    for (std::size_t depth = 0; !place.view.is_leaf(); ++depth) {
+        if (depth >= kMaxIndexLevels)
+            return errors::DamagedPage(root_, "an index that is too deep");
         const std::size_t child = place.view.LowerBound(target);
-        if (path != nullptr) path->push_back({page, child});
-        page = child < place.view.count() ? place.view.Child(child) : place.view.tail();
-        ASSIGN_OR_RETURN(place, Load(page, place.view.level() - 1));
+        ASSIGN_OR_RETURN(
+            place, Load(child < place.view.count() ? place.view.Child(child) : place.view.tail()));
     }
-    if (path != nullptr) path->push_back({page, 0});
     place.entry = place.view.LowerBound(target);
     return place;
 }
 
 base::Result<PageNumber> IndexTree::FindLeaf(std::span<const std::byte> target, Path& path) const {
     PageNumber page = root_;
-    {
-        ASSIGN_OR_RETURN(const PageView root, file_.store.Read(root_));
-        if (root.bytes()[0] == static_cast<std::byte>(PageType::kIndexLeaf)) return page;
+    while (true) {
+        ASSIGN_OR_RETURN(const PageView bytes, file_.store.Read(page));
+        if (bytes.bytes()[0] == static_cast<std::byte>(PageType::kIndexLeaf)) break;
+        const auto view = IndexPageView::Parse(bytes.bytes(), file_.format, table_);
+        if (!view) return errors::DamagedPage(page, "not a page of this index");
+        if (path.size() >= kMaxIndexLevels)
+            return errors::DamagedPage(root_, "an index that is too deep");
+        const std::size_t child = view->LowerBound(target);
+        const bool is_tail = child >= view->count();
+        path.push_back({page, child, is_tail, 0});
+        page = is_tail ? view->tail() : view->Child(child);
     }
-    for (int level = kAnyLevel; level != 0;) {
-        ASSIGN_OR_RETURN(const Place place, Load(page, level));
-        if (place.view.is_leaf())
-            return errors::DamagedPage(page, "an index page of the wrong level");
-        const std::size_t child = place.view.LowerBound(target);
-        path.push_back({page, child});
-        page = child < place.view.count() ? place.view.Child(child) : place.view.tail();
-        level = place.view.level() - 1;
-    }
+    for (std::size_t i = 0; i < path.size(); ++i)
+        path[i].level = static_cast<std::uint8_t>(path.size() - i);
     return page;
 }
 
+base::Result<IndexTree::Path> IndexTree::PathTo(std::span<const std::byte> target,
+                                                PageNumber page) const {
+    Path path;
+    ASSIGN_OR_RETURN(const PageNumber leaf, FindLeaf(target, path));
+    if (leaf == page) return path;
+    const auto found = std::ranges::find(path, page, &Step::page);
+    if (found == path.end())
+        return errors::DamagedPage(page, "a page that its index does not reach");
+    path.erase(found, path.end());
+    return path;
+}
+
 base::Result<IndexTree::Place> IndexTree::Seek(std::span<const std::byte> target) const {
-    ASSIGN_OR_RETURN(Place place, Descend(target, nullptr));
+    ASSIGN_OR_RETURN(Place place, Descend(target));
     // A node's entry may be larger than the last one below it: then the answer is on the next leaf.
     if (place.entry == place.view.count() && place.view.count() > 0) {
         --place.entry;
@@ -70,7 +83,7 @@ base::Result<IndexTree::Place> IndexTree::Seek(std::span<const std::byte> target
 }
 
 base::Result<IndexTree::Place> IndexTree::SeekBefore(std::span<const std::byte> target) const {
-    ASSIGN_OR_RETURN(Place place, Descend(target, nullptr));
+    ASSIGN_OR_RETURN(Place place, Descend(target));
     RETURN_IF_ERROR(Previous(place));
     return place;
 }
@@ -87,7 +100,7 @@ base::Status IndexTree::Next(Place& place) const {
         }
         if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
         if (place.view.count() > 0) place.view.CopyEntry(place.view.count() - 1, last);
-        ASSIGN_OR_RETURN(place, Load(next, 0));
+        ASSIGN_OR_RETURN(place, LoadLeaf(next));
         place.entry = 0;
         // Ascending from leaf to leaf: no walk goes in circles.
         if (!last.empty() && place.view.count() > 0 && place.view.Compare(0, last) <= 0)
@@ -107,7 +120,7 @@ base::Status IndexTree::Previous(Place& place) const {
         }
         if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
         if (place.view.count() > 0) place.view.CopyEntry(0, first);
-        ASSIGN_OR_RETURN(place, Load(previous, 0));
+        ASSIGN_OR_RETURN(place, LoadLeaf(previous));
         place.entry = place.view.count();
         if (!first.empty() && place.entry > 0 && place.view.Compare(place.entry - 1, first) >= 0)
             return errors::DamagedPage(previous, "the leaves of the index are out of order");

@@ -1,7 +1,10 @@
 // IndexTree: a B-tree of (key, row) entries: finding, walking, and (with an open transaction)
 // inserting and removing. Entries ascend over the whole tree by key bytes and row id. The root page
-// never changes. Every page met is checked for its owner and level, and walks are bounded, so that
-// a damaged tree ends in kCorruption.
+// never changes. A node's key is the last entry below its child, and stays so through every change;
+// trees in which it is larger, as earlier versions left them behind, are read and changed all the
+// same. A page's type and the way to it say how high it stands, never its level byte: not every
+// engine keeps that. Every page met is checked for its owner, and walks are bounded, so that a
+// damaged tree ends in kCorruption.
 #pragma once
 
 #include "jet/file_context.h"
@@ -52,9 +55,12 @@ public:
     std::uint64_t changes() const { return changes_; }
 
 private:
+    // A node on the way from the root to a leaf.
     struct Step {
         PageNumber page;
         std::size_t child;  // entry taken; the number of entries: the tail
+        bool is_tail;
+        std::uint8_t level;  // 1: its children are leaves
     };
     using Path = std::vector<Step>;
     // One of the pages that a page was split into; the last entry of its subtree, without a child.
@@ -63,11 +69,20 @@ private:
         Bytes last;
     };
 
-    base::Result<Place> Load(PageNumber page, int expected_level) const;
-    base::Result<Place> Descend(std::span<const std::byte> target, Path* path) const;
-    // The leaf alone, without a look at it; `path` receives the nodes passed.
+    // True when the leaf that the path ends with is the last of all.
+    static bool IsRightmost(const Path& path);
+
+    base::Result<Place> Load(PageNumber page) const;
+    base::Result<Place> LoadLeaf(PageNumber page) const;
+    // Down to the leaf where `target` is or would be.
+    base::Result<Place> Descend(std::span<const std::byte> target) const;
+    // The leaf alone, without a look at its entries; `path` receives the nodes passed.
     base::Result<PageNumber> FindLeaf(std::span<const std::byte> target, Path& path) const;
-    base::Result<IndexPageImage> LoadImage(PageNumber page) const;
+    // The nodes above `page`. Requires: `target` is below it.
+    base::Result<Path> PathTo(std::span<const std::byte> target, PageNumber page) const;
+    // `level`: of the page, as the way to it has it.
+    base::Result<IndexPageImage> LoadImage(PageNumber page, std::uint8_t level) const;
+    base::Result<PageNumber> NodeLink(PageNumber page, PageNumber other, std::size_t back) const;
     base::Status WriteImage(PageNumber page, const IndexPageImage& image);
     base::Result<PageNumber> NewPage();
     base::Status FreePage(PageNumber page);
@@ -75,13 +90,15 @@ private:
     // Takes a page out of the chain of its level.
     base::Status Unlink(const IndexPageImage& image);
 
+    // The greatest entry below the last child of `path` has become `last`. The path goes stale.
+    base::Status SetLast(Path path, std::span<const std::byte> last);
     base::Status Split(Path path, PageNumber page, IndexPageImage image, bool ascending);
     base::Status ReplaceChild(Path path, const std::vector<Part>& parts);
     base::Status GrowRoot(std::vector<IndexPageImage> pieces, std::vector<Bytes> lasts);
 
-    base::Status RemoveEntry(Path path, std::size_t position);
+    base::Status RemoveEntry(Path path, PageNumber leaf, std::span<const std::byte> entry);
     base::Status DropChild(Path path);
-    base::Status CollapseRoot(PageNumber child);
+    base::Status CollapseRoot(PageNumber child, std::uint8_t level);
 
     // A node, and the two of its children that are neighbours and may become one page.
     struct Neighbours {

@@ -28,12 +28,13 @@ void SetChild(IndexPageImage& node, std::size_t position, PageNumber page) {
 
 base::Result<std::optional<IndexPageImage>> IndexTree::Join(const IndexPageImage& parent,
                                                             std::size_t left) const {
-    ASSIGN_OR_RETURN(IndexPageImage joined, LoadImage(parent.Child(left)));
-    ASSIGN_OR_RETURN(IndexPageImage right, LoadImage(parent.Child(left + 1)));
+    const auto level = static_cast<std::uint8_t>(parent.level - 1);
+    ASSIGN_OR_RETURN(IndexPageImage joined, LoadImage(parent.Child(left), level));
+    ASSIGN_OR_RETURN(IndexPageImage right, LoadImage(parent.Child(left + 1), level));
     const bool fits = joined.is_leaf() ? joined.next == parent.Child(left + 1) &&
                                              right.previous == parent.Child(left)
                                        : true;
-    if (!fits || joined.level != right.level) return std::optional<IndexPageImage>();
+    if (!fits) return std::optional<IndexPageImage>();
     if (!joined.is_leaf()) {
         // The key between the two comes down from the parent.
         Bytes between = parent.entries[left];
@@ -47,10 +48,11 @@ base::Result<std::optional<IndexPageImage>> IndexTree::Join(const IndexPageImage
 }
 
 base::Status IndexTree::Balance(Path path, PageNumber page) {
+    const bool is_rightmost = IsRightmost(path);
     const Step step = path.back();
     path.pop_back();
     Neighbours best{step.page, {}, 0, {}};
-    ASSIGN_OR_RETURN(best.parent, LoadImage(step.page));
+    ASSIGN_OR_RETURN(best.parent, LoadImage(step.page, step.level));
     const std::size_t at = std::min(step.child, best.parent.entries.size());
     if (best.parent.entries.empty() || best.parent.Child(at) != page) return {};
     bool found = false;
@@ -66,8 +68,9 @@ base::Status IndexTree::Balance(Path path, PageNumber page) {
         if (merge) return Merge(std::move(path), best);
     }
     if (!found) return {};
-    ASSIGN_OR_RETURN(const IndexPageImage sparse, LoadImage(page));
-    const bool may_stay_sparse = sparse.next == 0 && !sparse.entries.empty();
+    ASSIGN_OR_RETURN(const IndexPageImage sparse,
+                     LoadImage(page, static_cast<std::uint8_t>(step.level - 1)));
+    const bool may_stay_sparse = is_rightmost && !sparse.entries.empty();
     return may_stay_sparse ? base::Status() : Share(std::move(path), best);
 }
 
@@ -75,11 +78,7 @@ base::Status IndexTree::Merge(Path path, Neighbours& neighbours) {
     IndexPageImage& parent = neighbours.parent;
     const PageNumber kept = parent.Child(neighbours.left);
     const PageNumber gone = parent.Child(neighbours.left + 1);
-    if (const PageNumber next = neighbours.joined.next; next != 0) {
-        // Other engines do not link nodes of different parents.
-        ASSIGN_OR_RETURN(const IndexPageImage behind, LoadImage(next));
-        if (behind.previous == gone) RETURN_IF_ERROR(SetLink(next, 0, kept));
-    }
+    RETURN_IF_ERROR(SetLink(neighbours.joined.next, 0, kept));
     RETURN_IF_ERROR(WriteImage(kept, neighbours.joined));
     RETURN_IF_ERROR(FreePage(gone));
     SetChild(parent, neighbours.left + 1, kept);
@@ -94,8 +93,9 @@ base::Status IndexTree::Share(Path path, Neighbours& neighbours) {
     const PageNumber right = parent.Child(neighbours.left + 1);
     std::vector<Bytes> lasts;
     if (!joined.is_leaf() && joined.entries.size() < 3) return {};
-    std::vector<IndexPageImage> halves =
-        joined.is_leaf() ? SplitLeaf(joined, false, file_.format) : SplitNode(joined, false, lasts);
+    std::vector<IndexPageImage> halves = joined.is_leaf()
+                                             ? SplitLeaf(joined, false, file_.format)
+                                             : SplitNode(joined, false, file_.format, lasts);
     // Entries of very different lengths may not part well; then the pages stay as they are.
     for (const IndexPageImage& half : halves)
         if (halves.size() != 2 || half.EncodedBytes(file_.format) > IndexRoom(file_.format))
@@ -115,7 +115,8 @@ base::Status IndexTree::Share(Path path, Neighbours& neighbours) {
 }
 
 base::Status IndexTree::WriteShrunkNode(Path path, PageNumber page, const IndexPageImage& image) {
-    if (path.empty() && image.entries.empty()) return CollapseRoot(image.tail);
+    if (path.empty() && image.entries.empty())
+        return CollapseRoot(image.tail, static_cast<std::uint8_t>(image.level - 1));
     RETURN_IF_ERROR(WriteImage(page, image));
     const bool sparse =
         image.entries.empty() || IsSparse(image.EncodedBytes(file_.format), file_.format);

@@ -22,11 +22,28 @@ base::Result<PageNumber> IndexTree::NewPage() {
     return page;
 }
 
-base::Result<IndexPageImage> IndexTree::LoadImage(PageNumber page) const {
+base::Result<IndexPageImage> IndexTree::LoadImage(PageNumber page, std::uint8_t level) const {
     ASSIGN_OR_RETURN(const PageView bytes, file_.store.Read(page));
     const auto view = IndexPageView::Parse(bytes.bytes(), file_.format, table_);
     if (!view) return errors::DamagedPage(page, "not a page of this index");
-    return IndexPageImage::Of(*view);
+    if (view->is_leaf() != (level == 0))
+        return errors::DamagedPage(page, "an index page at the wrong depth");
+    IndexPageImage image = IndexPageImage::Of(*view, level);
+    if (image.is_leaf()) return image;
+    ASSIGN_OR_RETURN(image.previous, NodeLink(page, image.previous, 1));
+    ASSIGN_OR_RETURN(image.next, NodeLink(page, image.next, 0));
+    return image;
+}
+
+// A node's link to its neighbour `other`; 0 unless that one has the link back. Nobody follows these
+// links, and not every engine keeps them, so that they may lead to pages of other uses.
+base::Result<PageNumber> IndexTree::NodeLink(PageNumber page, PageNumber other,
+                                             std::size_t back) const {
+    if (other == 0 || other >= file_.store.page_count()) return PageNumber{0};
+    ASSIGN_OR_RETURN(const PageView bytes, file_.store.Read(other));
+    const auto view = IndexPageView::Parse(bytes.bytes(), file_.format, table_);
+    if (!view || view->is_leaf()) return PageNumber{0};
+    return (back == 0 ? view->previous() : view->next()) == page ? other : PageNumber{0};
 }
 
 base::Status IndexTree::WriteImage(PageNumber page, const IndexPageImage& image) {
@@ -54,26 +71,54 @@ base::Result<bool> IndexTree::Insert(std::span<const std::byte> key, RowId row) 
     base::AppendBig(entry, row.page << 8 | row.slot);
     if (entry.size() > MaxEntryBytes(file_.format)) return errors::RecordTooLarge();
     Path path;
-    ASSIGN_OR_RETURN(const PageNumber leaf, FindLeaf(entry, path));
+    ASSIGN_OR_RETURN(PageNumber leaf, FindLeaf(entry, path));
     ++changes_;
-    ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(leaf));
-    const auto view = IndexPageView::Parse(bytes, file_.format, table_);
-    if (!view || !view->is_leaf()) return errors::DamagedPage(leaf, "not a leaf of this index");
+    ASSIGN_OR_RETURN(std::span<std::byte> bytes, file_.store.Change(leaf));
+    auto view = IndexPageView::Parse(bytes, file_.format, table_);
+    if (!view) return errors::DamagedPage(leaf, "not a leaf of this index");
     const std::size_t position = view->LowerBound(entry);
     if (position < view->count() && view->Compare(position, entry) == 0)
         return errors::DamagedPage(leaf, "the index has an entry for a new row");
+    if (position == view->count() && !IsRightmost(path)) {
+        // Only where the key above is larger than what is below it.
+        RETURN_IF_ERROR(SetLast(std::move(path), entry));
+        path.clear();
+        ASSIGN_OR_RETURN(leaf, FindLeaf(entry, path));
+        ASSIGN_OR_RETURN(bytes, file_.store.Change(leaf));
+        view = IndexPageView::Parse(bytes, file_.format, table_);
+        if (!view || view->LowerBound(entry) != position)
+            return errors::DamagedPage(leaf, "not the leaf that was found before");
+    }
     const auto has_key = [&](std::size_t i) {
         return i < view->count() && view->EntryBytes(i) == entry.size() && view->StartsWith(i, key);
     };
     const bool is_new = !has_key(position) && (position == 0 || !has_key(position - 1));
     if (InsertInPlace(bytes, file_.format, *view, position, entry)) return is_new;
-    IndexPageImage image = IndexPageImage::Of(*view);
+    IndexPageImage image = IndexPageImage::Of(*view, 0);
     image.entries.insert(image.entries.begin() + static_cast<std::ptrdiff_t>(position),
                          std::move(entry));
     if (image.Write(bytes, file_.format, table_)) return is_new;
-    const bool ascending = image.next == 0 && position + 1 == image.entries.size();
+    const bool ascending = IsRightmost(path) && position + 1 == image.entries.size();
     RETURN_IF_ERROR(Split(std::move(path), leaf, std::move(image), ascending));
     return is_new;
+}
+
+// The key that says so stands in the lowest node whose child on the path is not the tail.
+base::Status IndexTree::SetLast(Path path, std::span<const std::byte> last) {
+    while (!path.empty() && path.back().is_tail)
+        path.pop_back();
+    if (path.empty()) return {};
+    const Step step = path.back();
+    path.pop_back();
+    ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page, step.level));
+    if (step.child >= image.entries.size())
+        return errors::DamagedPage(step.page, "a node that lost an entry");
+    Bytes key = NodeEntry(last, image.Child(step.child));
+    if (image.entries[step.child] == key) return {};
+    image.entries[step.child] = std::move(key);
+    if (image.EncodedBytes(file_.format) <= IndexRoom(file_.format))
+        return WriteImage(step.page, image);
+    return Split(std::move(path), step.page, std::move(image), false);
 }
 
 // `image` is what page `page` should hold and cannot; `path` leads to it from the root.
@@ -86,7 +131,7 @@ base::Status IndexTree::Split(Path path, PageNumber page, IndexPageImage image, 
             lasts.push_back(piece.entries.back());
     } else {
         if (image.entries.size() < 3) return errors::RecordTooLarge();
-        pieces = SplitNode(image, ascending, lasts);
+        pieces = SplitNode(image, ascending, file_.format, lasts);
     }
     for (IndexPageImage& piece : pieces)
         piece.level = image.level;
@@ -111,9 +156,8 @@ base::Status IndexTree::Split(Path path, PageNumber page, IndexPageImage image, 
 base::Status IndexTree::ReplaceChild(Path path, const std::vector<Part>& parts) {
     const Step step = path.back();
     path.pop_back();
-    ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page));
-    const bool was_tail = step.child >= image.entries.size();
-    if (was_tail) {
+    ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page, step.level));
+    if (step.is_tail) {
         image.tail = parts.back().page;
     } else {
         Bytes& kept = image.entries[step.child];
@@ -127,7 +171,8 @@ base::Status IndexTree::ReplaceChild(Path path, const std::vector<Part>& parts) 
     image.entries.insert(at, added.begin(), added.end());
     if (image.EncodedBytes(file_.format) <= IndexRoom(file_.format))
         return WriteImage(step.page, image);
-    return Split(std::move(path), step.page, std::move(image), was_tail && image.next == 0);
+    const bool ascending = step.is_tail && IsRightmost(path);
+    return Split(std::move(path), step.page, std::move(image), ascending);
 }
 
 // The root page keeps its number: its content moves to new pages one level below it.
@@ -146,7 +191,8 @@ base::Status IndexTree::GrowRoot(std::vector<IndexPageImage> pieces, std::vector
         RETURN_IF_ERROR(WriteImage(pages[i], pieces[i]));
         if (i + 1 < pieces.size()) root.entries.push_back(NodeEntry(lasts[i], pages[i]));
     }
-    return WriteImage(root_, root);
+    if (root.EncodedBytes(file_.format) <= IndexRoom(file_.format)) return WriteImage(root_, root);
+    return Split({}, root_, std::move(root), false);
 }
 
 }  // namespace jet

@@ -1,6 +1,6 @@
 // Removing: an entry leaves its leaf; a leaf without entries leaves the tree, and so do nodes
-// without children. The key above a leaf that lost its largest entry stays: a larger one does no
-// harm. What becomes of sparse pages: index_tree_balance.cpp.
+// without children. Where the greatest entry below a node's child goes, the node's key follows.
+// What becomes of sparse pages: index_tree_balance.cpp.
 #include "jet/index_tree.h"
 #include "jet/storage_errors.h"
 
@@ -22,14 +22,14 @@ base::Result<bool> IndexTree::Remove(std::span<const std::byte> key, RowId row) 
     Bytes entry(key.begin(), key.end());
     base::AppendBig(entry, row.page << 8 | row.slot);
     Path path;
-    std::size_t position = 0;
+    ASSIGN_OR_RETURN(const PageNumber leaf, FindLeaf(entry, path));
     {
-        ASSIGN_OR_RETURN(const Place place, Descend(entry, &path));
-        position = place.entry;
+        ASSIGN_OR_RETURN(const Place place, LoadLeaf(leaf));
+        const std::size_t position = place.view.LowerBound(entry);
         if (position >= place.view.count() || place.view.Compare(position, entry) != 0)
             return false;
     }
-    RETURN_IF_ERROR(RemoveEntry(std::move(path), position));
+    RETURN_IF_ERROR(RemoveEntry(std::move(path), leaf, entry));
     return true;
 }
 
@@ -46,36 +46,41 @@ base::Result<bool> IndexTree::RemoveByWalk(RowId row) {
     return Remove(entry, row);
 }
 
-// `path` ends with the leaf.
-base::Status IndexTree::RemoveEntry(Path path, std::size_t position) {
+// `path` leads to the leaf.
+base::Status IndexTree::RemoveEntry(Path path, PageNumber leaf, std::span<const std::byte> entry) {
     ++changes_;
-    const PageNumber leaf = path.back().page;
-    path.pop_back();
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(leaf));
     const auto view = IndexPageView::Parse(bytes, file_.format, table_);
-    if (!view || position >= view->count())
-        return errors::DamagedPage(leaf, "not a page of this index");
-    if (view->count() > 1 || path.empty()) {
-        if (view->count() == 1 || !RemoveInPlace(bytes, file_.format, *view, position)) {
-            IndexPageImage image = IndexPageImage::Of(*view);
-            image.entries.erase(image.entries.begin() + static_cast<std::ptrdiff_t>(position));
-            if (!image.Write(bytes, file_.format, table_)) return errors::RecordTooLarge();
-        }
-        return path.empty() || !IsSparse(UsedBytes(bytes, file_.format), file_.format)
-                   ? base::Status()
-                   : Balance(std::move(path), leaf);
+    if (!view) return errors::DamagedPage(leaf, "not a page of this index");
+    const std::size_t position = view->LowerBound(entry);
+    if (position >= view->count()) return errors::DamagedPage(leaf, "not a page of this index");
+    const std::size_t left = view->count() - 1;  // entries that stay
+    if (left == 0 && !path.empty()) {
+        RETURN_IF_ERROR(Unlink(IndexPageImage::Of(*view, 0)));
+        RETURN_IF_ERROR(FreePage(leaf));
+        return DropChild(std::move(path));
     }
-    const IndexPageImage image = IndexPageImage::Of(*view);
-    RETURN_IF_ERROR(Unlink(image));
-    RETURN_IF_ERROR(FreePage(leaf));
-    return DropChild(std::move(path));
+    Bytes last;
+    if (position == left && left > 0) view->CopyEntry(left - 1, last);
+    if (left == 0 || !RemoveInPlace(bytes, file_.format, *view, position)) {
+        IndexPageImage image = IndexPageImage::Of(*view, 0);
+        image.entries.erase(image.entries.begin() + static_cast<std::ptrdiff_t>(position));
+        if (!image.Write(bytes, file_.format, table_)) return errors::RecordTooLarge();
+    }
+    const bool is_sparse = !path.empty() && IsSparse(UsedBytes(bytes, file_.format), file_.format);
+    if (!last.empty() && !IsRightmost(path)) {
+        RETURN_IF_ERROR(SetLast(std::move(path), last));
+        if (!is_sparse) return {};
+        ASSIGN_OR_RETURN(path, PathTo(last, leaf));
+    }
+    return is_sparse ? Balance(std::move(path), leaf) : base::Status();
 }
 
 // The child that the last step of `path` took is gone.
 base::Status IndexTree::DropChild(Path path) {
     const Step step = path.back();
     path.pop_back();
-    ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page));
+    ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page, step.level));
     if (image.entries.empty()) {
         // A node that had its tail only.
         if (path.empty()) return Create();
@@ -83,25 +88,32 @@ base::Status IndexTree::DropChild(Path path) {
         RETURN_IF_ERROR(FreePage(step.page));
         return DropChild(std::move(path));
     }
-    if (step.child < image.entries.size()) {
+    if (!step.is_tail) {
         image.entries.erase(image.entries.begin() + static_cast<std::ptrdiff_t>(step.child));
-    } else {
-        image.tail = image.Child(image.entries.size() - 1);
-        image.entries.pop_back();
+        return WriteShrunkNode(std::move(path), step.page, image);
     }
+    image.tail = image.Child(image.entries.size() - 1);
+    Bytes last = std::move(image.entries.back());
+    last.resize(last.size() - kChildBytes);
+    image.entries.pop_back();
+    if (IsRightmost(path)) return WriteShrunkNode(std::move(path), step.page, image);
+    RETURN_IF_ERROR(WriteImage(step.page, image));
+    RETURN_IF_ERROR(SetLast(std::move(path), last));
+    ASSIGN_OR_RETURN(path, PathTo(last, step.page));
     return WriteShrunkNode(std::move(path), step.page, image);
 }
 
 // The root takes over the content of its only child, and so on downwards.
-base::Status IndexTree::CollapseRoot(PageNumber child) {
+base::Status IndexTree::CollapseRoot(PageNumber child, std::uint8_t level) {
     while (true) {
-        ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(child));
+        ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(child, level));
         image.previous = 0;
         image.next = 0;
         RETURN_IF_ERROR(WriteImage(root_, image));
         RETURN_IF_ERROR(FreePage(child));
         if (image.is_leaf() || !image.entries.empty()) return {};
         child = image.tail;
+        --level;
     }
 }
 

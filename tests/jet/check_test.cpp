@@ -28,10 +28,10 @@ Bytes ReadSample(const std::string& name) {
     return {data, data + text.size()};
 }
 
-jet::CheckReport Check(const Bytes& file) {
+jet::CheckReport Check(const Bytes& file, jet::CheckOptions options = {}) {
     const std::uint32_t page_size = file[0x14] == std::byte{0} ? 2048 : 4096;
     const auto store = jet::MakeMemoryPageStore(page_size, file);
-    return jet::CheckIntegrity(*store);
+    return jet::CheckIntegrity(*store, options);
 }
 
 class CheckTest : public testing::Test {
@@ -49,6 +49,15 @@ TEST_F(CheckTest, FindsNoFaultInAnySample) {
         EXPECT_TRUE(test_support::DatabaseIsSound(entry.path())) << entry.path();
     }
     EXPECT_GE(files, 12u);
+}
+
+// The files of the engine that made the format; the old catalogues are by one that keeps no levels.
+TEST_F(CheckTest, RealFilesHaveExactNodeKeysAndLevels) {
+    for (const auto& entry : std::filesystem::directory_iterator(Samples() / "mdb"))
+        if (entry.path().extension() == ".mdb") {
+            EXPECT_TRUE(test_support::DatabaseIsSound(entry.path(), test_support::kOwnFile))
+                << entry.path();
+        }
 }
 
 TEST_F(CheckTest, LooksAtEverythingThereIs) {
@@ -96,6 +105,13 @@ public:
         base::StoreLittle(at(page, offset), static_cast<std::uint32_t>(value));
     }
 
+    // Of an index page: where its first entry ends.
+    std::size_t FirstEntryEnd(std::size_t page) {
+        std::size_t bit = 0;
+        while ((std::to_integer<unsigned>(*at(page, 27 + bit / 8)) >> (bit % 8) & 1U) == 0)
+            ++bit;
+        return 0x1E0 + bit;
+    }
     bool IsFree(std::size_t page) {
         const std::size_t row = U16(1, 14) & 0x1FFF;  // the first map on page 1, inline
         return (std::to_integer<unsigned>(*at(1, row + 5 + page / 8)) >> (page % 8) & 1U) != 0;
@@ -207,7 +223,35 @@ const Damage kDamages[] = {
          *v.at(page, 26) = std::byte{1};
          return page;
      },
-     "the levels do not fall by one"},
+     "a page that says level 1, but is of level 0", true},
+    {"levelOfANode", kIndexed,
+     [](Victim& v) {
+         const auto page = v.FindType(3);
+         *v.at(page, 26) = std::byte{0};
+         return page;
+     },
+     "a page that says level 0, but is of level 1", true},
+    {"keyOfANodeThatIsLarger", kIndexed,
+     [](Victim& v) {
+         const auto page = v.FindType(3);
+         *v.at(page, v.FirstEntryEnd(page) - 5) = std::byte{0xFE};  // the slot, before the child
+         return page;
+     },
+     "an entry of a node is larger than the last one below it", true},
+    {"keyOfANodeThatIsSmaller", kIndexed,
+     [](Victim& v) {
+         const auto page = v.FindType(3);
+         *v.at(page, 0x1E0) = std::byte{0};
+         return page;
+     },
+     "an entry of a node is less than what is below it"},
+    {"keyOfANodeThatReachesIntoTheNextChild", kIndexed,
+     [](Victim& v) {
+         const auto page = v.FindType(3);
+         *v.at(page, 0x1E0) = std::byte{0xFF};
+         return std::size_t{0};
+     },
+     "an entry that the node above has before this leaf"},
     {"nodeWithoutATail", kIndexed,
      [](Victim& v) {
          const auto page = v.FindType(3);

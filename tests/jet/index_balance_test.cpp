@@ -32,7 +32,7 @@ protected:
     void TearDown() override {
         if (database_ == nullptr) return;
         EXPECT_EQ(CheckStorage(database_->pages()).faults, std::vector<std::string>());
-        EXPECT_TRUE(test_support::PagesAreSound(database_->pages()));
+        EXPECT_TRUE(test_support::PagesAreSound(database_->pages(), test_support::kOwnFile));
     }
 
     void Open(base::Result<std::unique_ptr<Database>> opened) {

@@ -51,6 +51,26 @@ TEST_F(KeyEncoderTest, TrueSortsBeforeFalse) {
     EXPECT_EQ(Key(ColumnType::kBoolean, Value::Boolean(false), false), Raw({0x80, 0x00}));
 }
 
+// 16 bytes of magnitude behind the sign. In a descending column the sign stays as it is.
+TEST_F(KeyEncoderTest, DecimalsAreASignAndAMagnitude) {
+    const auto decimal = [](bool negative, std::uint32_t magnitude) {
+        return Value::Decimal(Numeric{negative, 2, {0, 0x01020304, 0, magnitude}});
+    };
+    const auto key = [](unsigned flag, unsigned sign, bool complement) {
+        Bytes bytes = Raw({0, 0, 0, 0, 1, 2, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0x0D});
+        for (std::byte& byte : bytes)
+            if (complement) byte = ~byte;
+        Bytes all = Raw({flag, sign});
+        all.insert(all.end(), bytes.begin(), bytes.end());
+        return all;
+    };
+    EXPECT_EQ(Key(ColumnType::kNumeric, decimal(false, 13)), key(0x7F, 0xFF, false));
+    EXPECT_EQ(Key(ColumnType::kNumeric, decimal(true, 13)), key(0x7F, 0x00, true));
+    EXPECT_EQ(Key(ColumnType::kNumeric, decimal(false, 13), false), key(0x80, 0xFF, true));
+    EXPECT_EQ(Key(ColumnType::kNumeric, decimal(true, 13), false), key(0x80, 0x00, false));
+    EXPECT_EQ(Key(ColumnType::kNumeric, {}, false), Raw({0xFF}));
+}
+
 TEST_F(KeyEncoderTest, BinaryComesInBlocksOfEight) {
     Bytes bytes(16, std::byte{1});
     Bytes expected = Raw({0x7F, 1, 1, 1, 1, 1, 1, 1, 1, 9, 1, 1, 1, 1, 1, 1, 1, 1, 8});

@@ -44,7 +44,7 @@ void TableFixture::TearDown() {
     if (database_ == nullptr) return;
     const StorageFaults found = CheckStorage(database_->pages());
     EXPECT_EQ(found.faults, std::vector<std::string>());
-    EXPECT_TRUE(test_support::PagesAreSound(database_->pages()));
+    EXPECT_TRUE(test_support::PagesAreSound(database_->pages(), test_support::kOwnFile));
 }
 
 void TableFixture::Open() {

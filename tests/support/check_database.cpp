@@ -1,12 +1,11 @@
 #include "support/check_database.h"
 
-#include "jet/check.h"
 #include "platform/file_system.h"
 
 namespace test_support {
 
-testing::AssertionResult PagesAreSound(jet::PageStore& store) {
-    const jet::CheckReport report = jet::CheckIntegrity(store);
+testing::AssertionResult PagesAreSound(jet::PageStore& store, jet::CheckOptions options) {
+    const jet::CheckReport report = jet::CheckIntegrity(store, options);
     if (report.sound()) return testing::AssertionSuccess();
     auto result = testing::AssertionFailure() << report.faults << " faults:\n";
     for (const jet::Finding& finding : report.findings)
@@ -14,13 +13,14 @@ testing::AssertionResult PagesAreSound(jet::PageStore& store) {
     return result;
 }
 
-testing::AssertionResult DatabaseIsSound(const std::filesystem::path& path) {
+testing::AssertionResult DatabaseIsSound(const std::filesystem::path& path,
+                                         jet::CheckOptions check) {
     const auto files = platform::MakeFileSystem();
     jet::PageStoreOptions options;
     options.read_only = true;
     const auto store = jet::OpenPageStore(*files, path, options);
     if (!store.ok()) return testing::AssertionFailure() << store.status().message();
-    return PagesAreSound(*store.value());
+    return PagesAreSound(*store.value(), check);
 }
 
 }  // namespace test_support
