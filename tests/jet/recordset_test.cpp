@@ -145,6 +145,16 @@ TEST_F(RecordsetTest, AKeysetShowsWhatIsStoredNowAndKeepsItsRows) {
     EXPECT_EQ(rows.Fields(u"Name").status().number(), 3167);
 }
 
+TEST_F(RecordsetTest, AKeysetAsksItsSubqueriesAnewAfterAnEdit) {
+    Recordset rows = Open(u"SELECT Played, (SELECT Sum(Played) FROM T), "
+                          u"(SELECT Sum(A.Played) FROM T AS A, T AS B WHERE A.Id = B.Id And B.Id "
+                          u"<= T.Id + 9) FROM T ORDER BY Id");
+    EXPECT_EQ(Shown(*rows.Fields(1)) + Shown(*rows.Fields(2)), "33");
+    ASSERT_TRUE(rows.SetField(u"Played", Value::Long(5)).ok());
+    ASSERT_TRUE(rows.Update().ok());
+    EXPECT_EQ(Shown(*rows.Fields(1)) + Shown(*rows.Fields(2)), "77");
+}
+
 TEST_F(RecordsetTest, AStaticOneKeepsTheValues) {
     Recordset rows = Open(u"SELECT * FROM T ORDER BY Name", CursorType::kStatic);
     Run(u"UPDATE T SET Name = 'z'");

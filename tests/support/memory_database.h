@@ -204,6 +204,7 @@ public:
     }
 
     base::Status Begin() override {
+        ++changes_;
         saved_.clear();
         for (const auto& table : tables_)
             saved_.push_back(std::make_unique<MemoryTable>(*table));
@@ -225,6 +226,7 @@ public:
             *tables_[i] = *saved_[i];
     }
     bool in_transaction() const override { return in_transaction_; }
+    std::uint64_t changes() const override { return changes_; }
 
     base::Status CreateTable(const jet::TableDesign& design) override {
         if (FindTable(design.name).ok()) return jet::JetError(3010, design.name);
@@ -305,6 +307,7 @@ private:
     std::unique_ptr<jet::PageStore> pages_ = jet::MakeMemoryPageStore(4096, {});
     bool read_only_ = false;
     bool in_transaction_ = false;
+    std::uint64_t changes_ = 0;
 };
 
 }  // namespace test_support

@@ -72,6 +72,14 @@ struct Part {
     JoinConditions on;
     std::vector<JoinCondition*> matching;  // those of `on` that take both sides
 
+    struct Missing {
+        Tuples rows;
+        RowNumbers all;   // where nothing links them
+        LinkIndex index;  // where something does
+    };
+    bool missing_varies = false;
+    std::unique_ptr<Missing> missing_rows;  // kept where they do not vary
+
     bool varies = false;  // the rows depend on the row of the statement around this one
     bool is_read = false;
     Tuples rows;  // of an outer join: the row of each source
@@ -197,10 +205,12 @@ private:
             const bool only_missing = condition->sources.IsWithin(part.missing->sources) &&
                                       !condition->sources.IsEmpty() && !condition->changes;
             (only_missing ? part.missing->conditions : part.matching).push_back(condition.get());
+            part.missing_varies = part.missing_varies || condition->varies;
         }
         RETURN_IF_ERROR(Distribute(*part.kept));
         RETURN_IF_ERROR(Distribute(*part.missing));
         part.varies = part.varies || part.kept->varies || part.missing->varies;
+        part.missing_varies = part.missing_varies || part.missing->varies;
         return Status::Ok();
     }
 
@@ -218,6 +228,7 @@ private:
         for (const auto& part : group.parts) {
             part->is_read = false;
             part->indexes.clear();
+            part->missing_rows.reset();
             if (part->is_table()) continue;
             Forget(*part->kept);
             Forget(*part->missing);
@@ -533,7 +544,6 @@ private:
 
     Status JoinOuter(Part& part) {
         ASSIGN_OR_RETURN(const Tuples kept, RowsOf(*part.kept));
-        ASSIGN_OR_RETURN(const Tuples missing, RowsOf(*part.missing));
         const std::vector<Link> links =
             FindLinks(part.matching, part.kept->sources, part.missing->sources);
         std::vector<const Expression*> here;
@@ -542,22 +552,32 @@ private:
             here.push_back(link.here);
             there.push_back(link.there);
         }
-        LinkIndex index;
-        RowNumbers partners;
-        for (std::uint32_t row = 0; row < missing.size(); ++row) {
-            ShowAll(part.missing->sources, missing.at(row));
-            if (links.empty())
-                partners.push_back(row);
-            else
-                index.Add(row, LinkKeyOf(there, context_));
-        }
+        if (part.missing_rows == nullptr || part.missing_varies)
+            RETURN_IF_ERROR(ReadMissing(part, there));
+        const Part::Missing& missing = *part.missing_rows;
+        RowNumbers found;
         part.rows = Tuples(count_);
         for (std::size_t i = 0; i < kept.size(); ++i) {
             ShowAll(part.kept->sources, kept.at(i));
-            if (!links.empty()) index.Find(LinkKeyOf(here, context_), partners);
-            RETURN_IF_ERROR(Match(part, kept.at(i), missing, partners));
+            if (!links.empty()) missing.index.Find(LinkKeyOf(here, context_), found);
+            RETURN_IF_ERROR(
+                Match(part, kept.at(i), missing.rows, links.empty() ? missing.all : found));
         }
         part.row_count = part.rows.size();
+        return Status::Ok();
+    }
+
+    Status ReadMissing(Part& part, const std::vector<const Expression*>& links) {
+        ASSIGN_OR_RETURN(Tuples rows, RowsOf(*part.missing));
+        part.missing_rows = std::make_unique<Part::Missing>(Part::Missing{std::move(rows), {}, {}});
+        Part::Missing& missing = *part.missing_rows;
+        for (std::uint32_t row = 0; row < missing.rows.size(); ++row) {
+            ShowAll(part.missing->sources, missing.rows.at(row));
+            if (links.empty())
+                missing.all.push_back(row);
+            else
+                missing.index.Add(row, LinkKeyOf(links, context_));
+        }
         return Status::Ok();
     }
 

@@ -46,8 +46,12 @@ Result<std::shared_ptr<Subquery>> Subquery::Prepare(const SelectStatement& selec
     return std::shared_ptr<Subquery>(new Subquery(std::move(query), std::move(uses)));
 }
 
+Subquery::Moment Subquery::MomentOf(const Session& session) {
+    return {session.statement, session.database->changes()};
+}
+
 bool Subquery::IsFresh(const Session& session) const {
-    return uses_.empty() && loaded_in_ == session.statement;
+    return uses_.empty() && loaded_in_ == MomentOf(session);
 }
 
 Status Subquery::CountRun(EvalContext& context) {
@@ -64,7 +68,7 @@ Status Subquery::Load(EvalContext& context) {
     for (ResultRow& row : rows)
         values_.push_back(std::move(row[0]));
     set_ = uses_.empty() ? ValueSet::Make(values_) : nullptr;
-    loaded_in_ = context.session->statement;
+    loaded_in_ = MomentOf(*context.session);
     return Status::Ok();
 }
 
@@ -80,12 +84,12 @@ Result<Value> Subquery::OnlyValue(EvalContext& context) {
 }
 
 Result<bool> Subquery::HasRows(EvalContext& context) {
-    const bool fresh = uses_.empty() && looked_in_ == context.session->statement;
+    const bool fresh = uses_.empty() && looked_in_ == MomentOf(*context.session);
     if (fresh) return has_rows_;
     RETURN_IF_ERROR(CountRun(context));
     const OuterFrame frame(context);
     ASSIGN_OR_RETURN(has_rows_, query_->HasRows());
-    looked_in_ = context.session->statement;
+    looked_in_ = MomentOf(*context.session);
     return has_rows_;
 }
 

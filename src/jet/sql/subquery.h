@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace jet::sql {
@@ -43,6 +44,9 @@ public:
 
 private:
     Subquery(std::unique_ptr<Query> query, std::vector<OuterUse> uses);
+    // The statement, and what is stored: rows of a recordset may be changed without a statement.
+    using Moment = std::pair<std::uint64_t, std::uint64_t>;
+    static Moment MomentOf(const Session& session);
     bool IsFresh(const Session& session) const;
     base::Status CountRun(EvalContext& context);
     base::Status Load(EvalContext& context);
@@ -50,10 +54,10 @@ private:
     std::unique_ptr<Query> query_;
     std::vector<OuterUse> uses_;
     // What the last run gave; good for all of one statement unless it uses outer columns.
-    std::optional<std::uint64_t> loaded_in_;
+    std::optional<Moment> loaded_in_;
     std::vector<Value> values_;
     std::unique_ptr<const ValueSet> set_;  // of values_, where they are good for a statement
-    std::optional<std::uint64_t> looked_in_;
+    std::optional<Moment> looked_in_;
     bool has_rows_ = false;
 };
 
