@@ -36,16 +36,22 @@ public:
     }
 
     void Write(const QString& key, const QString& value) {
-        store_.SaveSetting(catalogue::kSettingsApplication.toString(),
-                           catalogue::kSettingsSection.toString(), key, value);
+        const base::Status stored =
+            store_.SaveSetting(catalogue::kSettingsApplication.toString(),
+                               catalogue::kSettingsSection.toString(), key, value);
+        if (failure_.ok()) failure_ = stored;
     }
     void Write(const QString& key, std::int64_t value) { Write(key, QString::number(value)); }
     void WriteFlag(const QString& key, bool value) {
         Write(key, value ? QStringLiteral("True") : QStringLiteral("False"));
     }
 
+    // The first one of the writes.
+    const base::Status& failure() const { return failure_; }
+
 private:
     platform::SettingsStore& store_;
+    base::Status failure_;
 };
 
 WindowState StateOf(double number) {
@@ -80,7 +86,7 @@ MainWindowSettings ReadSettings(platform::SettingsStore& store) {
     return settings;
 }
 
-void WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings) {
+base::Status WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings) {
     Section section(store);
     section.Write(QStringLiteral("DIRECTION"), settings.direction);
     section.Write(QStringLiteral("ORDERBY"), settings.order_by);
@@ -98,6 +104,7 @@ void WriteSettings(platform::SettingsStore& store, const MainWindowSettings& set
     section.WriteFlag(QStringLiteral("MIN"), settings.minimise);
     if (!settings.last_picture_folder.isEmpty())
         section.Write(QStringLiteral("LASTPICDIR"), settings.last_picture_folder);
+    return section.failure();
 }
 
 }  // namespace browser

@@ -48,6 +48,7 @@ struct MainWindowSettings {
 // the window was not maximised.
 MainWindowSettings ReadSettings(platform::SettingsStore& store);
 // Writes every key in a fixed order, the picture folder last and only when there is one.
-void WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings);
+// The answer is the first failure to write one.
+base::Status WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings);
 
 }  // namespace browser

@@ -1,5 +1,6 @@
 #include "dialogs/executable_setting.h"
 
+#include "catalogue/error_report.h"
 #include "platform/files.h"
 
 namespace dialogs {
@@ -40,8 +41,10 @@ bool StoreExecutable(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
         prompts.Ask(message);
         return false;
     }
-    catalogue.settings->SaveSetting(Application(), Section(), kExecutableKey, path);
+    const base::Status stored =
+        catalogue.settings->SaveSetting(Application(), Section(), kExecutableKey, path);
     catalogue.values->VisualPinballExe = path;
+    catalogue::ShowError(prompts, stored);
     return true;
 }
 

@@ -15,7 +15,8 @@ QString StoredExecutable(const catalogue::Catalogue& catalogue);
 QString ChooseExecutable(platform::UserPrompts& prompts, const QString& current);
 
 // Any existing file is taken: it is stored as VPEXE at once and is what the next play starts.
-// Otherwise the user is told and nothing changes. True: stored.
+// Otherwise the user is told and nothing changes. True: taken; that it could not be stored for the
+// next start, the user is told, too.
 bool StoreExecutable(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                      const QString& path);
 

@@ -2,6 +2,7 @@
 #include "browser/main_window_fixture.h"
 
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QStatusBar>
 
 namespace browser {
 namespace {
@@ -49,6 +50,27 @@ TEST_F(ClosingTest, AFilterKindAndAnOrderThatWereNeverAppliedAreSaved) {
     EXPECT_EQ(Saved(u"FILTER"), S(u"PinMame"));
     EXPECT_EQ(Saved(u"ORDERBY"), S(u"Company"));
     EXPECT_EQ(TableNames(), QStringList({S(u"Alpha"), S(u"Beta"), S(u"Gamma")}));
+}
+
+TEST_F(ClosingTest, SettingsThatCannotBeStoredAreSaidOnce) {
+    Open();
+    settings.failure = {base::StatusCode::kIoError, "no room for TAVOLO.ini"};
+    EXPECT_TRUE(window->close());
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].text, S(u"no room for TAVOLO.ini"));
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ClosingTest, AFailureInPassingIsShownInTheStatusBar) {
+    Open();
+    auto* bar = window->findChild<QStatusBar*>(S(u"sbrDB"));
+    ASSERT_NE(bar, nullptr);
+    window->TellInPassing({});
+    EXPECT_EQ(bar->currentMessage(), QString());
+    window->TellInPassing({base::StatusCode::kIoError, "the disk is full"});
+    EXPECT_EQ(bar->currentMessage(), S(u"the disk is full"));
+    EXPECT_TRUE(prompts.messages.empty());
 }
 
 TEST_F(ClosingTest, AChangedRecordRefusesTheCloseWithoutAWord) {

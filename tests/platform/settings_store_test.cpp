@@ -20,6 +20,12 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
+    void Save(const QString& application, const QString& section, const QString& key,
+              const QString& value) {
+        const base::Status saved = store_->SaveSetting(application, section, key, value);
+        EXPECT_TRUE(saved.ok()) << saved.message();
+    }
+
     QTemporaryDir folder_;
     std::unique_ptr<platform::SettingsStore> store_ = platform::MakeSettingsStore();
 };
@@ -31,14 +37,14 @@ TEST_F(SettingsStoreTest, AMissingKeyGivesTheFallback) {
 }
 
 TEST_F(SettingsStoreTest, AnEmptyValueIsNotMissing) {
-    store_->SaveSetting(kApplication, kSection, QStringLiteral("SUB"), {});
+    Save(kApplication, kSection, QStringLiteral("SUB"), {});
     EXPECT_EQ(store_->GetSetting(kApplication, kSection, QStringLiteral("SUB"),
                                  QStringLiteral("fallback")),
               QString());
 }
 
 TEST_F(SettingsStoreTest, AValueIsInTheFileAtOnce) {
-    store_->SaveSetting(kApplication, kSection, QStringLiteral("VPEXE"), QStringLiteral("/opt/vp"));
+    Save(kApplication, kSection, QStringLiteral("VPEXE"), QStringLiteral("/opt/vp"));
     EXPECT_TRUE(FileText().contains("VPEXE=/opt/vp")) << FileText().toStdString();
 }
 
@@ -48,9 +54,8 @@ class SettingsText : public SettingsStoreTest, public testing::WithParamInterfac
 // that it is read anew.
 TEST_P(SettingsText, SurvivesTheProgram) {
     const QString value = QString::fromUtf8(GetParam());
-    store_->SaveSetting(kApplication, kSection, QStringLiteral("SUB"), value);
-    store_->SaveSetting(kApplication, QStringLiteral("OTHER"), QStringLiteral("SUB"),
-                        QStringLiteral("1"));
+    Save(kApplication, kSection, QStringLiteral("SUB"), value);
+    Save(kApplication, QStringLiteral("OTHER"), QStringLiteral("SUB"), QStringLiteral("1"));
     store_.reset();
     QTemporaryDir next;
     ASSERT_TRUE(QFile::copy(folder_.filePath(QStringLiteral("TAVOLO.ini")),
@@ -75,6 +80,39 @@ TEST_F(SettingsStoreTest, ACommaTypedIntoTheFileIsPartOfTheValue) {
     file.close();
     EXPECT_EQ(store_->GetSetting(kApplication, kSection, QStringLiteral("VPEXE")),
               QStringLiteral("/opt/a, b/vp"));
+}
+
+// A file where the folder should be: nobody can write there, not even root.
+TEST_F(SettingsStoreTest, AFileThatCannotBeWrittenIsSaidByName) {
+    const QString blocked = folder_.filePath(QStringLiteral("blocked"));
+    QFile in_the_way(blocked);
+    ASSERT_TRUE(in_the_way.open(QIODevice::WriteOnly));
+    in_the_way.close();
+    qputenv("XDG_CONFIG_HOME", blocked.toUtf8());
+    const auto save = [this](const QString& key) {
+        return store_->SaveSetting(kApplication, kSection, key, QStringLiteral("1"));
+    };
+    const base::Status saved = save(QStringLiteral("SUB"));
+    ASSERT_FALSE(saved.ok());
+    EXPECT_NE(saved.message().find("TAVOLO.ini"), std::string::npos) << saved.message();
+    EXPECT_EQ(store_->GetSetting(kApplication, kSection, QStringLiteral("SUB")),
+              QStringLiteral("1"));
+
+    ASSERT_TRUE(in_the_way.remove());
+    EXPECT_TRUE(save(QStringLiteral("FILTER")).ok());
+    QFile file(blocked + QStringLiteral("/TAVOLO.ini"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll();
+    EXPECT_TRUE(text.contains("FILTER=1") && text.contains("SUB=1")) << text.toStdString();
+}
+
+TEST_F(SettingsStoreTest, ADamagedFileIsWrittenAnewAndIsNoFailure) {
+    QFile file(folder_.filePath(QStringLiteral("TAVOLO.ini")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[[[\n==\n");
+    file.close();
+    Save(kApplication, kSection, QStringLiteral("SUB"), QStringLiteral("1"));
+    EXPECT_TRUE(FileText().contains("SUB=1"));
 }
 
 TEST_F(SettingsStoreTest, ADamagedFileGivesTheFallbacks) {

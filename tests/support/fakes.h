@@ -60,16 +60,19 @@ public:
     QMap<QString, QString> values;  // "application/section/key"
     std::vector<QString> written;   // keys in the order of writing
     std::function<void()> on_save;
+    base::Status failure;           // ok: writing succeeds
 
     QString GetSetting(const QString& application, const QString& section, const QString& key,
                        const QString& fallback) override {
         return values.value(Name(application, section, key), fallback);
     }
-    void SaveSetting(const QString& application, const QString& section, const QString& key,
-                     const QString& value) override {
+    base::Status SaveSetting(const QString& application, const QString& section, const QString& key,
+                             const QString& value) override {
         if (on_save) on_save();
         written.push_back(key);
+        if (!failure.ok()) return failure;
         values[Name(application, section, key)] = value;
+        return {};
     }
     static QString Name(const QString& application, const QString& section, const QString& key) {
         return application + u'/' + section + u'/' + key;

@@ -24,11 +24,15 @@ public:
         return value.toString();
     }
 
-    void SaveSetting(const QString& application, const QString& section, const QString& key,
-                     const QString& value) override {
+    base::Status SaveSetting(const QString& application, const QString& section, const QString& key,
+                             const QString& value) override {
+        StartAfreshAfterFailure(application);
         QSettings& file = FileOf(application);
         file.setValue(Name(section, key), value);
         file.sync();
+        if (!HasFailed(file)) return {};
+        return {base::StatusCode::kIoError,
+                "The settings cannot be stored in " + file.fileName().toStdString()};
     }
 
 private:
@@ -37,6 +41,19 @@ private:
     static QString Name(const QString& section, const QString& key) {
         const bool is_general = section.compare(QLatin1String("general"), Qt::CaseInsensitive) == 0;
         return is_general ? key : section + u'/' + key;
+    }
+
+    // A damaged file is written anew and is no failure.
+    static bool HasFailed(const QSettings& file) { return file.status() == QSettings::AccessError; }
+
+    // A QSettings that has failed once says so for ever.
+    void StartAfreshAfterFailure(const QString& application) {
+        const auto found = files_.find(application);
+        if (found == files_.end() || !HasFailed(*found->second)) return;
+        const std::unique_ptr<QSettings> failed = std::move(found->second);
+        QSettings& file = FileOf(application);
+        for (const QString& key : failed->allKeys())
+            file.setValue(key, failed->value(key));
     }
 
     QSettings& FileOf(const QString& application) {
