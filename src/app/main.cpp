@@ -8,6 +8,7 @@
 #include "catalogue/error_report.h"
 #include "dialogs/program_version.h"
 #include "dialogs/qt_user_prompts.h"
+#include "platform/application_folder.h"
 #include "platform/file_system.h"
 
 #include <QtGui/QIcon>
@@ -32,7 +33,7 @@ int Complain(const QString& error) {
 app::Arguments ArgumentsOf(int argc, char** argv) {
     QStringList words;
     for (int i = 1; i < argc; ++i)
-        words.append(QString::fromLocal8Bit(argv[i]));
+        words.append(platform::ArgumentText(argv[i]));
     return app::ParseArguments(words);
 }
 

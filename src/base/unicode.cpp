@@ -50,29 +50,32 @@ bool IsValid(char32_t c, int length) {
     return c >= kSmallest[length] && c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
 }
 
-// Decodes one character at `at` and moves `at` behind it; a bad byte is passed over alone.
-char32_t NextUtf8(std::string_view text, std::size_t& at) {
-    const auto lead = static_cast<unsigned char>(text[at]);
+// One character and how many bytes it has; 0 bytes: there is no valid character at the start.
+struct Utf8Character {
+    char32_t value = kReplacement;
+    std::size_t bytes = 0;
+};
+
+Utf8Character FirstCharacter(std::string_view text) {
+    if (text.empty()) return {};
+    const auto lead = static_cast<unsigned char>(text[0]);
     const int length = SequenceLength(lead);
-    if (length == 0 || text.size() - at < static_cast<std::size_t>(length)) {
-        ++at;
-        return kReplacement;
-    }
+    if (length == 0 || text.size() < static_cast<std::size_t>(length)) return {};
     char32_t c = length == 1 ? lead : lead & (0xFFU >> (length + 1));
     for (int i = 1; i < length; ++i) {
-        const auto next = static_cast<unsigned char>(text[at + static_cast<std::size_t>(i)]);
-        if ((next & 0xC0) != 0x80) {
-            ++at;
-            return kReplacement;
-        }
+        const auto next = static_cast<unsigned char>(text[static_cast<std::size_t>(i)]);
+        if ((next & 0xC0) != 0x80) return {};
         c = (c << 6) | (next & 0x3FU);
     }
-    if (!IsValid(c, length)) {
-        ++at;
-        return kReplacement;
-    }
-    at += static_cast<std::size_t>(length);
-    return c;
+    if (!IsValid(c, length)) return {};
+    return {c, static_cast<std::size_t>(length)};
+}
+
+// Decodes one character at `at` and moves `at` behind it; a bad byte is passed over alone.
+char32_t NextUtf8(std::string_view text, std::size_t& at) {
+    const Utf8Character character = FirstCharacter(text.substr(at));
+    at += character.bytes == 0 ? 1 : character.bytes;
+    return character.value;
 }
 
 }  // namespace
@@ -100,6 +103,10 @@ std::u16string ToUtf16(std::string_view text) {
     for (std::size_t at = 0; at < text.size();)
         AppendUtf16(out, NextUtf8(text, at));
     return out;
+}
+
+std::size_t ValidUtf8Sequence(std::string_view bytes) {
+    return FirstCharacter(bytes).bytes;
 }
 
 }  // namespace base

@@ -2,6 +2,7 @@
 // becomes U+FFFD.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -9,5 +10,9 @@ namespace base {
 
 std::string ToUtf8(std::u16string_view text);
 std::u16string ToUtf16(std::string_view text);
+
+// Length of the valid sequence (one character) at the start of `bytes`; 0: there is none, or no
+// byte at all.
+std::size_t ValidUtf8Sequence(std::string_view bytes);
 
 }  // namespace base

@@ -1,6 +1,7 @@
 #include "browser/rules_file.h"
 
 #include "base/ansi_text.h"
+#include "platform/files.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QStringConverter>
@@ -54,8 +55,8 @@ QString LinesWithCrLf(const QString& text) {
 }
 
 base::Result<QString> ReadRulesFile(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    QFile file;
+    if (!platform::OpenFile(file, path, QIODevice::ReadOnly))
         return Failure(base::StatusCode::kNotFound, path, file.errorString());
     if (file.size() > kLargestRulesFileBytes)
         return Failure(base::StatusCode::kUnsupported, path,

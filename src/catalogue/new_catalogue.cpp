@@ -1,5 +1,6 @@
 #include "catalogue/new_catalogue.h"
 
+#include "base/file_names.h"
 #include "catalogue/data_source.h"
 #include "jet/connection.h"
 #include "jet/database.h"
@@ -28,7 +29,7 @@ constexpr std::u16string_view kStatements[] = {
 
 base::Status MakeTables(jet::FileSystem& files, const std::filesystem::path& path, double now) {
     jet::Connection connection(files, [now] { return now; });
-    RETURN_IF_ERROR(connection.Open(u"Data Source=" + DataSourceValue(path.u16string())));
+    RETURN_IF_ERROR(connection.Open(u"Data Source=" + DataSourceValue(base::TextOf(path))));
     for (const std::u16string_view statement : kStatements) {
         auto done = connection.Execute(statement);
         if (!done.ok()) return done.status();

@@ -1,6 +1,8 @@
 #include "checksum/clsCRC.h"
 
 #include "base/ansi_text.h"
+#include "base/file_names.h"
+#include "base/unicode.h"
 #include "checksum/crc_16.h"
 
 #include <libdeflate.h>
@@ -20,8 +22,7 @@ constexpr std::size_t kChunkBytes = std::size_t{64} << 10;
 constexpr std::int32_t kFileNotFoundNumber = 53;
 
 std::string NameOf(const std::filesystem::path& path) {
-    const std::u8string name = path.filename().u8string();
-    return {name.begin(), name.end()};
+    return base::ToUtf8(base::TextOf(path.filename()));
 }
 
 // Only ordinary files have a length and an end; a pipe would block for ever.
@@ -67,18 +68,26 @@ std::int32_t clsCRC::CalculateBytes(std::span<const std::byte> bytes) {
 }
 
 base::Result<std::optional<std::int32_t>> clsCRC::CalculateFile(const std::filesystem::path& path) {
-    ASSIGN_OR_RETURN(std::uint64_t left, LengthOf(path));
-    if (left == 0) return std::optional<std::int32_t>();
+    ASSIGN_OR_RETURN(const std::uint64_t length, LengthOf(path));
+    if (length == 0) return std::optional<std::int32_t>();
     std::ifstream file;
     file.rdbuf()->pubsetbuf(nullptr, 0);  // the chunks are the buffer
     file.open(path, std::ios::binary);
+    auto value = CalculateStream(file, length);
+    if (value.ok()) return value;
+    return base::Status(value.status().code(), NameOf(path) + ": " + value.status().message());
+}
+
+base::Result<std::optional<std::int32_t>> clsCRC::CalculateStream(std::istream& stream,
+                                                                  std::uint64_t length_bytes) {
     buffer_.resize(kChunkBytes);
     clsCRC fresh;
     fresh.Algorithm(is_crc32_ ? Crc32 : Crc16);
-    while (left > 0) {
+    for (std::uint64_t left = length_bytes; left > 0;) {
         const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(left, kChunkBytes));
-        if (!file.read(reinterpret_cast<char*>(buffer_.data()), static_cast<std::streamsize>(size)))
-            return base::Status(base::StatusCode::kIoError, NameOf(path) + ": cannot be read");
+        if (!stream.read(reinterpret_cast<char*>(buffer_.data()),
+                         static_cast<std::streamsize>(size)))
+            return base::Status(base::StatusCode::kIoError, "cannot be read");
         fresh.AddBytes(std::span(buffer_).first(size));
         left -= size;
     }

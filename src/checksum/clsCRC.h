@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <iosfwd>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -42,6 +43,9 @@ public:
     // kNotFound, number 53: no such file; kUnsupported: not a file; kIoError: it cannot be read, or
     // shrinks meanwhile.
     base::Result<std::optional<std::int32_t>> CalculateFile(const std::filesystem::path& path);
+    // The same over the next `length_bytes` bytes of `stream`, which must be more than none.
+    base::Result<std::optional<std::int32_t>> CalculateStream(std::istream& stream,
+                                                              std::uint64_t length_bytes);
     std::int32_t CalculateString(std::u16string_view text);
 
     // CRC-32: the complement of the register. CRC-16: the register.

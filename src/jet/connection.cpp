@@ -10,7 +10,7 @@
 #include "jet/sql/rule_maker.h"
 #include "jet/system_clock.h"
 
-#include "base/unicode.h"
+#include "base/file_names.h"
 
 #include <filesystem>
 
@@ -52,7 +52,7 @@ Connection::Impl::~Impl() {
 Status Connection::Impl::Open(std::u16string_view connection_string) {
     if (database_ != nullptr) return JetError(3705);
     ASSIGN_OR_RETURN(const ConnectionSettings settings, ParseConnectionString(connection_string));
-    const std::filesystem::path path(settings.data_source);
+    const std::filesystem::path path = base::PathOf(settings.data_source);
     ASSIGN_OR_RETURN(std::unique_ptr<Database> database,
                      OpenFile(*files_, path, settings.read_only));
     Adopt(std::move(database));

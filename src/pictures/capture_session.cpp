@@ -3,6 +3,7 @@
 #include "catalogue/error_report.h"
 #include "pictures/jpeg_bridge.h"
 #include "platform/application_folder.h"
+#include "platform/files.h"
 
 #include <QtCore/QFile>
 #include <QtGui/QPainter>
@@ -35,11 +36,14 @@ void CaptureSession::Paste(const QImage& clipboard) {
     const QString bmp = platform::FileIn(values_.ApplicationFolder, QStringLiteral("temp.bmp"));
     const QString jpeg = platform::FileIn(values_.ApplicationFolder, QStringLiteral("temp.jpg"));
     if (WriteTemporaryBmp(clipboard, bmp) && Convert(bmp, jpeg) && Show(jpeg)) current_file_ = jpeg;
-    QFile::remove(bmp);
+    platform::RemoveFile(bmp);
 }
 
 bool CaptureSession::WriteTemporaryBmp(const QImage& image, const QString& path) {
-    if (qint64{image.width()} * image.height() <= kMostPixels && Opaque(image).save(path, "BMP"))
+    QFile file;
+    if (qint64{image.width()} * image.height() <= kMostPixels &&
+        platform::OpenFile(file, path, QIODevice::WriteOnly) && Opaque(image).save(&file, "BMP") &&
+        file.flush())
         return true;
     ReportStatus({base::StatusCode::kIoError,
                   (path + QStringLiteral(": the picture cannot be written")).toStdString()});

@@ -1,6 +1,7 @@
 #include "pictures/dib_section.h"
 
 #include "base/cut_bitmap.h"
+#include "platform/files.h"
 
 #include <QtCore/QFile>
 #include <QtGui/QImage>
@@ -34,8 +35,8 @@ int ScanLine(int width, int channels) {
 }
 
 bool IsCut(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return true;
+    QFile file;
+    if (!platform::OpenFile(file, path, QIODevice::ReadOnly)) return true;
     const QByteArray header = file.read(base::kBitmapHeaderBytes);
     return base::IsCutBitmap(
         std::as_bytes(std::span(header.constData(), static_cast<std::size_t>(header.size()))),
@@ -44,7 +45,9 @@ bool IsCut(const QString& path) {
 
 // A null image when the file is no BMP, claims a size that is out of reason, or ends early.
 QImage ReadBmp(const QString& path) {
-    QImageReader reader(path, QByteArrayLiteral("bmp"));
+    QFile file;
+    if (!platform::OpenFile(file, path, QIODevice::ReadOnly)) return {};
+    QImageReader reader(&file, QByteArrayLiteral("bmp"));
     reader.setAutoDetectImageFormat(false);
     // A negative height means rows from the top.
     const QSize size = reader.size();

@@ -1,9 +1,9 @@
 #include "pictures/jpeg_bridge.h"
 
 #include "pictures/jpeg_codec.h"
+#include "platform/files.h"
 
 #include <QtCore/QFile>
-#include <QtCore/QSaveFile>
 
 namespace pictures::Helpers {
 namespace {
@@ -31,23 +31,22 @@ void Report(const JpegOutcome& outcome, const QString& context, platform::UserPr
     ReportIJLError(context, outcome.code, PtrToString(outcome.text.c_str()), prompts);
 }
 
-base::Status FileError(const QFileDevice& file) {
-    const auto code = file.error() == QFileDevice::ResourceError ? base::StatusCode::kNoSpace
-                                                                 : base::StatusCode::kIoError;
-    return {code, (file.fileName() + QStringLiteral(": ") + file.errorString()).toStdString()};
+base::Status FileError(const QFileDevice& file, const QString& path) {
+    return {base::StatusCode::kIoError,
+            (path + QStringLiteral(": ") + file.errorString()).toStdString()};
 }
 
 }  // namespace
 
 base::Result<bool> LoadJPG(cDIBSection& target, const QString& path, int scale,
                            platform::UserPrompts& prompts) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return FileError(file);
+    QFile file;
+    if (!platform::OpenFile(file, path, QIODevice::ReadOnly)) return FileError(file, path);
     if (file.size() > kMostFileBytes)
         return base::Status(base::StatusCode::kUnsupported,
                             (path + QStringLiteral(": the file is too large")).toStdString());
     const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) return FileError(file);
+    if (file.error() != QFileDevice::NoError) return FileError(file, path);
     const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.constData());  // NOLINT: bytes
     return LoadJPGFromPtr(target, {data, static_cast<std::size_t>(bytes.size())}, scale, prompts);
 }
@@ -67,14 +66,8 @@ base::Result<bool> SaveJPG(const cDIBSection& source, const QString& path,
         Report(outcome, EncodeContext(outcome.failed), prompts);
         return false;
     }
-    QSaveFile file(path);
-    // Unbuffered: a failing write shows in its result; the buffer's last flush would hide it from
-    // commit().
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return FileError(file);
     const auto* data = reinterpret_cast<const char*>(jpeg.data());  // NOLINT: bytes
-    if (file.write(data, static_cast<qint64>(jpeg.size())) != static_cast<qint64>(jpeg.size()) ||
-        !file.commit())
-        return FileError(file);
+    RETURN_IF_ERROR(platform::SaveFile(path, {data, static_cast<qsizetype>(jpeg.size())}));
     return true;
 }
 

@@ -25,6 +25,7 @@ struct FileDialog {
     QString folder;     // where it opens when file_name has no folder
     QString default_extension;
     QString name;  // of the dialog; empty: "FileDialog"
+    bool must_exist = true;  // to open: false when the caller itself tells of a file that is not there
     bool operator==(const FileDialog&) const = default;
 };
 
@@ -33,7 +34,7 @@ public:
     virtual ~UserPrompts() = default;
     // Closing the box counts as Cancel or No.
     virtual MessageAnswer Ask(const Message& message) = 0;
-    // The chosen full path; empty: cancelled. Open: the file must exist.
+    // The chosen full path; empty: cancelled.
     virtual QString ChooseFileToOpen(const FileDialog& dialog) = 0;
     virtual QString ChooseFileToSave(const FileDialog& dialog) = 0;
     // Title "Select a folder." when the caller gives none. Empty: cancelled.

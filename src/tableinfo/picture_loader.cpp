@@ -1,6 +1,7 @@
 #include "tableinfo/picture_loader.h"
 
 #include "base/cut_bitmap.h"
+#include "platform/files.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
@@ -26,7 +27,9 @@ std::unique_ptr<QIODevice> OpenSource(const PictureSource& source) {
         buffer->setData(source.bytes);
         device = std::move(buffer);
     } else {
-        device = std::make_unique<QFile>(source.path);
+        auto file = std::make_unique<QFile>();
+        if (!platform::OpenFile(*file, source.path, QIODevice::ReadOnly)) return nullptr;
+        return file;
     }
     if (!device->open(QIODevice::ReadOnly)) return nullptr;
     return device;

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+
+#include <sstream>
+
 #include <array>
 #include <cstdlib>
 #include <fstream>
@@ -250,6 +254,31 @@ TEST_F(FileCrcTest, AFailureLeavesTheRegisters) {
     const std::int32_t before = crc.AddString(u"before");
     EXPECT_FALSE(crc.CalculateFile(folder_ / "missing.vpt").ok());
     EXPECT_EQ(crc.Value(), before);
+}
+
+// Reading that fails somewhere behind the first chunk.
+TEST(CrcStreamTest, AReadThatFailsMidwayIsAnErrorAndLeavesTheRegisters) {
+    constexpr std::size_t kLength = 200'000;
+    for (const std::size_t there :
+         {std::size_t{0}, std::size_t{1}, std::size_t{65'536}, std::size_t{150'000}, kLength - 1}) {
+        std::istringstream stream(std::string(there, 'x'));
+        clsCRC crc;
+        const std::int32_t before = crc.CalculateString(u"123456789");
+        const auto value = crc.CalculateStream(stream, kLength);
+        ASSERT_FALSE(value.ok()) << there;
+        EXPECT_EQ(value.status().code(), base::StatusCode::kIoError);
+        EXPECT_EQ(crc.Value(), before) << there;
+    }
+}
+
+TEST(CrcStreamTest, AWholeStreamIsItsBytes) {
+    const std::string bytes(200'000, 'x');
+    std::istringstream stream(bytes);
+    clsCRC crc;
+    const auto value = crc.CalculateStream(stream, bytes.size());
+    ASSERT_TRUE(value.ok());
+    clsCRC other;
+    EXPECT_EQ(*value, other.CalculateBytes(std::as_bytes(std::span(bytes))));
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ class FilesTest : public testing::Test {
 protected:
     QString In(const QString& name) const { return folder_.filePath(name); }
     void WriteFile(const QString& name, const char* text = "x") const {
-        std::ofstream(platform::ToPath(In(name))) << text;
+        std::ofstream(In(name).toStdString()) << text;
     }
     std::vector<QString> Listed(const QString& folder) const {
         std::vector<QString> names;
@@ -129,16 +129,24 @@ TEST_F(FilesTest, AFileCannotBeListed) {
 
 TEST_F(FilesTest, TwoNamesOfAFolderHaveOneIdentity) {
     ASSERT_TRUE(QFile::link(folder_.path(), In(QStringLiteral("loop"))));
-    const QString identity = platform::FolderIdentity(folder_.path());
+    const QString identity = platform::Identity(folder_.path());
     EXPECT_FALSE(identity.isEmpty());
-    EXPECT_EQ(platform::FolderIdentity(In(QStringLiteral("loop/loop"))), identity);
-    EXPECT_NE(platform::FolderIdentity(QStringLiteral("/")), identity);
+    EXPECT_EQ(platform::Identity(In(QStringLiteral("loop/loop"))), identity);
+    EXPECT_NE(platform::Identity(QStringLiteral("/")), identity);
 }
 
-TEST_F(FilesTest, AFileAndAMissingFolderHaveNoIdentity) {
+TEST_F(FilesTest, TwoNamesOfAFileHaveOneIdentity) {
     WriteFile(QStringLiteral("a"));
-    EXPECT_TRUE(platform::FolderIdentity(In(QStringLiteral("a"))).isEmpty());
-    EXPECT_TRUE(platform::FolderIdentity(In(QStringLiteral("gone"))).isEmpty());
+    WriteFile(QStringLiteral("b"));
+    ASSERT_TRUE(QFile::link(In(QStringLiteral("a")), In(QStringLiteral("to a"))));
+    EXPECT_EQ(platform::Identity(In(QStringLiteral("to a"))),
+              platform::Identity(In(QStringLiteral("a"))));
+    EXPECT_NE(platform::Identity(In(QStringLiteral("b"))),
+              platform::Identity(In(QStringLiteral("a"))));
+}
+
+TEST_F(FilesTest, WhatIsMissingHasNoIdentity) {
+    EXPECT_TRUE(platform::Identity(In(QStringLiteral("gone"))).isEmpty());
 }
 
 TEST_F(FilesTest, ChangingTheDirectoryMovesTheProcess) {
@@ -179,6 +187,158 @@ TEST(ApplicationFolderTest, OnlyAnExistingFolderIsWritable) {
 TEST(ApplicationFolderTest, TheRootNeedsNoSecondSeparator) {
     EXPECT_EQ(platform::FileIn(QStringLiteral("/"), QStringLiteral("a")), QStringLiteral("/a"));
     EXPECT_EQ(platform::FileIn(QStringLiteral("/b"), QStringLiteral("a")), QStringLiteral("/b/a"));
+}
+
+// Letter case: catalogues of Windows meet a disk to which it matters.
+
+TEST_F(FilesTest, ANameInOtherLetterCaseIsFound) {
+    ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("Tables")));
+    WriteFile(QStringLiteral("Tables/Grün.vpt"), "12345");
+    const QString other = In(QStringLiteral("TABLES/GRÜN.VPT"));
+    EXPECT_EQ(platform::ExistingName(other), In(QStringLiteral("Tables/Grün.vpt")));
+    EXPECT_TRUE(platform::FileExists(other));
+    EXPECT_EQ(platform::FileSize(other).value_or(-1), 5);
+    EXPECT_TRUE(platform::LastModified(other).isValid());
+    QFile file;
+    ASSERT_TRUE(platform::OpenFile(file, other, QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("12345"));
+    EXPECT_TRUE(platform::ChangeDirectory(In(QStringLiteral("tables"))).ok());
+    EXPECT_EQ(Listed(In(QStringLiteral("tABLES/"))), std::vector{QStringLiteral("Grün.vpt")});
+}
+
+TEST_F(FilesTest, TheExactNameComesFirst) {
+    WriteFile(QStringLiteral("a.vpt"), "1");
+    WriteFile(QStringLiteral("A.vpt"), "22");
+    EXPECT_EQ(platform::FileSize(In(QStringLiteral("a.vpt"))).value_or(-1), 1);
+    EXPECT_EQ(platform::FileSize(In(QStringLiteral("A.vpt"))).value_or(-1), 2);
+    EXPECT_EQ(platform::ExistingName(In(QStringLiteral("a.VPT"))), In(QStringLiteral("A.vpt")));
+}
+
+TEST_F(FilesTest, WhatIsWrittenGetsTheNameThatWasAskedFor) {
+    WriteFile(QStringLiteral("a.jpg"), "old");
+    QFile file;
+    ASSERT_TRUE(platform::OpenFile(file, In(QStringLiteral("A.jpg")), QIODevice::WriteOnly));
+    file.close();
+    EXPECT_TRUE(platform::SaveFile(In(QStringLiteral("A.JPG")), "new").ok());
+    EXPECT_EQ(Listed(folder_.path()).size(), 3U);
+    EXPECT_EQ(platform::FileSize(In(QStringLiteral("a.jpg"))).value_or(-1), 3);
+}
+
+TEST_F(FilesTest, AMissingNameStaysAsItIs) {
+    WriteFile(QStringLiteral("a.vpt"));
+    for (const QString& name :
+         {In(QStringLiteral("b.vpt")), In(QStringLiteral("gone/a.vpt")),
+          In(QStringLiteral("a.vpt/x")), QStringLiteral("C:\\T\\a.vpt"), QString()}) {
+        EXPECT_EQ(platform::ExistingName(name), name);
+        EXPECT_FALSE(platform::FileExists(name));
+    }
+}
+
+// The names of a folder are remembered from one question to the next.
+TEST_F(FilesTest, AFileThatComesOrGoesIsNoticedAtOnce) {
+    for (int round = 0; round < 20; ++round) {
+        const QString name = QStringLiteral("New%1.vpt").arg(round);
+        EXPECT_FALSE(platform::FileExists(In(name.toUpper())));
+        WriteFile(name);
+        EXPECT_TRUE(platform::FileExists(In(name.toUpper()))) << round;
+        ASSERT_TRUE(QFile::remove(In(name)));
+        EXPECT_FALSE(platform::FileExists(In(name.toUpper()))) << round;
+    }
+}
+
+// Names that are no UTF-8.
+
+class RawNameTest : public FilesTest {
+protected:
+    const std::string raw_ = folder_.path().toStdString() + "/S\xFC"
+                                                            "d";
+    const QString name_ = In(QStringLiteral("S")) + QChar(0xDCFC) + u'd';
+    ~RawNameTest() override { std::filesystem::remove_all(raw_); }
+    static std::string Content(const std::string& path) {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+};
+
+TEST_F(RawNameTest, IsOpenedForReadingAndWriting) {
+    QFile out;
+    ASSERT_TRUE(platform::OpenFile(out, name_, QIODevice::WriteOnly));
+    EXPECT_EQ(out.write("12345"), 5);
+    out.close();
+    EXPECT_EQ(Content(raw_), "12345");
+    QFile in;
+    ASSERT_TRUE(platform::OpenFile(in, name_, QIODevice::ReadOnly));
+    EXPECT_EQ(in.size(), 5);
+    EXPECT_EQ(in.readAll(), QByteArray("12345"));
+}
+
+TEST_F(RawNameTest, IsSavedCopiedAndRemoved) {
+    EXPECT_TRUE(platform::SaveFile(name_, "old").ok());
+    EXPECT_TRUE(platform::SaveFile(name_, "new").ok());
+    EXPECT_EQ(Content(raw_), "new");
+    EXPECT_TRUE(platform::CopyNewFile(name_, In(QStringLiteral("copy"))).ok());
+    EXPECT_EQ(Content(folder_.path().toStdString() + "/copy"), "new");
+    platform::RemoveFile(name_);
+    EXPECT_FALSE(std::filesystem::exists(raw_));
+}
+
+TEST_F(RawNameTest, IsAFolderThatIsMadeAndMadeAbsolute) {
+    EXPECT_TRUE(platform::MakeFolder(name_).ok());
+    EXPECT_TRUE(std::filesystem::is_directory(raw_));
+    EXPECT_TRUE(platform::FolderExists(name_));
+    std::filesystem::current_path(raw_);
+    EXPECT_EQ(platform::AbsolutePath(QStringLiteral("a/../b/")), name_ + QStringLiteral("/b"));
+    EXPECT_EQ(platform::RealPath(name_ + QStringLiteral("/..")), folder_.path());
+}
+
+TEST_F(FilesTest, AFileThatCannotBeOpenedSaysWhy) {
+    QFile file;
+    EXPECT_FALSE(platform::OpenFile(file, In(QStringLiteral("gone")), QIODevice::ReadOnly));
+    EXPECT_FALSE(file.errorString().isEmpty());
+    EXPECT_FALSE(
+        platform::OpenFile(file, In(QStringLiteral("go")) + QChar(0xDCFC), QIODevice::ReadOnly));
+}
+
+TEST_F(FilesTest, SavingKeepsALinkAndThePermissions) {
+    WriteFile(QStringLiteral("real"), "old");
+    std::filesystem::permissions(platform::ToPath(In(QStringLiteral("real"))),
+                                 std::filesystem::perms{0640});
+    ASSERT_TRUE(QFile::link(In(QStringLiteral("real")), In(QStringLiteral("link"))));
+    EXPECT_TRUE(platform::SaveFile(In(QStringLiteral("link")), "new").ok());
+    EXPECT_EQ(platform::FileSize(In(QStringLiteral("real"))).value_or(-1), 3);
+    EXPECT_TRUE(std::filesystem::is_symlink(platform::ToPath(In(QStringLiteral("link")))));
+    const auto facts = std::filesystem::status(platform::ToPath(In(QStringLiteral("real"))));
+    EXPECT_EQ(facts.permissions(), std::filesystem::perms{0640});
+    EXPECT_EQ(Listed(folder_.path()).size(), 2U);
+}
+
+TEST_F(FilesTest, SavingWhereNothingCanBeSavedNamesTheFile) {
+    const base::Status saved = platform::SaveFile(In(QStringLiteral("gone/a")), "x");
+    ASSERT_FALSE(saved.ok());
+    EXPECT_NE(saved.message().find("gone/a"), std::string::npos) << saved.message();
+    EXPECT_FALSE(platform::SaveFile(folder_.path(), "x").ok());
+    EXPECT_FALSE(platform::SaveFile(QStringLiteral("C:\\a.jpg"), "x").ok());
+}
+
+TEST_F(FilesTest, ACopyOverwritesNothing) {
+    WriteFile(QStringLiteral("a"), "1");
+    WriteFile(QStringLiteral("b"), "22");
+    EXPECT_EQ(platform::CopyNewFile(In(QStringLiteral("a")), In(QStringLiteral("b"))).code(),
+              base::StatusCode::kAlreadyExists);
+    EXPECT_EQ(platform::FileSize(In(QStringLiteral("b"))).value_or(-1), 2);
+    EXPECT_FALSE(platform::CopyNewFile(In(QStringLiteral("gone")), In(QStringLiteral("c"))).ok());
+    EXPECT_EQ(Listed(folder_.path()).size(), 2U) << "no beginning of a copy is left";
+}
+
+TEST(PseudoFileSystemTest, ProcessesAndDevicesAreNoFolders) {
+    EXPECT_TRUE(platform::IsPseudoFileSystem(QStringLiteral("/proc")));
+    EXPECT_TRUE(platform::IsPseudoFileSystem(QStringLiteral("/proc/self/fd")));
+    EXPECT_TRUE(platform::IsPseudoFileSystem(QStringLiteral("/sys")));
+    QTemporaryDir folder;
+    EXPECT_FALSE(platform::IsPseudoFileSystem(folder.path()));
+    EXPECT_FALSE(platform::IsPseudoFileSystem(QStringLiteral("/no such folder")));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/proc/self"), folder.filePath(QStringLiteral("me"))));
+    EXPECT_TRUE(platform::IsPseudoFileSystem(folder.filePath(QStringLiteral("me"))));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <QtCore/QStandardPaths>
 
+#include <cstdlib>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,9 +17,21 @@ QString ProgramFolder() {
     return DecodeFileName(program.parent_path().native());
 }
 
+// Not QStandardPaths, which reads only names of the locale's character set from the environment.
+// Source: XDG Base Directory Specification.
 QString UserDataFolder() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    const char* home = std::getenv("HOME");
+    if (data != nullptr && data[0] == '/')
+        return FileIn(DecodeFileName(data), QStringLiteral("tavolo"));
+    if (home != nullptr && home[0] == '/')
+        return FileIn(DecodeFileName(home), QStringLiteral(".local/share/tavolo"));
     return FileIn(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation),
                   QStringLiteral("tavolo"));
+}
+
+QString ArgumentText(const char* argument) {
+    return DecodeFileName(argument);
 }
 
 bool IsWritableFolder(const QString& folder) {

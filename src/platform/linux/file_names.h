@@ -1,8 +1,5 @@
-// File names of this system as texts and back.
-// A name is bytes here, mostly UTF-8. A byte that is no part of valid UTF-8 (an archive unpacked
-// with the code page of another system leaves such names) becomes the lone surrogate U+DC00 + byte,
-// as in Python's "surrogateescape", so that every name that a folder listing shows can be opened
-// again.
+// Paths of this system as texts and back: base/file_names.h for QString, and the texts that can
+// name nothing here.
 #pragma once
 
 #include <QtCore/QString>

@@ -1,12 +1,17 @@
 #include "platform/files.h"
 
+#include "platform/linux/existing_name.h"
 #include "platform/linux/file_names.h"
 #include "platform/linux/system_error.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace platform {
@@ -17,12 +22,35 @@ struct DirectoryCloser {
 };
 using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
+using CString = std::unique_ptr<char, decltype(&std::free)>;
+
 // nullopt: there is no file of that name.
 std::optional<struct stat> FileFacts(const QString& path) {
     struct stat facts {};
-    const std::string name = SystemPath(path);
+    const std::string name = ExistingSystemPath(path);
     if (name.empty() || stat(name.c_str(), &facts) != 0 || !S_ISREG(facts.st_mode)) return {};
     return facts;
+}
+
+// A new file beside `target`, open for writing, its name in `copy`. Below 0: errno says why.
+int CreateBeside(const std::string& target, std::string& copy) {
+    constexpr int kMostTries = 100;
+    int descriptor = -1;
+    for (int i = 0; descriptor < 0 && i < kMostTries; ++i) {
+        copy = target + ".new" + std::to_string(i);
+        descriptor = open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor < 0 && errno != EEXIST) break;
+    }
+    return descriptor;
+}
+
+base::Status SystemFailure(int error_number, const QString& path) {
+    const auto code = error_number == ENOSPC || error_number == EDQUOT ? base::StatusCode::kNoSpace
+                      : error_number == EEXIST ? base::StatusCode::kAlreadyExists
+                                               : base::StatusCode::kIoError;
+    // The name first, as in the messages of the engine.
+    return {code, path.toStdString() + ": " + std::generic_category().message(error_number),
+            error_number};
 }
 
 enum class EntryKind { kFile, kFolder, kOther };
@@ -37,6 +65,13 @@ EntryKind KindOf(DIR* directory, const dirent& entry) {
     return S_ISREG(facts.st_mode) ? EntryKind::kFile : EntryKind::kOther;
 }
 
+bool IsLink(DIR* directory, const dirent& entry) {
+    if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_LNK;
+    struct stat facts {};
+    return fstatat(dirfd(directory), entry.d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISLNK(facts.st_mode);
+}
+
 bool IsDotEntry(std::string_view name) {
     return name == "." || name == "..";
 }
@@ -47,8 +82,28 @@ QChar NativeSeparator() {
     return u'/';
 }
 
+QString ExistingName(const QString& path) {
+    const std::string name = ExistingSystemPath(path);
+    return name.empty() ? path : DecodeFileName(name);
+}
+
 std::filesystem::path ToPath(const QString& path) {
-    return SystemPath(path);
+    return ExistingSystemPath(path);
+}
+
+QString AbsolutePath(const QString& path) {
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(SystemPath(path), error);
+    std::filesystem::path clean = absolute.lexically_normal();
+    if (!clean.has_filename() && clean.has_relative_path()) clean = clean.parent_path();
+    return error ? path : DecodeFileName(clean.native());
+}
+
+QString RealPath(const QString& path) {
+    const std::string name = ExistingSystemPath(path);
+    if (name.empty()) return {};
+    const CString real(realpath(name.c_str(), nullptr), &std::free);
+    return real ? DecodeFileName(real.get()) : QString();
 }
 
 bool FileExists(const QString& path) {
@@ -69,9 +124,95 @@ base::Result<qint64> FileSize(const QString& path) {
     return qint64{facts->st_size};
 }
 
+bool OpenFile(QFile& file, const QString& path, QIODevice::OpenMode mode) {
+    // What is written gets the very name that was asked for.
+    const bool makes = mode.testFlag(QIODevice::WriteOnly);
+    const std::string name = makes ? SystemPath(path) : ExistingSystemPath(path);
+    file.setFileName(name.empty() ? path : DecodeFileName(name));
+    if (name.empty() || QFile::encodeName(file.fileName()) == name.c_str()) return file.open(mode);
+    const int access = (mode & QIODevice::ReadWrite) == QIODevice::ReadWrite ? O_RDWR
+                       : mode.testFlag(QIODevice::WriteOnly)                 ? O_WRONLY
+                                                                             : O_RDONLY;
+    const bool empties =
+        makes && !mode.testFlag(QIODevice::ReadOnly) && !mode.testFlag(QIODevice::Append);
+    const int descriptor = open(name.c_str(),
+                                access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (makes ? O_CREAT : 0) |
+                                    (empties ? O_TRUNC : 0),
+                                0666);
+    struct stat facts {};
+    if (descriptor >= 0 && fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode))
+        return file.open(descriptor, mode, QFileDevice::AutoCloseHandle);
+    if (descriptor >= 0) close(descriptor);
+    return file.open(mode);  // fails, and says so in its own words
+}
+
+base::Status SaveFile(const QString& path, QByteArrayView bytes) {
+    // A link stays one: what it leads to is replaced.
+    const std::string name = SystemPath(path);
+    if (name.empty()) return SystemFailure(ENOENT, path);
+    const CString real(realpath(name.c_str(), nullptr), &std::free);
+    const std::string target = real ? real.get() : name;
+    struct stat before {};
+    const bool exists = stat(target.c_str(), &before) == 0;
+    if (exists && !S_ISREG(before.st_mode)) return SystemFailure(EISDIR, path);
+    if (exists && access(target.c_str(), W_OK) != 0) return SystemFailure(errno, path);
+    std::string copy;
+    const int descriptor = CreateBeside(target, copy);
+    if (descriptor < 0) return SystemFailure(errno, path);
+    int error = 0;
+    while (!bytes.empty() && error == 0) {
+        const ssize_t count =
+            write(descriptor, bytes.data(), static_cast<std::size_t>(bytes.size()));
+        if (count > 0) bytes = bytes.sliced(count);
+        if (count < 0 && errno != EINTR) error = errno;
+    }
+    if (error == 0 && exists && fchmod(descriptor, before.st_mode & 07777) != 0) error = errno;
+    if (error == 0 && fdatasync(descriptor) != 0) error = errno;
+    if (close(descriptor) != 0 && error == 0) error = errno;
+    if (error == 0 && rename(copy.c_str(), target.c_str()) != 0) error = errno;
+    if (error == 0) return {};
+    unlink(copy.c_str());
+    return SystemFailure(error, path);
+}
+
+void RemoveFile(const QString& path) {
+    const std::string name = SystemPath(path);
+    if (!name.empty()) unlink(name.c_str());
+}
+
+base::Status CopyNewFile(const QString& from, const QString& to) {
+    namespace fs = std::filesystem;
+    const fs::path target = SystemPath(to);
+    std::error_code error;
+    // copy_file would leave a beginning where the disk is full.
+    fs::path copy = target;
+    copy += ".new";
+    if (fs::exists(target, error)) return SystemFailure(EEXIST, to);
+    fs::copy_file(ToPath(from), copy, fs::copy_options::overwrite_existing, error);
+    if (!error)
+        fs::permissions(copy, fs::perms::owner_read | fs::perms::owner_write, fs::perm_options::add,
+                        error);
+    if (!error) fs::rename(copy, target, error);
+    if (!error) return {};
+    std::error_code ignored;
+    fs::remove(copy, ignored);
+    return SystemFailure(error.value(), to);
+}
+
+bool FolderExists(const QString& folder) {
+    std::error_code error;
+    return std::filesystem::is_directory(ToPath(folder), error);
+}
+
+base::Status MakeFolder(const QString& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(ToPath(folder), error);
+    return error ? SystemFailure(error.value(), folder) : base::Status();
+}
+
 base::Status ListFolder(const QString& folder,
                         const std::function<void(const FolderEntry&)>& visit) {
-    const std::string name = SystemPath(folder);
+    const std::string name = ExistingSystemPath(folder);
     if (name.empty()) return FolderError(ENOENT, folder);
     const Directory directory(opendir(name.c_str()));
     if (!directory) return FolderError(errno, folder);
@@ -82,19 +223,53 @@ base::Status ListFolder(const QString& folder,
         if (IsDotEntry(entry->d_name)) continue;
         const EntryKind kind = KindOf(directory.get(), *entry);
         if (kind == EntryKind::kOther) continue;
-        visit({DecodeFileName(entry->d_name), kind == EntryKind::kFolder});
+        visit({DecodeFileName(entry->d_name), kind == EntryKind::kFolder,
+               IsLink(directory.get(), *entry)});
     }
 }
 
-QString FolderIdentity(const QString& folder) {
+QString Identity(const QString& path) {
     struct stat facts {};
-    const std::string name = SystemPath(folder);
-    if (name.empty() || stat(name.c_str(), &facts) != 0 || !S_ISDIR(facts.st_mode)) return {};
+    const std::string name = ExistingSystemPath(path);
+    if (name.empty() || stat(name.c_str(), &facts) != 0) return {};
     return QString::number(facts.st_dev) + u':' + QString::number(facts.st_ino);
 }
 
+// The numbers of linux/magic.h, and of the kernel's sources where that file has none.
+bool IsPseudoFileSystem(const QString& folder) {
+    constexpr long kConfigFs = 0x62656570, kFuseControl = 0x65735543, kMessageQueues = 0x19800202,
+                   kRpcPipes = 0x67596969, kNfsServer = 0x6E667364;
+    const std::string name = ExistingSystemPath(folder);
+    struct statfs facts {};
+    if (name.empty() || statfs(name.c_str(), &facts) != 0) return false;
+    switch (static_cast<long>(facts.f_type)) {
+    case PROC_SUPER_MAGIC:
+    case SYSFS_MAGIC:
+    case DEVPTS_SUPER_MAGIC:
+    case DEBUGFS_MAGIC:
+    case TRACEFS_MAGIC:
+    case SECURITYFS_MAGIC:
+    case SELINUX_MAGIC:
+    case CGROUP_SUPER_MAGIC:
+    case CGROUP2_SUPER_MAGIC:
+    case PSTOREFS_MAGIC:
+    case BPF_FS_MAGIC:
+    case EFIVARFS_MAGIC:
+    case BINFMTFS_MAGIC:
+    case NSFS_MAGIC:
+    case kConfigFs:
+    case kFuseControl:
+    case kMessageQueues:
+    case kRpcPipes:
+    case kNfsServer:
+        return true;
+    default:
+        return false;
+    }
+}
+
 base::Status ChangeDirectory(const QString& folder) {
-    const std::string name = SystemPath(folder);
+    const std::string name = ExistingSystemPath(folder);
     if (name.empty()) return FolderError(ENOENT, folder);
     if (chdir(name.c_str()) != 0) return FolderError(errno, folder);
     return {};

@@ -2,6 +2,7 @@
 
 #include "platform/command_line.h"
 #include "platform/files.h"
+#include "platform/linux/existing_name.h"
 #include "platform/linux/file_names.h"
 #include "platform/linux/spawn.h"
 #include "platform/linux/system_error.h"
@@ -49,7 +50,7 @@ std::string FolderOf(const std::string& name) {
 }
 
 base::Status CheckProgram(const QString& program) {
-    const std::string name = SystemPath(program);
+    const std::string name = ExistingSystemPath(program);
     if (name.empty() || !IsFolder(FolderOf(name)))
         return FileError(base::StatusCode::kNotFound, "Path not found", program, kPathNotFound);
     if (IsFolder(name))
@@ -63,7 +64,7 @@ base::Status CheckProgram(const QString& program) {
 
 base::Result<std::int64_t> StartProgram(const QString& program, const QStringList& arguments,
                                         const std::vector<std::string>& variables = {}) {
-    std::vector<std::string> words{SystemPath(program)};
+    std::vector<std::string> words{ExistingSystemPath(program)};
     for (const QString& argument : arguments)
         words.push_back(EncodeFileName(argument));
     const SpawnResult started = Spawn(words, variables);

@@ -37,8 +37,9 @@ constexpr milliseconds kLeadIn{40};
 
 std::optional<WaveSound> LoadSound(const QString& wave_file) {
     const auto size = FileSize(wave_file);
-    QFile file(ToPath(wave_file));
-    if (!size.ok() || *size > kMaxFileBytes || !file.open(QIODevice::ReadOnly)) return {};
+    QFile file;
+    if (!size.ok() || *size > kMaxFileBytes || !OpenFile(file, wave_file, QIODevice::ReadOnly))
+        return {};
     const QByteArray bytes = file.read(kMaxFileBytes);
     auto sound =
         ReadWave(std::as_bytes(std::span(bytes.data(), static_cast<std::size_t>(bytes.size()))));
