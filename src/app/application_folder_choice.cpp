@@ -3,9 +3,8 @@
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
+#include <algorithm>
+#include <optional>
 
 namespace app {
 namespace {
@@ -24,23 +23,42 @@ bool Holds(const QString& folder, const QString& name) {
     return platform::FileExists(platform::FileIn(folder, name));
 }
 
-// Copies carry the permissions of an installed file, which nobody but its owner may change.
-void CopyDelivered(const QString& from, const QString& to) {
-    if (!QFile::copy(from, to)) return;
-    QFile copy(to);
-    copy.setPermissions(copy.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+// True for what the program itself puts into its folder: the catalogue, its backup, journal and
+// lock, and the files that come with it or are written by it.
+bool IsOurs(const QString& name) {
+    static const QStringList others = CompanionNames()
+                                      << QStringLiteral("temp.jpg") << QStringLiteral("temp.bmp");
+    return name.startsWith(QLatin1String("pinball."), Qt::CaseInsensitive) ||
+           others.contains(name, Qt::CaseInsensitive);
+}
+
+// nullopt: the folder cannot be listed.
+std::optional<QStringList> NamesIn(const QString& folder) {
+    QStringList names;
+    const base::Status listed = platform::ListFolder(
+        folder, [&](const platform::FolderEntry& entry) { names.append(entry.name); });
+    if (!listed.ok()) return std::nullopt;
+    return names;
+}
+
+// The program's own folder may hold what others have put there; one that the user has named must be
+// empty.
+bool IsFirstStart(const QString& folder, bool is_user_data) {
+    const auto names = NamesIn(folder);
+    if (!names) return false;
+    return is_user_data ? std::none_of(names->begin(), names->end(), IsOurs) : names->isEmpty();
 }
 
 }  // namespace
 
 KnownFolders FoldersOfThisProgram() {
     const QString program = platform::ProgramFolder();
-    return {program, QDir::cleanPath(program + QStringLiteral("/../share/tavolo")),
+    return {program, platform::AbsolutePath(program + QStringLiteral("/../share/tavolo")),
             platform::UserDataFolder()};
 }
 
 QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folders) {
-    if (!wanted.isEmpty()) return QDir::cleanPath(QFileInfo(wanted).absoluteFilePath());
+    if (!wanted.isEmpty()) return platform::AbsolutePath(wanted);
     const bool is_installed =
         Holds(folders.delivered, CatalogueName()) && !Holds(folders.program, CatalogueName());
     if (platform::IsWritableFolder(folders.program) && !is_installed) return folders.program;
@@ -48,21 +66,21 @@ QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folde
 }
 
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders) {
-    // The program's own folder is filled whatever it holds (nothing is overwritten); a folder that
-    // the user named only when it is empty, so that a missing catalogue is told and not replaced by
-    // an empty one.
-    const bool is_ours = application_folder == folders.user_data;
-    if (is_ours) QDir().mkpath(application_folder);
-    const QDir folder(application_folder);
-    if (!folder.exists()) return;
-    if (!is_ours && !folder.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden)) return;
+    const bool is_user_data = application_folder == folders.user_data;
+    // What fails here shows when the catalogue is opened.
+    if (is_user_data) platform::MakeFolder(application_folder).Ignore();
     const auto copy = [&](const QString& source, const QString& name) {
-        CopyDelivered(platform::FileIn(source, name), platform::FileIn(application_folder, name));
+        return platform::CopyNewFile(platform::FileIn(source, name),
+                                     platform::FileIn(application_folder, name));
     };
-    // Never from the program's folder: what is there may be somebody's catalogue.
-    copy(folders.delivered, CatalogueName());
+    const bool is_first = IsFirstStart(application_folder, is_user_data);
+    const bool has_catalogue = is_user_data && Holds(application_folder, CatalogueName());
+    if (!is_first && !has_catalogue) return;
+    // The catalogue comes first, so that a start that fails half-way is tried again. Never from the
+    // program's folder: what is there may be somebody's catalogue.
+    if (is_first && !copy(folders.delivered, CatalogueName()).ok()) return;
     for (const QString& name : CompanionNames())
-        copy(Holds(folders.delivered, name) ? folders.delivered : folders.program, name);
+        copy(Holds(folders.delivered, name) ? folders.delivered : folders.program, name).Ignore();
 }
 
 }  // namespace app

@@ -19,9 +19,11 @@ KnownFolders FoldersOfThisProgram();
 // one, whose catalogue is only among the delivered files.
 QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folders);
 
-// A first start finds its folder empty (the user's data folder may be missing, too) and puts the
-// delivered files there. A folder that holds anything is left alone: a catalogue that is gone must
-// not be replaced by an empty one without a word. What cannot be copied is left out; opening the
+// A first start puts the delivered files into its folder. It is one when a folder that the user has
+// named is empty, or when the user's data folder (which is made when it is missing) holds nothing
+// that the program puts there: a catalogue that is gone must not be replaced by an empty one
+// without a word, least of all beside its backup. A data folder with a catalogue gets what came
+// with later versions. Nothing is ever overwritten. What cannot be copied is left out; opening the
 // catalogue tells the user.
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders);
 

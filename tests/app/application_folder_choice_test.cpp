@@ -1,10 +1,14 @@
 #include "app/application_folder_choice.h"
 
+#include "platform/files.h"
+
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
+
+#include <filesystem>
 
 namespace app {
 namespace {
@@ -112,13 +116,60 @@ TEST_F(ApplicationFolderTest, ACatalogueBesideTheProgramIsNeverGivenAway) {
     EXPECT_EQ(Read(folder + QStringLiteral("/pinball.mdb")), "<missing>");
 }
 
-TEST_F(ApplicationFolderTest, TheUsersDataFolderIsFilledWhateverElseItHolds) {
+TEST_F(ApplicationFolderTest, TheUsersDataFolderIsFilledBesideFilesOfOthers) {
     Deliver();
     ASSERT_TRUE(QDir().mkpath(folders.user_data));
     Write(folders.user_data + QStringLiteral("/note.txt"), "mine");
     PrepareFirstStart(folders.user_data, folders);
     EXPECT_EQ(Read(folders.user_data + QStringLiteral("/pinball.mdb")), "empty catalogue");
     EXPECT_EQ(Read(folders.user_data + QStringLiteral("/note.txt")), "mine");
+}
+
+// What an earlier start leaves behind, each alone.
+class LostCatalogue : public ApplicationFolderTest,
+                      public testing::WithParamInterface<const char*> {};
+
+TEST_P(LostCatalogue, IsNotReplacedByAnEmptyOne) {
+    Deliver();
+    ASSERT_TRUE(QDir().mkpath(folders.user_data));
+    Write(folders.user_data + u'/' + QString::fromLatin1(GetParam()), "mine");
+    PrepareFirstStart(folders.user_data, folders);
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/pinball.mdb")), "<missing>");
+    EXPECT_EQ(Read(folders.user_data + u'/' + QString::fromLatin1(GetParam())), "mine");
+}
+
+INSTANTIATE_TEST_SUITE_P(ApplicationFolderTest, LostCatalogue,
+                         testing::Values("pinball.BU", "pinball.BU.new", "pinball.bu",
+                                         "pinball.mdb-journal", "pinball.ldb", "Pinball.wav",
+                                         "slingshot.wav", "tavolo.chm", "temp.jpg", "temp.bmp"));
+
+TEST_F(ApplicationFolderTest, ACatalogueOfTheUserGetsWhatCameWithLaterVersions) {
+    Deliver();
+    ASSERT_TRUE(QDir().mkpath(folders.user_data));
+    Write(folders.user_data + QStringLiteral("/pinball.mdb"), "mine");
+    PrepareFirstStart(folders.user_data, folders);
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/pinball.mdb")), "mine");
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/Pinball.wav")), "sound");
+}
+
+TEST_F(ApplicationFolderTest, AFirstStartThatCannotCopyTheCatalogueIsTriedAgain) {
+    Write(folders.delivered + QStringLiteral("/Pinball.wav"), "sound");
+    PrepareFirstStart(folders.user_data, folders);
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/Pinball.wav")), "<missing>");
+    Deliver();
+    PrepareFirstStart(folders.user_data, folders);
+    EXPECT_EQ(Read(folders.user_data + QStringLiteral("/pinball.mdb")), "empty catalogue");
+}
+
+TEST_F(ApplicationFolderTest, AFolderWhoseNameIsNotUtf8IsFilledToo) {
+    Deliver();
+    const QString folder = root.filePath(QStringLiteral("caf")) + QChar(0xDCE9);
+    ASSERT_TRUE(platform::MakeFolder(folder).ok());
+    EXPECT_EQ(ChooseApplicationFolder(folder, folders), folder);
+    PrepareFirstStart(folder, folders);
+    const std::string name = root.path().toStdString() + "/caf\xE9";
+    EXPECT_TRUE(std::filesystem::exists(name + "/pinball.mdb"));
+    std::filesystem::remove_all(name);
 }
 
 }  // namespace

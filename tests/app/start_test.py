@@ -65,6 +65,48 @@ def missing(desktop, work):
     refused(desktop, work / "no such folder", "no folder")
 
 
+def lost(desktop, work):
+    """A data folder of an earlier start whose catalogue is gone: told, nothing is put in its place."""
+    folder = desktop.home / "data" / "tavolo"
+    folder.mkdir(parents=True)
+    shutil.copyfile(EMPTY, folder / "pinball.BU")
+    check("pinball.mdb" in refused(desktop, folder, "lost catalogue"), "the message names the file")
+    shutil.rmtree(folder)
+
+
+def raw_names(desktop, work):
+    """Folders and tables whose names are no UTF-8; links and the system's own folders among them."""
+    folder = Path(os.fsdecode(os.fsencode(work) + b"/caf\xe9"))
+    folder.mkdir()
+    tables = work / "raw tables"
+    inner = Path(os.fsdecode(os.fsencode(tables) + b"/S\xfcd"))
+    inner.mkdir(parents=True)
+    plain = work / "plain.vpt"
+    make_table_file(plain)
+    for name in (b"/T\xfc.vpt", b"/T\xf6.vpt"):
+        shutil.copyfile(plain, os.fsdecode(os.fsencode(inner) + name))
+    (tables / "a link").symlink_to(inner)
+    (tables / "proc").symlink_to("/proc")
+    (tables / "sys").symlink_to("/sys")
+    with Tavolo(desktop, folder) as program:
+        program.first_scan(tables)
+        program.click("CancelButton")
+        wait_for(lambda: program.text("sbrDB_1") == "2 Tables in list.  ", "two tables")
+        program.picture("names that are no UTF-8")
+        program.close()
+    check_equal(len(export_rows(folder / "pinball.mdb")), 2, "rows of the catalogue")
+    with Tavolo(desktop, folder) as program:
+        program.wait_window("Settings")
+        program.click("CancelButton")
+        program.menu("mnuUtilities", "mnuPurge")
+        program.click("cmdYes")
+        wait_for(lambda: program.text("sbrDB_1") == "2 Tables in list.  ", "the tables are still there")
+        program.menu("mnuUtilities", "mnuBackup")
+        wait_for(lambda: (folder / "pinball.BU").exists(), "the backup")
+        program.press("Return")
+        program.close()
+
+
 def not_a_catalogue(desktop, work):
     folder = work / "text file"
     folder.mkdir()
@@ -175,6 +217,8 @@ def main():
         (work / "first").mkdir()
         first_start(desktop, work / "first")
         missing(desktop, work)
+        lost(desktop, work)
+        raw_names(desktop, work)
         not_a_catalogue(desktop, work)
         held(desktop, work)
         old_catalogue(desktop, work)
