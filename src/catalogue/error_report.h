@@ -8,6 +8,13 @@
 
 namespace catalogue {
 
+// True when a value is the trouble and not the database: too long for its column, or refused by an
+// index. Other rows can be stored all the same.
+inline bool IsValueTrouble(const base::Status& status) {
+    return status.code() == base::StatusCode::kConstraint ||
+           status.code() == base::StatusCode::kInvalidArgument;
+}
+
 // A box with the failure's own description, the program's title and the exclamation icon. Does nothing when `status` is ok.
 inline void ShowError(platform::UserPrompts& prompts, const base::Status& status) {
     if (status.ok()) return;

@@ -1,9 +1,9 @@
 #include "discovery/folder_scan.h"
 
 #include "base/trim_spaces.h"
+#include "catalogue/error_report.h"
 #include "checksum/checksum_text.h"
 #include "jet/recordset.h"
-#include "platform/files.h"
 
 #include <utility>
 
@@ -22,70 +22,121 @@ FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& ev
                        ScanObserver& observer)
     : catalogue_(catalogue), events_(events), observer_(observer) {}
 
-std::int64_t FolderScan::Run(const QString& folder) {
+base::Status FolderScan::Run(const QString& folder) {
     found_count_ = 0;
+    queue_.clear();
+    links_.clear();
     met_folders_.clear();
-    Queue(folder);
+    met_linked_files_.clear();
+    const QString real = platform::RealPath(ListedFolder(folder));
+    Queue({folder, real != platform::AbsolutePath(ListedFolder(folder))});
     while (!queue_.empty()) {
-        const QString first = queue_.front();
-        observer_.ListingFolder(first);
-        ListFolder(ListedFolder(first));
+        const Folder first = queue_.front();
+        observer_.ListingFolder(first.path);
+        RETURN_IF_ERROR(ListFolder({ListedFolder(first.path), first.is_behind_link}));
         queue_.pop_front();
         observer_.FolderListed();
+        if (queue_.empty()) RETURN_IF_ERROR(FollowNextLink());
     }
-    return found_count_;
+    return {};
 }
 
-void FolderScan::Queue(const QString& folder) {
+void FolderScan::Queue(const Folder& folder) {
     queue_.push_back(folder);
-    observer_.FolderQueued(folder);
+    observer_.FolderQueued(folder.path);
 }
 
-void FolderScan::ListFolder(const QString& folder) {
-    const QString identity = platform::FolderIdentity(folder);
-    if (met_folders_.contains(identity)) return;
+// Links wait until all real folders have been listed, so that a file is met under its real path
+// first.
+base::Status FolderScan::FollowNextLink() {
+    while (queue_.empty() && !links_.empty()) {
+        const Link link = links_.front();
+        links_.pop_front();
+        if (link.is_folder)
+            Queue({link.path, true});
+        else
+            RETURN_IF_ERROR(HandleLinkedFile(link.path));
+    }
+    return {};
+}
+
+base::Status FolderScan::ListFolder(const Folder& folder) {
+    if (platform::IsPseudoFileSystem(folder.path)) return {};
+    const QString identity = platform::Identity(folder.path);
+    if (met_folders_.contains(identity)) return {};
     met_folders_.insert(identity);
     bool is_first = true;
+    base::Status failure;
     // A folder that cannot be listed adds nothing, and the walk goes on.
-    platform::ListFolder(folder, [&](const platform::FolderEntry& entry) {
+    platform::ListFolder(folder.path, [&](const platform::FolderEntry& entry) {
         if (!std::exchange(is_first, false)) events_.ProcessEvents();
-        if (entry.is_folder)
-            Queue(folder + entry.name + platform::NativeSeparator());
-        else
-            HandleFile(folder + entry.name);
+        if (failure.ok()) failure = HandleEntry(folder, entry);
     }).Ignore();
+    return failure;
+}
+
+base::Status FolderScan::HandleEntry(const Folder& folder, const platform::FolderEntry& entry) {
+    const QString path = folder.path + entry.name;
+    if (entry.is_folder) {
+        const QString listed = path + platform::NativeSeparator();
+        if (entry.is_link)
+            links_.push_back({listed, true});
+        else
+            Queue({listed, folder.is_behind_link});
+        return {};
+    }
+    if (!IsTableFileName(path)) return {};
+    if (entry.is_link) {
+        links_.push_back({path, false});
+        return {};
+    }
+    return folder.is_behind_link ? HandleLinkedFile(path) : HandleFile(path);
+}
+
+// A file that several links lead to is one table.
+base::Status FolderScan::HandleLinkedFile(const QString& path) {
+    const QString identity = platform::Identity(path);
+    if (identity.isEmpty() || met_linked_files_.contains(identity)) return {};
+    met_linked_files_.insert(identity);
+    const QString real = platform::RealPath(path);
+    ASSIGN_OR_RETURN(const bool is_known, IsKnown(real));
+    if (is_known) return {};
+    return HandleFile(path);
 }
 
 // Recycle-bin folders are not left out: their files are added like any other.
-void FolderScan::HandleFile(const QString& path) {
-    if (!IsTableFileName(path) || IsKnown(path)) return;
-    // A file that fails is passed over silently; the next scan tries it again.
-    Add(path).Ignore();
+base::Status FolderScan::HandleFile(const QString& path) {
+    ASSIGN_OR_RETURN(const bool is_known, IsKnown(path));
+    return is_known ? base::Status() : Add(path);
 }
 
-// A question that the database cannot answer counts as known, so that nothing is added twice.
-bool FolderScan::IsKnown(const QString& path) {
+base::Result<bool> FolderScan::IsKnown(const QString& path) {
     const QString query = QStringLiteral("Select FileName from Tables where filename = '") +
                           catalogue::QuoteSql(path) + u'\'';
     const auto rows = catalogue_.CatalogueConnection->Execute(query.toStdU16String());
-    return !rows.ok() || !(rows->Bof() && rows->Eof());
+    if (!rows.ok()) return rows.status();
+    return !(rows->Bof() && rows->Eof());
 }
 
+// A file that cannot be read, or whose path does not fit, is passed over silently; the next scan
+// tries it again.
 base::Status FolderScan::Add(const QString& path) {
-    ASSIGN_OR_RETURN(const auto value, crc_.CalculateFile(platform::ToPath(path)));
-    const QString checksum_text = QString::fromStdU16String(checksum::ChecksumText(value));
+    const auto value = crc_.CalculateFile(platform::ToPath(path));
+    if (!value.ok()) return {};
+    const QString checksum_text = QString::fromStdU16String(checksum::ChecksumText(*value));
     const QString display_name = BaseName(path);
-    RETURN_IF_ERROR(Insert(path, display_name, checksum_text));
+    const base::Status stored = Insert(path, display_name, checksum_text);
+    if (!stored.ok()) return catalogue::IsValueTrouble(stored) ? base::Status() : stored;
     observer_.TableAdded(display_name, checksum_text);
     ++found_count_;
-    return base::Status::Ok();
+    return {};
 }
 
 base::Status FolderScan::Insert(const QString& path, const QString& display_name,
                                 const QString& checksum_text) {
     using catalogue::QuoteSql;
     const QString file_date = catalogue::GeneralDate(platform::LastModified(path));
-    const QString date_added = catalogue::MediumDate(catalogue_.clock->Now());
+    const QString date_added = catalogue::StoredDate(catalogue_.clock->Now());
     const QString statement =
         QStringLiteral(
             "INSERT INTO TABLES (DisplayName,FileName,FIleDate,CRC,DateAdded) Values ('") +

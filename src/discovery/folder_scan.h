@@ -1,14 +1,18 @@
 // FolderScan: walks a folder tree breadth first and adds to the catalogue every table file (.vpt)
 // that it does not hold yet. The queue of folders is kept outside of the call stack, so no depth is
-// too deep. A folder that is met twice (links may form cycles) is listed once; one that cannot be
-// listed is passed over, and so is a file that cannot be read or stored. Paths are texts as the
-// catalogue stores them. Threads: the user-interface thread; pending events are processed before
-// each directory entry but the first of its folder.
+// too deep. Links are followed after all real folders: a file is met under its real path first, and
+// one that is in the catalogue under its real path, or that another link has led to, does not come
+// in a second time. A folder that is met twice (links may form cycles) is listed once. Folders that
+// cannot be listed and those of the system's own making (processes, devices) are passed over, and
+// so is a file that cannot be read or whose path does not fit. Paths are texts as the catalogue
+// stores them. Threads: the user-interface thread; pending events are processed before each
+// directory entry but the first of its folder.
 #pragma once
 
 #include "base/status.h"
 #include "catalogue/pin_subs.h"
 #include "checksum/clsCRC.h"
+#include "platform/files.h"
 #include "platform/user_events.h"
 
 #include <QtCore/QSet>
@@ -39,14 +43,28 @@ public:
                ScanObserver& observer);
 
     // Walks `folder` and all folders below it. An empty text is the root folder of the current
-    // drive. The result is the number of tables added.
-    std::int64_t Run(const QString& folder);
+    // drive. A failure of the database ends the walk; what was added before stays.
+    base::Status Run(const QString& folder);
+    // Tables that the last run has added.
+    std::int64_t found_count() const { return found_count_; }
 
 private:
-    void Queue(const QString& folder);
-    void ListFolder(const QString& folder);
-    void HandleFile(const QString& path);
-    bool IsKnown(const QString& path);
+    struct Folder {
+        QString path;
+        bool is_behind_link = false;
+    };
+    struct Link {
+        QString path;
+        bool is_folder = false;
+    };
+
+    void Queue(const Folder& folder);
+    base::Status FollowNextLink();
+    base::Status ListFolder(const Folder& folder);
+    base::Status HandleEntry(const Folder& folder, const platform::FolderEntry& entry);
+    base::Status HandleLinkedFile(const QString& path);
+    base::Status HandleFile(const QString& path);
+    base::Result<bool> IsKnown(const QString& path);
     base::Status Add(const QString& path);
     base::Status Insert(const QString& path, const QString& display_name,
                         const QString& checksum_text);
@@ -54,8 +72,9 @@ private:
     catalogue::Catalogue& catalogue_;
     platform::UserEvents& events_;
     ScanObserver& observer_;
-    std::deque<QString> queue_;
-    QSet<QString> met_folders_;  // by identity
+    std::deque<Folder> queue_;
+    std::deque<Link> links_;
+    QSet<QString> met_folders_, met_linked_files_;  // by identity
     checksum::clsCRC crc_;
     std::int64_t found_count_ = 0;
 };

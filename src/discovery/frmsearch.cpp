@@ -1,5 +1,6 @@
 #include "discovery/frmsearch.h"
 
+#include "catalogue/error_report.h"
 #include "tableinfo/update_from_table_files.h"
 
 #include <QtCore/QCoreApplication>
@@ -90,26 +91,31 @@ void frmsearch::Scan() {
     idle_ = false;
     found_count_ = 0;
     cmdgo_->hide();
-    WalkFolders();
+    base::Status done = WalkFolders();
     idle_ = true;
-    ReadTableInformation();
-    ShowResult();
+    if (done.ok()) done = ReadTableInformation();
+    ShowResult(done);
     if (refresh_tree_) refresh_tree_();
 }
 
-void frmsearch::WalkFolders() {
-    found_count_ = FolderScan(catalogue_, *this, *this).Run(prompts_.ChooseFolder());
+base::Status frmsearch::WalkFolders() {
+    FolderScan scan(catalogue_, *this, *this);
+    base::Status done = scan.Run(prompts_.ChooseFolder());
+    found_count_ = scan.found_count();
+    return done;
 }
 
-void frmsearch::ReadTableInformation() {
+base::Status frmsearch::ReadTableInformation() {
     Label2_->setText(QStringLiteral("Reading VPT Info..."));
     repaint();
-    // What cannot be stored stays as it was; the labels are the only report of a scan.
-    tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr).Ignore();
+    return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr);
 }
 
-void frmsearch::ShowResult() {
-    Label2_->setText(QStringLiteral("Process Complete"));
+// A scan that the database has ended is not complete; what it has added counts all the same.
+void frmsearch::ShowResult(const base::Status& done) {
+    catalogue::ShowError(prompts_, done);
+    Label2_->setText(done.ok() ? QStringLiteral("Process Complete") : QString());
+    lstdirs_->clear();
     lblCRC_->clear();
     lbltime_->setText(QStringLiteral("New Tables Found and added to your database: ") +
                       QString::number(found_count_));

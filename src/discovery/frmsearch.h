@@ -33,9 +33,9 @@ private:
     void BuildControls();
     void BuildLayout();
     void Scan();
-    void WalkFolders();
-    void ReadTableInformation();
-    void ShowResult();
+    base::Status WalkFolders();
+    base::Status ReadTableInformation();
+    void ShowResult(const base::Status& done);
 
     // ScanObserver
     void FolderQueued(const QString& folder) override;

@@ -1,6 +1,7 @@
 #include "tableinfo/update_from_table_files.h"
 
 #include "base/trim_spaces.h"
+#include "catalogue/error_report.h"
 #include "jet/recordset.h"
 #include "tableinfo/storage_tools.h"
 
@@ -40,13 +41,6 @@ NewFields FieldsFrom(TableInfoFile& file) {
     return fields;
 }
 
-// The text itself is the trouble, not the database: too long for its column, or refused by an
-// index.
-bool IsValueTrouble(const base::Status& status) {
-    return status.code() == base::StatusCode::kConstraint ||
-           status.code() == base::StatusCode::kInvalidArgument;
-}
-
 base::Status Store(jet::Recordset& rows, const NewFields& fields) {
     for (const auto& [column, text] : fields)
         RETURN_IF_ERROR(rows.SetField(column, jet::Value::Text(text)));
@@ -59,19 +53,20 @@ base::Status StoreWhatFits(jet::Recordset& rows, const NewFields& fields) {
         const base::Status stored = Store(rows, {field});
         if (stored.ok()) continue;
         rows.CancelUpdate();
-        if (!IsValueTrouble(stored)) return stored;
+        if (!catalogue::IsValueTrouble(stored)) return stored;
     }
     return base::Status::Ok();
 }
 
 base::Status UpdateRow(jet::Recordset& rows) {
-    TableInfoFile file(catalogue::FieldText(rows, u"FileName"));
+    ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
+    TableInfoFile file(path);
     if (!file.HasTableInfo()) return base::Status::Ok();
     const NewFields fields = FieldsFrom(file);
     base::Status stored = Store(rows, fields);
     if (stored.ok()) return stored;
     rows.CancelUpdate();
-    return IsValueTrouble(stored) ? StoreWhatFits(rows, fields) : stored;
+    return catalogue::IsValueTrouble(stored) ? StoreWhatFits(rows, fields) : stored;
 }
 
 // Tells how far a run is, and when it is over, however it ends.

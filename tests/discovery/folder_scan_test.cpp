@@ -13,6 +13,8 @@
 #include <QtCore/QStandardPaths>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -53,7 +55,10 @@ protected:
     std::int64_t Scan() { return Scan(tables.path()); }
     std::int64_t Scan(const QString& from) {
         observer = {};
-        return FolderScan(catalogue, events, observer).Run(from);
+        FolderScan scan(catalogue, events, observer);
+        const base::Status done = scan.Run(from);
+        EXPECT_TRUE(done.ok()) << done.message();
+        return scan.found_count();
     }
     QString Count() { return Scalar(QStringLiteral("Select count(*) from Tables")); }
     QString FieldOf(const QString& column, const QString& path) {
@@ -180,9 +185,119 @@ TEST_F(FolderScanTest, LinksThatFormACycleDoNotTrapTheWalk) {
     MakeFile(QStringLiteral("one/a.vpt"));
     ASSERT_TRUE(QFile::link(tables.path(), Path(QStringLiteral("one/up"))));
     ASSERT_TRUE(QFile::link(Path(QStringLiteral("one")), Path(QStringLiteral("one/self"))));
+    // A walk that is trapped all the same comes to an end, too: the links go away.
+    constexpr qsizetype kMostFolders = 4;
+    bool trapped = false;
+    events.on_round = [&] {
+        if (observer.listed.size() <= kMostFolders) return;
+        trapped = true;
+        QFile::remove(Path(QStringLiteral("one/up")));
+        QFile::remove(Path(QStringLiteral("one/self")));
+    };
     EXPECT_EQ(Scan(), 1);
-    EXPECT_LE(observer.listed.size(), 4);
+    EXPECT_FALSE(trapped);
+    EXPECT_LE(observer.listed.size(), kMostFolders);
 }
+
+TEST_F(FolderScanTest, AFileIsKnownByItsRealPathWhateverLinksLeadToIt) {
+    const QString real = MakeFile(QStringLiteral("z/real.vpt"));
+    ASSERT_TRUE(QFile::link(Path(QStringLiteral("z")), Path(QStringLiteral("a link to z"))));
+    ASSERT_TRUE(QFile::link(real, Path(QStringLiteral("a link.vpt"))));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Scalar(QStringLiteral("Select FileName from Tables")), real);
+    EXPECT_EQ(Scan(), 0);
+}
+
+TEST_F(FolderScanTest, ACataloguedTableDoesNotComeInAgainThroughALinkFromElsewhere) {
+    const QString real = MakeFile(QStringLiteral("real.vpt"));
+    EXPECT_EQ(Scan(), 1);
+    QTemporaryDir elsewhere;
+    ASSERT_TRUE(QFile::link(tables.path(), elsewhere.filePath(QStringLiteral("link"))));
+    ASSERT_TRUE(QFile::link(real, elsewhere.filePath(QStringLiteral("other.vpt"))));
+    EXPECT_EQ(Scan(elsewhere.path()), 0);
+    EXPECT_EQ(Scan(elsewhere.filePath(QStringLiteral("link"))), 0) << "the chosen folder is one";
+}
+
+TEST_F(FolderScanTest, SeveralLinksToAFileOutsideAreOneTable) {
+    QTemporaryDir outside;
+    QFile file(outside.filePath(QStringLiteral("far.vpt")));
+    ASSERT_TRUE(file.open(QFile::WriteOnly));
+    file.close();
+    ASSERT_TRUE(QFile::link(file.fileName(), Path(QStringLiteral("one.vpt"))));
+    ASSERT_TRUE(QFile::link(file.fileName(), Path(QStringLiteral("two.vpt"))));
+    ASSERT_TRUE(QFile::link(outside.path(), Path(QStringLiteral("folder"))));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Scan(), 0);
+}
+
+// /proc/self/cwd and the like lead everywhere.
+TEST_F(FolderScanTest, FoldersOfTheSystemsOwnMakingAreLeftOut) {
+    MakeFile(QStringLiteral("a.vpt"));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/proc"), Path(QStringLiteral("proc"))));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/proc/self/fd"), Path(QStringLiteral("fd"))));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/sys"), Path(QStringLiteral("sys"))));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(observer.listed.size(), 4) << "met, but not listed";
+    EXPECT_EQ(Scan(QStringLiteral("/proc")), 0);
+    EXPECT_EQ(observer.listed.size(), 1);
+}
+
+// Names that are no UTF-8, told apart by bytes that no text has.
+TEST_F(FolderScanTest, NamesThatAreNotUtf8AreStoredAndReadBack) {
+    const std::string raw = tables.path().toStdString() + "/Caf\xE9";
+    std::filesystem::create_directory(raw);
+    for (const char* name : {"/T\xFC.vpt", "/T\xF6.vpt"})
+        std::ofstream(raw + name) << "123456789";
+    EXPECT_EQ(Scan(), 2);
+    EXPECT_EQ(Scan(), 0);
+    auto rows = connection->Execute(u"Select FileName from Tables");
+    ASSERT_TRUE(rows.ok());
+    while (!rows->Eof()) {
+        const QString stored = catalogue::FieldText(*rows, u"FileName").value();
+        EXPECT_TRUE(platform::FileExists(stored));
+        EXPECT_EQ(Scalar(QStringLiteral("Select count(*) from Tables where FileName = '%1'")
+                             .arg(catalogue::QuoteSql(stored))),
+                  QStringLiteral("1"));
+        ASSERT_TRUE(rows->MoveNext().ok());
+    }
+    std::filesystem::remove_all(raw);
+}
+
+// The database.
+
+TEST_F(FolderScanTest, ADatabaseThatCannotBeAskedEndsTheScanWithItsError) {
+    MakeFile(QStringLiteral("a.vpt"));
+    ASSERT_TRUE(connection->Close().ok());
+    FolderScan scan(catalogue, events, observer);
+    EXPECT_FALSE(scan.Run(tables.path()).ok());
+    EXPECT_EQ(scan.found_count(), 0);
+}
+
+TEST_F(FolderScanTest, ADatabaseThatCannotBeChangedEndsTheScanWithItsError) {
+    for (int i = 0; i < 3; ++i)
+        MakeFile(QStringLiteral("%1.vpt").arg(i));
+    ASSERT_TRUE(connection->Close().ok());
+    const std::u16string source =
+        (QStringLiteral("Mode=Read;Data Source=") + DatabasePath()).toStdU16String();
+    ASSERT_TRUE(connection->Open(source).ok());
+    FolderScan scan(catalogue, events, observer);
+    const base::Status done = scan.Run(tables.path());
+    EXPECT_EQ(done.code(), base::StatusCode::kPermissionDenied) << done.message();
+    EXPECT_EQ(scan.found_count(), 0);
+    EXPECT_TRUE(observer.added.isEmpty());
+}
+
+class FolderScanCentury : public FolderScanTest, public testing::WithParamInterface<int> {};
+
+TEST_P(FolderScanCentury, ATableIsAddedToday) {
+    MakeFile(QStringLiteral("a.vpt"));
+    clock.now = QDateTime(QDate(GetParam(), 1, 2), QTime(3, 4));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Scalar(QStringLiteral("Select DateAdded from Tables")),
+              QStringLiteral("1/2/%1").arg(GetParam()));
+}
+
+INSTANTIATE_TEST_SUITE_P(FolderScanTest, FolderScanCentury, testing::Values(2029, 2030, 2099));
 
 TEST_F(FolderScanTest, ALinkToAFolderOutsideIsFollowed) {
     QTemporaryDir outside;

@@ -184,5 +184,36 @@ TEST_F(FrmSearchTest, DoneClosesTheDialog) {
     EXPECT_EQ(refreshes, 0);
 }
 
+TEST_F(FrmSearchTest, AFailingDatabaseIsSaidAndNothingIsCalledComplete) {
+    Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
+    ASSERT_TRUE(connection->Close().ok());
+    const std::u16string source =
+        (QStringLiteral("Mode=Read;Data Source=") + DatabasePath()).toStdU16String();
+    ASSERT_TRUE(connection->Open(source).ok());
+    dialog->show();
+    Search();
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
+    EXPECT_FALSE(prompts.messages[0].text.isEmpty());
+    EXPECT_EQ(TextOf("Label2"), QString());
+    EXPECT_EQ(TextOf("lbltime"), QStringLiteral("New Tables Found and added to your database: 0"));
+    EXPECT_EQ(Find<QListWidget>("lstdirs")->count(), 0);
+    EXPECT_TRUE(dialog->close());
+}
+
+TEST_F(FrmSearchTest, AFailureWhileTheTextsAreReadIsSaidToo) {
+    Build(QStringLiteral("one.vpt"), VptBuilder().Text(u"TableName", u"New"));
+    Execute(QStringLiteral("Insert into Tables (DisplayName, FileName) Values ('Old', '%1')")
+                .arg(tables.filePath(QStringLiteral("one.vpt"))));
+    ASSERT_TRUE(connection->Close().ok());
+    const std::u16string source =
+        (QStringLiteral("Mode=Read;Data Source=") + DatabasePath()).toStdU16String();
+    ASSERT_TRUE(connection->Open(source).ok());
+    dialog->show();
+    Search();
+    EXPECT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(TextOf("Label2"), QString());
+}
+
 }  // namespace
 }  // namespace discovery
