@@ -77,8 +77,8 @@ void RequireEqual(bench::BenchCatalogue& catalogue, const QMap<QString, QString>
     bench::Require(rows.status());
     int compared = 0;
     for (; !rows->Eof(); bench::Require(rows->MoveNext()), ++compared) {
-        const QString name = catalogue::FieldText(*rows, u"DisplayName");
-        const QString ours = catalogue::FieldText(*rows, u"CRC");
+        const QString name = catalogue::FieldText(*rows, u"DisplayName").value();
+        const QString ours = catalogue::FieldText(*rows, u"CRC").value();
         if (ours.rightJustified(8, u'0').toLower() == sums[name].toLower()) continue;
         std::fprintf(stderr, "%s: %s here, %s by rhash\n", qPrintable(name), qPrintable(ours),
                      qPrintable(sums[name]));

@@ -67,8 +67,10 @@ void Commands::AttachUtilities() {
                        [this] { maintenance::PurgeMissingTables(Context()); });
     window_.SetCommand(QStringLiteral("mnuBackup"),
                        [this] { maintenance::BackupData(Context(), window_.windowTitle()); });
-    window_.SetCommand(QStringLiteral("mnuCRC"),
-                       [this] { maintenance::UpdateCrcs(catalogue_, prompts_, &window_); });
+    window_.SetCommand(QStringLiteral("mnuCRC"), [this] {
+        window_.TellInPassing(
+            maintenance::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
+    });
 }
 
 void Commands::AttachCatalogueDialogs() {
@@ -79,7 +81,9 @@ void Commands::AttachCatalogueDialogs() {
         maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
     });
     window_.SetCommand(QStringLiteral("mnuImport"), [this] {
-        maintenance::frmImport(catalogue_, prompts_, events_, refresh_tree_, &window_).exec();
+        maintenance::frmImport import(catalogue_, prompts_, events_, refresh_tree_, &window_);
+        import.exec();
+        window_.TellInPassing(import.database_failure());
     });
 }
 

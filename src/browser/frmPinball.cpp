@@ -10,8 +10,8 @@
 #include "catalogue/selection.h"
 #include "dialogs/program_version.h"
 #include "platform/application_folder.h"
+#include "platform/files.h"
 
-#include <QtCore/QFile>
 #include <QtGui/QCloseEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
@@ -239,6 +239,11 @@ void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
     status_->Advance(done);
 }
 
+void frmPinball::TellInPassing(const base::Status& failure) {
+    constexpr int kShownMs = 15'000;
+    if (!failure.ok()) status_->showMessage(QString::fromStdString(failure.message()), kShownMs);
+}
+
 void frmPinball::RememberSelectedNode() {
     tree_->RememberSelectedNode();
 }
@@ -324,9 +329,11 @@ bool frmPinball::QueryUnload() {
 
 void frmPinball::Unload() {
     unloaded_ = true;
-    catalogue_.CatalogueConnection->Close().Ignore();
-    WriteSettings(*catalogue_.settings, CurrentSettings());
+    const base::Status closed = catalogue_.CatalogueConnection->Close();
+    const base::Status stored = WriteSettings(*catalogue_.settings, CurrentSettings());
     RemoveWorkFiles();
+    catalogue::ShowError(prompts_, closed);
+    catalogue::ShowError(prompts_, stored);
 }
 
 MainWindowSettings frmPinball::CurrentSettings() const {
@@ -353,7 +360,7 @@ MainWindowSettings frmPinball::CurrentSettings() const {
 // Of the capture window.
 void frmPinball::RemoveWorkFiles() {
     for (const QString& name : {QStringLiteral("temp.jpg"), QStringLiteral("temp.bmp")})
-        QFile::remove(platform::FileIn(catalogue_.values->ApplicationFolder, name));
+        platform::RemoveFile(platform::FileIn(catalogue_.values->ApplicationFolder, name));
 }
 
 }  // namespace browser

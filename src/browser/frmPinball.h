@@ -57,6 +57,9 @@ public:
     DetailPanel& details() { return *details_; }
     // How far a command has come; it is over when `done` equals `total`.
     void ShowProgress(std::int64_t done, std::int64_t total);
+    // Shows a failure that stops nobody in the status bar for a while, over its panels. Nothing
+    // when it is ok.
+    void TellInPassing(const base::Status& failure);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -15,7 +15,9 @@ std::u16string_view View(const QString& text) {
 }
 
 QString ToQString(std::u16string_view text) {
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+    // Unit by unit: QString's conversions take U+FEFF at the start for a byte order mark.
+    return QString(reinterpret_cast<const QChar*>(text.data()),
+                   static_cast<qsizetype>(text.size()));
 }
 
 }  // namespace
@@ -59,6 +61,13 @@ QString MediumDate(const QDateTime& time) {
     return ToQString(jet::FormatDate(ToOleDate(time), u"medium date"));
 }
 
+QString StoredDate(const QDateTime& time) {
+    QString text = MediumDate(time);
+    const auto read_back = jet::ParseDate(View(text), time.date().year());
+    if (read_back && *read_back == std::floor(ToOleDate(time))) return text;
+    return ToQString(jet::FormatDate(ToOleDate(time), u"dd-mmm-yyyy"));
+}
+
 QString GeneralDate(const QDateTime& time) {
     return ToQString(jet::FormatGeneralDate(ToOleDate(time)));
 }
@@ -75,10 +84,11 @@ QString FieldText(const jet::Value& value) {
     return ToQString(jet::ToText(value));
 }
 
-QString FieldText(jet::Recordset& rows, QStringView field) {
-    const auto value =
-        rows.Fields(std::u16string_view(field.utf16(), static_cast<std::size_t>(field.size())));
-    return value.ok() ? FieldText(*value) : QString();
+base::Result<QString> FieldText(jet::Recordset& rows, QStringView field) {
+    ASSIGN_OR_RETURN(
+        const jet::Value value,
+        rows.Fields(std::u16string_view(field.utf16(), static_cast<std::size_t>(field.size()))));
+    return FieldText(value);
 }
 
 }  // namespace catalogue

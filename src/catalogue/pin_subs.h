@@ -37,6 +37,9 @@ QString WithTrailingSeparator(const QString& folder);
 double ToOleDate(const QDateTime& time);
 // "20-Nov-26": the named format "medium date".
 QString MediumDate(const QDateTime& time);
+// The day of `time` as a text for a date column: the medium date as long as the database reads it back as that day (two digits
+// of a year are those of 1930 to 2029), later with all digits of the year, "1-Jan-2030".
+QString StoredDate(const QDateTime& time);
 // "11/20/2026 3:04:05 PM".
 QString GeneralDate(const QDateTime& time);
 // What a user may type where a date or a number is wanted.
@@ -45,8 +48,8 @@ bool IsNumeric(const QString& text);
 
 // The text of a field's value: empty for Null, dates as general dates, booleans as True and False.
 QString FieldText(const jet::Value& value);
-// The named field of the current row as text; empty when it is Null or cannot be read.
-QString FieldText(jet::Recordset& rows, QStringView field);
+// The named field of the current row as text; empty when it is Null. An error when it cannot be read.
+base::Result<QString> FieldText(jet::Recordset& rows, QStringView field);
 
 // Colours of the play button, Windows 0x00BBGGRR; index 0 is not used.
 using StatusColourTable = std::array<std::uint32_t, 4>;

@@ -2,6 +2,7 @@
 #include "catalogue/data_source.h"
 #include "catalogue/pin_subs.h"
 #include "platform/application_folder.h"
+#include "platform/files.h"
 
 namespace catalogue {
 namespace {
@@ -29,8 +30,9 @@ void FillProcessValues(ProcessValues& values) {
 base::Status OpenCatalogue(Catalogue& catalogue) {
     const QString path =
         platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb"));
+    const QString stored = platform::ExistingName(path);
     return catalogue.CatalogueConnection->Open(u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
-                                               DataSourceValue(path.toStdU16String()));
+                                               DataSourceValue(stored.toStdU16String()));
 }
 
 void AddMissingColumns(jet::Connection& connection) {
@@ -47,7 +49,7 @@ void StampUndatedRows(jet::Connection& connection, const QString& today) {
 }  // namespace
 
 base::Status Main(Catalogue& catalogue) {
-    const QString today = MediumDate(catalogue.clock->Now());
+    const QString today = StoredDate(catalogue.clock->Now());
     FillProcessValues(*catalogue.values);
     catalogue.values->VisualPinballExe = catalogue.settings->GetSetting(
         kSettingsApplication.toString(), kSettingsSection.toString(), QStringLiteral("VPEXE"));

@@ -164,7 +164,7 @@ MessageAnswer QtUserPrompts::Ask(const platform::Message& message) {
 QString QtUserPrompts::ChooseFileToOpen(const platform::FileDialog& dialog) {
     FileWindow window(Owner());
     Prepare(window, dialog);
-    window.setFileMode(QFileDialog::ExistingFile);
+    window.setFileMode(dialog.must_exist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     Preset(window, dialog);
     return window.Choose();
 }

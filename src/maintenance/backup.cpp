@@ -1,5 +1,6 @@
 #include "maintenance/backup.h"
 
+#include "base/file_names.h"
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
@@ -51,8 +52,10 @@ QString SuccessText(const QString& folder) {
 }  // namespace
 
 base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup) {
-    const std::filesystem::path copy = platform::ToPath(backup + QStringLiteral(".new"));
-    const std::filesystem::path target = platform::ToPath(backup);
+    // Written under the very name: ToPath would find a file of other letter case.
+    const std::filesystem::path target = base::PathOf(backup.toStdU16String());
+    std::filesystem::path copy = target;
+    copy += ".new";
     base::Status done = WriteCopy(files, platform::ToPath(database), copy);
     if (done.ok()) done = files.Rename(copy, target);
     if (!done.ok()) {

@@ -3,6 +3,7 @@
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
 #include "jet/recordset.h"
+#include "maintenance/progress_meter.h"
 #include "platform/files.h"
 
 #include <optional>
@@ -20,10 +21,12 @@ std::optional<std::u16string> ChecksumTextOf(checksum::clsCRC& crc, const QStrin
 
 base::Status RefreshRow(jet::Recordset& rows, checksum::clsCRC& crc,
                         const std::function<void(const QString&)>& show) {
-    const auto text = ChecksumTextOf(crc, catalogue::FieldText(rows, u"FileName"));
+    ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
+    const auto text = ChecksumTextOf(crc, path);
     if (!text) return base::Status::Ok();
-    show(QStringLiteral("Processing: ") + catalogue::FieldText(rows, u"DisplayName") +
-         QStringLiteral("  ") + QString::fromStdU16String(*text));
+    ASSIGN_OR_RETURN(const QString display_name, catalogue::FieldText(rows, u"DisplayName"));
+    show(QStringLiteral("Processing: ") + display_name + QStringLiteral("  ") +
+         QString::fromStdU16String(*text));
     RETURN_IF_ERROR(rows.SetField(u"CRC", jet::Value::Text(*text)));
     return rows.Update();
 }
@@ -49,16 +52,19 @@ bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
 }
 
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
-                         const std::function<void(const QString& line)>& show) {
+                         const std::function<void(const QString& line)>& show,
+                         const Progress& progress) {
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
                               *catalogue.CatalogueConnection, jet::CursorType::kKeyset,
                               jet::LockType::kOptimistic, jet::CursorLocation::kServer));
     checksum::clsCRC crc;
+    ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         events.ProcessEvents();
         RETURN_IF_ERROR(RefreshRow(rows, crc, show));
         RETURN_IF_ERROR(rows.MoveNext());
+        meter.Step();
     }
     return base::Status::Ok();
 }

@@ -4,6 +4,7 @@
 
 #include "base/status.h"
 #include "catalogue/pin_subs.h"
+#include "maintenance/command_context.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"
 
@@ -17,10 +18,11 @@ namespace maintenance {
 bool ConfirmCrcRefresh(platform::UserPrompts& prompts);
 
 // Visits the rows in the order of their display names. `show` gets the progress line of each row
-// whose file was read, before the row is stored. A row whose file is missing or cannot be read
-// keeps its checksum. A failure of the database ends the run with its Status; the rows done so far
-// are kept.
+// whose file was read, before the row is stored; `progress` may be empty. A row whose file is
+// missing or cannot be read keeps its checksum. A failure of the database ends the run with its
+// Status; the rows done so far are kept.
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
-                         const std::function<void(const QString& line)>& show);
+                         const std::function<void(const QString& line)>& show,
+                         const Progress& progress = {});
 
 }  // namespace maintenance

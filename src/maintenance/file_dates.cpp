@@ -16,9 +16,9 @@ bool UserAgrees(platform::UserPrompts& prompts) {
 }
 
 base::Status StoreFileDate(jet::Recordset& rows) {
-    const QString file = catalogue::FieldText(rows, u"FileName");
+    ASSIGN_OR_RETURN(const QString file, catalogue::FieldText(rows, u"FileName"));
     const QDateTime modified = platform::LastModified(file);
-    if (!platform::FileExists(file) || !modified.isValid()) return {};
+    if (!modified.isValid()) return {};
     RETURN_IF_ERROR(
         rows.SetField(u"FileDate", jet::Value::DateTime(catalogue::ToOleDate(modified))));
     return rows.Update();

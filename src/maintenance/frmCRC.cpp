@@ -10,10 +10,12 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
 
+#include <utility>
+
 namespace maintenance {
 
-frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent)
-    : QDialog(parent), catalogue_(catalogue) {
+frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent, Progress progress)
+    : QDialog(parent), catalogue_(catalogue), progress_(std::move(progress)) {
     setObjectName(QStringLiteral("frmCRC"));
     setWindowTitle(QStringLiteral("CRC Utility - Update all CRC Values in database"));
     BuildControls();
@@ -61,8 +63,8 @@ void frmCRC::Refresh() {
     if (busy_) return;
     {
         const base::ScopedFlag busy(busy_);
-        // A failure ends the run without a message; the rows done so far are kept.
-        RefreshCrcs(catalogue_, *this, [this](const QString& line) { ShowLine(line); }).Ignore();
+        outcome_ = RefreshCrcs(
+            catalogue_, *this, [this](const QString& line) { ShowLine(line); }, progress_);
         ShowLine(QStringLiteral("Task Complete!"));
     }
     accept();
@@ -77,8 +79,12 @@ void frmCRC::ProcessEvents() {
     QCoreApplication::processEvents();
 }
 
-void UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, QWidget* owner) {
-    if (ConfirmCrcRefresh(prompts)) frmCRC(catalogue, owner).exec();
+base::Status UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                        QWidget* owner, Progress progress) {
+    if (!ConfirmCrcRefresh(prompts)) return {};
+    frmCRC window(catalogue, owner, std::move(progress));
+    window.exec();
+    return window.outcome();
 }
 
 }  // namespace maintenance

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "catalogue/pin_subs.h"
+#include "maintenance/command_context.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"
 
@@ -18,7 +19,11 @@ class frmCRC : public QDialog, private platform::UserEvents {
 
 public:
     // `catalogue` is borrowed and outlives the window. Shown modally by exec().
-    explicit frmCRC(catalogue::Catalogue& catalogue, QWidget* parent = nullptr);
+    explicit frmCRC(catalogue::Catalogue& catalogue, QWidget* parent = nullptr,
+                    Progress progress = {});
+
+    // Why the refresh ended early; ok when it did not.
+    const base::Status& outcome() const { return outcome_; }
 
     // Every way of closing ends here; refused without a word while the refresh runs.
     void done(int result) override;
@@ -35,13 +40,16 @@ private:
     void ProcessEvents() override;
 
     catalogue::Catalogue& catalogue_;
+    Progress progress_;
+    base::Status outcome_;
     QLabel* Label1_ = nullptr;
     QPushButton* Command1_ = nullptr;
     bool busy_ = false;
 };
 
 // The whole command: asks, and on OK shows the window until the refresh is over. `owner`: the main
-// window.
-void UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, QWidget* owner);
+// window. A failure ends the refresh without a message box; it is returned.
+base::Status UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                        QWidget* owner, Progress progress = {});
 
 }  // namespace maintenance

@@ -1,5 +1,7 @@
 #include "maintenance/frmImport.h"
 
+#include "catalogue/error_report.h"
+
 #include <QtGui/QCloseEvent>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFrame>
@@ -46,7 +48,9 @@ frmImport::frmImport(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
     column->addWidget(BuildProgress());
     column->addStretch();
     column->addWidget(BuildButton());
-    Combo1_->addItems(DatesAdded(*catalogue.CatalogueConnection));
+    const auto dates = DatesAdded(*catalogue.CatalogueConnection);
+    catalogue::ShowError(prompts, dates.status());
+    Combo1_->addItems(dates.value_or({}));
     Combo1_->setCurrentIndex(-1);
     Combo1_->setEditText(QStringLiteral("Select a Date"));
 }

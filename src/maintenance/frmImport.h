@@ -28,6 +28,9 @@ public:
               platform::UserEvents& events, std::function<void()> refresh_tree,
               QWidget* parent = nullptr);
 
+    // What the database has refused during the imports of this window.
+    const base::Status& database_failure() const { return import_.database_failure(); }
+
 public Q_SLOTS:
     void reject() override;
 

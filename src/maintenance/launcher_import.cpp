@@ -18,44 +18,41 @@ struct Match {
     std::optional<std::int64_t> only_row;
 };
 
-bool HasRows(jet::Connection& connection, const QString& sql, bool& failed) {
-    const auto rows = connection.Execute(sql.toStdU16String());
-    failed = !rows.ok();
-    return rows.ok() && !(rows->Bof() && rows->Eof());
+base::Result<bool> HasRows(jet::Connection& connection, const QString& sql) {
+    ASSIGN_OR_RETURN(const jet::Recordset rows, connection.Execute(sql.toStdU16String()));
+    return !(rows.Bof() && rows.Eof());
 }
 
-// nullopt: no row, or a key that the database refuses.
-std::optional<Match> AskDatabase(jet::Connection& connection, const QString& key,
-                                 const QString& date_condition) {
+// nullopt: no row. A key may be one that the database refuses.
+base::Result<std::optional<Match>> AskDatabase(jet::Connection& connection, const QString& key,
+                                               const QString& date_condition) {
     for (const MatchColumn column : {MatchColumn::kChecksum, MatchColumn::kDisplayName}) {
-        bool failed = false;
-        if (HasRows(connection, MatchQuery(column, key, date_condition), failed))
-            return Match{column, std::nullopt};
-        if (failed) return std::nullopt;
+        ASSIGN_OR_RETURN(const bool has_rows,
+                         HasRows(connection, MatchQuery(column, key, date_condition)));
+        if (has_rows) return std::optional(Match{column, std::nullopt});
     }
-    return std::nullopt;
+    return std::optional<Match>();
 }
 
-std::optional<Match> FindMatch(jet::Connection& connection, const MatchIndex& index,
-                               const QString& key, const QString& date_condition) {
+base::Result<std::optional<Match>> FindMatch(jet::Connection& connection, const MatchIndex& index,
+                                             const QString& key, const QString& date_condition) {
     if (!index.CanAnswer(key)) return AskDatabase(connection, key, date_condition);
     if (const auto rows = index.ByChecksum(key); rows.count > 0)
-        return Match{MatchColumn::kChecksum, rows.id};
+        return std::optional(Match{MatchColumn::kChecksum, rows.id});
     if (const auto rows = index.ByDisplayName(key); rows.count > 0)
-        return Match{MatchColumn::kDisplayName, rows.id};
-    return std::nullopt;
+        return std::optional(Match{MatchColumn::kDisplayName, rows.id});
+    return std::optional<Match>();
 }
 
 }  // namespace
 
-QStringList DatesAdded(jet::Connection& connection) {
+base::Result<QStringList> DatesAdded(jet::Connection& connection) {
     QStringList dates;
-    auto rows = connection.Execute(u"Select Distinct DateAdded from Tables");
-    if (!rows.ok()) return dates;
-    while (!rows->Eof()) {
-        const auto date = rows->Fields(std::size_t{0});
-        if (date.ok() && !date->is_null()) dates.append(catalogue::FieldText(*date));
-        if (!rows->MoveNext().ok()) break;
+    ASSIGN_OR_RETURN(auto rows, connection.Execute(u"Select Distinct DateAdded from Tables"));
+    while (!rows.Eof()) {
+        ASSIGN_OR_RETURN(const jet::Value date, rows.Fields(std::size_t{0}));
+        if (!date.is_null()) dates.append(catalogue::FieldText(date));
+        RETURN_IF_ERROR(rows.MoveNext());
     }
     return dates;
 }
@@ -95,6 +92,7 @@ QString LauncherImport::LocateDataFile() {
     dialog.filter = QStringLiteral("VPlauncher.DAT|VPlauncher.dat");
     dialog.file_name =
         platform::FileIn(catalogue_.values->ApplicationFolder, QStringLiteral("vpLauncher.dat"));
+    dialog.must_exist = false;
     const QString chosen = prompts_.ChooseFileToOpen(dialog);
     const QString path = chosen.isEmpty() ? dialog.file_name : chosen;
     const bool accepted = !catalogue::GetFileName(path).isEmpty() && platform::FileExists(path);
@@ -134,9 +132,18 @@ bool LauncherImport::Update(const LauncherRecord& record, const MatchIndex& inde
                             const QString& date_condition) {
     jet::Connection& connection = *catalogue_.CatalogueConnection;
     const auto match = FindMatch(connection, index, record.key, date_condition);
-    if (!match) return false;
-    const QString sql = UpdateStatement(record, match->column, date_condition, match->only_row);
-    return connection.Execute(sql.toStdU16String()).ok();
+    Note(match.status());
+    if (!match.ok() || !*match) return false;
+    const QString sql =
+        UpdateStatement(record, (*match)->column, date_condition, (*match)->only_row);
+    const base::Status updated = connection.Execute(sql.toStdU16String()).status();
+    Note(updated);
+    return updated.ok();
+}
+
+void LauncherImport::Note(const base::Status& status) {
+    if (status.ok() || catalogue::IsValueTrouble(status) || !database_failure_.ok()) return;
+    database_failure_ = status;
 }
 
 void LauncherImport::ShowResult() {

@@ -30,7 +30,7 @@ public:
 
 // The dates on which tables were added, as texts, in the database's order; rows without a date give
 // none.
-QStringList DatesAdded(jet::Connection& connection);
+base::Result<QStringList> DatesAdded(jet::Connection& connection);
 
 class LauncherImport {
 public:
@@ -44,8 +44,13 @@ public:
     // Rows added after `date` only; a text that is no date is refused.
     void ImportAddedAfter(const QString& date);
 
+    // A line that cannot be processed is passed over without a word. When it was not the line's own
+    // fault but the database's, the first such failure is kept here.
+    const base::Status& database_failure() const { return database_failure_; }
+
 private:
     void Run(const QString& date_condition);
+    void Note(const base::Status& status);
     QString LocateDataFile();
     void ReadFile(const QString& path, const QString& date_condition);
     void ImportLine(const QString& line, const MatchIndex& index, const QString& date_condition);
@@ -59,6 +64,7 @@ private:
     platform::UserEvents& events_;
     ImportDisplay& display_;
     std::int64_t updated_lines_ = 0;
+    base::Status database_failure_;
 };
 
 }  // namespace maintenance

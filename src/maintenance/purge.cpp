@@ -20,7 +20,8 @@ bool UserAgrees(platform::UserPrompts& prompts) {
 }
 
 base::Status DeleteWhenMissing(jet::Recordset& rows) {
-    if (platform::FileExists(catalogue::FieldText(rows, u"FileName"))) return {};
+    ASSIGN_OR_RETURN(const QString file, catalogue::FieldText(rows, u"FileName"));
+    if (platform::FileExists(file)) return {};
     return rows.Delete();
 }
 

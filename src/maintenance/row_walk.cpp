@@ -1,6 +1,7 @@
 #include "maintenance/row_walk.h"
 
 #include "jet/recordset.h"
+#include "maintenance/progress_meter.h"
 
 #include <QtCore/QElapsedTimer>
 
@@ -9,39 +10,18 @@ namespace {
 
 constexpr qint64 kRoundMs = 20;
 
-// Reports each whole percent, and the end in any case, and processes pending events fifty times a
-// second.
-class ProgressMeter {
+// Processes pending events fifty times a second.
+class Rounds {
 public:
-    ProgressMeter(const CommandContext& context, std::int64_t total)
-        : context_(context), total_(total) {
-        since_round_.start();
-    }
-    ~ProgressMeter() { Tell(total_); }
-    ProgressMeter(const ProgressMeter&) = delete;
-    ProgressMeter& operator=(const ProgressMeter&) = delete;
-
+    explicit Rounds(platform::UserEvents& events) : events_(events) { since_round_.start(); }
     void Step() {
-        ++done_;
-        const std::int64_t percent = total_ > 0 ? done_ * 100 / total_ : 0;
-        if (percent != percent_ && done_ < total_) Tell(done_);
-        percent_ = percent;
-        if (since_round_.hasExpired(kRoundMs)) LetWindowsLive();
+        if (!since_round_.hasExpired(kRoundMs)) return;
+        events_.ProcessEvents();
+        since_round_.start();
     }
 
 private:
-    void Tell(std::int64_t done) const {
-        if (context_.progress) context_.progress(done, total_);
-    }
-    void LetWindowsLive() {
-        context_.events.ProcessEvents();
-        since_round_.start();
-    }
-
-    const CommandContext& context_;
-    std::int64_t total_;
-    std::int64_t done_ = 0;
-    std::int64_t percent_ = -1;
+    platform::UserEvents& events_;
     QElapsedTimer since_round_;
 };
 
@@ -52,11 +32,13 @@ base::Status WalkRows(CommandContext& context, const QString& sql,
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), *context.catalogue.CatalogueConnection,
                               jet::CursorType::kDynamic, jet::LockType::kOptimistic));
-    ProgressMeter meter(context, rows.RecordCount());
+    ProgressMeter meter(context.progress, rows.RecordCount());
+    Rounds rounds(context.events);
     while (!rows.Eof()) {
         RETURN_IF_ERROR(visit(rows));
         RETURN_IF_ERROR(rows.MoveNext());
         meter.Step();
+        rounds.Step();
     }
     return {};
 }

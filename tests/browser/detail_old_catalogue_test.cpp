@@ -33,7 +33,7 @@ protected:
         panel = std::make_unique<DetailPanel>(catalogue, prompts, host);
         auto rows = connection.Execute(u"select FileName from tables order by ID");
         ASSERT_TRUE(rows.ok()) << rows.status().message();
-        host.selected_tag = catalogue::FieldText(*rows, u"FileName");
+        host.selected_tag = catalogue::FieldText(*rows, u"FileName").value();
         panel->ShowTableDetails(host.selected_tag);
     }
 

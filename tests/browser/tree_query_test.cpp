@@ -34,7 +34,7 @@ protected:
         if (!*rows) return {S(u"<none>")};
         QStringList names;
         for (; !(*rows)->Eof(); (*rows)->MoveNext().Ignore())
-            names.append(catalogue::FieldText(**rows, u"DisplayName"));
+            names.append(catalogue::FieldText(**rows, u"DisplayName").value());
         return names;
     }
 };

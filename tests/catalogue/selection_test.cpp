@@ -110,7 +110,7 @@ protected:
         if (!opened.ok()) return QString::fromStdString(opened.message());
         QStringList names;
         for (; !rows.Eof(); rows.MoveNext().Ignore())
-            names.append(FieldText(rows, u"DisplayName"));
+            names.append(FieldText(rows, u"DisplayName").value());
         return names.join(u' ');
     }
 };

@@ -1,5 +1,6 @@
 #include "catalogue/new_catalogue.h"
 #include "catalogue/pin_subs.h"
+#include "jet/database.h"
 #include "support/catalogue_fixture.h"
 
 #include <QtCore/QDir>
@@ -116,7 +117,8 @@ TEST_F(FreshFolder, RowsThatExistedBeforeTheColumnHaveNoPlayCount) {
     ASSERT_TRUE(rows.ok());
     auto current = connection->Execute(u"Select TimesPlayed, DateAdded from Tables");
     EXPECT_TRUE(current->Fields(u"TimesPlayed")->is_null());
-    EXPECT_EQ(FieldText(*current, u"DateAdded"), QStringLiteral("11/20/2026"));
+    EXPECT_EQ(FieldText(*current, u"DateAdded").value_or(QStringLiteral("<error>")),
+              QStringLiteral("11/20/2026"));
 }
 
 TEST_F(StartUpTest, ProcessValuesAreFilled) {
@@ -199,7 +201,8 @@ TEST_F(FreshFolder, AReadOnlyDatabaseOpensAndKeepsItsColumns) {
     auto rows = reader.Execute(u"Select * from Tables");
     ASSERT_TRUE(rows.ok()) << rows.status().message();
     EXPECT_EQ(rows->FieldCount(), 12U);
-    EXPECT_EQ(FieldText(*rows, u"DisplayName"), QStringLiteral("kept"));
+    EXPECT_EQ(FieldText(*rows, u"DisplayName").value_or(QStringLiteral("<error>")),
+              QStringLiteral("kept"));
     rows->Close();
     ASSERT_TRUE(reader.Close().ok());
     EXPECT_EQ(Content(), before);
@@ -212,7 +215,8 @@ TEST_F(FreshFolder, AnEmptyTextDateIsStampedToo) {
     ASSERT_TRUE(Main(catalogue).ok());
     auto rows = connection->Execute(u"Select DateAdded from Tables");
     ASSERT_TRUE(rows.ok());
-    EXPECT_EQ(FieldText(*rows, u"DateAdded"), MediumDate(clock.now));
+    EXPECT_EQ(FieldText(*rows, u"DateAdded").value_or(QStringLiteral("<error>")),
+              MediumDate(clock.now));
 }
 
 TEST(StartUpFolderTest, AFolderWithASemicolonInItsNameOpens) {
@@ -241,6 +245,86 @@ TEST_F(FreshFolder, ADatabaseHeldByAnotherConnectionSaysSo) {
     const base::Status opened = Main(catalogue);
     ASSERT_FALSE(opened.ok());
     EXPECT_EQ(opened.code(), base::StatusCode::kBusy) << opened.message();
+}
+
+// Two digits of a year are those of 1930 to 2029.
+class Century : public StartUpTest, public testing::WithParamInterface<QDate> {};
+
+TEST_P(Century, TheStampIsTheDayOfTheStart) {
+    Execute(QStringLiteral("INSERT INTO Tables (DisplayName) VALUES ('undated')"));
+    clock.now = QDateTime(GetParam(), QTime(23, 59, 58));
+    ASSERT_TRUE(StartAgain().ok());
+    EXPECT_EQ(Scalar(QStringLiteral("Select DateAdded from Tables")), QStringLiteral("%1/%2/%3")
+                                                                          .arg(GetParam().month())
+                                                                          .arg(GetParam().day())
+                                                                          .arg(GetParam().year()));
+}
+
+INSTANTIATE_TEST_SUITE_P(StartUpTest, Century,
+                         testing::Values(QDate(2026, 11, 21), QDate(2029, 12, 31),
+                                         QDate(2030, 1, 1), QDate(2099, 12, 31)));
+
+TEST(StoredDateTest, IsTheMediumDateAsLongAsThatIsReadBack) {
+    const auto stored = [](int year, int month, int day) {
+        return StoredDate(QDateTime(QDate(year, month, day), QTime(12, 0)));
+    };
+    EXPECT_EQ(stored(2026, 11, 20), QStringLiteral("20-Nov-26"));
+    EXPECT_EQ(stored(2029, 12, 31), QStringLiteral("31-Dec-29"));
+    EXPECT_EQ(stored(2030, 1, 1), QStringLiteral("01-Jan-2030"));
+    EXPECT_EQ(stored(2099, 12, 31), QStringLiteral("31-Dec-2099"));
+}
+
+// As stored, not as a query shows them.
+TEST_F(StartUpTest, TheUpgradeStoresTheTypesAndSizesItNames) {
+    const auto table = connection->database()->FindTable(u"Tables");
+    ASSERT_TRUE(table.ok());
+    QStringList stored;
+    for (const jet::ColumnDesign& column : (*table)->design().columns)
+        stored.append(QStringLiteral("%1 %2 %3 %4")
+                          .arg(QString::fromStdU16String(column.name))
+                          .arg(static_cast<int>(column.type))
+                          .arg(column.size)
+                          .arg(column.required ? QStringLiteral("required") : QString())
+                          .trimmed());
+    const auto is = [](const char* name, jet::ColumnType type, int size) {
+        return QStringLiteral("%1 %2 %3")
+            .arg(QLatin1String(name))
+            .arg(static_cast<int>(type))
+            .arg(size);
+    };
+    EXPECT_EQ(stored.mid(12), (QStringList{is("RulesFile", jet::ColumnType::kText, 255),
+                                           is("FileDate", jet::ColumnType::kDate, 0),
+                                           is("RulesText", jet::ColumnType::kMemo, 0),
+                                           is("TimesPlayed", jet::ColumnType::kLong, 0),
+                                           is("LastPlayed", jet::ColumnType::kDate, 0),
+                                           is("DateAdded", jet::ColumnType::kDate, 0),
+                                           is("CRC", jet::ColumnType::kText, 50)}));
+}
+
+// A catalogue that was copied from another system: its name may be written in capitals.
+TEST_F(FreshFolder, ACatalogueWhoseNameIsInCapitalsIsOpened) {
+    MakeCatalogue();
+    ASSERT_TRUE(QFile::rename(path, folder.filePath(QStringLiteral("PINBALL.MDB"))));
+    const base::Status opened = Main(catalogue);
+    EXPECT_TRUE(opened.ok()) << opened.message();
+}
+
+TEST(StartUpFolderTest, AFolderWhoseNameIsNotUtf8Opens) {
+    const QTemporaryDir root;
+    const std::string raw = root.path().toStdString() + "/caf\xE9";
+    std::filesystem::create_directory(raw);
+    const auto files = platform::MakeFileSystem();
+    ASSERT_TRUE(CreateEmptyCatalogue(*files, raw + "/pinball.mdb", 46000).ok());
+    jet::Connection connection(*files);
+    test_support::FakeSettings settings;
+    test_support::FakeClock clock;
+    ProcessValues values;
+    values.ApplicationFolder = root.filePath(QStringLiteral("caf")) + QChar(0xDCE9);
+    Catalogue catalogue{&connection, &values, &settings, &clock};
+    const base::Status opened = Main(catalogue);
+    EXPECT_TRUE(opened.ok()) << opened.message();
+    EXPECT_TRUE(connection.Close().ok());
+    std::filesystem::remove_all(raw);
 }
 
 }  // namespace

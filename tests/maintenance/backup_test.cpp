@@ -103,5 +103,75 @@ TEST_F(BackupTest, AClosedCatalogueEndsItSilently) {
     EXPECT_FALSE(QFile::exists(BackupPath()));
 }
 
+// Notes in which order a copy is synced and renamed.
+class RecordingFiles final : public jet::FileSystem {
+public:
+    explicit RecordingFiles(jet::FileSystem& system) : system_(system) {}
+    std::vector<std::string> calls;
+
+    base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
+                                                  jet::OpenMode mode) override {
+        auto file = system_.Open(path, mode);
+        if (!file.ok()) return file;
+        return std::unique_ptr<jet::File>(
+            std::make_unique<Recorded>(std::move(file).value(), *this, path.filename().string()));
+    }
+    bool Exists(const std::filesystem::path& path) override { return system_.Exists(path); }
+    base::Status Remove(const std::filesystem::path& path) override { return system_.Remove(path); }
+    base::Status Rename(const std::filesystem::path& from,
+                        const std::filesystem::path& to) override {
+        calls.push_back("rename " + from.filename().string() + " to " + to.filename().string());
+        return system_.Rename(from, to);
+    }
+    base::Status SyncFolder(const std::filesystem::path& folder) override {
+        calls.emplace_back("sync folder");
+        return system_.SyncFolder(folder);
+    }
+    std::string OwnerName() override { return system_.OwnerName(); }
+
+private:
+    class Recorded final : public jet::File {
+    public:
+        Recorded(std::unique_ptr<jet::File> file, RecordingFiles& files, std::string name)
+            : file_(std::move(file)), files_(files), name_(std::move(name)) {}
+        ~Recorded() override { Note("close"); }
+        base::Result<std::uint64_t> Size() const override { return file_->Size(); }
+        base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
+            return file_->ReadAt(offset, bytes);
+        }
+        base::Status WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
+            Note("write");
+            return file_->WriteAt(offset, bytes);
+        }
+        base::Status Truncate(std::uint64_t size) override { return file_->Truncate(size); }
+        base::Status Sync() override {
+            Note("sync");
+            return file_->Sync();
+        }
+        base::Status Lock(jet::FileLock lock) override { return file_->Lock(lock); }
+
+    private:
+        void Note(const char* call) {
+            const std::string text = std::string(call) + ' ' + name_;
+            if (name_ == "pinball.BU.new" && (files_.calls.empty() || files_.calls.back() != text))
+                files_.calls.push_back(text);
+        }
+        std::unique_ptr<jet::File> file_;
+        RecordingFiles& files_;
+        std::string name_;
+    };
+
+    jet::FileSystem& system_;
+};
+
+TEST_F(BackupTest, TheCopyIsOnTheDiskBeforeItTakesThePlaceOfTheOldOne) {
+    RecordingFiles recording(*files);
+    BackupData(Context(), recording, QString());
+    EXPECT_EQ(recording.calls,
+              (std::vector<std::string>{"write pinball.BU.new", "sync pinball.BU.new",
+                                        "close pinball.BU.new",
+                                        "rename pinball.BU.new to pinball.BU", "sync folder"}));
+}
+
 }  // namespace
 }  // namespace maintenance

@@ -30,6 +30,29 @@ protected:
         Execute(QStringLiteral("insert into Tables (DisplayName, FileName) values ('t', '%1')")
                     .arg(catalogue::QuoteSql(file_name)));
     }
+    // From now on FileName may hold a text of any length, which lies in pages of its own.
+    void MakeFileNameMemo() {
+        Execute(QStringLiteral("drop index FileName on Tables"));
+        Execute(QStringLiteral("alter table Tables alter column FileName MEMO"));
+    }
+    // Makes the page that holds `text` unreadable: its first byte, which says what kind of page it
+    // is, is changed while the catalogue is closed.
+    void DamagePageWith(const QString& stored) {
+        const QByteArray text(reinterpret_cast<const char*>(stored.utf16()), stored.size() * 2);
+        constexpr qsizetype kPageBytes = 4096;
+        ASSERT_TRUE(connection->Close().ok());
+        QFile file(DatabasePath());
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        const QByteArray content = file.readAll();
+        qsizetype at = content.indexOf(text);
+        ASSERT_GE(at, 0);
+        for (; at >= 0; at = content.indexOf(text, at + kPageBytes)) {
+            ASSERT_TRUE(file.seek(at / kPageBytes * kPageBytes));
+            ASSERT_EQ(file.write("\xFE", 1), 1);
+        }
+        file.close();
+        ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    }
     QString RowCount() { return Scalar(QStringLiteral("select count(*) from Tables")); }
 
     FakeEvents events;

@@ -173,5 +173,20 @@ TEST(ConfirmCrcRefreshTest, AnyAnswerButOkIsNo) {
     }
 }
 
+TEST_F(CrcRefreshTest, ProgressGoesUpToTheTotal) {
+    const QString path = MakeFile(QStringLiteral("one.vpt"));
+    for (int i = 0; i < 4; ++i)
+        AddRow(QStringLiteral("Table %1").arg(i), path);
+    std::vector<std::pair<std::int64_t, std::int64_t>> progress;
+    const auto note = [&](std::int64_t done, std::int64_t total) {
+        progress.emplace_back(done, total);
+    };
+    ASSERT_TRUE(RefreshCrcs(
+                    catalogue, events, [](const QString&) {}, note)
+                    .ok());
+    EXPECT_EQ(progress,
+              (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 4}, {2, 4}, {3, 4}, {4, 4}}));
+}
+
 }  // namespace
 }  // namespace maintenance

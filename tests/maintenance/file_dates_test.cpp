@@ -1,7 +1,10 @@
 #include "maintenance/file_dates.h"
 
+#include "jet/database.h"
 #include "maintenance/command_fixture.h"
 #include "platform/files.h"
+
+#include <algorithm>
 
 namespace maintenance {
 namespace {
@@ -62,6 +65,37 @@ TEST_F(FileDatesTest, ProgressEndsWithTheTotal) {
     UpdateFileDates(Context());
     ASSERT_FALSE(progress.empty());
     EXPECT_EQ(progress.back(), std::make_pair(std::int64_t{1}, std::int64_t{1}));
+}
+
+TEST_F(FileDatesTest, AFileNameThatCannotBeReadIsAnErrorThatIsShown) {
+    MakeFileNameMemo();
+    AddTable(MakeDatedFile(QStringLiteral("a.vpt"), modified));
+    AddTable(QStringLiteral("/") + QString(3000, u'q'));
+    DamagePageWith(QString(500, u'q'));
+    UpdateFileDates(Context());
+    EXPECT_EQ(FileDate(1), QStringLiteral("4/5/2003 6:07:09 PM")) << "rows done before stay done";
+    ASSERT_EQ(prompts.messages.size(), 2U);
+    EXPECT_EQ(prompts.messages[1].icon, platform::MessageIcon::kExclamation);
+    EXPECT_EQ(refreshes, 1);
+}
+
+// Catalogues of early versions.
+TEST_F(FileDatesTest, AColumnOfAnotherTypeBecomesADate) {
+    Execute(QStringLiteral("alter table Tables drop column FileDate"));
+    Execute(QStringLiteral("alter table Tables add FileDate varchar(50)"));
+    AddTable(MakeDatedFile(QStringLiteral("a.vpt"), modified));
+    UpdateFileDates(Context());
+    EXPECT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(FileDate(1), QStringLiteral("4/5/2003 6:07:09 PM"));
+    const auto table = connection->database()->FindTable(u"Tables");
+    ASSERT_TRUE(table.ok());
+    const auto& columns = (*table)->design().columns;
+    const auto column = std::find_if(columns.begin(), columns.end(), [](const auto& candidate) {
+        return candidate.name == u"FileDate" || candidate.name == u"filedate";
+    });
+    ASSERT_NE(column, columns.end());
+    EXPECT_EQ(column->type, jet::ColumnType::kDate);
+    EXPECT_FALSE(column->required);
 }
 
 }  // namespace

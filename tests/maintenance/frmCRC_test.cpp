@@ -98,5 +98,30 @@ TEST_F(FrmCrcTest, TheCommandRunsOnlyAfterOk) {
     EXPECT_EQ(Refreshed(), QStringLiteral("2"));
 }
 
+// Activating the window again presses its button again.
+TEST_F(FrmCrcTest, ASecondStartDuringTheRunIsNone) {
+    AddTables(3);
+    frmCRC window(catalogue);
+    QStringList lines;
+    QTimer again;
+    QObject::connect(&again, &QTimer::timeout, &window, [&] {
+        auto* label = window.findChild<QLabel*>(QStringLiteral("Label1"));
+        if (label->text().isEmpty()) return;  // not started yet
+        const QString before = label->text();
+        window.findChild<QPushButton*>(QStringLiteral("Command1"))->click();
+        EXPECT_EQ(label->text(), before) << "a run inside the run";
+        lines.append(before);
+    });
+    again.start(0);
+    window.exec();
+    EXPECT_FALSE(lines.isEmpty());
+}
+
+TEST_F(FrmCrcTest, AFailureIsKeptForTheStatusBar) {
+    ASSERT_TRUE(connection->Close().ok());
+    EXPECT_FALSE(UpdateCrcs(catalogue, prompts, nullptr).ok());
+    EXPECT_EQ(prompts.messages.size(), 1U) << "the question only";
+}
+
 }  // namespace
 }  // namespace maintenance

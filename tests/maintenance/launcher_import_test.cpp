@@ -257,7 +257,7 @@ TEST_F(LauncherImportTest, TheDatesAreThoseOfTheCatalogueOnceEach) {
     AddRow(QStringLiteral("b"), QStringLiteral("B1"), QStringLiteral("1/1/2001"));
     AddRow(QStringLiteral("c"), QStringLiteral("C1"), QStringLiteral("1/3/2001"));
     Execute(QStringLiteral("insert into Tables (DisplayName) values ('undated')"));
-    EXPECT_EQ(DatesAdded(*connection),
+    EXPECT_EQ(DatesAdded(*connection).value(),
               (QStringList{QStringLiteral("1/1/2001"), QStringLiteral("1/3/2001")}));
 }
 
@@ -298,6 +298,50 @@ TEST_F(LauncherImportTest, AHundredThousandLinesLetTheWindowLive) {
     Import(content);
     EXPECT_EQ(events.rounds, 100'000);
     EXPECT_LT(longest, 1000) << "milliseconds between two rounds of events";
+}
+
+TEST_F(LauncherImportTest, TheFileIsFoundInAnyLetterCase) {
+    AddRow(QStringLiteral("t"), QStringLiteral("AB"));
+    MakeFile(QStringLiteral("VPLauncher.DAT"), "n\\1\\AB\\new\\1999\\c\\\n");
+    LauncherImport(catalogue, prompts, events, display).ImportAll();
+    ExpectUpdated();
+    EXPECT_EQ(Field(QStringLiteral("Author")), QStringLiteral("new"));
+}
+
+// The dialog itself does not complain; the import does, in its own words.
+TEST_F(LauncherImportTest, ATypedNameThatIsNotThereIsSaidOnce) {
+    prompts.files = {folder.filePath(QStringLiteral("typed.dat"))};
+    LauncherImport(catalogue, prompts, events, display).ImportAll();
+    ASSERT_EQ(prompts.dialogs.size(), 1U);
+    EXPECT_FALSE(prompts.dialogs[0].must_exist);
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].text,
+              QStringLiteral("The selected File is not a valid VPLauncher.dat file"));
+}
+
+TEST_F(LauncherImportTest, DatesThatCannotBeReadAreAnError) {
+    ASSERT_TRUE(connection->Close().ok());
+    EXPECT_FALSE(DatesAdded(*connection).ok());
+}
+
+TEST_F(LauncherImportTest, AFailingDatabaseIsKeptAndALineOfItsOwnFaultIsNot) {
+    AddRow(QStringLiteral("t"), QStringLiteral("AB"));
+    LauncherImport import(catalogue, prompts, events, display);
+    MakeFile(QStringLiteral("vpLauncher.dat"), "n\\1\\A'B\\new\\1999\\c\\\n");
+    import.ImportAll();
+    EXPECT_TRUE(import.database_failure().ok()) << import.database_failure().message();
+
+    ASSERT_TRUE(connection->Close().ok());
+    ASSERT_TRUE(
+        connection
+            ->Open((QStringLiteral("Mode=Read;Data Source=") + DatabasePath()).toStdU16String())
+            .ok());
+    MakeFile(QStringLiteral("vpLauncher.dat"), "n\\1\\AB\\new\\1999\\c\\\n");
+    import.ImportAll();
+    EXPECT_EQ(import.database_failure().code(), base::StatusCode::kPermissionDenied);
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(display.writing.last(), kNothingUpdated) << "a failing update is not counted";
+    EXPECT_EQ(Field(QStringLiteral("Author")), QStringLiteral("before"));
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ protected:
         int moved = 0;
         auto rows = connection->Execute(u"select FileName from Tables");
         for (; !rows->Eof(); rows->MoveNext().Ignore()) {
-            const QString path = catalogue::FieldText(*rows, u"FileName");
+            const QString path = catalogue::FieldText(*rows, u"FileName").value();
             if (catalogue::GetFolder(path).compare(old, Qt::CaseInsensitive) != 0) continue;
             QFile file(next + catalogue::GetFileName(path));
             EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << file.fileName().toStdString();

@@ -88,5 +88,27 @@ TEST_F(PurgeTest, ADatabaseErrorIsShown) {
     EXPECT_FALSE(prompts.messages[1].text.isEmpty());
 }
 
+// A name that cannot be read is no missing file.
+TEST_F(PurgeTest, ARowWhoseFileNameCannotBeReadStaysAndTheErrorIsShown) {
+    MakeFileNameMemo();
+    AddTable(QStringLiteral("/gone.vpt"));
+    AddTable(QStringLiteral("/") + QString(3000, u'q'));
+    AddTable(QStringLiteral("/gone too.vpt"));
+    DamagePageWith(QString(500, u'q'));
+    PurgeMissingTables(Context());
+    EXPECT_EQ(RowCount(), QStringLiteral("2")) << "rows already deleted stay deleted";
+    ASSERT_EQ(prompts.messages.size(), 2U);
+    EXPECT_FALSE(prompts.messages[1].text.isEmpty());
+    EXPECT_EQ(prompts.messages[1].icon, platform::MessageIcon::kExclamation);
+    EXPECT_EQ(refreshes, 1);
+}
+
+TEST_F(PurgeTest, AFileInOtherLetterCaseIsThere) {
+    MakeFile(QStringLiteral("kept.vpt"));
+    AddTable(folder.filePath(QStringLiteral("KEPT.VPT")));
+    PurgeMissingTables(Context());
+    EXPECT_EQ(RowCount(), QStringLiteral("1"));
+}
+
 }  // namespace
 }  // namespace maintenance

@@ -80,6 +80,30 @@ TEST_F(UtilityWindowTest, ABlankPathIsRefusedAndTheWindowCloses) {
               QStringLiteral("C:\\a\\t.vpt"));
 }
 
+TEST_F(UtilityWindowTest, ABlankNewPathIsRefusedToo) {
+    Enter(QStringLiteral("C:\\a"), QStringLiteral(" \t "));
+    Press(*window, "OKButton");
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].text,
+              QStringLiteral("Both EXISTING and NEW paths are required!"));
+    EXPECT_EQ(refreshes, 0);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(Scalar(QStringLiteral("select FileName from Tables")),
+              QStringLiteral("C:\\a\\t.vpt"));
+}
+
+TEST_F(UtilityWindowTest, BlanksAroundThePathsArePartOfThem) {
+    Enter(QStringLiteral(" C:\\a"), QStringLiteral("D:\\b"));
+    Press(*window, "OKButton");
+    EXPECT_EQ(Scalar(QStringLiteral("select FileName from Tables")),
+              QStringLiteral("C:\\a\\t.vpt"));
+    window->show();
+    Enter(QStringLiteral("C:\\a"), QStringLiteral(" D:\\b "));
+    Press(*window, "OKButton");
+    EXPECT_EQ(Scalar(QStringLiteral("select FileName from Tables")),
+              QStringLiteral(" D:\\b \\t.vpt"));
+}
+
 TEST_F(UtilityWindowTest, CancelChangesNothing) {
     Enter(QStringLiteral("C:\\a"), QStringLiteral("D:\\b"));
     Press(*window, "CancelButton");
@@ -124,6 +148,14 @@ TEST_F(ImportWindowTest, OpensIdleWithTheDatesOfTheCatalogue) {
     EXPECT_EQ(dates.currentText(), QStringLiteral("Select a Date"));
     ASSERT_EQ(dates.count(), 1);
     EXPECT_EQ(dates.itemText(0), QStringLiteral("1/2/2003"));
+}
+
+TEST_F(ImportWindowTest, DatesThatCannotBeReadAreSaid) {
+    ASSERT_TRUE(connection->Close().ok());
+    window = std::make_unique<frmImport>(catalogue, prompts, events, [this] { ++refreshes; });
+    ASSERT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
+    EXPECT_EQ(Control<QComboBox>(*window, "Combo1").currentText(), QStringLiteral("Select a Date"));
 }
 
 TEST_F(ImportWindowTest, DoneRebuildsTheTreeAndCloses) {
