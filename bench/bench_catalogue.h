@@ -28,7 +28,10 @@ public:
                        const QString& fallback) override {
         return fallback;
     }
-    void SaveSetting(const QString&, const QString&, const QString&, const QString&) override {}
+    base::Status SaveSetting(const QString&, const QString&, const QString&,
+                             const QString&) override {
+        return {};
+    }
 };
 
 class BenchCatalogue {

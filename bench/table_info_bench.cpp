@@ -159,7 +159,10 @@ public:
                        const QString& fallback) override {
         return fallback;
     }
-    void SaveSetting(const QString&, const QString&, const QString&, const QString&) override {}
+    base::Status SaveSetting(const QString&, const QString&, const QString&,
+                             const QString&) override {
+        return {};
+    }
 };
 
 // A catalogue whose rows name the files in turn.

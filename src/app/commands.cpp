@@ -81,9 +81,9 @@ void Commands::AttachCatalogueDialogs() {
         maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
     });
     window_.SetCommand(QStringLiteral("mnuImport"), [this] {
-        maintenance::frmImport import(catalogue_, prompts_, events_, refresh_tree_, &window_);
-        import.exec();
-        window_.TellInPassing(import.database_failure());
+        maintenance::frmImport dialog(catalogue_, prompts_, events_, refresh_tree_, &window_);
+        dialog.exec();
+        window_.TellInPassing(dialog.database_failure());
     });
 }
 

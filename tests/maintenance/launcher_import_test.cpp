@@ -326,10 +326,10 @@ TEST_F(LauncherImportTest, DatesThatCannotBeReadAreAnError) {
 
 TEST_F(LauncherImportTest, AFailingDatabaseIsKeptAndALineOfItsOwnFaultIsNot) {
     AddRow(QStringLiteral("t"), QStringLiteral("AB"));
-    LauncherImport import(catalogue, prompts, events, display);
+    LauncherImport launcher(catalogue, prompts, events, display);
     MakeFile(QStringLiteral("vpLauncher.dat"), "n\\1\\A'B\\new\\1999\\c\\\n");
-    import.ImportAll();
-    EXPECT_TRUE(import.database_failure().ok()) << import.database_failure().message();
+    launcher.ImportAll();
+    EXPECT_TRUE(launcher.database_failure().ok()) << launcher.database_failure().message();
 
     ASSERT_TRUE(connection->Close().ok());
     ASSERT_TRUE(
@@ -337,8 +337,8 @@ TEST_F(LauncherImportTest, AFailingDatabaseIsKeptAndALineOfItsOwnFaultIsNot) {
             ->Open((QStringLiteral("Mode=Read;Data Source=") + DatabasePath()).toStdU16String())
             .ok());
     MakeFile(QStringLiteral("vpLauncher.dat"), "n\\1\\AB\\new\\1999\\c\\\n");
-    import.ImportAll();
-    EXPECT_EQ(import.database_failure().code(), base::StatusCode::kPermissionDenied);
+    launcher.ImportAll();
+    EXPECT_EQ(launcher.database_failure().code(), base::StatusCode::kPermissionDenied);
     EXPECT_TRUE(prompts.messages.empty());
     EXPECT_EQ(display.writing.last(), kNothingUpdated) << "a failing update is not counted";
     EXPECT_EQ(Field(QStringLiteral("Author")), QStringLiteral("before"));
