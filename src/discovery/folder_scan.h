@@ -1,4 +1,5 @@
-// FolderScan: walks a folder tree breadth first and adds to the catalogue every table file (.vpt)
+// FindTables and modsearch: which files are new tables, and the search for them.
+// FolderScan walks a folder tree breadth first and adds to the catalogue every table file (.vpt)
 // that it does not hold yet. The queue of folders is kept outside of the call stack, so no depth is
 // too deep. Links are followed after all real folders: a file is met under its real path first, and
 // one that is in the catalogue under its real path, or that another link has led to, does not come
