@@ -61,9 +61,10 @@ bool SourceMarks::IsWithin(const SourceMarks& others) const {
 void AddConditions(const Expression* e, std::size_t sources, JoinConditions& conditions) {
     if (e == nullptr) return;
     Split(*e, sources, conditions);
-    std::ranges::stable_partition(conditions, [](const std::unique_ptr<JoinCondition>& condition) {
-        return !HasSubquery(*condition->test);
-    });
+    std::stable_partition(conditions.begin(), conditions.end(),
+                          [](const std::unique_ptr<JoinCondition>& condition) {
+                              return !HasSubquery(*condition->test);
+                          });
 }
 
 std::optional<Link> FindLink(const JoinCondition& condition, const SourceMarks& here,
