@@ -49,14 +49,14 @@ TEST_F(MainWindowSettingsTest, WhatIsWrittenIsReadAgain) {
     settings.minimise = true;
     settings.last_tab = 3;
     settings.last_picture_folder = QStringLiteral("C:\\Pictures\\");
-    WriteSettings(store, settings);
+    EXPECT_TRUE(WriteSettings(store, settings).ok());
     EXPECT_EQ(ReadSettings(store), settings);
 }
 
 TEST_F(MainWindowSettingsTest, ValuesAreWrittenInTheirOrder) {
     MainWindowSettings settings;
     settings.last_picture_folder = QStringLiteral("C:\\");
-    WriteSettings(store, settings);
+    EXPECT_TRUE(WriteSettings(store, settings).ok());
     const std::vector<QString> order = {
         QStringLiteral("DIRECTION"),   QStringLiteral("ORDERBY"),    QStringLiteral("OPERATOR"),
         QStringLiteral("LASTPLAY"),    QStringLiteral("SUB"),        QStringLiteral("FILTER"),
@@ -68,14 +68,14 @@ TEST_F(MainWindowSettingsTest, ValuesAreWrittenInTheirOrder) {
 }
 
 TEST_F(MainWindowSettingsTest, AnEmptyPictureFolderIsNotWritten) {
-    WriteSettings(store, {});
+    EXPECT_TRUE(WriteSettings(store, {}).ok());
     EXPECT_EQ(Stored(QStringLiteral("LASTPICDIR")), QStringLiteral("<missing>"));
 }
 
 TEST_F(MainWindowSettingsTest, FlagsAreTheWordsTrueAndFalse) {
     MainWindowSettings settings;
     settings.sound = true;
-    WriteSettings(store, settings);
+    EXPECT_TRUE(WriteSettings(store, settings).ok());
     EXPECT_EQ(Stored(QStringLiteral("SOUND")), QStringLiteral("True"));
     EXPECT_EQ(Stored(QStringLiteral("MIN")), QStringLiteral("False"));
     Store(QStringLiteral("MIN"), QStringLiteral("-1"));
