@@ -2,12 +2,14 @@
 
 #include "base/unicode.h"
 #include "jet/check_catalog.h"
+#include "jet/check_system.h"
 #include "jet/check_table.h"
 #include "jet/page_header_layout.h"
 #include "jet/rc4.h"
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 
 namespace jet {
@@ -23,7 +25,26 @@ struct Header {
     RowPointer global_map;
     RowPointer second_map;
     std::uint32_t build = 0;  // Jet 4: of the engine that created or compacted the file
+    std::array<std::byte, 4> scramble_key{};  // Jet 4: of the names of users in the catalogue
 };
+
+// From the low bytes of the plain password, of the build, of the sort order and of the creation
+// date. Requires: page 0 of a Jet 4 file, unmasked.
+std::array<std::byte, 4> ScrambleKey(std::span<const std::byte> page) {
+    const double created = base::LoadDouble(page.data() + kCreated);
+    std::uint32_t day = 0;
+    if (std::isfinite(created) && std::abs(created) < 4e6)
+        day = static_cast<std::uint32_t>(static_cast<std::int32_t>(created));
+    std::uint32_t hash = 0;
+    for (std::uint32_t unit = 0; unit < 28; ++unit) {
+        auto low = std::to_integer<std::uint32_t>(page[kPassword + 2 * unit]);
+        if (unit < 20) low ^= day >> (unit % 2 == 0 ? 0 : 16) & 0xFF;
+        hash ^= low << unit % 24;
+    }
+    std::array<std::byte, 4> key{};
+    base::StoreLittle(key.data(), base::LoadLittle<std::uint32_t>(page.data() + kCreated) ^ hash);
+    return key;
+}
 
 std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
     const auto fault = [&](std::string text) {
@@ -60,6 +81,7 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
     Header header;
     if (!jet4) header.code_page = base::LoadLittle<std::uint16_t>(page.data() + kCodePage);
     if (jet4) header.build = base::LoadLittle<std::uint32_t>(page.data() + kBuild) & 0xFFFF;
+    if (jet4) header.scramble_key = ScrambleKey(page);
     header.global_map = LoadRowPointer(page.data() + kGlobalMapAt);
     header.second_map = LoadRowPointer(page.data() + kSecondMapAt);
     return header;
@@ -87,14 +109,18 @@ void CheckRelations(CheckRun& run, const std::map<PageNumber, Definition>& table
     }
 }
 
-void CheckTables(CheckRun& run) {
+void CheckTables(CheckRun& run, const Header& header) {
     std::map<PageNumber, Definition> definitions;
-    for (const TableEntry& entry : CheckCatalog(run)) {
+    SystemRows system_rows(run, header.scramble_key);
+    const Catalogue catalogue = CheckCatalog(run);
+    for (const TableEntry& entry : catalogue.tables) {
         const std::string name = base::ToUtf8(entry.name);
         run.SetTable(name);
         const auto definition = ReadDefinition(run, entry.definition, name);
         if (!definition) continue;
-        CheckTable(run, *definition);
+        CheckTable(run, *definition, [&](PageNumber page, int row, const Row& parsed) {
+            system_rows.Take(*definition, page, row, parsed);
+        });
         ++run.report().tables;
         definitions.emplace(entry.definition, *definition);
     }
@@ -102,6 +128,7 @@ void CheckTables(CheckRun& run) {
     for (PageNumber page = kAccessPage; page <= kRelationsPage; ++page)
         if (!definitions.contains(page)) run.Fault(page, -1, "is no table of the catalogue");
     CheckRelations(run, definitions);
+    system_rows.Check(catalogue, definitions);
 }
 
 // Every page is either free or used once; Claim has reported the ones used twice.
@@ -136,7 +163,7 @@ CheckReport CheckIntegrity(PageStore& store, CheckOptions options) {
     if (second && !second->empty())
         run.Warn(header->second_map.page, header->second_map.row,
                  "the second global map is not empty");
-    check::CheckTables(run);
+    check::CheckTables(run, *header);
     if (free) check::CheckPages(run, store, *free);
     CheckReport report = std::move(run.report());
     report.faults += first.faults;

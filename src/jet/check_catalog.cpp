@@ -26,7 +26,7 @@ class CatalogCheck {
 public:
     explicit CatalogCheck(CheckRun& run) : run_(run) {}
 
-    std::vector<TableEntry> Run() {
+    Catalogue Run() {
         run_.SetTable("MSysObjects");
         definition_ = ReadDefinition(run_, kObjectsPage, "MSysObjects");
         if (!definition_ || !FindColumns()) return {};
@@ -38,7 +38,7 @@ public:
             });
         ++run_.report().tables;
         CheckObjects();
-        return Tables();
+        return Content();
     }
 
 private:
@@ -89,12 +89,14 @@ private:
                            "object " + base::ToUtf8(object.name) + ": its container is not there");
     }
 
-    std::vector<TableEntry> Tables() const {
-        std::vector<TableEntry> tables;
-        for (const Object& object : objects_)
+    Catalogue Content() const {
+        Catalogue catalogue;
+        for (const Object& object : objects_) {
+            catalogue.ids.insert(object.id);
             if (object.type == kTableType && object.id != kObjectsPage)
-                tables.push_back({object.name, object.id});
-        return tables;
+                catalogue.tables.push_back({object.name, object.id});
+        }
+        return catalogue;
     }
 
     CheckRun& run_;
@@ -108,7 +110,7 @@ private:
 
 }  // namespace
 
-std::vector<TableEntry> CheckCatalog(CheckRun& run) {
+Catalogue CheckCatalog(CheckRun& run) {
     return CatalogCheck(run).Run();
 }
 

@@ -4,6 +4,7 @@
 #include "jet/check_run.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,12 @@ struct TableEntry {
     PageNumber definition = 0;
 };
 
-// Checks MSysObjects as a table and its rows as a catalogue. The answer: the other tables.
-std::vector<TableEntry> CheckCatalog(CheckRun& run);
+struct Catalogue {
+    std::vector<TableEntry> tables;  // MSysObjects apart
+    std::set<std::uint32_t> ids;     // of all objects
+};
+
+// Checks MSysObjects as a table and its rows as a catalogue.
+Catalogue CheckCatalog(CheckRun& run);
 
 }  // namespace jet::check
