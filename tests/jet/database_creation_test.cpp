@@ -5,6 +5,7 @@
 #include "jet/rc4.h"
 #include "jet/storage_support.h"
 #include "platform/file_system.h"
+#include "support/faulty_file_system.h"
 
 #include <gtest/gtest.h>
 
@@ -87,6 +88,36 @@ TEST(DatabaseCreationTest, NewFileIsTheOneThatTheEngineWrites) {
                           << std::to_integer<int>(expected[at]);
     }
     EXPECT_EQ(differences, 0U);
+}
+
+// Whatever fails, and by half: no file is left that would be taken for a catalogue.
+TEST(DatabaseCreationTest, AFailedCreationLeavesNothingBehind) {
+    using test_support::FaultKind;
+    const std::filesystem::path path = "folder/new.mdb";
+    for (const FaultKind kind : {FaultKind::kRefuse, FaultKind::kHalf, FaultKind::kDoneButFail}) {
+        std::uint64_t failed = 0;
+        for (std::uint64_t call = 1;; ++call) {
+            test_support::FaultyFileSystem files;
+            files.SetPlan({call, kind, base::StatusCode::kNoSpace});
+            const base::Status created = CreateDatabaseFile(files, path, 45000);
+            if (!files.fault_happened()) break;
+            ++failed;
+            EXPECT_EQ(created.code(), base::StatusCode::kNoSpace) << call;
+            EXPECT_FALSE(files.Exists(path)) << call;
+            files.SetPlan({});
+            EXPECT_TRUE(CreateDatabaseFile(files, path, 45000).ok()) << call;
+            EXPECT_EQ(files.Get(path).size(), 16U * kPage);
+        }
+        EXPECT_GE(failed, 4U);  // open, write, sync, sync of the folder
+    }
+}
+
+TEST(DatabaseCreationTest, ANewFileOutlivesAPowerCut) {
+    const std::filesystem::path path = "folder/new.mdb";
+    test_support::FaultyFileSystem files;
+    ASSERT_TRUE(CreateDatabaseFile(files, path, 45000).ok());
+    for (std::uint32_t seed = 0; seed < 20; ++seed)
+        EXPECT_EQ(files.CutPower(seed)->Get(path), files.Get(path)) << seed;
 }
 
 TEST(DatabaseCreationTest, ExistingFileIsNotReplaced) {

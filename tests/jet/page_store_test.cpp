@@ -415,6 +415,25 @@ TEST_F(LeftOverJournalTest, AFileChangedByAnotherProgramStaysAsItIs) {
     EXPECT_EQ(survivor->Get(kPath), bytes);
 }
 
+// The file that it belongs to may be put back under this name.
+TEST_F(LeftOverJournalTest, AnotherFilesJournalStaysUntilThereIsACommit) {
+    const auto survivor = DieAfter(4);
+    const auto own = survivor->Get(kPath);
+    const std::filesystem::path path = std::string(kPath) + "-journal";
+    const auto journal = survivor->Get(path);
+    ASSERT_FALSE(journal.empty());
+    survivor->Put(kPath, workload_.first_file());
+    for (const bool read_only : {false, true}) {
+        auto store = Open(*survivor, read_only);
+        ASSERT_TRUE(store->Flush().ok());
+        ASSERT_TRUE(store->Close().ok());
+        EXPECT_EQ(survivor->Get(path), journal) << read_only;
+    }
+    survivor->Put(kPath, own);
+    const auto store = Open(*survivor);
+    EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 5, 5), 5);
+}
+
 TEST_F(LeftOverJournalTest, TheNextCommitReplacesAForeignJournal) {
     const auto survivor = DieAfter(4);
     survivor->Put(kPath, workload_.first_file());
