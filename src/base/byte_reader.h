@@ -1,6 +1,6 @@
-// ReadU16 and the like: little-endian integers out of bytes, wherever they lie (no alignment
-// needed). The `...At` functions on a span check the bounds and answer nullopt outside of it; a
-// span that comes from a file is read only through them.
+// LoadLittle, LoadBig and the like: integers out of bytes at any alignment; the caller has checked
+// that the bytes are there. LittleAt and BytesAt check the bounds themselves and return nullopt
+// outside of them: for spans from a file whose size was not checked before.
 #pragma once
 
 #include <bit>

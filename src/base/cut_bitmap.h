@@ -1,5 +1,5 @@
-// IsCutBitmap: whether a Windows bitmap file (BMP) ends before its last row. Decoders tend to hand
-// out unwritten memory for rows that are missing, so they are counted before one is asked. Layout
+// IsCutBitmap: whether a Windows bitmap file (BMP) ends before its last row. Some decoders return
+// uninitialised memory for missing rows, so the rows are counted before decoding. Layout
 // (little endian): offset of the pixels at 10, header size at 14; 12-byte header: width u16 at 18,
 // height u16 at 20, bits at 24; others: width i32 at 18, height i32 at 22 (negative: top-down),
 // bits u16 at 28, compression u32 at 30 (0 and 3: rows of a fixed size, padded to 4 bytes).

@@ -1,4 +1,4 @@
-// Status and Result<T>: how this program reports what the world did to it.
+// Status and Result<T>: how functions report failures.
 // A Status is a small code for the caller's decision, a text that names the thing that failed
 // (UTF-8, a sentence a user can read), and, where an engine or a system has one, its own error
 // number. Nothing here throws. Values; safe to pass between threads.

@@ -1,5 +1,7 @@
 #include "jet/check_run.h"
 
+#include "jet/map_row_layout.h"
+
 #include <algorithm>
 
 namespace jet::check {
@@ -144,24 +146,24 @@ std::optional<PageSet> CheckRun::ReadMap(RowPointer row, const std::string& what
     const auto bytes = page->Row(row.row);
     PageSet members;
     const MapBits bits{row.page, row.row, may_pass_the_end, what, members};
-    if (bytes.size() >= 5 && bytes[0] == std::byte{0}) {
-        const auto first = base::LoadLittle<std::uint32_t>(bytes.data() + 1);
-        AddBits(bytes.subspan(5), first, bits);
+    if (bytes.size() >= kInlineHead && bytes[0] == kMapInline) {
+        const auto first = base::LoadLittle<std::uint32_t>(bytes.data() + kMapFirstPage);
+        AddBits(bytes.subspan(kInlineHead), first, bits);
         return members;
     }
-    if (bytes.empty() || bytes[0] != std::byte{1}) {
+    if (bytes.empty() || bytes[0] != kMapReference) {
         Fault(row.page, row.row, "the map of " + what + " has an unknown form");
         return std::nullopt;
     }
-    for (std::size_t i = 0; 1 + 4 * (i + 1) <= bytes.size(); ++i) {
-        const auto number = base::LoadLittle<std::uint32_t>(bytes.data() + 1 + 4 * i);
+    for (std::size_t i = 0; i < MapPointerCount(bytes); ++i) {
+        const std::uint32_t number = LoadMapPointer(bytes, i);
         if (number == 0) continue;
         const auto bitmap = Page(number, row.page);
         if (!bitmap || !Claim(number, "the map of " + what)) continue;
         if (bitmap->bytes()[0] != std::byte{5} || bitmap->bytes()[1] != std::byte{1})
             Fault(number, -1, "is not a bitmap page");
         else
-            AddBits(bitmap->bytes().subspan(4), i * format_.bits_per_bitmap_page(), bits);
+            AddBits(bitmap->bytes().subspan(kBitmapHead), i * format_.bits_per_bitmap_page(), bits);
     }
     return members;
 }
@@ -169,10 +171,10 @@ std::optional<PageSet> CheckRun::ReadMap(RowPointer row, const std::string& what
 void CheckRun::CheckReach(RowPointer row) {
     const auto bytes = map_pages_.at(row.page).Row(row.row);
     std::uint64_t first = 0;
-    std::uint64_t end = (bytes.size() - 1) / 4 * format_.bits_per_bitmap_page();
-    if (bytes[0] == std::byte{0}) {
-        first = base::LoadLittle<std::uint32_t>(bytes.data() + 1);
-        end = first + 8 * (bytes.size() - 5);
+    std::uint64_t end = MapPointerCount(bytes) * format_.bits_per_bitmap_page();
+    if (bytes[0] == kMapInline) {
+        first = base::LoadLittle<std::uint32_t>(bytes.data() + kMapFirstPage);
+        end = first + 8 * (bytes.size() - kInlineHead);
     }
     if (first > 0 || end < page_count())
         Warn(row.page, row.row, "the map of free pages does not reach every page of the file");

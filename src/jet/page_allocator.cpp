@@ -14,8 +14,6 @@ constexpr PageNumber kGlobalMapPage = 1;
 constexpr std::size_t kGlobalMapRow = 0;
 // Header, global maps and the four system definitions are never free, whatever a map says.
 constexpr PageNumber kFirstAllocatable = 6;
-// An inline map: its form, its first page, then the bits.
-constexpr std::size_t kInlineHead = 5;
 constexpr std::size_t kPagesPerWord = 32;
 
 bool IsBitmapPage(std::span<const std::byte> page) {
@@ -32,7 +30,7 @@ base::Result<PageAllocator::Map> PageAllocator::Load() {
     if (!row || row->empty() || std::to_integer<int>(row->front()) > 1)
         return errors::DamagedPage(kGlobalMapPage, "the map of free pages is unreadable");
     map.row = *row;
-    map.is_inline = row->front() == std::byte{0};
+    map.is_inline = row->front() == kMapInline;
     if (map.is_inline && row->size() < kInlineHead)
         return errors::DamagedPage(kGlobalMapPage, "the map of free pages is unreadable");
     return map;
@@ -59,7 +57,7 @@ base::Result<PageNumber> PageAllocator::FindFree(const Map& map) {
         ASSIGN_OR_RETURN(const PageView view, store_.Read(bitmap));
         if (!IsBitmapPage(view.bytes())) return errors::DamagedPage(bitmap, "not a page bitmap");
         const std::size_t from = start > range * per_page ? start - range * per_page : 0;
-        const std::size_t bit = FindSetBit(view.bytes().subspan(4), from);
+        const std::size_t bit = FindSetBit(view.bytes().subspan(kBitmapHead), from);
         const std::size_t page = range * per_page + bit;
         if (bit < per_page && page < store_.page_count()) return static_cast<PageNumber>(page);
     }
@@ -146,7 +144,7 @@ base::Result<bool> PageAllocator::CoverInline(const Map& map, std::span<const st
 
 base::Status PageAllocator::MakeReference(const Map& map) {
     std::vector<std::byte> row(std::max(map.row.size(), format_.fresh_map_bytes));
-    row[0] = std::byte{1};
+    row[0] = kMapReference;
     return MustWriteRow(row);
 }
 
@@ -164,13 +162,13 @@ base::Status PageAllocator::EnsureBitmap(std::size_t range, std::span<const std:
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, store_.Change(bitmap));
     bytes[0] = static_cast<std::byte>(PageType::kBitmap);
     bytes[1] = std::byte{1};
-    const std::span<std::byte> bits = bytes.subspan(4);
+    const std::span<std::byte> bits = bytes.subspan(kBitmapHead);
     for (std::size_t bit = 0; bit < per_page; ++bit) {
         const std::size_t page = range * per_page + bit;
         AssignBit(bits, bit, page > bitmap || (page < known.size() * 8 && TestBit(known, page)));
     }
-    row.resize(std::max(row.size(), 1 + 4 * (range + 1)));
-    base::StoreLittle(row.data() + 1 + 4 * range, bitmap);
+    row.resize(std::max(row.size(), kMapPointers + kMapPointerBytes * (range + 1)));
+    StoreMapPointer(row, range, bitmap);
     RETURN_IF_ERROR(MustWriteRow(row));
     return SetFree(bitmap, false);  // it may lie in a range that had its bitmap before
 }
@@ -199,7 +197,7 @@ base::Status PageAllocator::SetFree(PageNumber page, bool free) {
     const std::size_t per_page = format_.bits_per_bitmap_page();
     PageNumber bitmap = kGlobalMapPage;
     std::size_t bit = page;
-    std::size_t at = 4;
+    std::size_t at = kBitmapHead;
     std::size_t size = per_page / 8;
     {
         ASSIGN_OR_RETURN(const Map map, Load());
@@ -230,7 +228,7 @@ base::Result<bool> PageAllocator::IsFree(PageNumber page) {
     if (bitmap == 0) return false;
     ASSIGN_OR_RETURN(const PageView view, store_.Read(bitmap));
     if (!IsBitmapPage(view.bytes())) return errors::DamagedPage(bitmap, "not a page bitmap");
-    return TestBit(view.bytes().subspan(4), page % per_page);
+    return TestBit(view.bytes().subspan(kBitmapHead), page % per_page);
 }
 
 base::Status PageAllocator::Free(PageNumber page) {

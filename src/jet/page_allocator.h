@@ -8,6 +8,7 @@
 
 #include "base/status.h"
 #include "jet/data_page.h"
+#include "jet/map_row_layout.h"
 
 #include <vector>
 
@@ -33,13 +34,14 @@ private:
         PageView page;
         std::span<const std::byte> row;
         bool is_inline = true;
-        std::size_t inline_bits() const { return (row.size() - 5) * 8; }
-        PageNumber first_page() const { return base::LoadLittle<std::uint32_t>(row.data() + 1); }
-        std::size_t pointers() const { return (row.size() - 1) / 4; }
+        std::size_t inline_bits() const { return (row.size() - kInlineHead) * 8; }
+        PageNumber first_page() const {
+            return base::LoadLittle<std::uint32_t>(row.data() + kMapFirstPage);
+        }
+        std::size_t pointers() const { return MapPointerCount(row); }
         // 0: nothing in the range is free.
         PageNumber pointer(std::size_t range) const {
-            return range < pointers() ? base::LoadLittle<std::uint32_t>(row.data() + 1 + 4 * range)
-                                      : PageNumber{0};
+            return range < pointers() ? LoadMapPointer(row, range) : PageNumber{0};
         }
     };
     base::Result<Map> Load();

@@ -11,18 +11,16 @@ namespace {
 
 // A map row that was lengthened in place stays below this, so that one map page serves many maps.
 constexpr std::size_t kMaxInlineRow = 512;
-// An inline map: its form, its first page, then the bits.
-constexpr std::size_t kInlineHead = 5;
 
 }  // namespace
 
 std::vector<std::byte> MakeMapRow(const Format& format, PageNumber only_member) {
     std::vector<std::byte> row(format.fresh_map_bytes);
     if (only_member == 0) return row;
-    const std::size_t bits = (row.size() - 5) * 8;
+    const std::size_t bits = (row.size() - kInlineHead) * 8;
     const PageNumber first = only_member < bits ? 0 : only_member & ~7U;
-    base::StoreLittle(row.data() + 1, first);
-    AssignBit(std::span(row).subspan(5), only_member - first, true);
+    base::StoreLittle(row.data() + kMapFirstPage, first);
+    AssignBit(std::span(row).subspan(kInlineHead), only_member - first, true);
     return row;
 }
 
@@ -50,7 +48,7 @@ base::Result<std::vector<PageNumber>> UsageMap::Members() const {
     };
     ASSIGN_OR_RETURN(const Row row, Load());
     if (row.is_inline()) {
-        collect(row.bytes.subspan(5), row.first_page());
+        collect(row.bytes.subspan(kInlineHead), row.first_page());
         return members;
     }
     const std::size_t per_page = format_.bits_per_bitmap_page();
@@ -59,7 +57,7 @@ base::Result<std::vector<PageNumber>> UsageMap::Members() const {
         ASSIGN_OR_RETURN(const PageView bitmap, store_.Read(row.pointer(range)));
         if (bitmap.bytes()[0] != static_cast<std::byte>(PageType::kBitmap))
             return errors::DamagedPage(row.pointer(range), "not a page bitmap");
-        collect(bitmap.bytes().subspan(4), std::uint64_t{range} * per_page);
+        collect(bitmap.bytes().subspan(kBitmapHead), std::uint64_t{range} * per_page);
     }
     return members;
 }
@@ -69,30 +67,30 @@ base::Result<bool> UsageMap::Contains(PageNumber page) const {
     ASSIGN_OR_RETURN(const Row row, Load());
     if (row.is_inline()) {
         if (page < row.first_page() || page - row.first_page() >= row.bits()) return false;
-        return TestBit(row.bytes.subspan(5), page - row.first_page());
+        return TestBit(row.bytes.subspan(kInlineHead), page - row.first_page());
     }
     const std::size_t per_page = format_.bits_per_bitmap_page();
     if (page / per_page >= row.pointers() || row.pointer(page / per_page) == 0) return false;
     ASSIGN_OR_RETURN(const PageView bitmap, store_.Read(row.pointer(page / per_page)));
     if (bitmap.bytes()[0] != static_cast<std::byte>(PageType::kBitmap))
         return errors::DamagedPage(row.pointer(page / per_page), "not a page bitmap");
-    return TestBit(bitmap.bytes().subspan(4), page % per_page);
+    return TestBit(bitmap.bytes().subspan(kBitmapHead), page % per_page);
 }
 
 // The bits among which the page's bit lies, for changing, and the bit's place; empty: the map does
 // not reach it.
 base::Result<std::span<std::byte>> UsageMap::ChangeBits(PageNumber page, std::size_t& bit) {
     PageNumber target = row_.page;
-    std::size_t at = 4;
-    std::size_t size = format_.page_size - 4;
+    std::size_t at = kBitmapHead;
+    std::size_t size = format_.page_size - kBitmapHead;
     {
         ASSIGN_OR_RETURN(const Row row, Load());
         if (row.is_inline()) {
             if (page < row.first_page() || page - row.first_page() >= row.bits())
                 return std::span<std::byte>();
             bit = page - row.first_page();
-            at = static_cast<std::size_t>(row.bytes.data() - row.page.data()) + 5;
-            size = row.bytes.size() - 5;
+            at = static_cast<std::size_t>(row.bytes.data() - row.page.data()) + kInlineHead;
+            size = row.bytes.size() - kInlineHead;
         } else {
             const std::size_t range = page / format_.bits_per_bitmap_page();
             if (range >= row.pointers() || row.pointer(range) == 0) return std::span<std::byte>();
@@ -134,9 +132,9 @@ base::Status UsageMap::AddInline(PageNumber page, PageAllocator& allocator) {
     const std::size_t needed = 5 + (members.back() - first) / 32 * 4 + 4;
     if (needed > row.size() && needed <= kMaxInlineRow) row.resize(needed);
     if (needed <= row.size()) {
-        base::StoreLittle(row.data() + 1, first);
+        base::StoreLittle(row.data() + kMapFirstPage, first);
         for (const PageNumber member : members)
-            AssignBit(std::span(row).subspan(5), member - first, true);
+            AssignBit(std::span(row).subspan(kInlineHead), member - first, true);
         ASSIGN_OR_RETURN(const bool written, WriteRow(row));
         if (written) return {};
     }
@@ -151,7 +149,7 @@ base::Status UsageMap::ConvertToReference(PageAllocator& allocator) {
         ASSIGN_OR_RETURN(const Row old, Load());
         row.assign(std::max(old.bytes.size(), format_.fresh_map_bytes), std::byte{0});
     }
-    row[0] = std::byte{1};
+    row[0] = kMapReference;
     ASSIGN_OR_RETURN(const bool written, WriteRow(row));
     if (!written) return errors::DamagedPage(row_.page, "a page map cannot grow");
     for (const PageNumber member : members)
@@ -173,7 +171,7 @@ base::Status UsageMap::AddReference(PageNumber page, PageAllocator& allocator) {
         bytes[0] = static_cast<std::byte>(PageType::kBitmap);
         bytes[1] = std::byte{1};
         row.resize(std::max(row.size(), 1 + 4 * (range + 1)));
-        base::StoreLittle(row.data() + 1 + 4 * range, bitmap);
+        StoreMapPointer(row, range, bitmap);
         ASSIGN_OR_RETURN(const bool written, WriteRow(row));
         if (!written) return errors::DamagedPage(row_.page, "a page map cannot be written");
     }

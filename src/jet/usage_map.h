@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "jet/map_row_layout.h"
 #include "jet/page_allocator.h"
 
 #include <vector>
@@ -33,13 +34,13 @@ private:
     struct Row {
         PageView page;
         std::span<const std::byte> bytes;
-        bool is_inline() const { return bytes[0] == std::byte{0}; }
-        PageNumber first_page() const { return base::LoadLittle<std::uint32_t>(bytes.data() + 1); }
-        std::size_t bits() const { return (bytes.size() - 5) * 8; }
-        std::size_t pointers() const { return (bytes.size() - 1) / 4; }
-        PageNumber pointer(std::size_t i) const {
-            return base::LoadLittle<std::uint32_t>(bytes.data() + 1 + 4 * i);
+        bool is_inline() const { return bytes[0] == kMapInline; }
+        PageNumber first_page() const {
+            return base::LoadLittle<std::uint32_t>(bytes.data() + kMapFirstPage);
         }
+        std::size_t bits() const { return (bytes.size() - kInlineHead) * 8; }
+        std::size_t pointers() const { return MapPointerCount(bytes); }
+        PageNumber pointer(std::size_t i) const { return LoadMapPointer(bytes, i); }
     };
     base::Result<Row> Load() const;
     base::Result<std::span<std::byte>> ChangeBits(PageNumber page, std::size_t& bit);
