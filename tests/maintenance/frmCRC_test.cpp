@@ -92,9 +92,9 @@ TEST_F(FrmCrcTest, AFailureEndsWithAWindowThatIsGone) {
 TEST_F(FrmCrcTest, TheCommandRunsOnlyAfterOk) {
     AddTables(2);
     prompts.answers = {platform::MessageAnswer::kCancel, platform::MessageAnswer::kOk};
-    UpdateCrcs(catalogue, prompts, nullptr);
+    EXPECT_TRUE(UpdateCrcs(catalogue, prompts, nullptr).ok());
     EXPECT_EQ(Refreshed(), QStringLiteral("0"));
-    UpdateCrcs(catalogue, prompts, nullptr);
+    EXPECT_TRUE(UpdateCrcs(catalogue, prompts, nullptr).ok());
     EXPECT_EQ(Refreshed(), QStringLiteral("2"));
 }
 
