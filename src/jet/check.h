@@ -44,9 +44,9 @@ struct CheckReport {
 struct CheckOptions {
     // What every engine reads, but not every one leaves behind, is a warning, as nothing in a file
     // says who wrote it last. It is a fault for who knows that:
-    // each key of a node is the last entry below its child, and no leaf or node is empty;
+    // each key of a node is the last entry below its child;
     bool exact_node_keys = false;
-    // each level byte of an index page is its height above the leaves.
+    // each level byte of an index page is its height above the leaves, and no leaf or node is empty.
     bool exact_levels = false;
 };
 

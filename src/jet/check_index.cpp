@@ -67,7 +67,7 @@ private:
 
     std::optional<unsigned> VisitNode(PageNumber page, const IndexPage& content, unsigned depth) {
         if (content.entries.empty())
-            Inexact(run_.options().exact_node_keys, page, name_ + ": a node without an entry");
+            Inexact(run_.options().exact_levels, page, name_ + ": a node without an entry");
         if (content.tail == 0) run_.Fault(page, -1, name_ + ": a node without a tail");
         std::optional<unsigned> height;
         const auto add = [&](std::optional<unsigned> child) {
@@ -103,7 +103,7 @@ private:
         leaves_.push_back({page, content.previous, content.next});
         if (content.tail != 0) run_.Fault(page, -1, name_ + ": a leaf with a tail");
         if (content.entries.empty() && page != index_.root)
-            Inexact(run_.options().exact_node_keys, page, name_ + ": an empty leaf");
+            Inexact(run_.options().exact_levels, page, name_ + ": an empty leaf");
         if (!content.entries.empty() && !floor_.empty() && !(floor_ < content.entries.front()))
             run_.Fault(page, -1, name_ + ": an entry that the node above has before this leaf");
         for (const Bytes& entry : content.entries) {
