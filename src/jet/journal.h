@@ -18,6 +18,7 @@ namespace jet {
 struct JournalEnd {
     std::uint64_t offset = 0;  // 0: the journal is empty
     std::uint64_t chain = 0;   // checksum of the last record
+    // That it holds. Recovery leaves them out: it empties the journal before anything is appended.
     std::unordered_set<PageNumber> pages;
 };
 

@@ -53,11 +53,7 @@ public:
         return mark != 0 && std::ranges::count(marks_, mark) != 0 && IsKnownFirstPage(first_page);
     }
 
-    RecoveredJournal Take() && {
-        for (const auto& [number, page] : found_.pages)
-            found_.end.pages.insert(number);
-        return std::move(found_);
-    }
+    RecoveredJournal Take() && { return std::move(found_); }
 
 private:
     // false: the good part ends here.

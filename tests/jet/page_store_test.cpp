@@ -345,6 +345,21 @@ TEST_F(FilePageStoreTest, CommitsAndReadsRunBesideTheFlusher) {
     EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*reopened), 400, 400), 400);
 }
 
+// 16 commits of 1000 pages take 62.5 MB of it, the next one goes past 64 MB.
+TEST_F(FilePageStoreTest, TheCommitThatMakesTheJournalTooLongEmptiesIt) {
+    files_.Put(kPath, MakePages(1, 4));
+    const auto store = Open(files_);
+    for (int commit = 0; commit < 17; ++commit) {
+        EXPECT_EQ(files_.Get(kPath).size(), 4 * 4096u) << commit;
+        ASSERT_TRUE(store->Begin().ok());
+        for (int page = 0; page < 1000; ++page)
+            std::ranges::fill(*store->Change(*store->Extend()), std::byte{0x5A});
+        ASSERT_TRUE(store->Commit().ok());
+    }
+    EXPECT_EQ(files_.Get(kPath).size(), 17'004 * 4096u);
+    EXPECT_TRUE(files_.Get("folder/tables.mdb-journal").empty());
+}
+
 // ------------------------------------------------------------ journals that must not be applied
 
 class LeftOverJournalTest : public FilePageStoreTest {
@@ -413,6 +428,24 @@ TEST_F(LeftOverJournalTest, AFileChangedByAnotherProgramStaysAsItIs) {
     auto store = Open(*survivor);
     ASSERT_TRUE(store->Close().ok());
     EXPECT_EQ(survivor->Get(kPath), bytes);
+}
+
+// As long as the last commit made it, it may be a checkpoint that did not end; a page more was
+// added by another program.
+TEST_F(LeftOverJournalTest, AFileLongerThanItsCommitsStaysAsItIs) {
+    const auto survivor = DieAfter(4);
+    const std::size_t pages = workload_.ContentAfter(5).size();
+    auto bytes = survivor->Get(kPath);
+    bytes.resize((pages + 1) * 4096);
+    survivor->Put(kPath, bytes);
+    auto store = Open(*survivor);
+    EXPECT_EQ(store->page_count(), pages + 1);
+    ASSERT_TRUE(store->Close().ok());
+    EXPECT_EQ(survivor->Get(kPath), bytes);
+    bytes.resize(pages * 4096);
+    survivor->Put(kPath, bytes);
+    store = Open(*survivor);
+    EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 5, 5), 5);
 }
 
 // The file that it belongs to may be put back under this name.
