@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace jet {
 namespace {
 
@@ -121,6 +123,18 @@ TEST_P(PageAllocatorTest, AMapWithoutABitIsAMap) {
     ExpectCovered();
     EXPECT_EQ(Allocate(), 30U);
     EXPECT_EQ(Allocate(), 40U);
+}
+
+TEST_P(PageAllocatorTest, AFreedPageSaysSoAndComesBackEmpty) {
+    Make(40, Inline(0, 16, 40));
+    std::ranges::fill(store_->Change(30).value(), std::byte{0x5A});
+    Free(30);
+    EXPECT_EQ(store_->Read(30).value().bytes()[0], std::byte{9});
+    EXPECT_EQ(allocator_->Free(30).code(), base::StatusCode::kCorruption);
+    EXPECT_EQ(Allocate(), 30U);
+    const PageView page = store_->Read(30).value();
+    EXPECT_TRUE(
+        std::ranges::all_of(page.bytes(), [](std::byte byte) { return byte == std::byte{0}; }));
 }
 
 // Past what page 1 can hold the bits move to pages of their own; what is known of them goes along.

@@ -198,6 +198,42 @@ TEST_F(SystemTablesTest, ARelationIsToldAndForgotten) {
     EXPECT_EQ(CheckIntegrity(database_->pages()).warnings, 0U);
 }
 
+// The columns of both sides in turn; the flags say what is passed on, and that one row refers to
+// one.
+TEST_F(SystemTablesTest, ARelationOfTwoColumnsHasTwoRows) {
+    TableDesign matches;
+    matches.name = u"Matches";
+    matches.columns = {Column(u"Game", ColumnType::kLong), Column(u"Round", ColumnType::kLong)};
+    matches.indexes = {Index(u"Both", {{0, true}, {1, true}})};
+    matches.indexes[0].unique = true;
+    TableDesign results = matches;
+    results.name = u"Results";
+    results.columns[0].name = u"G";
+    results.columns[1].name = u"R";
+    RelationDesign relation;
+    relation.name = u"MatchesResults";
+    relation.table = u"Results";
+    relation.columns = {u"G", u"R"};
+    relation.referenced_table = u"Matches";
+    relation.referenced_columns = {u"Game", u"Round"};
+    relation.on_update = RelationRule::kCascade;
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(matches); }).ok());
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(results); }).ok());
+    const base::Status related = Do([&] { return database_->CreateRelation(relation); });
+    ASSERT_TRUE(related.ok()) << related.message();
+    std::vector<std::string> rows;
+    for (const RowId row :
+         Find(u"MSysRelationships", u"szRelationship", Value::Text(u"MatchesResults"))) {
+        std::string text;
+        for (const auto* column :
+             {u"icolumn", u"ccolumn", u"szColumn", u"szReferencedColumn", u"grbit"})
+            text += Describe(Read(u"MSysRelationships", row, column)) + " ";
+        rows.push_back(text);
+    }
+    std::ranges::sort(rows);
+    EXPECT_EQ(rows, (std::vector<std::string>{"0 2 G Game 257 ", "1 2 R Round 257 "}));
+}
+
 // ------------------------------------------------------------------------- the checker
 
 TEST_F(SystemTablesTest, APermissionOfNothingIsAWarning) {
