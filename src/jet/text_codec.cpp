@@ -134,7 +134,8 @@ std::optional<Bytes> TextCodec::EncodeName(std::u16string_view text) const {
     Bytes bytes(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto unit = text[i];
-        if (unit < 0x80) {
+        // Most characters of the western code pages stand at their own numbers.
+        if (unit < 0x80 || (unit < characters_.size() && characters_[unit] == unit)) {
             bytes[i] = static_cast<std::byte>(unit);
             continue;
         }
