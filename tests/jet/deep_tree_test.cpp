@@ -204,6 +204,14 @@ protected:
         return CheckIntegrity(database_->pages(), options);
     }
 
+    bool HasFault(PageNumber page, const std::string& text) {
+        const CheckReport report = Check();
+        return std::ranges::any_of(report.findings, [&](const Finding& finding) {
+            return finding.severity == Severity::kFault && finding.page == page &&
+                   finding.text == text;
+        });
+    }
+
     // As earlier versions did: the last row of each leaf is deleted, and the keys of the nodes stay
     // what they were. Answers the deleted names.
     std::vector<std::u16string> LeaveLargerKeys() {
@@ -401,6 +409,109 @@ TEST_P(DeepTreeTest, NodesThatLeadToThemselvesAreDamage) {
     EXPECT_EQ(table_->Insert(values).status().number(), 3049);
     database_->Rollback();
     Open(whole);
+}
+
+// A node without an entry leads to the last leaf of the last node, which so is a level deeper.
+TEST_P(DeepTreeTest, LeavesAtDifferentDepthsAreDamage) {
+    Grow(2, [&] { return LongName(); });
+    const std::vector<std::byte> whole = AllBytes(database_->pages());
+    const PageNumber root = Definition().real_indexes[kByName].root;
+    const PageNumber last = View(database_->pages().Read(root).value()).tail();
+    const auto added = static_cast<PageNumber>(whole.size() / PageSize());
+    Edit([&](std::vector<std::byte>& bytes) {
+        bytes.resize(bytes.size() + PageSize());
+        std::byte* const node = bytes.data() + added * PageSize();
+        std::byte* const parent = bytes.data() + last * PageSize();
+        const std::size_t tail = FormatHere().index_links_offset + 8;
+        node[0] = std::byte{3};
+        node[1] = std::byte{1};
+        base::StoreLittle(node + 2, static_cast<std::uint16_t>(IndexRoom(FormatHere())));
+        base::StoreLittle(node + 4, Definition().page);
+        node[FormatHere().index_level_offset] = std::byte{1};
+        base::StoreLittle(node + tail, base::LoadLittle<std::uint32_t>(parent + tail));
+        base::StoreLittle(parent + tail, added);
+    });
+    EXPECT_TRUE(HasFault(last, "index Name: the children are of different levels"));
+    // They are read for all that.
+    ExpectAllRowsFound();
+    Open(whole);
+}
+
+TEST_P(DeepTreeTest, APrefixThatReachesIntoAChildsNumberIsDamage) {
+    Grow(2, [&] { return LongName(); });
+    const std::vector<std::byte> whole = AllBytes(database_->pages());
+    const PageNumber root = Definition().real_indexes[kByName].root;
+    const IndexPageView view = View(database_->pages().Read(root).value());
+    ASSERT_GE(view.count(), 1U);
+    const std::size_t first_end = view.End(0);
+    constexpr std::size_t kPrefix = 100;
+    // Behind the first entry comes one of as many bytes that are not left out.
+    const auto set_second = [&](std::size_t stored) {
+        std::vector<std::byte> bytes = whole;
+        const Format& format = FormatHere();
+        std::byte* const page = bytes.data() + root * PageSize();
+        std::byte* const mask = page + format.index_mask_offset;
+        std::fill(mask, page + format.index_entries_offset, std::byte{0});
+        for (const std::size_t end : {first_end, first_end + stored})
+            mask[end / 8] |= static_cast<std::byte>(1U << end % 8);
+        page[format.index_prefix_offset] = std::byte{kPrefix};
+        base::StoreLittle(page + 2,
+                          static_cast<std::uint16_t>(IndexRoom(format) - first_end - stored));
+        Open(std::move(bytes));
+    };
+    constexpr const char* kFault = "index Name: the prefix reaches into a child's number";
+    set_second(4);
+    EXPECT_FALSE(HasFault(root, kFault));
+    set_second(3);
+    EXPECT_TRUE(HasFault(root, kFault));
+    auto cursor = table_->Range(RangeIndex(), {}, {}, false);
+    const base::Status read = cursor.ok() ? cursor.value()->Next().status() : cursor.status();
+    EXPECT_EQ(read.number(), 3049);
+    Open(whole);
+}
+
+// Other engines take entries away and leave the page's prefix as it is; with one entry left, it may
+// be longer than that.
+TEST_P(DeepTreeTest, ALoneEntryWithAStalePrefixIsReadAndChanged) {
+    for (const unsigned levels : {0U, 1U})
+        for (const std::size_t prefix : {3U, 100U, 255U}) {
+            SCOPED_TRACE(std::to_string(levels) + ", " + std::to_string(prefix));
+            // Of a leaf, and of a node.
+            const bool is_leaf = levels == 0;
+            const auto name = [&] { return is_leaf ? Letters(20) : LongName(); };
+            InTransaction([&] { Insert(name()); });
+            while (Height() < levels && !HasFailure())
+                InTransaction([&] { Insert(name()); });
+            const PageNumber root = Definition().real_indexes[kByName].root;
+            ASSERT_EQ(View(database_->pages().Read(root).value()).count(), 1U);
+            const std::vector<std::byte> whole = AllBytes(database_->pages());
+            const auto rows = rows_;
+            const auto spoil = [&] {
+                std::vector<std::byte> bytes = whole;
+                std::byte* const page = bytes.data() + root * PageSize();
+                page[FormatHere().index_prefix_offset] = static_cast<std::byte>(prefix);
+                Open(std::move(bytes));
+                rows_ = rows;
+            };
+            spoil();
+            ExpectSound();
+            ExpectAllRowsFound();
+            Churn(100, name);
+            ExpectAllRowsFound();
+            // Behind the entry, before it, and one like it.
+            for (const std::u16string& added :
+                 {u"zz" + name(), u"aa" + name(), rows.front().second}) {
+                spoil();
+                InTransaction([&] {
+                    for (int i = 0; i < 3; ++i)
+                        Insert(added);
+                });
+                ExpectSound();
+                ExpectAllRowsFound();
+            }
+            spoil();
+            DeleteAll();
+        }
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, DeepTreeTest, testing::Values(4, 3), [](const auto& version) {
