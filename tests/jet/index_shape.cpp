@@ -62,6 +62,16 @@ void CountPages(FileContext& file, const RealIndex& index, IndexShape& shape) {
     }
 }
 
+void CountLevels(FileContext& file, const RealIndex& index, IndexShape& shape) {
+    for (PageNumber page = index.root; shape.levels < kMaxIndexLevels; ++shape.levels) {
+        const auto view = file.store.Read(page);
+        ASSERT_TRUE(view.ok());
+        const auto bytes = view.value().bytes();
+        if (bytes[0] == static_cast<std::byte>(PageType::kIndexLeaf)) return;
+        page = base::LoadLittle<std::uint32_t>(bytes.data() + file.format.index_links_offset + 8);
+    }
+}
+
 }  // namespace
 
 IndexShape ShapeOf(Database& database, std::u16string_view name, std::size_t index) {
@@ -75,6 +85,7 @@ IndexShape ShapeOf(Database& database, std::u16string_view name, std::size_t ind
         ReadTableDefinition(file.store, file.format, file.text, entry.value()->definition_page());
     EXPECT_TRUE(table.ok()) << table.status().message();
     CountPages(file, table.value().real_indexes[index], shape);
+    CountLevels(file, table.value().real_indexes[index], shape);
     const IndexSet indexes(file, table.value());
     IdealPacking ideal(file.format);
     auto place = indexes.tree(index).Seek({});

@@ -1,4 +1,5 @@
-// IndexShape: how many pages an index takes, and how few could hold its entries.
+// IndexShape: how many pages an index takes, in how many levels, and how few could hold its
+// entries.
 #pragma once
 
 #include "jet/database.h"
@@ -11,6 +12,7 @@ struct IndexShape {
     std::size_t entries = 0;
     std::size_t leaves = 0;
     std::size_t nodes = 0;
+    std::size_t levels = 1;        // 1: the root is a leaf
     std::size_t ideal_leaves = 0;  // when every leaf is as full as its entries allow
     std::size_t sparse = 0;        // leaves less than a third full, the last one apart
 

@@ -54,7 +54,9 @@ std::string Describe(const Value& value);
 
 // All rows in physical order, all columns as shown.
 std::vector<std::vector<Value>> AllRows(Table& table);
-// Fails the test where a cell is not what mdb-export prints for it.
-void CompareWithExport(const std::filesystem::path& path, Table& table);
+// Fails the test where a cell is not what mdb-export prints for it. `left_behind`: rows at most
+// that it prints and nothing leads to.
+void CompareWithExport(const std::filesystem::path& path, Table& table,
+                       std::size_t left_behind = 0);
 
 }  // namespace jet::test

@@ -19,6 +19,13 @@ std::u16string WorkloadValues::Text(std::size_t longest) {
     return text;
 }
 
+std::u16string WorkloadValues::LongText() {
+    std::u16string text;
+    for (int i = 0; i < 10; ++i)
+        text += static_cast<char16_t>(u'a' + Pick(26));
+    return text + std::u16string(170 + Pick(60), jet4_ ? u'-' : u'\u00E9');
+}
+
 // Numbers that a rule keeps to small positive ones keep to it.
 Value WorkloadValues::Number(const ColumnDesign& column) {
     auto number = static_cast<std::int32_t>(random_());
@@ -65,6 +72,8 @@ Value WorkloadValues::Of(const ColumnDesign& column) {
         return Value::DateTime(static_cast<double>(Pick(40000)) + 0.25);
     case ColumnType::kText:
     case ColumnType::kMemo: {
+        if (long_texts_ && column.type == ColumnType::kText && column.size == 255)
+            return Value::Text(LongText());
         std::size_t longest = column.size;
         // In the row, in a row of their own, in a chain.
         if (column.type == ColumnType::kMemo) longest = OneIn(20) ? 20000 : OneIn(4) ? 3000 : 60;

@@ -12,6 +12,9 @@ class WorkloadValues {
 public:
     WorkloadValues(unsigned seed, int jet_version) : random_(seed), jet4_(jet_version == 4) {}
 
+    // Texts of columns of 255 characters have some 200, of those that take most bytes in a key.
+    void MakeTextsLong() { long_texts_ = true; }
+
     // 0 .. count-1. Requires: count > 0.
     std::size_t Pick(std::size_t count) {
         return std::uniform_int_distribution<std::size_t>(0, count - 1)(random_);
@@ -27,11 +30,13 @@ public:
 
 private:
     std::u16string Text(std::size_t longest);
+    std::u16string LongText();
     Value Number(const ColumnDesign& column);
     Value Binary(const ColumnDesign& column);
 
     std::mt19937 random_;
     bool jet4_;
+    bool long_texts_ = false;
 };
 
 }  // namespace jet::test

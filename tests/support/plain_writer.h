@@ -60,7 +60,10 @@ private:
 
     std::span<std::byte> Page(PageNumber page);
     std::span<std::byte> MapRow(jet::RowPointer map);
+    bool Assign(jet::RowPointer map, PageNumber page, bool value);
+    PageNumber AddPage();
     PageNumber NewPage(jet::RowPointer map);
+    void ReferToBitmap(jet::RowPointer map);
     void FreePage(jet::RowPointer map, PageNumber page);
     std::vector<PageNumber> Members(jet::RowPointer map);
 
@@ -84,6 +87,7 @@ private:
     std::vector<Child> StoreLeaf(PageNumber page, IndexPage content);
     std::vector<Child> StoreNode(PageNumber page, const IndexPage& old,
                                  std::vector<Child> children);
+    void RaiseRoot(PageNumber root, std::vector<Child> parts);
     void SetLink(PageNumber page, std::size_t which, PageNumber target);
 
     std::vector<std::byte> file_;
