@@ -284,6 +284,40 @@ TEST_P(DeepTreeTest, DeletingFromEitherEndKeepsNodesExact) {
     }
 }
 
+// Keys of more than a third of a page: a leaf with one of them is not joined with its neighbours,
+// and leaves the tree with it.
+TEST_P(DeepTreeTest, LeavesOfOneEntryLeaveNodesExact) {
+    TableDesign design{u"Pairs",
+                       {Column(u"A", ColumnType::kText, 255), Column(u"B", ColumnType::kText, 255)},
+                       {Index(u"Both", {{0, true}, {1, true}})},
+                       {},
+                       {}};
+    InTransaction([&] {
+        const base::Status created = database_->CreateTable(design);
+        ASSERT_TRUE(created.ok()) << created.message();
+    });
+    Table& pairs = *database_->FindTable(u"Pairs").value();
+    std::vector<RowId> rows;
+    const auto change = [&](bool insert) {
+        if (insert) {
+            std::vector<Value> values{Value::Text(Letters(10) + Filler(160)),
+                                      Value::Text(Filler(160))};
+            const auto row = pairs.Insert(values);
+            ASSERT_TRUE(row.ok()) << row.status().message();
+            rows.push_back(row.value());
+        } else {
+            const std::size_t at = random_() % rows.size();
+            const base::Status deleted = pairs.Delete(rows[at]);
+            ASSERT_TRUE(deleted.ok()) << deleted.message();
+            rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(at));
+        }
+    };
+    for (int i = 0; i < 200 && !HasFailure(); ++i) {
+        InTransaction([&] { change(i < 40 || (i < 120 && i % 2 == 0) || rows.empty()); });
+        EXPECT_TRUE(test_support::PagesAreSound(database_->pages(), options_));
+    }
+}
+
 // Other engines leave 0 in all nodes, or only in those that they wrote.
 TEST_P(DeepTreeTest, LevelBytesAreNotLookedAt) {
     using Level = std::function<std::byte(PageNumber)>;

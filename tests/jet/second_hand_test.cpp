@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <ostream>
 #include <random>
 
 namespace jet::test {
@@ -28,6 +29,10 @@ struct FileKind {
     int version;            // of the format
     std::uint32_t key = 0;  // 0: not encoded
 };
+
+void PrintTo(const FileKind& kind, std::ostream* out) {
+    *out << kind.name;
+}
 
 // In memory.
 class SecondHandTest : public testing::TestWithParam<FileKind> {
