@@ -24,7 +24,8 @@ const Case kPatterns[] = {
     {u"'b' Like '[A-Z]'", "-1"},    {u"'B' Like '[a-z]'", "-1"},   {u"'5' Like '[A-Z]'", "0"},
     {u"'d1' Like '[!a-c]%'", "-1"}, {u"'b1' Like '[!a-c]%'", "0"}, {u"'-' Like '[a-]'", "-1"},
     {u"'b' Like '[a-]'", "0"},      {u"'abab' Like '%ab'", "-1"},  {u"'aXbXc' Like 'a%X_'", "-1"},
-    {u"'ab' Like 'ab%%'", "-1"},    {u"'ab' Like 'ab_'", "0"},     {u"'a[b' Like 'a[b'", "-1"},
+    {u"'aXa' Like 'aX%Xa'", "0"},   {u"'ab' Like 'ab%%'", "-1"},   {u"'ab' Like 'ab_'", "0"},
+    {u"'a[b' Like 'a[b'", "-1"},
 };
 INSTANTIATE_TEST_SUITE_P(Patterns, SqlEdge, testing::ValuesIn(kPatterns));
 

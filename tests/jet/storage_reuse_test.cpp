@@ -1,5 +1,6 @@
 // Freed space is used again; values change their form of storage; limits are kept.
 #include "jet/catalog.h"
+#include "jet/check.h"
 #include "jet/table_fixture.h"
 
 #include <random>
@@ -12,6 +13,44 @@ protected:
     PageNumber PageCount() { return database_->pages().page_count(); }
 
     std::u16string Notes(std::size_t length) { return std::u16string(length, u'n'); }
+
+    // Calls `look` with the table's definition, inside a transaction.
+    template <typename Look>
+    void WithDefinition(std::u16string_view name, Look look) {
+        const PageHeader header =
+            ReadPageHeader(database_->pages().Read(0).value().bytes(), "").value();
+        FileContext file(database_->pages(), header);
+        Catalog catalog(file);
+        const auto entry = catalog.FindTable(name);
+        ASSERT_TRUE(entry.ok());
+        const auto table = ReadTableDefinition(file.store, file.format, file.text,
+                                               entry.value()->definition_page());
+        ASSERT_TRUE(table.ok());
+        ASSERT_TRUE(database_->Begin().ok());
+        look(file, table.value());
+        ASSERT_TRUE(database_->Commit().ok());
+    }
+    static std::vector<PageNumber> PagesOf(const UsageMap& map) { return map.Members().value(); }
+    void LoseHints(std::u16string_view name) {
+        WithDefinition(name, [](FileContext& file, const TableDefinition& table) {
+            UsageMap free = file.Map(table.free);
+            for (const PageNumber page : PagesOf(free))
+                ASSERT_TRUE(free.Remove(page).ok());
+        });
+    }
+    std::vector<PageNumber> HintsOf(std::u16string_view name) {
+        std::vector<PageNumber> hints;
+        WithDefinition(name, [&](FileContext& file, const TableDefinition& table) {
+            hints = file.Map(table.free).Members().value();
+        });
+        return hints;
+    }
+    void CreateTwoMemos() {
+        TableDesign design;
+        design.name = u"Two";
+        design.columns = {Column(u"A", ColumnType::kMemo), Column(u"B", ColumnType::kMemo)};
+        ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    }
 };
 
 TEST_F(StorageReuseTest, LongChurnDoesNotGrowTheFile) {
@@ -64,22 +103,7 @@ TEST_F(StorageReuseTest, RoomIsFoundWithoutTheMapOfFreeSpace) {
     for (std::size_t i = 0; i < rows.size(); i += 2)
         ASSERT_TRUE(Delete(u"Games", rows[i]).ok());
     Reopen();
-    // As other engines leave files: the hints are gone.
-    PageHeader header = ReadPageHeader(database_->pages().Read(0).value().bytes(), "").value();
-    FileContext file(database_->pages(), header);
-    Catalog catalog(file);
-    const auto entry = catalog.FindTable(u"Games");
-    ASSERT_TRUE(entry.ok());
-    const auto table =
-        ReadTableDefinition(file.store, file.format, file.text, entry.value()->definition_page());
-    ASSERT_TRUE(table.ok());
-    UsageMap free = file.Map(table.value().free);
-    ASSERT_TRUE(database_->Begin().ok());
-    const auto hinted = free.Members();
-    ASSERT_TRUE(hinted.ok());
-    for (const PageNumber page : hinted.value())
-        ASSERT_TRUE(free.Remove(page).ok());
-    ASSERT_TRUE(database_->Commit().ok());
+    LoseHints(u"Games");  // as other engines leave files
     Reopen();
     const PageNumber before = PageCount();
     for (int i = 0; i < 200; ++i)
@@ -89,10 +113,7 @@ TEST_F(StorageReuseTest, RoomIsFoundWithoutTheMapOfFreeSpace) {
 
 // A page that one column gave back and another took is not found again by the first.
 TEST_F(StorageReuseTest, ForgottenPageOfAnotherColumnIsLeftAlone) {
-    TableDesign design;
-    design.name = u"Two";
-    design.columns = {Column(u"A", ColumnType::kMemo), Column(u"B", ColumnType::kMemo)};
-    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    CreateTwoMemos();
     std::vector<RowId> rows;
     for (int i = 0; i < 45; ++i)  // a page each, more than one search looks at
         rows.push_back(Insert(u"Two", {Value::Text(Notes(2000)), {}}).value());
@@ -103,6 +124,156 @@ TEST_F(StorageReuseTest, ForgottenPageOfAnotherColumnIsLeftAlone) {
         ASSERT_TRUE(Insert(u"Two", {{}, Value::Text(Notes(100))}).ok());
     for (int i = 0; i < 20; ++i)
         ASSERT_TRUE(Insert(u"Two", {Value::Text(Notes(700)), {}}).ok());
+}
+
+// The same without a search: what a column knew of a page goes with it.
+TEST_F(StorageReuseTest, APageGivenBackIsNoPlaceForItsOldColumn) {
+    CreateTwoMemos();
+    const RowId row = Insert(u"Two", {Value::Text(Notes(1500)), {}}).value();
+    ASSERT_TRUE(Delete(u"Two", row).ok());
+    ASSERT_TRUE(Insert(u"Two", {{}, Value::Text(Notes(1500))}).ok());
+    ASSERT_TRUE(Insert(u"Two", {Value::Text(Notes(400)), {}}).ok());
+    const CheckReport report = CheckIntegrity(database_->pages());
+    EXPECT_EQ(report.findings.size(), 0U) << report.findings.front().text;
+}
+
+// Each page of a value that spans pages holds its piece and nothing else, however much is free.
+TEST_F(StorageReuseTest, PagesOfALongMemoStayAlone) {
+    CreateTwoMemos();
+    ASSERT_TRUE(Insert(u"Two", {Value::Text(Notes(5000)), {}}).ok());
+    Reopen();
+    ASSERT_TRUE(Insert(u"Two", {Value::Text(Notes(500)), {}}).ok());
+    std::vector<std::size_t> rows_of_pages;
+    WithDefinition(u"Two", [&](FileContext& file, const TableDefinition& table) {
+        for (const LongValueMaps& maps : table.long_values)
+            for (const PageNumber page : PagesOf(file.Map(maps.owned))) {
+                const auto view = file.store.Read(page);
+                ASSERT_TRUE(view.ok()) << view.status().message();
+                rows_of_pages.push_back(DataPage::Parse(view->bytes(), file.format)->slot_count());
+            }
+    });
+    EXPECT_EQ(rows_of_pages, (std::vector<std::size_t>{1, 1, 1, 1}));
+}
+
+// A memo that may be compressed is, up to 1024 characters.
+TEST_F(StorageReuseTest, LongerMemosAreNotCompressed) {
+    TableDesign design;
+    design.name = u"Memos";
+    design.columns = {Column(u"A", ColumnType::kMemo)};
+    design.columns[0].compressed = true;
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    for (const std::size_t length : {1024U, 1025U})
+        ASSERT_TRUE(Insert(u"Memos", {Value::Text(Notes(length))}).ok());
+    std::vector<std::size_t> sizes;
+    WithDefinition(u"Memos", [&](FileContext& file, const TableDefinition& table) {
+        for (const PageNumber page : PagesOf(file.Map(table.long_values.front().owned))) {
+            const auto view = file.store.Read(page);
+            const auto parsed = DataPage::Parse(view->bytes(), file.format);
+            for (std::size_t slot = 0; slot < parsed->slot_count(); ++slot)
+                sizes.push_back(parsed->Bytes(slot)->size());
+        }
+    });
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{2 + 1024, 2 * 1025}));
+}
+
+TEST_F(StorageReuseTest, FullPagesAreNoHints) {
+    CreateGames();
+    for (int i = 0; i < 600; ++i)
+        ASSERT_TRUE(InsertGame(u"Some game", 1990, u"notes in the row").ok());
+    LoseHints(u"Games");
+    Reopen();
+    for (const PageNumber before = PageCount(); PageCount() == before;)
+        ASSERT_TRUE(InsertGame(u"Some game", 1990, u"notes in the row").ok());
+    EXPECT_EQ(HintsOf(u"Games").size(), 1U);
+}
+
+// A row that went to another page comes back when that one is full and there is room at home.
+TEST_F(StorageReuseTest, ARowComesHomeAndLeavesNothingBehind) {
+    TableDesign design;
+    design.name = u"Wide";
+    design.columns = {Column(u"A", ColumnType::kText, 255), Column(u"B", ColumnType::kText, 255),
+                      Column(u"C", ColumnType::kText, 255)};
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    const Value wide = Value::Text(std::u16string(255, u'\u0416'));  // 510 bytes
+    const RowId row = Insert(u"Wide", {Value::Text(u"x"), {}, {}}).value();
+    const RowId neighbour = Insert(u"Wide", {wide, wide, wide}).value();
+    ASSERT_TRUE(Insert(u"Wide", {wide, wide, wide}).ok());
+    ASSERT_TRUE(Update(u"Wide", row, {{0, wide}, {1, wide}}).ok());  // moves
+    ASSERT_TRUE(Insert(u"Wide", {wide, wide, wide}).ok());
+    ASSERT_TRUE(Insert(u"Wide", {wide, wide, {}}).ok());
+    ASSERT_TRUE(Delete(u"Wide", neighbour).ok());
+    ASSERT_TRUE(Update(u"Wide", row, {{2, wide}}).ok());
+    EXPECT_EQ(AllRows(TableOf(u"Wide")).size(), 4U);
+    EXPECT_EQ(CheckIntegrity(database_->pages()).findings.size(), 0U);
+    std::vector<int> slots;
+    WithDefinition(u"Wide", [&](FileContext& file, const TableDefinition& table) {
+        for (const PageNumber page : PagesOf(file.Map(table.owned))) {
+            const auto view = file.store.Read(page);
+            const auto parsed = DataPage::Parse(view->bytes(), file.format);
+            for (std::size_t slot = 0; slot < parsed->slot_count(); ++slot)
+                slots.push_back(parsed->Flags(slot));
+        }
+    });
+    // Home: the row, the deleted one, the other. The other page: what the row left, and two rows.
+    EXPECT_EQ(slots, (std::vector<int>{0, kSlotDeleted, 0, kSlotDeleted, 0, 0}));
+}
+
+TEST_F(StorageReuseTest, AMovedRowIsDeletedInBothPlaces) {
+    CreateGames();
+    std::vector<RowId> rows;
+    for (int i = 0; i < 100; ++i)
+        rows.push_back(InsertGame(u"", 1990, u"").value());
+    const RowId moved = rows.front();
+    ASSERT_TRUE(Update(u"Games", moved,
+                       {{1, Value::Text(std::u16string(100, u'\u0416'))},
+                        {3, Value::Text(std::u16string(25, u'\u0416'))}})
+                    .ok());
+    for (const RowId row : rows)
+        ASSERT_TRUE(Delete(u"Games", row).ok());
+    std::size_t pages = 0;
+    WithDefinition(u"Games", [&](FileContext& file, const TableDefinition& table) {
+        pages = file.Map(table.owned).Members().value().size();
+    });
+    EXPECT_EQ(pages, 0U);
+}
+
+// The value of a boolean is its bit; where a table has no text, there is nothing else to read.
+TEST_F(StorageReuseTest, ABooleanStaysWhenItsRowIsChanged) {
+    TableDesign design;
+    design.name = u"Flags";
+    design.columns = {Column(u"Number", ColumnType::kLong), Column(u"Set", ColumnType::kBoolean)};
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    const RowId row = Insert(u"Flags", {Value::Long(0x00050000), Value::Boolean(true)}).value();
+    const base::Status updated = Update(u"Flags", row, {{0, Value::Long(7)}});
+    ASSERT_TRUE(updated.ok()) << updated.message();
+    EXPECT_EQ(AllRows(TableOf(u"Flags"))[0],
+              (std::vector<Value>{Value::Long(7), Value::Boolean(true)}));
+}
+
+TEST_F(StorageReuseTest, ATextLongerThanItsColumnIsRefused) {
+    CreateGames();
+    EXPECT_TRUE(InsertGame(Notes(100), 1990, u"").ok());
+    EXPECT_EQ(InsertGame(Notes(101), 1990, u"").status().number(), 3163);
+}
+
+// A hint may be wrong altogether.
+TEST_F(StorageReuseTest, AHintToAPageOfAnotherTableIsPassedOver) {
+    CreateGames();
+    CreateTwoMemos();
+    ASSERT_TRUE(Insert(u"Two", {Value::Text(u"a"), {}}).ok());
+    std::vector<PageNumber> of_the_other;
+    WithDefinition(u"Two", [&](FileContext& file, const TableDefinition& table) {
+        of_the_other = file.Map(table.owned).Members().value();
+    });
+    ASSERT_EQ(of_the_other.size(), 1U);
+    WithDefinition(u"Games", [&](FileContext& file, const TableDefinition& table) {
+        ASSERT_TRUE(file.Map(table.free).Add(of_the_other.front(), file.allocator).ok());
+    });
+    Reopen();
+    const auto inserted = InsertGame(u"Some game", 1990, u"");
+    EXPECT_TRUE(inserted.ok()) << inserted.status().message();
+    EXPECT_NE(inserted.value().page, of_the_other.front());
+    EXPECT_EQ(HintsOf(u"Games"), std::vector<PageNumber>{inserted.value().page});
 }
 
 TEST_F(StorageReuseTest, MemoChangesItsFormAndBack) {
