@@ -326,7 +326,9 @@ TEST_P(DeepTreeTest, LevelBytesAreNotLookedAt) {
         {"every other", [](PageNumber page) { return std::byte{page % 2 == 0}; }},
         {"nonsense", [](PageNumber page) { return static_cast<std::byte>(page * 37); }}};
     for (const unsigned levels : {2U, 3U})
-        for (const auto& [kind, level] : kinds) {
+        for (const auto& named_level : kinds) {
+            const std::string& kind = named_level.first;
+            const Level& level = named_level.second;
             SCOPED_TRACE(kind + ", " + std::to_string(levels));
             options_ = test_support::kOwnFile;
             Grow(levels, [&] { return LongName(); });

@@ -165,7 +165,7 @@ protected:
     }
     static bool Holds(const std::vector<std::byte>& bytes, std::string_view text) {
         const auto wanted = std::as_bytes(std::span(text));
-        return !std::ranges::search(bytes, wanted).empty();
+        return std::search(bytes.begin(), bytes.end(), wanted.begin(), wanted.end()) != bytes.end();
     }
 
     std::vector<std::byte> plain_;
