@@ -25,7 +25,6 @@ enum class StatusCode : std::uint8_t {
     kCorruption,        // bytes of a file contradict its format
     kUnsupported,       // a valid file or request that this program does not handle
     kConstraint,        // duplicate key, required field, value out of range
-    kCancelled,
 };
 
 class [[nodiscard]] Status {
