@@ -2,6 +2,7 @@
 function(add_std_library name)
     add_library(${name} STATIC ${ARGN})
     target_link_libraries(${name} PUBLIC project_options PRIVATE strict_conversions)
+    use_precompiled_headers(${name} standard)
 endfunction()
 
 # add_qt_library(name sources...): a library on Qt Core, without a widget.
@@ -9,14 +10,15 @@ function(add_qt_library name)
     add_library(${name} STATIC ${ARGN})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Core)
+    use_precompiled_headers(${name} qt)
 endfunction()
 
-# add_window_library(name sources...): windows; shares one precompiled header of Qt Widgets.
+# add_window_library(name sources...): windows.
 function(add_window_library name)
     add_library(${name} STATIC ${ARGN})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Widgets)
-    target_precompile_headers(${name} PRIVATE <QtWidgets/QtWidgets>)
+    use_precompiled_headers(${name} window)
 endfunction()
 
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
@@ -35,11 +37,14 @@ function(add_unit_test name)
     if(T_WIDGETS)
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
         target_link_libraries(${name} PRIVATE qt_options Qt6::Widgets Qt6::Test widget_test_main)
+        use_precompiled_headers(${name} window_test)
     elseif(T_QT)
         set_target_properties(${name} PROPERTIES AUTOMOC ON)
         target_link_libraries(${name} PRIVATE qt_options Qt6::Core Qt6::Test GTest::gtest_main)
+        use_precompiled_headers(${name} qt_test)
     else()
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
+        use_precompiled_headers(${name} test)
     endif()
     # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
     set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0 TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared)

@@ -3,7 +3,7 @@
 # there is skipped, so a second call costs nothing. Uses sudo when not root.
 set -euo pipefail
 
-build="g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-multimedia-dev
+build="g++ cmake ninja-build ccache mold pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-multimedia-dev
     libgl1-mesa-dev libx11-dev libxcb1-dev libxcb-ewmh-dev libxcb-icccm4-dev libjpeg62-turbo-dev libdeflate-dev
     python3 fp-utils"
 run="xvfb openbox imagemagick x11-utils wmctrl xdotool fonts-dejavu-core libqt6svg6 qt6-qpa-plugins xdg-utils"
