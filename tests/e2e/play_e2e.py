@@ -215,6 +215,7 @@ def wine_play(program, folder, simulator, tables):
     simulator.end_play()
     simulator.wait_line("closed by request")
     program.picture("a Windows simulator was closed")
+    end_simulator(program, FOO)  # the other one, which nothing watches
 
 
 def end_simulator(program, name):
