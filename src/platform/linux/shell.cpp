@@ -62,12 +62,13 @@ base::Status Run(const QString& program, const QStringList& arguments) {
     return StartOutcome(Spawn(Command(program, arguments)).error_number, program);
 }
 
-// Windows repaint meanwhile; keys and clicks wait.
+// The windows go on meanwhile: holding back keys and clicks would lose them. Another address may be
+// opened in here.
 bool EndsWithinAMoment(const std::future<int>& ended) {
     const auto give_up = std::chrono::steady_clock::now() + kOpenersMoment;
     while (ended.wait_for(kRepaintInterval) != std::future_status::ready) {
         if (std::chrono::steady_clock::now() >= give_up) return false;
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        QCoreApplication::processEvents();
     }
     return true;
 }
