@@ -7,6 +7,7 @@
 
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QClipboard>
+#include <QtGui/QKeyEvent>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
@@ -74,6 +75,20 @@ TEST_F(CaptureWindowTest, F2InThePictureSavesAndAssigns) {
     EXPECT_EQ(values.LastPictureDir, folder.path() + u'/');
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(window.result(), QDialog::Accepted);
+}
+
+TEST_F(CaptureWindowTest, AnF2ThatIsHeldSavesOnceItIsReleased) {
+    PutOnClipboard(64, 48);
+    window.OpenFor({});
+    window.show();
+    prompts.files = {folder.filePath(QStringLiteral("shot.jpg"))};
+    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_F2, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(window.findChild<QWidget*>(QStringLiteral("view")), &repeated);
+    EXPECT_TRUE(assigned.empty());
+    EXPECT_TRUE(window.isVisible());
+    QKeyEvent released(QEvent::KeyRelease, Qt::Key_F2, Qt::NoModifier);
+    QApplication::sendEvent(window.findChild<QWidget*>(QStringLiteral("view")), &released);
+    EXPECT_EQ(assigned.size(), 1U);
 }
 
 TEST_F(CaptureWindowTest, CancelledSaveAndSetLeavesWindowAndRecord) {

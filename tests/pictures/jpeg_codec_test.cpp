@@ -209,5 +209,46 @@ TEST(JpegCodecTest, AHeaderThatLiesAboutItsSizeIsRefused) {
     EXPECT_TRUE(section.empty());
 }
 
+// A progressive grey picture: the mean of its blocks first, then each of the 63 other coefficients
+// in as many scans as it is to have steps.
+std::vector<std::uint8_t> JpegOfManyScans(int steps) {
+    std::vector<jpeg_scan_info> scans = {{1, {0}, 0, 0, 0, 0}};
+    for (int coefficient = 1; coefficient < 64; ++coefficient)
+        for (int bit = steps - 1; bit >= 0; --bit)
+            scans.push_back(
+                {1, {0}, coefficient, coefficient, bit == steps - 1 ? 0 : bit + 1, bit});
+    jpeg_compress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char* buffer = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &buffer, &size);
+    info.image_width = info.image_height = 8;
+    info.input_components = 1;
+    info.in_color_space = JCS_GRAYSCALE;
+    jpeg_set_defaults(&info);
+    info.scan_info = scans.data();
+    info.num_scans = static_cast<int>(scans.size());
+    jpeg_start_compress(&info, TRUE);
+    std::uint8_t row[8] = {0, 40, 80, 120, 160, 200, 240, 255};
+    JSAMPROW rows[1] = {row};
+    while (info.next_scanline < info.image_height)
+        jpeg_write_scanlines(&info, rows, 1);
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    std::vector<std::uint8_t> jpeg(buffer, buffer + size);
+    std::free(buffer);
+    return jpeg;
+}
+
+TEST(JpegCodecTest, MoreScansThanAnyEncoderWritesAreRefused) {
+    cDIBSection section;
+    EXPECT_TRUE(JpegDecode(JpegOfManyScans(3), 1, section).ok());  // 190
+    EXPECT_EQ(section.dib_width(), 8);
+    EXPECT_EQ(JpegDecode(JpegOfManyScans(4), 1, section).failed, JpegStep::kReadData);  // 253
+    EXPECT_TRUE(section.empty());
+}
+
 }  // namespace
 }  // namespace pictures
