@@ -18,7 +18,7 @@ QString ProgramFolder() {
 }
 
 // Not QStandardPaths, which reads only names of the locale's character set from the environment.
-// Source: XDG Base Directory Specification.
+// Source: the base directories that freedesktop.org defines for desktops.
 QString UserDataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
     const char* home = std::getenv("HOME");
