@@ -1,7 +1,7 @@
 // Opens a database in memory, reads every row of every table, changes rows and takes that back, and
 // runs the checker. Input: byte 0 even: the rest is the file itself. Odd: the rest are patches (u24
-// offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep. With bit
-// 1 the file of the patches is encoded.
+// offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep. With
+// bit 1 the file of the patches is encoded.
 #include "jet/check.h"
 #include "jet/connection.h"
 #include "jet/database.h"

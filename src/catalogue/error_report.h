@@ -1,4 +1,5 @@
-// How a failure that a command has no words of its own for is told to the user: everywhere in this way.
+// How a failure that a command has no words of its own for is told to the user: everywhere in this
+// way.
 #pragma once
 
 #include "base/status.h"
@@ -15,7 +16,8 @@ inline bool IsValueTrouble(const base::Status& status) {
            status.code() == base::StatusCode::kInvalidArgument;
 }
 
-// A box with the failure's own description, the program's title and the exclamation icon. Does nothing when `status` is ok.
+// A box with the failure's own description, the program's title and the exclamation icon. Does
+// nothing when `status` is ok.
 inline void ShowError(platform::UserPrompts& prompts, const base::Status& status) {
     if (status.ok()) return;
     platform::Message message;

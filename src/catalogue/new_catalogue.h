@@ -8,8 +8,10 @@
 
 namespace catalogue {
 
-// Makes a Jet 4 file at `path` with the table Tables and its twelve base columns; ID is an AutoNumber primary key, and
-// DisplayName and FileName have indexes. `now`: the creation date (days since 1899-12-30). kAlreadyExists: there is a file.
-base::Status CreateEmptyCatalogue(jet::FileSystem& files, const std::filesystem::path& path, double now);
+// Makes a Jet 4 file at `path` with the table Tables and its twelve base columns; ID is an
+// AutoNumber primary key, and DisplayName and FileName have indexes. `now`: the creation date (days
+// since 1899-12-30). kAlreadyExists: there is a file.
+base::Status CreateEmptyCatalogue(jet::FileSystem& files, const std::filesystem::path& path,
+                                  double now);
 
 }  // namespace catalogue

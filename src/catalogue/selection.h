@@ -12,10 +12,11 @@
 namespace catalogue {
 
 // FilterKey: one of "All", "PinMame", "Favorites", "VP Only" or a column name (see IsValueFilter).
-bool IsValueFilter(const QString& filter_key);  // "Author", "Company", "Year", "FileDate", "TimesPlayed", "DateAdded"
+bool IsValueFilter(const QString& filter_key);  // "Author", "Company", "Year", "FileDate",
+                                                // "TimesPlayed", "DateAdded"
 
-// The complete SELECT when at least one row matches, otherwise "0". `value` is already quoted by QuoteSqlExpr.
-// A failing query is an error.
+// The complete SELECT when at least one row matches, otherwise "0". `value` is already quoted by
+// QuoteSqlExpr. A failing query is an error.
 base::Result<QString> ComposeFilterQuery(jet::Connection& connection, const QString& filter_key,
                                          const QString& value, const QString& comparison);
 // The text alone, without asking the database. Empty for an unknown key.
@@ -24,7 +25,8 @@ QString FilterQueryText(const QString& filter_key, const QString& value, const Q
 // " Order By " + column + " " + direction; the column is empty for an unknown caption.
 QString ComposeOrderClause(const QString& order_caption, const QString& direction);
 
-// The query that lists the values of a value filter, and its values in the database's order; Null as empty text.
+// The query that lists the values of a value filter, and its values in the database's order; Null
+// as empty text.
 QString FilterValuesQuery(const QString& filter_key);
 base::Result<QStringList> FilterValues(jet::Connection& connection, const QString& filter_key);
 

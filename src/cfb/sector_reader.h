@@ -1,7 +1,7 @@
 // SectorReader: sectors of a compound file. Small reads (FAT, directory, mini
-// stream) go through a cache of 4 KB blocks, each read once; long runs of a stream are read directly
-// into the caller's memory. A file that ends inside its last sector is read as if zeros followed.
-// Errors: kCorruption (a sector outside the file), kIoError.
+// stream) go through a cache of 4 KB blocks, each read once; long runs of a stream are read
+// directly into the caller's memory. A file that ends inside its last sector is read as if zeros
+// followed. Errors: kCorruption (a sector outside the file), kIoError.
 #pragma once
 
 #include "base/status.h"

@@ -46,7 +46,8 @@ struct CheckOptions {
     // says who wrote it last. It is a fault for who knows that:
     // each key of a node is the last entry below its child;
     bool exact_node_keys = false;
-    // each level byte of an index page is its height above the leaves, and no leaf or node is empty.
+    // each level byte of an index page is its height above the leaves, and no leaf or node is
+    // empty.
     bool exact_levels = false;
 };
 

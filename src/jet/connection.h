@@ -1,6 +1,7 @@
-// Connection: an open database file and the way SQL gets to it. See docs/jet-sql.md for the dialect.
-// Each statement, and each Update or Delete of a recordset, is atomic; when it has returned it survives the death of the
-// process. Errors are Status values with the engine's number and text. Threads: one connection belongs to one thread.
+// Connection: an open database file and the way SQL gets to it. See docs/jet-sql.md for the
+// dialect. Each statement, and each Update or Delete of a recordset, is atomic; when it has
+// returned it survives the death of the process. Errors are Status values with the engine's number
+// and text. Threads: one connection belongs to one thread.
 #pragma once
 
 #include "base/status.h"
@@ -29,17 +30,20 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    // "Provider=...;Data Source=path[;Mode=Read]"; the provider is not looked at. User, password and options are accepted
-    // as the callers give them (empty, empty, -1). A file that cannot be written is opened for reading. On failure the connection stays closed.
+    // "Provider=...;Data Source=path[;Mode=Read]"; the provider is not looked at. User, password
+    // and options are accepted as the callers give them (empty, empty, -1). A file that cannot be
+    // written is opened for reading. On failure the connection stays closed.
     base::Status Open(std::u16string_view connection_string, std::u16string_view user = {},
                       std::u16string_view password = {}, int options = -1);
     bool is_open() const;
     // Makes everything durable. A second Close does nothing.
     base::Status Close();
 
-    // Runs one statement. A SELECT gives an open forward-only recordset; any other statement a closed one.
-    // `records_affected` (may be null) receives the number of rows an action query touched.
-    base::Result<Recordset> Execute(std::u16string_view sql, std::int64_t* records_affected = nullptr);
+    // Runs one statement. A SELECT gives an open forward-only recordset; any other statement a
+    // closed one. `records_affected` (may be null) receives the number of rows an action query
+    // touched.
+    base::Result<Recordset> Execute(std::u16string_view sql,
+                                    std::int64_t* records_affected = nullptr);
 
     // Makes everything done so far durable and visible to other programs that read the file.
     base::Status Flush();

@@ -1,6 +1,7 @@
 // DataPage: the rows of one data page. A slot is a row's place in the offset table; its number
 // never changes. Rows fill the page from its end downwards in slot order. Layout:
-// docs/formats/jet.md, "Data pages". Every offset is checked when it is used: bytes from a file are never trusted.
+// docs/formats/jet.md, "Data pages". Every offset is checked when it is used: bytes from a file are
+// never trusted.
 #pragma once
 
 #include "base/status.h"

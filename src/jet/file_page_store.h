@@ -12,8 +12,8 @@
 // Until 5 is done the journal can repeat everything; until 2 is done the database file is not
 // touched. Opening a file with a journal continues that journal and runs a checkpoint at once.
 //
-// Pages are plain in memory and encoded in the file and in the journal, where the file's page 0 asks
-// for that.
+// Pages are plain in memory and encoded in the file and in the journal, where the file's page 0
+// asks for that.
 //
 // A long walk reads ahead into `ahead_`, which holds no page that was committed since.
 //

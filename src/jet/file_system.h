@@ -1,6 +1,7 @@
-// FileSystem and File: what the engine needs of an operating system. A program hands in an implementation
-// (the one of this system is platform::MakeFileSystem()); tests hand in one that fails on purpose.
-// Errors: kNotFound, kPermissionDenied, kBusy, kNoSpace, kIoError. Nothing here throws.
+// FileSystem and File: what the engine needs of an operating system. A program hands in an
+// implementation (the one of this system is platform::MakeFileSystem()); tests hand in one that
+// fails on purpose. Errors: kNotFound, kPermissionDenied, kBusy, kNoSpace, kIoError. Nothing here
+// throws.
 #pragma once
 
 #include "base/status.h"
@@ -15,10 +16,10 @@
 namespace jet {
 
 enum class OpenMode : std::uint8_t {
-    kRead,             // existing file, reading only
-    kReadWrite,        // existing file
-    kCreate,           // new or emptied file, read and write
-    kOpenOrCreate,     // existing file, or a new empty one; read and write
+    kRead,          // existing file, reading only
+    kReadWrite,     // existing file
+    kCreate,        // new or emptied file, read and write
+    kOpenOrCreate,  // existing file, or a new empty one; read and write
 };
 
 enum class FileLock : std::uint8_t { kNone, kShared, kExclusive };

@@ -1,7 +1,6 @@
-// Format: the measures in which Jet 3 and Jet 4 files differ, and the small types both share. Layout:
-// docs/formats/jet.md.
-// All integers in the file are little endian, except in index keys and the pointers of index
-// entries.
+// Format: the measures in which Jet 3 and Jet 4 files differ, and the small types both share.
+// Layout: docs/formats/jet.md. All integers in the file are little endian, except in index keys and
+// the pointers of index entries.
 #pragma once
 
 #include "base/byte_reader.h"

@@ -1,9 +1,10 @@
 // Recordset: the rows of a SELECT, one of them current.
-// BOF and EOF are both true when there is no row. A keyset recordset keeps the identity of its rows as they were found when
-// it was opened and reads their values when asked; a static one keeps the values; a dynamic one behaves as a keyset here; a
-// forward-only one reads rows as it goes and does not know their count (-1).
-// Fields given new values with SetField are written by Update, one row at a time, all or nothing; moving away writes them, too.
-// Errors are Status values whose number and text are the engine's. Requires: the Connection outlives the recordset.
+// BOF and EOF are both true when there is no row. A keyset recordset keeps the identity of its rows
+// as they were found when it was opened and reads their values when asked; a static one keeps the
+// values; a dynamic one behaves as a keyset here; a forward-only one reads rows as it goes and does
+// not know their count (-1). Fields given new values with SetField are written by Update, one row
+// at a time, all or nothing; moving away writes them, too. Errors are Status values whose number
+// and text are the engine's. Requires: the Connection outlives the recordset.
 #pragma once
 
 #include "base/status.h"
@@ -20,7 +21,12 @@ namespace jet {
 class Connection;
 
 enum class CursorType : std::uint8_t { kForwardOnly = 0, kKeyset = 1, kDynamic = 2, kStatic = 3 };
-enum class LockType : std::uint8_t { kReadOnly = 1, kPessimistic = 2, kOptimistic = 3, kBatchOptimistic = 4 };
+enum class LockType : std::uint8_t {
+    kReadOnly = 1,
+    kPessimistic = 2,
+    kOptimistic = 3,
+    kBatchOptimistic = 4
+};
 enum class CursorLocation : std::uint8_t { kServer = 2, kClient = 3 };
 
 class Recordset {
@@ -30,7 +36,8 @@ public:
     Recordset(Recordset&&) noexcept;
     Recordset& operator=(Recordset&&) noexcept;
 
-    // `sql` is a SELECT or the name of a table. Stands on the first row afterwards, if there is one.
+    // `sql` is a SELECT or the name of a table. Stands on the first row afterwards, if there is
+    // one.
     base::Status Open(std::u16string_view sql, Connection& connection,
                       CursorType cursor = CursorType::kForwardOnly,
                       LockType lock = LockType::kReadOnly,
@@ -52,7 +59,8 @@ public:
 
     std::size_t FieldCount() const;
     const std::u16string& FieldName(std::size_t field) const;
-    // Of the current row. 3265: no such field; 3021: no current row; 3167: the row was deleted meanwhile.
+    // Of the current row. 3265: no such field; 3021: no current row; 3167: the row was deleted
+    // meanwhile.
     base::Result<Value> Fields(std::u16string_view name);
     base::Result<Value> Fields(std::size_t field);
 
@@ -60,7 +68,8 @@ public:
     base::Status SetField(std::u16string_view name, Value value);
     base::Status Update();
     void CancelUpdate();
-    // Deletes the current row; it stays current (reading it then fails with 3167) until the next move.
+    // Deletes the current row; it stays current (reading it then fails with 3167) until the next
+    // move.
     base::Status Delete();
 
 private:

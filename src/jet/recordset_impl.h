@@ -96,8 +96,8 @@ private:
     bool at_end_ = false;
     std::int64_t position_ = -1;  // -1: before the first row
 
-    // Values of the current row, in the order of `learned_`: the fields that were asked for once are
-    // read together on the next row.
+    // Values of the current row, in the order of `learned_`: the fields that were asked for once
+    // are read together on the next row.
     std::vector<std::size_t> learned_;
     std::vector<std::size_t> learned_columns_;  // in the table's design; empty: some are computed
     std::vector<std::size_t> place_in_cache_;   // of each field; kNotLearned

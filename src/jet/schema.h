@@ -1,5 +1,5 @@
-// What a table looks like, as a program sees it: columns and indexes with their rules. Values only; the places in the file
-// are the business of the definition reader.
+// What a table looks like, as a program sees it: columns and indexes with their rules. Values only;
+// the places in the file are the business of the definition reader.
 #pragma once
 
 #include "jet/value.h"
@@ -23,7 +23,8 @@ struct ColumnDesign {
     bool allow_zero_length = true;
     bool compressed = false;  // text and memo: stored one byte a character where possible
     bool fixed_text = false;  // CHAR(n): space padded
-    // Expression text of the value that an insert gives when it does not name the column; nullopt: none.
+    // Expression text of the value that an insert gives when it does not name the column; nullopt:
+    // none.
     std::optional<std::u16string> default_value;
     // Expression text that each value must satisfy; it may leave out the column's name in front of
     // an operator (">0"). nullopt: none.
@@ -46,8 +47,8 @@ struct IndexDesign {
     bool unique = false;
     bool required = false;      // no indexed column may be null
     bool ignore_nulls = false;  // a row whose indexed columns are all null has no entry
-    // Reported by tables, ignored on creation: false when the engine cannot compute this index's keys (a foreign
-    // sort order): it serves no query, and the table is read only.
+    // Reported by tables, ignored on creation: false when the engine cannot compute this index's
+    // keys (a foreign sort order): it serves no query, and the table is read only.
     bool maintainable = true;
     bool operator==(const IndexDesign&) const = default;
 };

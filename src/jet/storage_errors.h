@@ -1,5 +1,5 @@
-// The engine's errors as Status values. The comments give the error numbers. Names are UTF-16, as in
-// the file; the texts are UTF-8.
+// The engine's errors as Status values. The comments give the error numbers. Names are UTF-16, as
+// in the file; the texts are UTF-8.
 #pragma once
 
 #include "base/status.h"

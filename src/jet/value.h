@@ -1,6 +1,7 @@
 // Value: one field of a row, or one result of an expression. Null is a value of its own.
-// Text is UTF-16, as in the file. Dates are days since 1899-12-30 with the time of day as fraction (local
-// time, no zone); the fraction counts forward also for negative days. Money counts units of 1/10000.
+// Text is UTF-16, as in the file. Dates are days since 1899-12-30 with the time of day as fraction
+// (local time, no zone); the fraction counts forward also for negative days. Money counts units of
+// 1/10000.
 #pragma once
 
 #include <array>
@@ -60,8 +61,8 @@ using Bytes = std::vector<std::byte>;
 
 class Value {
 public:
-    using Content = std::variant<std::monostate, bool, std::uint8_t, std::int16_t, std::int32_t, Money,
-                                 float, double, Date, std::u16string, Bytes, Guid, Numeric>;
+    using Content = std::variant<std::monostate, bool, std::uint8_t, std::int16_t, std::int32_t,
+                                 Money, float, double, Date, std::u16string, Bytes, Guid, Numeric>;
 
     Value() = default;  // Null
     static Value Null() { return {}; }
@@ -112,8 +113,8 @@ private:
     Content content_;
 };
 
-// What a program shows or concatenates: Null gives the empty text, True and False these words, dates the
-// general date, numbers their shortest decimal text. US English always.
+// What a program shows or concatenates: Null gives the empty text, True and False these words,
+// dates the general date, numbers their shortest decimal text. US English always.
 std::u16string ToText(const Value& value);
 // The same; a text is moved out of the value.
 std::u16string ToText(Value&& value);
@@ -121,7 +122,8 @@ std::u16string ToText(Value&& value);
 // Nonzero numbers and True are true; everything else, Null and text included, is false.
 bool ToBool(const Value& value);
 
-// The whole number, rounded half to even; 0 for Null, for what is no number and for what does not fit.
+// The whole number, rounded half to even; 0 for Null, for what is no number and for what does not
+// fit.
 std::int64_t ToInteger(const Value& value);
 
 }  // namespace jet

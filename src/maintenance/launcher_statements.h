@@ -1,6 +1,6 @@
 // The SQL of the launcher import.
-// The key stands in the statements as the line has it, without quoting: a line whose key holds a quote
-// is refused by the database and passed over.
+// The key stands in the statements as the line has it, without quoting: a line whose key holds a
+// quote is refused by the database and passed over.
 #pragma once
 
 #include "maintenance/launcher_record.h"

@@ -1,4 +1,5 @@
-// The engine's view of this system's files (see jet/file_system.h). Does not need Qt: target `platform_files`.
+// The engine's view of this system's files (see jet/file_system.h). Does not need Qt: target
+// `platform_files`.
 #pragma once
 
 #include "jet/file_system.h"

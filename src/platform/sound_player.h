@@ -1,5 +1,5 @@
-// SoundPlayer: plays a wave file to its end. Silent, without a message and without a wait, when the file is
-// missing or there is no sound device; never the cause of a hang.
+// SoundPlayer: plays a wave file to its end. Silent, without a message and without a wait, when the
+// file is missing or there is no sound device; never the cause of a hang.
 #pragma once
 
 #include <QtCore/QString>

@@ -1,5 +1,6 @@
-// UserEvents: long work on the user-interface thread calls ProcessEvents once per item, so that windows repaint and react.
-// StatusDisplay: the small window that shows what is in progress. Implemented by the windows; recorded by tests.
+// UserEvents: long work on the user-interface thread calls ProcessEvents once per item, so that
+// windows repaint and react. StatusDisplay: the small window that shows what is in progress.
+// Implemented by the windows; recorded by tests.
 #pragma once
 
 #include <QtCore/QString>

@@ -1,4 +1,5 @@
-// UserPrompts: everything a command asks or tells the user in a modal box, so that a test can answer in its place.
+// UserPrompts: everything a command asks or tells the user in a modal box, so that a test can
+// answer in its place.
 #pragma once
 
 #include <QtCore/QString>
@@ -25,7 +26,8 @@ struct FileDialog {
     QString folder;     // where it opens when file_name has no folder
     QString default_extension;
     QString name;  // of the dialog; empty: "FileDialog"
-    bool must_exist = true;  // to open: false when the caller itself tells of a file that is not there
+    bool must_exist =
+        true;  // to open: false when the caller itself tells of a file that is not there
     bool operator==(const FileDialog&) const = default;
 };
 

@@ -1,5 +1,6 @@
-// make_table_file PATH [--text STREAM TEXT]... [--screenshot FILE] [--filler BYTES]: writes a table file through
-// libgsf, for the end-to-end tests. Without --text and --screenshot the file carries no information.
+// make_table_file PATH [--text STREAM TEXT]... [--screenshot FILE] [--filler BYTES]: writes a table
+// file through libgsf, for the end-to-end tests. Without --text and --screenshot the file carries
+// no information.
 #include "base/unicode.h"
 #include "support/vpt_builder.h"
 

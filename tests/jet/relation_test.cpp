@@ -236,7 +236,8 @@ TEST_P(RelationTest, TablesMayCascadeIntoEachOther) {
 }
 
 TEST_P(RelationTest, ReferencesThatACascadeClearedStayClear) {
-    Do(u"CREATE TABLE People (ID LONG PRIMARY KEY, Boss LONG REFERENCES People ON DELETE SET NULL)");
+    Do(u"CREATE TABLE People (ID LONG PRIMARY KEY, Boss LONG REFERENCES People ON DELETE SET "
+       u"NULL)");
     for (const std::u16string_view row : {u"1, Null", u"2, 1", u"3, 2"})
         Do(u"INSERT INTO People (ID, Boss) VALUES (" + std::u16string(row) + u")");
     EXPECT_EQ(Run(u"DELETE FROM People WHERE ID < 3"), "2");

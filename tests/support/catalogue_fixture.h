@@ -1,4 +1,5 @@
-// CatalogueFixture: a fresh application folder with an empty pinball.mdb, opened by Main, and fakes around it.
+// CatalogueFixture: a fresh application folder with an empty pinball.mdb, opened by Main, and fakes
+// around it.
 #pragma once
 
 #include "catalogue/new_catalogue.h"
@@ -26,8 +27,8 @@ protected:
 
     void SetUp() override {
         ASSERT_TRUE(folder.isValid());
-        const auto made = catalogue::CreateEmptyCatalogue(
-            *files, DatabasePath().toStdU16String(), catalogue::ToOleDate(clock.now));
+        const auto made = catalogue::CreateEmptyCatalogue(*files, DatabasePath().toStdU16String(),
+                                                          catalogue::ToOleDate(clock.now));
         ASSERT_TRUE(made.ok()) << made.message();
         const auto opened = catalogue::Main(catalogue);
         ASSERT_TRUE(opened.ok()) << opened.message();
@@ -40,10 +41,12 @@ protected:
         const auto done = connection->Execute(sql.toStdU16String());
         ASSERT_TRUE(done.ok()) << done.status().message() << " in " << sql.toStdString();
     }
-    // First field of the first row as text; "<none>" without a row, "<error>" with its text on failure.
+    // First field of the first row as text; "<none>" without a row, "<error>" with its text on
+    // failure.
     QString Scalar(const QString& sql) {
         auto rows = connection->Execute(sql.toStdU16String());
-        if (!rows.ok()) return QStringLiteral("<error> ") + QString::fromStdString(rows.status().message());
+        if (!rows.ok())
+            return QStringLiteral("<error> ") + QString::fromStdString(rows.status().message());
         if (rows->Eof()) return QStringLiteral("<none>");
         const auto value = rows->Fields(std::size_t{0});
         return value.ok() ? catalogue::FieldText(*value) : QStringLiteral("<error>");

@@ -60,7 +60,7 @@ public:
     QMap<QString, QString> values;  // "application/section/key"
     std::vector<QString> written;   // keys in the order of writing
     std::function<void()> on_save;
-    base::Status failure;           // ok: writing succeeds
+    base::Status failure;  // ok: writing succeeds
 
     QString GetSetting(const QString& application, const QString& section, const QString& key,
                        const QString& fallback) override {

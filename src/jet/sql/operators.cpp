@@ -108,8 +108,7 @@ bool FitsLong(double number) {
 
 Result<Value> NumberResult(double number, bool whole) {
     if (!std::isfinite(number)) return JetError(6);
-    if (whole && FitsLong(number))
-        return Value::Long(static_cast<std::int32_t>(number));
+    if (whole && FitsLong(number)) return Value::Long(static_cast<std::int32_t>(number));
     return Value::Double(number);
 }
 

@@ -17,8 +17,8 @@ void AppendSortKey(const Value& value, bool descending, std::string& key);
 // behind what is sorted by, too.
 void AppendEqualKey(const Value& value, std::string& key);
 
-// The same as AppendSortKey for a text of one byte a character. False: it takes its value to make the key, and
-// nothing was appended.
+// The same as AppendSortKey for a text of one byte a character. False: it takes its value to make
+// the key, and nothing was appended.
 bool AppendNarrowSortKey(std::string_view narrow, bool descending, std::string& key);
 
 // Dates are equal when they are in the same second; this is the number of that second since day 0.
