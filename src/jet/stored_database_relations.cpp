@@ -144,6 +144,41 @@ bool UsesIndex(const TableDefinition& definition, std::size_t real) {
                                [&](const LogicalIndex& index) { return index.real == real; });
 }
 
+// Room for the index that each side of the relation gets, and its name free among those of the
+// referring table. One table may be both sides.
+base::Status CheckIndexesOfRelation(const RelationDesign& relation,
+                                    const TableDefinition& definition,
+                                    const TableDefinition& referenced) {
+    for (const LogicalIndex& known : definition.logical_indexes)
+        if (SameName(known.name, relation.name))
+            return errors::IndexExists(relation.name, relation.table);
+    const std::size_t added = &definition == &referenced ? 2 : 1;
+    for (const TableDefinition* side : {&definition, &referenced})
+        if (side->logical_indexes.size() + added > kMaxIndexes)
+            return errors::TooManyIndexes(side == &definition ? relation.table
+                                                              : relation.referenced_table);
+    return base::Status::Ok();
+}
+
+// Requires: `definition` has all of the columns `numbers`.
+std::vector<std::u16string> NamesOf(const std::vector<std::uint16_t>& numbers,
+                                    const TableDefinition& definition) {
+    std::vector<std::u16string> names;
+    for (const std::uint16_t number : numbers)
+        names.push_back(definition.FindColumn(number)->name);
+    return names;
+}
+
+// What MSysRelationships tells of a relation whose referring side is kept by the index `real`.
+std::int32_t RelationFlags(const RelationDesign& relation, const TableDefinition& definition,
+                           std::uint32_t real) {
+    std::int32_t flags = 0;
+    if (definition.real_indexes[real].unique()) flags |= kRelationUnique;
+    if (relation.on_update == RelationRule::kCascade) flags |= kRelationCascadeUpdates;
+    if (relation.on_delete == RelationRule::kCascade) flags |= kRelationCascadeDeletes;
+    return flags;
+}
+
 }  // namespace
 
 base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
@@ -164,14 +199,7 @@ base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
     ASSIGN_OR_RETURN(RelationColumns columns, ResolveColumns(relation, definition, referenced));
     const auto referenced_real = FindUniqueIndex(referenced, columns);
     if (!referenced_real) return errors::NoUniqueIndex();
-    for (const LogicalIndex& known : definition.logical_indexes)
-        if (SameName(known.name, relation.name))
-            return errors::IndexExists(relation.name, relation.table);
-    const std::size_t added = to_itself ? 2 : 1;
-    for (const TableDefinition* side : {&definition, &referenced})
-        if (side->logical_indexes.size() + added > kMaxIndexes)
-            return errors::TooManyIndexes(side == &definition ? relation.table
-                                                              : relation.referenced_table);
+    RETURN_IF_ERROR(CheckIndexesOfRelation(relation, definition, referenced));
 
     // An index of the same columns serves; otherwise the relation gets one of its own.
     std::uint32_t real = 0;
@@ -199,17 +227,9 @@ base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
 
     relation.table = entry.name;
     relation.referenced_table = referenced_entry.name;
-    relation.columns.clear();
-    relation.referenced_columns.clear();
-    for (std::size_t i = 0; i < columns.referring.size(); ++i) {
-        relation.columns.push_back(definition.FindColumn(columns.referring[i])->name);
-        relation.referenced_columns.push_back(referenced.FindColumn(columns.referenced[i])->name);
-    }
-    std::int32_t flags = 0;
-    if (definition.real_indexes[real].unique()) flags |= kRelationUnique;
-    if (relation.on_update == RelationRule::kCascade) flags |= kRelationCascadeUpdates;
-    if (relation.on_delete == RelationRule::kCascade) flags |= kRelationCascadeDeletes;
-    RETURN_IF_ERROR(AddRelationRows(relation, flags));
+    relation.columns = NamesOf(columns.referring, definition);
+    relation.referenced_columns = NamesOf(columns.referenced, referenced);
+    RETURN_IF_ERROR(AddRelationRows(relation, RelationFlags(relation, definition, real)));
     ASSIGN_OR_RETURN(const std::int32_t id, NextObjectId());
     return AddToCatalog(relation.name, id, kObjectIsRelation, kRelationsContainer);
 }
