@@ -11,8 +11,8 @@
 namespace browser {
 namespace {
 
-using tableinfo::PictureBox;
-using tableinfo::TextBox;
+using widgets::PictureBox;
+using widgets::TextBox;
 
 // An element of a control array is named after the array and its index.
 QString ElementName(const char* array, int index) {

@@ -1,8 +1,8 @@
 // DetailControls: the widgets of the detail panel and how they are laid out; no behaviour.
 #pragma once
 
-#include "tableinfo/picture_box.h"
-#include "tableinfo/text_box.h"
+#include "widgets/picture_box.h"
+#include "widgets/text_box.h"
 
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLabel>
@@ -23,7 +23,7 @@ inline constexpr int kDetailTabCount = 5;
 struct DetailControls {
     QTabWidget* DetTab = nullptr;
     QLabel* pnlAlert = nullptr;
-    std::array<tableinfo::TextBox, 13> txtDet;
+    std::array<widgets::TextBox, 13> txtDet;
     QCheckBox* chkFavorite = nullptr;
     QCheckBox* chkPinMame = nullptr;
     QToolButton* Command2 = nullptr;  // image file
@@ -33,9 +33,9 @@ struct DetailControls {
     QPushButton* cmdChange = nullptr;
     QPushButton* cmdCancel = nullptr;
     QPushButton* cmdDelete = nullptr;
-    tableinfo::PictureBox* imgShot = nullptr;
-    tableinfo::PictureBox* imgFlyer = nullptr;
-    tableinfo::PictureBox* imgRules = nullptr;
+    widgets::PictureBox* imgShot = nullptr;
+    widgets::PictureBox* imgFlyer = nullptr;
+    widgets::PictureBox* imgRules = nullptr;
     QPushButton* cmdReadRule = nullptr;
     QPushButton* cmdSaveRules = nullptr;
     QPushButton* cmdCancelRules = nullptr;

@@ -7,15 +7,15 @@
 #include "browser/table_record.h"
 #include "catalogue/error_report.h"
 #include "platform/files.h"
-#include "tableinfo/picture_sequence.h"
 #include "tableinfo/storage_tools.h"
+#include "widgets/picture_sequence.h"
 
 namespace browser {
 namespace {
 
-using tableinfo::PictureBox;
-using tableinfo::PictureSource;
-using tableinfo::TextBox;
+using widgets::PictureBox;
+using widgets::PictureSource;
+using widgets::TextBox;
 
 constexpr std::size_t At(int index) {
     return static_cast<std::size_t>(index);
@@ -71,7 +71,7 @@ private:
     void ShowRecord(const TableRecord& record);
     void ShowPictures();
     PictureSource FileIn(DetailField field) const;
-    tableinfo::PictureStep ScreenshotStep() const;
+    widgets::PictureStep ScreenshotStep() const;
     QSize RoomOfHiddenPictures() const;
 
     void MarkEdited();
@@ -88,7 +88,7 @@ private:
     DetailHost& host_;
     DetailControls controls_;
     bool LoadingDetails = false;
-    tableinfo::PictureSequence pictures_;
+    widgets::PictureSequence pictures_;
 };
 
 void DetailPanel::Impl::ConnectFields() {
@@ -171,7 +171,7 @@ PictureSource DetailPanel::Impl::FileIn(DetailField field) const {
 }
 
 // The screenshot inside the table file is a second choice: its damage ends nothing.
-tableinfo::PictureStep DetailPanel::Impl::ScreenshotStep() const {
+widgets::PictureStep DetailPanel::Impl::ScreenshotStep() const {
     if (auto file = FileIn(kImageFile); !file.is_empty())
         return {controls_.imgShot, std::move(file), kLoadingScreenShot};
     const auto bytes = tableinfo::LoadTableScreenshot(controls_.txtDet[kFileName].Text());

@@ -1,8 +1,8 @@
 #include "tableinfo/frmReadVPT.h"
 
-#include "tableinfo/picture_box.h"
 #include "tableinfo/storage_tools.h"
-#include "tableinfo/text_box.h"
+#include "widgets/picture_box.h"
+#include "widgets/text_box.h"
 
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGridLayout>
@@ -13,6 +13,11 @@
 
 namespace tableinfo {
 namespace {
+
+using widgets::PictureBox;
+using widgets::PictureSource;
+using widgets::TextBox;
+using widgets::WholeTextEdit;
 
 constexpr int kMailBox = 4;
 constexpr int kSiteBox = 5;

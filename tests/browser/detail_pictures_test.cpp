@@ -2,8 +2,8 @@
 #include "browser/detail_panel_fixture.h"
 #include "support/event_counter.h"
 #include "support/vpt_builder.h"
-#include "tableinfo/picture_box.h"
-#include "tableinfo/picture_loader.h"
+#include "widgets/picture_box.h"
+#include "widgets/picture_loader.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QDir>
@@ -12,8 +12,8 @@
 namespace browser {
 namespace {
 
-using tableinfo::PictureBox;
 using test_support::VptBuilder;
+using widgets::PictureBox;
 
 class DetailPicturesTest : public DetailPanelFixture {
 protected:
@@ -39,7 +39,7 @@ protected:
         return path;
     }
     bool ShowsFile(const char* box, const QString& path) {
-        return Box(box)->source() == tableinfo::PictureSource::File(path);
+        return Box(box)->source() == widgets::PictureSource::File(path);
     }
     // The table file of a row, with a screenshot of this size inside.
     void WriteTable(const QString& name, const QByteArray& screenshot) {
@@ -162,7 +162,7 @@ TEST_F(DetailPicturesTest, AnUndecodableScreenshotFileIsNotReplacedByTheOneInsid
 TEST_F(DetailPicturesTest, ADamagedBodyEndsTheLoadingAtTheSelectionThoughNothingIsPainted) {
     const QString good = WritePicture(QStringLiteral("good.jpg"));
     const QString cut = WriteCutPicture(QStringLiteral("cut.png"), 300, 200);
-    ASSERT_TRUE(tableinfo::PictureSize(tableinfo::PictureSource::File(cut)).ok());
+    ASSERT_TRUE(widgets::PictureSize(widgets::PictureSource::File(cut)).ok());
     panel->hide();
     ShowTable(QStringLiteral("Attack"), Pictures(good, cut, good));
     EXPECT_TRUE(ShowsFile("imgShot", good));

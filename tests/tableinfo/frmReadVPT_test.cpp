@@ -3,8 +3,8 @@
 
 #include "support/fakes.h"
 #include "support/vpt_builder.h"
-#include "tableinfo/picture_box.h"
 #include "tableinfo/recorded_details.h"
+#include "widgets/picture_box.h"
 
 #include <gtest/gtest.h>
 
@@ -167,12 +167,13 @@ TEST_F(frmReadVPTTest, WithoutCustomFieldsThereIsNothingToChoose) {
 
 TEST_F(frmReadVPTTest, TheScreenshotIsShown) {
     Open(VptBuilder().Screenshot(Jpeg(64, 48)));
-    EXPECT_EQ(Find<PictureBox>(QStringLiteral("picThm"))->ShownImage().size(), QSize(64, 48));
+    EXPECT_EQ(Find<widgets::PictureBox>(QStringLiteral("picThm"))->ShownImage().size(),
+              QSize(64, 48));
 }
 
 TEST_F(frmReadVPTTest, AnUndecodableScreenshotIsThePlaceholder) {
     Open(VptBuilder().Screenshot(BytesOf("no picture")).Text(u"TableName", u"Attack"));
-    EXPECT_TRUE(Find<PictureBox>(QStringLiteral("picThm"))->shows_placeholder());
+    EXPECT_TRUE(Find<widgets::PictureBox>(QStringLiteral("picThm"))->shows_placeholder());
     EXPECT_EQ(Info(0), QStringLiteral("Attack"));
 }
 

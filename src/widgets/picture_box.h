@@ -5,13 +5,13 @@
 #pragma once
 
 #include "base/status.h"
-#include "tableinfo/picture_loader.h"
+#include "widgets/picture_loader.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QImage>
 #include <QtWidgets/QWidget>
 
-namespace tableinfo {
+namespace widgets {
 
 class PictureBox : public QWidget {
     Q_OBJECT
@@ -64,4 +64,4 @@ private:
     QTimer decode_again_;       // waits until the resizing has paused
 };
 
-}  // namespace tableinfo
+}  // namespace widgets

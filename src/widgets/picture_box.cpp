@@ -1,13 +1,13 @@
-#include "tableinfo/picture_box.h"
+#include "widgets/picture_box.h"
 
 #include "assets.h"
-#include "tableinfo/large_picture_window.h"
+#include "widgets/large_picture_window.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 constexpr int kResizePauseMs = 150;
@@ -137,4 +137,4 @@ void PictureBox::ShowLarge() {
     if (!source_.is_empty()) ShowPictureLarge(source_, own_size_, window());
 }
 
-}  // namespace tableinfo
+}  // namespace widgets

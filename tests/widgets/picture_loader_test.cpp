@@ -1,4 +1,4 @@
-#include "tableinfo/picture_loader.h"
+#include "widgets/picture_loader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 QImage Painting(int width, int height, Qt::GlobalColor color = Qt::red) {
@@ -232,4 +232,4 @@ INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictureTest, testing::Values("bmp", "jp
                          [](const auto& test) { return std::string(test.param); });
 
 }  // namespace
-}  // namespace tableinfo
+}  // namespace widgets

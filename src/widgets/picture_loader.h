@@ -13,7 +13,7 @@
 #include <QtCore/QString>
 #include <QtGui/QImage>
 
-namespace tableinfo {
+namespace widgets {
 
 // A sheet of paper scanned at 800 dots per inch. Of four bytes each they are the
 // kPictureMemoryMegabytes that a decoder may take at once.
@@ -47,4 +47,4 @@ struct DecodedPicture {
 // Both at once; from any thread.
 base::Result<DecodedPicture> DecodePictureWithSize(const PictureSource& source, QSize box);
 
-}  // namespace tableinfo
+}  // namespace widgets

@@ -1,13 +1,13 @@
-#include "tableinfo/large_picture_window.h"
+#include "widgets/large_picture_window.h"
 
-#include "tableinfo/picture_box.h"
+#include "widgets/picture_box.h"
 
 #include <QtCore/QFileInfo>
 #include <QtGui/QScreen>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QVBoxLayout>
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 // What the frame, the title bar and a margin take of the screen.
@@ -59,4 +59,4 @@ void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* pare
     window->show();
 }
 
-}  // namespace tableinfo
+}  // namespace widgets

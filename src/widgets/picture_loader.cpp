@@ -1,4 +1,4 @@
-#include "tableinfo/picture_loader.h"
+#include "widgets/picture_loader.h"
 
 #include "base/cut_bitmap.h"
 #include "platform/files.h"
@@ -11,7 +11,7 @@
 #include <span>
 #include <utility>
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 base::Status Failure(base::StatusCode code, const PictureSource& source, const QString& reason) {
@@ -137,4 +137,4 @@ base::Result<DecodedPicture> DecodePictureWithSize(const PictureSource& source, 
     return DecodedPicture{std::move(image), own_size};
 }
 
-}  // namespace tableinfo
+}  // namespace widgets

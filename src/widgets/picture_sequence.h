@@ -4,15 +4,15 @@
 // Threads: the user-interface thread.
 #pragma once
 
-#include "tableinfo/picture_box.h"
-#include "tableinfo/picture_loader.h"
+#include "widgets/picture_box.h"
+#include "widgets/picture_loader.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QThreadPool>
 
 #include <vector>
 
-namespace tableinfo {
+namespace widgets {
 
 struct PictureStep {
     PictureBox* box;       // outlives the sequence
@@ -49,4 +49,4 @@ private:
     QThreadPool decoder_;
 };
 
-}  // namespace tableinfo
+}  // namespace widgets

@@ -2,15 +2,15 @@
 // small either. A click into it or Escape closes it.
 #pragma once
 
-#include "tableinfo/picture_loader.h"
+#include "widgets/picture_loader.h"
 
 #include <QtCore/QSize>
 #include <QtWidgets/QWidget>
 
-namespace tableinfo {
+namespace widgets {
 
 // Opens the window (object name frmLargePicture), owned by `parent`; it deletes itself when it is
 // closed. `own_size`: the picture's size in pixels; empty: not known.
 void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* parent);
 
-}  // namespace tableinfo
+}  // namespace widgets

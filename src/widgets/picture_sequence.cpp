@@ -1,11 +1,11 @@
-#include "tableinfo/picture_sequence.h"
+#include "widgets/picture_sequence.h"
 
 #include <QtCore/QMetaObject>
 
 #include <memory>
 #include <utility>
 
-namespace tableinfo {
+namespace widgets {
 
 PictureSequence::PictureSequence(QObject* parent) : QObject(parent) {
     decoder_.setMaxThreadCount(1);
@@ -64,4 +64,4 @@ void PictureSequence::Take(std::uint64_t sequence, const base::Result<DecodedPic
     TakeNextStep();
 }
 
-}  // namespace tableinfo
+}  // namespace widgets

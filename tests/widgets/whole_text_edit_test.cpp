@@ -1,12 +1,12 @@
 // Needs widgets; runs offscreen.
-#include "tableinfo/text_box.h"
-#include "tableinfo/whole_text_edit.h"
+#include "widgets/text_box.h"
+#include "widgets/whole_text_edit.h"
 
 #include <gtest/gtest.h>
 
 #include <QtTest/QTest>
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 TEST(WholeTextEditTest, AnUntouchedTextComesBackAsItWas) {
@@ -80,4 +80,4 @@ TEST(TextBoxTest, AChangeIsTold) {
 }
 
 }  // namespace
-}  // namespace tableinfo
+}  // namespace widgets

@@ -1,5 +1,5 @@
 // Needs widgets; runs offscreen.
-#include "tableinfo/picture_box.h"
+#include "widgets/picture_box.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 PictureSource Png(int width, int height) {
@@ -188,4 +188,4 @@ TEST(PictureBoxTest, AClickOnThePlaceholderShowsNothing) {
 }
 
 }  // namespace
-}  // namespace tableinfo
+}  // namespace widgets

@@ -5,7 +5,7 @@
 
 #include <QtWidgets/QPlainTextEdit>
 
-namespace tableinfo {
+namespace widgets {
 
 class WholeTextEdit : public QPlainTextEdit {
     Q_OBJECT
@@ -23,4 +23,4 @@ private:
     bool shows_beginning_only_ = false;
 };
 
-}  // namespace tableinfo
+}  // namespace widgets

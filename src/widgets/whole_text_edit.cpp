@@ -1,6 +1,6 @@
-#include "tableinfo/whole_text_edit.h"
+#include "widgets/whole_text_edit.h"
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 // The editor keeps every line apart and lays out a line as one piece, with a time that grows as the
@@ -55,4 +55,4 @@ QString WholeTextEdit::WholeText() const {
     return text.replace(QChar(QChar::ParagraphSeparator), QStringLiteral("\r\n"));
 }
 
-}  // namespace tableinfo
+}  // namespace widgets

@@ -2,13 +2,13 @@
 // unless it was edited.
 #pragma once
 
-#include "tableinfo/whole_text_edit.h"
+#include "widgets/whole_text_edit.h"
 
 #include <QtWidgets/QLineEdit>
 
 #include <functional>
 
-namespace tableinfo {
+namespace widgets {
 
 // A handle to a widget that somebody else owns; copies stand for the same widget. A default-made
 // one stands for none.
@@ -32,4 +32,4 @@ private:
     WholeTextEdit* lines_ = nullptr;  // or that one
 };
 
-}  // namespace tableinfo
+}  // namespace widgets

@@ -1,6 +1,6 @@
-#include "tableinfo/text_box.h"
+#include "widgets/text_box.h"
 
-namespace tableinfo {
+namespace widgets {
 namespace {
 
 // Far more than any column holds: the database refuses what does not fit, the box does not cut it.
@@ -57,4 +57,4 @@ void TextBox::OnChange(const std::function<void()>& action) const {
         QObject::connect(lines_, &QPlainTextEdit::textChanged, lines_, action);
 }
 
-}  // namespace tableinfo
+}  // namespace widgets
