@@ -160,8 +160,9 @@ public:
 base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> pages,
                                                      std::string_view path_for_messages);
 
-// Makes a new, empty Jet 4 file (`now`: the creation date, days since 1899-12-30). kAlreadyExists
-// (3204): there is such a file.
-base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now);
+// Makes a new, empty file of version 4 or 3 (`now`: the creation date, days since 1899-12-30).
+// kAlreadyExists (3204): there is such a file.
+base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now,
+                                int version = 4);
 
 }  // namespace jet

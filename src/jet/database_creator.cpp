@@ -1,8 +1,10 @@
-// A new, empty Jet 4 file: the 16 pages that the engine itself writes for one.
+// A new, empty file: the pages that the engine itself writes for one, 16 in version 4, 20 in
+// version 3.
 #include "jet/catalog.h"
 #include "jet/conversions.h"
 #include "jet/database.h"
 #include "jet/index_set.h"
+#include "jet/map_row_layout.h"
 #include "jet/page_header.h"
 #include "jet/row_writer.h"
 #include "jet/storage_errors.h"
@@ -14,7 +16,6 @@
 namespace jet {
 namespace {
 
-constexpr PageNumber kPagesOfNewFile = 16;
 constexpr std::int32_t kRootContainer = 0x0F000000;
 constexpr std::int32_t kDatabasesContainer = 0x0F000002;
 constexpr std::int32_t kDatabaseDocument = 0x10000000;
@@ -98,48 +99,66 @@ private:
     RowWriter rows_;
 };
 
-base::Status WriteGlobalMaps(FileContext& file) {
+base::Status WriteGlobalMaps(FileContext& file, PageNumber page_count) {
     ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(1));
     DataPageEditor editor = DataPageEditor::Create(page, file.format, 1);
     std::vector<std::byte> free_pages = MakeMapRow(file.format);
-    std::fill(free_pages.begin() + 5 + kPagesOfNewFile / 8, free_pages.end(), std::byte{0xFF});
+    for (std::size_t bit = page_count; bit < 8 * (free_pages.size() - kInlineHead); ++bit)
+        free_pages[kInlineHead + bit / 8] |= std::byte{1} << (bit % 8);
     editor.Append(free_pages, 0);
     editor.Append(MakeMapRow(file.format), 0);
     return {};
 }
 
-// All maps of the system tables stand on one page, in the order of their row numbers.
-base::Status WriteSystemMaps(FileContext& file, const std::vector<TableDefinition>& tables) {
-    ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(kSystemMapPage));
-    DataPageEditor editor = DataPageEditor::Create(page, file.format, 0);
-    for (const TableDefinition& table : tables) {
-        const PageNumber rows = table.page == kObjectsPage  ? kObjectsRows
-                                : table.page == kAccessPage ? kAccessRows
-                                                            : 0;
-        editor.Append(MakeMapRow(file.format, rows), 0);
-        editor.Append(MakeMapRow(file.format, rows), 0);
-        for (std::size_t i = 0; i < 2 * table.long_values.size(); ++i)
-            editor.Append(MakeMapRow(file.format), 0);
+// Maps are written in the order in which `SystemTables` placed them, page by page.
+class SystemMapWriter {
+public:
+    explicit SystemMapWriter(FileContext& file) : file_(file) {}
+
+    base::Status Write(const TableDefinition& table, PageNumber rows) {
+        RETURN_IF_ERROR(Append(table.owned, rows));
+        RETURN_IF_ERROR(Append(table.free, rows));
+        for (const LongValueMaps& maps : table.long_values) {
+            RETURN_IF_ERROR(Append(maps.owned, 0));
+            RETURN_IF_ERROR(Append(maps.free, 0));
+        }
         for (const RealIndex& index : table.real_indexes)
-            editor.Append(MakeMapRow(file.format, index.root), 0);
+            RETURN_IF_ERROR(Append(index.map, index.root));
+        return {};
     }
-    return {};
-}
+
+private:
+    base::Status Append(RowPointer map, PageNumber only_member) {
+        if (map.row == 0) {
+            ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(map.page));
+            editor_ = DataPageEditor::Create(page, file_.format, 0);
+        }
+        editor_->Append(MakeMapRow(file_.format, only_member), 0);
+        return {};
+    }
+
+    FileContext& file_;
+    std::optional<DataPageEditor> editor_;
+};
 
 base::Status FillPages(FileContext& file, double now) {
-    std::vector<TableDefinition> tables = SystemTables();
-    RETURN_IF_ERROR(WriteGlobalMaps(file));
-    RETURN_IF_ERROR(WriteSystemMaps(file, tables));
+    std::vector<TableDefinition> tables = SystemTables(file.format.version);
+    const SystemPages& pages = SystemPagesOf(file.format.version);
+    RETURN_IF_ERROR(WriteGlobalMaps(file, pages.page_count));
+    SystemMapWriter maps(file);
     for (TableDefinition& table : tables) {
+        RETURN_IF_ERROR(maps.Write(table, table.page == kObjectsPage  ? pages.objects_rows
+                                          : table.page == kAccessPage ? pages.access_rows
+                                                                      : 0));
         RETURN_IF_ERROR(
             WriteTableDefinition(file.store, file.format, file.text, file.allocator, table));
         for (const RealIndex& index : table.real_indexes)
             RETURN_IF_ERROR(IndexTree(file, table.page, index.root, index.map).Create());
     }
-    for (const PageNumber page : {kObjectsRows, kAccessRows}) {
+    for (const PageNumber page : {pages.objects_rows, pages.access_rows}) {
         ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file.store.Change(page));
         DataPageEditor::Create(bytes, file.format,
-                               page == kObjectsRows ? kObjectsPage : kAccessPage);
+                               page == pages.objects_rows ? kObjectsPage : kAccessPage);
     }
     Filler objects(file, tables[0]);
     for (const ObjectRow& row : kObjects)
@@ -154,11 +173,11 @@ base::Status FillPages(FileContext& file, double now) {
     return {};
 }
 
-base::Result<std::vector<std::byte>> MakeEmptyDatabase(double now) {
-    const Format& format = FormatOf(4);
-    std::vector<std::byte> bytes = MakePageHeader(now);
+base::Result<std::vector<std::byte>> MakeEmptyDatabase(double now, int version) {
+    const Format& format = FormatOf(version);
+    std::vector<std::byte> bytes = MakePageHeader(version, now);
     ASSIGN_OR_RETURN(const PageHeader header, ReadPageHeader(bytes, ""));
-    bytes.resize(std::size_t{kPagesOfNewFile} * format.page_size);
+    bytes.resize(std::size_t{SystemPagesOf(version).page_count} * format.page_size);
     const auto store = MakeMemoryPageStore(format.page_size, std::move(bytes));
     FileContext file(*store, header);
     RETURN_IF_ERROR(store->Begin());
@@ -182,10 +201,11 @@ base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path,
 
 }  // namespace
 
-base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now) {
+base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now,
+                                int version) {
     if (files.Exists(path))
         return {base::StatusCode::kAlreadyExists, "Database already exists.", 3204};
-    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, MakeEmptyDatabase(now));
+    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, MakeEmptyDatabase(now, version));
     base::Status written = WriteNewFile(files, path, bytes);
     if (!written.ok()) files.Remove(path).Ignore();
     return written;

@@ -16,6 +16,7 @@ using base::LoadLittle;
 using base::StoreLittle;
 
 constexpr std::uint32_t kBuildNumber = 9756;  // of the last engines that wrote the format
+constexpr std::uint32_t kBuildNumberJet3 = 3428;
 
 using Head = std::array<std::byte, kMaskStart + kMaskBytesJet4>;
 
@@ -92,27 +93,33 @@ base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page, std::st
     return header;
 }
 
-std::vector<std::byte> MakePageHeader(double created) {
-    std::vector<std::byte> page(FormatOf(4).page_size);
+std::vector<std::byte> MakePageHeader(int version, double created) {
+    std::vector<std::byte> page(FormatOf(version).page_size);
     std::byte* at = page.data();
     StoreLittle(at, kHeaderMark);
     std::memcpy(at + kSignatureAt, kSignature.data(), kSignature.size());
-    StoreLittle(at + kVersionAt, kVersionJet4);
+    StoreLittle(at + kVersionAt, version == 3 ? kVersionJet3 : kVersionJet4);
     StoreRowPointer(at + kGlobalMapAt, {1, 0});
     StoreRowPointer(at + kSecondMapAt, {1, 1});
     for (std::uint32_t system = 0; system < kSystemPages; ++system)
         StoreLittle(at + kSystemPagesAt + 4 * system, kObjectsPage + system);
     StoreLittle<std::uint16_t>(at + kCodePage, 1252);
-    StoreLittle(at + kBuild, kBuildNumber);
-    StoreLittle(at + kSortOrderAt, kSortOrderGeneral);
-    base::StoreDouble(at + kCreated, created);
-    ApplyPasswordMask(page);
-    ApplyMask(page, 4);
-    StoreLittle(at + kAfterMaskAt, kAfterMask);
-    std::memcpy(at + kFormatTextAt, kFormatText.data(), kFormatText.size());
+    if (version == 3) {
+        StoreLittle(at + kSortOrderAtJet3, kSortOrderGeneral);
+        StoreLittle(at + kBuildJet3, kBuildNumberJet3);
+    } else {
+        StoreLittle(at + kBuild, kBuildNumber);
+        StoreLittle(at + kSortOrderAt, kSortOrderGeneral);
+        base::StoreDouble(at + kCreated, created);
+        ApplyPasswordMask(page);
+        StoreLittle(at + kAfterMaskAt, kAfterMask);
+        std::memcpy(at + kFormatTextAt, kFormatText.data(), kFormatText.size());
+    }
+    ApplyMask(page, version);
+    const std::size_t words = version == 3 ? kCommitWordsJet3 : kCommitWordsJet4;
     for (std::size_t slot = 0; slot < kCommitWordCount; ++slot)
-        StoreLittle(at + kCommitWordsJet4 + 2 * slot, kNeutralCommitWord);
-    StoreLittle<std::uint16_t>(at + kCommitWordsJet4, kNeutralCommitWord + 1);
+        StoreLittle(at + words + 2 * slot, kNeutralCommitWord);
+    StoreLittle<std::uint16_t>(at + words, kNeutralCommitWord + 1);
     return page;
 }
 

@@ -30,7 +30,8 @@ std::optional<std::string_view> OtherFormat(std::span<const std::byte> head);
 base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page,
                                         std::string_view path_for_messages);
 
-// Page 0 of a new Jet 4 file. `created`: days since 1899-12-30, local time.
-std::vector<std::byte> MakePageHeader(double created);
+// Page 0 of a new file of the version, 3 or 4. `created`: days since 1899-12-30, local time;
+// version 3 has no place for it.
+std::vector<std::byte> MakePageHeader(int version, double created);
 
 }  // namespace jet

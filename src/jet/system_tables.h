@@ -6,11 +6,22 @@
 
 namespace jet {
 
-// The page that holds all their page maps.
-inline constexpr PageNumber kSystemMapPage = 6;
-inline constexpr PageNumber kFirstSystemIndex = 7;
-inline constexpr PageNumber kObjectsRows = 14;
-inline constexpr PageNumber kAccessRows = 15;
+// Where things lie in a new file, page 6 and later.
+struct SystemPages {
+    struct MapPage {
+        PageNumber page;
+        std::uint8_t rows;
+    };
+    // Pages of page maps, in the order in which the maps of the four tables fill them.
+    std::span<const MapPage> maps;
+    // The indexes of the four tables, one page each.
+    std::span<const PageNumber> index_roots;
+    PageNumber objects_rows;
+    PageNumber access_rows;
+    PageNumber page_count;
+};
+// Requires: version is 3 or 4.
+const SystemPages& SystemPagesOf(int version);
 
 // Column numbers of MSysACEs.
 enum AccessColumn : std::uint16_t {
@@ -31,8 +42,8 @@ enum RelationColumn : std::uint16_t {
     kRelationReferencedColumn = 7,
 };
 
-// MSysObjects, MSysACEs, MSysQueries, MSysRelationships of a new Jet 4 file: no rows yet.
-std::vector<TableDefinition> SystemTables();
+// MSysObjects, MSysACEs, MSysQueries, MSysRelationships of a new file of the version: no rows yet.
+std::vector<TableDefinition> SystemTables(int version);
 
 // The two-byte names of the users every file knows.
 inline constexpr std::uint16_t kSidEngine = 0x0302;  // bytes 02 03

@@ -1,10 +1,14 @@
 // A new file against the one that the engine itself wrote.
 #include "base/byte_reader.h"
+#include "base/unicode.h"
+#include "jet/check.h"
+#include "jet/connection.h"
 #include "jet/format.h"
 #include "jet/page_header.h"
 #include "jet/rc4.h"
 #include "jet/storage_support.h"
 #include "platform/file_system.h"
+#include "support/check_database.h"
 #include "support/faulty_file_system.h"
 
 #include <gtest/gtest.h>
@@ -89,6 +93,100 @@ TEST(DatabaseCreationTest, NewFileIsTheOneThatTheEngineWrites) {
     }
     EXPECT_EQ(differences, 0U);
 }
+
+// Parameter: the version of the format.
+class NewFileTest : public testing::TestWithParam<int> {
+protected:
+    void SetUp() override {
+        const base::Status created =
+            CreateDatabaseFile(*platform::MakeFileSystem(), path_, 45000.5, GetParam());
+        ASSERT_TRUE(created.ok()) << created.message();
+    }
+
+    TemporaryFolder folder_;
+    std::filesystem::path path_ = folder_.path() / "new.mdb";
+};
+
+TEST_P(NewFileTest, HasNoFaultAndNoTableOfAUser) {
+    const auto pages = LoadIntoMemory(path_);
+    EXPECT_EQ(pages->page_count(), GetParam() == 3 ? 20U : 16U);
+    const CheckReport report = CheckIntegrity(*pages, test_support::kOwnFile);
+    EXPECT_TRUE(test_support::PagesAreSound(*pages, test_support::kOwnFile));
+    EXPECT_EQ(report.warnings, 0U);
+    EXPECT_EQ(report.tables, 4U);
+    EXPECT_EQ(report.rows, 8U + 16U);
+    EXPECT_EQ(report.index_entries, 2U * 8U + 16U);
+    const auto database = OpenCopy(path_).value();
+    EXPECT_EQ(database->jet_version(), GetParam());
+    EXPECT_TRUE(database->TableNames().value().empty());
+}
+
+TEST_P(NewFileTest, OtherProgramsReadIt) {
+    EXPECT_EQ(OutputOf({"mdb-ver", path_.string()}), GetParam() == 3 ? "JET3\n" : "JET4\n");
+    EXPECT_EQ(OutputOf({"mdb-tables", "-S", "-1", path_.string()}),
+              "MSysObjects\nMSysACEs\nMSysQueries\nMSysRelationships\n");
+    const auto database = OpenCopy(path_).value();
+    // Other programs show Owner as it is stored.
+    const auto rows = ExportedRows(path_, "MSysACEs").value();
+    EXPECT_EQ(rows.size(), 16U);
+    EXPECT_EQ(ExportedRows(path_, "MSysQueries").value().size(), 0U);
+    CompareWithExport(path_, *database->FindTable(u"MSysRelationships").value());
+}
+
+// Version 3 knows no automatic scrambling: who owns what stands there as it is.
+TEST(NewFileOfVersion3Test, OwnersAreStoredPlain) {
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "new.mdb";
+    ASSERT_TRUE(CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5, 3).ok());
+    const auto names = ExportedNames(path, "MSysObjects");
+    const auto rows = ExportedRows(path, "MSysObjects").value();
+    const auto column_of = [&](const char* name) {
+        return static_cast<std::size_t>(std::ranges::find(names, name) - names.begin());
+    };
+    std::vector<std::string> owners;
+    for (const TextRow& row : rows)
+        owners.push_back(row[column_of("Name")].value() + " " + row[column_of("Owner")].value());
+    EXPECT_EQ(owners,
+              (std::vector<std::string>{"Tables 0203", "Databases 0203", "Relationships 0203",
+                                        "MSysDb 0301", "MSysObjects 0203", "MSysACEs 0203",
+                                        "MSysQueries 0203", "MSysRelationships 0203"}));
+}
+
+TEST(NewFileOfVersion3Test, TakesATableOfEveryTypeThatMdbToolsRead) {
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "new.mdb";
+    const auto files = platform::MakeFileSystem();
+    ASSERT_TRUE(CreateDatabaseFile(*files, path, 45000.5, 3).ok());
+    Connection connection(*files);
+    ASSERT_TRUE(connection.Open(u"Data Source=" + path.u16string()).ok());
+    for (const char16_t* sql :
+         {u"CREATE TABLE Games (ID COUNTER PRIMARY KEY, Name TEXT(100), Players BYTE, Made SHORT, "
+          u"Price MONEY, Weight SINGLE, Rating DOUBLE, Sold DATETIME, Solid YESNO, Tag BINARY(20), "
+          u"Mark GUID, Notes MEMO, Picture LONGBINARY)",
+          u"CREATE INDEX ByName ON Games (Name, Made DESC)",
+          u"INSERT INTO Games (Name, Players, Made, Price, Weight, Rating, Sold, Solid, Notes) "
+          u"VALUES ('Caf\u00E9', 4, 1988, 12.5, 0.25, 7.75, #5/6/1988#, True, 'Short')",
+          u"INSERT INTO Games (Name, Notes) VALUES ('Fathom', String(500, 'x'))",
+          u"INSERT INTO Games (Name, Notes) VALUES ('Taxi', String(9000, 'y'))"}) {
+        const auto done = connection.Execute(sql);
+        ASSERT_TRUE(done.ok()) << base::ToUtf8(sql) << done.status().message();
+    }
+    ASSERT_TRUE(connection.Close().ok());
+    EXPECT_TRUE(test_support::DatabaseIsSound(path, test_support::kOwnFile));
+    EXPECT_EQ(OutputOf({"mdb-tables", "-1", path.string()}), "Games\n");
+    const std::string schema = OutputOf({"mdb-schema", path.string()}).value_or("");
+    for (const char* part : {"[ID]", "Long Integer", "[Name]", "Text (100)", "Currency", "Single",
+                             "DateTime", "Boolean", "Memo/Hyperlink", "OLE"})
+        EXPECT_NE(schema.find(part), std::string::npos) << part << schema;
+    const auto database = OpenCopy(path).value();
+    Table& table = *database->FindTable(u"Games").value();
+    CompareWithExport(path, table);
+    EXPECT_EQ(AllRows(table).size(), 3U);
+    EXPECT_EQ(AllRows(table)[2][11], Value::Text(std::u16string(9000, u'y')));
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, NewFileTest, testing::Values(4, 3),
+                         [](const auto& version) { return "Jet" + std::to_string(version.param); });
 
 // Whatever fails, and by half: no file is left that would be taken for a catalogue.
 TEST(DatabaseCreationTest, AFailedCreationLeavesNothingBehind) {

@@ -26,18 +26,11 @@ constexpr std::size_t kLetters = 10;  // of a long name
 class DeepTreeTest : public testing::TestWithParam<int> {
 protected:
     void SetUp() override {
-        std::vector<std::byte> bytes;
-        if (GetParam() == 4) {
-            const TemporaryFolder folder;
-            const auto path = folder.path() / "new.mdb";
-            ASSERT_TRUE(CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5).ok());
-            bytes = ReadWholeFile(path);
-        } else {
-            const auto samples = SampleFolder();
-            if (!samples) GTEST_SKIP() << "no sample files on this machine";
-            bytes = ReadWholeFile(*samples / "mdb" / "a97-tables.mdb");
-        }
-        Open(std::move(bytes));
+        const TemporaryFolder folder;
+        const auto path = folder.path() / "new.mdb";
+        ASSERT_TRUE(
+            CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5, GetParam()).ok());
+        Open(ReadWholeFile(path));
         TableDesign design;
         design.name = u"Keys";
         design.columns = {Column(u"ID", ColumnType::kLong),

@@ -42,15 +42,7 @@ void CreateDeepTable(Database& database) {
 class DeepWorkloadTest : public testing::TestWithParam<int> {
 protected:
     void SetUp() override {
-        std::vector<std::byte> bytes;
-        if (GetParam() == 4) {
-            bytes = NewFile();
-        } else {
-            const auto samples = SampleFolder();
-            if (!samples) GTEST_SKIP() << "no sample files on this machine";
-            bytes = ReadWholeFile(*samples / "mdb" / "a97-tables.mdb");
-        }
-        workload_ = std::make_unique<Workload>(WithTables(std::move(bytes), CreateDeepTable),
+        workload_ = std::make_unique<Workload>(WithTables(NewFile(GetParam()), CreateDeepTable),
                                                "deep.mdb", std::vector<std::u16string>{kTable});
         workload_->MakeTextsLong();
         // Fewer than fill a tree of five levels, and more than one of two levels holds.

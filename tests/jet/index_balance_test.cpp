@@ -18,16 +18,11 @@ constexpr std::size_t kByName = 1;
 class IndexBalanceTest : public testing::TestWithParam<int> {
 protected:
     void SetUp() override {
-        if (GetParam() == 4) {
-            const TemporaryFolder folder;
-            const auto path = folder.path() / "new.mdb";
-            ASSERT_TRUE(CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5).ok());
-            Open(OpenCopy(path));
-        } else {
-            const auto samples = SampleFolder();
-            if (!samples) GTEST_SKIP() << "no sample files on this machine";
-            Open(OpenCopy(*samples / "mdb" / "a97-tables.mdb"));
-        }
+        const TemporaryFolder folder;
+        const auto path = folder.path() / "new.mdb";
+        ASSERT_TRUE(
+            CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5, GetParam()).ok());
+        Open(OpenCopy(path));
     }
     void TearDown() override {
         if (database_ == nullptr) return;

@@ -14,14 +14,8 @@ namespace {
 class RelationTest : public testing::TestWithParam<int> {
 protected:
     void SetUp() override {
-        if (GetParam() == 4) {
-            const base::Status created = CreateDatabaseFile(*files_, path_, 45000.5);
-            ASSERT_TRUE(created.ok()) << created.message();
-        } else {
-            const auto samples = SampleFolder();
-            if (!samples) GTEST_SKIP() << "no sample files on this machine";
-            std::filesystem::copy_file(*samples / "mdb" / "a97-tables.mdb", path_);
-        }
+        const base::Status created = CreateDatabaseFile(*files_, path_, 45000.5, GetParam());
+        ASSERT_TRUE(created.ok()) << created.message();
         Open();
     }
     void TearDown() override {

@@ -38,18 +38,12 @@ void PrintTo(const FileKind& kind, std::ostream* out) {
 class SecondHandTest : public testing::TestWithParam<FileKind> {
 protected:
     void SetUp() override {
-        std::vector<std::byte> bytes;
-        if (IsNew()) {
-            const TemporaryFolder folder;
-            const auto path = folder.path() / "new.mdb";
-            ASSERT_TRUE(CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5).ok());
-            bytes = ReadWholeFile(path);
-        } else {
-            const auto samples = SampleFolder();
-            if (!samples) GTEST_SKIP() << "no sample files on this machine";
-            bytes = ReadWholeFile(*samples / "mdb" / "a97-tables.mdb");
-        }
-        Open(std::move(bytes));
+        const TemporaryFolder folder;
+        const auto path = folder.path() / "new.mdb";
+        ASSERT_TRUE(
+            CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5, GetParam().version)
+                .ok());
+        Open(ReadWholeFile(path));
         TableDesign design;
         design.name = u"Keys";
         design.columns = {Column(u"ID", ColumnType::kLong), Column(u"Name", ColumnType::kText, 255),

@@ -348,11 +348,11 @@ void ExpectABitOfEverything(const Workload& workload) {
     testing::Test::RecordProperty("refused", refused);
 }
 
-std::vector<std::byte> NewFile() {
+std::vector<std::byte> NewFile(int version) {
     const TemporaryFolder folder;
     const auto path = folder.path() / "new.mdb";
     const auto files = platform::MakeFileSystem();
-    const base::Status created = CreateDatabaseFile(*files, path, 45000.5);
+    const base::Status created = CreateDatabaseFile(*files, path, 45000.5, version);
     EXPECT_TRUE(created.ok()) << created.message();
     return ReadWholeFile(path);
 }

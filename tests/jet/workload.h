@@ -92,8 +92,8 @@ void ExpectABitOfEverything(const Workload& workload);
 // at most.
 void CompareWithExports(Workload& workload, std::size_t left_behind = 0);
 
-// A file as the engine makes it.
-std::vector<std::byte> NewFile();
+// A file of the version as the engine makes it.
+std::vector<std::byte> NewFile(int version = 4);
 // `bytes` with tables of the test's own in it.
 std::vector<std::byte> WithTables(std::vector<std::byte> bytes,
                                   const std::function<void(Database&)>& create);
