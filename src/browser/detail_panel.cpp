@@ -1,14 +1,11 @@
 #include "browser/detail_panel.h"
 
 #include "base/scope_guards.h"
-#include "browser/detail_controls.h"
 #include "browser/notes_summary.h"
 #include "browser/rules_file.h"
-#include "browser/table_record.h"
 #include "catalogue/error_report.h"
 #include "platform/files.h"
 #include "tableinfo/storage_tools.h"
-#include "widgets/picture_sequence.h"
 
 namespace browser {
 namespace {
@@ -39,69 +36,25 @@ platform::Message DeleteQuestion() {
 
 }  // namespace
 
-class DetailPanel::Impl {
-public:
-    Impl(DetailPanel& panel, catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-         DetailHost& host)
-        : catalogue_(catalogue), prompts_(prompts), host_(host),
-          controls_(BuildDetailControls(&panel)) {
-        ConnectFields();
-        ConnectButtons();
-    }
+DetailPanel::DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                         DetailHost& host, QWidget* parent)
+    : QWidget(parent), catalogue_(catalogue), prompts_(prompts), host_(host),
+      controls_(BuildDetailControls(this)) {
+    ConnectFields();
+    ConnectButtons();
+}
 
-    void ShowTableDetails(const QString& file_name);
-    void ClearTableDetails();
-    void SetRecordChanged(bool changed);
-    bool record_changed() const { return !controls_.pnlAlert->isHidden(); }
-    void Save();
-    void SaveRules();
-    void Delete();
-    QString NotesSummary(const QString& file_name);
-
-    DetailControls& controls() { return controls_; }
-
-private:
-    jet::Connection& connection() { return *catalogue_.CatalogueConnection; }
-
-    void ConnectFields();
-    void ConnectButtons();
-
-    bool FillFields(const QString& file_name);
-    bool SayFailure(const base::Status& failure);
-    void ShowRecord(const TableRecord& record);
-    void ShowPictures();
-    PictureSource FileIn(DetailField field) const;
-    widgets::PictureStep ScreenshotStep() const;
-    QSize RoomOfHiddenPictures() const;
-
-    void MarkEdited();
-    TableRecord EditedRecord() const;
-    void GoToField(DetailField field);
-    void EndEdit(const QString& file_name);
-    void Cancel();
-    void ChoosePicture(DetailField field, const QString& title);
-    void ReadRules();
-    void Report(const base::Status& status);
-
-    catalogue::Catalogue& catalogue_;
-    platform::UserPrompts& prompts_;
-    DetailHost& host_;
-    DetailControls controls_;
-    bool LoadingDetails = false;
-    widgets::PictureSequence pictures_;
-};
-
-void DetailPanel::Impl::ConnectFields() {
+void DetailPanel::ConnectFields() {
     const auto edited = [this] { MarkEdited(); };
     for (const TextBox& box : controls_.txtDet)
         box.OnChange(edited);
     for (QCheckBox* box : {controls_.chkFavorite, controls_.chkPinMame})
-        QObject::connect(box, &QCheckBox::toggled, box, edited);
+        connect(box, &QCheckBox::toggled, box, edited);
 }
 
-void DetailPanel::Impl::ConnectButtons() {
+void DetailPanel::ConnectButtons() {
     const auto on_click = [](QAbstractButton* button, auto action) {
-        QObject::connect(button, &QAbstractButton::clicked, button, action);
+        connect(button, &QAbstractButton::clicked, button, action);
     };
     on_click(controls_.cmdChange, [this] { Save(); });
     on_click(controls_.cmdCancel, [this] { Cancel(); });
@@ -118,13 +71,13 @@ void DetailPanel::Impl::ConnectButtons() {
              [this] { ChoosePicture(kRulesFile, QStringLiteral("Select Rules File")); });
 }
 
-void DetailPanel::Impl::ShowTableDetails(const QString& file_name) {
+void DetailPanel::ShowTableDetails(const QString& file_name) {
     ClearTableDetails();
     if (!FillFields(file_name)) return;
     ShowPictures();
 }
 
-bool DetailPanel::Impl::FillFields(const QString& file_name) {
+bool DetailPanel::FillFields(const QString& file_name) {
     const base::ScopedFlag loading(LoadingDetails);
     TableRecord record;
     const base::Status loaded = LoadTableRecord(connection(), file_name, record);
@@ -138,20 +91,20 @@ bool DetailPanel::Impl::FillFields(const QString& file_name) {
 
 // In the status bar, where the name of the table would stand. That there is no such row is no
 // failure: the panel is empty and says so. False, for the caller to return.
-bool DetailPanel::Impl::SayFailure(const base::Status& failure) {
+bool DetailPanel::SayFailure(const base::Status& failure) const {
     if (failure.number() != kNoCurrentRecord)
         host_.SetStatusText(kFailurePanel, QString::fromStdString(failure.message()));
     return false;
 }
 
-QString DetailPanel::Impl::NotesSummary(const QString& file_name) {
+QString DetailPanel::NotesSummary(const QString& file_name) const {
     auto summary = browser::NotesSummary(connection(), file_name);
     if (summary.ok()) return *summary;
     SayFailure(summary.status());
     return {};
 }
 
-void DetailPanel::Impl::ShowRecord(const TableRecord& record) {
+void DetailPanel::ShowRecord(const TableRecord& record) {
     for (std::size_t i = 0; i < record.fields.size(); ++i)
         controls_.txtDet[i].SetText(record.fields[i]);
     controls_.chkPinMame->setChecked(record.pin_mame);
@@ -165,13 +118,13 @@ void DetailPanel::Impl::ShowRecord(const TableRecord& record) {
 }
 
 // The file that a field names; empty: it names none that can be used.
-PictureSource DetailPanel::Impl::FileIn(DetailField field) const {
+PictureSource DetailPanel::FileIn(DetailField field) const {
     const QString path = controls_.txtDet[field].Text();
     return IsUsablePictureFile(path) ? PictureSource::File(path) : PictureSource();
 }
 
 // The screenshot inside the table file is a second choice: its damage ends nothing.
-widgets::PictureStep DetailPanel::Impl::ScreenshotStep() const {
+widgets::PictureStep DetailPanel::ScreenshotStep() const {
     if (auto file = FileIn(kImageFile); !file.is_empty())
         return {controls_.imgShot, std::move(file), kLoadingScreenShot};
     const auto bytes = tableinfo::LoadTableScreenshot(controls_.txtDet[kFileName].Text());
@@ -180,12 +133,12 @@ widgets::PictureStep DetailPanel::Impl::ScreenshotStep() const {
 }
 
 // All tabs are of the size of the one in front.
-QSize DetailPanel::Impl::RoomOfHiddenPictures() const {
+QSize DetailPanel::RoomOfHiddenPictures() const {
     const QWidget* page = controls_.DetTab->currentWidget();
     return (QSizeF(page->size()) * page->devicePixelRatioF()).toSize();
 }
 
-void DetailPanel::Impl::ShowPictures() {
+void DetailPanel::ShowPictures() {
     pictures_.Start({ScreenshotStep(),
                      {controls_.imgFlyer, FileIn(kFlyerFile), kLoadingFlyer},
                      {controls_.imgRules, FileIn(kRulesFile), kLoadingRules}},
@@ -193,7 +146,7 @@ void DetailPanel::Impl::ShowPictures() {
     controls_.DetTab->setEnabled(true);
 }
 
-void DetailPanel::Impl::ClearTableDetails() {
+void DetailPanel::ClearTableDetails() {
     const base::ScopedFlag loading(LoadingDetails);
     for (TextBox& box : controls_.txtDet)
         box.SetText({});
@@ -207,11 +160,11 @@ void DetailPanel::Impl::ClearTableDetails() {
     host_.SetComments({});
 }
 
-void DetailPanel::Impl::MarkEdited() {
+void DetailPanel::MarkEdited() {
     if (!LoadingDetails) SetRecordChanged(true);
 }
 
-void DetailPanel::Impl::SetRecordChanged(bool changed) {
+void DetailPanel::SetRecordChanged(bool changed) {
     controls_.pnlAlert->hide();
     host_.LockForEdit(changed);
     for (int tab = 0; tab < kDetailTabCount; ++tab)
@@ -226,7 +179,7 @@ void DetailPanel::Impl::SetRecordChanged(bool changed) {
     controls_.pnlAlert->show();
 }
 
-TableRecord DetailPanel::Impl::EditedRecord() const {
+TableRecord DetailPanel::EditedRecord() const {
     TableRecord record;
     for (std::size_t i = 0; i < record.fields.size(); ++i)
         record.fields[i] = controls_.txtDet[i].Text();
@@ -236,7 +189,7 @@ TableRecord DetailPanel::Impl::EditedRecord() const {
 }
 
 // The field's tab becomes the one that stays usable.
-void DetailPanel::Impl::GoToField(DetailField field) {
+void DetailPanel::GoToField(DetailField field) {
     if (controls_.DetTab->currentIndex() != kDetailsTab) {
         controls_.DetTab->setTabEnabled(kDetailsTab, true);
         controls_.DetTab->setCurrentIndex(kDetailsTab);
@@ -245,7 +198,7 @@ void DetailPanel::Impl::GoToField(DetailField field) {
     controls_.txtDet[field].FocusAndSelectAll();
 }
 
-void DetailPanel::Impl::Save() {
+void DetailPanel::Save() {
     const TableRecord record = EditedRecord();
     if (record.fields[kId].isEmpty()) return;
     if (const auto field = FirstMissingFile(record)) {
@@ -257,7 +210,7 @@ void DetailPanel::Impl::Save() {
     EndEdit(record.fields[kFileName]);
 }
 
-void DetailPanel::Impl::SaveRules() {
+void DetailPanel::SaveRules() {
     const QString id = controls_.txtDet[kId].Text();
     if (id.isEmpty()) return;
     const auto saved = SaveRulesText(connection(), id, controls_.txtDet[kRulesText].Text());
@@ -266,18 +219,18 @@ void DetailPanel::Impl::SaveRules() {
 }
 
 // Shows what was stored.
-void DetailPanel::Impl::EndEdit(const QString& file_name) {
+void DetailPanel::EndEdit(const QString& file_name) {
     SetRecordChanged(false);
     host_.RememberSelectedNode();
     ShowTableDetails(file_name);
 }
 
-void DetailPanel::Impl::Cancel() {
+void DetailPanel::Cancel() {
     ShowTableDetails(host_.SelectedTag());
     SetRecordChanged(false);
 }
 
-void DetailPanel::Impl::Delete() {
+void DetailPanel::Delete() {
     const QString id = controls_.txtDet[kId].Text();
     if (id.isEmpty()) return;
     if (prompts_.Ask(DeleteQuestion()) != platform::MessageAnswer::kYes) return;
@@ -286,7 +239,7 @@ void DetailPanel::Impl::Delete() {
     host_.RefreshTree();
 }
 
-void DetailPanel::Impl::ChoosePicture(DetailField field, const QString& title) {
+void DetailPanel::ChoosePicture(DetailField field, const QString& title) {
     platform::FileDialog dialog;
     dialog.name = QStringLiteral("ComDialog");
     dialog.title = title;
@@ -299,7 +252,7 @@ void DetailPanel::Impl::ChoosePicture(DetailField field, const QString& title) {
     controls_.txtDet[field].SetText(chosen);
 }
 
-void DetailPanel::Impl::ReadRules() {
+void DetailPanel::ReadRules() {
     platform::FileDialog dialog;
     dialog.name = QStringLiteral("ComDialog");
     dialog.title = QStringLiteral("Select Rules File");
@@ -311,66 +264,36 @@ void DetailPanel::Impl::ReadRules() {
     controls_.txtDet[kRulesText].SetText(*text);
 }
 
-void DetailPanel::Impl::Report(const base::Status& status) {
+void DetailPanel::Report(const base::Status& status) {
     catalogue::ShowError(prompts_, status);
 }
 
-DetailPanel::DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                         DetailHost& host, QWidget* parent)
-    : QWidget(parent), impl_(std::make_unique<Impl>(*this, catalogue, prompts, host)) {}
-
-DetailPanel::~DetailPanel() = default;
-
-void DetailPanel::ShowTableDetails(const QString& file_name) {
-    impl_->ShowTableDetails(file_name);
-}
-
-void DetailPanel::ClearTableDetails() {
-    impl_->ClearTableDetails();
-}
-
-void DetailPanel::SetRecordChanged(bool changed) {
-    impl_->SetRecordChanged(changed);
+jet::Connection& DetailPanel::connection() const {
+    return *catalogue_.CatalogueConnection;
 }
 
 bool DetailPanel::record_changed() const {
-    return impl_->record_changed();
+    return !controls_.pnlAlert->isHidden();
 }
 
 QString DetailPanel::DetailText(int index) const {
-    return impl_->controls().txtDet.at(At(index)).Text();
+    return controls_.txtDet.at(At(index)).Text();
 }
 
 void DetailPanel::SetDetailText(int index, const QString& text) {
-    impl_->controls().txtDet.at(At(index)).SetText(text);
+    controls_.txtDet.at(At(index)).SetText(text);
 }
 
 bool DetailPanel::FavoriteChecked() const {
-    return impl_->controls().chkFavorite->isChecked();
-}
-
-void DetailPanel::Save() {
-    impl_->Save();
-}
-
-void DetailPanel::SaveRules() {
-    impl_->SaveRules();
-}
-
-void DetailPanel::Delete() {
-    impl_->Delete();
+    return controls_.chkFavorite->isChecked();
 }
 
 int DetailPanel::CurrentTab() const {
-    return impl_->controls().DetTab->currentIndex();
+    return controls_.DetTab->currentIndex();
 }
 
 void DetailPanel::SetCurrentTab(int tab) {
-    impl_->controls().DetTab->setCurrentIndex(tab);
-}
-
-QString DetailPanel::NotesSummary(const QString& file_name) const {
-    return impl_->NotesSummary(file_name);
+    controls_.DetTab->setCurrentIndex(tab);
 }
 
 }  // namespace browser

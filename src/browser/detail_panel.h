@@ -3,13 +3,14 @@
 // DetailHost only.
 #pragma once
 
+#include "browser/detail_controls.h"
 #include "browser/status_panels.h"
+#include "browser/table_record.h"
 #include "catalogue/pin_subs.h"
 #include "platform/user_prompts.h"
+#include "widgets/picture_sequence.h"
 
 #include <QtWidgets/QWidget>
-
-#include <memory>
 
 namespace browser {
 
@@ -43,7 +44,6 @@ public:
     // All arguments are borrowed and outlive the panel.
     DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, DetailHost& host,
                 QWidget* parent = nullptr);
-    ~DetailPanel() override;
 
     void ShowTableDetails(const QString& file_name);
     void ClearTableDetails();
@@ -67,8 +67,33 @@ public:
     QString NotesSummary(const QString& file_name) const;
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl_;
+    void ConnectFields();
+    void ConnectButtons();
+    jet::Connection& connection() const;
+
+    bool FillFields(const QString& file_name);
+    bool SayFailure(const base::Status& failure) const;
+    void ShowRecord(const TableRecord& record);
+    void ShowPictures();
+    widgets::PictureSource FileIn(DetailField field) const;
+    widgets::PictureStep ScreenshotStep() const;
+    QSize RoomOfHiddenPictures() const;
+
+    void MarkEdited();
+    TableRecord EditedRecord() const;
+    void GoToField(DetailField field);
+    void EndEdit(const QString& file_name);
+    void Cancel();
+    void ChoosePicture(DetailField field, const QString& title);
+    void ReadRules();
+    void Report(const base::Status& status);
+
+    catalogue::Catalogue& catalogue_;
+    platform::UserPrompts& prompts_;
+    DetailHost& host_;
+    DetailControls controls_;
+    bool LoadingDetails = false;
+    widgets::PictureSequence pictures_;
 };
 
 }  // namespace browser
