@@ -1,5 +1,6 @@
 #include "browser/favourites.h"
 
+#include "browser/table_tree_model.h"
 #include "catalogue/pin_subs.h"
 
 namespace browser {
@@ -14,17 +15,14 @@ QString ToggleStatement(bool is_favorite, const QString& display_name) {
 
 }  // namespace
 
-base::Status ToggleFavorites(jet::Connection& connection, FavouritesHost& host) {
-    if (host.TreeIsEmpty()) return {};
-    const QString tag = host.SelectedTag();
-    if (tag == QStringLiteral("X")) return {};
-    const QString sql = ToggleStatement(host.FavoriteChecked(), host.SelectedText());
-    const auto done = connection.Execute(sql.toStdU16String());
-    if (!done.ok()) return done.status();
-    host.SetSelectedNodeIcon(QStringLiteral("favorite"));
-    host.ShowTableDetails(tag);
-    if (host.FilterText() == QStringLiteral("Favorites")) host.SelectFilterAll();
-    return {};
+base::Result<FavoritesToggle> ToggleFavorites(jet::Connection& connection,
+                                              const ShownSelection& shown) {
+    if (shown.tree_is_empty || shown.tag == kDetailTag) return FavoritesToggle{};
+    const QString sql = ToggleStatement(shown.favorite_checked, shown.text);
+    const auto updated = connection.Execute(sql.toStdU16String());
+    if (!updated.ok()) return updated.status();
+    return FavoritesToggle{.done = true,
+                           .leaves_filter = shown.filter_text == QStringLiteral("Favorites")};
 }
 
 }  // namespace browser

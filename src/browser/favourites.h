@@ -8,29 +8,25 @@
 
 namespace browser {
 
-// What the command needs of the window: its tree, its detail panel, its filter.
-class FavouritesHost {
-public:
-    virtual ~FavouritesHost() = default;
-    virtual bool TreeIsEmpty() const = 0;
-    // Of the selected node.
-    virtual QString SelectedTag() const = 0;
-    virtual QString SelectedText() const = 0;
-    // The state of chkFavorite.
-    virtual bool FavoriteChecked() const = 0;
-    // Gives the selected node an icon of the list by its key.
-    virtual void SetSelectedNodeIcon(const QString& key) = 0;
-    virtual void ShowTableDetails(const QString& file_name) = 0;
-    // The shown text of cboFilter.
-    virtual QString FilterText() const = 0;
-    // Chooses the item "All" of cboFilter, with everything that such a choice does.
-    virtual void SelectFilterAll() = 0;
+// What the main window shows when the command is chosen.
+struct ShownSelection {
+    bool tree_is_empty = false;
+    QString tag;                    // of the selected node
+    QString text;                   // of the selected node
+    bool favorite_checked = false;  // chkFavorite
+    QString filter_text;            // of cboFilter
 };
 
-// Flips the flag of every row that has the selected node's text as its DisplayName, gives the node
-// the favourite icon (in both directions), reloads the details and leaves the filter "Favorites".
-// Nothing happens on an empty tree or on a detail line. On failure nothing has changed; the
-// engine's error is returned.
-base::Status ToggleFavorites(jet::Connection& connection, FavouritesHost& host);
+// What the main window shows afterwards.
+struct FavoritesToggle {
+    bool done = false;           // the node gets the icon "favorite", its details are shown again
+    bool leaves_filter = false;  // then the item "All" of cboFilter is chosen
+    bool operator==(const FavoritesToggle&) const = default;
+};
+
+// Flips the flag of every row that has the selected node's text as its DisplayName. Does nothing on
+// an empty tree or a detail line. A failure is the engine's; then no row has changed.
+base::Result<FavoritesToggle> ToggleFavorites(jet::Connection& connection,
+                                              const ShownSelection& shown);
 
 }  // namespace browser

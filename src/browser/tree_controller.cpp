@@ -1,5 +1,6 @@
 #include "browser/tree_controller.h"
 
+#include "browser/favourites.h"
 #include "catalogue/error_report.h"
 #include "platform/files.h"
 
@@ -102,38 +103,24 @@ void TreeController::KeyPress() {
 }
 
 void TreeController::ShowPopup(int x_twips, const QPoint& position) {
-    if (OpensPopup(parts_.model, parts_.tree.currentIndex(), x_twips))
-        parts_.menu.Menu(QStringLiteral("mnufavorites"))->popup(position);
+    if (OpensPopup(parts_.model, parts_.tree.currentIndex(), x_twips)) parts_.menu.Menu(QStringLiteral("mnufavorites"))->popup(position);
 }
 
 void TreeController::ToggleSelectedFavorite() {
-    if (!TableIsSelected()) return;
-    catalogue::ShowError(parts_.prompts,
-                         ToggleFavorites(*parts_.catalogue.CatalogueConnection, *this));
-}
-
-bool TreeController::TreeIsEmpty() const {
-    return !parts_.model.has_nodes();
-}
-
-bool TreeController::FavoriteChecked() const {
-    return parts_.details.FavoriteChecked();
-}
-
-void TreeController::SetSelectedNodeIcon(const QString& key) {
-    parts_.model.SetTableIcon(parts_.tree.currentIndex(), key);
-}
-
-void TreeController::ShowTableDetails(const QString& file_name) {
-    parts_.details.ShowTableDetails(file_name);
-}
-
-QString TreeController::FilterText() const {
-    return parts_.filter_bar.FilterText();
-}
-
-void TreeController::SelectFilterAll() {
-    parts_.filter_bar.Choose(QStringLiteral("All"));
+    const QModelIndex selected = parts_.tree.currentIndex();
+    if (!IsTable(selected)) return;
+    const QString tag = SelectedTag();
+    const auto toggled = ToggleFavorites(*parts_.catalogue.CatalogueConnection,
+                                         {.tree_is_empty = !parts_.model.has_nodes(),
+                                          .tag = tag,
+                                          .text = SelectedText(),
+                                          .favorite_checked = parts_.details.FavoriteChecked(),
+                                          .filter_text = parts_.filter_bar.FilterText()});
+    if (!toggled.ok()) return catalogue::ShowError(parts_.prompts, toggled.status());
+    if (!toggled->done) return;
+    parts_.model.SetTableIcon(selected, QStringLiteral("favorite"));
+    parts_.details.ShowTableDetails(tag);
+    if (toggled->leaves_filter) parts_.filter_bar.Choose(QStringLiteral("All"));
 }
 
 }  // namespace browser

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "browser/detail_panel.h"
-#include "browser/favourites.h"
 #include "browser/filter_bar.h"
 #include "browser/main_menu.h"
 #include "browser/table_tree_model.h"
@@ -19,7 +18,7 @@ inline constexpr int kPopupLimitTwips = 2350;
 // Whether a right click on the tree opens the pop-up menu.
 bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_twips);
 
-class TreeController : public QObject, private FavouritesHost {
+class TreeController : public QObject {
     Q_OBJECT
 
 public:
@@ -43,9 +42,9 @@ public:
 
     void SetPlayTable(PlayTable play) { play_table_ = std::move(play); }
 
-    // FavouritesHost, too. Of the selected node; empty: none is.
-    QString SelectedTag() const override;
-    QString SelectedText() const override;
+    // Of the selected node; empty when no node is selected.
+    QString SelectedTag() const;
+    QString SelectedText() const;
     // A table, and neither the root nor a detail line, is selected.
     bool TableIsSelected() const { return IsTable(parts_.tree.currentIndex()); }
 
@@ -65,14 +64,6 @@ public:
     void ToggleSelectedFavorite();
 
 private:
-    // FavouritesHost
-    bool TreeIsEmpty() const override;
-    bool FavoriteChecked() const override;
-    void SetSelectedNodeIcon(const QString& key) override;
-    void ShowTableDetails(const QString& file_name) override;
-    QString FilterText() const override;
-    void SelectFilterAll() override;
-
     void ConnectTree();
     void NodeClick(const QModelIndex& index);
     void KeyPress();

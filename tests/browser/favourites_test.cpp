@@ -2,31 +2,8 @@
 
 #include "support/catalogue_fixture.h"
 
-#include <QtCore/QStringList>
-
 namespace browser {
 namespace {
-
-class FakeFavouritesHost final : public FavouritesHost {
-public:
-    bool empty = false;
-    QString tag = QStringLiteral("/a.vpt");
-    QString text = QStringLiteral("Attack");
-    bool checked = false;
-    QString filter = QStringLiteral("All");
-    QStringList steps;
-
-    bool TreeIsEmpty() const override { return empty; }
-    QString SelectedTag() const override { return tag; }
-    QString SelectedText() const override { return text; }
-    bool FavoriteChecked() const override { return checked; }
-    void SetSelectedNodeIcon(const QString& key) override {
-        steps << QStringLiteral("icon ") + key;
-    }
-    void ShowTableDetails(const QString& file) override { steps << QStringLiteral("show ") + file; }
-    QString FilterText() const override { return filter; }
-    void SelectFilterAll() override { steps << QStringLiteral("all"); }
-};
 
 class FavouritesTest : public test_support::CatalogueFixture {
 protected:
@@ -36,30 +13,32 @@ protected:
                     .arg(catalogue::QuoteSql(name), file,
                          favorite ? QStringLiteral("true") : QStringLiteral("false")));
     }
-    void Toggle() {
-        const auto done = ToggleFavorites(*connection, host);
-        EXPECT_TRUE(done.ok()) << done.message();
+    FavoritesToggle Toggle() {
+        const auto toggled = ToggleFavorites(*connection, shown);
+        EXPECT_TRUE(toggled.ok()) << toggled.status().message();
+        return toggled.value_or({});
     }
     QString Favorites() {
         return Scalar(QStringLiteral("select count(*) from tables where Favorite = true"));
     }
-    FakeFavouritesHost host;
+    ShownSelection shown{.tag = QStringLiteral("/a.vpt"),
+                         .text = QStringLiteral("Attack"),
+                         .filter_text = QStringLiteral("All")};
 };
 
 TEST_F(FavouritesTest, AnUncheckedTableBecomesAFavourite) {
     Add(QStringLiteral("Attack"), QStringLiteral("/a.vpt"), false);
-    Toggle();
+    const FavoritesToggle toggled = Toggle();
     EXPECT_EQ(Favorites(), QStringLiteral("1"));
-    EXPECT_EQ(host.steps,
-              QStringList({QStringLiteral("icon favorite"), QStringLiteral("show /a.vpt")}));
+    EXPECT_EQ(toggled, (FavoritesToggle{.done = true, .leaves_filter = false}));
 }
 
 TEST_F(FavouritesTest, ACheckedOneIsNoneAnyMoreAndGetsTheFavouriteIconAllTheSame) {
     Add(QStringLiteral("Attack"), QStringLiteral("/a.vpt"), true);
-    host.checked = true;
-    Toggle();
+    shown.favorite_checked = true;
+    const FavoritesToggle toggled = Toggle();
     EXPECT_EQ(Favorites(), QStringLiteral("0"));
-    EXPECT_EQ(host.steps.first(), QStringLiteral("icon favorite"));
+    EXPECT_TRUE(toggled.done);
 }
 
 TEST_F(FavouritesTest, EveryRowWithTheNameChanges) {
@@ -71,35 +50,32 @@ TEST_F(FavouritesTest, EveryRowWithTheNameChanges) {
 }
 
 TEST_F(FavouritesTest, ANameWithAnApostropheIsFound) {
-    host.text = QStringLiteral("Bob's 'Table'");
-    Add(host.text, QStringLiteral("/a.vpt"), false);
+    shown.text = QStringLiteral("Bob's 'Table'");
+    Add(shown.text, QStringLiteral("/a.vpt"), false);
     Toggle();
     EXPECT_EQ(Favorites(), QStringLiteral("1"));
 }
 
 TEST_F(FavouritesTest, NothingHappensOnADetailLineOrAnEmptyTree) {
     Add(QStringLiteral("Attack"), QStringLiteral("/a.vpt"), false);
-    host.tag = QStringLiteral("X");
-    Toggle();
-    host.tag = QStringLiteral("/a.vpt");
-    host.empty = true;
-    Toggle();
+    shown.tag = QStringLiteral("X");
+    EXPECT_EQ(Toggle(), FavoritesToggle{});
+    shown.tag = QStringLiteral("/a.vpt");
+    shown.tree_is_empty = true;
+    EXPECT_EQ(Toggle(), FavoritesToggle{});
     EXPECT_EQ(Favorites(), QStringLiteral("0"));
-    EXPECT_TRUE(host.steps.isEmpty());
 }
 
 TEST_F(FavouritesTest, TheFilterFavoritesIsLeft) {
     Add(QStringLiteral("Attack"), QStringLiteral("/a.vpt"), true);
-    host.checked = true;
-    host.filter = QStringLiteral("Favorites");
-    Toggle();
-    EXPECT_EQ(host.steps.last(), QStringLiteral("all"));
+    shown.favorite_checked = true;
+    shown.filter_text = QStringLiteral("Favorites");
+    EXPECT_TRUE(Toggle().leaves_filter);
 }
 
-TEST_F(FavouritesTest, AFailureIsReportedAndNothingIsShown) {
+TEST_F(FavouritesTest, AFailureIsReported) {
     ASSERT_TRUE(connection->Close().ok());
-    EXPECT_FALSE(ToggleFavorites(*connection, host).ok());
-    EXPECT_TRUE(host.steps.isEmpty());
+    EXPECT_FALSE(ToggleFavorites(*connection, shown).ok());
 }
 
 }  // namespace
