@@ -17,12 +17,6 @@
 #include "platform/application_folder.h"
 
 namespace app {
-namespace {
-
-// The detail field of the screenshot's path.
-constexpr int kImageFileField = 7;
-
-}  // namespace
 
 Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                    const OutsideWorld& outside, browser::frmPinball& window)
@@ -31,11 +25,7 @@ Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& promp
       launcher_({catalogue, outside_.windows, outside_.programs, outside_.sounds, events_, splash_,
                  prompts},
                 WindowActions()) {
-    AttachScan();
-    AttachUtilities();
-    AttachCatalogueDialogs();
-    AttachHelp();
-    AttachPictures();
+    window_.SetActions(Actions());
     AttachPlay();
     window_.SetBeforeUnload([this] {
         launcher_.EndWatches();
@@ -48,72 +38,68 @@ maintenance::CommandContext Commands::Context() {
             [this](std::int64_t done, std::int64_t total) { window_.ShowProgress(done, total); }};
 }
 
-void Commands::AttachScan() {
-    window_.SetCommand(QStringLiteral("mnuTblScan"), [this] {
-        discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec();
-    });
-    window_.SetCommand(QStringLiteral("mnuVPT"), [this] {
-        browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_,
-                                    Context().progress);
-    });
+browser::CommandActions Commands::Actions() {
+    return {
+        .scan_for_tables =
+            [this] { discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec(); },
+        .set_executable = [this] { AskForExecutable(); },
+        .reset_file_dates = [this] { maintenance::UpdateFileDates(Context()); },
+        .reset_times_played = [this] { maintenance::ResetTimesPlayed(Context()); },
+        .reset_paths =
+            [this] {
+                maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
+            },
+        .update_crcs = [this] { UpdateCrcs(); },
+        .import_from_table_files = [this] { ImportFromTableFiles(); },
+        .import_launcher_data = [this] { ImportLauncherData(); },
+        .purge_missing_tables = [this] { maintenance::PurgeMissingTables(Context()); },
+        .back_up = [this] { maintenance::BackupData(Context(), window_.windowTitle()); },
+        .show_help =
+            [this] { dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder); },
+        .show_about = [this] { ShowAbout(); },
+        .load_picture = [this] { LoadPicture(); },
+        .view_table_info = [this] { ViewTableInfo(); },
+    };
 }
 
-void Commands::AttachUtilities() {
-    window_.SetCommand(QStringLiteral("mnuDates"),
-                       [this] { maintenance::UpdateFileDates(Context()); });
-    window_.SetCommand(QStringLiteral("mnuResetTimes"),
-                       [this] { maintenance::ResetTimesPlayed(Context()); });
-    window_.SetCommand(QStringLiteral("mnuPurge"),
-                       [this] { maintenance::PurgeMissingTables(Context()); });
-    window_.SetCommand(QStringLiteral("mnuBackup"),
-                       [this] { maintenance::BackupData(Context(), window_.windowTitle()); });
-    window_.SetCommand(QStringLiteral("mnuCRC"), [this] {
-        window_.TellInPassing(
-            maintenance::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
-    });
+void Commands::UpdateCrcs() {
+    window_.TellInPassing(
+        maintenance::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
 }
 
-void Commands::AttachCatalogueDialogs() {
-    window_.SetCommand(QStringLiteral("mnuExe"), [this] {
-        if (!RaiseSettings()) dialogs::frmSettings(catalogue_, prompts_, &window_).exec();
-    });
-    window_.SetCommand(QStringLiteral("mnuRest"), [this] {
-        maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
-    });
-    window_.SetCommand(QStringLiteral("mnuImport"), [this] {
-        maintenance::frmImport dialog(catalogue_, prompts_, events_, refresh_tree_, &window_);
-        dialog.exec();
-        window_.TellInPassing(dialog.database_failure());
-    });
+void Commands::ImportFromTableFiles() {
+    browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_, Context().progress);
 }
 
-void Commands::AttachHelp() {
-    window_.SetCommand(QStringLiteral("mnuHelpContents"), [this] {
-        dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder);
-    });
-    window_.SetCommand(QStringLiteral("mnuAbout"), [this] {
-        dialogs::frmAbout(prompts_, outside_.shell, outside_.programs, dialogs::WebSiteAddress(),
-                          &window_)
-            .exec();
-    });
+void Commands::ImportLauncherData() {
+    maintenance::frmImport dialog(catalogue_, prompts_, events_, refresh_tree_, &window_);
+    dialog.exec();
+    window_.TellInPassing(dialog.database_failure());
 }
 
-void Commands::AttachPictures() {
-    window_.SetCommand(QStringLiteral("mnuTI"), [this] {
-        browser::ViewTableInfo(window_.SelectedTag(), window_.details(), prompts_, outside_.shell,
-                               &window_);
-    });
-    window_.SetCommand(QStringLiteral("mnuClip"), [this] { LoadPicture(); });
+void Commands::ShowAbout() {
+    dialogs::frmAbout(prompts_, outside_.shell, outside_.programs, dialogs::WebSiteAddress(),
+                      &window_)
+        .exec();
+}
+
+void Commands::ViewTableInfo() {
+    browser::ViewTableInfo(window_.SelectedTag(), window_.details(), prompts_, outside_.shell,
+                           &window_);
 }
 
 void Commands::LoadPicture() {
     if (!window_.TableIsSelected()) return;
     const auto assign = [this](const QString& path) {
-        window_.details().SetDetailText(kImageFileField, path);
+        window_.details().SetDetailText(browser::kImageFile, path);
         window_.details().Save();
     };
     pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(), assign,
                                        &window_);
+}
+
+void Commands::AskForExecutable() {
+    if (!RaiseSettings()) dialogs::frmSettings(catalogue_, prompts_, &window_).exec();
 }
 
 bool Commands::RaiseSettings() {

@@ -38,15 +38,20 @@ public:
              const OutsideWorld& outside, browser::frmPinball& window);
 
 private:
-    void AttachScan();
-    void AttachUtilities();
-    void AttachCatalogueDialogs();
-    void AttachHelp();
-    void AttachPictures();
+    browser::CommandActions Actions();
     void AttachPlay();
+
+    void UpdateCrcs();
+    void ImportFromTableFiles();
+    void ImportLauncherData();
+    void ShowAbout();
+    void ViewTableInfo();
     void LoadPicture();
-    // Without waiting for its end.
+    // Opens the settings and returns when they are closed.
+    void AskForExecutable();
+    // Opens the settings and returns at once.
     void ShowSettings();
+    // False: the settings are not open.
     bool RaiseSettings();
     launcher::MainWindowActions WindowActions();
     maintenance::CommandContext Context();

@@ -1,7 +1,7 @@
 #include "browser/detail_controls.h"
 
+#include "browser/detail_tabs.h"
 #include "browser/table_record.h"
-#include "browser/utilities_menu.h"
 
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHBoxLayout>

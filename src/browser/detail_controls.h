@@ -14,11 +14,6 @@
 
 namespace browser {
 
-// Pages of DetTab, in this order: details, screenshot, flyer, rules text, rules sheet. The settings
-// and the state of the Utilities menu depend on these numbers.
-inline constexpr int kDetailsTab = 0;
-inline constexpr int kDetailTabCount = 5;
-
 // All widgets belong to the panel that they were built into.
 struct DetailControls {
     QTabWidget* DetTab = nullptr;

@@ -1,6 +1,7 @@
 #include "browser/detail_panel.h"
 
 #include "base/scope_guards.h"
+#include "browser/detail_tabs.h"
 #include "browser/notes_summary.h"
 #include "browser/rules_file.h"
 #include "catalogue/error_report.h"
@@ -59,7 +60,7 @@ void DetailPanel::ConnectButtons() {
     on_click(controls_.cmdChange, [this] { Save(); });
     on_click(controls_.cmdCancel, [this] { Cancel(); });
     on_click(controls_.cmdDelete, [this] { Delete(); });
-    on_click(controls_.cmdReadInfo, [this] { host_.ViewTableInfo(); });
+    on_click(controls_.cmdReadInfo, [this] { Q_EMIT ViewTableInfoClicked(); });
     on_click(controls_.cmdReadRule, [this] { ReadRules(); });
     on_click(controls_.cmdSaveRules, [this] { SaveRules(); });
     on_click(controls_.cmdCancelRules, [this] { Cancel(); });

@@ -33,8 +33,6 @@ public:
     // Locks (true) or frees the filters, the operator, the tree, Refresh Tree, Play and the File
     // and Utilities menus.
     virtual void LockForEdit(bool changed) = 0;
-    // The button "View Table Info from VPT".
-    virtual void ViewTableInfo() = 0;
 };
 
 class DetailPanel : public QWidget {
@@ -65,6 +63,10 @@ public:
 
     // For the label under the tree; a failure is said in the status bar.
     QString NotesSummary(const QString& file_name) const;
+
+Q_SIGNALS:
+    // The button "View Table Info from VPT".
+    void ViewTableInfoClicked();
 
 private:
     void ConnectFields();

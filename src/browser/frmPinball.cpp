@@ -4,7 +4,6 @@
 #include "browser/order_bar.h"
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
-#include "browser/utilities_menu.h"
 #include "browser/wait_until_shown.h"
 #include "catalogue/error_report.h"
 #include "catalogue/selection.h"
@@ -46,7 +45,7 @@ frmPinball::frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& p
     menu_ = std::make_unique<MainMenu>(*menuBar());
     CreateControls();
     CreateControllers();
-    CreateCommands();
+    ConnectCommands();
     SetTitle();
     qApp->installEventFilter(this);
 }
@@ -124,28 +123,43 @@ void frmPinball::CreateControllers() {
     DetailHost& host = *this;
     tree_ = std::make_unique<TreeController>(TreeController::Parts{catalogue_, prompts_, model_,
                                                                    *tvwDB_, *details_, *filter_bar_,
-                                                                   *menu_},
+                                                                   *menu_->Menu(kPopupMenu)},
                                              host);
 }
 
-void frmPinball::CreateCommands() {
-    SetCommand(QStringLiteral("mnuExit"), [this] { close(); });
-    SetCommand(QStringLiteral("mnuSize"), [this] { RestoreDefaultSize(); });
-    SetCommand(QStringLiteral("mnuMin"), [this] {
-        catalogue_.values->MinimiseOnPlay = menu_->IsChecked(QStringLiteral("mnuMin"));
-    });
-    SetCommand(QStringLiteral("mnuSound"), [this] {
-        catalogue_.values->SoundOn = menu_->IsChecked(QStringLiteral("mnuSound"));
-    });
-    connect(cmdPlay_, &QPushButton::clicked, this, [this] { tree_->DoubleClick(); });
-    connect(menu_->Menu(QStringLiteral("mnuFile")), &QMenu::aboutToShow, this,
-            [this] { SetComments({}); });
-    connect(menu_->Menu(QStringLiteral("mnuUtilities")), &QMenu::aboutToShow, this,
-            &frmPinball::PrepareUtilitiesMenu);
+// The rest of the actions comes through SetActions.
+CommandActions frmPinball::OwnActions() {
+    return {
+        .exit = [this] { close(); },
+        .restore_default_size = [this] { RestoreDefaultSize(); },
+        .toggle_minimise_on_play =
+            [this] {
+                catalogue_.values->MinimiseOnPlay =
+                    menu_->IsChecked(&CommandActions::toggle_minimise_on_play);
+            },
+        .toggle_sound =
+            [this] {
+                catalogue_.values->SoundOn = menu_->IsChecked(&CommandActions::toggle_sound);
+            },
+        .play = [this] { tree_->DoubleClick(); },
+        .toggle_favorites = [this] { tree_->ToggleSelectedFavorite(); },
+    };
 }
 
-void frmPinball::SetCommand(const QString& item, MainMenu::Command command) {
-    menu_->SetCommand(item, std::move(command));
+// Buttons run the command of the same action, keys in eventFilter.
+void frmPinball::ConnectCommands() {
+    menu_->SetActions(OwnActions());
+    connect(cmdPlay_, &QPushButton::clicked, this, [this] { menu_->Run(&CommandActions::play); });
+    connect(details_, &DetailPanel::ViewTableInfoClicked, this,
+            [this] { menu_->Run(&CommandActions::view_table_info); });
+    connect(menu_->Menu(kFileMenu), &QMenu::aboutToShow, this, [this] { SetComments({}); });
+    connect(menu_->Menu(kUtilitiesMenu), &QMenu::aboutToShow, this, [this] {
+        menu_->ApplyRules({.current_tab = details_->CurrentTab(), .window_is_normal = IsNormal()});
+    });
+}
+
+void frmPinball::SetActions(const CommandActions& actions) {
+    menu_->SetActions(actions);
 }
 
 void frmPinball::SetPlayTable(TreeController::PlayTable play) {
@@ -189,8 +203,8 @@ void frmPinball::RestoreControls(const MainWindowSettings& settings) {
     catalogue_.values->SoundOn = settings.sound;
     catalogue_.values->MinimiseOnPlay = settings.minimise;
     catalogue_.values->LastPictureDir = settings.last_picture_folder;
-    menu_->SetChecked(QStringLiteral("mnuMin"), settings.minimise);
-    menu_->SetChecked(QStringLiteral("mnuSound"), settings.sound);
+    menu_->SetChecked(&CommandActions::toggle_minimise_on_play, settings.minimise);
+    menu_->SetChecked(&CommandActions::toggle_sound, settings.sound);
     details_->SetCurrentTab(settings.last_tab);
 }
 
@@ -210,8 +224,8 @@ void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
 void frmPinball::AskForWhatIsMissing() {
     if (!catalogue_is_empty_ && !catalogue_.values->VisualPinballExe.isEmpty()) return;
     WaitUntilShown(*this);  // a dialog is placed over its owner
-    if (catalogue_is_empty_) menu_->Run(QStringLiteral("mnuTblScan"));
-    if (catalogue_.values->VisualPinballExe.isEmpty()) menu_->Run(QStringLiteral("mnuExe"));
+    if (catalogue_is_empty_) menu_->Run(&CommandActions::scan_for_tables);
+    if (catalogue_.values->VisualPinballExe.isEmpty()) menu_->Run(&CommandActions::set_executable);
 }
 
 void frmPinball::RefreshTree() {
@@ -267,12 +281,8 @@ void frmPinball::LockForEdit(bool changed) {
     order_bar_->LockRefresh(changed);
     tvwDB_->setEnabled(enabled);
     cmdPlay_->setEnabled(enabled);
-    menu_->SetMenuEnabled(QStringLiteral("mnuFile"), enabled);
-    menu_->SetMenuEnabled(QStringLiteral("mnuUtilities"), enabled);
-}
-
-void frmPinball::ViewTableInfo() {
-    menu_->Run(QStringLiteral("mnuTI"));
+    menu_->SetMenuEnabled(kFileMenu, enabled);
+    menu_->SetMenuEnabled(kUtilitiesMenu, enabled);
 }
 
 bool frmPinball::IsNormal() const {
@@ -284,21 +294,15 @@ void frmPinball::RestoreDefaultSize() {
     if (IsNormal()) resize(ToPixels(kDefaultWidthTwips), ToPixels(kRestoredHeightTwips));
 }
 
-void frmPinball::PrepareUtilitiesMenu() {
-    const UtilitiesMenuState state = UtilitiesMenuFor(details_->CurrentTab(), IsNormal());
-    menu_->SetAllowed(QStringLiteral("mnuRest"), state.reset_paths);
-    menu_->SetAllowed(QStringLiteral("mnuDates"), state.reset_dates);
-    menu_->SetAllowed(QStringLiteral("mnuSize"), state.default_size);
-}
-
-// The window sees keys before its controls do. F2 is let go of: the picture on the clipboard is
-// wanted.
+// The keys of the commands work wherever the focus is in this window, and before its controls see
+// them.
 bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyRelease || !watched->isWidgetType()) return false;
     const auto* const key = static_cast<QKeyEvent*>(event);
-    if (key->key() != Qt::Key_F2 || key->isAutoRepeat()) return false;
+    const CommandId command = CommandOfKey(key->key());
+    if (command == nullptr || key->isAutoRepeat()) return false;
     if (static_cast<QWidget*>(watched)->window() != this) return false;
-    menu_->Run(QStringLiteral("mnuClip"));
+    menu_->Run(command);
     return true;
 }
 
@@ -322,7 +326,7 @@ bool frmPinball::QueryUnload() {
             return false;
         }
     }
-    if (!menu_->IsMenuEnabled(QStringLiteral("mnuFile"))) return false;
+    if (!menu_->IsMenuEnabled(kFileMenu)) return false;
     if (before_unload_) before_unload_();
     return true;
 }

@@ -39,8 +39,8 @@ public:
     // empty, the choice of the executable when there is none.
     void AskForWhatIsMissing();
 
-    // Attaches a command to a menu item by its name, for example "mnuPurge".
-    void SetCommand(const QString& item, MainMenu::Command command);
+    // What the menu entries, buttons and keys do that reaches beyond this window.
+    void SetActions(const CommandActions& actions);
     // How a table is started, and how the play button sounds.
     void SetPlayTable(TreeController::PlayTable play);
     void SetPlaySound(launcher::PlayButton::Sound sound);
@@ -72,7 +72,8 @@ private:
     QWidget* CreateTopBar();
     QWidget* CreateTreePane();
     void CreateControllers();
-    void CreateCommands();
+    void ConnectCommands();
+    CommandActions OwnActions();
 
     // Steps of Load.
     void RestoreWindow(const MainWindowSettings& settings);
@@ -87,7 +88,6 @@ private:
     void RemoveWorkFiles();
 
     void RestoreDefaultSize();
-    void PrepareUtilitiesMenu();
     bool IsNormal() const;
 
     // DetailHost
@@ -96,7 +96,6 @@ private:
     void SetStatusText(int panel, const QString& text) override;
     void SetComments(const QString& text) override;
     void LockForEdit(bool changed) override;
-    void ViewTableInfo() override;
 
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;

@@ -1,21 +1,21 @@
 #include "browser/main_menu.h"
 
-#include "browser/menu_layout.h"
-
 #include <QtGui/QAction>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 
+#include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace browser {
 
 MainMenu::MainMenu(QMenuBar& bar) {
-    for (const MenuLayout& layout : MenuBarLayout())
-        Fill(*bar.addMenu(layout.caption.toString()), layout);
-    const MenuLayout& popup = PopupLayout();
-    popup_ = new QMenu(popup.caption.toString(), bar.parentWidget());
-    Fill(*popup_, popup);
+    for (const MenuLayout& layout : Menus()) {
+        const QString caption = layout.caption.toString();
+        const bool is_popup = layout.name == kPopupMenu;
+        Fill(is_popup ? *new QMenu(caption, bar.parentWidget()) : *bar.addMenu(caption), layout);
+    }
 }
 
 MainMenu::~MainMenu() = default;
@@ -23,81 +23,88 @@ MainMenu::~MainMenu() = default;
 void MainMenu::Fill(QMenu& menu, const MenuLayout& layout) {
     menu.setObjectName(layout.name.toString());
     menu.menuAction()->setObjectName(layout.name.toString());
-    menus_.insert(layout.name.toString(), &menu);
-    for (const MenuItem& entry : layout.items) {
-        const QString name = entry.name.toString();
-        QAction* const action =
-            entry.caption == u"-" ? menu.addSeparator() : menu.addAction(entry.caption.toString());
-        action->setObjectName(name);
-        if (action->isSeparator()) continue;
-        action->setCheckable(entry.checkable);
-        action->setEnabled(false);
-        items_.insert(name, {action, {}, true});
-        connect(action, &QAction::triggered, this, [this, name] {
-            // The command may replace itself: keep the one that runs.
-            if (const Command command = items_[name].command) command();
-        });
+    menus_.insert(layout.name, &menu);
+    for (const MenuItem& item : layout.items)
+        Add(menu, item);
+}
+
+void MainMenu::Add(QMenu& menu, const MenuItem& item) {
+    QAction* const action =
+        item.caption == u"-" ? menu.addSeparator() : menu.addAction(item.caption.toString());
+    action->setObjectName(item.name.toString());
+    if (action->isSeparator()) return;
+    action->setCheckable(item.checkable);
+    action->setEnabled(false);
+    if (item.action == nullptr) return;  // a heading
+    entries_.push_back({&item, action});
+    connect(action, &QAction::triggered, this, [this, command = item.action] {
+        // The action may replace itself: keep the one that runs.
+        if (const Action run = Find(command).run) run();
+    });
+}
+
+const MainMenu::Entry& MainMenu::Find(CommandId command) const {
+    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+        return entry.item->action == command;
+    });
+    assert(found != entries_.end());
+    return *found;
+}
+
+MainMenu::Entry& MainMenu::Find(CommandId command) {
+    return const_cast<Entry&>(std::as_const(*this).Find(command));  // NOLINT: the entries are ours
+}
+
+void MainMenu::SetAction(CommandId command, Action action) {
+    Entry& entry = Find(command);
+    entry.run = std::move(action);
+    UpdateEnabled(entry);
+}
+
+void MainMenu::SetActions(const CommandActions& actions) {
+    for (const Entry& entry : entries_)
+        if (const Action& action = actions.*entry.item->action)
+            SetAction(entry.item->action, action);
+}
+
+void MainMenu::Run(CommandId command) {
+    Find(command).action->trigger();
+}
+
+void MainMenu::ApplyRules(const MainWindowState& state) {
+    for (Entry& entry : entries_) {
+        entry.allowed = IsAllowed(entry.item->enabled_when, state);
+        UpdateEnabled(entry);
     }
 }
 
-const MainMenu::Item* MainMenu::Find(const QString& item) const {
-    const auto found = items_.constFind(item);
-    if (found != items_.cend()) return &*found;
-    qCritical("The menu has no item \"%s\".", qUtf8Printable(item));
-    return nullptr;
+bool MainMenu::IsEnabled(CommandId command) const {
+    return Find(command).action->isEnabled();
 }
 
-MainMenu::Item* MainMenu::Find(const QString& item) {
-    return const_cast<Item*>(std::as_const(*this).Find(item));  // NOLINT: the hash is ours
+void MainMenu::UpdateEnabled(const Entry& entry) {
+    entry.action->setEnabled(entry.run && entry.allowed);
 }
 
-void MainMenu::SetCommand(const QString& item, Command command) {
-    Item* const found = Find(item);
-    if (!found) return;
-    found->command = std::move(command);
-    UpdateEnabled(*found);
+void MainMenu::SetChecked(CommandId command, bool checked) {
+    Find(command).action->setChecked(checked);
 }
 
-void MainMenu::Run(const QString& item) {
-    if (const Item* const found = Find(item)) found->action->trigger();
+bool MainMenu::IsChecked(CommandId command) const {
+    return Find(command).action->isChecked();
 }
 
-void MainMenu::SetAllowed(const QString& item, bool allowed) {
-    Item* const found = Find(item);
-    if (!found) return;
-    found->allowed = allowed;
-    UpdateEnabled(*found);
-}
-
-bool MainMenu::IsEnabled(const QString& item) const {
-    const Item* const found = Find(item);
-    return found && found->action->isEnabled();
-}
-
-void MainMenu::UpdateEnabled(const Item& item) {
-    item.action->setEnabled(item.command && item.allowed);
-}
-
-void MainMenu::SetChecked(const QString& item, bool checked) {
-    if (const Item* const found = Find(item)) found->action->setChecked(checked);
-}
-
-bool MainMenu::IsChecked(const QString& item) const {
-    const Item* const found = Find(item);
-    return found && found->action->isChecked();
-}
-
-QMenu* MainMenu::Menu(const QString& name) const {
+QMenu* MainMenu::Menu(QStringView name) const {
     QMenu* const menu = menus_.value(name);
-    if (!menu) qCritical("There is no menu \"%s\".", qUtf8Printable(name));
+    if (!menu) qCritical("There is no menu \"%s\".", qUtf8Printable(name.toString()));
     return menu;
 }
 
-void MainMenu::SetMenuEnabled(const QString& menu, bool enabled) {
+void MainMenu::SetMenuEnabled(QStringView menu, bool enabled) {
     if (QMenu* const found = Menu(menu)) found->menuAction()->setEnabled(enabled);
 }
 
-bool MainMenu::IsMenuEnabled(const QString& menu) const {
+bool MainMenu::IsMenuEnabled(QStringView menu) const {
     const QMenu* const found = Menu(menu);
     return found && found->menuAction()->isEnabled();
 }

@@ -1,12 +1,14 @@
-// MainMenu: the menu bar and the tree's pop-up menu. A command is attached to its item by name; an
-// item without a command is there and disabled. A name that menu_layout.h does not have is a
-// mistake of the program: it is said on the error output and changes nothing.
+// MainMenu: the menu bar and the tree's pop-up menu, as command_table.h has them. A command without
+// an action is there and disabled. A menu's name that the table does not have is a mistake of the
+// program: it is said on the error output and changes nothing.
 #pragma once
+
+#include "browser/command_table.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QObject>
 
-#include <functional>
+#include <vector>
 
 class QAction;
 class QMenu;
@@ -14,52 +16,52 @@ class QMenuBar;
 
 namespace browser {
 
-struct MenuLayout;
-
 class MainMenu : public QObject {
     Q_OBJECT
 
 public:
-    using Command = std::function<void()>;
+    using Action = CommandActions::Action;
 
     // Fills `bar`, which outlives the menu.
     explicit MainMenu(QMenuBar& bar);
     ~MainMenu() override;
 
-    // Attaches a command, or replaces it; an empty one disables the item.
-    void SetCommand(const QString& item, Command command);
-    // Does what a click on the item would do; nothing when the item is disabled.
-    void Run(const QString& item);
+    // Gives a command its action, or another; an empty one disables the command.
+    void SetAction(CommandId command, Action action);
+    // Sets all that are not empty.
+    void SetActions(const CommandActions& actions);
+    // Does what a click on the entry would do; nothing when it is disabled.
+    void Run(CommandId command);
 
-    // A reason of the moment against an item (true: none). The item is enabled when it has a
-    // command and no such reason.
-    void SetAllowed(const QString& item, bool allowed);
-    bool IsEnabled(const QString& item) const;
+    // Enables the commands that have an action and that their rule allows in this state.
+    void ApplyRules(const MainWindowState& state);
+    bool IsEnabled(CommandId command) const;
 
-    void SetChecked(const QString& item, bool checked);
-    bool IsChecked(const QString& item) const;
+    void SetChecked(CommandId command, bool checked);
+    bool IsChecked(CommandId command) const;
 
-    // Menus of the bar by name, and "mnufavorites"; null: no such menu.
-    QMenu* Menu(const QString& name) const;
-    void SetMenuEnabled(const QString& menu, bool enabled);
-    bool IsMenuEnabled(const QString& menu) const;
+    // A menu by its name; nullptr: no such menu.
+    QMenu* Menu(QStringView name) const;
+    void SetMenuEnabled(QStringView menu, bool enabled);
+    bool IsMenuEnabled(QStringView menu) const;
 
 private:
-    struct Item {
-        QAction* action = nullptr;
-        Command command;
+    struct Entry {
+        const MenuItem* item;  // in the command table
+        QAction* action;
+        Action run{};
         bool allowed = true;
     };
 
     void Fill(QMenu& menu, const MenuLayout& layout);
-    // Null, and said: no such item.
-    Item* Find(const QString& item);
-    const Item* Find(const QString& item) const;
-    static void UpdateEnabled(const Item& item);
+    void Add(QMenu& menu, const MenuItem& item);
+    // Requires: the command is in the table.
+    Entry& Find(CommandId command);
+    const Entry& Find(CommandId command) const;
+    static void UpdateEnabled(const Entry& entry);
 
-    QHash<QString, Item> items_;
-    QHash<QString, QMenu*> menus_;
-    QMenu* popup_ = nullptr;
+    std::vector<Entry> entries_;  // of the commands
+    QHash<QStringView, QMenu*> menus_;
 };
 
 }  // namespace browser

@@ -16,8 +16,6 @@ bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_
 
 TreeController::TreeController(const Parts& parts, DetailHost& host) : parts_(parts), host_(host) {
     ConnectTree();
-    parts_.menu.SetCommand(QStringLiteral("mnuPlay"), [this] { DoubleClick(); });
-    parts_.menu.SetCommand(QStringLiteral("mnuAddit"), [this] { ToggleSelectedFavorite(); });
 }
 
 void TreeController::ConnectTree() {
@@ -103,7 +101,7 @@ void TreeController::KeyPress() {
 }
 
 void TreeController::ShowPopup(int x_twips, const QPoint& position) {
-    if (OpensPopup(parts_.model, parts_.tree.currentIndex(), x_twips)) parts_.menu.Menu(QStringLiteral("mnufavorites"))->popup(position);
+    if (OpensPopup(parts_.model, parts_.tree.currentIndex(), x_twips)) parts_.popup.popup(position);
 }
 
 void TreeController::ToggleSelectedFavorite() {

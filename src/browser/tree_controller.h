@@ -3,11 +3,12 @@
 
 #include "browser/detail_panel.h"
 #include "browser/filter_bar.h"
-#include "browser/main_menu.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
 
 #include <functional>
+
+class QMenu;
 
 namespace browser {
 
@@ -33,7 +34,7 @@ public:
         TableTreeView& tree;
         DetailPanel& details;
         FilterBar& filter_bar;
-        MainMenu& menu;
+        QMenu& popup;
     };
 
     // Everything in `parts` is borrowed and outlives the controller; `host` shows the notes under

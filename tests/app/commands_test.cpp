@@ -2,7 +2,7 @@
 // world outside is faked.
 #include "app/commands.h"
 
-#include "browser/menu_layout.h"
+#include "browser/command_table.h"
 #include "browser/tree_fixture.h"
 #include "dialogs/frmSettings.h"
 #include "pictures/frmPicture.h"
@@ -83,10 +83,7 @@ protected:
 };
 
 TEST_F(CommandsTest, EveryItemOfTheMenusDoesSomething) {
-    std::vector<browser::MenuLayout> menus(browser::MenuBarLayout().begin(),
-                                           browser::MenuBarLayout().end());
-    menus.push_back(browser::PopupLayout());
-    for (const browser::MenuLayout& menu : menus) {
+    for (const browser::MenuLayout& menu : browser::Menus()) {
         for (const browser::MenuItem& item : menu.items) {
             if (item.caption == u"-") continue;
             const bool is_heading = item.name == u"mnumnu";

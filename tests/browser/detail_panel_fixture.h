@@ -8,6 +8,7 @@
 
 #include <QtCore/QFile>
 #include <QtGui/QImage>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QLabel>

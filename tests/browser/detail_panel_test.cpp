@@ -179,8 +179,9 @@ TEST_F(DetailPanelTest, TheRulesTextTabHasItsOwnSaveAndCancelOnly) {
 }
 
 TEST_F(DetailPanelTest, TheInfoButtonAsksTheWindow) {
+    const QSignalSpy views(panel.get(), &DetailPanel::ViewTableInfoClicked);
     Click("cmdReadInfo");
-    EXPECT_EQ(host.views, 1);
+    EXPECT_EQ(views.count(), 1);
 }
 
 }  // namespace

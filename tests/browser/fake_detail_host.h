@@ -17,7 +17,6 @@ public:
     bool locked = false;
     int remembered = 0;
     int refreshes = 0;
-    int views = 0;
 
     QString SelectedTag() const override { return selected_tag; }
     QString SelectedText() const override { return selected_text; }
@@ -29,7 +28,6 @@ public:
     void SetStatusText(int panel, const QString& text) override { status[panel] = text; }
     void SetComments(const QString& text) override { comments = text; }
     void LockForEdit(bool changed) override { locked = changed; }
-    void ViewTableInfo() override { ++views; }
 };
 
 }  // namespace browser

@@ -22,10 +22,10 @@ TEST_F(MainWindowTest, AnEmptyCatalogueStartsTheScanThenTheExecutableChooser) {
 
 TEST_F(MainWindowTest, TheScanOfAnEmptyCatalogueCanFillTheTree) {
     window = std::make_unique<frmPinball>(catalogue, prompts);
-    window->SetCommand(S(u"mnuTblScan"), [this] {
+    window->SetActions({.scan_for_tables = [this] {
         AddTable(S(u"found"));
         window->RefreshTree();
-    });
+    }});
     window->Load();
     window->show();
     window->AskForWhatIsMissing();
@@ -656,8 +656,7 @@ TEST_F(MainWindowWithTables, AMaximisedWindowHasNoDefaultSize) {
 
 TEST_F(MainWindowWithTables, PathsAndDatesCannotBeResetFromTheRulesText) {
     Open();
-    window->SetCommand(S(u"mnuRest"), [] {});
-    window->SetCommand(S(u"mnuDates"), [] {});
+    window->SetActions({.reset_file_dates = [] {}, .reset_paths = [] {}});
     window->details().SetCurrentTab(3);
     const auto* tabs = Find<QTabWidget>(u"DetTab");
     EXPECT_EQ(tabs->tabText(tabs->currentIndex()), S(u"Rules Text"));

@@ -9,7 +9,9 @@
 namespace browser {
 namespace {
 
-const QString kPurge = QStringLiteral("mnuPurge");
+constexpr CommandId kPurge = &CommandActions::purge_missing_tables;
+constexpr CommandId kDefaultSize = &CommandActions::restore_default_size;
+constexpr CommandId kSound = &CommandActions::toggle_sound;
 
 // What the program says of itself while a test runs.
 class SaidMessages {
@@ -37,16 +39,17 @@ protected:
 
 TEST_F(MainMenuTest, AnItemWithoutACommandIsDisabled) {
     EXPECT_FALSE(menu.IsEnabled(kPurge));
-    menu.SetCommand(kPurge, [] {});
+    menu.SetAction(kPurge, [] {});
     EXPECT_TRUE(menu.IsEnabled(kPurge));
-    menu.SetCommand(kPurge, {});
+    menu.SetAction(kPurge, {});
     EXPECT_FALSE(menu.IsEnabled(kPurge));
 }
 
 TEST_F(MainMenuTest, AClickRunsTheCommand) {
     int runs = 0;
-    menu.SetCommand(kPurge, [&] { ++runs; });
-    QAction* const action = menu.Menu(QStringLiteral("mnuUtilities"))->findChild<QAction*>(kPurge);
+    menu.SetAction(kPurge, [&] { ++runs; });
+    QAction* const action =
+        menu.Menu(QStringLiteral("mnuUtilities"))->findChild<QAction*>(QStringLiteral("mnuPurge"));
     ASSERT_TRUE(action);
     action->trigger();
     EXPECT_EQ(runs, 1);
@@ -56,23 +59,27 @@ TEST_F(MainMenuTest, AClickRunsTheCommand) {
 
 TEST_F(MainMenuTest, ADisabledItemRunsNothing) {
     int runs = 0;
-    menu.SetCommand(kPurge, [&] { ++runs; });
-    menu.SetAllowed(kPurge, false);
-    menu.Run(kPurge);
+    menu.SetAction(kDefaultSize, [&] { ++runs; });
+    menu.ApplyRules({.current_tab = 0, .window_is_normal = false});
+    EXPECT_FALSE(menu.IsEnabled(kDefaultSize));
+    menu.Run(kDefaultSize);
     EXPECT_EQ(runs, 0);
+    menu.ApplyRules({});
+    menu.Run(kDefaultSize);
+    EXPECT_EQ(runs, 1);
 }
 
-TEST_F(MainMenuTest, ANameThatNoItemHasIsSaidAndChangesNothing) {
-    const QString wrong = QStringLiteral("mnuPurg");
-    const SaidMessages said;
-    menu.SetCommand(wrong, [] { ADD_FAILURE() << "there is no such item"; });
-    menu.Run(wrong);
-    menu.SetAllowed(wrong, true);
-    menu.SetChecked(wrong, true);
-    EXPECT_FALSE(menu.IsEnabled(wrong));
-    EXPECT_FALSE(menu.IsChecked(wrong));
-    EXPECT_FALSE(menu.IsEnabled(kPurge));
-    EXPECT_EQ(said.texts(), QStringList(6, QStringLiteral("The menu has no item \"mnuPurg\".")));
+TEST_F(MainMenuTest, AllowedWithoutAnActionIsDisabledAllTheSame) {
+    menu.ApplyRules({});
+    EXPECT_FALSE(menu.IsEnabled(kDefaultSize));
+}
+
+TEST_F(MainMenuTest, OfManyActionsTheEmptyOnesChangeNothing) {
+    menu.SetActions({.purge_missing_tables = [] {}});
+    menu.SetActions({.toggle_sound = [] {}});
+    EXPECT_TRUE(menu.IsEnabled(kPurge));
+    EXPECT_TRUE(menu.IsEnabled(kSound));
+    EXPECT_FALSE(menu.IsEnabled(kDefaultSize));
 }
 
 TEST_F(MainMenuTest, ANameThatNoMenuHasIsSaidAndChangesNothing) {
@@ -87,8 +94,8 @@ TEST_F(MainMenuTest, ANameThatNoMenuHasIsSaidAndChangesNothing) {
 
 TEST_F(MainMenuTest, ACommandMayReplaceItself) {
     int runs = 0;
-    menu.SetCommand(kPurge, [&] {
-        menu.SetCommand(kPurge, {});
+    menu.SetAction(kPurge, [&] {
+        menu.SetAction(kPurge, {});
         ++runs;
     });
     menu.Run(kPurge);
@@ -96,17 +103,21 @@ TEST_F(MainMenuTest, ACommandMayReplaceItself) {
 }
 
 TEST_F(MainMenuTest, TheHeadingOfThePopupIsDisabled) {
-    EXPECT_FALSE(menu.IsEnabled(QStringLiteral("mnumnu")));
-    EXPECT_EQ(menu.Menu(QStringLiteral("mnufavorites"))->title(), QStringLiteral("Popup"));
-    EXPECT_FALSE(bar.actions().contains(menu.Menu(QStringLiteral("mnufavorites"))->menuAction()));
+    const QMenu* const popup = menu.Menu(QStringLiteral("mnufavorites"));
+    ASSERT_TRUE(popup);
+    const QAction* const heading = popup->findChild<QAction*>(QStringLiteral("mnumnu"));
+    ASSERT_TRUE(heading);
+    EXPECT_FALSE(heading->isEnabled());
+    EXPECT_EQ(popup->title(), QStringLiteral("Popup"));
+    EXPECT_FALSE(bar.actions().contains(popup->menuAction()));
 }
 
 TEST_F(MainMenuTest, OptionsAreChecked) {
-    menu.SetChecked(QStringLiteral("mnuSound"), true);
-    EXPECT_TRUE(menu.IsChecked(QStringLiteral("mnuSound")));
-    menu.SetCommand(QStringLiteral("mnuSound"), [] {});
-    menu.Run(QStringLiteral("mnuSound"));
-    EXPECT_FALSE(menu.IsChecked(QStringLiteral("mnuSound")));
+    menu.SetChecked(kSound, true);
+    EXPECT_TRUE(menu.IsChecked(kSound));
+    menu.SetAction(kSound, [] {});
+    menu.Run(kSound);
+    EXPECT_FALSE(menu.IsChecked(kSound));
 }
 
 TEST_F(MainMenuTest, AWholeMenuCanBeLocked) {

@@ -36,9 +36,9 @@ protected:
             plays.push_back({path, name, id});
             if (while_playing) while_playing();
         });
-        window->SetCommand(S(u"mnuTblScan"), [this] { commands.append(S(u"scan")); });
-        window->SetCommand(S(u"mnuExe"), [this] { commands.append(S(u"exe")); });
-        window->SetCommand(S(u"mnuClip"), [this] { commands.append(S(u"clip")); });
+        window->SetActions({.scan_for_tables = [this] { commands.append(S(u"scan")); },
+                            .set_executable = [this] { commands.append(S(u"exe")); },
+                            .load_picture = [this] { commands.append(S(u"clip")); }});
         window->Load();
         window->show();
         window->AskForWhatIsMissing();

@@ -1,9 +1,12 @@
-#include "browser/menu_layout.h"
+#include "browser/command_table.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace browser {
 namespace {
@@ -18,19 +21,19 @@ QStringList Lines(const MenuLayout& menu) {
     return lines;
 }
 
-TEST(MenuLayoutTest, TheBarHoldsFourMenus) {
+TEST(CommandTableTest, TheBarHoldsFourMenusAndTheTreeOne) {
     QStringList titles;
-    for (const MenuLayout& menu : MenuBarLayout())
+    for (const MenuLayout& menu : Menus())
         titles.append(menu.name.toString() + u' ' + menu.caption.toString());
     EXPECT_EQ(titles.join(u'\n').toStdString(),
-              "mnuFile &File\nmnuUtilities &Utilities\nmnuOptions &Options\nmnuHelp &Help");
+              "mnuFile &File\nmnuUtilities &Utilities\nmnuOptions &Options\nmnuHelp &Help\n"
+              "mnufavorites Popup");
 }
 
-TEST(MenuLayoutTest, EveryItemHasItsNameCaptionAndPlace) {
+TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
     QStringList all;
-    for (const MenuLayout& menu : MenuBarLayout())
+    for (const MenuLayout& menu : Menus())
         all += Lines(menu);
-    all += Lines(PopupLayout());
     EXPECT_EQ(all.join(u'\n').toStdString(), "mnuTblScan &Scan for New Tables\n"
                                              "mnusep1 -\n"
                                              "mnuExit E&xit\n"
@@ -66,6 +69,59 @@ TEST(MenuLayoutTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuClip &Load Picture From Clipboard\n"
                                              "-\n"
                                              "mnuTI View Table  &Info");
+}
+
+// The command with this name as the main window has it in this state.
+bool IsOffered(QStringView name, const MainWindowState& state) {
+    for (const MenuLayout& menu : Menus())
+        for (const MenuItem& item : menu.items)
+            if (item.name == name) return IsAllowed(item.enabled_when, state);
+    ADD_FAILURE() << "no such command: " << name.toString().toStdString();
+    return false;
+}
+
+TEST(CommandTableTest, ResetsAreNotOfferedOnTheFourthTab) {
+    for (int tab = 0; tab < 5; ++tab) {
+        const MainWindowState state{.current_tab = tab, .window_is_normal = true};
+        EXPECT_EQ(IsOffered(u"mnuRest", state), tab != 3) << tab;
+        EXPECT_EQ(IsOffered(u"mnuDates", state), tab != 3) << tab;
+        EXPECT_TRUE(IsOffered(u"mnuSize", state)) << tab;
+    }
+}
+
+TEST(CommandTableTest, TheDefaultSizeIsForANormalWindowOnly) {
+    const MainWindowState state{.current_tab = 0, .window_is_normal = false};
+    EXPECT_FALSE(IsOffered(u"mnuSize", state));
+    EXPECT_TRUE(IsOffered(u"mnuRest", state));
+}
+
+TEST(CommandTableTest, NothingElseDependsOnTheWindow) {
+    const MainWindowState state{.current_tab = 3, .window_is_normal = false};
+    QStringList refused;
+    for (const MenuLayout& menu : Menus())
+        for (const MenuItem& item : menu.items)
+            if (!IsAllowed(item.enabled_when, state)) refused.append(item.name.toString());
+    EXPECT_EQ(refused.join(u' ').toStdString(), "mnuDates mnuRest mnuSize");
+}
+
+// An action that stood in no line, or in two, would be set without effect or twice.
+TEST(CommandTableTest, EveryActionBelongsToOneCommand) {
+    std::vector<CommandId> actions;
+    for (const MenuLayout& menu : Menus()) {
+        for (const MenuItem& item : menu.items) {
+            if (item.action == nullptr) continue;
+            EXPECT_EQ(std::count(actions.begin(), actions.end(), item.action), 0)
+                << item.name.toString().toStdString();
+            actions.push_back(item.action);
+        }
+    }
+    EXPECT_EQ(actions.size() * sizeof(CommandActions::Action), sizeof(CommandActions));
+}
+
+TEST(CommandTableTest, OneKeyRunsACommand) {
+    EXPECT_EQ(CommandOfKey(Qt::Key_F2), &CommandActions::load_picture);
+    EXPECT_EQ(CommandOfKey(Qt::Key_F3), nullptr);
+    EXPECT_EQ(CommandOfKey(0), nullptr);
 }
 
 }  // namespace

@@ -1,0 +1,95 @@
+#include "browser/command_table.h"
+
+#include "browser/detail_tabs.h"
+
+namespace browser {
+namespace {
+
+using A = CommandActions;
+
+constexpr EnabledWhen kAlways = EnabledWhen::kAlways;
+constexpr MenuItem kSeparator = {u"", u"-"};
+
+constexpr MenuItem kFile[] = {
+    {u"mnuTblScan", u"&Scan for New Tables", &A::scan_for_tables},
+    {u"mnusep1", u"-"},
+    {u"mnuExit", u"E&xit", &A::exit},
+};
+
+constexpr MenuItem kUtilities[] = {
+    {u"mnuExe", u"Set VP Exe &Location", &A::set_executable},
+    {u"mnusep2", u"-"},
+    {u"mnuDates", u"Reset File &Dates", &A::reset_file_dates, EnabledWhen::kRulesTextIsNotShown},
+    {u"mnuResetTimes", u"Reset &Times Played", &A::reset_times_played},
+    {u"mnuRest", u"&Reset Paths", &A::reset_paths, EnabledWhen::kRulesTextIsNotShown},
+    kSeparator,
+    {u"mnuCRC", u"&Update CRC's", &A::update_crcs},
+    kSeparator,
+    {u"mnuVPT", u"Import Data from &VPTs", &A::import_from_table_files},
+    kSeparator,
+    {u"mnuImport", u"&Import VPLauncher Data", &A::import_launcher_data},
+    {u"mnusep3", u"-"},
+    {u"mnuSize", u"Restore Default Size", &A::restore_default_size, EnabledWhen::kWindowIsNormal},
+    kSeparator,
+    {u"mnuPurge", u"&Purge Missing Tables", &A::purge_missing_tables},
+    kSeparator,
+    {u"mnuBackup", u"&Backup Data", &A::back_up},
+};
+
+constexpr MenuItem kOptions[] = {
+    {u"mnuMin", u"&Minimize on Play", &A::toggle_minimise_on_play, kAlways, true},
+    kSeparator,
+    {u"mnuSound", u"Toggle Sou&nd", &A::toggle_sound, kAlways, true},
+};
+
+constexpr MenuItem kHelp[] = {
+    {u"mnuHelpContents", u"&Contents", &A::show_help},
+    kSeparator,
+    {u"mnuAbout", u"&About", &A::show_about},
+};
+
+constexpr MenuItem kPopup[] = {
+    {u"mnumnu", u"Menu"},
+    kSeparator,
+    {u"mnuPlay", u"&Play", &A::play},
+    {u"mnuspace", u"-"},
+    {u"mnuAddit", u"Toggle &Favorites", &A::toggle_favorites},
+    {u"mnuspace2", u"-"},
+    {u"mnuClip", u"&Load Picture From Clipboard", &A::load_picture, kAlways, false, Qt::Key_F2},
+    kSeparator,
+    {u"mnuTI", u"View Table  &Info", &A::view_table_info},
+};
+
+constexpr MenuLayout kMenus[] = {
+    {kFileMenu, u"&File", kFile},          {kUtilitiesMenu, u"&Utilities", kUtilities},
+    {kOptionsMenu, u"&Options", kOptions}, {kHelpMenu, u"&Help", kHelp},
+    {kPopupMenu, u"Popup", kPopup},
+};
+
+}  // namespace
+
+bool IsAllowed(EnabledWhen rule, const MainWindowState& state) {
+    switch (rule) {
+    case EnabledWhen::kAlways:
+        return true;
+    case EnabledWhen::kRulesTextIsNotShown:
+        return state.current_tab != kRulesTextTab;
+    case EnabledWhen::kWindowIsNormal:
+        return state.window_is_normal;
+    }
+    return true;
+}
+
+std::span<const MenuLayout> Menus() {
+    return kMenus;
+}
+
+CommandId CommandOfKey(int key) {
+    if (key == 0) return nullptr;
+    for (const MenuLayout& menu : kMenus)
+        for (const MenuItem& item : menu.items)
+            if (item.key == key) return item.action;
+    return nullptr;
+}
+
+}  // namespace browser
