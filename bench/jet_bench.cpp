@@ -6,8 +6,8 @@
 #include "counting_files.h"
 
 #include "jet/connection.h"
-#include "jet/conversions.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
+#include "jet/values/conversions.h"
 
 #include "base/unicode.h"
 

@@ -21,7 +21,6 @@ if(MOLD_PROGRAM)
 endif()
 
 add_library(project_options INTERFACE)
-target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2
     $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>)

@@ -1,6 +1,30 @@
-# add_std_library(name sources...): a library that knows the standard library only.
+# room_headers(target [header...]): who links `target` may include the headers of its folder, those named or all, as
+# "folder/header.h", and those of no other folder. A folder of links in the build tree stands for the room; a folder inside of it
+# that is no room of its own belongs to it.
+function(room_headers target)
+    file(RELATIVE_PATH room ${CMAKE_SOURCE_DIR}/src ${CMAKE_CURRENT_SOURCE_DIR})
+    set(tree ${CMAKE_BINARY_DIR}/rooms/${target})
+    file(REMOVE_RECURSE ${tree})
+    file(MAKE_DIRECTORY ${tree}/${room})
+    set(entries ${ARGN})
+    list(TRANSFORM entries PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+    if(NOT entries)
+        file(GLOB entries CONFIGURE_DEPENDS LIST_DIRECTORIES true ${CMAKE_CURRENT_SOURCE_DIR}/*)
+    endif()
+    foreach(entry IN LISTS entries)
+        get_filename_component(name ${entry} NAME)
+        if(name MATCHES "\\.h$" OR (IS_DIRECTORY ${entry} AND NOT EXISTS ${entry}/CMakeLists.txt))
+            file(CREATE_LINK ${entry} ${tree}/${room}/${name} SYMBOLIC)
+        endif()
+    endforeach()
+    target_include_directories(${target} PUBLIC ${tree})
+endfunction()
+
+# add_std_library(name sources... [HEADERS header...]): a library that knows the standard library only.
 function(add_std_library name)
-    add_library(${name} STATIC ${ARGN})
+    cmake_parse_arguments(L "" "" "HEADERS" ${ARGN})
+    add_library(${name} STATIC ${L_UNPARSED_ARGUMENTS})
+    room_headers(${name} ${L_HEADERS})
     target_link_libraries(${name} PUBLIC project_options PRIVATE strict_conversions)
     use_precompiled_headers(${name} standard)
 endfunction()
@@ -8,6 +32,7 @@ endfunction()
 # add_qt_library(name sources...): a library on Qt Core, without a widget.
 function(add_qt_library name)
     add_library(${name} STATIC ${ARGN})
+    room_headers(${name})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Core)
     use_precompiled_headers(${name} qt)
@@ -16,6 +41,7 @@ endfunction()
 # add_window_library(name sources...): windows.
 function(add_window_library name)
     add_library(${name} STATIC ${ARGN})
+    room_headers(${name})
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
     target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Widgets)
     use_precompiled_headers(${name} window)

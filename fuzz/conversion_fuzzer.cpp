@@ -1,13 +1,13 @@
 // Texts of dates, numbers and GUIDs, format patterns, and the conversion of values into columns.
 // What was read must be written and read again as the same.
 #include "base/unicode.h"
-#include "jet/coerce.h"
-#include "jet/conversions.h"
-#include "jet/decimal.h"
-#include "jet/guid_text.h"
-#include "jet/number_text.h"
-#include "jet/sql/format_number.h"
-#include "jet/sql/like.h"
+#include "jet/sql/functions/format_number.h"
+#include "jet/text/like.h"
+#include "jet/values/coerce.h"
+#include "jet/values/conversions.h"
+#include "jet/values/decimal.h"
+#include "jet/values/guid_text.h"
+#include "jet/values/number_text.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -86,7 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static_cast<void>(jet::FormatDate(number, text));
     static_cast<void>(jet::sql::FormatNumberAs(number, text));
     const std::size_t half = text.size() / 2;
-    static_cast<void>(jet::sql::Like(std::u16string_view(text).substr(0, half),
+    static_cast<void>(jet::Like(std::u16string_view(text).substr(0, half),
                                      std::u16string_view(text).substr(half)));
     return 0;
 }

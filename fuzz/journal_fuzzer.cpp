@@ -3,9 +3,9 @@
 // count, u16 size, payload) that get a right header and right checksums, so that their content is
 // looked at. With bit 1 the database is encoded.
 #include "base/byte_reader.h"
-#include "jet/file_mark.h"
-#include "jet/journal.h"
-#include "jet/page_store.h"
+#include "jet/pages/file_mark.h"
+#include "jet/pages/journal.h"
+#include "jet/pages/page_store.h"
 #include "support/encoded_file.h"
 #include "support/faulty_file_system.h"
 #include "support/make_pages.h"

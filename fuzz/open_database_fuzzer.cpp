@@ -2,9 +2,9 @@
 // runs the checker. Input: byte 0 even: the rest is the file itself. Odd: the rest are patches (u24
 // offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep. With
 // bit 1 the file of the patches is encoded.
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "jet/connection.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "support/encoded_file.h"
 #include "support/faulty_file_system.h"
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Turns src/jet/collation_data/*.tsv into src/jet/collation_tables.cpp.
+"""Turns src/jet/text/collation_data/*.tsv into src/jet/text/collation_tables.cpp.
 
 Run it from anywhere after changing the data; the result is committed, so that a build needs no Python.
 """
 import pathlib
 
-JET = pathlib.Path(__file__).resolve().parent.parent / 'src' / 'jet'
+JET = pathlib.Path(__file__).resolve().parent.parent / 'src' / 'jet' / 'text'
 DATA = JET / 'collation_data'
 
 # Forms of a unit; the numbers are those of collation_tables.h.
@@ -60,7 +60,7 @@ def listed(values, per_line):
 def main():
     blocks, block_of, specials = general()
     out = ['// Made by scripts/make_collation_tables.py from collation_data/. Do not edit.',
-           '// clang-format off', '#include "jet/collation_tables.h"', '',
+           '// clang-format off', '#include "jet/text/collation_tables.h"', '',
            'namespace jet::collation {', '',
            'const std::uint8_t kBlockOf[256] = {', *listed([str(b) for b in block_of], 32), '};', '',
            f'const std::uint32_t kBlocks[{len(blocks)}][256] = {{']

@@ -1,6 +1,6 @@
 // tavolo-dbcheck FILE: checks a database file, changes nothing. Exit status: 0 sound, 1 faults, 2
 // cannot be checked.
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "platform/file_system.h"
 
 #include <cstdio>

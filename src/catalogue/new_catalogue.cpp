@@ -3,7 +3,7 @@
 #include "base/file_names.h"
 #include "catalogue/data_source.h"
 #include "jet/connection.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace catalogue {
 namespace {

@@ -1,7 +1,7 @@
 #include "catalogue/pin_subs.h"
 
 #include "base/path_pieces.h"
-#include "jet/conversions.h"
+#include "jet/values/conversions.h"
 #include "platform/files.h"
 
 #include <cmath>

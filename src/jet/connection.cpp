@@ -3,12 +3,13 @@
 #include "jet/connection_impl.h"
 #include "jet/connection_string.h"
 #include "jet/errors.h"
-#include "jet/page_store.h"
+#include "jet/pages/page_store.h"
 #include "jet/recordset_impl.h"
-#include "jet/sql/executor.h"
-#include "jet/sql/parser.h"
-#include "jet/sql/rule_maker.h"
-#include "jet/system_clock.h"
+#include "jet/sql/plans/query.h"
+#include "jet/sql/statements/executor.h"
+#include "jet/sql/statements/rule_maker.h"
+#include "jet/sql/syntax/parser.h"
+#include "jet/values/system_clock.h"
 
 #include "base/file_names.h"
 
@@ -42,6 +43,7 @@ Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesys
 }  // namespace
 
 Connection::Impl::Impl(FileSystem* files, Clock clock) : files_(files) {
+    session_.prepare_select = sql::PrepareSubselect;
     session_.clock = clock ? std::move(clock) : Clock(SystemNow);
 }
 

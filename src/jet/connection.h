@@ -5,7 +5,7 @@
 #pragma once
 
 #include "base/status.h"
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 #include "jet/recordset.h"
 
 #include <cstdint>

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "jet/connection.h"
-#include "jet/database.h"
-#include "jet/sql/ast.h"
-#include "jet/sql/session.h"
+#include "jet/sql/functions/session.h"
+#include "jet/sql/syntax/ast.h"
+#include "jet/tables/database.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "jet/connection_string.h"
 
-#include "jet/calendar_names.h"
+#include "jet/values/calendar_names.h"
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 #pragma once
 
 #include "base/status.h"
-#include "jet/value.h"
+#include "jet/values/value.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,10 +1,10 @@
 #include "jet/recordset_impl.h"
 
-#include "jet/calendar_names.h"
-#include "jet/coerce.h"
 #include "jet/errors.h"
-#include "jet/sql/parser.h"
-#include "jet/sql/transaction.h"
+#include "jet/sql/statements/transaction.h"
+#include "jet/sql/syntax/parser.h"
+#include "jet/values/calendar_names.h"
+#include "jet/values/coerce.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 
 #include "jet/connection_impl.h"
 #include "jet/recordset.h"
-#include "jet/sql/query.h"
+#include "jet/sql/plans/query.h"
 
 #include <cstdint>
 #include <memory>

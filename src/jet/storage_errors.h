@@ -3,7 +3,7 @@
 #pragma once
 
 #include "base/status.h"
-#include "jet/page_store.h"
+#include "jet/ids.h"
 
 #include <string>
 #include <string_view>

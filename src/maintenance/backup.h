@@ -1,7 +1,7 @@
 // Backup: a copy of the catalogue beside it, one generation.
 #pragma once
 
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 #include "maintenance/command_context.h"
 
 #include <QtCore/QString>

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "catalogue/pin_subs.h"
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 #include "maintenance/launcher_record.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"

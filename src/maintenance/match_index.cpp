@@ -1,6 +1,6 @@
 #include "maintenance/match_index.h"
 
-#include "jet/collation.h"
+#include "jet/text/collation.h"
 
 #include <algorithm>
 

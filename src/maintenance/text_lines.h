@@ -3,7 +3,7 @@
 // empty: they are no text.
 #pragma once
 
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 
 #include <QtCore/QString>
 

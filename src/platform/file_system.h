@@ -2,7 +2,7 @@
 // `platform_files`.
 #pragma once
 
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 #include "catalogue/new_catalogue.h"
 
 #include "jet/connection.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "platform/file_system.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "catalogue/new_catalogue.h"
 #include "catalogue/pin_subs.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "support/catalogue_fixture.h"
 
 #include <QtCore/QDir>

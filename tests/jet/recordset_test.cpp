@@ -1,7 +1,7 @@
 #include "jet/recordset.h"
 
 #include "jet/connection_string.h"
-#include "jet/sql_fixture.h"
+#include "jet/sql/sql_fixture.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // disk, after having done half of a write.
 #pragma once
 
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 
 #include <functional>
 #include <memory>

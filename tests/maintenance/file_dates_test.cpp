@@ -1,6 +1,6 @@
 #include "maintenance/file_dates.h"
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "maintenance/command_fixture.h"
 #include "platform/files.h"
 

@@ -1,7 +1,7 @@
 // DatabaseIsSound: what tests that write a database ask afterwards.
 #pragma once
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 
 #include <gtest/gtest.h>
 

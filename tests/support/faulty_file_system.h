@@ -5,7 +5,7 @@
 // may or may not be. Threads: any; the files have one lock.
 #pragma once
 
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 
 #include <cstdint>
 #include <map>

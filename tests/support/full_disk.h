@@ -2,7 +2,7 @@
 // further one does half of its work and fails. Reading goes on. May be called from several threads.
 #pragma once
 
-#include "jet/file_system.h"
+#include "jet/pages/file_system.h"
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 // MakePages: a file that the page store takes for a database: a header page and pages of zeros.
 #pragma once
 
-#include "jet/page_store.h"
+#include "jet/pages/page_store.h"
 
 #include <cstring>
 #include <vector>

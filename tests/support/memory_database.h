@@ -2,12 +2,12 @@
 // above it. Keys are compared value by value; there are no pages.
 #pragma once
 
-#include "jet/coerce.h"
-#include "jet/collation.h"
-#include "jet/database.h"
 #include "jet/errors.h"
-#include "jet/sql/bind.h"
-#include "jet/sql/sort_key.h"
+#include "jet/sql/expressions/bind.h"
+#include "jet/sql/functions/sort_key.h"
+#include "jet/tables/database.h"
+#include "jet/text/collation.h"
+#include "jet/values/coerce.h"
 
 #include <algorithm>
 #include <map>

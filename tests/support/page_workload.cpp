@@ -1,6 +1,6 @@
 #include "support/page_workload.h"
 
-#include "jet/file_mark.h"
+#include "jet/pages/file_mark.h"
 #include "support/encoded_file.h"
 
 #include <algorithm>

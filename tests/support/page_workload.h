@@ -2,7 +2,7 @@
 // same seed, and the content that the file must have after each of them.
 #pragma once
 
-#include "jet/page_store.h"
+#include "jet/pages/page_store.h"
 #include "support/make_pages.h"
 
 #include <gtest/gtest.h>

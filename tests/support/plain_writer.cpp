@@ -1,7 +1,7 @@
 #include "support/plain_writer.h"
 
-#include "jet/catalog.h"
-#include "jet/key_encoder.h"
+#include "jet/index/key_encoder.h"
+#include "jet/tables/catalog.h"
 
 #include <gtest/gtest.h>
 

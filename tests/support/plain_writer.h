@@ -6,9 +6,9 @@
 // It works on the bytes of a whole file that nobody else has open.
 #pragma once
 
-#include "jet/database.h"
-#include "jet/file_context.h"
-#include "jet/table_definition.h"
+#include "jet/rows/file_context.h"
+#include "jet/rows/table_definition.h"
+#include "jet/tables/database.h"
 
 #include <memory>
 #include <string>

@@ -1,0 +1,37 @@
+// The long values (memo, OLE) of one column: follows what rows point to, and finds what no row
+// points to.
+#pragma once
+
+#include "jet/check/check_definition.h"
+
+#include <map>
+#include <set>
+#include <string>
+
+namespace jet::check {
+
+class LongValues {
+public:
+    // Reads the column's maps and pages. `run` must outlive it.
+    LongValues(CheckRun& run, const LongValueMaps& maps, std::string column_name,
+               PageNumber definition_page);
+
+    // The content that the field of a row stands for; damage is reported at that row.
+    Bytes Follow(std::span<const std::byte> field, PageNumber page, int row);
+
+    // To be called when all rows are done: reports live long values that no row has.
+    void ReportUnused();
+
+private:
+    using Place = std::pair<PageNumber, std::uint8_t>;
+    const Slot* Take(RowPointer pointer, PageNumber page, int row);
+    void FollowChain(RowPointer first, std::uint32_t length, std::uint32_t stamp, PageNumber page,
+                     int row, Bytes& content);
+
+    CheckRun& run_;
+    std::string name_;
+    std::map<PageNumber, DataPage> pages_;
+    std::set<Place> used_;
+};
+
+}  // namespace jet::check

@@ -1,0 +1,127 @@
+// IndexTree: a B-tree of (key, row) entries: finding, walking, and (with an open transaction)
+// inserting and removing. Entries ascend over the whole tree by key bytes and row id. The root page
+// never changes. A node's key is the last entry below its child, and stays so through every change;
+// trees in which it is larger, as earlier versions left them behind, are read and changed all the
+// same. A page's type and the way to it say how high it stands, never its level byte: not every
+// engine keeps that. Every page met is checked for its owner, and walks are bounded, so that a
+// damaged tree ends in kCorruption.
+#pragma once
+
+#include "jet/index/index_page_editor.h"
+#include "jet/rows/file_context.h"
+#include "jet/rows/table_definition.h"
+
+#include <optional>
+#include <vector>
+
+namespace jet {
+
+class IndexTree {
+public:
+    IndexTree(FileContext& file, PageNumber table, PageNumber root, RowPointer map)
+        : file_(file), table_(table), root_(root), map_(map) {}
+
+    // One entry's place; it goes stale when the tree changes.
+    struct Place {
+        PageView page;
+        IndexPageView view;  // of `page`
+        std::size_t entry = 0;
+        bool at_end() const { return !page; }
+    };
+
+    // The first entry >= `target` (key bytes, perhaps with a row id).
+    base::Result<Place> Seek(std::span<const std::byte> target) const;
+    // The last entry < `target`; at_end() when there is none.
+    base::Result<Place> SeekBefore(std::span<const std::byte> target) const;
+    base::Status Next(Place& place) const;
+    base::Status Previous(Place& place) const;
+
+    // True when some other row than `except` has exactly this key.
+    base::Result<bool> HasOther(std::span<const std::byte> key, RowId except) const;
+
+    // True: no entry beside the new one has the same key. 3047: the key is too long for the format.
+    base::Result<bool> Insert(std::span<const std::byte> key, RowId row);
+    // False: there was no such entry.
+    base::Result<bool> Remove(std::span<const std::byte> key, RowId row);
+    // Finds the row's entry whatever its key is, by walking the leaves; for entries whose key was
+    // made by other rules.
+    base::Result<bool> RemoveByWalk(RowId row);
+    // Frees all pages but the root, which becomes an empty leaf.
+    base::Status Clear();
+    // Makes the root page an empty leaf.
+    base::Status Create();
+
+    // Goes up with every change, so that walkers know when their place is stale.
+    std::uint64_t changes() const { return changes_; }
+
+private:
+    // A node on the way from the root to a leaf.
+    struct Step {
+        PageNumber page;
+        std::size_t child;  // entry taken; the number of entries: the tail
+        bool is_tail;
+        std::uint8_t level;  // 1: its children are leaves
+    };
+    using Path = std::vector<Step>;
+    // One of the pages that a page was split into; the last entry of its subtree, without a child.
+    struct Part {
+        PageNumber page;
+        Bytes last;
+    };
+
+    // True when the leaf that the path ends with is the last of all.
+    static bool IsRightmost(const Path& path);
+
+    base::Result<Place> Load(PageNumber page) const;
+    base::Result<Place> LoadLeaf(PageNumber page) const;
+    // Down to the leaf where `target` is or would be.
+    base::Result<Place> Descend(std::span<const std::byte> target) const;
+    // The leaf alone, without a look at its entries; `path` receives the nodes passed.
+    base::Result<PageNumber> FindLeaf(std::span<const std::byte> target, Path& path) const;
+    // The nodes above `page`. Requires: `target` is below it.
+    base::Result<Path> PathTo(std::span<const std::byte> target, PageNumber page) const;
+    // `level`: of the page, as the way to it has it.
+    base::Result<IndexPageImage> LoadImage(PageNumber page, std::uint8_t level) const;
+    base::Result<PageNumber> NodeLink(PageNumber page, PageNumber other, std::size_t back) const;
+    base::Status WriteImage(PageNumber page, const IndexPageImage& image);
+    base::Result<PageNumber> NewPage();
+    base::Status FreePage(PageNumber page);
+    base::Status SetLink(PageNumber page, std::size_t which, PageNumber target);
+    // Takes a page out of the chain of its level.
+    base::Status Unlink(const IndexPageImage& image);
+
+    // The greatest entry below the last child of `path` has become `last`. The path goes stale.
+    base::Status SetLast(Path path, std::span<const std::byte> last);
+    base::Status Split(Path path, PageNumber page, IndexPageImage image, bool ascending);
+    base::Status ReplaceChild(Path path, const std::vector<Part>& parts);
+    base::Status GrowRoot(std::vector<IndexPageImage> pieces, std::vector<Bytes> lasts);
+
+    base::Status RemoveEntry(Path path, PageNumber leaf, std::span<const std::byte> entry);
+    base::Status DropChild(Path path);
+    base::Status CollapseRoot(PageNumber child, std::uint8_t level);
+
+    // A node, and the two of its children that are neighbours and may become one page.
+    struct Neighbours {
+        PageNumber parent_page;
+        IndexPageImage parent;
+        std::size_t left;       // position among the parent's children
+        IndexPageImage joined;  // what both hold, with the links of both
+    };
+    // `path` leads to the sparse page `page`.
+    base::Status Balance(Path path, PageNumber page);
+    // nullopt: they do not fit together as the children of one node should.
+    base::Result<std::optional<IndexPageImage>> Join(const IndexPageImage& parent,
+                                                     std::size_t left) const;
+    base::Status Merge(Path path, Neighbours& neighbours);
+    base::Status Share(Path path, Neighbours& neighbours);
+    // A node that has lost children; `path` leads to it.
+    base::Status WriteShrunkNode(Path path, PageNumber page, const IndexPageImage& image);
+
+    FileContext& file_;
+    PageNumber table_;
+    PageNumber root_;
+    RowPointer map_;
+    std::uint64_t changes_ = 0;
+};
+
+}  // namespace jet

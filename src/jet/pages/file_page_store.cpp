@@ -1,0 +1,339 @@
+#include "jet/pages/file_page_store.h"
+
+#include "jet/pages/file_mark.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+
+namespace jet {
+namespace {
+
+constexpr std::size_t kMostBytesAtOnce = 1U << 20;
+// A journal that grows while checkpoints run beside the commits is emptied by a commit that waits.
+constexpr std::uint64_t kLongestJournal = 64U << 20;
+constexpr std::uint64_t kLargestJet4File = std::uint64_t{2} << 30;
+constexpr std::uint64_t kLargestJet3File = std::uint64_t{1} << 30;
+
+base::Status NoSuchPage(PageNumber page) {
+    return {base::StatusCode::kCorruption,
+            "page " + std::to_string(page) + " is past the end of the file"};
+}
+
+// A copy, encoded or, if it was that, plain.
+std::shared_ptr<PageBytes> Encoded(const PageEncoding& encoding, PageNumber number,
+                                   const SharedPage& page) {
+    auto encoded = std::make_shared<PageBytes>(*page);
+    encoding.Apply(number, *encoded);
+    return encoded;
+}
+
+}  // namespace
+
+// The engine's words for what the system said.
+base::Status EngineStatus(const base::Status& status) {
+    switch (status.code()) {
+    case base::StatusCode::kNoSpace:
+        return {status.code(), "Not enough space on disk.", 3026};
+    case base::StatusCode::kIoError:
+        return {status.code(), "Disk or network error.", 3043};
+    default:
+        return status;
+    }
+}
+
+FilePageStore::FilePageStore(FileSystem& files, const std::filesystem::path& path, Parts parts,
+                             const PageStoreOptions& options)
+    : path_(path), page_size_(parts.page_size), encoding_(parts.encoding),
+      read_only_(options.read_only), committed_count_(parts.page_count), ahead_(parts.page_size),
+      file_(std::move(parts.file)), owner_(std::move(parts.owner)),
+      journal_(files, Journal::PathFor(path)), cache_(options.cache_bytes / parts.page_size),
+      pages_in_file_(parts.page_count) {}
+
+FilePageStore::~FilePageStore() {
+    Close().Ignore();
+}
+
+void FilePageStore::StartFlusher(std::chrono::milliseconds delay) {
+    flusher_ = std::make_unique<Flusher>(delay, [this] { return Checkpoint().ok(); });
+}
+
+base::Status FilePageStore::Recover(RecoveredJournal recovered, std::unique_ptr<File> journal) {
+    pending_ = std::move(recovered.pages);
+    if (!encoding_.is_plain())
+        for (auto& [number, page] : pending_)
+            page = Encoded(encoding_, number, page);
+    committed_count_ = recovered.page_count;
+    pages_in_file_ = std::min(pages_in_file_, committed_count_);
+    if (journal == nullptr) return {};
+    journal_.Resume(std::move(journal), std::move(recovered.end));
+    return Checkpoint();
+}
+
+PageNumber FilePageStore::page_count() const {
+    return transaction_.open() ? transaction_.page_count() : committed_count_;
+}
+
+base::Status FilePageStore::CheckUsable() const {
+    if (closed_) return {base::StatusCode::kInvalidArgument, "The database is closed."};
+    if (is_in_doubt_) return {base::StatusCode::kIoError, "Disk or network error.", 3043};
+    return {};
+}
+
+// ---------------------------------------------------------------------------------- reading
+
+base::Result<PageView> FilePageStore::Read(PageNumber page) {
+    RETURN_IF_ERROR(CheckUsable());
+    if (page >= page_count()) return NoSuchPage(page);
+    if (SharedPage changed = transaction_.Find(page)) return PageView(std::move(changed));
+    ASSIGN_OR_RETURN(SharedPage bytes, Load(page));
+    return PageView(std::move(bytes));
+}
+
+SharedPage FilePageStore::FindInMemory(PageNumber page) {
+    const auto pending = pending_.find(page);
+    return pending != pending_.end() ? pending->second : cache_.Find(page);
+}
+
+base::Result<SharedPage> FilePageStore::Load(PageNumber page) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (SharedPage known = FindInMemory(page)) return known;
+        if (page >= pages_in_file_) return NoSuchPage(page);
+    }
+    if (SharedPage ahead = TakeAhead(page)) return ahead;
+    return Fetch(page);
+}
+
+// Pages that are not pending now cannot become so before this returns: commits come from this
+// thread. So what is read without the lock is not being written.
+base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
+    PageNumber count = read_ahead_.PagesFrom(page);
+    if (page == 0) count = 1;  // a checkpoint changes its mark without a commit
+    {
+        const std::lock_guard lock(mutex_);
+        count = std::min(count, pages_in_file_ - page);
+        const auto next_pending = pending_.upper_bound(page);
+        if (next_pending != pending_.end()) count = std::min(count, next_pending->first - page);
+    }
+    const std::uint64_t offset = std::uint64_t{page} * page_size_;
+    const std::span<std::byte> bytes = ahead_.Room(count);
+    // When many cannot be read, one of the others may be bad.
+    if (count > 1 && !file_->ReadAt(offset, bytes).ok()) count = 1;
+    if (count == 1) {
+        const base::Status read = file_->ReadAt(offset, bytes.first(page_size_));
+        if (!read.ok()) return EngineStatus(read);
+    }
+    for (PageNumber i = 0; i < count; ++i)
+        encoding_.Apply(page + i, bytes.subspan(std::size_t{i} * page_size_, page_size_));
+    ahead_.Hold(page, count);
+    if (count > 1 && read_ahead_.is_long_walk()) return TakeAhead(page);
+    const std::lock_guard lock(mutex_);
+    SharedPage wanted;
+    for (PageNumber i = count; i-- > 0;) {
+        if (i > 0 && cache_.Contains(page + i)) continue;
+        wanted = ahead_.Copy(page + i);
+        cache_.Put(page + i, wanted);
+    }
+    ahead_.Forget();
+    return wanted;
+}
+
+// null: it was not read ahead. Who asks twice for a page is not walking, and it goes to the cache.
+SharedPage FilePageStore::TakeAhead(PageNumber page) {
+    if (!ahead_.Contains(page)) return nullptr;
+    SharedPage bytes = ahead_.Copy(page);
+    if (page == last_ahead_) {
+        const std::lock_guard lock(mutex_);
+        cache_.Put(page, bytes);
+    }
+    last_ahead_ = page;
+    return bytes;
+}
+
+// ---------------------------------------------------------------------------------- changing
+
+base::Status FilePageStore::Begin() {
+    RETURN_IF_ERROR(CheckUsable());
+    if (read_only_)
+        return {base::StatusCode::kPermissionDenied,
+                "Cannot update. Database or object is read-only.", 3027};
+    transaction_.Begin(committed_count_);
+    return {};
+}
+
+base::Result<std::span<std::byte>> FilePageStore::Change(PageNumber page) {
+    assert(transaction_.open());
+    RETURN_IF_ERROR(CheckUsable());
+    if (page >= page_count()) return NoSuchPage(page);
+    if (const auto again = transaction_.ChangeAgain(page); !again.empty()) return again;
+    ASSIGN_OR_RETURN(const SharedPage before, Load(page));
+    return transaction_.Change(page, before);
+}
+
+base::Result<PageNumber> FilePageStore::Extend() {
+    assert(transaction_.open());
+    RETURN_IF_ERROR(CheckUsable());
+    const std::uint64_t largest = page_size_ == 2048 ? kLargestJet3File : kLargestJet4File;
+    if ((std::uint64_t{page_count()} + 1) * page_size_ > largest)
+        return base::Status(base::StatusCode::kNoSpace, "Not enough space on disk.", 3026);
+    return transaction_.Extend(page_size_);
+}
+
+base::Status FilePageStore::Commit() {
+    assert(transaction_.open());
+    base::Status done = CheckUsable();
+    if (done.ok() && !transaction_.pages().empty()) done = CommitPages();
+    transaction_.End();
+    return EngineStatus(done);
+}
+
+base::Status FilePageStore::CommitPages() {
+    std::uint64_t journal_size = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        RETURN_IF_ERROR(AppendToJournal());
+        TakeIntoPending();
+        journal_size = journal_.size_bytes();
+    }
+    if (flusher_ != nullptr) flusher_->Request();
+    if (journal_size > kLongestJournal) Checkpoint().Ignore();  // tried again later
+    return {};
+}
+
+base::Status FilePageStore::AppendToJournal() {
+    JournalHeader header;
+    if (journal_.empty()) {
+        ASSIGN_OR_RETURN(header, MakeJournalHeader());
+    }
+    const base::Status added =
+        journal_.AddTransaction(encoding_.is_plain() ? transaction_.pages() : EncodedPages(),
+                                transaction_.page_count(), header);
+    is_in_doubt_ = !added.ok() && journal_.is_in_doubt();
+    return added;
+}
+
+// What the open transaction changes, as it is in the file and will be.
+PageTransaction::ChangedPages FilePageStore::EncodedPages() const {
+    PageTransaction::ChangedPages encoded = transaction_.pages();
+    for (auto& [number, page] : encoded) {
+        if (page.before != nullptr) page.before = Encoded(encoding_, number, page.before);
+        page.after = Encoded(encoding_, number, page.after);
+    }
+    return encoded;
+}
+
+void FilePageStore::TakeIntoPending() {
+    ahead_.Forget();
+    for (const auto& [number, page] : transaction_.pages()) {
+        pending_[number] = page.after;
+        cache_.Erase(number);
+    }
+    committed_count_ = transaction_.page_count();
+}
+
+base::Result<JournalHeader> FilePageStore::MakeJournalHeader() {
+    JournalHeader header;
+    header.page_size = page_size_;
+    header.salt = MakeFileMark();
+    header.page_count = pages_in_file_;
+    header.first_page.resize(page_size_);
+    RETURN_IF_ERROR(file_->ReadAt(0, header.first_page));
+    if (ReadFileMark(header.first_page) == 0 || !first_mark_is_durable_)
+        RETURN_IF_ERROR(GiveFirstMark(header.first_page));
+    return header;
+}
+
+// Before the first journal of a file's life: without a mark of its own, a file like it could be
+// taken for it. Synced at once, for the journal's header counts on it.
+base::Status FilePageStore::GiveFirstMark(PageBytes& first_page) {
+    const auto words = std::span(first_page).subspan(FileMarkOffset(page_size_), kFileMarkBytes);
+    StoreFileMark(words, MakeFileMark());
+    cache_.Erase(0);
+    first_mark_is_durable_ = false;
+    RETURN_IF_ERROR(file_->WriteAt(FileMarkOffset(page_size_), words));
+    RETURN_IF_ERROR(file_->Sync());
+    first_mark_is_durable_ = true;
+    return {};
+}
+
+// -------------------------------------------------------------------------------- checkpoint
+
+base::Status FilePageStore::Flush() {
+    RETURN_IF_ERROR(CheckUsable());
+    return EngineStatus(Checkpoint());
+}
+
+base::Status FilePageStore::Checkpoint() {
+    if (read_only_) return {};
+    const std::lock_guard one_at_a_time(checkpoint_mutex_);
+    ASSIGN_OR_RETURN(const std::optional<Snapshot> snapshot, BeginCheckpoint());
+    if (!snapshot) return {};
+    RETURN_IF_ERROR(journal_.Sync());
+    RETURN_IF_ERROR(WriteSnapshot(*snapshot));
+    RETURN_IF_ERROR(file_->Sync());
+    return EndCheckpoint(*snapshot);
+}
+
+// nullopt: there is nothing to do.
+base::Result<std::optional<FilePageStore::Snapshot>> FilePageStore::BeginCheckpoint() {
+    const std::lock_guard lock(mutex_);
+    if (journal_.empty()) return std::optional<Snapshot>();
+    Snapshot snapshot{pending_, MakeFileMark()};
+    RETURN_IF_ERROR(journal_.AddMark(snapshot.mark));
+    return std::optional<Snapshot>(std::move(snapshot));
+}
+
+base::Status FilePageStore::WriteSnapshot(const Snapshot& snapshot) {
+    PageBytes run;
+    PageNumber run_start = 0;
+    const auto write_run = [&] {
+        const base::Status written = file_->WriteAt(std::uint64_t{run_start} * page_size_, run);
+        run.clear();
+        return written;
+    };
+    for (const auto& [number, page] : snapshot.pages) {
+        const bool continues = number == run_start + run.size() / page_size_;
+        if (!run.empty() && (!continues || run.size() >= kMostBytesAtOnce))
+            RETURN_IF_ERROR(write_run());
+        if (run.empty()) run_start = number;
+        run.insert(run.end(), page->begin(), page->end());
+        encoding_.Apply(number, std::span(run).last(page_size_));
+        if (number == 0)
+            StoreFileMark(std::span(run).subspan(FileMarkOffset(page_size_), kFileMarkBytes),
+                          snapshot.mark);
+    }
+    if (!run.empty()) RETURN_IF_ERROR(write_run());
+    if (snapshot.pages.contains(0)) return {};
+    std::array<std::byte, kFileMarkBytes> words{};
+    StoreFileMark(words, snapshot.mark);
+    return file_->WriteAt(FileMarkOffset(page_size_), words);
+}
+
+base::Status FilePageStore::EndCheckpoint(const Snapshot& snapshot) {
+    const std::lock_guard lock(mutex_);
+    for (const auto& [number, page] : snapshot.pages) {
+        pages_in_file_ = std::max(pages_in_file_, number + 1);
+        const auto pending = pending_.find(number);
+        if (pending->second != page) continue;  // committed again meanwhile
+        pending_.erase(pending);
+        if (number != 0) cache_.Put(number, page);  // page 0 has another mark now
+    }
+    cache_.Erase(0);
+    return pending_.empty() ? journal_.Reset() : base::Status();
+}
+
+base::Status FilePageStore::Close() {
+    if (closed_) return {};
+    transaction_.End();
+    flusher_.reset();
+    const base::Status done = Checkpoint();
+    if (!read_only_ && journal_.empty()) journal_.RemoveFile();
+    closed_ = true;
+    pending_.clear();
+    owner_.reset();
+    file_.reset();
+    return EngineStatus(done);
+}
+
+}  // namespace jet

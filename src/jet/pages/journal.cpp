@@ -1,0 +1,120 @@
+#include "jet/pages/journal.h"
+
+#include "base/byte_writer.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace jet {
+
+Journal::Journal(FileSystem& files, std::filesystem::path path)
+    : files_(files), path_(std::move(path)) {}
+
+std::filesystem::path Journal::PathFor(const std::filesystem::path& database) {
+    std::filesystem::path path = database;
+    path += "-journal";
+    return path;
+}
+
+void Journal::Resume(std::unique_ptr<File> file, JournalEnd end) {
+    file_ = std::move(file);
+    end_ = std::move(end);
+}
+
+base::Status Journal::EnsureOpen() {
+    if (file_ != nullptr) return {};
+    // Whatever lies there was found to be no journal of this file.
+    ASSIGN_OR_RETURN(file_, files_.Open(path_, OpenMode::kCreate));
+    folder_synced_ = false;
+    return {};
+}
+
+base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
+                                     PageNumber page_count, const JournalHeader& header) {
+    RETURN_IF_ERROR(EnsureOpen());
+    std::vector<std::byte> bytes;
+    std::uint64_t chain = empty() ? AppendJournalHeader(bytes, header) : end_.chain;
+    const std::size_t record = BeginRecord(bytes);
+    for (const auto& [number, page] : pages) {
+        const bool is_known = page.before != nullptr && end_.pages.contains(number);
+        AppendPageChange(bytes, number,
+                         is_known ? std::span<const std::byte>(*page.before)
+                                  : std::span<const std::byte>(),
+                         *page.after);
+    }
+    chain = FinishRecord(bytes, record, RecordKind::kTransaction, page_count, chain);
+    const base::Status added = Append(bytes, chain);
+    if (!added.ok()) {
+        TakeBack();
+        return added;
+    }
+    in_doubt_ = false;
+    for (const auto& [number, page] : pages)
+        end_.pages.insert(number);
+    return {};
+}
+
+base::Status Journal::AddMark(std::uint64_t mark) {
+    assert(!empty());
+    std::vector<std::byte> bytes;
+    const std::size_t record = BeginRecord(bytes);
+    base::AppendLittle(bytes, mark);
+    const std::uint64_t chain = FinishRecord(bytes, record, RecordKind::kMark, 0, end_.chain);
+    return Append(bytes, chain);  // one that failed does no harm, whether it is found or not
+}
+
+base::Status Journal::Append(std::span<const std::byte> bytes, std::uint64_t chain) {
+    RETURN_IF_ERROR(file_->WriteAt(end_.offset, bytes));
+    end_.offset += bytes.size();
+    end_.chain = chain;
+    return {};
+}
+
+// A write that failed may have reached the file all the same; recovery must not find it.
+void Journal::TakeBack() {
+    if (file_->Truncate(end_.offset).ok()) return;
+    const std::vector<std::byte> nothing(kRecordHeadSize);
+    in_doubt_ = !file_->WriteAt(end_.offset, nothing).ok();
+}
+
+base::Status Journal::Sync() {
+    if (sync_failed_) RETURN_IF_ERROR(WriteAnew());
+    sync_failed_ = true;
+    RETURN_IF_ERROR(file_->Sync());
+    sync_failed_ = false;
+    if (folder_synced_) return {};
+    RETURN_IF_ERROR(files_.SyncFolder(path_.parent_path()));
+    folder_synced_ = true;
+    return {};
+}
+
+// Rewrites the same bytes: the content does not change, but the system marks the pages dirty again.
+// Commits that are appended meanwhile lie behind the size asked for here.
+base::Status Journal::WriteAnew() {
+    constexpr std::uint64_t kAtOnce = 1U << 20;
+    ASSIGN_OR_RETURN(const std::uint64_t size, file_->Size());
+    std::vector<std::byte> bytes;
+    for (std::uint64_t at = 0; at < size; at += bytes.size()) {
+        bytes.resize(std::min(kAtOnce, size - at));
+        RETURN_IF_ERROR(file_->ReadAt(at, bytes));
+        RETURN_IF_ERROR(file_->WriteAt(at, bytes));
+    }
+    return {};
+}
+
+base::Status Journal::Reset() {
+    RETURN_IF_ERROR(file_->Truncate(0));
+    end_ = {};
+    in_doubt_ = false;
+    sync_failed_ = false;
+    return {};
+}
+
+void Journal::RemoveFile() {
+    assert(empty());
+    if (file_ == nullptr) return;
+    file_.reset();
+    files_.Remove(path_).Ignore();  // an empty journal means nothing
+}
+
+}  // namespace jet

@@ -1,0 +1,71 @@
+// Journal: the sister file (name of the database file + "-journal") that commits are written to
+// before they reach the database file itself. Its life: made at the first commit; each commit
+// appends one record with a plain write (that survives the death of the process); a checkpoint
+// syncs it, writes the pages into the database file, syncs that and empties the journal; the last
+// one to close removes it. Threads: calls that change it are made under the lock of the store; Sync
+// may run beside them.
+#pragma once
+
+#include "jet/pages/file_system.h"
+#include "jet/pages/journal_format.h"
+
+#include <memory>
+#include <unordered_set>
+
+namespace jet {
+
+// How far a journal is good, as far as appending needs to know.
+struct JournalEnd {
+    std::uint64_t offset = 0;  // 0: the journal is empty
+    std::uint64_t chain = 0;   // checksum of the last record
+    // That it holds. Recovery leaves them out: it empties the journal before anything is appended.
+    std::unordered_set<PageNumber> pages;
+};
+
+class Journal {
+public:
+    Journal(FileSystem& files, std::filesystem::path path);
+
+    static std::filesystem::path PathFor(const std::filesystem::path& database);
+
+    // Goes on behind what recovery found.
+    void Resume(std::unique_ptr<File> file, JournalEnd end);
+
+    bool empty() const { return end_.offset == 0; }
+    std::uint64_t size_bytes() const { return end_.offset; }
+
+    // Appends one transaction. `header` names the database file and is written when the journal is
+    // empty. On failure the journal is as before, unless is_in_doubt().
+    base::Status AddTransaction(const PageTransaction::ChangedPages& pages, PageNumber page_count,
+                                const JournalHeader& header);
+    // Appends the note that a checkpoint begins which gives the database file this mark. Requires:
+    // !empty().
+    base::Status AddMark(std::uint64_t mark);
+
+    // The last AddTransaction failed and could not be taken back: recovery may or may not find it.
+    bool is_in_doubt() const { return in_doubt_; }
+
+    // Everything appended so far is on the disk when this returns ok. Systems forget what a failed
+    // sync could not write, so the next one writes it all anew first.
+    base::Status Sync();
+    // Requires: all of it is in the database file, durably.
+    base::Status Reset();
+    // Requires: empty().
+    void RemoveFile();
+
+private:
+    base::Status EnsureOpen();
+    base::Status Append(std::span<const std::byte> bytes, std::uint64_t chain);
+    void TakeBack();
+    base::Status WriteAnew();
+
+    FileSystem& files_;
+    std::filesystem::path path_;
+    std::unique_ptr<File> file_;
+    JournalEnd end_;
+    bool folder_synced_ = false;
+    bool sync_failed_ = false;
+    bool in_doubt_ = false;
+};
+
+}  // namespace jet

@@ -1,0 +1,137 @@
+#include "jet/pages/journal_recovery.h"
+
+#include "base/byte_reader.h"
+#include "jet/pages/file_mark.h"
+
+#include <algorithm>
+#include <array>
+
+namespace jet {
+namespace {
+
+constexpr std::size_t kSectorSize = 512;
+
+// Walks the records and keeps what the answer needs.
+class JournalReader {
+public:
+    JournalReader(const File& journal, std::uint64_t size) : journal_(journal), size_(size) {}
+
+    // false: no journal for pages of this size.
+    base::Result<bool> ReadHeader(std::uint32_t page_size) {
+        const std::uint64_t wanted = kJournalHeaderSize + page_size;
+        if (size_ < wanted) return false;
+        std::vector<std::byte> bytes(wanted);
+        RETURN_IF_ERROR(journal_.ReadAt(0, bytes));
+        const auto parsed = ParseJournalHeader(bytes);
+        if (!parsed || parsed->header.page_size != page_size) return false;
+        header_ = parsed->header;
+        found_.page_count = header_.page_count;
+        found_.end = {wanted, parsed->checksum, {}};
+        first_pages_.push_back(std::make_shared<PageBytes>(header_.first_page));
+        marks_.push_back(ReadFileMark(header_.first_page));
+        return true;
+    }
+
+    base::Status ReadRecords() {
+        for (bool more = true; more;) {
+            ASSIGN_OR_RETURN(more, ReadRecord());
+        }
+        return {};
+    }
+
+    bool has_transactions() const { return has_transactions_; }
+
+    // Whether `database` can be the file that this journal was written beside.
+    base::Result<bool> BelongsTo(const File& database) const {
+        ASSIGN_OR_RETURN(const std::uint64_t size, database.Size());
+        if (size < std::uint64_t{header_.page_count} * header_.page_size ||
+            size > std::uint64_t{found_.page_count} * header_.page_size)
+            return false;
+        PageBytes first_page(header_.page_size);
+        RETURN_IF_ERROR(database.ReadAt(0, first_page));
+        const std::uint64_t mark = ReadFileMark(first_page);
+        return mark != 0 && std::ranges::count(marks_, mark) != 0 && IsKnownFirstPage(first_page);
+    }
+
+    RecoveredJournal Take() && { return std::move(found_); }
+
+private:
+    // false: the good part ends here.
+    base::Result<bool> ReadRecord() {
+        const std::uint64_t left = size_ - found_.end.offset;
+        if (left < kRecordHeadSize) return false;
+        std::vector<std::byte> record(kRecordHeadSize);
+        RETURN_IF_ERROR(journal_.ReadAt(found_.end.offset, record));
+        const RecordHead head = ParseRecordHead(record);
+        if (head.payload_size > left - kRecordHeadSize) return false;
+        record.resize(kRecordHeadSize + head.payload_size);
+        RETURN_IF_ERROR(journal_.ReadAt(found_.end.offset + kRecordHeadSize,
+                                        std::span(record).subspan(kRecordHeadSize)));
+        if (!RecordIsWhole(record, found_.end.chain)) return false;
+        if (!Apply(head, std::span(record).subspan(kRecordHeadSize))) return false;
+        found_.end.offset += record.size();
+        found_.end.chain = head.checksum;
+        return true;
+    }
+
+    bool Apply(const RecordHead& head, std::span<const std::byte> payload) {
+        if (head.kind == RecordKind::kMark) {
+            const auto mark = base::LittleAt<std::uint64_t>(payload, 0);
+            if (mark) marks_.push_back(*mark);
+            return mark.has_value();
+        }
+        if (head.kind != RecordKind::kTransaction || head.page_count < found_.page_count)
+            return false;
+        const auto changed =
+            ParseTransaction(payload, header_.page_size, head.page_count, found_.pages);
+        if (!changed) return false;
+        for (const auto& [number, page] : *changed)
+            found_.pages[number] = page;
+        found_.page_count = head.page_count;
+        has_transactions_ = true;
+        RememberFirstPage();
+        return true;
+    }
+
+    void RememberFirstPage() {
+        const auto found = found_.pages.find(0);
+        if (found != found_.pages.end() && found->second != first_pages_.back())
+            first_pages_.push_back(found->second);
+    }
+
+    // Each sector of page 0 must be one that the file had when the journal was begun or was given
+    // since.
+    bool IsKnownFirstPage(std::span<const std::byte> page) const {
+        for (std::size_t sector = 0; sector < page.size() / kSectorSize; ++sector) {
+            const bool is_known = std::ranges::any_of(
+                first_pages_, [&](const auto& known) { return SameSector(page, *known, sector); });
+            if (!is_known) return false;
+        }
+        return true;
+    }
+
+    const File& journal_;
+    std::uint64_t size_;
+    JournalHeader header_;
+    RecoveredJournal found_;
+    bool has_transactions_ = false;
+    std::vector<std::uint64_t> marks_;
+    std::vector<SharedPage> first_pages_;
+};
+
+}  // namespace
+
+base::Result<LeftOverJournal> ReadJournal(const File& journal, const File& database,
+                                          std::uint32_t page_size) {
+    ASSIGN_OR_RETURN(const std::uint64_t size, journal.Size());
+    JournalReader reader(journal, size);
+    ASSIGN_OR_RETURN(const bool is_journal, reader.ReadHeader(page_size));
+    if (!is_journal) return LeftOverJournal{};
+    RETURN_IF_ERROR(reader.ReadRecords());
+    if (!reader.has_transactions()) return LeftOverJournal{};
+    ASSIGN_OR_RETURN(const bool belongs, reader.BelongsTo(database));
+    if (!belongs) return LeftOverJournal{JournalOwner::kAnotherFile, {}};
+    return LeftOverJournal{JournalOwner::kThisFile, std::move(reader).Take()};
+}
+
+}  // namespace jet

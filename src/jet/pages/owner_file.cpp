@@ -1,0 +1,94 @@
+#include "jet/pages/owner_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace jet {
+namespace {
+
+constexpr std::size_t kNameSize = 32;
+using OwnerSlot = std::array<std::byte, 2 * kNameSize>;
+
+// Cuts at a whole UTF-8 character and leaves room for the final zero.
+void StoreName(std::string_view name, std::byte* to) {
+    std::size_t size = std::min(name.size(), kNameSize - 1);
+    while (size > 0 && size < name.size() && (name[size] & 0xC0) == 0x80)
+        --size;
+    std::memcpy(to, name.data(), size);
+}
+
+std::string LoadName(const std::byte* from) {
+    std::string name;
+    for (std::size_t i = 0; i < kNameSize && from[i] != std::byte{0}; ++i)
+        name += std::to_integer<char>(from[i]);
+    return name;
+}
+
+OwnerSlot MakeSlot(const std::string& user_at_computer) {
+    OwnerSlot slot{};
+    const std::size_t at = user_at_computer.find('@');
+    const std::string_view user = std::string_view(user_at_computer).substr(0, at);
+    const std::string_view computer =
+        at == std::string::npos ? "" : std::string_view(user_at_computer).substr(at + 1);
+    StoreName(computer, slot.data());
+    StoreName(user, slot.data() + kNameSize);
+    return slot;
+}
+
+}  // namespace
+
+std::filesystem::path OwnerFile::PathFor(const std::filesystem::path& database) {
+    std::filesystem::path path = database;
+    std::string ending = database.extension().string();
+    std::ranges::transform(ending, ending.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
+    if (ending == ".mdb") return path.replace_extension(".ldb");
+    return path += ".ldb";
+}
+
+OwnerFile::OwnerFile(FileSystem& files, std::filesystem::path path, std::unique_ptr<File> file)
+    : files_(files), path_(std::move(path)), file_(std::move(file)) {}
+
+OwnerFile::~OwnerFile() {
+    // Removed while it is still locked, so that no other process takes it over in between.
+    files_.Remove(path_).Ignore();
+}
+
+base::Result<std::unique_ptr<OwnerFile>> OwnerFile::Take(FileSystem& files,
+                                                         const std::filesystem::path& database) {
+    std::filesystem::path path = PathFor(database);
+    ASSIGN_OR_RETURN(std::unique_ptr<File> file, files.Open(path, OpenMode::kOpenOrCreate));
+    const base::Status locked = file->Lock(FileLock::kExclusive);
+    if (locked.code() == base::StatusCode::kBusy) return BusyStatus(files, database);
+    RETURN_IF_ERROR(locked);
+    std::unique_ptr<OwnerFile> owner(new OwnerFile(files, std::move(path), std::move(file)));
+    RETURN_IF_ERROR(owner->file_->Truncate(0));
+    RETURN_IF_ERROR(owner->file_->WriteAt(0, MakeSlot(files.OwnerName())));
+    return owner;
+}
+
+base::Status OwnerFile::CheckFree(FileSystem& files, const std::filesystem::path& database) {
+    auto file = files.Open(PathFor(database), OpenMode::kRead);
+    if (!file.ok()) return {};  // not there, or not for our eyes
+    if (file.value()->Lock(FileLock::kShared).code() == base::StatusCode::kBusy)
+        return BusyStatus(files, database);
+    return {};
+}
+
+base::Status OwnerFile::BusyStatus(FileSystem& files, const std::filesystem::path& database) {
+    OwnerSlot slot{};
+    auto file = files.Open(PathFor(database), OpenMode::kRead);
+    const bool is_held =
+        file.ok() && file.value()->Lock(FileLock::kShared).code() == base::StatusCode::kBusy;
+    if (!is_held || !file.value()->ReadAt(0, slot).ok())
+        return {base::StatusCode::kBusy,
+                "Could not use '" + database.string() + "'; file already in use.", 3045};
+    return {base::StatusCode::kBusy,
+            "You attempted to open a database that is already opened exclusively by user '" +
+                LoadName(slot.data() + kNameSize) + "' on machine '" + LoadName(slot.data()) +
+                "'. Try again when the database is available.",
+            3356};
+}
+
+}  // namespace jet

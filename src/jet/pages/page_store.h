@@ -1,0 +1,95 @@
+// PageStore: the pages of one database file, with atomic and durable groups of changes
+// (transactions). Units: a PageNumber counts pages from 0, never bytes. The store knows nothing of
+// what the pages hold, except that page 0 says how large a page is. A transaction is open from
+// Begin to Commit or Rollback; pages are changed only inside of one. Readers inside the transaction
+// see its changes. When Commit has returned ok, the death of the process loses nothing; a power cut
+// loses at most the last second and never leaves half a transaction. A failed Commit leaves the
+// state before Begin. Errors: kIoError, kNoSpace, kCorruption, kBusy (held by another process; the
+// message says by whom), kPermissionDenied. After a failed Rollback or a failure that leaves memory
+// and disk in doubt, every call fails. Threads: one PageStore belongs to one thread (its own
+// flusher excepted).
+#pragma once
+
+#include "base/status.h"
+#include "jet/ids.h"
+#include "jet/pages/file_system.h"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace jet {
+
+// A page that is being looked at. Keeps the bytes alive and unchanged as long as it lives, also
+// when the page is written meanwhile (the view then shows the old content).
+class PageView {
+public:
+    PageView() = default;
+    explicit PageView(std::shared_ptr<const std::vector<std::byte>> bytes)
+        : bytes_(std::move(bytes)) {}
+    std::span<const std::byte> bytes() const { return *bytes_; }
+    const std::byte* data() const { return bytes_->data(); }
+    explicit operator bool() const { return bytes_ != nullptr; }
+
+private:
+    std::shared_ptr<const std::vector<std::byte>> bytes_;
+};
+
+struct PageStoreOptions {
+    bool read_only = false;
+    std::size_t cache_bytes = 32U << 20;
+    // How long after a commit a thread of the store makes it durable. 0: no thread; only Flush and
+    // Close do.
+    std::chrono::milliseconds flush_delay{500};
+};
+
+class PageStore {
+public:
+    virtual ~PageStore() = default;  // Close() without its Status
+
+    virtual bool read_only() const = 0;
+    virtual std::uint32_t page_size() const = 0;
+    // Pages in the file, the ones added by the open transaction included.
+    virtual PageNumber page_count() const = 0;
+
+    // kCorruption: no such page.
+    virtual base::Result<PageView> Read(PageNumber page) = 0;
+
+    // Requires: no open transaction. kPermissionDenied: the store is read only.
+    virtual base::Status Begin() = 0;
+    virtual base::Status Commit() = 0;
+    // Puts memory back to the state before Begin. Nothing happens without an open transaction.
+    virtual void Rollback() = 0;
+    virtual bool in_transaction() const = 0;
+
+    // Inside a transaction: the page's bytes for changing, page_size() of them; valid until the
+    // next call of the store with the same page, Commit or Rollback. The page must exist.
+    virtual base::Result<std::span<std::byte>> Change(PageNumber page) = 0;
+    // Inside a transaction: a new page of zeros at the end of the file.
+    virtual base::Result<PageNumber> Extend() = 0;
+
+    // Makes everything committed so far durable and visible in the database file itself (other
+    // programs read it there); leaves an empty journal.
+    virtual base::Status Flush() = 0;
+    // Flush, then gives the file and its lock back. Every later call fails.
+    virtual base::Status Close() = 0;
+};
+
+// Opens `path` and brings it to the state of its last committed transaction if a journal of this
+// very file was left behind. A writer takes the file for itself. Requires: `files` outlives the
+// store.
+base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
+                                                       const std::filesystem::path& path,
+                                                       const PageStoreOptions& options);
+
+// A page store in memory, for building files and for tests; `pages` is its first content (whole
+// pages).
+std::unique_ptr<PageStore> MakeMemoryPageStore(std::uint32_t page_size,
+                                               std::vector<std::byte> pages);
+
+}  // namespace jet

@@ -1,0 +1,31 @@
+// LongValueStore: writes and frees the long values of one column.
+#pragma once
+
+#include "jet/rows/long_value.h"
+#include "jet/rows/row_pages.h"
+#include "jet/rows/table_definition.h"
+
+namespace jet {
+
+class LongValueStore {
+public:
+    LongValueStore(FileContext& file, const LongValueMaps& maps)
+        : file_(file), maps_(maps), pages_(file, maps.owned, maps.free, kLongValueOwner) {}
+
+    // Puts the value away and answers the field of the row that leads to it; a small value is in
+    // the field itself unless `allow_inline` is false. 3047: longer than a long value can be.
+    base::Result<Bytes> Store(std::span<const std::byte> value, bool allow_inline);
+    // Frees what `field` leads to. What is not there is passed over: a damaged value does not keep
+    // its row from being deleted.
+    base::Status Free(std::span<const std::byte> field);
+    void Forget() { pages_.Forget(); }
+
+private:
+    base::Result<RowId> StoreChain(std::span<const std::byte> value);
+
+    FileContext& file_;
+    LongValueMaps maps_;
+    RowPages pages_;
+};
+
+}  // namespace jet

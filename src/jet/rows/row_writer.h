@@ -1,0 +1,40 @@
+// RowWriter: puts rows of one table into its pages, changes and deletes them, with their long
+// values. Indexes, counters and rules are the caller's business.
+#pragma once
+
+#include "jet/rows/long_value_store.h"
+#include "jet/rows/row_encoder.h"
+#include "jet/rows/row_view.h"
+
+#include <map>
+
+namespace jet {
+
+class RowWriter {
+public:
+    // Both must outlive the writer.
+    RowWriter(FileContext& file, const TableDefinition& definition);
+
+    // `values` go with definition.columns and are of their types. 3047, 3163.
+    base::Result<RowId> Insert(std::span<const Value> values);
+    // `values` and `changed` go with definition.columns; a column that is not changed keeps its
+    // bytes.
+    base::Status Update(RowId row, std::span<const Value> values, const std::vector<bool>& changed);
+    base::Status Delete(RowId row);
+    // To be called after a rollback.
+    void Forget();
+
+private:
+    LongValueStore* LongValuesOf(const ColumnDefinition& column);
+    base::Result<RowField> MakeField(const ColumnDefinition& column, const Value& value);
+    base::Result<Bytes> EncodeWithinLimit(std::vector<RowField>& fields);
+    base::Status FreeLongValue(const ColumnDefinition& column, const RowView& row);
+    base::Status Place(RowId row, RowId at, std::span<const std::byte> bytes);
+
+    FileContext& file_;
+    const TableDefinition& definition_;
+    RowPages pages_;
+    std::map<std::uint16_t, LongValueStore> long_values_;  // by column number
+};
+
+}  // namespace jet

@@ -1,0 +1,63 @@
+#include "jet/sql/plans/row_walk.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace jet::sql {
+
+using base::Result;
+using base::Status;
+
+namespace {
+
+// One more than the last slot that the expression reads.
+std::size_t SlotsOf(const Expression& e) {
+    std::size_t slots = e.kind == NodeKind::kColumn ? e.slot + 1 : 0;
+    for (const ExpressionPtr& child : e.children)
+        slots = std::max(slots, SlotsOf(*child));
+    return slots;
+}
+
+}  // namespace
+
+RowWalk::RowWalk(const Source& source, const Expression* where, Session& session)
+    : source_(source), filter_(where), tested_(where != nullptr ? SlotsOf(*where) : 0), rows_(1) {
+    rows_[0].resize(source.columns.size());
+    context_ = {&session, &rows_, nullptr};
+}
+
+Result<std::unique_ptr<RowWalk>> RowWalk::Open(const Scope& scope, const AccessPath& path,
+                                               const Expression* where, Session& session) {
+    const Source& source = scope.sources()[0];
+    auto walk = std::unique_ptr<RowWalk>(new RowWalk(source, where, session));
+    ASSIGN_OR_RETURN(walk->cursor_, OpenPath(*source.table, path));
+    return walk;
+}
+
+Result<std::optional<RowId>> RowWalk::Next() {
+    for (;;) {
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
+        if (!row) return row;
+        read_ = 0;
+        const std::optional<bool> decided = filter_.Decides(*cursor_, source_.columns);
+        if (decided && !*decided) continue;
+        if (decided) return row;
+        RETURN_IF_ERROR(ReadColumns(0, tested_));
+        read_ = tested_;
+        ASSIGN_OR_RETURN(const bool keeps, filter_.Keeps(context_));
+        if (keeps) return row;
+    }
+}
+
+Status RowWalk::ReadInUse() {
+    const std::size_t from = std::exchange(read_, source_.columns.size());
+    return ReadColumns(from, source_.columns.size());
+}
+
+Status RowWalk::ReadColumns(std::size_t from, std::size_t to) {
+    if (from == to) return Status::Ok();
+    return cursor_->Read(std::span(source_.columns).subspan(from, to - from),
+                         std::span(rows_[0]).subspan(from, to - from));
+}
+
+}  // namespace jet::sql

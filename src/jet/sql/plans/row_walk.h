@@ -1,0 +1,48 @@
+// RowWalk: the rows of one table that satisfy a condition, one after the other.
+#pragma once
+
+#include "jet/sql/expressions/bind.h"
+#include "jet/sql/expressions/evaluate.h"
+#include "jet/sql/plans/access_path.h"
+#include "jet/sql/plans/row_filter.h"
+#include "jet/tables/database.h"
+
+#include <memory>
+#include <optional>
+
+namespace jet::sql {
+
+class RowWalk {
+public:
+    // `scope` has one source, to which `where` (nullptr: none) is bound; both must outlive the
+    // walk, as must the session and the table.
+    static base::Result<std::unique_ptr<RowWalk>> Open(const Scope& scope, const AccessPath& path,
+                                                       const Expression* where, Session& session);
+
+    // nullopt: the end.
+    base::Result<std::optional<RowId>> Next();
+    // Any columns of the row met last, as it was when it was met.
+    base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) {
+        return cursor_->Read(columns, values);
+    }
+    // Stands on the row met last.
+    RowCursor& cursor() { return *cursor_; }
+    // The columns in use of the row met last. Requires: ReadInUse.
+    const SourceRows& rows() const { return rows_; }
+    // Reads what of them the condition did not need; once is enough for a row.
+    base::Status ReadInUse();
+
+private:
+    RowWalk(const Source& source, const Expression* where, Session& session);
+    base::Status ReadColumns(std::size_t from, std::size_t to);
+
+    const Source& source_;
+    RowFilter filter_;
+    std::size_t tested_;    // the first columns in use, which the condition needs
+    std::size_t read_ = 0;  // so many of the columns in use are those of the row met last
+    std::unique_ptr<RowCursor> cursor_;
+    SourceRows rows_;
+    EvalContext context_;
+};
+
+}  // namespace jet::sql

@@ -1,0 +1,193 @@
+#include "jet/errors.h"
+#include "jet/sql/syntax/lexer.h"
+#include "jet/sql/syntax/parser.h"
+#include "jet/sql/syntax/statement_parser.h"
+#include "jet/values/calendar_names.h"
+
+namespace jet::sql {
+
+using base::Result;
+using base::Status;
+
+namespace {
+
+// A union is read in a loop and joins nest only in parentheses, so only their number needs a bound.
+constexpr std::size_t kMostUnions = 1000;
+constexpr std::size_t kMostJoins = 100;
+
+}  // namespace
+
+Result<SelectStatement> StatementParser::ParseSubquery() {
+    nested_ = true;
+    tokens_.Take();
+    if (++tokens_.nesting() > kDeepestNesting) return JetError(3360);
+    ASSIGN_OR_RETURN(SelectStatement select, ParseSelect());
+    --tokens_.nesting();
+    if (!select.into.empty()) return JetError(3141);
+    if (!tokens_.TakeSymbol(u")"))
+        return SyntaxError(" (missing operator)", tokens_.TextFrom(tokens_.last_end()));
+    return select;
+}
+
+Result<SelectStatement> StatementParser::ParseSelect() {
+    ASSIGN_OR_RETURN(SelectStatement select, ParseSelectCore());
+    while (tokens_.TakeWord(u"UNION")) {
+        SelectStatement::Union part;
+        part.all = tokens_.TakeWord(u"ALL");
+        if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMostUnions)
+            return JetError(3141);
+        ASSIGN_OR_RETURN(SelectStatement next, ParseSelectCore());
+        if (!select.into.empty() || !next.into.empty()) return JetError(3141);
+        part.select = std::make_unique<SelectStatement>(std::move(next));
+        select.unions.push_back(std::move(part));
+    }
+    RETURN_IF_ERROR(ParseOrder(select));
+    return select;
+}
+
+Result<SelectStatement> StatementParser::ParseSelectCore() {
+    SelectStatement select;
+    tokens_.Take();  // SELECT
+    if (tokens_.TakeWord(u"DISTINCT"))
+        select.distinct = true;
+    else if (!tokens_.TakeWord(u"DISTINCTROW"))
+        tokens_.TakeWord(u"ALL");
+    RETURN_IF_ERROR(ParseTop(select));
+    RETURN_IF_ERROR(ParseOutputs(select));
+    if (tokens_.TakeWord(u"INTO")) {
+        ASSIGN_OR_RETURN(select.into, tokens_.TakeName(JetError(3141)));
+        if (tokens_.IsWord(u"IN"))
+            return Status(base::StatusCode::kUnsupported,
+                          "SELECT ... INTO another database is not supported.", 3141);
+    }
+    if (tokens_.TakeWord(u"FROM")) {
+        ASSIGN_OR_RETURN(select.from, ParseFrom());
+    }
+    if (tokens_.IsWord(u"WHERE")) {
+        ASSIGN_OR_RETURN(select.where, ParseWhere());
+    }
+    RETURN_IF_ERROR(ParseGrouping(select));
+    return select;
+}
+
+Status StatementParser::ParseTop(SelectStatement& select) {
+    if (!tokens_.TakeWord(u"TOP")) return Status::Ok();
+    ASSIGN_OR_RETURN(select.top, ParseNumber(JetError(3141)));
+    select.top_percent = tokens_.TakeWord(u"PERCENT");
+    if (*select.top < 0 || (select.top_percent && *select.top > 100)) return JetError(3141);
+    return Status::Ok();
+}
+
+Status StatementParser::ParseOutputs(SelectStatement& select) {
+    do {
+        ASSIGN_OR_RETURN(OutputItem item, ParseOutput());
+        select.outputs.push_back(std::move(item));
+    } while (tokens_.TakeSymbol(u","));
+    return Status::Ok();
+}
+
+Result<OutputItem> StatementParser::ParseOutput() {
+    OutputItem item;
+    if (tokens_.TakeSymbol(u"*")) return item;
+    if (tokens_.IsName() && (tokens_.IsSymbol(u".", 1) || tokens_.IsSymbol(u"!", 1)) &&
+        tokens_.IsSymbol(u"*", 2)) {
+        item.star_of = tokens_.Take().text;
+        tokens_.Take();
+        tokens_.Take();
+        return item;
+    }
+    if (tokens_.AtEnd() || tokens_.IsWord(u"FROM") || tokens_.IsSymbol(u",")) return JetError(3141);
+    ASSIGN_OR_RETURN(item.expression, ParseExpression());
+    if (tokens_.TakeWord(u"AS")) {
+        ASSIGN_OR_RETURN(item.alias, tokens_.TakeName(JetError(3141)));
+    }
+    return item;
+}
+
+Result<std::unique_ptr<FromNode>> StatementParser::ParseFrom() {
+    ASSIGN_OR_RETURN(std::unique_ptr<FromNode> from, ParseJoins());
+    for (std::size_t count = 1; tokens_.TakeSymbol(u","); ++count) {
+        if (count == kMostJoins) return JetError(3360);
+        auto both = std::make_unique<FromNode>();
+        both->left = std::move(from);
+        ASSIGN_OR_RETURN(both->right, ParseJoins());
+        from = std::move(both);
+    }
+    return from;
+}
+
+Result<std::unique_ptr<FromNode>> StatementParser::ParseJoins() {
+    ASSIGN_OR_RETURN(std::unique_ptr<FromNode> from, ParseSource());
+    for (std::size_t count = 0;; ++count) {
+        JoinKind kind = JoinKind::kInner;
+        if (tokens_.TakeWords({u"LEFT", u"JOIN"}) ||
+            tokens_.TakeWords({u"LEFT", u"OUTER", u"JOIN"}))
+            kind = JoinKind::kLeft;
+        else if (tokens_.TakeWords({u"RIGHT", u"JOIN"}) ||
+                 tokens_.TakeWords({u"RIGHT", u"OUTER", u"JOIN"}))
+            kind = JoinKind::kRight;
+        else if (!tokens_.TakeWords({u"INNER", u"JOIN"}))
+            return from;
+        if (count == kMostJoins) return JetError(3360);
+        auto join = std::make_unique<FromNode>();
+        join->kind = kind;
+        join->left = std::move(from);
+        ASSIGN_OR_RETURN(join->right, ParseSource());
+        if (!tokens_.TakeWord(u"ON")) return JetError(3131);
+        ASSIGN_OR_RETURN(join->on, ParseExpression());
+        from = std::move(join);
+    }
+}
+
+Result<std::unique_ptr<FromNode>> StatementParser::ParseSource() {
+    if (tokens_.TakeSymbol(u"(")) {
+        if (++tokens_.nesting() > kDeepestNesting) return JetError(3360);
+        ASSIGN_OR_RETURN(std::unique_ptr<FromNode> inner, ParseJoins());
+        --tokens_.nesting();
+        if (!tokens_.TakeSymbol(u")")) return JetError(3131);
+        return inner;
+    }
+    auto source = std::make_unique<FromNode>();
+    ASSIGN_OR_RETURN(source->table, tokens_.TakeName(JetError(3131)));
+    RETURN_IF_ERROR(ParseAlias(source->alias));
+    return source;
+}
+
+Result<ExpressionPtr> StatementParser::ParseWhere() {
+    tokens_.Take();  // WHERE
+    if (tokens_.AtEnd() || tokens_.IsSymbol(u";")) return JetError(3145);
+    return ParseExpression();
+}
+
+Status StatementParser::ParseGrouping(SelectStatement& select) {
+    if (tokens_.TakeWord(u"GROUP")) {
+        if (!tokens_.TakeWord(u"BY")) return JetError(3146);
+        do {
+            ASSIGN_OR_RETURN(ExpressionPtr key, ParseExpression());
+            select.group_by.push_back(std::move(key));
+        } while (tokens_.TakeSymbol(u","));
+    }
+    if (tokens_.TakeWord(u"HAVING")) {
+        ASSIGN_OR_RETURN(select.having, ParseExpression());
+    }
+    return Status::Ok();
+}
+
+Status StatementParser::ParseOrder(SelectStatement& select) {
+    if (!tokens_.TakeWord(u"ORDER")) return Status::Ok();
+    if (!tokens_.TakeWord(u"BY")) return JetError(3138);
+    do {
+        if (tokens_.AtEnd() || tokens_.IsWord(u"ASC") || tokens_.IsWord(u"DESC"))
+            return JetError(3138);
+        OrderItem item;
+        ASSIGN_OR_RETURN(item.expression, ParseExpression());
+        item.descending = tokens_.TakeWord(u"DESC");
+        if (!item.descending) tokens_.TakeWord(u"ASC");
+        select.order_by.push_back(std::move(item));
+    } while (tokens_.TakeSymbol(u","));
+    const bool ends = nested_ ? tokens_.IsSymbol(u")") : tokens_.IsSymbol(u";");
+    if (!tokens_.AtEnd() && !ends) return JetError(3138);
+    return Status::Ok();
+}
+
+}  // namespace jet::sql

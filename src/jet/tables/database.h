@@ -1,0 +1,161 @@
+// Database and Table: tables, rows and indexes of one Jet 3 or Jet 4 file, below SQL.
+// Every changing call happens inside a transaction (Begin ... Commit/Rollback) that the caller
+// opens, one per statement; after a failed call the caller rolls back. Reading needs none. Errors
+// carry the engine's error number and text (3022 duplicate key, 3047 record too large, 3163 field
+// too small, 3314 required, 3315 zero length, 3027 read only, 3078 no such table, ...). Threads: a
+// Database and what it hands out belong to one thread.
+#pragma once
+
+#include "base/status.h"
+#include "jet/ids.h"
+#include "jet/pages/page_store.h"
+#include "jet/tables/row_rules.h"
+#include "jet/values/schema.h"
+#include "jet/values/value.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace jet {
+
+// All rows of a table in physical order (page, slot). Rows inserted or deleted during the walk may
+// or may not be met.
+class RowCursor {
+public:
+    virtual ~RowCursor() = default;
+    // The next live row; nullopt: the end.
+    virtual base::Result<std::optional<RowId>> Next() = 0;
+    // The row met last, decoded from the page that the cursor stands on (cheaper than Table::Read).
+    // `columns` are positions in TableDesign::columns; `values` has the same size and is filled in
+    // that order.
+    virtual base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) = 0;
+    // The characters of a text column of the row met last where they are stored one byte each
+    // (U+0001 to U+00FF) and so can be looked at without making a value; good until the next call
+    // of Next. nullopt: they are not, or the field is Null.
+    virtual std::optional<std::string_view> NarrowText([[maybe_unused]] std::size_t column) {
+        return std::nullopt;
+    }
+    // Appends the fields `columns` of the row met last as they are stored, for Table::ReadStored:
+    // less memory than their values, and cheaper. False: this cursor has none; nothing was
+    // appended.
+    virtual base::Result<bool> AppendStored([[maybe_unused]] std::span<const std::size_t> columns,
+                                            [[maybe_unused]] std::vector<std::byte>& fields) {
+        return false;
+    }
+};
+
+// One end of a range of index keys: values for the first columns of the index. An empty `values` is
+// no bound.
+struct KeyBound {
+    std::vector<Value> values;
+    bool inclusive = true;
+    // The last value is a text of plain ASCII characters, no hyphen or apostrophe among them, that
+    // stands for all texts that begin with it, letter case apart. Requires: inclusive.
+    bool prefix = false;
+};
+
+struct ColumnChange {
+    std::size_t column = 0;
+    Value value;
+};
+
+class Table {
+public:
+    virtual ~Table() = default;
+    virtual const TableDesign& design() const = 0;
+    // As counted in the definition; a file that was damaged once may be off. Never use it to end a
+    // loop.
+    virtual std::uint32_t row_count() const = 0;
+    // Why rows cannot be changed (an index of a foreign sort order, a relation that would be
+    // violated is another matter: that fails the statement); nullopt: they can.
+    virtual std::optional<base::Status> read_only_reason() const = 0;
+
+    virtual base::Result<std::unique_ptr<RowCursor>> Scan() = 0;
+    // Rows of an index range in key order, or against it: `from` and `to` are its ends in the order
+    // of the index, so in a descending column `from` has the larger value. Row ids only. Requires:
+    // index < design().indexes.size(), and that index is maintainable.
+    virtual base::Result<std::unique_ptr<RowCursor>> Range(std::size_t index, const KeyBound& from,
+                                                           const KeyBound& to, bool backwards) = 0;
+    // kNotFound with number 3167 ("Record is deleted."): no live row there.
+    virtual base::Status Read(RowId row, std::span<const std::size_t> columns,
+                              std::span<Value> values) = 0;
+
+    // The value of the column that was `place`th among those given to RowCursor::AppendStored;
+    // `fields` is what that appended. Requires: Database::changes() is as it was then, outside of a
+    // transaction.
+    virtual base::Status ReadStored([[maybe_unused]] std::span<const std::byte> fields,
+                                    [[maybe_unused]] std::size_t place,
+                                    [[maybe_unused]] std::size_t column,
+                                    [[maybe_unused]] Value& value) {
+        return {base::StatusCode::kUnsupported, "Fields were stored nowhere."};
+    }
+
+    // `values` has one entry per column, already of the column's type or convertible to it by
+    // Coerce (jet/coerce.h). An autonumber column given as Null takes the next number. `inserted`
+    // (may be null) receives the stored values of autonumber columns in place.
+    virtual base::Result<RowId> Insert(std::span<Value> values) = 0;
+    virtual base::Status Update(RowId row, std::span<const ColumnChange> changes) = 0;
+    virtual base::Status Delete(RowId row) = 0;
+};
+
+class Database {
+public:
+    virtual ~Database() = default;
+
+    virtual bool read_only() const = 0;
+    virtual int jet_version() const = 0;  // 3 or 4
+    // User tables, in the catalog's order; system, hidden and deleted ones are left out.
+    virtual base::Result<std::vector<std::u16string>> TableNames() = 0;
+    // Name without regard to case. 3078: no such table. The table belongs to the database and lives
+    // until the table is altered or dropped, or a transaction that altered or created it is rolled
+    // back.
+    virtual base::Result<Table*> FindTable(std::u16string_view name) = 0;
+
+    virtual base::Status Begin() = 0;
+    virtual base::Status Commit() = 0;
+    virtual void Rollback() = 0;
+    virtual bool in_transaction() const = 0;
+    // Goes up with every transaction: what was read at the same number, outside of transactions, is
+    // what is stored.
+    virtual std::uint64_t changes() const { return 0; }
+
+    virtual base::Status CreateTable(const TableDesign& design) = 0;
+    virtual base::Status DropTable(std::u16string_view table) = 0;
+    virtual base::Status AddColumn(std::u16string_view table, const ColumnDesign& column) = 0;
+    // Changes type, size and rules of the column named in `column`; values are converted, what
+    // cannot be becomes null.
+    virtual base::Status AlterColumn(std::u16string_view table, const ColumnDesign& column) = 0;
+    virtual base::Status DropColumn(std::u16string_view table, std::u16string_view column) = 0;
+    virtual base::Status CreateIndex(std::u16string_view table, const IndexDesign& index) = 0;
+    virtual base::Status DropIndex(std::u16string_view table, std::u16string_view index) = 0;
+    // 3012: there is a relation of this name; 3366: the referenced columns have no unique index;
+    // 3368: columns of other types; 3201: a row refers to none.
+    virtual base::Status CreateRelation(const RelationDesign& relation) = 0;
+    // `table`: the one that refers. 3372: it has no such relation.
+    virtual base::Status DropRelation(std::u16string_view table, std::u16string_view relation) = 0;
+
+    // Who makes the tests of validation rules. Until then, tables that have rules can only be read.
+    // To be called before the first FindTable.
+    virtual void UseRowRules(std::unique_ptr<const RowRuleMaker> maker) = 0;
+
+    virtual base::Status Flush() = 0;
+    virtual base::Status Close() = 0;
+    virtual PageStore& pages() = 0;
+};
+
+// Takes the store over. Refuses newer and password-protected files with a message that says what
+// the file is.
+base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> pages,
+                                                     std::string_view path_for_messages);
+
+// Makes a new, empty file of version 4 or 3 (`now`: the creation date, days since 1899-12-30).
+// kAlreadyExists (3204): there is such a file.
+base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now,
+                                int version = 4);
+
+}  // namespace jet

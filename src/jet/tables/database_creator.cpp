@@ -1,0 +1,214 @@
+// A new, empty file: the pages that the engine itself writes for one, 16 in version 4, 20 in
+// version 3.
+#include "jet/index/index_set.h"
+#include "jet/pages/map_row_layout.h"
+#include "jet/pages/page_header.h"
+#include "jet/rows/row_writer.h"
+#include "jet/storage_errors.h"
+#include "jet/tables/catalog.h"
+#include "jet/tables/database.h"
+#include "jet/tables/system_tables.h"
+#include "jet/values/conversions.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet {
+namespace {
+
+constexpr std::int32_t kRootContainer = 0x0F000000;
+constexpr std::int32_t kDatabasesContainer = 0x0F000002;
+constexpr std::int32_t kDatabaseDocument = 0x10000000;
+constexpr auto kEngineObject = static_cast<std::int32_t>(0x80000000);
+
+struct ObjectRow {
+    std::int32_t id;
+    std::int32_t parent;
+    const char16_t* name;
+    std::int16_t type;
+    std::uint16_t owner;
+};
+
+constexpr std::int16_t kContainer = 3;
+constexpr std::int16_t kDocument = 2;
+
+constexpr ObjectRow kObjects[] = {
+    {kTablesContainer, kRootContainer, u"Tables", kContainer, kSidEngine},
+    {kDatabasesContainer, kRootContainer, u"Databases", kContainer, kSidEngine},
+    {kRelationsContainer, kRootContainer, u"Relationships", kContainer, kSidEngine},
+    {kDatabaseDocument, kDatabasesContainer, u"MSysDb", kDocument, kSidAdmin},
+    {kObjectsPage, kTablesContainer, u"MSysObjects", kObjectIsTable, kSidEngine},
+    {kAccessPage, kTablesContainer, u"MSysACEs", kObjectIsTable, kSidEngine},
+    {kQueriesPage, kTablesContainer, u"MSysQueries", kObjectIsTable, kSidEngine},
+    {kRelationsPage, kTablesContainer, u"MSysRelationships", kObjectIsTable, kSidEngine},
+};
+
+struct AccessRow {
+    std::int32_t object;
+    std::uint16_t sid;
+    std::int32_t mask;
+    bool inheritable;
+};
+
+constexpr AccessRow kAccess[] = {
+    {kObjectsPage, kSidAdmin, 0x60000, false},
+    {kAccessPage, kSidAdmin, 0x60000, false},
+    {kQueriesPage, kSidAdmin, 0x60000, false},
+    {kRelationsPage, kSidAdmin, 0xE0000, false},
+    {kTablesContainer, kSidCreator, 0xF00FE, true},
+    {kTablesContainer, kSidAdmin, 0x60001, false},
+    {kRelationsContainer, kSidCreator, 0xF00FE, true},
+    {kRelationsContainer, kSidAdmin, 0x60001, false},
+    {kDatabasesContainer, kSidAdmin, 0x60000, false},
+    {kDatabaseDocument, kSidAdmin, 0x6000E, false},
+    {kDatabaseDocument, kSidUsers, 0xE, false},
+    {kQueriesPage, kSidUsers, 0x14, false},
+    {kRelationsPage, kSidUsers, 0x14, false},
+    {kObjectsPage, kSidUsers, 0x14, false},
+    {kTablesContainer, kSidUsers, 0xFFEFF, true},
+    {kRelationsContainer, kSidUsers, 0xFFFFF, true},
+};
+
+// Puts rows into a system table, with their index entries.
+class Filler {
+public:
+    Filler(FileContext& file, const TableDefinition& table)
+        : file_(file), table_(table), indexes_(file, table_), rows_(file, table_) {}
+
+    base::Status Insert(std::vector<Value> by_number) {
+        std::vector<Value> values(table_.columns.size());
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const std::uint16_t number = table_.columns[i].number;
+            if (number < by_number.size()) values[i] = by_number[number];
+        }
+        ASSIGN_OR_RETURN(const RowId row, rows_.Insert(values));
+        ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+        for (std::size_t index = 0; index < keys.size(); ++index)
+            RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
+        ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(table_.page));
+        DefinitionCounters counters = ReadDefinitionCounters(page, file_.format);
+        ++counters.rows;
+        WriteDefinitionCounters(page, file_.format, counters);
+        return {};
+    }
+
+private:
+    FileContext& file_;
+    const TableDefinition& table_;
+    IndexSet indexes_;
+    RowWriter rows_;
+};
+
+base::Status WriteGlobalMaps(FileContext& file, PageNumber page_count) {
+    ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(1));
+    DataPageEditor editor = DataPageEditor::Create(page, file.format, 1);
+    std::vector<std::byte> free_pages = MakeMapRow(file.format);
+    for (std::size_t bit = page_count; bit < 8 * (free_pages.size() - kInlineHead); ++bit)
+        free_pages[kInlineHead + bit / 8] |= std::byte{1} << (bit % 8);
+    editor.Append(free_pages, 0);
+    editor.Append(MakeMapRow(file.format), 0);
+    return {};
+}
+
+// Maps are written in the order in which `SystemTables` placed them, page by page.
+class SystemMapWriter {
+public:
+    explicit SystemMapWriter(FileContext& file) : file_(file) {}
+
+    base::Status Write(const TableDefinition& table, PageNumber rows) {
+        RETURN_IF_ERROR(Append(table.owned, rows));
+        RETURN_IF_ERROR(Append(table.free, rows));
+        for (const LongValueMaps& maps : table.long_values) {
+            RETURN_IF_ERROR(Append(maps.owned, 0));
+            RETURN_IF_ERROR(Append(maps.free, 0));
+        }
+        for (const RealIndex& index : table.real_indexes)
+            RETURN_IF_ERROR(Append(index.map, index.root));
+        return {};
+    }
+
+private:
+    base::Status Append(RowPointer map, PageNumber only_member) {
+        if (map.row == 0) {
+            ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(map.page));
+            editor_ = DataPageEditor::Create(page, file_.format, 0);
+        }
+        editor_->Append(MakeMapRow(file_.format, only_member), 0);
+        return {};
+    }
+
+    FileContext& file_;
+    std::optional<DataPageEditor> editor_;
+};
+
+base::Status FillPages(FileContext& file, double now) {
+    std::vector<TableDefinition> tables = SystemTables(file.format.version);
+    const SystemPages& pages = SystemPagesOf(file.format.version);
+    RETURN_IF_ERROR(WriteGlobalMaps(file, pages.page_count));
+    SystemMapWriter maps(file);
+    for (TableDefinition& table : tables) {
+        RETURN_IF_ERROR(maps.Write(table, table.page == kObjectsPage  ? pages.objects_rows
+                                          : table.page == kAccessPage ? pages.access_rows
+                                                                      : 0));
+        RETURN_IF_ERROR(
+            WriteTableDefinition(file.store, file.format, file.text, file.allocator, table));
+        for (const RealIndex& index : table.real_indexes)
+            RETURN_IF_ERROR(IndexTree(file, table.page, index.root, index.map).Create());
+    }
+    for (const PageNumber page : {pages.objects_rows, pages.access_rows}) {
+        ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file.store.Change(page));
+        DataPageEditor::Create(bytes, file.format,
+                               page == pages.objects_rows ? kObjectsPage : kAccessPage);
+    }
+    Filler objects(file, tables[0]);
+    for (const ObjectRow& row : kObjects)
+        RETURN_IF_ERROR(
+            objects.Insert({Value::Long(row.id), Value::Long(row.parent), Value::Text(row.name),
+                            Value::Short(row.type), Value::DateTime(now), Value::DateTime(now),
+                            Value::Binary(SidBytes(row.owner)), Value::Long(kEngineObject)}));
+    Filler access(file, tables[1]);
+    for (const AccessRow& row : kAccess)
+        RETURN_IF_ERROR(access.Insert({Value::Long(row.object), Value::Binary(SidBytes(row.sid)),
+                                       Value::Long(row.mask), Value::Boolean(row.inheritable)}));
+    return {};
+}
+
+base::Result<std::vector<std::byte>> MakeEmptyDatabase(double now, int version) {
+    const Format& format = FormatOf(version);
+    std::vector<std::byte> bytes = MakePageHeader(version, now);
+    ASSIGN_OR_RETURN(const PageHeader header, ReadPageHeader(bytes, ""));
+    bytes.resize(std::size_t{SystemPagesOf(version).page_count} * format.page_size);
+    const auto store = MakeMemoryPageStore(format.page_size, std::move(bytes));
+    FileContext file(*store, header);
+    RETURN_IF_ERROR(store->Begin());
+    RETURN_IF_ERROR(FillPages(file, now));
+    RETURN_IF_ERROR(store->Commit());
+    std::vector<std::byte> all;
+    for (PageNumber page = 0; page < store->page_count(); ++page) {
+        ASSIGN_OR_RETURN(const PageView view, store->Read(page));
+        all.insert(all.end(), view.bytes().begin(), view.bytes().end());
+    }
+    return all;
+}
+
+base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path,
+                          std::span<const std::byte> bytes) {
+    ASSIGN_OR_RETURN(const auto file, files.Open(path, OpenMode::kCreate));
+    RETURN_IF_ERROR(file->WriteAt(0, bytes));
+    RETURN_IF_ERROR(file->Sync());
+    return files.SyncFolder(path.has_parent_path() ? path.parent_path() : ".");
+}
+
+}  // namespace
+
+base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now,
+                                int version) {
+    if (files.Exists(path))
+        return {base::StatusCode::kAlreadyExists, "Database already exists.", 3204};
+    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, MakeEmptyDatabase(now, version));
+    base::Status written = WriteNewFile(files, path, bytes);
+    if (!written.ok()) files.Remove(path).Ignore();
+    return written;
+}
+
+}  // namespace jet

@@ -1,0 +1,101 @@
+#include "jet/tables/stored_database.h"
+
+#include "jet/storage_errors.h"
+
+namespace jet {
+
+base::Status StoredDatabase::CheckCatalog() {
+    ASSIGN_OR_RETURN(const PageView page, pages_->Read(kObjectsPage));
+    if (page.bytes()[0] != static_cast<std::byte>(PageType::kDefinition))
+        return errors::DamagedPage(kObjectsPage, "not a table definition");
+    return {};
+}
+
+base::Result<std::vector<std::u16string>> StoredDatabase::TableNames() {
+    ASSIGN_OR_RETURN(const auto* entries, catalog_.Entries());
+    std::vector<std::u16string> names;
+    for (const CatalogEntry& entry : *entries)
+        if (entry.is_user_table()) names.push_back(entry.name);
+    return names;
+}
+
+base::Result<StoredTable*> StoredDatabase::OpenTable(const CatalogEntry& entry) {
+    const PageNumber page = entry.definition_page();
+    const auto known = tables_.find(page);
+    if (known != tables_.end()) return known->second.get();
+    ASSIGN_OR_RETURN(const PropertyBlob properties, catalog_.Properties(entry));
+    ASSIGN_OR_RETURN(auto table, StoredTable::Open(file_, *this, page, entry.name, properties));
+    StoredTable* opened = table.get();
+    opened->UseRules(rule_maker_.get());
+    tables_[page] = std::move(table);
+    return opened;
+}
+
+base::Result<StoredTable*> StoredDatabase::TableAt(PageNumber definition) {
+    const auto known = tables_.find(definition);
+    if (known != tables_.end()) return known->second.get();
+    ASSIGN_OR_RETURN(const auto* entries, catalog_.Entries());
+    for (const CatalogEntry& entry : *entries)
+        if (entry.is_table() && entry.definition_page() == definition) return OpenTable(entry);
+    return errors::DamagedPage(definition, "the catalog does not list the table");
+}
+
+base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
+    ASSIGN_OR_RETURN(const CatalogEntry* entry, catalog_.FindTable(name));
+    if (entry == nullptr) return errors::NoSuchTable(name);
+    ASSIGN_OR_RETURN(StoredTable * table, OpenTable(*entry));
+    return static_cast<Table*>(table);
+}
+
+void StoredDatabase::UseRowRules(std::unique_ptr<const RowRuleMaker> maker) {
+    tables_.clear();  // they learn their rules when they are opened
+    rule_maker_ = std::move(maker);
+}
+
+base::Status StoredDatabase::Begin() {
+    changed_.clear();
+    ++changes_;
+    return pages_->Begin();
+}
+
+base::Status StoredDatabase::Commit() {
+    base::Status status = pages_->Commit();
+    if (status.ok())
+        changed_.clear();
+    else
+        Rollback();
+    return status;
+}
+
+void StoredDatabase::Rollback() {
+    pages_->Rollback();
+    file_.allocator.Forget();
+    if (!changed_.empty()) catalog_.Forget();
+    for (const PageNumber page : changed_)
+        tables_.erase(page);
+    changed_.clear();
+    for (auto& [page, table] : tables_)
+        table->Forget();
+}
+
+base::Status StoredDatabase::Close() {
+    tables_.clear();
+    catalog_.Forget();
+    return pages_->Close();
+}
+
+base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> pages,
+                                                     std::string_view path) {
+    PageHeader header;
+    {
+        ASSIGN_OR_RETURN(const PageView page, pages->Read(0));
+        ASSIGN_OR_RETURN(header, ReadPageHeader(page.bytes(), path));
+    }
+    if (header.has_password) return errors::NotAValidPassword(path);
+    if (pages->page_count() <= kObjectsPage) return errors::NotADatabase(path);
+    auto database = std::make_unique<StoredDatabase>(std::move(pages), header);
+    if (!database->CheckCatalog().ok()) return errors::NotADatabase(path);
+    return std::unique_ptr<Database>(std::move(database));
+}
+
+}  // namespace jet

@@ -1,0 +1,198 @@
+// Inserting, updating and deleting rows. Checks come first, so that a refused change leaves nothing
+// behind.
+#include "jet/rows/field_codec.h"
+#include "jet/rows/row_fetch.h"
+#include "jet/storage_errors.h"
+#include "jet/tables/stored_table.h"
+#include "jet/values/coerce.h"
+#include "jet/values/guid_source.h"
+
+#include <algorithm>
+
+namespace jet {
+
+base::Status StoredTable::CheckWritable() const {
+    if (file_.store.read_only()) return errors::ReadOnly();
+    return read_only_reason_.value_or(base::Status());
+}
+
+base::Status StoredTable::Prepare(std::size_t shown, Value& value) const {
+    const ColumnDesign& column = design_.columns[shown];
+    if (!IsOfType(value, column.type)) {
+        ASSIGN_OR_RETURN(value, Coerce(value, column));
+    }
+    if (value.is_null()) return column.required ? errors::Required(column.name) : base::Status();
+    if (const auto* text = value.get_if<std::u16string>()) {
+        if (text->empty() && !column.allow_zero_length) return errors::ZeroLength(column.name);
+        if (column.type == ColumnType::kText && text->size() > column.size)
+            return errors::FieldTooSmall();
+    }
+    return {};
+}
+
+base::Status StoredTable::CheckRules(RowId row, std::span<const Value> values,
+                                     const std::vector<bool>& changed) {
+    if (rules_ == nullptr) return {};
+    std::vector<Value> shown(design_.columns.size());
+    std::vector<bool> shown_changed(shown.size());
+    for (std::size_t i = 0; i < shown.size(); ++i)
+        shown_changed[i] = changed[positions_[i]];
+    for (const std::size_t column : rules_->columns()) {
+        if (shown_changed[column])
+            shown[column] = values[positions_[column]];
+        else
+            RETURN_IF_ERROR(Read(row, std::span(&column, 1), std::span(shown).subspan(column, 1)));
+    }
+    return rules_->Check(shown, shown_changed);
+}
+
+base::Status StoredTable::FillAutonumbers(std::span<Value> values) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ColumnDesign& column = design_.columns[i];
+        if (!column.autonumber || !values[i].is_null()) continue;
+        if (column.type == ColumnType::kGuid) {
+            values[i] = Value::OfGuid(MakeRandomGuid());
+            continue;
+        }
+        ASSIGN_OR_RETURN(const std::int32_t last, LastAutonumber(i));
+        values[i] = Value::Long(static_cast<std::int32_t>(static_cast<std::uint32_t>(last) + 1));
+    }
+    return {};
+}
+
+// The counter, unless other programs have left it behind the values that there are.
+base::Result<std::int32_t> StoredTable::LastAutonumber(std::size_t shown) {
+    std::int32_t last = 0;
+    {
+        ASSIGN_OR_RETURN(const PageView page, file_.store.Read(definition_.page));
+        const auto counters = ReadDefinitionCounters(page.bytes(), file_.format);
+        last = static_cast<std::int32_t>(counters.last_autonumber);
+    }
+    if (counter_is_checked_) return last;
+    counter_is_checked_ = true;
+    for (std::size_t index = 0; index < design_.indexes.size(); ++index) {
+        const IndexDesign& design = design_.indexes[index];
+        if (!design.maintainable || design.columns.front().column != shown) continue;
+        ASSIGN_OR_RETURN(const auto cursor, Range(index, {}, {}, design.columns.front().ascending));
+        ASSIGN_OR_RETURN(const auto row, cursor->Next());
+        if (!row) break;
+        Value greatest;
+        RETURN_IF_ERROR(Read(*row, std::span(&shown, 1), std::span(&greatest, 1)));
+        if (const auto* number = greatest.get_if<std::int32_t>()) last = std::max(last, *number);
+        break;
+    }
+    return last;
+}
+
+// Rows, and the last autonumber when the row has a larger one.
+base::Status StoredTable::CountRow(int change, std::span<const Value> values) {
+    ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(definition_.page));
+    DefinitionCounters counters = ReadDefinitionCounters(page, file_.format);
+    if (change > 0) ++counters.rows;
+    if (change < 0 && counters.rows > 0) --counters.rows;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto* number = values[i].get_if<std::int32_t>();
+        if (!design_.columns[i].autonumber || number == nullptr) continue;
+        if (*number > static_cast<std::int32_t>(counters.last_autonumber))
+            counters.last_autonumber = static_cast<std::uint32_t>(*number);
+    }
+    WriteDefinitionCounters(page, file_.format, counters);
+    return {};
+}
+
+base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
+    RETURN_IF_ERROR(CheckWritable());
+    if (values.size() != design_.columns.size())
+        return base::Status(base::StatusCode::kInvalidArgument,
+                            "Number of query values and destination fields are not the same.",
+                            3346);
+    RETURN_IF_ERROR(FillAutonumbers(values));
+    for (std::size_t i = 0; i < values.size(); ++i)
+        RETURN_IF_ERROR(Prepare(i, values[i]));
+    std::vector<Value> stored(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i)
+        stored[positions_[i]] = values[i];
+    RETURN_IF_ERROR(CheckRules({}, stored, std::vector<bool>(stored.size(), true)));
+
+    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(stored));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        RETURN_IF_ERROR(indexes_.Check(index, keys[index], stored, {}));
+    RETURN_IF_ERROR(CheckParents({}, stored, nullptr));
+
+    ASSIGN_OR_RETURN(const RowId row, rows_.Insert(stored));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
+    RETURN_IF_ERROR(CountRow(1, values));
+    return row;
+}
+
+base::Result<std::vector<Value>> StoredTable::ReadKeyColumns(RowId row) {
+    ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
+    const auto view = RowView::Parse(stored.bytes, file_.format);
+    if (!view) return errors::DamagedPage(row.page, "a row is unreadable");
+    std::vector<Value> values(definition_.columns.size());
+    for (std::size_t index = 0; index < indexes_.size(); ++index)
+        for (const std::size_t column : indexes_.ColumnsOf(index))
+            RETURN_IF_ERROR(DecodeField(file_, definition_.columns[column], *view, values[column]));
+    return values;
+}
+
+base::Status StoredTable::Update(RowId row, std::span<const ColumnChange> changes) {
+    RETURN_IF_ERROR(CheckWritable());
+    ASSIGN_OR_RETURN(std::vector<Value> values, ReadKeyColumns(row));
+    std::vector<bool> changed(definition_.columns.size());
+    for (const ColumnChange& change : changes) {
+        Value value = change.value;
+        if (design_.columns[change.column].autonumber && value.is_null())
+            return errors::Required(design_.columns[change.column].name);
+        RETURN_IF_ERROR(Prepare(change.column, value));
+        const std::size_t position = positions_[change.column];
+        values[position] = std::move(value);
+        changed[position] = true;
+    }
+    return UpdateColumns(row, std::move(values), std::move(changed));
+}
+
+// `values`: those of the index columns, and the new ones. Requires: each fits its column.
+base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
+                                        std::vector<bool> changed) {
+    RETURN_IF_ERROR(CheckRules(row, values, changed));
+    ASSIGN_OR_RETURN(const std::vector<Value> before, ReadKeyColumns(row));
+    ASSIGN_OR_RETURN(const IndexSet::Keys old_keys, indexes_.KeysOf(before));
+    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        if (keys[index] != old_keys[index])
+            RETURN_IF_ERROR(indexes_.Check(index, keys[index], values, row));
+    RETURN_IF_ERROR(CheckParents(row, values, &changed));
+    ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, before, values));
+
+    RETURN_IF_ERROR(rows_.Update(row, values, changed));
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        if (keys[index] == old_keys[index]) continue;
+        RETURN_IF_ERROR(indexes_.Remove(index, old_keys[index], row));
+        RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
+    }
+    std::vector<Value> shown(values.size());
+    bool has_autonumber = false;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        if (!changed[positions_[i]] || !design_.columns[i].autonumber) continue;
+        shown[i] = values[positions_[i]];
+        has_autonumber = true;
+    }
+    if (has_autonumber) RETURN_IF_ERROR(CountRow(0, shown));
+    return ChangeDependants(dependants);
+}
+
+base::Status StoredTable::Delete(RowId row) {
+    RETURN_IF_ERROR(CheckWritable());
+    ASSIGN_OR_RETURN(const std::vector<Value> values, ReadKeyColumns(row));
+    ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, values, {}));
+    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+    for (std::size_t index = 0; index < keys.size(); ++index)
+        RETURN_IF_ERROR(indexes_.Remove(index, keys[index], row));
+    RETURN_IF_ERROR(rows_.Delete(row));
+    RETURN_IF_ERROR(CountRow(-1, {}));
+    return ChangeDependants(dependants);
+}
+
+}  // namespace jet

@@ -1,0 +1,217 @@
+#include "jet/tables/table_cursors.h"
+
+#include "jet/rows/field_codec.h"
+#include "jet/storage_errors.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace jet {
+namespace {
+
+constexpr std::size_t kFieldHead = 2;
+constexpr std::uint16_t kNoField = 0xFFFF;  // no field of a page is that long
+
+base::Status Unreadable() {
+    return errors::Damaged("a row is unreadable");
+}
+
+class ScanCursor final : public RowCursor {
+public:
+    ScanCursor(const CursorSource& source, TableScan scan)
+        : source_(source), scan_(std::move(scan)) {}
+
+    base::Result<std::optional<RowId>> Next() override {
+        ASSIGN_OR_RETURN(const bool found, scan_.Next());
+        if (!found) return std::optional<RowId>();
+        row_ = RowView::Parse(scan_.bytes(), source_.file->format);
+        return std::optional<RowId>(scan_.row());
+    }
+
+    base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) override {
+        if (!row_) return Unreadable();
+        return DecodeFields(source_, *row_, columns, values);
+    }
+
+    std::optional<std::string_view> NarrowText(std::size_t shown) override {
+        const ColumnDefinition& column = source_.definition->columns[(*source_.positions)[shown]];
+        if (column.type != ColumnType::kText || !row_ || !row_->Bit(column.number))
+            return std::nullopt;
+        const auto field = row_->Field(column);
+        return field ? source_.file->text.NarrowValue(*field) : std::nullopt;
+    }
+
+    base::Result<bool> AppendStored(std::span<const std::size_t> columns,
+                                    std::vector<std::byte>& fields) override {
+        if (!row_) return Unreadable();
+        RETURN_IF_ERROR(AppendStoredFields(source_, *row_, columns, fields));
+        return true;
+    }
+
+private:
+    CursorSource source_;
+    TableScan scan_;
+    std::optional<RowView> row_;  // the one met last; nullopt: it is unreadable
+};
+
+// Bytes greater than every entry that starts with `key`, and than `key` itself.
+Bytes After(Bytes key) {
+    key.insert(key.end(), 16, std::byte{0xFF});
+    return key;
+}
+
+class RangeCursor final : public RowCursor {
+public:
+    RangeCursor(const CursorSource& source, const IndexTree& tree, KeyRange range, bool backwards)
+        : source_(source), tree_(tree), range_(std::move(range)), backwards_(backwards) {}
+
+    base::Result<std::optional<RowId>> Next() override {
+        if (done_) return std::optional<RowId>();
+        RETURN_IF_ERROR(backwards_ ? StepBackwards() : StepForwards());
+        if (place_.at_end() || Passed()) {
+            done_ = true;
+            place_ = {};
+            return std::optional<RowId>();
+        }
+        row_ = place_.view.Row(place_.entry);
+        changes_ = tree_.changes();
+        return std::optional<RowId>(row_);
+    }
+
+    base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) override {
+        ASSIGN_OR_RETURN(const StoredRow row,
+                         FetchRow(*source_.file, source_.definition->page, row_));
+        return DecodeFields(source_, row.bytes, columns, values);
+    }
+
+    base::Result<bool> AppendStored(std::span<const std::size_t> columns,
+                                    std::vector<std::byte>& fields) override {
+        ASSIGN_OR_RETURN(const StoredRow row,
+                         FetchRow(*source_.file, source_.definition->page, row_));
+        const auto view = RowView::Parse(row.bytes, source_.file->format);
+        if (!view) return Unreadable();
+        RETURN_IF_ERROR(AppendStoredFields(source_, *view, columns, fields));
+        return true;
+    }
+
+private:
+    base::Status StepForwards() {
+        if (place_.at_end())
+            return Assign(tree_.Seek(range_.from_inclusive ? range_.from : After(range_.from)));
+        if (tree_.changes() == changes_) return tree_.Next(place_);
+        // The tree changed under the walk: go on behind the last entry.
+        place_.view.CopyEntry(place_.entry, entry_);
+        entry_.push_back(std::byte{0});
+        return Assign(tree_.Seek(entry_));
+    }
+
+    base::Status StepBackwards() {
+        if (place_.at_end()) {
+            const Bytes start =
+                range_.to_inclusive || range_.to.empty() ? After(range_.to) : range_.to;
+            return Assign(tree_.SeekBefore(start));
+        }
+        if (tree_.changes() == changes_) return tree_.Previous(place_);
+        place_.view.CopyEntry(place_.entry, entry_);
+        return Assign(tree_.SeekBefore(entry_));
+    }
+
+    base::Status Assign(base::Result<IndexTree::Place> place) {
+        if (!place.ok()) return place.status();
+        place_ = std::move(place).value();
+        return {};
+    }
+
+    bool Passed() const {
+        const std::size_t entry = place_.entry;
+        if (backwards_) {
+            if (range_.from.empty()) return false;
+            if (!range_.from_inclusive && place_.view.StartsWith(entry, range_.from)) return true;
+            return place_.view.Compare(entry, range_.from) < 0;
+        }
+        if (range_.to.empty()) return false;
+        if (place_.view.StartsWith(entry, range_.to)) return !range_.to_inclusive;
+        return place_.view.Compare(entry, range_.to) > 0;
+    }
+
+    CursorSource source_;
+    const IndexTree& tree_;
+    KeyRange range_;
+    bool backwards_;
+    bool done_ = false;
+    IndexTree::Place place_;
+    std::uint64_t changes_ = 0;
+    Bytes entry_;
+    RowId row_;
+};
+
+}  // namespace
+
+base::Status DecodeFields(const CursorSource& source, std::span<const std::byte> row,
+                          std::span<const std::size_t> columns, std::span<Value> values) {
+    const auto view = RowView::Parse(row, source.file->format);
+    return view ? DecodeFields(source, *view, columns, values) : Unreadable();
+}
+
+base::Status DecodeFields(const CursorSource& source, const RowView& row,
+                          std::span<const std::size_t> columns, std::span<Value> values) {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const std::size_t position = (*source.positions)[columns[i]];
+        RETURN_IF_ERROR(
+            DecodeField(*source.file, source.definition->columns[position], row, values[i]));
+    }
+    return {};
+}
+
+base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
+                                std::span<const std::size_t> columns,
+                                std::vector<std::byte>& fields) {
+    for (const std::size_t shown : columns) {
+        const ColumnDefinition& column = source.definition->columns[(*source.positions)[shown]];
+        std::span<const std::byte> bytes;
+        const bool is_set = row.Bit(column.number);
+        if (is_set && column.type != ColumnType::kBoolean) {
+            const auto field = row.Field(column);
+            if (!field) return errors::Damaged("a row's fields lie outside of it");
+            bytes = *field;
+        }
+        const std::size_t size = is_set ? bytes.size() : kNoField;
+        fields.push_back(static_cast<std::byte>(size & 0xFF));
+        fields.push_back(static_cast<std::byte>(size >> 8));
+        fields.insert(fields.end(), bytes.begin(), bytes.end());
+    }
+    return {};
+}
+
+base::Status DecodeStoredField(const CursorSource& source, std::span<const std::byte> fields,
+                               std::size_t place, std::size_t column, Value& value) {
+    const ColumnDefinition& definition = source.definition->columns[(*source.positions)[column]];
+    const auto size_at = [&](std::size_t at) -> std::size_t {
+        const auto size = base::LoadLittle<std::uint16_t>(fields.data() + at);
+        return size == kNoField ? 0 : size;
+    };
+    std::size_t at = 0;
+    for (; place > 0; --place)
+        at += kFieldHead + size_at(at);
+    const bool is_set = base::LoadLittle<std::uint16_t>(fields.data() + at) != kNoField;
+    if (definition.type == ColumnType::kBoolean) {
+        value = Value::Boolean(is_set);
+    } else if (!is_set) {
+        value = Value::Null();
+    } else {
+        return DecodeFieldBytes(*source.file, definition,
+                                fields.subspan(at + kFieldHead, size_at(at)), value);
+    }
+    return {};
+}
+
+std::unique_ptr<RowCursor> MakeScanCursor(const CursorSource& source, TableScan scan) {
+    return std::make_unique<ScanCursor>(source, std::move(scan));
+}
+
+std::unique_ptr<RowCursor> MakeRangeCursor(const CursorSource& source, const IndexTree& tree,
+                                           KeyRange range, bool backwards) {
+    return std::make_unique<RangeCursor>(source, tree, std::move(range), backwards);
+}
+
+}  // namespace jet

@@ -1,0 +1,62 @@
+// What the tests of the storage share: the real sample files, databases in memory, and other
+// programs' view of a file.
+#pragma once
+
+#include "jet/tables/database.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace jet::test {
+
+// The folder of sample files; nullopt where the machine has none.
+std::optional<std::filesystem::path> SampleFolder();
+// All sample databases, the old catalogues included; empty where there are none.
+std::vector<std::filesystem::path> SampleDatabases();
+std::vector<std::byte> ReadWholeFile(const std::filesystem::path& path);
+void WriteWholeFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
+
+// A copy of the file in memory.
+std::unique_ptr<PageStore> LoadIntoMemory(const std::filesystem::path& path);
+base::Result<std::unique_ptr<Database>> OpenCopy(const std::filesystem::path& path);
+std::vector<std::byte> AllBytes(PageStore& pages);
+
+// A new folder, removed with everything in it at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    ~TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+bool HasProgram(const std::string& name);
+// Standard output of a program; nullopt: it failed.
+std::optional<std::string> OutputOf(const std::vector<std::string>& command);
+
+// The rows of a table as mdb-export prints them; nullopt for a null field. Dates as "YYYY-MM-DD
+// HH:MM:SS", binary as hexadecimal.
+using TextRow = std::vector<std::optional<std::string>>;
+std::optional<std::vector<TextRow>> ExportedRows(const std::filesystem::path& file,
+                                                 const std::string& table);
+// The columns' names come first in what it prints.
+std::vector<std::string> ExportedNames(const std::filesystem::path& file, const std::string& table);
+
+// True when `exported` is what mdb-export prints for `value`.
+bool SameAsExported(const Value& value, const std::optional<std::string>& exported);
+std::string Describe(const Value& value);
+
+// All rows in physical order, all columns as shown.
+std::vector<std::vector<Value>> AllRows(Table& table);
+// Fails the test where a cell is not what mdb-export prints for it. `left_behind`: rows at most
+// that it prints and nothing leads to.
+void CompareWithExport(const std::filesystem::path& path, Table& table,
+                       std::size_t left_behind = 0);
+
+}  // namespace jet::test
