@@ -17,7 +17,7 @@ function(room_headers target)
             file(CREATE_LINK ${entry} ${tree}/${room}/${name} SYMBOLIC)
         endif()
     endforeach()
-    target_include_directories(${target} PUBLIC ${tree})
+    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${tree}>)
 endfunction()
 
 # add_std_library(name sources... [HEADERS header...]): a library that knows the standard library only.
@@ -25,7 +25,8 @@ function(add_std_library name)
     cmake_parse_arguments(L "" "" "HEADERS" ${ARGN})
     add_library(${name} STATIC ${L_UNPARSED_ARGUMENTS})
     room_headers(${name} ${L_HEADERS})
-    target_link_libraries(${name} PUBLIC project_options PRIVATE strict_conversions)
+    # How this project is compiled is nothing to those who link the installed library.
+    target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:project_options> PRIVATE $<BUILD_INTERFACE:strict_conversions>)
     use_precompiled_headers(${name} standard)
 endfunction()
 
