@@ -87,6 +87,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static_cast<void>(jet::sql::FormatNumberAs(number, text));
     const std::size_t half = text.size() / 2;
     static_cast<void>(jet::Like(std::u16string_view(text).substr(0, half),
-                                     std::u16string_view(text).substr(half)));
+                                std::u16string_view(text).substr(half)));
     return 0;
 }
