@@ -76,8 +76,7 @@ StreamReader::ReadFromMiniStream(const DirectoryEntry& stream) {
 
 base::Status StreamReader::CopyMiniSector(std::uint32_t mini_sector, std::span<std::byte> bytes) {
     const std::uint64_t offset = std::uint64_t{mini_sector} * kMiniSectorSize;
-    if (mini_sector > kLastSectorNumber || offset >= mini_stream_bytes_)
-        return Damaged("a short stream leaves the mini stream");
+    if (offset >= mini_stream_bytes_) return Damaged("a short stream leaves the mini stream");
     ASSIGN_OR_RETURN(const SectorNumber sector, mini_stream_.At(offset / sectors_.sector_size()));
     ASSIGN_OR_RETURN(const auto from, sectors_.Sector(sector));
     const auto within = static_cast<std::ptrdiff_t>(offset % sectors_.sector_size());

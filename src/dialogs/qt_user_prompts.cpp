@@ -43,19 +43,17 @@ void AddButton(QMessageBox& box, QMessageBox::StandardButton button, const QStri
     box.addButton(button)->setObjectName(name);
 }
 
-// Each set's last button is the one that Escape and the close button press.
+// Escape and the close button press No or Cancel, Return presses Ok: Qt sees that by their roles.
 void AddButtons(QMessageBox& box, MessageButtons buttons) {
     if (buttons == MessageButtons::kYesNo) {
         AddButton(box, QMessageBox::Yes, QStringLiteral("cmdYes"));
         AddButton(box, QMessageBox::No, QStringLiteral("cmdNo"));
         box.setDefaultButton(QMessageBox::Yes);
-        box.setEscapeButton(QMessageBox::No);
         return;
     }
     AddButton(box, QMessageBox::Ok, QStringLiteral("cmdOK"));
     if (buttons == MessageButtons::kOkCancel)
         AddButton(box, QMessageBox::Cancel, QStringLiteral("cmdCancel"));
-    box.setDefaultButton(QMessageBox::Ok);
 }
 
 // A short question must not cut its title: Qt makes the box as wide as its text alone.

@@ -25,7 +25,7 @@ struct Move {
 
 base::Status ChangeRow(jet::Recordset& rows, const Move& move) {
     ASSIGN_OR_RETURN(const jet::Value stored, rows.Fields(move.column));
-    if (stored.is_null()) return {};
+    // Null has no folder, and so never the existing one.
     const QString moved = MovedPath(catalogue::FieldText(stored), move.existing, move.next);
     if (moved.isNull()) return {};
     RETURN_IF_ERROR(rows.SetField(move.column, jet::Value::Text(moved.toStdU16String())));

@@ -27,7 +27,7 @@ public:
         if (!opened.ok()) return;
         file_ = std::move(*opened);
         const auto storage = file_->Find(file_->root(), kStorageName);
-        if (storage.ok() && storage->type == cfb::ElementType::kStorage) storage_ = *storage;
+        if (storage.ok()) storage_ = *storage;  // a stream of this name has no members
     }
 
     std::vector<cfb::Element> RootElements() {

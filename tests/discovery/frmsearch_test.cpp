@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QTimer>
 #include <QtTest/QTest>
@@ -87,6 +88,32 @@ TEST_F(FrmSearchTest, ThereIsOneScanForEachOpening) {
     Find<QPushButton>("cmdgo")->click();
     EXPECT_EQ(refreshes, 1);
     EXPECT_TRUE(dialog->close());
+}
+
+TEST_F(FrmSearchTest, OpenedAgainItScansAgain) {
+    prompts.folders = {tables.path(), tables.path()};
+    dialog->show();
+    Search();
+    EXPECT_TRUE(dialog->close());
+    Find<QPushButton>("cmdgo")->show();
+    dialog->show();
+    Search();
+    EXPECT_EQ(refreshes, 2);
+}
+
+TEST_F(FrmSearchTest, AFolderThatHasBeenListedLeavesTheList) {
+    QString nested = tables.path();
+    for (int i = 0; i < 10; ++i)
+        nested += QStringLiteral("/deeper");
+    ASSERT_TRUE(QDir().mkpath(nested));
+    auto* folders = Find<QListWidget>("lstdirs");
+    int most = 0;
+    QObject::connect(folders->model(), &QAbstractItemModel::rowsInserted, folders,
+                     [&] { most = std::max(most, folders->count()); });
+    dialog->show();
+    Search();
+    EXPECT_GT(most, 0);
+    EXPECT_LE(most, 2) << "each folder holds one other";
 }
 
 TEST_F(FrmSearchTest, RowsThatWereThereBeforeAreUpdatedFromTheirFiles) {

@@ -252,6 +252,13 @@ TEST_F(LauncherImportTest, RowsOutsideTheDateHaveNoIndexButTheStatementDecides) 
     EXPECT_EQ(Field(QStringLiteral("Author"), 2), QStringLiteral("before"));
 }
 
+TEST_F(LauncherImportTest, AKeyThatTheIndexCannotJudgeIsAskedOfTheDatabase) {
+    AddRow(QStringLiteral("A|B"), QStringLiteral("FFFF"));
+    Import("n\\1\\A|B\\new\\1\\c\\\n");
+    EXPECT_EQ(Field(QStringLiteral("Author")), QStringLiteral("new"));
+    ExpectUpdated();
+}
+
 TEST_F(LauncherImportTest, TheDatesAreThoseOfTheCatalogueOnceEach) {
     AddRow(QStringLiteral("a"), QStringLiteral("A1"), QStringLiteral("1/3/2001"));
     AddRow(QStringLiteral("b"), QStringLiteral("B1"), QStringLiteral("1/1/2001"));
