@@ -34,6 +34,7 @@ public:
             values[i] = row[columns[i]];
         return base::Status::Ok();
     }
+    jet::StoredFields* stored_fields() override { return nullptr; }
 
 private:
     const RowMap& rows_;

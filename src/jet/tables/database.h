@@ -23,8 +23,32 @@
 
 namespace jet {
 
-// All rows of a table in physical order (page, slot). Rows inserted or deleted during the walk may
-// or may not be met.
+// Reads the fields that StoredFields::Append has put away. Belongs to the table and lives as long.
+class StoredFieldReader {
+public:
+    virtual ~StoredFieldReader() = default;
+    // The value of the column that was `place`th among those given to Append; `fields` is what that
+    // appended. Requires: Database::changes() is as it was then, outside of a transaction.
+    virtual base::Status ReadStored(std::span<const std::byte> fields, std::size_t place,
+                                    std::size_t column, Value& value) const = 0;
+};
+
+// The fields of the row that a cursor met last, as they are stored: cheaper to look at and smaller
+// to keep than their values. Belongs to the cursor.
+class StoredFields {
+public:
+    virtual ~StoredFields() = default;
+    // The characters of a text column where they are stored one byte each (U+0001 to U+00FF); valid
+    // until the next call of Next. nullopt: they are not, or the field is Null.
+    virtual std::optional<std::string_view> NarrowText(std::size_t column) = 0;
+    // Appends the fields `columns` (positions in TableDesign::columns) for reader().
+    virtual base::Status Append(std::span<const std::size_t> columns,
+                                std::vector<std::byte>& fields) = 0;
+    virtual const StoredFieldReader& reader() const = 0;
+};
+
+// Rows of a table, one after the other: all of them in physical order (page, slot), or those of an
+// index range in key order. Rows inserted or deleted meanwhile may or may not be met.
 class RowCursor {
 public:
     virtual ~RowCursor() = default;
@@ -34,19 +58,9 @@ public:
     // `columns` are positions in TableDesign::columns; `values` has the same size and is filled in
     // that order.
     virtual base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) = 0;
-    // The characters of a text column of the row met last where they are stored one byte each
-    // (U+0001 to U+00FF) and so can be looked at without making a value; good until the next call
-    // of Next. nullopt: they are not, or the field is Null.
-    virtual std::optional<std::string_view> NarrowText([[maybe_unused]] std::size_t column) {
-        return std::nullopt;
-    }
-    // Appends the fields `columns` of the row met last as they are stored, for Table::ReadStored:
-    // less memory than their values, and cheaper. False: this cursor has none; nothing was
-    // appended.
-    virtual base::Result<bool> AppendStored([[maybe_unused]] std::span<const std::size_t> columns,
-                                            [[maybe_unused]] std::vector<std::byte>& fields) {
-        return false;
-    }
+    // nullptr: the rows have no stored form. The same for the cursor's whole life, and null for
+    // all cursors of a table or for none, except that one without rows may have none.
+    virtual StoredFields* stored_fields() = 0;
 };
 
 // One end of a range of index keys: values for the first columns of the index. An empty `values` is
@@ -85,16 +99,6 @@ public:
     virtual base::Status Read(RowId row, std::span<const std::size_t> columns,
                               std::span<Value> values) = 0;
 
-    // The value of the column that was `place`th among those given to RowCursor::AppendStored;
-    // `fields` is what that appended. Requires: Database::changes() is as it was then, outside of a
-    // transaction.
-    virtual base::Status ReadStored([[maybe_unused]] std::span<const std::byte> fields,
-                                    [[maybe_unused]] std::size_t place,
-                                    [[maybe_unused]] std::size_t column,
-                                    [[maybe_unused]] Value& value) {
-        return {base::StatusCode::kUnsupported, "Fields were stored nowhere."};
-    }
-
     // `values` has one entry per column, already of the column's type or convertible to it by
     // Coerce (jet/coerce.h). An autonumber column given as Null takes the next number. `inserted`
     // (may be null) receives the stored values of autonumber columns in place.
@@ -122,7 +126,7 @@ public:
     virtual bool in_transaction() const = 0;
     // Goes up with every transaction: what was read at the same number, outside of transactions, is
     // what is stored.
-    virtual std::uint64_t changes() const { return 0; }
+    virtual std::uint64_t changes() const = 0;
 
     virtual base::Status CreateTable(const TableDesign& design) = 0;
     virtual base::Status DropTable(std::u16string_view table) = 0;

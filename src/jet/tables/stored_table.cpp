@@ -96,7 +96,7 @@ base::Status StoredTable::Read(RowId row, std::span<const std::size_t> columns,
 }
 
 base::Status StoredTable::ReadStored(std::span<const std::byte> fields, std::size_t place,
-                                     std::size_t column, Value& value) {
+                                     std::size_t column, Value& value) const {
     return DecodeStoredField(Source(), fields, place, column, value);
 }
 

@@ -19,7 +19,7 @@ public:
     virtual base::Result<StoredTable*> TableAt(PageNumber definition) = 0;
 };
 
-class StoredTable final : public Table {
+class StoredTable final : public Table, private StoredFieldReader {
 public:
     // `file` and `tables` must outlive the table.
     static base::Result<std::unique_ptr<StoredTable>> Open(FileContext& file, TableSource& tables,
@@ -35,8 +35,6 @@ public:
                                                    const KeyBound& to, bool backwards) override;
     base::Status Read(RowId row, std::span<const std::size_t> columns,
                       std::span<Value> values) override;
-    base::Status ReadStored(std::span<const std::byte> fields, std::size_t place,
-                            std::size_t column, Value& value) override;
     base::Result<RowId> Insert(std::span<Value> values) override;
     base::Status Update(RowId row, std::span<const ColumnChange> changes) override;
     base::Status Delete(RowId row) override;
@@ -60,7 +58,9 @@ private:
     StoredTable(FileContext& file, TableSource& tables, TableDefinition definition)
         : file_(file), tables_(tables), definition_(std::move(definition)),
           indexes_(file, definition_), rows_(file, definition_) {}
-    CursorSource Source() const { return {&file_, &definition_, &positions_}; }
+    CursorSource Source() const { return {&file_, &definition_, &positions_, this}; }
+    base::Status ReadStored(std::span<const std::byte> fields, std::size_t place,
+                            std::size_t column, Value& value) const override;
     base::Result<Bytes> BoundKey(const LogicalIndex& index, const KeyBound& bound) const;
 
     base::Status CheckWritable() const;

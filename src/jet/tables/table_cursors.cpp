@@ -16,10 +16,43 @@ base::Status Unreadable() {
     return errors::Damaged("a row is unreadable");
 }
 
-class ScanCursor final : public RowCursor {
+// The fields of a row whose bytes the cursor keeps.
+class FieldsInRow : public StoredFields {
+public:
+    std::optional<std::string_view> NarrowText(std::size_t shown) final {
+        const ColumnDefinition& column = source_.definition->columns[(*source_.positions)[shown]];
+        if (column.type != ColumnType::kText) return std::nullopt;
+        const auto row = CurrentRow();
+        if (!row.ok() || !(*row)->Bit(column.number)) return std::nullopt;
+        const auto field = (*row)->Field(column);
+        return field ? source_.file->text.NarrowValue(*field) : std::nullopt;
+    }
+
+    base::Status Append(std::span<const std::size_t> columns,
+                        std::vector<std::byte>& fields) final {
+        ASSIGN_OR_RETURN(const RowView* const row, CurrentRow());
+        return AppendStoredFields(source_, *row, columns, fields);
+    }
+
+    const StoredFieldReader& reader() const final { return *source_.stored_reader; }
+
+protected:
+    explicit FieldsInRow(const CursorSource& source) : source_(source) {}
+    // The row met last; valid until the next one is met.
+    virtual base::Result<const RowView*> CurrentRow() = 0;
+
+    base::Status DecodeCurrent(std::span<const std::size_t> columns, std::span<Value> values) {
+        ASSIGN_OR_RETURN(const RowView* const row, CurrentRow());
+        return DecodeFields(source_, *row, columns, values);
+    }
+
+    CursorSource source_;
+};
+
+class ScanCursor final : public RowCursor, private FieldsInRow {
 public:
     ScanCursor(const CursorSource& source, TableScan scan)
-        : source_(source), scan_(std::move(scan)) {}
+        : FieldsInRow(source), scan_(std::move(scan)) {}
 
     base::Result<std::optional<RowId>> Next() override {
         ASSIGN_OR_RETURN(const bool found, scan_.Next());
@@ -29,27 +62,17 @@ public:
     }
 
     base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) override {
-        if (!row_) return Unreadable();
-        return DecodeFields(source_, *row_, columns, values);
+        return DecodeCurrent(columns, values);
     }
 
-    std::optional<std::string_view> NarrowText(std::size_t shown) override {
-        const ColumnDefinition& column = source_.definition->columns[(*source_.positions)[shown]];
-        if (column.type != ColumnType::kText || !row_ || !row_->Bit(column.number))
-            return std::nullopt;
-        const auto field = row_->Field(column);
-        return field ? source_.file->text.NarrowValue(*field) : std::nullopt;
-    }
-
-    base::Result<bool> AppendStored(std::span<const std::size_t> columns,
-                                    std::vector<std::byte>& fields) override {
-        if (!row_) return Unreadable();
-        RETURN_IF_ERROR(AppendStoredFields(source_, *row_, columns, fields));
-        return true;
-    }
+    StoredFields* stored_fields() override { return this; }
 
 private:
-    CursorSource source_;
+    base::Result<const RowView*> CurrentRow() override {
+        if (!row_) return Unreadable();
+        return &*row_;
+    }
+
     TableScan scan_;
     std::optional<RowView> row_;  // the one met last; nullopt: it is unreadable
 };
@@ -60,13 +83,14 @@ Bytes After(Bytes key) {
     return key;
 }
 
-class RangeCursor final : public RowCursor {
+class RangeCursor final : public RowCursor, private FieldsInRow {
 public:
     RangeCursor(const CursorSource& source, const IndexTree& tree, KeyRange range, bool backwards)
-        : source_(source), tree_(tree), range_(std::move(range)), backwards_(backwards) {}
+        : FieldsInRow(source), tree_(tree), range_(std::move(range)), backwards_(backwards) {}
 
     base::Result<std::optional<RowId>> Next() override {
         if (done_) return std::optional<RowId>();
+        view_.reset();
         RETURN_IF_ERROR(backwards_ ? StepBackwards() : StepForwards());
         if (place_.at_end() || Passed()) {
             done_ = true;
@@ -79,22 +103,22 @@ public:
     }
 
     base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) override {
-        ASSIGN_OR_RETURN(const StoredRow row,
-                         FetchRow(*source_.file, source_.definition->page, row_));
-        return DecodeFields(source_, row.bytes, columns, values);
+        return DecodeCurrent(columns, values);
     }
 
-    base::Result<bool> AppendStored(std::span<const std::size_t> columns,
-                                    std::vector<std::byte>& fields) override {
-        ASSIGN_OR_RETURN(const StoredRow row,
-                         FetchRow(*source_.file, source_.definition->page, row_));
-        const auto view = RowView::Parse(row.bytes, source_.file->format);
-        if (!view) return Unreadable();
-        RETURN_IF_ERROR(AppendStoredFields(source_, *view, columns, fields));
-        return true;
-    }
+    StoredFields* stored_fields() override { return this; }
 
 private:
+    // An index names rows; their bytes are fetched when they are asked for.
+    base::Result<const RowView*> CurrentRow() override {
+        if (!view_) {
+            ASSIGN_OR_RETURN(stored_, FetchRow(*source_.file, source_.definition->page, row_));
+            view_ = RowView::Parse(stored_.bytes, source_.file->format);
+            if (!view_) return Unreadable();
+        }
+        return &*view_;
+    }
+
     base::Status StepForwards() {
         if (place_.at_end())
             return Assign(tree_.Seek(range_.from_inclusive ? range_.from : After(range_.from)));
@@ -134,7 +158,6 @@ private:
         return place_.view.Compare(entry, range_.to) > 0;
     }
 
-    CursorSource source_;
     const IndexTree& tree_;
     KeyRange range_;
     bool backwards_;
@@ -143,6 +166,8 @@ private:
     std::uint64_t changes_ = 0;
     Bytes entry_;
     RowId row_;
+    StoredRow stored_;             // of row_
+    std::optional<RowView> view_;  // of stored_; nullopt: not fetched yet
 };
 
 }  // namespace

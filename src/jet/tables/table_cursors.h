@@ -13,6 +13,7 @@ struct CursorSource {
     FileContext* file;
     const TableDefinition* definition;
     const std::vector<std::size_t>* positions;  // of the shown columns among definition->columns
+    const StoredFieldReader* stored_reader;
 };
 
 // Decodes the fields `columns` (positions shown) of a row.

@@ -214,40 +214,56 @@ private:
 };
 
 // One range after the other.
-class RangesCursor final : public RowCursor {
+class RangesCursor final : public RowCursor, private StoredFields {
 public:
-    RangesCursor(Table& table, AccessPath path) : table_(table), path_(std::move(path)) {}
+    static Result<std::unique_ptr<RowCursor>> Open(Table& table, AccessPath path) {
+        auto cursor = std::unique_ptr<RangesCursor>(new RangesCursor(table, std::move(path)));
+        if (!cursor->path_.ranges.empty()) RETURN_IF_ERROR(cursor->OpenNext());
+        return std::unique_ptr<RowCursor>(std::move(cursor));
+    }
 
     Result<std::optional<RowId>> Next() override {
-        for (;;) {
-            if (cursor_ != nullptr) {
-                ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
-                if (row) return row;
-            }
-            if (opened_ == path_.ranges.size()) return std::optional<RowId>();
-            const std::size_t at = path_.backwards ? path_.ranges.size() - 1 - opened_ : opened_;
-            ++opened_;
-            const IndexRange& range = path_.ranges[at];
-            auto cursor = table_.Range(*path_.index, range.from, range.to, path_.backwards);
-            if (!cursor.ok()) return cursor.status();
-            cursor_ = std::move(cursor).value();
+        while (cursor_ != nullptr) {
+            ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
+            if (row) return row;
+            if (opened_ == path_.ranges.size()) break;
+            RETURN_IF_ERROR(OpenNext());
         }
+        return std::optional<RowId>();
     }
 
     Status Read(std::span<const std::size_t> columns, std::span<Value> values) override {
         return cursor_->Read(columns, values);
     }
 
-    Result<bool> AppendStored(std::span<const std::size_t> columns,
-                              std::vector<std::byte>& fields) override {
-        return cursor_->AppendStored(columns, fields);
-    }
+    StoredFields* stored_fields() override { return stored_ != nullptr ? this : nullptr; }
 
 private:
+    RangesCursor(Table& table, AccessPath path) : table_(table), path_(std::move(path)) {}
+
+    Status OpenNext() {
+        const std::size_t at = path_.backwards ? path_.ranges.size() - 1 - opened_ : opened_;
+        ++opened_;
+        const IndexRange& range = path_.ranges[at];
+        ASSIGN_OR_RETURN(cursor_,
+                         table_.Range(*path_.index, range.from, range.to, path_.backwards));
+        stored_ = cursor_->stored_fields();
+        return Status::Ok();
+    }
+
+    std::optional<std::string_view> NarrowText(std::size_t column) override {
+        return stored_->NarrowText(column);
+    }
+    Status Append(std::span<const std::size_t> columns, std::vector<std::byte>& fields) override {
+        return stored_->Append(columns, fields);
+    }
+    const StoredFieldReader& reader() const override { return stored_->reader(); }
+
     Table& table_;
     AccessPath path_;
-    std::unique_ptr<RowCursor> cursor_;
-    std::size_t opened_ = 0;  // ranges
+    std::unique_ptr<RowCursor> cursor_;  // of the range opened last; nullptr: there is no range
+    StoredFields* stored_ = nullptr;     // of cursor_
+    std::size_t opened_ = 0;             // ranges
 };
 
 }  // namespace
@@ -289,7 +305,7 @@ Result<std::unique_ptr<RowCursor>> OpenPath(Table& table, const AccessPath& path
     if (!path.index) return table.Scan();
     if (path.ranges.size() == 1)
         return table.Range(*path.index, path.ranges[0].from, path.ranges[0].to, path.backwards);
-    return std::unique_ptr<RowCursor>(new RangesCursor(table, path));
+    return RangesCursor::Open(table, path);
 }
 
 }  // namespace jet::sql

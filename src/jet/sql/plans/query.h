@@ -104,7 +104,7 @@ private:
     // The key of the row that `walk` has met.
     base::Status AppendOrderKey(RowWalk& walk, std::string& key) const;
     base::Result<std::vector<RowId>> CollectUnsorted();
-    StoredRows StoreOutputs() const;
+    StoredRows StoreOutputs(const StoredFieldReader& reader) const;
     std::size_t RowsToKeep(const KeySorter& keys, std::span<const std::uint32_t> order) const;
     void Finish(std::vector<Sorted>& rows) const;
     void CutToTop(std::vector<Sorted>& rows) const;

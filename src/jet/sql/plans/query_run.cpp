@@ -98,10 +98,11 @@ Status Query::AppendOrderKey(EvalContext& context, std::string& key) const {
 
 Status Query::AppendOrderKey(RowWalk& walk, std::string& key) const {
     EvalContext context{&session_, &walk.rows(), nullptr};
+    StoredFields* const stored = walk.stored_fields();
     for (const OrderItem& order : select_.order_by) {
         const Expression& e = *order.expression;
-        const auto narrow = IsColumn(e)
-                                ? walk.cursor().NarrowText(scope_.sources()[0].columns[e.slot])
+        const auto narrow = stored != nullptr && IsColumn(e)
+                                ? stored->NarrowText(scope_.sources()[0].columns[e.slot])
                                 : std::nullopt;
         if (narrow && AppendNarrowSortKey(*narrow, order.descending, key)) continue;
         RETURN_IF_ERROR(walk.ReadInUse());
@@ -134,14 +135,14 @@ Result<std::vector<RowId>> Query::CollectUnsorted() {
 }
 
 // Holds the outputs where all of them are columns.
-StoredRows Query::StoreOutputs() const {
+StoredRows Query::StoreOutputs(const StoredFieldReader& reader) const {
     std::vector<std::size_t> columns;
     for (std::size_t output = 0; output < names_.size(); ++output) {
         const auto column = TableColumn(output);
         if (!column) return {};
         columns.push_back(*column);
     }
-    return {*session_.database, *table(), std::move(columns)};
+    return {*session_.database, reader, std::move(columns)};
 }
 
 Result<FoundRows> Query::CollectRows() {
@@ -153,9 +154,10 @@ Result<FoundRows> Query::CollectRows() {
     std::vector<RowId> ids;
     KeySorter keys;
     std::string key;
-    found.stored = StoreOutputs();
     ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
                      RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    StoredFields* const stored = walk->stored_fields();
+    if (stored != nullptr) found.stored = StoreOutputs(stored->reader());
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
         if (!row) break;
@@ -163,7 +165,7 @@ Result<FoundRows> Query::CollectRows() {
         key.clear();
         RETURN_IF_ERROR(AppendOrderKey(*walk, key));
         keys.Add(key);
-        RETURN_IF_ERROR(found.stored.Add(walk->cursor()));
+        if (stored != nullptr) RETURN_IF_ERROR(found.stored.Add(*stored));
     }
     const std::vector<std::uint32_t> order = keys.Order();
     found.ids.resize(RowsToKeep(keys, order));

@@ -60,11 +60,12 @@ std::optional<bool> RowFilter::Passes(const TextTest& test, const std::vector<Va
     return Holds(test.op, *order);
 }
 
-std::optional<bool> RowFilter::Decides(RowCursor& cursor,
+std::optional<bool> RowFilter::Decides(StoredFields* stored,
                                        const std::vector<std::size_t>& columns) const {
     if (condition_ == nullptr) return true;
+    if (stored == nullptr) return std::nullopt;
     for (const TextTest& test : tests_) {
-        const auto text = cursor.NarrowText(columns[test.slot]);
+        const auto text = stored->NarrowText(columns[test.slot]);
         const auto order = text ? test.constant.Order(*text) : std::nullopt;
         if (!order) return std::nullopt;
         if (!Holds(test.op, *order)) return false;

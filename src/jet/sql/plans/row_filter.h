@@ -20,9 +20,11 @@ public:
     // `condition` (nullptr: every row is kept) is bound to one source and must outlive the filter.
     explicit RowFilter(const Expression* condition);
 
-    // The answer for the row that `cursor` has met, if its texts tell it as they are stored;
-    // `columns` are the columns in use. nullopt: it takes the values.
-    std::optional<bool> Decides(RowCursor& cursor, const std::vector<std::size_t>& columns) const;
+    // The answer for the row whose fields are `stored` (nullptr: they have no stored form), if its
+    // texts tell it as they are stored; `columns` are the columns in use. nullopt: it takes the
+    // values.
+    std::optional<bool> Decides(StoredFields* stored,
+                                const std::vector<std::size_t>& columns) const;
     // Whether the condition is true for the row that `context` shows.
     base::Result<bool> Keeps(EvalContext& context) const;
 

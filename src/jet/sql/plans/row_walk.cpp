@@ -31,6 +31,7 @@ Result<std::unique_ptr<RowWalk>> RowWalk::Open(const Scope& scope, const AccessP
     const Source& source = scope.sources()[0];
     auto walk = std::unique_ptr<RowWalk>(new RowWalk(source, where, session));
     ASSIGN_OR_RETURN(walk->cursor_, OpenPath(*source.table, path));
+    walk->stored_fields_ = walk->cursor_->stored_fields();
     return walk;
 }
 
@@ -39,7 +40,7 @@ Result<std::optional<RowId>> RowWalk::Next() {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
         if (!row) return row;
         read_ = 0;
-        const std::optional<bool> decided = filter_.Decides(*cursor_, source_.columns);
+        const std::optional<bool> decided = filter_.Decides(stored_fields_, source_.columns);
         if (decided && !*decided) continue;
         if (decided) return row;
         RETURN_IF_ERROR(ReadColumns(0, tested_));

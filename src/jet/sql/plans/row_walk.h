@@ -25,8 +25,8 @@ public:
     base::Status Read(std::span<const std::size_t> columns, std::span<Value> values) {
         return cursor_->Read(columns, values);
     }
-    // Stands on the row met last.
-    RowCursor& cursor() { return *cursor_; }
+    // Of the row met last; nullptr: the table's rows have no stored form.
+    StoredFields* stored_fields() { return stored_fields_; }
     // The columns in use of the row met last. Requires: ReadInUse.
     const SourceRows& rows() const { return rows_; }
     // Reads what of them the condition did not need; once is enough for a row.
@@ -41,6 +41,7 @@ private:
     std::size_t tested_;    // the first columns in use, which the condition needs
     std::size_t read_ = 0;  // so many of the columns in use are those of the row met last
     std::unique_ptr<RowCursor> cursor_;
+    StoredFields* stored_fields_ = nullptr;  // of cursor_
     SourceRows rows_;
     EvalContext context_;
 };

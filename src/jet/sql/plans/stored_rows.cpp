@@ -7,8 +7,9 @@ constexpr std::size_t kMostBytes = 32U << 20;
 
 }  // namespace
 
-StoredRows::StoredRows(Database& database, Table& table, std::vector<std::size_t> columns)
-    : database_(&database), table_(&table), columns_(std::move(columns)),
+StoredRows::StoredRows(Database& database, const StoredFieldReader& reader,
+                       std::vector<std::size_t> columns)
+    : database_(&database), reader_(&reader), columns_(std::move(columns)),
       changes_(database.changes()), gathers_(!database.in_transaction()) {}
 
 void StoredRows::Drop() {
@@ -17,12 +18,12 @@ void StoredRows::Drop() {
     rows_ = {};
 }
 
-base::Status StoredRows::Add(RowCursor& cursor) {
+base::Status StoredRows::Add(StoredFields& row) {
     if (!gathers_) return base::Status::Ok();
     fields_.clear();
-    ASSIGN_OR_RETURN(const bool stored, cursor.AppendStored(columns_, fields_));
+    RETURN_IF_ERROR(row.Append(columns_, fields_));
     rows_.emplace_back(arena_.Add(fields_.data(), fields_.size()), fields_.size());
-    if (!stored || arena_.size() + rows_.size() * sizeof(Fields) > kMostBytes) Drop();
+    if (arena_.size() + rows_.size() * sizeof(Fields) > kMostBytes) Drop();
     return base::Status::Ok();
 }
 
@@ -41,7 +42,7 @@ void StoredRows::Arrange(std::span<const std::uint32_t> order) {
 }
 
 base::Status StoredRows::Read(std::size_t row, std::size_t place, Value& value) const {
-    return table_->ReadStored(rows_[row], place, columns_[place], value);
+    return reader_->ReadStored(rows_[row], place, columns_[place], value);
 }
 
 }  // namespace jet::sql

@@ -16,11 +16,13 @@ namespace jet::sql {
 class StoredRows {
 public:
     StoredRows() = default;
-    // `columns` are positions in the table's design; `table` and `database` must outlive this.
-    StoredRows(Database& database, Table& table, std::vector<std::size_t> columns);
+    // `columns` are positions in the table's design; `reader`, which is the table's, and `database`
+    // must outlive this.
+    StoredRows(Database& database, const StoredFieldReader& reader,
+               std::vector<std::size_t> columns);
 
-    // Takes the row that `cursor` has met last.
-    base::Status Add(RowCursor& cursor);
+    // Takes the row that a cursor has met last; its reader is this one's.
+    base::Status Add(StoredFields& row);
     // Row `order[i]` becomes row `i`; the others are dropped.
     void Arrange(std::span<const std::uint32_t> order);
 
@@ -35,10 +37,10 @@ private:
     void Drop();
 
     Database* database_ = nullptr;
-    Table* table_ = nullptr;
+    const StoredFieldReader* reader_ = nullptr;
     std::vector<std::size_t> columns_;
     std::uint64_t changes_ = 0;
-    bool gathers_ = false;
+    bool gathers_ = false;  // further rows are taken
     ByteArena arena_;
     std::vector<Fields> rows_;
     std::vector<std::byte> fields_;  // of the row at hand
