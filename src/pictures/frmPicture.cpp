@@ -17,6 +17,18 @@
 namespace pictures {
 namespace {
 
+// Object names of the actions that the menu and the tool bar share.
+constexpr QStringView kSaveAndSetAction = u"mnuSet";
+constexpr QStringView kSaveOnlyAction = u"MENU_SAVEAS";
+constexpr QStringView kPasteAction = u"mnuPaste";
+
+// A picture is shown at 1/scale of its size.
+constexpr int kScales[] = {1, 2, 4, 8};
+
+QString ScaleAction(int scale) {
+    return QStringLiteral("MENU_%1").arg(scale);
+}
+
 QAction* AddAction(QMenu& menu, const QString& name, const QString& caption,
                    const QIcon& icon = {}) {
     QAction* action = menu.addAction(icon, caption);
@@ -87,15 +99,15 @@ void frmPicture::BuildMenus(QMenuBar& bar) {
     QMenu* file = bar.addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("MENU_FILE"));
     const auto icon = [this](QStyle::StandardPixmap which) { return style()->standardIcon(which); };
-    QAction* set = AddAction(*file, QStringLiteral("mnuSet"), QStringLiteral("Save and Set"),
+    QAction* set = AddAction(*file, kSaveAndSetAction.toString(), QStringLiteral("Save and Set"),
                              icon(QStyle::SP_DialogApplyButton));
     // Shown in the menu only: the picture itself answers the key, when it is released.
     set->setShortcut(Qt::Key_F2);
     set->setShortcutContext(Qt::WidgetShortcut);
-    QAction* save = AddAction(*file, QStringLiteral("MENU_SAVEAS"), QStringLiteral("Save &Only.."),
+    QAction* save = AddAction(*file, kSaveOnlyAction.toString(), QStringLiteral("Save &Only.."),
                               icon(QStyle::SP_DialogSaveButton));
     save->setShortcut(QKeySequence::Save);
-    QAction* paste = AddAction(*file, QStringLiteral("mnuPaste"), QStringLiteral("&Paste"),
+    QAction* paste = AddAction(*file, kPasteAction.toString(), QStringLiteral("&Paste"),
                                icon(QStyle::SP_DialogOpenButton));
     paste->setShortcut(QKeySequence::Paste);
     file->addSeparator();
@@ -109,9 +121,8 @@ void frmPicture::BuildMenus(QMenuBar& bar) {
     QMenu* size = bar.addMenu(QStringLiteral("&Scale"));
     size->setObjectName(QStringLiteral("MENU_SIZE"));
     auto* group = new QActionGroup(this);
-    for (const int scale : {1, 2, 4, 8}) {
-        QAction* action = AddAction(*size, QStringLiteral("MENU_%1").arg(scale),
-                                    QStringLiteral("1:&%1").arg(scale));
+    for (const int scale : kScales) {
+        QAction* action = AddAction(*size, ScaleAction(scale), QStringLiteral("1:&%1").arg(scale));
         action->setCheckable(true);
         action->setChecked(scale == session_.scale());
         group->addAction(action);
@@ -122,11 +133,11 @@ void frmPicture::BuildMenus(QMenuBar& bar) {
 void frmPicture::BuildToolBar(QToolBar& bar) {
     bar.setObjectName(QStringLiteral("ToolbarCtl"));
     bar.setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    for (const char16_t* name : {u"mnuPaste", u"mnuSet", u"MENU_SAVEAS"})
-        bar.addAction(findChild<QAction*>(QString::fromUtf16(name)));
+    for (const QStringView name : {kPasteAction, kSaveAndSetAction, kSaveOnlyAction})
+        bar.addAction(findChild<QAction*>(name.toString()));
     bar.addSeparator();
-    for (const char16_t* name : {u"MENU_1", u"MENU_2", u"MENU_4", u"MENU_8"})
-        bar.addAction(findChild<QAction*>(QString::fromUtf16(name)));
+    for (const int scale : kScales)
+        bar.addAction(findChild<QAction*>(ScaleAction(scale)));
 }
 
 void frmPicture::OpenFor(const QString& table_name) {
