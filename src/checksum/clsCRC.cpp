@@ -4,6 +4,7 @@
 #include "base/file_names.h"
 #include "base/unicode.h"
 #include "checksum/crc_16.h"
+#include "platform/error_numbers.h"
 
 #include <libdeflate.h>
 
@@ -19,8 +20,6 @@ namespace {
 // second-level cache between the copy and the sum.
 constexpr std::size_t kChunkBytes = std::size_t{64} << 10;
 
-constexpr std::int32_t kFileNotFoundNumber = 53;
-
 std::string NameOf(const std::filesystem::path& path) {
     return base::ToUtf8(base::TextOf(path.filename()));
 }
@@ -31,7 +30,7 @@ base::Result<std::uint64_t> LengthOf(const std::filesystem::path& path) {
     const auto status = std::filesystem::status(path, error);
     if (!std::filesystem::exists(status))
         return base::Status(base::StatusCode::kNotFound, NameOf(path) + ": file not found",
-                            kFileNotFoundNumber);
+                            platform::kFileNotFound);
     if (!std::filesystem::is_regular_file(status))
         return base::Status(base::StatusCode::kUnsupported, NameOf(path) + ": not a file");
     const std::uint64_t length = std::filesystem::file_size(path, error);

@@ -40,8 +40,8 @@ public:
     // These three start afresh.
     std::int32_t CalculateBytes(std::span<const std::byte> bytes);
     // nullopt: the file is empty; the registers are left as they were then, and after a failure.
-    // kNotFound, number 53: no such file; kUnsupported: not a file; kIoError: it cannot be read, or
-    // shrinks meanwhile.
+    // kNotFound, number platform::kFileNotFound: no such file; kUnsupported: not a file; kIoError:
+    // it cannot be read, or shrinks meanwhile.
     base::Result<std::optional<std::int32_t>> CalculateFile(const std::filesystem::path& path);
     // The same over the next `length_bytes` bytes of `stream`, which must be more than none.
     base::Result<std::optional<std::int32_t>> CalculateStream(std::istream& stream,

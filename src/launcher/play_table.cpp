@@ -4,13 +4,12 @@
 #include "launcher/update_play_count.h"
 #include "platform/application_folder.h"
 #include "platform/command_line.h"
+#include "platform/error_numbers.h"
 #include "platform/files.h"
 
 namespace launcher {
 namespace {
 
-constexpr std::int32_t kPathNotFound = 76;
-constexpr std::int32_t kInvalidProcedureCall = 5;
 constexpr qsizetype kExtensionLength = 4;
 
 const QString kSimulatorClass = QStringLiteral("VPinball");
@@ -34,7 +33,7 @@ base::Result<QString> TitleKey(const QString& path) {
     const QString name = catalogue::GetFileName(path);
     if (!name.trimmed().isEmpty() && name.size() < kExtensionLength)
         return base::Status(base::StatusCode::kInvalidArgument,
-                            "Invalid procedure call or argument", kInvalidProcedureCall);
+                            "Invalid procedure call or argument", platform::kInvalidProcedureCall);
     return catalogue::StripExtension(name);
 }
 
@@ -104,10 +103,10 @@ void Launcher::CloseSimulator(const QString& title_key) {
     if (window) parts_.windows.RequestClose(*window);
 }
 
-// Number 76 may as well mean the table's folder.
+// The folder that is not found may as well be the table's.
 void Launcher::ShowFailure(const base::Status& failure) {
     platform::Message message;
-    message.text = failure.number() == kPathNotFound
+    message.text = failure.number() == platform::kPathNotFound
                        ? QStringLiteral("The Visual Pinball Executable Could not Be Found!!")
                        : QString::fromStdString(failure.message());
     message.icon = platform::MessageIcon::kCritical;

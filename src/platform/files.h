@@ -75,7 +75,7 @@ QString Identity(const QString& path);
 // file there lies elsewhere or nowhere.
 bool IsPseudoFileSystem(const QString& folder);
 
-// kNotFound with number 76: there is no such folder.
+// kNotFound with the number kPathNotFound (error_numbers.h): there is no such folder.
 base::Status ChangeDirectory(const QString& folder);
 
 }  // namespace platform

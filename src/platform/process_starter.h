@@ -18,8 +18,8 @@ public:
     // directory, minimised with the focus where the system knows such a start (X11 and Wine do not:
     // there it shows itself as it likes). The result is its process id. A Windows executable runs
     // through Wine on other systems, and the native paths among its arguments are given to it in
-    // the form that it can open. kNotFound with number 76: no such folder; number 53: no such
-    // executable; kPermissionDenied: not executable.
+    // the form that it can open. kNotFound with the number kPathNotFound: no such folder; with
+    // kFileNotFound: no such executable; kPermissionDenied: not executable.
     virtual base::Result<std::int64_t> Start(const QString& command_line) = 0;
     // A tool in a normal window.
     virtual base::Result<std::int64_t> StartTool(const QString& program) = 0;

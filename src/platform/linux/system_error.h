@@ -2,18 +2,13 @@
 #pragma once
 
 #include "base/status.h"
+#include "platform/error_numbers.h"
 
 #include <QtCore/QString>
 
 namespace platform {
 
-// Error numbers that the messages of the program depend on.
-inline constexpr std::int32_t kInvalidProcedureCall = 5;
-inline constexpr std::int32_t kFileNotFound = 53;
-inline constexpr std::int32_t kPermissionDenied = 70;
-inline constexpr std::int32_t kPathNotFound = 76;
-
-// "File not found: /tables/Foo.vpt".
+// `what` and `path`: "File not found: /tables/Foo.vpt". `number`: of error_numbers.h.
 base::Status FileError(base::StatusCode code, const char* what, const QString& path,
                        std::int32_t number = 0);
 // The failure `error_number` (of errno) to reach the folder `folder`.
