@@ -1,5 +1,6 @@
 // tavolo-new-catalogue FILE: makes the empty catalogue that the program is delivered with. A tool
 // of the build.
+#include "app/print_failure.h"
 #include "catalogue/new_catalogue.h"
 #include "catalogue/pin_subs.h"
 #include "platform/clock.h"
@@ -20,6 +21,6 @@ int main(int argc, char** argv) {
     const base::Status made = catalogue::CreateEmptyCatalogue(
         *files, std::filesystem::path(argv[1]), catalogue::ToOleDate(clock.Now()));
     if (made.ok()) return 0;
-    std::fprintf(stderr, "%s: %s\n", argv[1], made.message().c_str());
+    app::PrintFailure(argv[1], made);
     return 1;
 }

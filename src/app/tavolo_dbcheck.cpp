@@ -1,5 +1,6 @@
 // tavolo-dbcheck FILE: checks a database file, changes nothing. Exit status: 0 sound, 1 faults, 2
 // cannot be checked.
+#include "app/print_failure.h"
 #include "jet/check/check.h"
 #include "platform/file_system.h"
 
@@ -103,7 +104,7 @@ int main(int argc, char** argv) {
     options.read_only = true;
     const auto store = jet::OpenPageStore(*files, file, options);
     if (!store.ok()) {
-        std::fprintf(stderr, "tavolo-dbcheck: %s\n", store.status().message().c_str());
+        app::PrintFailure("tavolo-dbcheck", store.status());
         return kCannotCheck;
     }
     const jet::CheckReport report = jet::CheckIntegrity(*store.value());

@@ -93,8 +93,7 @@ bool DetailPanel::FillFields(const QString& file_name) {
 // In the status bar, where the name of the table would stand. That there is no such row is no
 // failure: the panel is empty and says so. False, for the caller to return.
 bool DetailPanel::SayFailure(const base::Status& failure) const {
-    if (failure.number() != kNoCurrentRecord)
-        host_.SetStatusText(kFailurePanel, QString::fromStdString(failure.message()));
+    if (failure.number() != kNoCurrentRecord) host_.ShowFailure(failure);
     return false;
 }
 
@@ -111,11 +110,14 @@ void DetailPanel::ShowRecord(const TableRecord& record) {
     controls_.chkPinMame->setChecked(record.pin_mame);
     controls_.chkFavorite->setChecked(record.favorite);
     if (record.checks_read)
-        host_.SetStatusText(2, QStringLiteral("Current Table: ") + record.fields[kDisplayName]);
+        host_.SetStatusText(kNamePanel,
+                            QStringLiteral("Current Table: ") + record.fields[kDisplayName]);
     if (record.times_played)
-        host_.SetStatusText(3, QStringLiteral("Times Played: ") + *record.times_played);
+        host_.SetStatusText(kTimesPlayedPanel,
+                            QStringLiteral("Times Played: ") + *record.times_played);
     if (record.last_played)
-        host_.SetStatusText(4, QStringLiteral("Last Played: ") + *record.last_played);
+        host_.SetStatusText(kLastPlayedPanel,
+                            QStringLiteral("Last Played: ") + *record.last_played);
 }
 
 // The file that a field names; empty: it names none that can be used.
@@ -156,7 +158,7 @@ void DetailPanel::ClearTableDetails() {
     pictures_.Stop();
     for (PictureBox* box : {controls_.imgShot, controls_.imgFlyer, controls_.imgRules})
         box->ShowPlaceholder();
-    for (const int panel : {2, 3, 4})
+    for (const int panel : {kNamePanel, kTimesPlayedPanel, kLastPlayedPanel})
         host_.SetStatusText(panel, {});
     host_.SetComments({});
 }
@@ -206,7 +208,8 @@ void DetailPanel::Save() {
         prompts_.Ask({QStringLiteral("Please select a valid file name or leave blank"), {}});
         return GoToField(*field);
     }
-    if (const auto saved = SaveTableRecord(connection(), record); !saved.ok()) return Report(saved);
+    if (const auto saved = SaveTableRecord(connection(), record); !saved.ok())
+        return catalogue::ShowError(prompts_, saved);
     host_.FileNameStored(record.fields[kId], record.fields[kFileName]);
     EndEdit(record.fields[kFileName]);
 }
@@ -215,7 +218,7 @@ void DetailPanel::SaveRules() {
     const QString id = controls_.txtDet[kId].Text();
     if (id.isEmpty()) return;
     const auto saved = SaveRulesText(connection(), id, controls_.txtDet[kRulesText].Text());
-    if (!saved.ok()) return Report(saved);
+    if (!saved.ok()) return catalogue::ShowError(prompts_, saved);
     EndEdit(host_.SelectedTag());
 }
 
@@ -235,7 +238,8 @@ void DetailPanel::Delete() {
     const QString id = controls_.txtDet[kId].Text();
     if (id.isEmpty()) return;
     if (prompts_.Ask(DeleteQuestion()) != platform::MessageAnswer::kYes) return;
-    if (const auto deleted = DeleteRecord(connection(), id); !deleted.ok()) return Report(deleted);
+    if (const auto deleted = DeleteRecord(connection(), id); !deleted.ok())
+        return catalogue::ShowError(prompts_, deleted);
     SetRecordChanged(false);
     host_.RefreshTree();
 }
@@ -261,12 +265,8 @@ void DetailPanel::ReadRules() {
     const QString chosen = prompts_.ChooseFileToOpen(dialog);
     if (!platform::FileExists(chosen)) return;
     const auto text = ReadRulesFile(chosen);
-    if (!text.ok()) return Report(text.status());
+    if (!text.ok()) return catalogue::ShowError(prompts_, text.status());
     controls_.txtDet[kRulesText].SetText(*text);
-}
-
-void DetailPanel::Report(const base::Status& status) {
-    catalogue::ShowError(prompts_, status);
 }
 
 jet::Connection& DetailPanel::connection() const {

@@ -26,8 +26,10 @@ public:
     // The record with this id has this FileName from now on.
     virtual void FileNameStored(const QString& id, const QString& file_name) = 0;
     virtual void RefreshTree() = 0;
-    // Panels 1..4 of the status bar; a failure that no box tells is said in kFailurePanel.
+    // `panel` of the status bar, see status_panels.h.
     virtual void SetStatusText(int panel, const QString& text) = 0;
+    // Says a failure that no box tells in the status bar.
+    virtual void ShowFailure(const base::Status& failure) = 0;
     // The label lblComments under the tree.
     virtual void SetComments(const QString& text) = 0;
     // Locks (true) or frees the filters, the operator, the tree, Refresh Tree, Play and the File
@@ -88,7 +90,6 @@ private:
     void Cancel();
     void ChoosePicture(DetailField field, const QString& title);
     void ReadRules();
-    void Report(const base::Status& status);
 
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;

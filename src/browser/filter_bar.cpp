@@ -138,7 +138,7 @@ void FilterBar::FillFilterValues() {
     SetValues({});
     const auto values = values_(key);
     if (!values.ok()) {
-        Q_EMIT ValuesNotRead(QString::fromStdString(values.status().message()));
+        Q_EMIT ValuesNotRead(values.status());
         return;
     }
     if (values->isEmpty()) {

@@ -50,7 +50,7 @@ Q_SIGNALS:
     // The user changed something: what the tree shows is not what is selected any more.
     void Changed();
     // The values of a column cannot be offered: they could not be read.
-    void ValuesNotRead(const QString& failure);
+    void ValuesNotRead(const base::Status& failure);
 
 private:
     void BuildKinds();

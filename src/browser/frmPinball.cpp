@@ -254,8 +254,7 @@ void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
 }
 
 void frmPinball::TellInPassing(const base::Status& failure) {
-    constexpr int kShownMs = 15'000;
-    if (!failure.ok()) status_->showMessage(QString::fromStdString(failure.message()), kShownMs);
+    if (!failure.ok()) status_->ShowFailureInPassing(failure);
 }
 
 void frmPinball::RememberSelectedNode() {
@@ -268,6 +267,10 @@ void frmPinball::FileNameStored(const QString& id, const QString& file_name) {
 
 void frmPinball::SetStatusText(int panel, const QString& text) {
     status_->SetPanelText(panel, text);
+}
+
+void frmPinball::ShowFailure(const base::Status& failure) {
+    status_->ShowFailure(failure);
 }
 
 void frmPinball::SetComments(const QString& text) {

@@ -57,8 +57,8 @@ public:
     DetailPanel& details() { return *details_; }
     // How far a command has come; it is over when `done` equals `total`.
     void ShowProgress(std::int64_t done, std::int64_t total);
-    // Shows a failure that stops nobody in the status bar for a while, over its panels. Nothing
-    // when it is ok.
+    // Shows a failure that stops nothing in the status bar for 15 seconds. Does nothing when it is
+    // ok.
     void TellInPassing(const base::Status& failure);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -94,6 +94,7 @@ private:
     void RememberSelectedNode() override;
     void FileNameStored(const QString& id, const QString& file_name) override;
     void SetStatusText(int panel, const QString& text) override;
+    void ShowFailure(const base::Status& failure) override;
     void SetComments(const QString& text) override;
     void LockForEdit(bool changed) override;
 

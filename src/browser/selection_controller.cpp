@@ -8,8 +8,6 @@
 namespace browser {
 namespace {
 
-constexpr int kCountPanel = 1;
-
 QString IconOfKind(const QString& filter_key) {
     const auto* const kind =
         std::find_if(kFilterKinds.begin(), kFilterKinds.end(),
@@ -46,7 +44,7 @@ SelectionController::SelectionController(const Parts& parts, std::function<void(
     connect(&parts_.order_bar, &OrderBar::Changed, this, mark);
     connect(&parts_.order_bar, &OrderBar::RefreshClicked, this, &SelectionController::RefreshTree);
     connect(&parts_.filter_bar, &FilterBar::ValuesNotRead, this,
-            [this](const QString& failure) { parts_.status.SetPanelText(kFailurePanel, failure); });
+            [this](const base::Status& failure) { parts_.status.ShowFailure(failure); });
 }
 
 Selection SelectionController::Current() const {
@@ -78,7 +76,7 @@ void SelectionController::RefreshTree() {
 void SelectionController::SayFailure(const base::Status& failure) {
     if (failure.ok()) return;
     parts_.status.SetPanelText(kCountPanel, {});  // the count is not of this empty tree
-    parts_.status.SetPanelText(kFailurePanel, QString::fromStdString(failure.message()));
+    parts_.status.ShowFailure(failure);
 }
 
 void SelectionController::ReportWrongValue(const QString& message) {

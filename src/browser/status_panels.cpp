@@ -1,5 +1,7 @@
 #include "browser/status_panels.h"
 
+#include "catalogue/error_report.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QProgressBar>
@@ -14,18 +16,19 @@ constexpr int kHundred = 100;
 // Below this the work is over before a bar can be read.
 constexpr std::int64_t kWorthShowing = 2000;
 
-constexpr std::size_t kNamePanel = kFailurePanel - 1;
+constexpr int kInPassingMs = 15'000;
 
 }  // namespace
 
 StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     setObjectName(QStringLiteral("sbrDB"));
-    for (std::size_t i = 0; i < panels_.size(); ++i) {
-        panels_[i] = new QLabel(this);
-        panels_[i]->setObjectName(QStringLiteral("sbrDB_") + QString::number(i + 1));
-        if (i == kNamePanel) panels_[i]->setMinimumWidth(1);  // cut rather than widen the window
-        panels_[i]->setTextFormat(Qt::PlainText);
-        addWidget(panels_[i], i == kNamePanel ? 1 : 0);
+    for (int panel = kCountPanel; panel <= kPanelCount; ++panel) {
+        auto* const label = new QLabel(this);
+        label->setObjectName(QStringLiteral("sbrDB_") + QString::number(panel));
+        if (panel == kNamePanel) label->setMinimumWidth(1);  // cut rather than widen the window
+        label->setTextFormat(Qt::PlainText);
+        addWidget(label, panel == kNamePanel ? 1 : 0);
+        panels_.at(static_cast<std::size_t>(panel - 1)) = label;
     }
     prgLoad_ = new QProgressBar(this);
     prgLoad_->setObjectName(QStringLiteral("prgLoad"));
@@ -39,6 +42,14 @@ void StatusPanels::SetPanelText(int panel, const QString& text) {
     QLabel* const label = panels_.at(static_cast<std::size_t>(panel - 1));
     label->setText(text);
     label->setToolTip(text.trimmed());
+}
+
+void StatusPanels::ShowFailure(const base::Status& failure) {
+    SetPanelText(kNamePanel, catalogue::FailureText(failure));
+}
+
+void StatusPanels::ShowFailureInPassing(const base::Status& failure) {
+    showMessage(catalogue::FailureText(failure), kInPassingMs);
 }
 
 void StatusPanels::StartProgress(std::int64_t steps) {

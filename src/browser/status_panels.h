@@ -2,6 +2,8 @@
 // their place while something long is going on.
 #pragma once
 
+#include "base/status.h"
+
 #include <QtWidgets/QStatusBar>
 
 #include <array>
@@ -12,9 +14,12 @@ class QProgressBar;
 
 namespace browser {
 
-// The panel of the current table's name, which takes what the other panels leave. Failures that no
-// box tells are said there: once, until the next table is shown.
-inline constexpr int kFailurePanel = 2;
+// The panels, from left to right.
+inline constexpr int kCountPanel = 1;
+inline constexpr int kNamePanel = 2;  // the current table's; as wide as the others leave it
+inline constexpr int kTimesPlayedPanel = 3;
+inline constexpr int kLastPlayedPanel = 4;
+inline constexpr int kPanelCount = 4;
 
 class StatusPanels : public QStatusBar {
     Q_OBJECT
@@ -22,8 +27,12 @@ class StatusPanels : public QStatusBar {
 public:
     explicit StatusPanels(QWidget* parent = nullptr);
 
-    // Panels count from 1 to 4.
     void SetPanelText(int panel, const QString& text);
+    // Shows a failure that no box tells in place of the table's name, until the next table is
+    // shown.
+    void ShowFailure(const base::Status& failure);
+    // Shows a failure that stops nothing over the panels, for 15 seconds.
+    void ShowFailureInPassing(const base::Status& failure);
 
     // Shows the progress bar in place of the panels. `steps` counts the whole work.
     void StartProgress(std::int64_t steps);
@@ -33,7 +42,7 @@ public:
     bool in_progress() const { return in_progress_; }
 
 private:
-    std::array<QLabel*, 4> panels_{};
+    std::array<QLabel*, kPanelCount> panels_{};
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;
     int hundredths_ = 0;

@@ -1,5 +1,5 @@
-// How a failure that a command has no words of its own for is told to the user: everywhere in this
-// way.
+// Telling the user of a failure for which a command has no words of its own. What says it in
+// another place than a box (the status bar) takes its words from FailureText, too.
 #pragma once
 
 #include "base/status.h"
@@ -16,12 +16,17 @@ inline bool IsValueTrouble(const base::Status& status) {
            status.code() == base::StatusCode::kInvalidArgument;
 }
 
-// A box with the failure's own description, the program's title and the exclamation icon. Does
+// The failure's own description.
+inline QString FailureText(const base::Status& failure) {
+    return QString::fromStdString(failure.message());
+}
+
+// A box with FailureText, the program's title and the exclamation icon. Does
 // nothing when `status` is ok.
 inline void ShowError(platform::UserPrompts& prompts, const base::Status& status) {
     if (status.ok()) return;
     platform::Message message;
-    message.text = QString::fromStdString(status.message());
+    message.text = FailureText(status);
     message.icon = platform::MessageIcon::kExclamation;
     prompts.Ask(message);
 }

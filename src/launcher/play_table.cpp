@@ -108,7 +108,7 @@ void Launcher::ShowFailure(const base::Status& failure) {
     platform::Message message;
     message.text = failure.number() == platform::kPathNotFound
                        ? QStringLiteral("The Visual Pinball Executable Could not Be Found!!")
-                       : QString::fromStdString(failure.message());
+                       : catalogue::FailureText(failure);
     message.icon = platform::MessageIcon::kCritical;
     parts_.prompts.Ask(message);
 }

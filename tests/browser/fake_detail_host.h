@@ -2,6 +2,7 @@
 #pragma once
 
 #include "browser/detail_panel.h"
+#include "catalogue/error_report.h"
 
 #include <QtCore/QMap>
 
@@ -26,6 +27,9 @@ public:
     }
     void RefreshTree() override { ++refreshes; }
     void SetStatusText(int panel, const QString& text) override { status[panel] = text; }
+    void ShowFailure(const base::Status& failure) override {
+        status[kNamePanel] = catalogue::FailureText(failure);
+    }
     void SetComments(const QString& text) override { comments = text; }
     void LockForEdit(bool changed) override { locked = changed; }
 };

@@ -65,7 +65,7 @@ TEST_F(StatusPanelsTest, TheNextProgressBeginsAtNothing) {
 
 TEST_F(StatusPanelsTest, ALongTextInTheNamePanelDoesNotWidenTheWindow) {
     const int before = panels.minimumSizeHint().width();
-    panels.SetPanelText(kFailurePanel, QString(2000, QLatin1Char('x')));
+    panels.SetPanelText(kNamePanel, QString(2000, QLatin1Char('x')));
     EXPECT_EQ(panels.minimumSizeHint().width(), before);
 }
 
