@@ -23,8 +23,8 @@ bool Holds(const QString& folder, const QString& name) {
     return platform::FileExists(platform::FileIn(folder, name));
 }
 
-// True for what the program itself puts into its folder: the catalogue, its backup, journal and
-// lock, and the files that come with it or are written by it.
+// True for the program's files in its folder: the catalogue with its backup, journal and lock, the
+// delivered files, and the files that the program writes.
 bool IsOurs(const QString& name) {
     static const QStringList others = CompanionNames()
                                       << QStringLiteral("temp.jpg") << QStringLiteral("temp.bmp");
@@ -32,7 +32,7 @@ bool IsOurs(const QString& name) {
            others.contains(name, Qt::CaseInsensitive);
 }
 
-// nullopt: the folder cannot be listed.
+// nullopt when the folder cannot be listed.
 std::optional<QStringList> NamesIn(const QString& folder) {
     QStringList names;
     const base::Status listed = platform::ListFolder(
@@ -41,8 +41,7 @@ std::optional<QStringList> NamesIn(const QString& folder) {
     return names;
 }
 
-// The program's own folder may hold what others have put there; one that the user has named must be
-// empty.
+// The user's data folder may contain files of other programs; any other folder must be empty.
 bool IsFirstStart(const QString& folder, bool is_user_data) {
     const auto names = NamesIn(folder);
     if (!names) return false;
@@ -67,7 +66,7 @@ QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folde
 
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders) {
     const bool is_user_data = application_folder == folders.user_data;
-    // What fails here shows when the catalogue is opened.
+    // A failure shows when the catalogue is opened.
     if (is_user_data) platform::MakeFolder(application_folder).Ignore();
     const auto copy = [&](const QString& source, const QString& name) {
         return platform::CopyNewFile(platform::FileIn(source, name),
@@ -76,8 +75,8 @@ void PrepareFirstStart(const QString& application_folder, const KnownFolders& fo
     const bool is_first = IsFirstStart(application_folder, is_user_data);
     const bool has_catalogue = is_user_data && Holds(application_folder, CatalogueName());
     if (!is_first && !has_catalogue) return;
-    // The catalogue comes first, so that a start that fails half-way is tried again. Never from the
-    // program's folder: what is there may be somebody's catalogue.
+    // The catalogue is copied first, so that a start that fails here is a first start again. It is
+    // never copied from the program's folder: a catalogue there may be in use.
     if (is_first && !copy(folders.delivered, CatalogueName()).ok()) return;
     for (const QString& name : CompanionNames())
         copy(Holds(folders.delivered, name) ? folders.delivered : folders.program, name).Ignore();

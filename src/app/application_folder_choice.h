@@ -1,4 +1,5 @@
-// Where the catalogue is, and what a first start puts there.
+// The choice of the application folder, which holds the catalogue, and what a first start copies
+// there.
 #pragma once
 
 #include <QtCore/QString>
@@ -6,25 +7,25 @@
 
 namespace app {
 
-// The folders that the choice is made of; without trailing separators.
+// Folders without trailing separators.
 struct KnownFolders {
-    QString program;    // where the program was started from
-    QString delivered;  // the untouched copies: ../share/tavolo, seen from the program
+    QString program;    // of the executable
+    QString delivered;  // the files as delivered: ../share/tavolo, relative to `program`
     QString user_data;
 };
 KnownFolders FoldersOfThisProgram();
 
-// `wanted` (from the command line) if given, as an absolute path. Otherwise the program's folder;
-// but the user's data folder when nothing can be written there, or when the program is an installed
-// one, whose catalogue is only among the delivered files.
+// `wanted` (from the command line), made absolute, unless it is empty. Otherwise the program's
+// folder, or the user's data folder if the program's is not writable or if the program is
+// installed, that is, there is a catalogue among the delivered files and none beside the program.
 QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folders);
 
-// A first start puts the delivered files into its folder. It is one when a folder that the user has
-// named is empty, or when the user's data folder (which is made when it is missing) holds nothing
-// that the program puts there: a catalogue that is gone must not be replaced by an empty one
-// without a word, least of all beside its backup. A data folder with a catalogue gets what came
-// with later versions. Nothing is ever overwritten. What cannot be copied is left out; opening the
-// catalogue tells the user.
+// Copies the delivered files into the application folder at a first start: into the user's data
+// folder (which is created if it is missing) when it contains none of the program's files, into any
+// other folder when it is empty. The conditions are strict so that a lost catalogue is never
+// replaced by an empty one without notice. A user's data folder with a catalogue gets the other
+// delivered files if they are missing. Nothing is overwritten. Failures are ignored: if the
+// catalogue is missing, opening it reports that.
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders);
 
 }  // namespace app

@@ -1,4 +1,4 @@
-// The words after the program's name.
+// The command line of tavolo.
 #pragma once
 
 #include <QtCore/QString>
@@ -10,11 +10,11 @@ struct Arguments {
     QString folder;  // empty: not given
     bool help = false;
     bool version = false;
-    QString error;  // what is wrong with them; empty: nothing
+    QString error;  // what is wrong with the arguments; empty when they are valid
     bool operator==(const Arguments&) const = default;
 };
 
-// `words`: without the program's own name.
+// `words`: without the program's name.
 Arguments ParseArguments(const QStringList& words);
 
 // For --help.

@@ -1,4 +1,5 @@
-// Commands: attaches the program's commands to the main window's menus, and owns what they need.
+// Commands: the actions of the main window's commands that reach beyond it, and the objects that
+// they need.
 #pragma once
 
 #include "browser/frmPinball.h"
@@ -22,7 +23,7 @@ class frmSettings;
 
 namespace app {
 
-// What the commands reach of the world outside the program. Borrowed; outlive the commands.
+// Interfaces to the world outside the program. Borrowed; they outlive the commands.
 struct OutsideWorld {
     platform::Shell& shell;
     platform::ProcessStarter& programs;
@@ -32,8 +33,8 @@ struct OutsideWorld {
 
 class Commands {
 public:
-    // Everything is borrowed. `catalogue` and `prompts` outlive the commands; the commands live as
-    // long as `window` is used.
+    // All arguments are borrowed. `catalogue` and `prompts` outlive the commands, and the commands
+    // outlive the use of `window`.
     Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
              const OutsideWorld& outside, browser::frmPinball& window);
 

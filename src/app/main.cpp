@@ -1,4 +1,4 @@
-// tavolo: builds the program's objects and connects them.
+// tavolo: creates the program's objects and connects them.
 #include "app/application_folder_choice.h"
 #include "app/arguments.h"
 #include "app/commands.h"

@@ -1,5 +1,5 @@
-// tavolo-new-catalogue FILE: makes the empty catalogue that the program is delivered with. A tool
-// of the build.
+// tavolo-new-catalogue FILE: creates the empty catalogue that is delivered with the program. Run by
+// the build.
 #include "app/print_failure.h"
 #include "catalogue/new_catalogue.h"
 #include "catalogue/pin_subs.h"

@@ -1,5 +1,5 @@
-// tavolo-dbcheck FILE: checks a database file, changes nothing. Exit status: 0 sound, 1 faults, 2
-// cannot be checked.
+// tavolo-dbcheck FILE: checks a database file without changing it. Exit status: 0 sound, 1 faults,
+// 2 the file cannot be checked.
 #include "app/print_failure.h"
 #include "jet/check/check.h"
 #include "platform/file_system.h"

@@ -1,6 +1,6 @@
-// The commands of the main window. Each stands once, in the table in command_table.cpp: the name
-// and caption of its menu entry, its action, when it can be chosen, the key that runs it. A new
-// command is a line there, a member of CommandActions, and the action itself.
+// The commands of the main window. command_table.cpp has a line for each: the name and caption of
+// its menu entry, its action, the rule that enables it, and its key. To add a command, add a line
+// there, a member to CommandActions, and the action.
 #pragma once
 
 #include <QtCore/QStringView>
@@ -11,7 +11,8 @@
 
 namespace browser {
 
-// What the commands do. The main window fills in what concerns itself only, app::Commands the rest.
+// The actions of the commands. frmPinball provides those that concern only the main window,
+// app::Commands the others.
 struct CommandActions {
     using Action = std::function<void()>;
 
@@ -37,16 +38,16 @@ struct CommandActions {
     Action view_table_info{};
 };
 
-// Names a command by its action; nullptr: none.
+// Identifies a command by its action; nullptr: no command.
 using CommandId = CommandActions::Action CommandActions::*;
 
 enum class EnabledWhen {
     kAlways,
-    kRulesTextIsNotShown,  // the command would reload what the user is writing there
+    kRulesTextIsNotShown,  // the command would discard a rules text that is being written
     kWindowIsNormal,
 };
 
-// What the rules look at.
+// The input of the rules.
 struct MainWindowState {
     int current_tab = 0;           // of the detail panel, see detail_tabs.h
     bool window_is_normal = true;  // neither minimised nor maximised
@@ -56,12 +57,12 @@ bool IsAllowed(EnabledWhen rule, const MainWindowState& state);
 
 // A line of a menu: a command, a heading without an action, or a separator.
 struct MenuItem {
-    QStringView name;     // object name of the entry; empty: a separator without a name
+    QStringView name;     // object name of the entry; empty for some separators
     QStringView caption;  // "-": a separator
     CommandId action = nullptr;
     EnabledWhen enabled_when = EnabledWhen::kAlways;
     bool checkable = false;
-    int key = 0;  // Qt::Key that runs the command when it is released; 0: none
+    int key = 0;  // the Qt::Key whose release runs the command; 0: none
 };
 
 struct MenuLayout {
@@ -77,10 +78,10 @@ inline constexpr QStringView kOptionsMenu = u"mnuOptions";
 inline constexpr QStringView kHelpMenu = u"mnuHelp";
 inline constexpr QStringView kPopupMenu = u"mnufavorites";  // the tree's
 
-// The menus of the menu bar, in their order, and behind them the tree's pop-up menu.
+// The menus of the menu bar in their order, followed by the tree's pop-up menu.
 std::span<const MenuLayout> Menus();
 
-// The command that `key` (Qt::Key) runs; nullptr: none.
+// The command of a Qt::Key; nullptr: none.
 CommandId CommandOfKey(int key);
 
 }  // namespace browser

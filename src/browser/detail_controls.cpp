@@ -14,7 +14,7 @@ namespace {
 using widgets::PictureBox;
 using widgets::TextBox;
 
-// An element of a control array is named after the array and its index.
+// The object name of an element of a control array: "txtDet_3".
 QString ElementName(const char* array, int index) {
     return QLatin1String(array) + QLatin1Char('_') + QString::number(index);
 }
@@ -37,7 +37,7 @@ QToolButton* BrowseButton(const char* name, const QString& hint) {
     return button;
 }
 
-// Makes `box` the element `index` of txtDet.
+// Stores `box` as element `index` of txtDet and returns its widget.
 QWidget* Adopt(DetailControls& controls, int index, const TextBox& box) {
     box.widget()->setObjectName(ElementName("txtDet", index));
     controls.txtDet[static_cast<std::size_t>(index)] = box;
@@ -51,7 +51,7 @@ QLabel* Caption(int index, const QString& text, QWidget* buddy) {
     return label;
 }
 
-// The grid has six columns: caption and box three times; a box may span more of them.
+// The grid has six columns: three pairs of caption and box. A box may span several columns.
 void PlaceLine(DetailControls& controls, QGridLayout* grid, int row, int column, int span,
                int index, const QString& caption) {
     QWidget* line = Adopt(controls, index, TextBox::OneLine());
@@ -106,13 +106,13 @@ void PlaceChecks(DetailControls& controls, QGridLayout* grid) {
     grid->addLayout(row, 9, 0, 1, 6);
 }
 
-// Keeps the record's key; nobody edits it.
+// Holds the record's key; it is not shown.
 void AddHiddenId(DetailControls& controls, QWidget* page) {
     Adopt(controls, kId, TextBox::OneLine(page))->hide();
     controls.txtDet[kId].SetReadOnly();
 }
 
-// The page scrolls, so that the window can be made as small as the user likes.
+// The page is in a scroll area so that it does not limit how small the window can be made.
 QWidget* BuildDetailsPage(DetailControls& controls) {
     auto* page = new QWidget;
     auto* grid = new QGridLayout(page);
@@ -170,7 +170,7 @@ QTabWidget* BuildTabs(DetailControls& controls) {
     return tabs;
 }
 
-// The warning keeps its place while it is hidden, so that nothing moves under the user's pointer.
+// The label keeps its space while it is hidden, so that nothing moves when it appears.
 QLabel* BuildAlert() {
     auto* alert = Named(new QLabel, "pnlAlert");
     alert->setAlignment(Qt::AlignCenter);
@@ -210,8 +210,7 @@ DetailControls BuildDetailControls(QWidget* panel) {
     column->addWidget(controls.pnlAlert);
     column->addWidget(controls.DetTab, 1);
     column->addWidget(actions);
-    // The rules text has its own Save and Cancel; two pairs side by side would not say which saves
-    // what.
+    // The rules text has its own Save and Cancel; the record's are hidden there.
     QObject::connect(controls.DetTab, &QTabWidget::currentChanged, actions,
                      [actions](int tab) { actions->setVisible(tab != kRulesTextTab); });
     return controls;

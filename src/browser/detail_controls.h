@@ -1,4 +1,4 @@
-// DetailControls: the widgets of the detail panel and how they are laid out; no behaviour.
+// DetailControls: the widgets of the detail panel and their layout, without behaviour.
 #pragma once
 
 #include "widgets/picture_box.h"
@@ -14,7 +14,7 @@
 
 namespace browser {
 
-// All widgets belong to the panel that they were built into.
+// The widgets are owned by the panel into which they are built.
 struct DetailControls {
     QTabWidget* DetTab = nullptr;
     QLabel* pnlAlert = nullptr;
@@ -36,7 +36,7 @@ struct DetailControls {
     QPushButton* cmdCancelRules = nullptr;
 };
 
-// Builds the widgets into `panel`, which has no layout yet.
+// Creates the widgets in `panel`. Requires: `panel` has no layout.
 DetailControls BuildDetailControls(QWidget* panel);
 
 }  // namespace browser

@@ -19,10 +19,10 @@ constexpr std::size_t At(int index) {
     return static_cast<std::size_t>(index);
 }
 
-// "Either BOF or EOF is True, or the current record has been deleted": no row matches.
+// "Either BOF or EOF is True, or the current record has been deleted": no row was found.
 constexpr std::int32_t kNoCurrentRecord = 3021;
 
-// The steps of loading the pictures.
+// Names of the steps in which pictures are loaded.
 constexpr QStringView kLoadingScreenShot = u"Loading Screen Shot";
 constexpr QStringView kLoadingFlyer = u"Loading Flyer Pic";
 constexpr QStringView kLoadingRules = u"Loading Rules PIc";
@@ -83,16 +83,16 @@ bool DetailPanel::FillFields(const QString& file_name) {
     TableRecord record;
     const base::Status loaded = LoadTableRecord(connection(), file_name, record);
     ShowRecord(record);
-    if (!loaded.ok()) return SayFailure(loaded);
+    if (!loaded.ok()) return ShowFailure(loaded);
     const auto summary = browser::NotesSummary(connection(), file_name);
-    if (!summary.ok()) return SayFailure(summary.status());
+    if (!summary.ok()) return ShowFailure(summary.status());
     host_.SetComments(*summary);
     return true;
 }
 
-// In the status bar, where the name of the table would stand. That there is no such row is no
-// failure: the panel is empty and says so. False, for the caller to return.
-bool DetailPanel::SayFailure(const base::Status& failure) const {
+// Shows a failure in the status bar, except for a missing row, which the empty panel shows. Returns
+// false for the caller to return.
+bool DetailPanel::ShowFailure(const base::Status& failure) const {
     if (failure.number() != kNoCurrentRecord) host_.ShowFailure(failure);
     return false;
 }
@@ -100,7 +100,7 @@ bool DetailPanel::SayFailure(const base::Status& failure) const {
 QString DetailPanel::NotesSummary(const QString& file_name) const {
     auto summary = browser::NotesSummary(connection(), file_name);
     if (summary.ok()) return *summary;
-    SayFailure(summary.status());
+    ShowFailure(summary.status());
     return {};
 }
 
@@ -120,13 +120,14 @@ void DetailPanel::ShowRecord(const TableRecord& record) {
                             QStringLiteral("Last Played: ") + *record.last_played);
 }
 
-// The file that a field names; empty: it names none that can be used.
+// The picture file that a field names; empty if it names none.
 PictureSource DetailPanel::FileIn(DetailField field) const {
     const QString path = controls_.txtDet[field].Text();
     return IsUsablePictureFile(path) ? PictureSource::File(path) : PictureSource();
 }
 
-// The screenshot inside the table file is a second choice: its damage ends nothing.
+// Without an image file, the screenshot in the table file is shown; if that is damaged, the
+// sequence continues.
 widgets::PictureStep DetailPanel::ScreenshotStep() const {
     if (auto file = FileIn(kImageFile); !file.is_empty())
         return {controls_.imgShot, std::move(file), kLoadingScreenShot};
@@ -135,7 +136,7 @@ widgets::PictureStep DetailPanel::ScreenshotStep() const {
             kLoadingScreenShot, false};
 }
 
-// All tabs are of the size of the one in front.
+// The size of a picture on a hidden tab, in device pixels: that of the current tab.
 QSize DetailPanel::RoomOfHiddenPictures() const {
     const QWidget* page = controls_.DetTab->currentWidget();
     return (QSizeF(page->size()) * page->devicePixelRatioF()).toSize();
@@ -191,7 +192,7 @@ TableRecord DetailPanel::EditedRecord() const {
     return record;
 }
 
-// The field's tab becomes the one that stays usable.
+// Shows the tab of the field and makes it the one that stays enabled during the edit.
 void DetailPanel::GoToField(DetailField field) {
     if (controls_.DetTab->currentIndex() != kDetailsTab) {
         controls_.DetTab->setTabEnabled(kDetailsTab, true);
@@ -222,7 +223,7 @@ void DetailPanel::SaveRules() {
     EndEdit(host_.SelectedTag());
 }
 
-// Shows what was stored.
+// Shows the stored record.
 void DetailPanel::EndEdit(const QString& file_name) {
     SetRecordChanged(false);
     host_.RememberSelectedNode();

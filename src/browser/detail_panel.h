@@ -1,6 +1,6 @@
-// DetailPanel: the tabbed right-hand side of the main window: the record of the selected table with
-// its pictures, notes and rules, and its editing. The window around it is reached through
-// DetailHost only.
+// DetailPanel: the tabbed right-hand side of the main window. Shows the record of the selected
+// table with its pictures, notes and rules, and edits it. It reaches the window through DetailHost
+// only.
 #pragma once
 
 #include "browser/detail_controls.h"
@@ -14,26 +14,26 @@
 
 namespace browser {
 
-// What the panel needs of the window that holds it.
+// What the panel needs of the window.
 class DetailHost {
 public:
     virtual ~DetailHost() = default;
-    // Of the tree's selected node; empty when none is selected.
+    // Tag and text of the tree's selected node; empty when none is selected.
     virtual QString SelectedTag() const = 0;
     virtual QString SelectedText() const = 0;
-    // Makes the selected node the one that the next start shows again.
+    // Makes the selected node the one that the next start selects.
     virtual void RememberSelectedNode() = 0;
-    // The record with this id has this FileName from now on.
+    // Called when a FileName has been stored in the record with this id.
     virtual void FileNameStored(const QString& id, const QString& file_name) = 0;
     virtual void RefreshTree() = 0;
     // `panel` of the status bar, see status_panels.h.
     virtual void SetStatusText(int panel, const QString& text) = 0;
-    // Says a failure that no box tells in the status bar.
+    // Shows a failure in the status bar, instead of a box.
     virtual void ShowFailure(const base::Status& failure) = 0;
-    // The label lblComments under the tree.
+    // Sets the text of lblComments, the label under the tree.
     virtual void SetComments(const QString& text) = 0;
-    // Locks (true) or frees the filters, the operator, the tree, Refresh Tree, Play and the File
-    // and Utilities menus.
+    // Disables (true) or enables the filters, the operator, the tree, Refresh Tree, Play and the
+    // File and Utilities menus.
     virtual void LockForEdit(bool changed) = 0;
 };
 
@@ -45,12 +45,15 @@ public:
     DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, DetailHost& host,
                 QWidget* parent = nullptr);
 
+    // Shows the first record with this FileName. Failures are shown in the status bar.
     void ShowTableDetails(const QString& file_name);
     void ClearTableDetails();
+    // True: shows the warning, locks the window and the other tabs; false: frees them.
     void SetRecordChanged(bool changed);
     bool record_changed() const;
 
-    // Text of a field, 0..12; SetDetailText counts as an edit of the user.
+    // The text of a field, see DetailField. SetDetailText marks the record as changed, as an edit
+    // by the user does.
     QString DetailText(int index) const;
     void SetDetailText(int index, const QString& text);
     bool FavoriteChecked() const;
@@ -63,11 +66,11 @@ public:
     int CurrentTab() const;
     void SetCurrentTab(int tab);
 
-    // For the label under the tree; a failure is said in the status bar.
+    // The text for lblComments. A failure is shown in the status bar and gives an empty text.
     QString NotesSummary(const QString& file_name) const;
 
 Q_SIGNALS:
-    // The button "View Table Info from VPT".
+    // The button "View Table Info from VPT" was clicked.
     void ViewTableInfoClicked();
 
 private:
@@ -76,7 +79,7 @@ private:
     jet::Connection& connection() const;
 
     bool FillFields(const QString& file_name);
-    bool SayFailure(const base::Status& failure) const;
+    bool ShowFailure(const base::Status& failure) const;
     void ShowRecord(const TableRecord& record);
     void ShowPictures();
     widgets::PictureSource FileIn(DetailField field) const;

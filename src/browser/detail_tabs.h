@@ -1,4 +1,4 @@
-// The pages of DetTab, in their order. The saved settings hold these numbers.
+// The pages of DetTab in their order. The settings store these numbers.
 #pragma once
 
 namespace browser {

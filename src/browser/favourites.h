@@ -1,4 +1,4 @@
-// Toggle Favorites: the favourite flag of the table that is selected in the tree.
+// Toggle Favorites: inverts the favourite flag of the selected table.
 #pragma once
 
 #include "base/status.h"
@@ -8,7 +8,7 @@
 
 namespace browser {
 
-// What the main window shows when the command is chosen.
+// The state of the main window when the command is chosen.
 struct ShownSelection {
     bool tree_is_empty = false;
     QString tag;                    // of the selected node
@@ -17,15 +17,15 @@ struct ShownSelection {
     QString filter_text;            // of cboFilter
 };
 
-// What the main window shows afterwards.
+// What the main window has to do afterwards.
 struct FavoritesToggle {
-    bool done = false;           // the node gets the icon "favorite", its details are shown again
-    bool leaves_filter = false;  // then the item "All" of cboFilter is chosen
+    bool done = false;           // give the node the icon "favorite" and show its details again
+    bool leaves_filter = false;  // then select the item "All" of cboFilter
     bool operator==(const FavoritesToggle&) const = default;
 };
 
-// Flips the flag of every row that has the selected node's text as its DisplayName. Does nothing on
-// an empty tree or a detail line. A failure is the engine's; then no row has changed.
+// Inverts the flag of every row whose DisplayName is the selected node's text. Does nothing for an
+// empty tree or a detail line. Errors are the engine's; on failure no row has changed.
 base::Result<FavoritesToggle> ToggleFavorites(jet::Connection& connection,
                                               const ShownSelection& shown);
 

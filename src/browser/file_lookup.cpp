@@ -8,14 +8,14 @@
 
 namespace browser {
 
-// The questions between two calls of Forget. The thread that asks them holds them alive; it ends
-// after the question it is at when nobody wants answers any more.
-class FileLookup::Questions : public std::enable_shared_from_this<Questions> {
+// The requests between two calls of Forget, and the thread that tests them, which keeps the object
+// alive. After Close the thread ends when the test in progress has returned.
+class FileLookup::Requests : public std::enable_shared_from_this<Requests> {
 public:
-    Questions(FileLookup& asker, FileTest test) : asker_(&asker), test_(std::move(test)) {}
+    Requests(FileLookup& asker, FileTest test) : asker_(&asker), test_(std::move(test)) {}
 
     void Start() {
-        std::thread([self = shared_from_this()] { self->AskAll(); }).detach();
+        std::thread([self = shared_from_this()] { self->TestAll(); }).detach();
     }
     void Add(std::size_t key, const QString& path) {
         const std::lock_guard lock(mutex_);
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    void AskAll() {
+    void TestAll() {
         std::unique_lock lock(mutex_);
         for (;;) {
             changed_.wait(lock, [this] { return !asker_ || !waiting_.empty(); });
@@ -39,17 +39,17 @@ private:
             lock.unlock();
             const bool is_there = test_(path);
             lock.lock();
-            Tell(key, path, is_there);
+            Answer(key, path, is_there);
         }
     }
-    // Requires: the mutex is held, so that the asker lives until the answer is in its queue.
-    void Tell(std::size_t key, const QString& path, bool is_there) {
+    // Requires: the mutex is held, so that `asker_` is not destroyed before the result is queued.
+    void Answer(std::size_t key, const QString& path, bool is_there) {
         if (!asker_) return;
         FileLookup* const asker = asker_;
         QMetaObject::invokeMethod(
             asker,
             [asker, key, path, is_there, self = shared_from_this()] {
-                if (asker->questions_ == self) Q_EMIT asker->Answered(key, path, is_there);
+                if (asker->requests_ == self) Q_EMIT asker->Answered(key, path, is_there);
             },
             Qt::QueuedConnection);
     }
@@ -57,7 +57,7 @@ private:
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::pair<std::size_t, QString>> waiting_;
-    FileLookup* asker_;  // null: nobody wants an answer any more
+    FileLookup* asker_;  // null after Close
     const FileTest test_;
 };
 
@@ -68,16 +68,16 @@ FileLookup::~FileLookup() {
 }
 
 void FileLookup::Ask(std::size_t key, const QString& path) {
-    if (!questions_) {
-        questions_ = std::make_shared<Questions>(*this, test_);
-        questions_->Start();
+    if (!requests_) {
+        requests_ = std::make_shared<Requests>(*this, test_);
+        requests_->Start();
     }
-    questions_->Add(key, path);
+    requests_->Add(key, path);
 }
 
 void FileLookup::Forget() {
-    if (questions_) questions_->Close();
-    questions_.reset();
+    if (requests_) requests_->Close();
+    requests_.reset();
 }
 
 }  // namespace browser

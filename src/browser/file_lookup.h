@@ -1,7 +1,6 @@
-// FileLookup: asks whether files exist without ever waiting for the answer. A question is put in a
-// thread of its own, so that a drive that does not answer holds up no window; the answer comes as a
-// signal.
-// Threads: belongs to the thread that made it, which needs an event loop for the answers.
+// FileLookup: tests in a thread of its own whether files exist, so that a drive that does not
+// respond does not block the windows. Results are signals. Threads: the object belongs to the
+// thread that created it, which needs an event loop.
 #pragma once
 
 #include <QtCore/QObject>
@@ -17,27 +16,27 @@ class FileLookup : public QObject {
     Q_OBJECT
 
 public:
-    // Called in the other thread, one question at a time; must not touch what belongs to a window.
+    // Called in the lookup's thread, for one path at a time; must not use widgets.
     using FileTest = std::function<bool(const QString& path)>;
 
     explicit FileLookup(FileTest test, QObject* parent = nullptr);
-    // Does not wait for a question that is still being asked, nor does Forget.
+    // Neither the destructor nor Forget waits for a test in progress.
     ~FileLookup() override;
 
-    // Asks for `path`; Answered names the question by `key` and path. The latest question is put
-    // first: it is about what is on the screen now.
+    // Requests a test of `path`; Answered repeats `key` and `path`. The latest request is processed
+    // first, because its row is the one on the screen.
     void Ask(std::size_t key, const QString& path);
-    // No answer to an earlier question comes any more.
+    // Discards all requests: no earlier one is answered any more.
     void Forget();
 
 Q_SIGNALS:
     void Answered(std::size_t key, const QString& path, bool is_there);
 
 private:
-    class Questions;
+    class Requests;
 
     FileTest test_;
-    std::shared_ptr<Questions> questions_;  // shared with the thread that asks them; null: none
+    std::shared_ptr<Requests> requests_;  // shared with the thread that tests them; null: no thread
 };
 
 }  // namespace browser

@@ -14,8 +14,8 @@
 namespace browser {
 namespace {
 
-// A column may hold as many different values as there are tables: the list must not measure each of
-// them.
+// A column may have as many different values as there are tables; the list must not measure them
+// all.
 void PrepareForManyItems(QComboBox& combo) {
     auto* list = new QListView;
     list->setUniformItemSizes(true);
@@ -60,7 +60,7 @@ void FilterBar::BuildValue() {
     PrepareForManyItems(*cboFilterDet_);
     cboFilterDet_->setEditable(true);
     cboFilterDet_->setInsertPolicy(QComboBox::NoInsert);
-    cboFilterDet_->setCompleter(nullptr);  // "19" is a value, not the beginning of one
+    cboFilterDet_->setCompleter(nullptr);  // "19" must not be completed to "1990"
     row->addWidget(cboFilterDet_);
     connect(cboFilterDet_, &QComboBox::editTextChanged, this, &FilterBar::Changed);
 

@@ -1,4 +1,4 @@
-// FilterBar: which tables are shown: the filter kind and, for a kind that compares a column, the
+// FilterBar: selects the tables to show: the kind of filter and, if it compares a column, the
 // operator and the value.
 #pragma once
 
@@ -21,7 +21,7 @@ class FilterBar : public QWidget {
     Q_OBJECT
 
 public:
-    // The values that a column holds.
+    // Reads the values of the column that a filter key names.
     using ValueSource = std::function<base::Result<QStringList>(const QString& filter_key)>;
 
     // `prompts` and `icons` are borrowed and outlive the bar.
@@ -33,23 +33,22 @@ public:
     QString FilterValue() const;
     QString Comparison() const;
     void SetComparison(const QString& symbol);
-    // The value and the operator are shown.
+    // True when the value and the operator are shown.
     bool TakesValue() const;
-    // Fills in the bar's part.
+    // Fills in the filter's part of the selection.
     void Describe(Selection& selection) const;
 
-    // Selects a kind as a saved selection does: `value` is put back, nothing is marked. An unknown
-    // key selects "All".
+    // Selects a kind and value without the signal Changed. An unknown key selects "All".
     void Restore(const QString& filter_key, const QString& value);
-    // Selects a kind as the user does. Requires: a key of filter_kinds.h.
+    // Selects a kind as the user does, with the signal Changed. Requires: a key of filter_kinds.h.
     void Choose(const QString& filter_key);
-    // The focus into the value, all of it selected.
+    // Moves the focus to the value and selects its text.
     void FocusValue();
 
 Q_SIGNALS:
-    // The user changed something: what the tree shows is not what is selected any more.
+    // The selection has changed and the tree does not show it yet.
     void Changed();
-    // The values of a column cannot be offered: they could not be read.
+    // The values of a column could not be read, so none are offered.
     void ValuesNotRead(const base::Status& failure);
 
 private:
@@ -70,7 +69,7 @@ private:
     QFrame* fraFilter_ = nullptr;
     QComboBox* cboFilterDet_ = nullptr;
     QPushButton* cmdOperator_ = nullptr;
-    std::size_t operator_clicks_ = 0;  // within the current round of the symbols
+    std::size_t operator_clicks_ = 0;  // modulo the number of operators
 };
 
 }  // namespace browser

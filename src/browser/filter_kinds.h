@@ -1,4 +1,4 @@
-// The kinds of selection that the filter combo offers, in its order.
+// The items of the filter and order boxes, in their order.
 #pragma once
 
 #include <QtCore/QStringView>
@@ -29,7 +29,7 @@ inline constexpr std::array<FilterKind, 10> kFilterKinds = {{
 inline constexpr std::array<QStringView, 6> kOrderCaptions = {
     {u"Table Name", u"Year", u"Author", u"Company", u"Date Added", u"Times Played"}};
 
-// The operator button shows them in turn, the first one on the first click of a run.
+// The operator button shows these in turn, beginning with the first.
 inline constexpr std::array<QStringView, 4> OperatorSymbols = {{u">", u"<", u"<>", u"="}};
 
 }  // namespace browser

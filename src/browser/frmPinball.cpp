@@ -24,10 +24,10 @@ namespace browser {
 namespace {
 
 constexpr int kMargin = 6;
-// Lines of notes under the tree; more are cut.
+// Height of the notes under the tree, in lines.
 constexpr int kCommentLines = 4;
-// Characters of notes under the tree: more than these lines hold on the widest screen. Laying out
-// all of a long text would hold up the window.
+// How many characters of the notes are shown; more than fit into these lines on a wide screen. To
+// lay out a very long text would take too long.
 constexpr qsizetype kShownCommentLength = 4000;
 
 QString ForDisplay(QString text) {
@@ -62,7 +62,7 @@ void frmPinball::CreateControls() {
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(CreateTreePane());
     splitter_->addWidget(details_);
-    // The room of a larger window goes to both, more of it to the details.
+    // Both sides grow with the window, the details more.
     splitter_->setStretchFactor(0, 2);
     splitter_->setStretchFactor(1, 3);
 
@@ -127,7 +127,7 @@ void frmPinball::CreateControllers() {
                                              host);
 }
 
-// The rest of the actions comes through SetActions.
+// The other actions are set by SetActions.
 CommandActions frmPinball::OwnActions() {
     return {
         .exit = [this] { close(); },
@@ -146,7 +146,7 @@ CommandActions frmPinball::OwnActions() {
     };
 }
 
-// Buttons run the command of the same action, keys in eventFilter.
+// Connects buttons and menus to the commands; eventFilter does it for keys.
 void frmPinball::ConnectCommands() {
     menu_->SetActions(OwnActions());
     connect(cmdPlay_, &QPushButton::clicked, this, [this] { menu_->Run(&CommandActions::play); });
@@ -223,7 +223,7 @@ void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
 
 void frmPinball::AskForWhatIsMissing() {
     if (!catalogue_is_empty_ && !catalogue_.values->VisualPinballExe.isEmpty()) return;
-    WaitUntilShown(*this);  // a dialog is placed over its owner
+    WaitUntilShown(*this);  // because a dialog is placed over its owner
     if (catalogue_is_empty_) menu_->Run(&CommandActions::scan_for_tables);
     if (catalogue_.values->VisualPinballExe.isEmpty()) menu_->Run(&CommandActions::set_executable);
 }
@@ -297,8 +297,7 @@ void frmPinball::RestoreDefaultSize() {
     if (IsNormal()) resize(ToPixels(kDefaultWidthTwips), ToPixels(kRestoredHeightTwips));
 }
 
-// The keys of the commands work wherever the focus is in this window, and before its controls see
-// them.
+// Runs the commands that have keys, wherever the focus is in this window.
 bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyRelease || !watched->isWidgetType()) return false;
     const auto* const key = static_cast<QKeyEvent*>(event);
@@ -364,7 +363,7 @@ MainWindowSettings frmPinball::CurrentSettings() const {
     return settings;
 }
 
-// Of the capture window.
+// Removes the files that the capture window leaves.
 void frmPinball::RemoveWorkFiles() {
     for (const QString& name : {QStringLiteral("temp.jpg"), QStringLiteral("temp.bmp")})
         platform::RemoveFile(platform::FileIn(catalogue_.values->ApplicationFolder, name));

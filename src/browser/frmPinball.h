@@ -1,6 +1,5 @@
-// frmPinball: the main window: filter and order above a tree of tables, the details beside it,
-// menus and status bar. It is put together here from its parts; what each part does stands with the
-// part.
+// frmPinball: the main window: filter and order bars, the tree of tables with the detail panel
+// beside it, menus and status bar. This class creates the parts and connects them.
 #pragma once
 
 #include "browser/detail_panel.h"
@@ -28,34 +27,33 @@ class frmPinball : public QMainWindow, private DetailHost {
     Q_OBJECT
 
 public:
-    // Both are borrowed and outlive the window. The catalogue is open (see catalogue::Main).
+    // Both are borrowed and outlive the window. Requires: the catalogue is open (catalogue::Main).
     frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts);
     ~frmPinball() override;
 
-    // Restores the saved settings and shows the saved selection. Called once, before the window is
-    // shown.
+    // Restores the settings and shows the saved selection. Call once, before the window is shown.
     void Load();
-    // Starts what a first start needs, once the window is shown: the scan when the catalogue is
-    // empty, the choice of the executable when there is none.
+    // Runs what a first start needs: the scan if the catalogue is empty, the choice of the
+    // executable if none is set. Call after the window is shown.
     void AskForWhatIsMissing();
 
-    // What the menu entries, buttons and keys do that reaches beyond this window.
+    // Sets the actions that reach beyond this window; empty ones are not changed.
     void SetActions(const CommandActions& actions);
-    // How a table is started, and how the play button sounds.
+    // Set how a table is played, and how the sound of the play button is played.
     void SetPlayTable(TreeController::PlayTable play);
     void SetPlaySound(launcher::PlayButton::Sound sound);
-    // Called when the window has agreed to close, before the catalogue is closed.
+    // `unload` is called when the window closes, before the catalogue is closed.
     void SetBeforeUnload(std::function<void()> unload);
 
     // Runs the selection again.
     void RefreshTree() override;
-    // Of the tree's selected node; empty: none is selected.
+    // Tag and text of the tree's selected node; empty when none is selected.
     QString SelectedTag() const override;
     QString SelectedText() const override;
-    // A table, and neither the root nor a detail line, is selected.
+    // True when the selected node is a table, neither the root nor a detail line.
     bool TableIsSelected() const;
     DetailPanel& details() { return *details_; }
-    // How far a command has come; it is over when `done` equals `total`.
+    // Shows the progress of a command in the status bar, until `done` equals `total`.
     void ShowProgress(std::int64_t done, std::int64_t total);
     // Shows a failure that stops nothing in the status bar for 15 seconds. Does nothing when it is
     // ok.

@@ -1,4 +1,4 @@
-// frmSplash: the small window that says what is going on while the program works.
+// frmSplash: the small window that shows what the program is doing during long work.
 #pragma once
 
 #include "platform/user_events.h"
@@ -14,11 +14,11 @@ class frmSplash : public QDialog {
     Q_OBJECT
 
 public:
-    // Not modal; stays above `owner`.
+    // A modeless window above `owner`.
     explicit frmSplash(QWidget* owner);
 
     void SetStatus(const QString& text);
-    // Shows the window, and returns when it is painted although the caller goes on working.
+    // Shows the window and returns when it has been painted.
     void ShowNow();
 
 private:
@@ -27,7 +27,7 @@ private:
     QLabel* lblStat_ = nullptr;
 };
 
-// Shows and unloads frmSplash for the commands that know only platform::StatusDisplay.
+// SplashDisplay: frmSplash as a platform::StatusDisplay.
 class SplashDisplay final : public platform::StatusDisplay {
 public:
     // `owner` is borrowed and outlives the display.

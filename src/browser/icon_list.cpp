@@ -9,7 +9,7 @@
 namespace browser {
 namespace {
 
-// Small icons at scales of 1 to 3.
+// Pixels of an icon at the display scales 1, 1.5, 2 and 3.
 constexpr int kSizes[] = {16, 24, 32, 48};
 
 QIcon Render(const QString& file) {

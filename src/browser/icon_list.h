@@ -1,4 +1,4 @@
-// IconList: the small pictures of the tree and the filter combo, by key ("mame", "favorite").
+// IconList: the icons of the tree and the filter box by their keys ("mame", "favorite").
 #pragma once
 
 #include <QtCore/QHash>
@@ -11,7 +11,7 @@ class IconList {
 public:
     IconList();
 
-    // A null icon for an unknown key. Drawn from vector artwork, sharp at the usual scales.
+    // A null icon for an unknown key. Rendered from SVG at the sizes for display scales 1 to 3.
     QIcon Icon(const QString& key);
 
 private:

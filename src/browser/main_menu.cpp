@@ -38,7 +38,7 @@ void MainMenu::Add(QMenu& menu, const MenuItem& item) {
     if (item.action == nullptr) return;  // a heading
     entries_.push_back({&item, action});
     connect(action, &QAction::triggered, this, [this, command = item.action] {
-        // The action may replace itself: keep the one that runs.
+        // A copy: the action may replace itself while it runs.
         if (const Action run = Find(command).run) run();
     });
 }

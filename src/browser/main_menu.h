@@ -1,6 +1,6 @@
-// MainMenu: the menu bar and the tree's pop-up menu, as command_table.h has them. A command without
-// an action is there and disabled. A menu's name that the table does not have is a mistake of the
-// program: it is said on the error output and changes nothing.
+// MainMenu: the menu bar and the tree's pop-up menu, built from command_table.h. A command without
+// an action is shown and disabled. An unknown menu name is an error of the program: it is logged,
+// and the call has no effect.
 #pragma once
 
 #include "browser/command_table.h"
@@ -26,14 +26,15 @@ public:
     explicit MainMenu(QMenuBar& bar);
     ~MainMenu() override;
 
-    // Gives a command its action, or another; an empty one disables the command.
+    // Sets or replaces the action of a command; an empty one disables it.
     void SetAction(CommandId command, Action action);
-    // Sets all that are not empty.
+    // Sets the actions that are not empty.
     void SetActions(const CommandActions& actions);
-    // Does what a click on the entry would do; nothing when it is disabled.
+    // Triggers the menu entry; does nothing when it is disabled.
     void Run(CommandId command);
 
-    // Enables the commands that have an action and that their rule allows in this state.
+    // Enables the commands that have an action and are allowed in this state, and disables the
+    // others.
     void ApplyRules(const MainWindowState& state);
     bool IsEnabled(CommandId command) const;
 

@@ -8,8 +8,8 @@
 namespace browser {
 namespace {
 
-// The largest window that the window systems know.
-constexpr int kLargestTwips = ToTwips(32767);
+// The largest size of a window in X11 and Windows.
+constexpr int kMaxTwips = ToTwips(32767);
 
 class Section {
 public:
@@ -19,7 +19,7 @@ public:
         return store_.GetSetting(catalogue::kSettingsApplication.toString(),
                                  catalogue::kSettingsSection.toString(), key, fallback);
     }
-    // A number in the store's decimal form; `fallback` when the text is none.
+    // `fallback` if the text is not a number.
     double Number(const QString& key, double fallback) {
         bool is_number = false;
         const double number = Text(key, {}).trimmed().toDouble(&is_number);
@@ -27,7 +27,7 @@ public:
     }
     int Size(const QString& key, int fallback) {
         const double size = Number(key, fallback);
-        return size >= 1 ? static_cast<int>(std::min<double>(size, kLargestTwips)) : fallback;
+        return size >= 1 ? static_cast<int>(std::min<double>(size, kMaxTwips)) : fallback;
     }
     bool Flag(const QString& key) {
         const QString text = Text(key, {}).trimmed();
@@ -46,7 +46,7 @@ public:
         Write(key, value ? QStringLiteral("True") : QStringLiteral("False"));
     }
 
-    // The first one of the writes.
+    // The first failure of the writes; ok if all succeeded.
     const base::Status& failure() const { return failure_; }
 
 private:
@@ -62,7 +62,7 @@ WindowState StateOf(double number) {
 }  // namespace
 
 MainWindowSettings ReadSettings(platform::SettingsStore& store) {
-    constexpr double kLargestNode = 9e15;  // exact in a double
+    constexpr double kMaxNode = 9e15;  // exact in a double
     Section section(store);
     MainWindowSettings settings;
     settings.window_state = StateOf(section.Number(QStringLiteral("WINDOWSTATE"), 0));
@@ -73,7 +73,7 @@ MainWindowSettings ReadSettings(platform::SettingsStore& store) {
     settings.direction = section.Text(QStringLiteral("DIRECTION"), settings.direction);
     settings.order_by = section.Text(QStringLiteral("ORDERBY"), settings.order_by);
     settings.last_play = static_cast<std::int64_t>(
-        std::clamp(section.Number(QStringLiteral("LASTPLAY"), 0), -kLargestNode, kLargestNode));
+        std::clamp(section.Number(QStringLiteral("LASTPLAY"), 0), -kMaxNode, kMaxNode));
     settings.filter = section.Text(QStringLiteral("FILTER"), settings.filter);
     settings.sub = section.Text(QStringLiteral("SUB"), {});
     settings.comparison = section.Text(QStringLiteral("OPERATOR"), settings.comparison);

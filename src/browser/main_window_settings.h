@@ -1,4 +1,4 @@
-// What the main window remembers between runs. All values are texts in the per-user settings store.
+// The settings that the main window keeps between runs, stored as texts in the SettingsStore.
 #pragma once
 
 #include "platform/settings_store.h"
@@ -9,7 +9,7 @@
 
 namespace browser {
 
-// A twip is 1/1440 inch; a screen of 96 dots per inch has 15 of them in a pixel.
+// A twip is 1/1440 inch: 15 in a pixel at 96 dots per inch.
 inline constexpr int kTwipsPerPixel = 15;
 constexpr int ToTwips(int pixels) {
     return pixels * kTwipsPerPixel;
@@ -18,22 +18,22 @@ constexpr int ToPixels(int twips) {
     return twips / kTwipsPerPixel;
 }
 
-// Size of a first start, and the one that "Restore Default Size" sets. The heights differ.
+// The size at a first start, and the one that "Restore Default Size" sets; the heights differ.
 inline constexpr int kDefaultWidthTwips = 9570;
 inline constexpr int kDefaultHeightTwips = 6885;
 inline constexpr int kRestoredHeightTwips = 7005;
 
-// As stored under WINDOWSTATE.
+// The values of WINDOWSTATE.
 enum class WindowState : int { kNormal = 0, kMinimised = 1, kMaximised = 2 };
 
 struct MainWindowSettings {
     WindowState window_state = WindowState::kNormal;
     int width_twips = kDefaultWidthTwips;
     int height_twips = kDefaultHeightTwips;
-    int scale_height_twips = 0;  // the inner height; written only
+    int scale_height_twips = 0;  // height without the menu bar; written, never read
     QString direction = QStringLiteral("Asc");
     QString order_by = QStringLiteral("Table Name");
-    std::int64_t last_play = 0;  // a node number, see node_number.h
+    std::int64_t last_play = 0;  // node number (node_number.h) of the last selected node
     QString filter = QStringLiteral("All");
     QString sub;
     QString comparison = QStringLiteral("=");
@@ -44,11 +44,11 @@ struct MainWindowSettings {
     bool operator==(const MainWindowSettings&) const = default;
 };
 
-// A missing value, or one that is not what it should be, is the default. The size is read only when
-// the window was not maximised.
+// Missing and invalid values are replaced by the defaults. The size is read only if the window was
+// not maximised.
 MainWindowSettings ReadSettings(platform::SettingsStore& store);
-// Writes every key in a fixed order, the picture folder last and only when there is one.
-// The answer is the first failure to write one.
+// Writes all values in a fixed order; the picture folder is the last and is not written if it is
+// empty. Returns the first failure.
 base::Status WriteSettings(platform::SettingsStore& store, const MainWindowSettings& settings);
 
 }  // namespace browser

@@ -1,5 +1,5 @@
-// Node numbers: the positions of the tree's nodes as if they had been added one by one: the root is
-// 1, then each table is followed by its detail lines. Saved settings hold such numbers.
+// Node numbers identify nodes of the tree in the settings: nodes are counted from 1 in the order
+// root, then each table followed by its detail lines.
 #pragma once
 
 #include "browser/table_snapshot.h"
@@ -12,10 +12,10 @@ namespace browser {
 inline constexpr std::int64_t kRootNode = 1;
 inline constexpr std::int64_t kNodesPerTable = 1 + kDetailCount;
 
-// One node of a tree with tables; neither: the root.
+// A node of the tree: the root, a table, or a detail line of a table.
 struct Node {
-    std::optional<std::size_t> table;  // counts from 0
-    std::optional<int> detail;         // 0..5, only with a table
+    std::optional<std::size_t> table;  // from 0; nullopt: the root
+    std::optional<int> detail;         // 0..5; nullopt: the table itself
     bool operator==(const Node&) const = default;
 };
 
@@ -26,7 +26,7 @@ constexpr std::int64_t NumberOf(const Node& node) {
     return node.detail ? table + 1 + *node.detail : table;
 }
 
-// nullopt: a tree of `tables` tables has no such node.
+// nullopt if a tree of `tables` tables has no such node.
 constexpr std::optional<Node> NodeAt(std::int64_t number, std::size_t tables) {
     if (number == kRootNode) return Node{};
     if (number < kRootNode) return std::nullopt;

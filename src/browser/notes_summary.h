@@ -1,5 +1,4 @@
-// The short view of a table's notes that stands under the tree, and single columns found by display
-// name.
+// The summary of a table's notes that is shown under the tree, and the lookup of single columns.
 #pragma once
 
 #include "base/status.h"
@@ -9,18 +8,16 @@
 
 namespace browser {
 
-// At most the first three lines of `notes`; "..." is appended when there is a third carriage
-// return, that is, a fourth line. Lines end at carriage returns; a text without one is returned
-// whole.
+// The first three lines of `notes`, followed by "..." if there are more. Lines end with carriage
+// returns.
 QString SummariseNotes(const QString& notes);
 
-// The summary of the notes of the table whose FileName is `file_name`; empty without a row or
-// without notes.
+// The summary for the first table with this FileName; empty if there is no such row or it has no
+// notes.
 base::Result<QString> NotesSummary(jet::Connection& connection, const QString& file_name);
 
-// The column of the first row with this DisplayName as text; empty when there is no row or the
-// value is Null. `column` goes into the statement as it is: a name of the program, never a text of
-// the user.
+// The column of the first row with this DisplayName as text; empty if there is no such row or the
+// value is Null. `column` is not quoted: it must be a constant of the program.
 base::Result<QString> LookupColumn(jet::Connection& connection, const QString& column,
                                    const QString& display_name);
 

@@ -11,7 +11,7 @@
 namespace browser {
 namespace {
 
-// The text effect of the button: raised and shaded while a refresh is pending, plain otherwise.
+// Values of the button's property "textEffect", which the style sheet uses.
 constexpr int kPlain = 0;
 constexpr int kEmphasised = 3;
 constexpr char kTextEffect[] = "textEffect";

@@ -1,4 +1,4 @@
-// OrderBar: the order of the tables, and the button that applies the whole selection.
+// OrderBar: selects the order of the tables; has the button that applies the selection.
 #pragma once
 
 #include "browser/tree_query.h"
@@ -17,18 +17,17 @@ public:
     explicit OrderBar(QWidget* parent = nullptr);
 
     QString OrderCaption() const;
-    // A caption that the combo does not offer leaves it as it is.
+    // Ignores an unknown caption.
     void SetOrderCaption(const QString& caption);
     // "Asc" or "Desc".
     QString Direction() const;
     void SetDirection(const QString& caption);
-    // Fills in the bar's part.
+    // Fills in the order's part of the selection.
     void Describe(Selection& selection) const;
 
-    // Makes Refresh Tree stand out while the tree does not show what is selected.
+    // Highlights Refresh Tree while the tree does not show the selection.
     void SetRefreshPending(bool pending);
-    // Refresh Tree cannot be pressed while a record is being changed; the order can be chosen all
-    // the same.
+    // Disables or enables Refresh Tree only; the order can always be chosen.
     void LockRefresh(bool locked);
 
 Q_SIGNALS:

@@ -58,10 +58,10 @@ base::Result<QString> ReadRulesFile(const QString& path) {
     QFile file;
     if (!platform::OpenFile(file, path, QIODevice::ReadOnly))
         return Failure(base::StatusCode::kNotFound, path, file.errorString());
-    if (file.size() > kLargestRulesFileBytes)
+    if (file.size() > kMaxRulesFileBytes)
         return Failure(base::StatusCode::kUnsupported, path,
                        QStringLiteral("the file is too large for a rules text"));
-    const QByteArray bytes = file.read(kLargestRulesFileBytes);
+    const QByteArray bytes = file.read(kMaxRulesFileBytes);
     if (file.error() != QFileDevice::NoError)
         return Failure(base::StatusCode::kIoError, path, file.errorString());
     return LinesWithCrLf(DecodeText(bytes));

@@ -1,4 +1,4 @@
-// Rules texts out of files that people have: any of the usual encodings, any line ends.
+// Reads rules texts from files in the usual encodings and with any line ends.
 #pragma once
 
 #include "base/status.h"
@@ -8,18 +8,19 @@
 
 namespace browser {
 
-inline constexpr qint64 kLargestRulesFileBytes = 256 * 1024 * 1024;
+inline constexpr qint64 kMaxRulesFileBytes = 256 * 1024 * 1024;
 
-// UTF-16 or UTF-8 when a byte order mark says so; UTF-8 when the bytes are valid UTF-8; otherwise
-// Windows code page 1252. The mark is not part of the text.
+// Decodes UTF-16 or UTF-8 with a byte order mark, which is dropped; valid UTF-8 without one; any
+// other bytes as Windows code page 1252.
 QString DecodeText(QByteArrayView bytes);
 
-// The lines of `text`, each followed by CR LF. CR LF, LF and CR end a line; a last line without an
-// end is a line, too.
+// `text` with each line end (CR LF, LF or CR) replaced by CR LF, and one added after a last line
+// without.
 QString LinesWithCrLf(const QString& text);
 
-// The whole file as lines that end in CR LF; empty for an empty file.
-// kNotFound, kIoError: it cannot be read. kUnsupported: it is larger than kLargestRulesFileBytes.
+// The text of a file, its lines ending with CR LF; empty for an empty file.
+// kNotFound: the file cannot be opened. kIoError: it cannot be read. kUnsupported: it is larger
+// than kMaxRulesFileBytes.
 base::Result<QString> ReadRulesFile(const QString& path);
 
 }  // namespace browser

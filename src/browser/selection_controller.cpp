@@ -15,7 +15,7 @@ QString IconOfKind(const QString& filter_key) {
     return kind == kFilterKinds.end() ? QString() : kind->icon_key.toString();
 }
 
-// While the tree is filled it is not drawn, and the progress bar stands in the status bar.
+// Suspends painting of the tree and shows the progress bar while the tree is filled.
 class [[nodiscard]] TreeUnderConstruction {
 public:
     TreeUnderConstruction(TableTreeView& tree, StatusPanels& status, std::int64_t tables)
@@ -69,13 +69,13 @@ void SelectionController::RefreshTree() {
     if (const auto wrong = WrongValue(selection))
         ReportWrongValue(*wrong);
     else
-        SayFailure(ShowSelection(selection));
+        ShowFailure(ShowSelection(selection));
     parts_.order_bar.SetRefreshPending(false);
 }
 
-void SelectionController::SayFailure(const base::Status& failure) {
+void SelectionController::ShowFailure(const base::Status& failure) {
     if (failure.ok()) return;
-    parts_.status.SetPanelText(kCountPanel, {});  // the count is not of this empty tree
+    parts_.status.SetPanelText(kCountPanel, {});  // the tree is empty
     parts_.status.ShowFailure(failure);
 }
 

@@ -1,5 +1,5 @@
-// SelectionController: brings the filter bar and the order bar together with the tree: RefreshTree,
-// the saved selection, and the mark that the tree is out of date.
+// SelectionController: shows in the tree what the filter and order bars select, restores the saved
+// selection, and marks the tree as out of date when the bars change.
 #pragma once
 
 #include "browser/filter_bar.h"
@@ -13,7 +13,7 @@
 
 namespace browser {
 
-// The selection that the tree shows; saved at the end.
+// The filter of the tree's current content; saved in the settings.
 struct AppliedSelection {
     QString FilterKey;
     QString FilterValue;
@@ -35,16 +35,16 @@ public:
         StatusPanels& status;
     };
 
-    // Everything in `parts` is borrowed and outlives the controller. `clear_details` empties the
-    // panel of details.
+    // Everything in `parts` is borrowed and outlives the controller. `clear_details` clears the
+    // detail panel.
     SelectionController(const Parts& parts, std::function<void()> clear_details);
 
-    // Shows what the controls say. An impossible value is reported and nothing is shown; what goes
-    // wrong with the database is said in the status bar, and nothing is shown or counted.
+    // Shows the selection of the controls. For an invalid value the user gets a message, for a
+    // failure of the database the status bar shows it; the tree is empty then.
     void RefreshTree();
-    // The selection that the settings hold, before anything is shown.
+    // Sets applied() without showing anything.
     void Remember(const AppliedSelection& saved) { applied_ = saved; }
-    // Puts a saved selection into the controls.
+    // Sets the controls to a saved selection, without showing it.
     void RestoreFilter(const AppliedSelection& saved);
     const AppliedSelection& applied() const { return applied_; }
 
@@ -54,7 +54,7 @@ private:
     base::Status ShowSelection(const Selection& selection);
     base::Status BuildTree(jet::Recordset& rows, const Selection& selection);
     void ReportNothingFound();
-    void SayFailure(const base::Status& failure);
+    void ShowFailure(const base::Status& failure);
     void ReportWrongValue(const QString& message);
 
     Parts parts_;

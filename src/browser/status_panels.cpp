@@ -13,7 +13,8 @@ namespace browser {
 namespace {
 
 constexpr int kHundred = 100;
-// Below this the work is over before a bar can be read.
+// With fewer steps the work ends before the bar could be seen, so painting it is not worth the
+// time.
 constexpr std::int64_t kWorthShowing = 2000;
 
 constexpr int kInPassingMs = 15'000;

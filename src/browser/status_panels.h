@@ -1,5 +1,5 @@
-// StatusPanels: the status bar sbrDB with its four panels and the progress bar prgLoad, which takes
-// their place while something long is going on.
+// StatusPanels: the status bar sbrDB with its four panels, and the progress bar prgLoad, which
+// replaces them during long work.
 #pragma once
 
 #include "base/status.h"
@@ -16,7 +16,7 @@ namespace browser {
 
 // The panels, from left to right.
 inline constexpr int kCountPanel = 1;
-inline constexpr int kNamePanel = 2;  // the current table's; as wide as the others leave it
+inline constexpr int kNamePanel = 2;  // the current table's name; takes the remaining width
 inline constexpr int kTimesPlayedPanel = 3;
 inline constexpr int kLastPlayedPanel = 4;
 inline constexpr int kPanelCount = 4;
@@ -28,15 +28,14 @@ public:
     explicit StatusPanels(QWidget* parent = nullptr);
 
     void SetPanelText(int panel, const QString& text);
-    // Shows a failure that no box tells in place of the table's name, until the next table is
-    // shown.
+    // Shows a failure in place of the table's name, until the next table is shown.
     void ShowFailure(const base::Status& failure);
-    // Shows a failure that stops nothing over the panels, for 15 seconds.
+    // Shows a failure over all panels for 15 seconds.
     void ShowFailureInPassing(const base::Status& failure);
 
-    // Shows the progress bar in place of the panels. `steps` counts the whole work.
+    // Shows the progress bar instead of the panels; `steps` is the total number of steps.
     void StartProgress(std::int64_t steps);
-    // Draws the bar when it has moved by a hundredth.
+    // Sets the number of steps done. The bar is redrawn at each hundredth.
     void Advance(std::int64_t step);
     void EndProgress();
     bool in_progress() const { return in_progress_; }

@@ -1,5 +1,5 @@
-// The two commands that bring the texts inside table files into the catalogue: "View Table Info"
-// and "Import Data from VPTs".
+// The commands "View Table Info" and "Import Data from VPTs", which copy texts from table files
+// into the catalogue.
 #pragma once
 
 #include "browser/detail_panel.h"
@@ -15,14 +15,15 @@
 
 namespace browser {
 
-// Shows the information of `table_file` (full path, the tag of the selected node) in a modal dialog
-// over `parent`, whose copy button writes into `details`; says so when the file has no information.
+// Shows the information in `table_file` (a full path, the tag of the selected node) in a modal
+// dialog over `parent`. Its copy button writes into `details`. If the file has no information, the
+// user gets a message.
 void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::UserPrompts& prompts,
                    platform::Shell& shell, QWidget* parent);
 
-// Overwrites the catalogue with the texts of every table file that has some, while `status` says
-// so and `progress` is told, and then calls `refresh_tree`. What goes wrong with the database is
-// shown.
+// Overwrites records with the texts of their table files where these have some, then calls
+// `refresh_tree`. `status` is shown meanwhile, `progress` called for each row. A failure of the
+// database is shown in a box.
 void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
                         platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
                         const tableinfo::RowProgress& progress = {});

@@ -13,7 +13,7 @@ struct FieldColumn {
     const char16_t* column;
 };
 
-// In the order of filling, which decides what a failure leaves.
+// In the order in which the fields are filled.
 constexpr FieldColumn kShownColumns[] = {
     {kId, u"ID"},
     {kYear, u"Year"},
@@ -37,7 +37,7 @@ constexpr FieldColumn kSavedColumns[] = {
     {kRulesFile, u"RulesFile"},
 };
 
-// "Field '|' cannot be a zero-length string": columns that older programs made may say so.
+// "Field '|' cannot be a zero-length string": some columns of older catalogues refuse empty texts.
 constexpr std::int32_t kZeroLengthRefused = 3315;
 
 base::Status OpenById(jet::Connection& connection, const QString& id, jet::Recordset& rows) {
@@ -65,7 +65,8 @@ base::Status WriteChecks(jet::Recordset& rows, const TableRecord& record) {
     return rows.SetField(u"favorite", jet::Value::Boolean(record.favorite));
 }
 
-// Runs `write` and Update; a database that refuses empty texts gets Nulls in their place.
+// Runs `write` and Update; if the database refuses empty texts, once more with Nulls instead of
+// them.
 template <typename Write>
 base::Status WriteRow(jet::Recordset& rows, const Write& write) {
     base::Status done;

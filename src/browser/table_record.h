@@ -1,5 +1,5 @@
-// TableRecord: one row of the catalogue as the detail panel shows it, its way out of the database
-// and back. Errors are the engine's, with its number and text.
+// TableRecord: a row of the catalogue as the detail panel shows it; loading and saving it. Errors
+// are the engine's.
 #pragma once
 
 #include "base/status.h"
@@ -12,7 +12,7 @@
 
 namespace browser {
 
-// Positions in the control array txtDet.
+// Indexes of the control array txtDet.
 enum DetailField : int {
     kId = 0,
     kYear,
@@ -30,37 +30,37 @@ enum DetailField : int {
     kDetailFieldCount
 };
 
-// What a row gave, as far as it could be read: the rest is empty, unchecked or nullopt.
+// The values of a row. After a failure, those that were not read are empty, false or nullopt.
 struct TableRecord {
     std::array<QString, kDetailFieldCount> fields;
     bool pin_mame = false;
     bool favorite = false;
-    bool checks_read = false;             // everything above was read
-    std::optional<QString> times_played;  // empty text: Null
-    std::optional<QString> last_played;   // empty text: Null
+    bool checks_read = false;             // all of the above was read
+    std::optional<QString> times_played;  // empty for Null
+    std::optional<QString> last_played;   // empty for Null
     bool operator==(const TableRecord&) const = default;
 };
 
 // Fills `record` from the first row with this FileName, field by field in a fixed order (the file
-// date before the rules file). On failure what was read so far stays in `record`. 3021: there is no
-// such row. Requires: `record` is new.
+// date before the rules file). On failure `record` keeps what was read before. 3021: no such row.
+// Requires: `record` is default-constructed.
 base::Status LoadTableRecord(jet::Connection& connection, const QString& file_name,
                              TableRecord& record);
 
-// The first of the fields image, flyer and rules file that is not blank and names no file; nullopt:
-// all are right.
+// The first of the fields image, flyer and rules file that is not blank and does not name an
+// existing file; nullopt if there is none.
 std::optional<DetailField> FirstMissingFile(const TableRecord& record);
 
-// Writes the fields that a user may edit, and both check boxes, into the row with the id in
-// `record`; rules text, id and file date are left alone. All or nothing. 3021: the row is gone.
+// Writes the check boxes and all fields except id, file date and rules text into the row with the
+// record's id. On failure the row is unchanged. 3021: the row does not exist any more.
 base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& record);
 
-// Writes the rules text alone. 3021: the row is gone.
+// Writes only the rules text. 3021: the row does not exist any more.
 base::Status SaveRulesText(jet::Connection& connection, const QString& id, const QString& text);
 
 base::Status DeleteRecord(jet::Connection& connection, const QString& id);
 
-// True when a picture box shows this file: a text with a "." that names a file.
+// True if `path` contains a "." and names an existing file.
 bool IsUsablePictureFile(const QString& path);
 
 }  // namespace browser

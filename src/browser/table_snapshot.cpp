@@ -25,8 +25,8 @@ constexpr std::array<DetailColumn, kDetailCount> kDetails = {{
 
 }  // namespace
 
-// Where the columns stand in the query's rows; nullopt: a column of an old catalogue that could not
-// be added to a read-only file.
+// Indexes of the columns in the query's rows; nullopt for a column that an old read-only catalogue
+// does not have.
 struct TableSnapshot::Columns {
     using Place = std::optional<std::size_t>;
 

@@ -1,5 +1,5 @@
-// TableSnapshot: what the tree shows of the selected tables, as they were when the query ran; 72
-// bytes a table and its texts.
+// TableSnapshot: what the tree shows of the selected tables, read when the query runs. Takes 72
+// bytes per table and its texts.
 #pragma once
 
 #include "base/status.h"
@@ -15,9 +15,9 @@
 
 namespace browser {
 
-// The detail lines under a table, in their order.
+// The number of detail lines under a table.
 inline constexpr int kDetailCount = 6;
-// "File Date: ", "Author: " and so on.
+// The label of a detail line (0..5): "File Date: ", "Author: "...
 QString DetailLabel(int detail);
 
 class TableSnapshot {
@@ -30,17 +30,16 @@ public:
     QString FileName(std::size_t table) const { return Text(rows_[table].file_name); }
     bool Favorite(std::size_t table) const { return rows_[table].favorite; }
     bool PinMame(std::size_t table) const { return rows_[table].pinmame; }
-    // The label and the value, a date in the general form; nothing after the label when the column
-    // is null.
+    // Label and value; the label alone if the value is Null. Dates are in the general format.
     QString DetailLine(std::size_t table, int detail) const;
 
-    // Reads `rows` from the current one to the end; columns that the query lacks count as null.
-    // `progress` (may be empty) is called after each row with the number of tables read so far.
+    // Reads `rows` from the current row to the end. Columns that are missing in `rows` count as
+    // Null. `progress` (may be empty) is called after each row with the number of tables read.
     static base::Result<TableSnapshot> Read(jet::Recordset& rows,
                                             const std::function<void(std::int64_t)>& progress = {});
 
 private:
-    // A detail is kept as the database holds it and becomes text when it is shown.
+    // Details are formatted when they are shown.
     enum class DetailKind : std::uint8_t { kNull, kDate, kText };
     struct Row {
         std::int32_t id = 0;
@@ -49,7 +48,8 @@ private:
         bool pinmame = false;
         TextStore::Reference display_name;
         TextStore::Reference file_name;
-        std::array<std::uint64_t, kDetailCount> details{};  // bits of a double, or a reference
+        std::array<std::uint64_t, kDetailCount>
+            details{};  // bits of a double or TextStore::Reference
     };
 
     struct Columns;

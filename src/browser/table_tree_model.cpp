@@ -7,10 +7,10 @@
 namespace browser {
 namespace {
 
-// Internal ids of indexes: which node the row is counted under.
-constexpr quintptr kTopLevel = 0;  // the root itself
+// Internal ids of indexes: the parent of the node.
+constexpr quintptr kTopLevel = 0;  // the root
 constexpr quintptr kUnderRoot = 1;
-constexpr quintptr kFirstTable = 2;  // details carry kFirstTable + their table
+constexpr quintptr kFirstTable = 2;  // a detail line has kFirstTable + its table
 
 QVariant RootFont() {
     QFont bold;
@@ -170,7 +170,7 @@ QString TableTreeModel::IconKeyOf(const Node& node) const {
     return node.detail ? QStringLiteral("detail") : TableIconKey(*node.table);
 }
 
-// A missing file wins over a favourite, a favourite over a PinMAME table.
+// In order of precedence: missing file, favourite, PinMAME table.
 QString TableTreeModel::TableIconKey(std::size_t table) const {
     if (const auto chosen = icon_overrides_.constFind(table); chosen != icon_overrides_.cend())
         return *chosen;
@@ -184,7 +184,7 @@ QString TableTreeModel::FileNameOf(std::size_t table) const {
     return changed != file_name_overrides_.cend() ? *changed : tables_.FileName(table);
 }
 
-// False as long as nobody knows.
+// False as long as the file has not been tested.
 bool TableTreeModel::FileIsMissing(std::size_t table) const {
     FileState& state = file_states_[table];
     if (state == FileState::kUnknown) {
@@ -195,7 +195,7 @@ bool TableTreeModel::FileIsMissing(std::size_t table) const {
 }
 
 void TableTreeModel::KeepAnswer(std::size_t table, const QString& path, bool is_there) {
-    if (path != FileNameOf(table)) return;  // of the file that it stood for before
+    if (path != FileNameOf(table)) return;  // the FileName has changed since
     file_states_[table] = is_there ? FileState::kThere : FileState::kMissing;
     const QModelIndex index = IndexOf({table, std::nullopt});
     Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole});

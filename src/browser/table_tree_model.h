@@ -1,8 +1,8 @@
-// TableTreeModel: the tree of the selected tables: a root that names the selection, a node per
-// table, six detail lines under each. No object per node: an index carries the table's number, and
-// texts and icons are computed when a view asks for them. Whether a table file exists is asked
-// once, when its row is first drawn, and in a thread of its own: until the answer is there the
-// table has the icon of its record, and a table whose file is missing then changes to "stop".
+// TableTreeModel: the tree of the selected tables: a root that names the selection, a node for each
+// table, six detail lines under each table. There is no object per node: an index holds the number
+// of its table, and texts and icons are computed on demand. Whether a table file exists is tested
+// once, by FileLookup, when its row is first drawn; a table whose file is missing then gets the
+// icon "stop".
 #pragma once
 
 #include "browser/file_lookup.h"
@@ -17,7 +17,7 @@
 
 namespace browser {
 
-// Tags tell the kinds of node apart; a table's tag is its file name.
+// Tags of the root and of detail lines; the tag of a table is its FileName.
 inline constexpr QStringView kRootTag = u"X1";
 inline constexpr QStringView kDetailTag = u"X";
 
@@ -28,31 +28,29 @@ public:
     enum Role { kTagRole = Qt::UserRole, kIconKeyRole, kNodeKeyRole };
 
     using FileTest = FileLookup::FileTest;
-    // What a view draws for an icon key ("mame", "closed"); may be empty.
+    // The decoration for an icon key ("mame", "closed"); may be an empty function.
     using IconSource = std::function<QVariant(const QString& icon_key)>;
 
-    // `file_test` empty: platform::FileExists.
+    // Without `file_test`, platform::FileExists is used.
     explicit TableTreeModel(IconSource icons = {}, FileTest file_test = {},
                             QObject* parent = nullptr);
 
-    // Shows another selection. `root_icon` is the selection's own icon, shown until the root is
-    // first opened or closed.
+    // Replaces the content. `root_icon`: the key of the root's icon until SetRootIcon.
     void Show(TableSnapshot tables, const QString& root_text, const QString& root_icon);
     void Clear();
     bool has_nodes() const { return has_nodes_; }
 
-    // The root's icon, "open" or "closed".
+    // Sets the key of the root's icon: "open" or "closed".
     void SetRootIcon(const QString& icon_key);
-    // A table's icon from now on, until the next Show. Requires: index is a table.
+    // Overrides a table's icon until the next Show. Requires: `index` is a table.
     void SetTableIcon(const QModelIndex& index, const QString& icon_key);
-    // The file that a table stands for from now on, until the next Show. Requires: index is a
-    // table.
+    // Overrides a table's FileName until the next Show. Requires: `index` is a table.
     void SetFileName(const QModelIndex& index, const QString& file_name);
 
     QModelIndex RootIndex() const;
-    // Invalid: no such node.
+    // Invalid if there is no such node.
     QModelIndex IndexOfNode(std::int64_t number) const;
-    // 0: the index is invalid.
+    // 0 for an invalid index.
     std::int64_t NodeNumber(const QModelIndex& index) const;
 
     static QString Tag(const QModelIndex& index) { return index.data(kTagRole).toString(); }

@@ -20,7 +20,7 @@ TableTreeView::TableTreeView(TableTreeModel& model, QWidget* parent) : QTreeView
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setIndentation(15);
     setModel(&model);
-    // Long names scroll; only what is seen is measured.
+    // Long names scroll; only visible rows are measured.
     header()->setStretchLastSection(false);
     header()->setResizeContentsPrecision(0);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -37,7 +37,7 @@ void TableTreeView::currentChanged(const QModelIndex& current, const QModelIndex
     if (!selecting_ && current.isValid()) Q_EMIT NodeClicked(current);
 }
 
-// A click on the node that is current already is a click, too. The arrow before it is not the node.
+// Also reports a click on the node that is selected already, but not on the arrow before it.
 void TableTreeView::mousePressEvent(QMouseEvent* event) {
     const QPersistentModelIndex before = currentIndex();
     QTreeView::mousePressEvent(event);
@@ -60,13 +60,13 @@ void TableTreeView::mouseReleaseEvent(QMouseEvent* event) {
                              event->globalPosition().toPoint());
 }
 
-// The marked row reaches to the right edge, and long names scroll.
+// The selection is painted up to the right edge.
 void TableTreeView::resizeEvent(QResizeEvent* event) {
     QTreeView::resizeEvent(event);
     header()->setMinimumSectionSize(viewport()->width());
 }
 
-// A node that was selected before the view had its size shows as one selected later.
+// Scrolls to a node that was selected before the view had its size.
 void TableTreeView::showEvent(QShowEvent* event) {
     QTreeView::showEvent(event);
     if (event->spontaneous()) return;
@@ -76,7 +76,7 @@ void TableTreeView::showEvent(QShowEvent* event) {
 
 void TableTreeView::keyPressEvent(QKeyEvent* event) {
     const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (is_enter && event->isAutoRepeat()) return;  // one press, one play
+    if (is_enter && event->isAutoRepeat()) return;  // holding the key must not play again
     const bool is_character = is_enter || !event->text().isEmpty();
     if (is_enter)
         Q_EMIT EnterPressed();

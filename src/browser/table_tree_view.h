@@ -1,5 +1,4 @@
-// TableTreeView: the tree tvwDB. Turns mouse and keyboard into the few events that the program
-// knows.
+// TableTreeView: the tree tvwDB. Translates mouse and key events into the signals below.
 #pragma once
 
 #include <QtWidgets/QTreeView>
@@ -19,13 +18,13 @@ public:
     void SelectNode(const QModelIndex& index);
 
 Q_SIGNALS:
-    // A node was clicked, or reached with the keyboard.
+    // A node was clicked or selected with the keyboard.
     void NodeClicked(const QModelIndex& index);
     void DoubleClicked();
     void EnterPressed();
-    // After every key that is a character, Enter included.
+    // After each key that is a character, Enter included.
     void KeyPressed();
-    // The right button was let go at `x_twips` from the left edge.
+    // The right button was released at `x_twips` from the left edge.
     void RightButtonUp(int x_twips, const QPoint& global_position);
 
 protected:
@@ -38,7 +37,7 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
 private:
-    bool selecting_ = false;  // the program selects, not the user
+    bool selecting_ = false;  // during SelectNode
 };
 
 }  // namespace browser

@@ -6,7 +6,7 @@ namespace browser {
 
 TextStore::Reference TextStore::Add(std::u16string_view text) {
     if (text.empty()) return {};
-    // A long text fills its block, so the next one opens a new block.
+    // A text longer than a block fills its own block, so the next text begins another.
     if (blocks_.empty() || blocks_.back().size() + text.size() > kBlockSize)
         blocks_.emplace_back().reserve(std::max(text.size(), std::size_t{kBlockSize}));
     std::u16string& block = blocks_.back();

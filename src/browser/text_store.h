@@ -1,6 +1,6 @@
-// TextStore: many short texts in a few large blocks. A text costs its characters and a 8-byte
-// reference, and adding one never moves the others, so that a catalogue of 100,000 tables is read
-// without a peak of memory.
+// TextStore: stores many short texts in a few large blocks. A text takes its characters and an
+// 8-byte reference. Adding a text never copies the others, so reading a catalogue of 100,000 tables
+// has no peak of memory.
 #pragma once
 
 #include <cstdint>
@@ -12,22 +12,21 @@ namespace browser {
 
 class TextStore {
 public:
-    // Where a text lies. Values; belong to the store that gave them.
+    // The place of a text in the store that returned it.
     struct Reference {
-        std::uint32_t start =
-            0;  // block number in the upper bits, character within the block below
-        std::uint32_t length = 0;  // UTF-16 units
+        std::uint32_t start = 0;   // upper 16 bits: block; lower 16 bits: unit in the block
+        std::uint32_t length = 0;  // in UTF-16 units
     };
 
     Reference Add(std::u16string_view text);
-    // Borrowed: until the store ends.
+    // Valid as long as the store exists.
     std::u16string_view Get(Reference reference) const;
 
 private:
     static constexpr unsigned kBlockBits = 16;
     static constexpr std::size_t kBlockSize = std::size_t{1} << kBlockBits;
 
-    // Each with a fixed capacity of kBlockSize; a longer text has a block of its own.
+    // The capacity of each is kBlockSize, except for a longer text, which has a block of its own.
     std::vector<std::u16string> blocks_;
 };
 

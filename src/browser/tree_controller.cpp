@@ -42,7 +42,7 @@ QString TreeController::SelectedText() const {
     return parts_.tree.currentIndex().data().toString();
 }
 
-// The kind of the node decides, not its tag: a table's tag is whatever its FileName holds.
+// Does not use the tag: the FileName of a table may be any text, also a tag of another node.
 bool TreeController::IsTable(const QModelIndex& index) const {
     return index.data(TableTreeModel::kNodeKeyRole).isValid();
 }
@@ -81,8 +81,8 @@ bool TreeController::PlaySelected() {
     if (!parts_.model.has_nodes() || tag.isEmpty() || tag == kDetailTag) return false;
     if (play_table_ && platform::FileExists(tag))
         play_table_(tag, SelectedText(), parts_.details.DetailText(0).toInt());
-    // Windows live while a table is played: by now another node may be selected, or a record be in
-    // the middle of a change.
+    // Events are processed while a table is played: another node may be selected now, or a record
+    // may be changed.
     const QString selected = SelectedTag();
     if (selected.isEmpty() || selected == kDetailTag || parts_.details.record_changed())
         return false;

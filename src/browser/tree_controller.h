@@ -1,4 +1,4 @@
-// TreeController: what clicks, keys and the pop-up menu of the tree do.
+// TreeController: the actions of clicks, keys and the pop-up menu of the tree.
 #pragma once
 
 #include "browser/detail_panel.h"
@@ -12,18 +12,17 @@ class QMenu;
 
 namespace browser {
 
-// Right clicks at this distance from the left edge, in twips, and beyond open no menu: it belongs
-// to the names.
+// A right click opens the pop-up menu only at less than this distance from the left edge, in twips.
 inline constexpr int kPopupLimitTwips = 2350;
 
-// Whether a right click on the tree opens the pop-up menu.
+// True if a right click at `x_twips` from the left edge opens the pop-up menu.
 bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_twips);
 
 class TreeController : public QObject {
     Q_OBJECT
 
 public:
-    // Starts a table in the simulator and comes back when the play is over.
+    // Plays a table; returns when the play is over.
     using PlayTable =
         std::function<void(const QString& path, const QString& display_name, std::int32_t id)>;
 
@@ -37,39 +36,39 @@ public:
         QMenu& popup;
     };
 
-    // Everything in `parts` is borrowed and outlives the controller; `host` shows the notes under
-    // the tree.
+    // All arguments are borrowed and outlive the controller. `host` shows the notes under the tree.
     TreeController(const Parts& parts, DetailHost& host);
 
     void SetPlayTable(PlayTable play) { play_table_ = std::move(play); }
 
-    // Of the selected node; empty when no node is selected.
+    // Tag and text of the selected node; empty when none is selected.
     QString SelectedTag() const;
     QString SelectedText() const;
-    // A table, and neither the root nor a detail line, is selected.
+    // True when the selected node is a table, neither the root nor a detail line.
     bool TableIsSelected() const { return IsTable(parts_.tree.currentIndex()); }
 
-    // A node number; 0: none. Kept between runs.
+    // The node number (node_number.h) of the last selected node, kept between runs; 0: none.
     std::int64_t SelectedNodeIndex() const { return selected_node_index_; }
     void SetSelectedNodeIndex(std::int64_t number) { selected_node_index_ = number; }
     void RememberSelectedNode();
-    // The selected node stands for another file when its record has this id.
+    // Sets the FileName of the selected node if its record has this id.
     void FileNameStored(const QString& id, const QString& file_name);
 
-    // Selects a node, scrolls to it and shows its table. A number that no node has is ignored.
+    // Selects a node, scrolls to it and shows its table. Ignores a number that no node has.
     void SelectTableNode(std::int64_t number);
 
-    // The double click: plays the selected table, shows its details again and closes its node.
+    // Plays the selected table, shows its details again and collapses its node.
     void DoubleClick();
-    // Flips the favourite flag of the selected table; what goes wrong with the database is shown.
+    // Inverts the favourite flag of the selected table. A failure of the database is shown in a
+    // box.
     void ToggleSelectedFavorite();
 
 private:
     void ConnectTree();
     void NodeClick(const QModelIndex& index);
     void KeyPress();
-    // Plays the selected table when its file is there, then shows its details again. True: a table
-    // or the root is selected.
+    // Plays the selected table if its file exists, then shows its details again. True if a table or
+    // the root is selected afterwards.
     bool PlaySelected();
     void ShowPopup(int x_twips, const QPoint& position);
     bool IsTable(const QModelIndex& index) const;

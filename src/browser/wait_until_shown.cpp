@@ -8,8 +8,8 @@
 namespace browser {
 namespace {
 
-// A window system that never says that the window is visible must not hold up the work.
-constexpr int kLongestWaitMs = 500;
+// Some window systems never report that a window is exposed.
+constexpr int kMaxWaitMs = 500;
 constexpr int kRoundMs = 20;
 
 }  // namespace
@@ -22,7 +22,7 @@ void WaitUntilShown(const QWidget& window) {
     waited.start();
     do {
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, kRoundMs);
-    } while (!is_shown() && waited.elapsed() < kLongestWaitMs);
+    } while (!is_shown() && waited.elapsed() < kMaxWaitMs);
 }
 
 }  // namespace browser

@@ -1,12 +1,11 @@
-// A window that was just shown is on the screen only when the window system says so.
+// A window is on the screen some time after show(), when the window system has exposed it.
 #pragma once
 
 class QWidget;
 
 namespace browser {
 
-// Lets window events but no user's input be handled until `window` is on the screen, half a second
-// at most.
+// Processes events except the user's input until `window` is exposed, for half a second at most.
 void WaitUntilShown(const QWidget& window);
 
 }  // namespace browser

@@ -1,11 +1,11 @@
-// What the about box says.
+// Texts of the about box.
 #pragma once
 
 #include <QtCore/QString>
 
 namespace dialogs {
 
-// The project's own page; empty as long as it has none.
+// The project's web page; empty as long as there is none.
 QString WebSiteAddress();
 QString CreditsText();
 

@@ -1,4 +1,4 @@
-// The setting that names the simulator's executable: read, chosen, checked, stored.
+// The setting VPEXE, the path of the simulator's executable: reading, choosing and storing it.
 #pragma once
 
 #include "catalogue/pin_subs.h"
@@ -8,15 +8,15 @@
 
 namespace dialogs {
 
-// The stored path; empty when none was ever stored.
+// The stored path; empty when none is stored.
 QString StoredExecutable(const catalogue::Catalogue& catalogue);
 
-// Asks for the executable, `current` offered. After a cancel the answer is `current`.
+// Asks the user for the executable, offering `current`, which is also returned after a cancel.
 QString ChooseExecutable(platform::UserPrompts& prompts, const QString& current);
 
-// Any existing file is taken: it is stored as VPEXE at once and is what the next play starts.
-// Otherwise the user is told and nothing changes. True: taken; that it could not be stored for the
-// next start, the user is told, too.
+// Makes an existing file the executable that the next play starts, and stores it. False when there
+// is no such file: the user is told and nothing changes. A failure to store it is shown; the result
+// is true nevertheless, because the path is used until the program ends.
 bool StoreExecutable(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                      const QString& path);
 

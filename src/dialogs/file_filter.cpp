@@ -3,7 +3,7 @@
 namespace dialogs {
 namespace {
 
-// "Pictures (*.bmp;*.jpg)" gives "Pictures": Qt's dialog writes the patterns behind it by itself.
+// "Pictures" for "Pictures (*.bmp;*.jpg)": Qt's dialog appends the patterns itself.
 QString WithoutPatterns(const QString& description) {
     const qsizetype open = description.lastIndexOf(u'(');
     const bool ends_in_parenthesis = description.trimmed().endsWith(u')');

@@ -1,5 +1,4 @@
-// The file filter texts of the program, "Pictures (*.bmp;*.jpg)|*.bmp;*.jpg", in the form of Qt's
-// file dialog.
+// Converts file filters such as "Pictures (*.bmp;*.jpg)|*.bmp;*.jpg" to those of Qt's file dialog.
 #pragma once
 
 #include <QtCore/QString>
@@ -8,8 +7,8 @@
 namespace dialogs {
 
 // One entry per pair of description and patterns: "Pictures (*.bmp *.jpg)". A description without
-// patterns is left out. Programs of systems other than Windows have no ".exe" at their end, so a
-// filter that shows executables only is followed by "All files (*)".
+// patterns is left out. If all patterns are for ".exe", "All files (*)" is added: programs of other
+// systems than Windows have no extension.
 QStringList QtNameFilters(const QString& filter);
 
 }  // namespace dialogs

@@ -1,4 +1,4 @@
-// frmAbout: the program's name, version, credits and web site, and the way to the
+// frmAbout: the program's name, version, credits and web site; a button starts the desktop's
 // system-information tool.
 #pragma once
 
@@ -14,8 +14,8 @@ class frmAbout : public QDialog {
     Q_OBJECT
 
 public:
-    // Everything is borrowed and outlives the window. `web_site`: the address that the link opens;
-    // empty: no link is shown. Shown modally by exec().
+    // The interfaces are borrowed and outlive the window. `web_site`: the address that the link
+    // opens; no link is shown when it is empty. Shown modally by exec().
     frmAbout(platform::UserPrompts& prompts, platform::Shell& shell,
              platform::ProcessStarter& starter, QString web_site, QWidget* parent = nullptr);
 

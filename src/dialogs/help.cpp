@@ -11,7 +11,7 @@
 namespace dialogs {
 namespace {
 
-// A desktop may tell the user about a file that it does not find, so it is not asked for one.
+// nullopt when there is no help file: desktops show a message of their own for a missing file.
 std::optional<QString> PresentHelpFile(const QString& application_folder,
                                        const QString& program_folder) {
     const QString file = HelpFile(application_folder, program_folder);

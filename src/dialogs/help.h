@@ -1,4 +1,4 @@
-// The help command: the desktop's viewer on the program's help file.
+// Opens the program's help file in the desktop's viewer.
 #pragma once
 
 #include "platform/application_folder.h"
@@ -8,15 +8,14 @@
 
 namespace dialogs {
 
-// tavolo.chm in the application folder; when there is none (another folder was asked for on the
-// command line), the one that came with the program: beside it, or in share/tavolo where it is
-// installed.
+// The path of tavolo.chm: in the application folder, otherwise beside the program, otherwise in the
+// installed program's share/tavolo. The first of these when none exists.
 QString HelpFile(const QString& application_folder, const QString& program_folder);
 
-// Opens the help file. A missing file or viewer shows nothing.
+// Opens the help file. Does nothing when the file or a viewer is missing.
 void OpenHelp(platform::Shell& shell, const QString& application_folder,
               const QString& program_folder = platform::ProgramFolder());
-// The same at the page of a window, where the viewer can be told a page.
+// The same at the page of the window with the object name `window`, if the viewer supports that.
 void OpenHelpAtWindow(platform::Shell& shell, const QString& application_folder,
                       const QString& window,
                       const QString& program_folder = platform::ProgramFolder());

@@ -12,8 +12,8 @@
 namespace dialogs {
 namespace {
 
-// The window in front, or, for a box that has no page, the window that it belongs to.
-QString WindowInFront() {
+// The active window or, for a box without a page of its own, the nearest parent that has one.
+QString ActiveWindow() {
     const QWidget* widget = QApplication::activeWindow();
     while (widget != nullptr && !HasHelpPage(widget->objectName()))
         widget = widget->parentWidget();
@@ -34,10 +34,10 @@ HelpKey::HelpKey(platform::Shell& shell, QString application_folder, QObject* pa
 }
 
 bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
-    // A key press passes the widget with the focus and, while nobody takes it, its parents: the
-    // first of them is enough.
+    // An unhandled key press is sent to the widget with the focus and then to its parents; it is
+    // consumed here at the first of them.
     if (!watched->isWidgetType() || !IsHelpKey(*event)) return QObject::eventFilter(watched, event);
-    OpenHelpAtWindow(shell_, application_folder_, WindowInFront());
+    OpenHelpAtWindow(shell_, application_folder_, ActiveWindow());
     return true;
 }
 

@@ -1,4 +1,4 @@
-// HelpKey: F1 anywhere in the program opens the help at the page of the window in front.
+// HelpKey: F1 opens the help at the page of the active window.
 #pragma once
 
 #include "platform/shell.h"
@@ -12,8 +12,8 @@ class HelpKey : public QObject {
     Q_OBJECT
 
 public:
-    // Watches the keys of the whole application while it lives. `shell` is borrowed and outlives
-    // it.
+    // Filters the application's key events as long as the object exists. `shell` is borrowed and
+    // outlives it.
     HelpKey(platform::Shell& shell, QString application_folder, QObject* parent = nullptr);
 
 protected:

@@ -1,4 +1,4 @@
-// Which page of the help tells about which window.
+// The help pages of the windows.
 #pragma once
 
 #include <QtCore/QString>
@@ -6,11 +6,11 @@
 
 namespace dialogs {
 
-// The page, a file of docs/help, about the window with the object name `window` ("frmSettings" has
-// "settings.html"). An unknown window has the first page, index.html.
+// The page (a file in docs/help) of the window with this object name: "settings.html" for
+// "frmSettings". "index.html" for any other name.
 QString HelpPageOf(const QString& window);
 bool HasHelpPage(const QString& window);
-// Every window that has a page.
+// The object names of all windows with a page.
 QStringList WindowsWithHelp();
 
 }  // namespace dialogs

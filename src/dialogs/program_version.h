@@ -1,4 +1,4 @@
-// What this program is called and which version it is.
+// The name and version of this program.
 #pragma once
 
 #include <QtCore/QString>
@@ -13,7 +13,7 @@ struct Version {
 
 // "Tavolo".
 QString ApplicationTitle();
-// From the build.
+// As set by the build.
 Version ProgramVersion();
 // "1.6.0".
 QString VersionText(const Version& version);

@@ -1,4 +1,4 @@
-// QtUserEvents: processes pending window events during long work on the user-interface thread.
+// QtUserEvents: processes pending events during long work on the user-interface thread.
 #pragma once
 
 #include "platform/user_events.h"
@@ -6,8 +6,8 @@
 namespace dialogs {
 
 enum class UserInput {
-    kDelivered,  // the window that does the work guards itself against clicks and closing
-    kHeldBack,  // windows repaint only; keys, clicks and close requests wait until the work is over
+    kDelivered,  // all events; the window that does the work guards itself against clicks
+    kHeldBack,   // no keys, clicks and close requests: they are delivered after the work
 };
 
 class QtUserEvents final : public platform::UserEvents {

@@ -34,7 +34,7 @@ QMessageBox::Icon QtIcon(MessageIcon icon) {
     return QMessageBox::NoIcon;
 }
 
-// The texts part their lines with CR or CR LF; Qt's labels want LF.
+// Lines of messages end with CR or CR LF; Qt's labels need LF.
 QString WithLineFeeds(QString text) {
     return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
 }
@@ -43,7 +43,7 @@ void AddButton(QMessageBox& box, QMessageBox::StandardButton button, const QStri
     box.addButton(button)->setObjectName(name);
 }
 
-// Escape and the close button press No or Cancel, Return presses Ok: Qt sees that by their roles.
+// Qt derives from the roles that Escape and the close button press No or Cancel, Return presses Ok.
 void AddButtons(QMessageBox& box, MessageButtons buttons) {
     if (buttons == MessageButtons::kYesNo) {
         AddButton(box, QMessageBox::Yes, QStringLiteral("cmdYes"));
@@ -56,7 +56,7 @@ void AddButtons(QMessageBox& box, MessageButtons buttons) {
         AddButton(box, QMessageBox::Cancel, QStringLiteral("cmdCancel"));
 }
 
-// A short question must not cut its title: Qt makes the box as wide as its text alone.
+// Qt makes the box as wide as its text, which may be shorter than the title.
 void MakeRoomForTitle(QMessageBox& box) {
     constexpr int kWindowButtons = 140;  // pixels
     auto* grid = qobject_cast<QGridLayout*>(box.layout());
@@ -76,8 +76,8 @@ MessageAnswer AnswerOf(int button, MessageButtons buttons) {
     }
 }
 
-// Where the dialog opens and which name it offers. A preset path whose folder is not there (the
-// catalogue of another system) offers nothing rather than a name in an unrelated folder.
+// Sets the folder and the name that the dialog offers. If the folder of dialog.file_name does not
+// exist (a path of another system), nothing is offered.
 void Preset(QFileDialog& window, const platform::FileDialog& dialog) {
     const std::u16string path = dialog.file_name.toStdU16String();
     const QString folder = QStringView(base::GetFolder(path)).toString();
@@ -90,12 +90,12 @@ void Preset(QFileDialog& window, const platform::FileDialog& dialog) {
     if (!name.isEmpty()) window.selectFile(name);
 }
 
-// Qt's dialog takes a quote in a name for the border between two names and then finds neither.
+// Works around Qt's dialog, which takes a quote in a name as the border between two names.
 class FileWindow final : public QFileDialog {
 public:
     using QFileDialog::QFileDialog;
 
-    // Empty: cancelled.
+    // The chosen path; empty when the user cancels.
     QString Choose() {
         if (exec() != Accepted) return {};
         if (!quoted_.isEmpty()) return QDir::toNativeSeparators(quoted_);

@@ -1,4 +1,4 @@
-// QtUserPrompts: the program's questions as real boxes, the same on every desktop.
+// QtUserPrompts: UserPrompts as Qt's message and file boxes, which are alike on all desktops.
 // Object names: "MessageBox" with the buttons "cmdOK", "cmdCancel", "cmdYes" and "cmdNo";
 // "FileDialog", unless the request gives the dialog a name; "FolderDialog".
 #pragma once
@@ -12,8 +12,8 @@ namespace dialogs {
 
 class QtUserPrompts final : public platform::UserPrompts {
 public:
-    // The window that the boxes belong to, while no modal dialog is open: that one comes first.
-    // Borrowed; may be deleted earlier.
+    // `owner`: the parent of the boxes while no modal dialog is open. Borrowed; may be deleted
+    // before this object.
     explicit QtUserPrompts(QWidget* owner = nullptr);
     void SetOwner(QWidget* owner);
 

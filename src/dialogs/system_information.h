@@ -1,4 +1,4 @@
-// StartSysInfo: the desktop's own system-information tool.
+// StartSysInfo: starts the desktop's system-information tool.
 #pragma once
 
 #include "platform/process_starter.h"
@@ -7,7 +7,7 @@
 
 namespace dialogs {
 
-// Starts the tool; tells the user when there is none or it cannot be started.
+// Tells the user when there is no tool or it cannot be started.
 void StartSysInfo(platform::Shell& shell, platform::ProcessStarter& starter,
                   platform::UserPrompts& prompts);
 

@@ -1,4 +1,4 @@
-// Where the program's own files live.
+// The folders of the program's own files.
 #pragma once
 
 #include "base/status.h"
@@ -7,14 +7,15 @@
 
 namespace platform {
 
-// The folder the program was started from. Without a trailing separator.
+// The folder of the executable, links resolved; no trailing separator.
 QString ProgramFolder();
-// The user's data folder of this program. Without a trailing separator; need not exist yet.
+// The program's folder for the data of this user; no trailing separator. It may not exist yet.
 QString UserDataFolder();
-// A word of the command line, which may be the name of a file.
+// A word of the command line as text: decoded as file names are, so that it can name any file.
 QString ArgumentText(const char* argument);
+// False also when there is no such folder.
 bool IsWritableFolder(const QString& folder);
-// `folder` + separator + `name`.
+// `folder` and `name` with one separator between them.
 QString FileIn(const QString& folder, const QString& name);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// Clock: what time it is here, so that a test can set it.
+// Clock: the current time, which a test can set.
 #pragma once
 
 #include <QtCore/QDateTime>
@@ -8,7 +8,7 @@ namespace platform {
 class Clock {
 public:
     virtual ~Clock() = default;
-    // Local time.
+    // In local time.
     virtual QDateTime Now() = 0;
 };
 

@@ -68,7 +68,7 @@ private:
         if (count % 2 != 0) argument += line_[next_++];
     }
 
-    // The answer: whether what follows is quoted.
+    // True: what follows is quoted.
     bool TakeQuote(QString& argument, bool quoted) {
         ++next_;
         if (!quoted || !Sees(u'"')) return !quoted;

@@ -1,5 +1,5 @@
-// The engine's view of this system's files (see jet/file_system.h). Does not need Qt: target
-// `platform_files`.
+// Implements the engine's interface to files, jet/file_system.h, for this system. Needs no Qt
+// (target `platform_files`).
 #pragma once
 
 #include "jet/pages/file_system.h"

@@ -1,6 +1,6 @@
-// The file side of the operating system: facts about files, folder listings, the current directory.
-// Texts are paths as the catalogue stores them. A path of another system (C:\... on Linux) names
-// nothing here.
+// Files and folders of the operating system. Paths are texts as the catalogue stores them; a path
+// of another system (C:\... on Linux) names nothing here. Errors are Status values that name the
+// file.
 #pragma once
 
 #include "base/status.h"
@@ -19,40 +19,40 @@ namespace platform {
 // "\" on Windows, "/" elsewhere.
 QChar NativeSeparator();
 
-// A name from a catalogue may differ from the disk's in letter case: it was written on a system to
-// which case means nothing. The name as it is on the disk: `path` itself when that exists,
-// otherwise the one that differs in letter case only, of its folders, too; `path` again when there
-// is none. All functions here that look for something that exists find it so.
+// A catalogue that was written on Windows may spell a name in another letter case than the disk.
+// The result is the name on the disk: `path` when that exists, otherwise a path that differs from
+// it (and in the names of its folders) in letter case only, otherwise `path`. All functions below
+// that need an existing file or folder look for it in this way.
 QString ExistingName(const QString& path);
 
-// For a system call: of ExistingName.
+// ExistingName(path) for the standard library.
 std::filesystem::path ToPath(const QString& path);
-// `path` as a path from the root, without "." and "..", without a separator at its end. Nothing
-// needs to exist.
+// The absolute path without "." and "..", without a trailing separator. Nothing needs to exist.
 QString AbsolutePath(const QString& path);
-// Without links; empty when there is nothing of that name.
+// The absolute path with all links resolved; empty when nothing has this name.
 QString RealPath(const QString& path);
 
-// True for an existing file; a folder, an empty text and an unreachable drive are no files.
+// True for an existing regular file; false for a folder, an empty text, an unreachable drive.
 bool FileExists(const QString& path);
-// Local time. Invalid: no such file.
+// In local time; invalid when there is no such file.
 QDateTime LastModified(const QString& path);
-// nullopt-like: kNotFound when there is no such file.
+// In bytes. kNotFound with the number kFileNotFound: no such file.
 base::Result<qint64> FileSize(const QString& path);
 
-// Opens `file` under the name `path`. By itself QFile reaches only names that are valid in the
-// locale's character set. False: file.errorString() says why.
+// Opens `file` as `path`. QFile::open alone reaches only names that are valid in the locale's
+// character set. False on failure, with the reason in file.errorString().
 bool OpenFile(QFile& file, const QString& path, QIODevice::OpenMode mode);
-// Replaces the file by `bytes` in one step; on failure it stays as it was. The message names the
-// file. kNoSpace: the disk is full.
+// Replaces the content of the file, or creates it, atomically: on failure the file is unchanged.
+// A link stays a link. kNoSpace: the disk is full.
 base::Status SaveFile(const QString& path, QByteArrayView bytes);
-// A failure is without consequence: what cannot be removed stays.
+// Failures are ignored.
 void RemoveFile(const QString& path);
-// Nothing is overwritten. The copy has the permissions of the file, and its owner may write to it.
+// kAlreadyExists: `to` exists; it is not overwritten. The copy has the permissions of the original,
+// and its owner may write to it.
 base::Status CopyNewFile(const QString& from, const QString& to);
 
 bool FolderExists(const QString& folder);
-// Makes it and the folders above it. ok when it is there already.
+// Creates the folder and those above it; ok when it exists already.
 base::Status MakeFolder(const QString& folder);
 
 struct FolderEntry {
@@ -61,21 +61,21 @@ struct FolderEntry {
     bool is_link = false;
 };
 
-// Calls `visit` for every entry of `folder` ("." and ".." left out) in the order in which the file
-// system returns them. What is neither a file nor a folder (a device, a pipe, a link to nothing) is
-// left out: reading it could block. A folder that cannot be listed gives a Status and no call.
+// Calls `visit` for each entry of `folder` except "." and "..", in the order of the file system.
+// Devices, pipes and broken links are left out: reading them could block. A folder that cannot be
+// opened is an error, and `visit` is not called.
 base::Status ListFolder(const QString& folder,
                         const std::function<void(const FolderEntry&)>& visit);
 
-// A text that is equal for two names of the same file or folder (links resolved); empty when it
-// cannot be reached.
+// A text that is equal for all names of one file or folder, links resolved; empty when there is no
+// such file or folder.
 QString Identity(const QString& path);
 
-// True for a folder of the system's own making (processes, devices' registers): what looks like a
-// file there lies elsewhere or nowhere.
+// True for a folder of a file system that shows the kernel's data (such as /proc): what is listed
+// there is not stored in files.
 bool IsPseudoFileSystem(const QString& folder);
 
-// kNotFound with the number kPathNotFound (error_numbers.h): there is no such folder.
+// kNotFound with the number kPathNotFound (error_numbers.h): no such folder.
 base::Status ChangeDirectory(const QString& folder);
 
 }  // namespace platform

@@ -13,15 +13,14 @@ namespace platform {
 class ProcessStarter {
 public:
     virtual ~ProcessStarter() = default;
-    // `command_line` is a quoted executable followed by its arguments, written as for Windows:
-    // blanks part arguments, double quotes keep them together. The program starts in the current
-    // directory, minimised with the focus where the system knows such a start (X11 and Wine do not:
-    // there it shows itself as it likes). The result is its process id. A Windows executable runs
-    // through Wine on other systems, and the native paths among its arguments are given to it in
-    // the form that it can open. kNotFound with the number kPathNotFound: no such folder; with
-    // kFileNotFound: no such executable; kPermissionDenied: not executable.
+    // Starts a program in the current directory and returns its process id. `command_line`: the
+    // quoted executable and its arguments, see command_line.h. The program starts minimised with
+    // the focus where the system has such a start; X11 and Wine have not. A Windows executable is
+    // run by Wine on other systems; paths among its arguments are converted to Wine's.
+    // kNotFound with the number kPathNotFound: no such folder; with kFileNotFound: no such
+    // executable; kPermissionDenied: not executable.
     virtual base::Result<std::int64_t> Start(const QString& command_line) = 0;
-    // A tool in a normal window.
+    // Starts a program without arguments, in a normal window; errors as of Start.
     virtual base::Result<std::int64_t> StartTool(const QString& program) = 0;
 };
 

@@ -1,4 +1,4 @@
-// SettingsStore: the per-user store of named texts, by application, section and key.
+// SettingsStore: texts that are kept for each user, by application, section and key.
 #pragma once
 
 #include "base/status.h"
@@ -12,10 +12,12 @@ namespace platform {
 class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
+    // `fallback` when nothing is stored.
     virtual QString GetSetting(const QString& application, const QString& section,
                                const QString& key, const QString& fallback = {}) = 0;
-    // A failure names the file that could not be written. GetSetting gives the new value all the
-    // same until the program ends, and the next SaveSetting tries to write it again.
+    // Writes the value at once. kIoError names the file that could not be written; GetSetting
+    // returns the new value nevertheless until the program ends, and the next SaveSetting writes it
+    // again.
     virtual base::Status SaveSetting(const QString& application, const QString& section,
                                      const QString& key, const QString& value) = 0;
 };

@@ -1,4 +1,4 @@
-// Shell: hands a file or an address to the desktop's "open" action, and finds desktop tools.
+// Shell: opens files and addresses with the desktop's programs for them, and finds desktop tools.
 #pragma once
 
 #include "base/status.h"
@@ -12,16 +12,16 @@ namespace platform {
 class Shell {
 public:
     virtual ~Shell() = default;
-    // `target` is one argument of the shell's open call, whatever it holds: it can name nothing
-    // else to be started. Fails also when the desktop has nobody who opens such a target; to learn
-    // that may take a moment, in which windows repaint and nothing else happens.
+    // Opens a file or an address. `target` is passed as a single argument and never interpreted by
+    // a command shell. kNotFound: the desktop has no program for it. To find that out may take two
+    // seconds, in which window events are processed.
     virtual base::Status Open(const QString& target) = 0;
-    // Opens the help file at one of its pages ("settings.html"), where the desktop's viewer of such
-    // files can be told one; otherwise the file.
+    // Opens a help file at one of its pages ("settings.html") when the desktop's viewer supports
+    // that, otherwise at its first page.
     virtual base::Status OpenHelp(const QString& file, const QString& /*page*/) {
         return Open(file);
     }
-    // Path of the desktop's system-information tool; empty: there is none.
+    // Path of the desktop's system-information tool; empty when none is installed.
     virtual QString SystemInformationTool() = 0;
 };
 

@@ -1,5 +1,6 @@
-// SoundPlayer: plays a wave file to its end. Silent, without a message and without a wait, when the
-// file is missing or there is no sound device; never the cause of a hang.
+// SoundPlayer: plays wave files. A missing file or sound device is no error: nothing is played and
+// the call returns at once. A sound server that does not answer delays the program once, by a few
+// seconds.
 #pragma once
 
 #include <QtCore/QString>
@@ -11,6 +12,7 @@ namespace platform {
 class SoundPlayer {
 public:
     virtual ~SoundPlayer() = default;
+    // Returns when the sound has been played.
     virtual void PlaySynchronously(const QString& wave_file) = 0;
 };
 

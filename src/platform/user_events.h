@@ -1,6 +1,6 @@
-// UserEvents: long work on the user-interface thread calls ProcessEvents once per item, so that
-// windows repaint and react. StatusDisplay: the small window that shows what is in progress.
-// Implemented by the windows; recorded by tests.
+// UserEvents: work that takes long on the user-interface thread calls ProcessEvents once per item,
+// so that windows are repainted. StatusDisplay: the small window that shows what is in progress.
+// Implemented by the windows; faked in tests.
 #pragma once
 
 #include <QtCore/QString>
@@ -16,8 +16,9 @@ public:
 class StatusDisplay {
 public:
     virtual ~StatusDisplay() = default;
-    // Shows the window with this text, painted when the call returns.
+    // Shows the window with this text. It has been painted when the call returns.
     virtual void Show(const QString& text) = 0;
+    // Closes the window if it is open.
     virtual void Unload() = 0;
 };
 

@@ -1,5 +1,5 @@
-// UserPrompts: everything a command asks or tells the user in a modal box, so that a test can
-// answer in its place.
+// UserPrompts: the modal boxes in which commands ask or tell the user something. Tests answer
+// through a fake.
 #pragma once
 
 #include <QtCore/QString>
@@ -22,24 +22,24 @@ struct Message {
 struct FileDialog {
     QString title;
     QString filter;     // "Pictures (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif"
-    QString file_name;  // preset name or full path
-    QString folder;     // where it opens when file_name has no folder
+    QString file_name;  // name or full path that the dialog offers
+    QString folder;     // where the dialog opens when file_name has no folder
     QString default_extension;
-    QString name;  // of the dialog; empty: "FileDialog"
-    bool must_exist =
-        true;  // to open: false when the caller itself tells of a file that is not there
+    QString name;            // object name of the dialog; empty: "FileDialog"
+    bool must_exist = true;  // for opening; false: the caller checks the file
     bool operator==(const FileDialog&) const = default;
 };
 
 class UserPrompts {
 public:
     virtual ~UserPrompts() = default;
-    // Closing the box counts as Cancel or No.
+    // Shows a message and returns the button. Closing the box counts as Cancel or No.
     virtual MessageAnswer Ask(const Message& message) = 0;
-    // The chosen full path; empty: cancelled.
+    // Return the chosen file's full path; empty when the user cancels.
     virtual QString ChooseFileToOpen(const FileDialog& dialog) = 0;
     virtual QString ChooseFileToSave(const FileDialog& dialog) = 0;
-    // Title "Select a folder." when the caller gives none. Empty: cancelled.
+    // Returns the chosen folder's full path; empty when the user cancels. An empty title stands for
+    // "Select a folder.".
     virtual QString ChooseFolder(const QString& title = {}) = 0;
 };
 

@@ -94,7 +94,7 @@ TEST_F(ReadRulesFileTest, FiftyMegabytesAreRead) {
 
 TEST_F(ReadRulesFileTest, AFileOfMoreThanTheLimitIsRefused) {
     QFile file(Write({}));
-    ASSERT_TRUE(file.resize(kLargestRulesFileBytes + 1));  // sparse
+    ASSERT_TRUE(file.resize(kMaxRulesFileBytes + 1));  // sparse
     EXPECT_EQ(ReadRulesFile(file.fileName()).status().code(), base::StatusCode::kUnsupported);
 }
 

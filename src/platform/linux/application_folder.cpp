@@ -17,8 +17,8 @@ QString ProgramFolder() {
     return DecodeFileName(program.parent_path().native());
 }
 
-// Not QStandardPaths, which reads only names of the locale's character set from the environment.
-// Source: the base directories that freedesktop.org defines for desktops.
+// QStandardPaths would decode the variables in the locale's character set, which has not all names.
+// Source: XDG Base Directory Specification (freedesktop.org).
 QString UserDataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
     const char* home = std::getenv("HOME");

@@ -27,11 +27,11 @@ struct DirectoryCloser {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// The names of one folder by their folded text. Thousands of rows in a row tend to ask for files
-// of the same folder.
+// The names in the folder that was read last, by their case-folded text. Consecutive rows of a
+// catalogue mostly name files of the same folder.
 class FolderNames {
 public:
-    // nullopt: no such name.
+    // nullopt when no name in `folder` matches `name`.
     std::optional<std::string> Find(const std::string& folder, std::string_view name) {
         struct stat facts {};
         if (stat(folder.c_str(), &facts) != 0) return std::nullopt;
@@ -42,8 +42,8 @@ public:
     }
 
 private:
-    // Once something has changed in a folder, its time of change stands still until the file
-    // system's clock ticks: only an older one tells that nothing has changed since.
+    // Two changes within one tick of the file system's clock leave the same modification time, so
+    // a time as recent as this does not prove that the names are still those that were read.
     static constexpr std::time_t kClockSeconds = 3;
 
     bool IsOf(const struct stat& facts) const {
@@ -69,7 +69,7 @@ private:
     QHash<QString, std::string> names_;
 };
 
-// `wanted` below `folder` ("" or ending in "/").
+// The existing spelling of `wanted` below `folder`, which is "" or ends in "/".
 std::optional<std::string> Find(std::string folder, std::string_view wanted) {
     thread_local FolderNames names;
     while (!wanted.empty()) {

@@ -1,4 +1,4 @@
-// Finds a file whose name is known but for its letter case.
+// Finds a file whose name is known except for its letter case.
 #pragma once
 
 #include <QtCore/QString>
@@ -7,9 +7,10 @@
 
 namespace platform {
 
-// SystemPath(path) when that exists. Otherwise the path that differs from it in letter case only;
-// where several do, the first in the order of their bytes. Folder by folder: one that is there as
-// written is taken, whatever else it holds. SystemPath(path) again when there is none.
+// SystemPath(path) when that exists, otherwise a path that differs from it in letter case only,
+// otherwise SystemPath(path). Folders are searched one after the other: a folder that exists as
+// written is taken even if the rest is not found in it. Of several names the first in byte order is
+// taken.
 std::string ExistingSystemPath(const QString& path);
 
 }  // namespace platform

@@ -6,7 +6,7 @@ namespace platform {
 
 QString DecodeFileName(std::string_view bytes) {
     const std::u16string name = base::DecodeFileName(bytes);
-    // Unit by unit: QString's conversions take U+FEFF at the start for a byte order mark.
+    // Copied by units: QString's conversions drop a U+FEFF at the start as a byte order mark.
     return QString(reinterpret_cast<const QChar*>(name.data()),
                    static_cast<qsizetype>(name.size()));
 }

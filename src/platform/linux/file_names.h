@@ -1,5 +1,5 @@
-// Paths of this system as texts and back: base/file_names.h for QString, and the texts that can
-// name nothing here.
+// Conversion between paths of this system and QString (by base/file_names.h), and the texts that
+// name nothing on this system.
 #pragma once
 
 #include <QtCore/QString>
@@ -12,12 +12,11 @@ namespace platform {
 QString DecodeFileName(std::string_view bytes);
 std::string EncodeFileName(const QString& name);
 
-// True for C:\Tables\Foo.vpt, C:/Tables and \\server\share: a path of Windows, which names nothing
-// on this system.
+// True for paths of Windows, which name nothing on this system: C:\Tables\Foo.vpt, C:/Tables,
+// \\server\share.
 bool IsForeignPath(const QString& path);
 
-// The bytes to give to a system call; empty when the path can name nothing here (empty, foreign, or
-// with a NUL inside).
+// The path for a system call; empty when `path` is empty, foreign or contains a NUL.
 std::string SystemPath(const QString& path);
 
 }  // namespace platform

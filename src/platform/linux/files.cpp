@@ -24,7 +24,7 @@ using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
 using CString = std::unique_ptr<char, decltype(&std::free)>;
 
-// nullopt: there is no file of that name.
+// nullopt when there is no regular file of this name.
 std::optional<struct stat> FileFacts(const QString& path) {
     struct stat facts {};
     const std::string name = ExistingSystemPath(path);
@@ -32,11 +32,12 @@ std::optional<struct stat> FileFacts(const QString& path) {
     return facts;
 }
 
-// A new file beside `target`, open for writing, its name in `copy`. Below 0: errno says why.
+// Creates a new file in the folder of `target` and stores its name in `copy`. Returns a descriptor
+// for writing; -1 on failure, with the reason in errno.
 int CreateBeside(const std::string& target, std::string& copy) {
-    constexpr int kMostTries = 100;
+    constexpr int kMaxTries = 100;
     int descriptor = -1;
-    for (int i = 0; descriptor < 0 && i < kMostTries; ++i) {
+    for (int i = 0; descriptor < 0 && i < kMaxTries; ++i) {
         copy = target + ".new" + std::to_string(i);
         descriptor = open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (descriptor < 0 && errno != EEXIST) break;
@@ -48,7 +49,7 @@ base::Status SystemFailure(int error_number, const QString& path) {
     const auto code = error_number == ENOSPC || error_number == EDQUOT ? base::StatusCode::kNoSpace
                       : error_number == EEXIST ? base::StatusCode::kAlreadyExists
                                                : base::StatusCode::kIoError;
-    // The name first, as in the messages of the engine.
+    // The name comes first, as in the messages of the engine.
     return {code, path.toStdString() + ": " + std::generic_category().message(error_number),
             error_number};
 }
@@ -125,29 +126,29 @@ base::Result<qint64> FileSize(const QString& path) {
 }
 
 bool OpenFile(QFile& file, const QString& path, QIODevice::OpenMode mode) {
-    // What is written gets the very name that was asked for.
-    const bool makes = mode.testFlag(QIODevice::WriteOnly);
-    const std::string name = makes ? SystemPath(path) : ExistingSystemPath(path);
+    // A file that is created gets the name as given.
+    const bool creates = mode.testFlag(QIODevice::WriteOnly);
+    const std::string name = creates ? SystemPath(path) : ExistingSystemPath(path);
     file.setFileName(name.empty() ? path : DecodeFileName(name));
     if (name.empty() || QFile::encodeName(file.fileName()) == name.c_str()) return file.open(mode);
     const int access = (mode & QIODevice::ReadWrite) == QIODevice::ReadWrite ? O_RDWR
                        : mode.testFlag(QIODevice::WriteOnly)                 ? O_WRONLY
                                                                              : O_RDONLY;
-    const bool empties =
-        makes && !mode.testFlag(QIODevice::ReadOnly) && !mode.testFlag(QIODevice::Append);
+    const bool truncates =
+        creates && !mode.testFlag(QIODevice::ReadOnly) && !mode.testFlag(QIODevice::Append);
     const int descriptor = open(name.c_str(),
-                                access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (makes ? O_CREAT : 0) |
-                                    (empties ? O_TRUNC : 0),
+                                access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY |
+                                    (creates ? O_CREAT : 0) | (truncates ? O_TRUNC : 0),
                                 0666);
     struct stat facts {};
     if (descriptor >= 0 && fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode))
         return file.open(descriptor, mode, QFileDevice::AutoCloseHandle);
     if (descriptor >= 0) close(descriptor);
-    return file.open(mode);  // fails, and says so in its own words
+    return file.open(mode);  // fails, and sets errorString()
 }
 
 base::Status SaveFile(const QString& path, QByteArrayView bytes) {
-    // A link stays one: what it leads to is replaced.
+    // The file that a link leads to is replaced, not the link.
     const std::string name = SystemPath(path);
     if (name.empty()) return SystemFailure(ENOENT, path);
     const CString real(realpath(name.c_str(), nullptr), &std::free);
@@ -184,7 +185,7 @@ base::Status CopyNewFile(const QString& from, const QString& to) {
     namespace fs = std::filesystem;
     const fs::path target = SystemPath(to);
     std::error_code error;
-    // copy_file would leave a beginning where the disk is full.
+    // Through a second name: on a full disk copy_file leaves the part that it has written.
     fs::path copy = target;
     copy += ".new";
     if (fs::exists(target, error)) return SystemFailure(EEXIST, to);
@@ -235,7 +236,7 @@ QString Identity(const QString& path) {
     return QString::number(facts.st_dev) + u':' + QString::number(facts.st_ino);
 }
 
-// The numbers of linux/magic.h, and of the kernel's sources where that file has none.
+// Source of the numbers: linux/magic.h, and the kernel's sources for those that are missing there.
 bool IsPseudoFileSystem(const QString& folder) {
     constexpr long kConfigFs = 0x62656570, kFuseControl = 0x65735543, kMessageQueues = 0x19800202,
                    kRpcPipes = 0x67596969, kNfsServer = 0x6E667364;

@@ -1,4 +1,4 @@
-// Viewers of help files (.chm), and how one is told the page to begin with.
+// The desktop's viewer of help files (.chm) and its command line for opening a page.
 #pragma once
 
 #include <QtCore/QString>
@@ -13,11 +13,11 @@ struct ViewerCommand {
     QStringList arguments;
 };
 
-// The desktop entry ("kchmviewer.desktop") of the viewer that the user has chosen; empty: the
-// desktop does not say. Waits for the desktop's answer for a second at most.
+// The desktop entry of the user's viewer ("kchmviewer.desktop"); empty when the desktop does not
+// name one within a second.
 QString DefaultHelpViewer();
 
-// nullopt: this viewer cannot be told a page.
+// nullopt when this viewer has no option for a page.
 std::optional<ViewerCommand> ViewerAtPage(const QString& desktop_entry, const QString& file,
                                           const QString& page);
 

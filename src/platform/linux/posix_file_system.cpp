@@ -1,6 +1,6 @@
-// Files of a POSIX system. Locks are those of the open file description (fcntl F_OFD_SETLK): they
-// conflict with locks of other processes and of other openings in this one, and vanish with the
-// process. Programs that do not ask for locks read the file all the same.
+// Files of a POSIX system. Locks are open file description locks (fcntl F_OFD_SETLK): they conflict
+// with those of other processes and of other descriptors of this process, and end with the process.
+// They are advisory.
 #include "platform/file_system.h"
 
 #include <cerrno>
@@ -57,7 +57,7 @@ int FlagsOf(jet::OpenMode mode) {
     return O_RDONLY;
 }
 
-// Calls `call` until no signal interrupts it.
+// Repeats `call` as long as a signal interrupts it.
 template <typename Call>
 auto Uninterrupted(Call call) {
     auto result = call();
@@ -140,7 +140,7 @@ class PosixFileSystem final : public jet::FileSystem {
 public:
     Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                             jet::OpenMode mode) override {
-        // O_NONBLOCK: a pipe under the name must not stop the program; it means nothing for files.
+        // O_NONBLOCK: opening a pipe must not block; regular files ignore it.
         const int flags = FlagsOf(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
         const int descriptor = Uninterrupted([&] { return ::open(path.c_str(), flags, 0666); });
         if (descriptor < 0) return Failure(errno, path.string());
@@ -173,8 +173,7 @@ public:
         const int done = Uninterrupted([&] { return ::fsync(descriptor); });
         const int error = errno;
         ::close(descriptor);
-        // Some network file systems cannot sync a folder and say so with EINVAL; there is nothing
-        // to wait for then.
+        // EINVAL: a file system (some network ones) that cannot sync a folder.
         return done == 0 || error == EINVAL ? Status() : Failure(error, name);
     }
 

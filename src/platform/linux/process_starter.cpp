@@ -17,7 +17,7 @@ namespace {
 
 base::Status CannotStart(int error_number, const QString& program) {
     switch (error_number) {
-    case ENOENT:  // also a script whose interpreter is missing
+    case ENOENT:  // also for a script whose interpreter is missing
         return FileError(base::StatusCode::kNotFound, "File not found", program, kFileNotFound);
     case EACCES:
     case EPERM:
@@ -42,7 +42,7 @@ bool IsFolder(const std::string& name) {
     return stat(name.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
-// The folder part of the path, "." for a bare name.
+// The folder part of a path; "." for a bare name.
 std::string FolderOf(const std::string& name) {
     const std::size_t slash = name.rfind('/');
     if (slash == std::string::npos) return ".";

@@ -10,15 +10,15 @@
 namespace platform {
 namespace {
 
-// One file <user's configuration folder>/<application>.ini for each application, one group for each
-// section. Every value is written to the file at once.
+// A file <user's configuration folder>/<application>.ini for each application, a group for each
+// section. Values are written to the file at once.
 class IniSettingsStore final : public SettingsStore {
 public:
     QString GetSetting(const QString& application, const QString& section, const QString& key,
                        const QString& fallback) override {
         const QVariant value = FileOf(application).value(Name(section, key));
         if (!value.isValid()) return fallback;
-        // A comma that a person typed into the file without quotes makes a list of the value.
+        // QSettings reads an unquoted comma, as a person may type it, as a list.
         if (value.typeId() == QMetaType::QStringList)
             return value.toStringList().join(QStringLiteral(", "));
         return value.toString();
@@ -36,17 +36,17 @@ public:
     }
 
 private:
-    // Qt keeps the keys that have no group in the section "General" of the file, and reads that
-    // name without regard to letter case; a group of that name would not be found again.
+    // QSettings reserves the section "General", in any letter case, for keys without a group: a
+    // group of that name would not be found again.
     static QString Name(const QString& section, const QString& key) {
         const bool is_general = section.compare(QLatin1String("general"), Qt::CaseInsensitive) == 0;
         return is_general ? key : section + u'/' + key;
     }
 
-    // A damaged file is written anew and is no failure.
+    // A damaged file is not a failure: it is written anew.
     static bool HasFailed(const QSettings& file) { return file.status() == QSettings::AccessError; }
 
-    // A QSettings that has failed once says so for ever.
+    // QSettings never resets an error status, so its values move to a new object.
     void StartAfreshAfterFailure(const QString& application) {
         const auto found = files_.find(application);
         if (found == files_.end() || !HasFailed(*found->second)) return;

@@ -17,7 +17,7 @@
 namespace platform {
 namespace {
 
-// What desktops call it, the more telling ones first.
+// Programs that show system information, the most detailed first.
 constexpr std::array kInformationTools = {
     "hardinfo2",           "hardinfo",  "kinfocenter",          "gnome-system-monitor",
     "mate-system-monitor", "ksysguard", "plasma-systemmonitor", "xfce4-taskmanager"};
@@ -26,13 +26,13 @@ QString FindProgram(const char* name) {
     return QStandardPaths::findExecutable(QString::fromLatin1(name));
 }
 
-// A target that looks like an option names a file of the current directory.
+// A leading "-" would be an option to the opener: such a target is a file of the current directory.
 QString AsArgument(const QString& target) {
     return target.startsWith(u'-') ? QStringLiteral("./") + target : target;
 }
 
-// The letter case of an address's scheme means nothing (RFC 3986, 3.1), but desktops look it up as
-// it stands in registers that hold lower case. A path has no colon before its first separator.
+// Schemes of addresses are case-insensitive (RFC 3986, 3.1), but desktops look them up in lower
+// case. A path has no colon before its first separator.
 QString WithSchemeInLowerCase(QString target) {
     static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]+:"));
     const auto found = scheme.match(target);
@@ -40,9 +40,9 @@ QString WithSchemeInLowerCase(QString target) {
     return target;
 }
 
-// An opener that finds nobody for its target says so within a moment. One that still runs after
-// this time has become the viewer itself, and its end is the user's business.
-constexpr std::chrono::seconds kOpenersMoment{2};
+// An opener without a program for the target ends within this time. One that still runs has become
+// the viewer itself.
+constexpr std::chrono::seconds kOpenerTimeout{2};
 constexpr std::chrono::milliseconds kRepaintInterval{20};
 
 std::vector<std::string> Command(const QString& program, const QStringList& arguments) {
@@ -62,10 +62,10 @@ base::Status Run(const QString& program, const QStringList& arguments) {
     return StartOutcome(Spawn(Command(program, arguments)).error_number, program);
 }
 
-// The windows go on meanwhile: holding back keys and clicks would lose them. Another address may be
-// opened in here.
-bool EndsWithinAMoment(const std::future<int>& ended) {
-    const auto give_up = std::chrono::steady_clock::now() + kOpenersMoment;
+// Processes all events while it waits: keys and clicks that were held back would be lost.
+// Reentrant: the user may open another address meanwhile.
+bool EndsInTime(const std::future<int>& ended) {
+    const auto give_up = std::chrono::steady_clock::now() + kOpenerTimeout;
     while (ended.wait_for(kRepaintInterval) != std::future_status::ready) {
         if (std::chrono::steady_clock::now() >= give_up) return false;
         QCoreApplication::processEvents();
@@ -73,12 +73,12 @@ bool EndsWithinAMoment(const std::future<int>& ended) {
     return true;
 }
 
-// The exit codes of xdg-open: 2 no such file, 3 a required tool could not be found, 4 the action
-// failed (its manual page).
+// Exit codes of xdg-open (its manual page): 2 no such file, 3 a required tool could not be found,
+// 4 the action failed.
 base::Status RunOpener(const QString& opener, const QString& target) {
     WatchedProgram started = SpawnWatched(Command(opener, {target}));
     RETURN_IF_ERROR(StartOutcome(started.error_number, opener));
-    if (!EndsWithinAMoment(started.ended)) return {};
+    if (!EndsInTime(started.ended)) return {};
     const int exit_code = started.ended.get();
     if (exit_code == 0) return {};
     return {base::StatusCode::kNotFound, "Nothing on this desktop opens it (xdg-open ended with " +

@@ -14,8 +14,8 @@
 namespace platform {
 namespace {
 
-// What the middle process tells us: its own child's id, or why there is none. A second report
-// follows when that child cannot become the program.
+// What the middle process reports through the pipe: the id of its child, or why fork() failed. The
+// child itself sends a second report when exec() fails.
 using Report = SpawnResult;
 
 void ResetSignals() {
@@ -36,12 +36,12 @@ void DetachFromFiles() {
 }
 
 void Tell(int pipe_end, Report report) {
-    // Smaller than PIPE_BUF: written whole. A failure shows as a missing report.
+    // Smaller than PIPE_BUF, so written as a whole. A failure shows as a missing report.
     [[maybe_unused]] const auto written = write(pipe_end, &report, sizeof report);
 }
 
-// What exec() takes, made before fork(): memory cannot be asked for after it. Points into the texts
-// it was made from.
+// The arguments of exec(), prepared before fork(): after it, memory must not be allocated. Points
+// into the texts that it was made from.
 struct ProgramImage {
     std::vector<char*> arguments, environment;
 };
@@ -70,7 +70,7 @@ ProgramImage MakeImage(const std::vector<std::string>& arguments,
     return image;
 }
 
-// Runs in the grandchild. Only calls that are allowed after fork().
+// Runs in the new process: only async-signal-safe calls are allowed after fork().
 [[noreturn]] void BecomeProgram(const ProgramImage& image, int pipe_end) {
     ResetSignals();
     DetachFromFiles();
@@ -87,7 +87,7 @@ ProgramImage MakeImage(const std::vector<std::string>& arguments,
     _exit(0);
 }
 
-// The exit code, as a shell has it.
+// The exit code, as a shell reports it.
 int WaitFor(pid_t child) {
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
@@ -95,7 +95,7 @@ int WaitFor(pid_t child) {
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-// False at the end of the pipe: the program runs, its end was closed by exec.
+// False at the end of the pipe: exec() has closed the other end, so the program runs.
 bool ReadReport(int pipe_end, Report& report) {
     ssize_t count = 0;
     do {
@@ -104,7 +104,7 @@ bool ReadReport(int pipe_end, Report& report) {
     return count == ssize_t{sizeof report};
 }
 
-// The two reports come in either order; a failure outweighs the process id.
+// The two reports may come in either order; a failure takes precedence over the process id.
 SpawnResult CollectReports(int pipe_end) {
     SpawnResult result{EAGAIN, 0};
     bool failed = false;
@@ -152,7 +152,7 @@ WatchedProgram SpawnWatched(const std::vector<std::string>& arguments) {
     if (program < 0) return {fork_error, {}};
     std::promise<int> exit_code;
     WatchedProgram watched{failed ? failure.error_number : 0, exit_code.get_future()};
-    // It may outlive us all: then the system takes the program over.
+    // The program may outlive this process; init reaps it then.
     std::thread([program, code = std::move(exit_code)]() mutable {
         code.set_value(WaitFor(program));
     }).detach();

@@ -1,5 +1,5 @@
-// Starts a program that goes on by itself: it leaves no zombie, has no terminal and none of our
-// open files.
+// Starts programs that run independently of this one: in a session of their own, without our
+// terminal and open files, and leaving no zombie.
 #pragma once
 
 #include "base/status.h"
@@ -15,18 +15,17 @@ struct SpawnResult {
     int process_id = 0;
 };
 
-// arguments[0] is the path of the program. It runs in the current directory with our environment,
-// in which `variables`, each of the form NAME=value, take the place of those of the same name.
-// Requires: `arguments` is not empty.
+// Runs the program arguments[0] (a path) in the current directory and in our environment, with
+// `variables` (each NAME=value) added or replaced. Requires: `arguments` is not empty.
 SpawnResult Spawn(const std::vector<std::string>& arguments,
                   const std::vector<std::string>& variables = {});
 
 struct WatchedProgram {
     int error_number = 0;    // of errno; 0: the program runs
-    std::future<int> ended;  // its exit code, as a shell has it: 128 + n after signal n
+    std::future<int> ended;  // its exit code, as a shell reports it: 128 + n after signal n
 };
 
-// The same for a program whose end tells something. Nobody has to wait for that end.
+// The same for a program whose exit code is of interest; its end need not be awaited.
 WatchedProgram SpawnWatched(const std::vector<std::string>& arguments);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// What the system said, as a Status.
+// Failures of system calls as Status.
 #pragma once
 
 #include "base/status.h"
@@ -11,7 +11,7 @@ namespace platform {
 // `what` and `path`: "File not found: /tables/Foo.vpt". `number`: of error_numbers.h.
 base::Status FileError(base::StatusCode code, const char* what, const QString& path,
                        std::int32_t number = 0);
-// The failure `error_number` (of errno) to reach the folder `folder`.
+// The failure to open or enter `folder`; `error_number`: of errno.
 base::Status FolderError(int error_number, const QString& folder);
 
 }  // namespace platform

@@ -10,8 +10,7 @@ QStringView WithoutExe(QStringView name) {
     return name.endsWith(extension, Qt::CaseInsensitive) ? name.chopped(extension.size()) : name;
 }
 
-// Wine shows the file name of the program in place of its window class, and that one may carry a
-// version at its end.
+// Wine shows the executable's file name, which may contain a version, instead of the window class.
 bool IsOfClass(QStringView shown, QStringView wanted) {
     const QStringView name = WithoutExe(shown);
     const bool is_program_name = name.size() != shown.size();

@@ -22,16 +22,16 @@ std::string FirstBytes(const QString& path) {
     return {bytes.data(), static_cast<std::size_t>(file.gcount())};
 }
 
-// The first program of a new Wine waits until that has been made.
+// The first start of Wine creates its folder, which takes this long on slow machines.
 constexpr int kWineTimeoutMs = 120'000;
 
-// Naming Files, Paths, and Namespaces (Microsoft): reserved characters.
-bool HasReservedSign(const QString& path) {
+// Source: "Naming Files, Paths, and Namespaces" (Microsoft), reserved characters.
+bool HasReservedCharacter(const QString& path) {
     static constexpr QStringView kReserved = u"\"*:<>?|";
     return std::any_of(path.begin(), path.end(), [](QChar c) { return kReserved.contains(c); });
 }
 
-// What Wine's own tool for names answers; empty: nothing.
+// The output of Wine's tool for path names; empty on failure.
 QString AskWinePath(const QStringList& arguments) {
     QProcess process;
     QStringList environment = QProcess::systemEnvironment();
@@ -77,11 +77,11 @@ std::vector<std::string> WineEnvironment() {
     return {"LC_ALL=C.UTF-8"};
 }
 
-// The name of the file stays where it can: Wine's windows are known by it.
+// Keeps the file name if possible: WindowControl finds Wine's windows by it.
 base::Result<QString> ProgramForWine(const QString& program) {
-    if (!HasReservedSign(program)) return program;
+    if (!HasReservedCharacter(program)) return program;
     const QFileInfo file(program);
-    const bool keeps_name = !HasReservedSign(file.fileName());
+    const bool keeps_name = !HasReservedCharacter(file.fileName());
     QString path =
         QStringLiteral("Z:") + (keeps_name ? file.absolutePath() : file.absoluteFilePath());
     path.replace(u'/', u'\\');

@@ -1,4 +1,4 @@
-// Windows programs on this system: recognised by their first bytes, started by Wine.
+// Windows programs: how they are recognised, and what Wine needs to run them.
 #pragma once
 
 #include "base/status.h"
@@ -11,24 +11,25 @@
 
 namespace platform {
 
-// True for a file that starts with the signature "MZ" of Windows and DOS programs, and for an .exe
-// that cannot be read or has no signature of this system's programs.
+// True for a file with the signature "MZ" of DOS and Windows programs, and for an .exe that cannot
+// be read or has no signature of a Linux program.
 bool IsWindowsProgram(const QString& path);
 
-// Wine's loader; empty: Wine is not installed.
+// Path of Wine's loader; empty when Wine is not installed.
 QString FindWine();
 
-// Variables of Wine's environment besides our own ones: Wine takes file names and window titles for
-// texts of the locale's character set, and only UTF-8 has them all.
+// Variables (NAME=value) to add to Wine's environment. Wine converts file names and window titles
+// by the locale's character set; only UTF-8 has all characters.
 std::vector<std::string> WineEnvironment();
 
-// The program as Wine can open it: its path, or, where that has a sign that no Windows name has (a
-// quote), the short name that Wine makes up for it. To ask for that starts Wine and takes seconds.
+// A name by which Wine can open the program: its path, or, if that contains a character that
+// Windows reserves (a quote), the short name that Wine gives it; finding that out starts Wine and
+// takes seconds. kUnsupported: Wine has none.
 base::Result<QString> ProgramForWine(const QString& program);
 
-// An argument as the Windows program has to see it: a native path, alone or after the "-" of an
-// option, becomes a path of the drive Z: on which Wine shows this system's root. `/Play` is an
-// option and no path: a path goes on after a second "/" or follows "-".
+// The argument for a Windows program: an absolute path, alone or after the "-" of an option,
+// becomes a path on drive Z:, where Wine shows the root folder. Without a "-", only a text with a
+// second "/" counts as a path: `/Play` is an option.
 QString ArgumentForWindows(const QString& argument);
 
 }  // namespace platform

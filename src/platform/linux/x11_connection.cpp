@@ -9,9 +9,9 @@
 namespace platform {
 namespace {
 
-// Of a text property, in units of four bytes: a title or class is cut there.
+// How much is read of a text property, in units of four bytes.
 constexpr std::uint32_t kMaxTextLength = 1024;
-// Of the list of windows, and of its like.
+// How much is read of a list property, in units of four bytes.
 constexpr std::uint32_t kMaxListLength = 65536;
 
 struct Free {
@@ -22,7 +22,7 @@ using ReplyPtr = std::unique_ptr<Reply, Free>;
 
 ReplyPtr<xcb_get_property_reply_t> Take(xcb_connection_t* connection,
                                         xcb_get_property_cookie_t cookie) {
-    xcb_generic_error_t* error = nullptr;  // a window that is gone
+    xcb_generic_error_t* error = nullptr;  // set for a window that no longer exists
     ReplyPtr<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, cookie, &error));
     std::free(error);
     return reply;
@@ -38,7 +38,7 @@ QString Utf8Text(std::string_view bytes) {
     return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
 
-// WM_NAME is Latin-1 when its type is STRING; programs of today put UTF-8 there as well.
+// WM_NAME is Latin-1 if its type is STRING; any other type is taken as UTF-8.
 QString NameText(const xcb_get_property_reply_t* reply) {
     const std::string_view bytes = Bytes(reply);
     if (reply != nullptr && reply->type == XCB_ATOM_STRING)
@@ -117,8 +117,8 @@ std::vector<xcb_window_t> X11Connection::Children(std::span<const xcb_window_t> 
     return children;
 }
 
-// The window manager's list. Without one: the root's children and, since an old manager puts each
-// window into a frame, their children.
+// The window manager's list. Without one: the children of the root window and, because old window
+// managers put each window into a frame, their children.
 std::vector<xcb_window_t> X11Connection::Candidates() {
     std::vector<xcb_window_t> windows = Numbers(root_, net_client_list_, XCB_ATOM_WINDOW);
     if (!windows.empty()) return windows;
@@ -161,7 +161,7 @@ void X11Connection::SendMessage(xcb_window_t destination, std::uint32_t event_ma
     event.type = type;
     event.data.data32[0] = first;
     event.data.data32[1] = second;
-    std::array<char, 32> bytes{};  // what every event takes on the wire
+    std::array<char, 32> bytes{};  // size of every event in the protocol
     static_assert(sizeof event <= sizeof bytes);
     std::memcpy(bytes.data(), &event, sizeof event);
     xcb_send_event(connection_.get(), 0, destination, event_mask, bytes.data());

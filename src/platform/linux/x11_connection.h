@@ -1,6 +1,6 @@
-// X11Connection: the questions to the X server that finding and closing windows takes. Without a
-// server every answer is empty; a server that goes away later ends no program. Threads: one
-// connection belongs to one thread.
+// X11Connection: lists and closes windows of other programs through the X server. Without a server,
+// or after the connection is lost, lists are empty and requests do nothing.
+// Threads: a connection belongs to one thread.
 #pragma once
 
 #include <QtCore/QString>
@@ -23,14 +23,14 @@ struct X11Window {
 
 class X11Connection {
 public:
-    // Connects to the display that $DISPLAY names.
+    // Connects to the display in $DISPLAY.
     X11Connection();
 
-    // The top-level windows of other programs, iconified ones included. Two round trips, however
-    // many there are.
+    // All top-level windows, iconified ones included, in two round trips to the server (four
+    // without a window manager).
     std::vector<X11Window> TopLevelWindows();
-    // Through the window manager, as a pager does; without one that can, by asking the window
-    // itself.
+    // Asks the window manager (_NET_CLOSE_WINDOW) or, if it does not support that, the window
+    // itself (WM_DELETE_WINDOW) to close the window.
     void RequestClose(xcb_window_t window);
 
 private:

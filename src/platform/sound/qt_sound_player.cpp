@@ -1,5 +1,5 @@
-// The sound device is driven on a thread of its own and the caller waits for it with a limit: a
-// sound server that does not answer costs a moment, once, and not the program.
+// Sounds are played on a thread of their own, and the caller waits for it with a time limit: a
+// sound server that does not answer delays the program once and cannot block it.
 #include "platform/sound/wave_file.h"
 #include "platform/sound_player.h"
 
@@ -23,16 +23,16 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 
-// A file of more than this is no sound effect.
+// Larger files are not played.
 constexpr qint64 kMaxFileBytes = qint64{32} * 1024 * 1024;
-// What finding and opening the device may take beyond the sound's own length.
+// Time allowed for finding and opening the device, in addition to the length of the sound.
 constexpr milliseconds kDeviceAllowance{4000};
-// What the device is asked to hold ahead, and the time after the last sample was due at which it
-// has surely been played.
+// The size of the device's buffer, and the time after the last sample was due at which it has been
+// played for certain.
 constexpr milliseconds kDeviceBuffer{100};
 constexpr milliseconds kRunOut{150};
 
-// Silence before the sound: a device that has been asleep swallows the first moment.
+// Silence before the sound: a suspended device drops the first samples.
 constexpr milliseconds kLeadIn{40};
 
 std::optional<WaveSound> LoadSound(const QString& wave_file) {
@@ -77,9 +77,9 @@ QByteArray WithLeadIn(const WaveSound& sound) {
     return samples;
 }
 
-// Plays on the calling thread until the last sample has been heard or the device has failed. The
-// device reports that it is idle as soon as it has taken the last sample, and stopping it then
-// would drop what it holds: the clock says when the sound is over.
+// Plays on the calling thread until the last sample has been heard or the device has failed. A
+// timer ends it: the device becomes idle when it has taken the last sample, and to stop it then
+// would drop what is in its buffer.
 void PlayOnDevice(const WaveSound& sound) {
     const QAudioDevice device = QMediaDevices::defaultAudioOutput();
     if (device.isNull()) return;
@@ -100,8 +100,7 @@ void PlayOnDevice(const WaveSound& sound) {
     sink.stop();
 }
 
-// One sound. Owned by the caller who waits and by the thread that plays: either may be the last to
-// let go of it.
+// The playing of one sound. Shared by the caller, which waits, and the sound thread.
 class Job {
 public:
     explicit Job(WaveSound sound) : sound_(std::move(sound)) {}
@@ -112,7 +111,7 @@ public:
         is_done_ = true;
         done_.notify_all();
     }
-    // False when the sound takes much longer than it is.
+    // False when the sound has not ended within its length and kDeviceAllowance.
     bool Wait() {
         const auto limit = milliseconds(sound_.duration_ms()) + kDeviceAllowance;
         std::unique_lock lock(mutex_);
@@ -132,7 +131,7 @@ public:
         if (!thread_) return;
         thread_->quit();
         if (thread_->wait(is_stuck_ ? 0ms : 2000ms)) return;
-        // A thread that hangs in the sound server cannot be destroyed; it ends with the process.
+        // A QThread must not be destroyed while it runs; this one hangs and ends with the process.
         [[maybe_unused]] static QThread* const abandoned = thread_.release();
     }
 

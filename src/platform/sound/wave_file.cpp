@@ -36,7 +36,7 @@ base::Status Unsupported() {
     return {base::StatusCode::kUnsupported, "The wave file has an unknown kind of samples."};
 }
 
-// The body of the first chunk of that name, cut where the file ends.
+// The body of the first chunk with this name, cut at the end of the file.
 std::optional<Bytes> FindChunk(Bytes file, std::uint32_t name) {
     constexpr std::size_t kHeader = 8;
     for (std::size_t at = 12; at + kHeader <= file.size();) {
@@ -45,7 +45,7 @@ std::optional<Bytes> FindChunk(Bytes file, std::uint32_t name) {
         if (base::LoadLittle<std::uint32_t>(file.data() + at) == name)
             return file.subspan(at + kHeader, std::min(size, rest));
         if (size >= rest) break;
-        at += kHeader + size + size % 2;  // chunks begin at even places
+        at += kHeader + size + size % 2;  // chunks begin at even offsets
     }
     return std::nullopt;
 }
@@ -56,7 +56,7 @@ std::optional<Format> ReadFormat(Bytes chunk) {
                   base::LoadLittle<std::uint16_t>(chunk.data() + 2),
                   base::LoadLittle<std::uint32_t>(chunk.data() + 4),
                   base::LoadLittle<std::uint16_t>(chunk.data() + 14)};
-    // The tag proper is then the first two bytes of the sub-format.
+    // The actual tag is in the first two bytes of the sub-format.
     if (format.tag == kExtensible)
         format.tag = base::LittleAt<std::uint16_t>(chunk, 24).value_or(kExtensible);
     return format;
@@ -80,7 +80,7 @@ std::optional<SampleKind> KindOf(const Format& format) {
     }
 }
 
-// 24 bits to 32: a byte of nothing below each sample.
+// Samples of 24 bits as 32: a zero byte is put below each.
 std::vector<std::byte> Widened(Bytes samples) {
     std::vector<std::byte> wide;
     wide.reserve(samples.size() / 3 * 4);
