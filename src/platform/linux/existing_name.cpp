@@ -1,13 +1,12 @@
 #include "platform/linux/existing_name.h"
 
+#include "platform/linux/directory.h"
 #include "platform/linux/file_names.h"
 
 #include <QtCore/QHash>
 
 #include <algorithm>
 #include <ctime>
-#include <dirent.h>
-#include <memory>
 #include <optional>
 #include <sys/stat.h>
 
@@ -22,10 +21,6 @@ bool Exists(const std::string& name) {
 QString Folded(std::string_view name) {
     return DecodeFileName(name).toCaseFolded();
 }
-
-struct DirectoryCloser {
-    void operator()(DIR* directory) const { closedir(directory); }
-};
 
 // The names in the folder that was read last, by their case-folded text. Consecutive rows of a
 // catalogue mostly name files of the same folder.
@@ -56,7 +51,7 @@ private:
         names_.clear();
         facts_ = facts;
         is_settled_ = std::time(nullptr) - facts.st_mtim.tv_sec > kClockSeconds;
-        const std::unique_ptr<DIR, DirectoryCloser> directory(opendir(folder.c_str()));
+        const Directory directory(opendir(folder.c_str()));
         if (!directory) return;
         while (const dirent* entry = readdir(directory.get())) {
             std::string& name = names_[Folded(entry->d_name)];

@@ -1,12 +1,12 @@
 #include "platform/files.h"
 
+#include "platform/linux/directory.h"
 #include "platform/linux/existing_name.h"
 #include "platform/linux/file_names.h"
 #include "platform/linux/system_error.h"
 
 #include <cerrno>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <sys/stat.h>
@@ -16,11 +16,6 @@
 
 namespace platform {
 namespace {
-
-struct DirectoryCloser {
-    void operator()(DIR* directory) const { closedir(directory); }
-};
-using Directory = std::unique_ptr<DIR, DirectoryCloser>;
 
 using CString = std::unique_ptr<char, decltype(&std::free)>;
 
@@ -43,6 +38,28 @@ int CreateBeside(const std::string& target, std::string& copy) {
         if (descriptor < 0 && errno != EEXIST) break;
     }
     return descriptor;
+}
+
+// 0, or the errno of the failure.
+int WriteAll(int descriptor, QByteArrayView bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count =
+            write(descriptor, bytes.data(), static_cast<std::size_t>(bytes.size()));
+        if (count < 0 && errno != EINTR) return errno;
+        if (count > 0) bytes = bytes.sliced(count);
+    }
+    return 0;
+}
+
+// The flags of open() for QFile's mode, which creates and truncates files as QFile does.
+int SystemFlags(QIODevice::OpenMode mode) {
+    const bool reads = mode.testFlag(QIODevice::ReadOnly);
+    const bool writes = mode.testFlag(QIODevice::WriteOnly);
+    int flags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    flags |= !writes ? O_RDONLY : reads ? O_RDWR : O_WRONLY;
+    if (writes) flags |= O_CREAT;
+    if (writes && !reads && !mode.testFlag(QIODevice::Append)) flags |= O_TRUNC;
+    return flags;
 }
 
 base::Status SystemFailure(int error_number, const QString& path) {
@@ -127,19 +144,11 @@ base::Result<qint64> FileSize(const QString& path) {
 
 bool OpenFile(QFile& file, const QString& path, QIODevice::OpenMode mode) {
     // A file that is created gets the name as given.
-    const bool creates = mode.testFlag(QIODevice::WriteOnly);
-    const std::string name = creates ? SystemPath(path) : ExistingSystemPath(path);
+    const std::string name =
+        mode.testFlag(QIODevice::WriteOnly) ? SystemPath(path) : ExistingSystemPath(path);
     file.setFileName(name.empty() ? path : DecodeFileName(name));
     if (name.empty() || QFile::encodeName(file.fileName()) == name.c_str()) return file.open(mode);
-    const int access = (mode & QIODevice::ReadWrite) == QIODevice::ReadWrite ? O_RDWR
-                       : mode.testFlag(QIODevice::WriteOnly)                 ? O_WRONLY
-                                                                             : O_RDONLY;
-    const bool truncates =
-        creates && !mode.testFlag(QIODevice::ReadOnly) && !mode.testFlag(QIODevice::Append);
-    const int descriptor = open(name.c_str(),
-                                access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY |
-                                    (creates ? O_CREAT : 0) | (truncates ? O_TRUNC : 0),
-                                0666);
+    const int descriptor = open(name.c_str(), SystemFlags(mode), 0666);
     struct stat facts {};
     if (descriptor >= 0 && fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode))
         return file.open(descriptor, mode, QFileDevice::AutoCloseHandle);
@@ -160,13 +169,7 @@ base::Status SaveFile(const QString& path, QByteArrayView bytes) {
     std::string copy;
     const int descriptor = CreateBeside(target, copy);
     if (descriptor < 0) return SystemFailure(errno, path);
-    int error = 0;
-    while (!bytes.empty() && error == 0) {
-        const ssize_t count =
-            write(descriptor, bytes.data(), static_cast<std::size_t>(bytes.size()));
-        if (count > 0) bytes = bytes.sliced(count);
-        if (count < 0 && errno != EINTR) error = errno;
-    }
+    int error = WriteAll(descriptor, bytes);
     if (error == 0 && exists && fchmod(descriptor, before.st_mode & 07777) != 0) error = errno;
     if (error == 0 && fdatasync(descriptor) != 0) error = errno;
     if (close(descriptor) != 0 && error == 0) error = errno;
