@@ -75,42 +75,55 @@ void PrintJson(const std::string& file, const jet::CheckReport& report) {
     Print("]}\n");
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+struct Arguments {
+    const char* file = nullptr;  // nullptr: none, or the arguments are wrong
     bool json = false;
-    const char* file = nullptr;
-    for (int i = 1; i < argc; ++i) {
-        const bool is_option = std::strncmp(argv[i], "--", 2) == 0;
-        if (std::strcmp(argv[i], "--help") == 0) {
-            Print(kUsage);
-            return kSound;
-        }
-        if (std::strcmp(argv[i], "--json") == 0) {
-            json = true;
-        } else if (is_option || file != nullptr) {
-            std::fputs(kUsage, stderr);
-            return kCannotCheck;
-        } else {
-            file = argv[i];
-        }
+    bool help = false;
+};
+
+Arguments ParseArguments(int argc, char** argv) {
+    Arguments arguments;
+    for (int i = 1; i < argc && !arguments.help; ++i) {
+        if (std::strcmp(argv[i], "--help") == 0)
+            arguments.help = true;
+        else if (std::strcmp(argv[i], "--json") == 0)
+            arguments.json = true;
+        else if (std::strncmp(argv[i], "--", 2) == 0 || arguments.file != nullptr)
+            return {};
+        else
+            arguments.file = argv[i];
     }
-    if (file == nullptr) {
-        std::fputs(kUsage, stderr);
-        return kCannotCheck;
-    }
+    return arguments;
+}
+
+int Check(const Arguments& arguments) {
     const auto files = platform::MakeFileSystem();
     jet::PageStoreOptions options;
     options.read_only = true;
-    const auto store = jet::OpenPageStore(*files, file, options);
+    const auto store = jet::OpenPageStore(*files, arguments.file, options);
     if (!store.ok()) {
         app::PrintFailure("tavolo-dbcheck", store.status());
         return kCannotCheck;
     }
     const jet::CheckReport report = jet::CheckIntegrity(*store.value());
-    if (json)
-        PrintJson(file, report);
+    if (arguments.json)
+        PrintJson(arguments.file, report);
     else
         PrintText(report);
     return report.sound() ? kSound : kFaults;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const Arguments arguments = ParseArguments(argc, argv);
+    if (arguments.help) {
+        Print(kUsage);
+        return kSound;
+    }
+    if (arguments.file == nullptr) {
+        std::fputs(kUsage, stderr);
+        return kCannotCheck;
+    }
+    return Check(arguments);
 }
