@@ -2,6 +2,7 @@
 
 #include "browser/detail_tabs.h"
 #include "browser/table_record.h"
+#include "widgets/object_names.h"
 
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHBoxLayout>
@@ -11,19 +12,10 @@
 namespace browser {
 namespace {
 
+using widgets::ElementName;
+using widgets::Named;
 using widgets::PictureBox;
 using widgets::TextBox;
-
-// The object name of an element of a control array: "txtDet_3".
-QString ElementName(const char* array, int index) {
-    return QLatin1String(array) + QLatin1Char('_') + QString::number(index);
-}
-
-template <typename Widget>
-Widget* Named(Widget* widget, const char* name) {
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
 
 QPushButton* Button(const char* name, const QString& caption) {
     return Named(new QPushButton(caption), name);

@@ -1,6 +1,7 @@
 #include "tableinfo/frmReadVPT.h"
 
 #include "tableinfo/storage_tools.h"
+#include "widgets/object_names.h"
 #include "widgets/picture_box.h"
 #include "widgets/text_box.h"
 
@@ -14,6 +15,8 @@
 namespace tableinfo {
 namespace {
 
+using widgets::ElementName;
+using widgets::Named;
 using widgets::PictureBox;
 using widgets::PictureSource;
 using widgets::TextBox;
@@ -22,16 +25,6 @@ using widgets::WholeTextEdit;
 constexpr int kMailBox = 4;
 constexpr int kSiteBox = 5;
 constexpr QSize kOpeningSize(720, 600);
-
-QString ElementName(const char* array, int index) {
-    return QLatin1String(array) + QLatin1Char('_') + QString::number(index);
-}
-
-template <typename Widget>
-Widget* Named(Widget* widget, const char* name) {
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
 
 QPushButton* Button(const char* name, const QString& caption) {
     auto* button = Named(new QPushButton(caption), name);
