@@ -148,7 +148,7 @@ QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
         return IconKeyOf(node);
     case kNodeKeyRole:
         if (!node.table || node.detail) return {};
-        return QString(QStringLiteral("X") + QString::number(tables_.Id(*node.table)));
+        return NodeKey(QString::number(tables_.Id(*node.table)));
     default:
         return {};
     }

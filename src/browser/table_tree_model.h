@@ -53,6 +53,8 @@ public:
     // 0 for an invalid index.
     std::int64_t NodeNumber(const QModelIndex& index) const;
 
+    // The key of the table with this id, see kNodeKeyRole.
+    static QString NodeKey(const QString& id) { return u'X' + id; }
     static QString Tag(const QModelIndex& index) { return index.data(kTagRole).toString(); }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;

@@ -49,7 +49,7 @@ bool TreeController::IsTable(const QModelIndex& index) const {
 
 void TreeController::FileNameStored(const QString& id, const QString& file_name) {
     const QModelIndex selected = parts_.tree.currentIndex();
-    if (selected.data(TableTreeModel::kNodeKeyRole).toString() == QStringLiteral("X") + id)
+    if (selected.data(TableTreeModel::kNodeKeyRole).toString() == TableTreeModel::NodeKey(id))
         parts_.model.SetFileName(selected, file_name);
 }
 
@@ -80,7 +80,7 @@ bool TreeController::PlaySelected() {
     const QString tag = SelectedTag();
     if (!parts_.model.has_nodes() || tag.isEmpty() || tag == kDetailTag) return false;
     if (play_table_ && platform::FileExists(tag))
-        play_table_(tag, SelectedText(), parts_.details.DetailText(0).toInt());
+        play_table_(tag, SelectedText(), parts_.details.DetailText(kId).toInt());
     // Events are processed while a table is played: another node may be selected now, or a record
     // may be changed.
     const QString selected = SelectedTag();
