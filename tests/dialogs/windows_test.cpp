@@ -1,6 +1,7 @@
 #include "dialogs/about_text.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmSettings.h"
+#include "support/control.h"
 #include "support/fakes.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +17,7 @@
 namespace dialogs {
 namespace {
 
-template <typename T>
-T& Control(QWidget& window, const char* name) {
-    auto* found = window.findChild<T*>(QString::fromLatin1(name));
-    if (found == nullptr) qFatal("no control %s", name);
-    return *found;
-}
+using test_support::Control;
 
 class SettingsWindowTest : public testing::Test {
 protected:

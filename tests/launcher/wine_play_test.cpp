@@ -4,28 +4,13 @@
 
 namespace {
 
-class WinePlayTest : public test_support::RealPlayFixture {
+class WinePlayTest : public test_support::WithWine<test_support::RealPlayFixture> {
 protected:
-    static void SetUpTestSuite() {
-        problem_ = test_support::UseWinePrefix(QStringLiteral(WINE_PREFIX));
-    }
-    static void TearDownTestSuite() {
-        if (problem_.isEmpty()) test_support::EndWine();
-    }
     void SetUp() override {
-        if (problem_ == QLatin1String("Wine is not installed"))
-            GTEST_SKIP() << "Wine is not installed";
-        ASSERT_TRUE(problem_.isEmpty()) << problem_.toStdString();
-        if (!QFile::exists(QStringLiteral(WINDOWS_SIMULATOR)))
-            GTEST_SKIP() << "there is no compiler for Windows programs (mingw-w64)";
-        RealPlayFixture::SetUp();
+        WithWine::SetUp();
         values.VisualPinballExe = QStringLiteral(WINDOWS_SIMULATOR);
     }
-
-    static QString problem_;  // why there is no Wine
 };
-
-QString WinePlayTest::problem_;
 
 const QString kFoo = QStringLiteral("Käpt'n Foo & Co");
 const QString kBar = QStringLiteral("Bar");

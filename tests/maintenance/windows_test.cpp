@@ -1,6 +1,7 @@
 #include "maintenance/command_fixture.h"
 #include "maintenance/frmImport.h"
 #include "maintenance/frmUtility.h"
+#include "support/control.h"
 
 #include <QtTest/QTest>
 #include <QtWidgets/QComboBox>
@@ -12,12 +13,7 @@
 namespace maintenance {
 namespace {
 
-template <typename T>
-T& Control(QWidget& window, const char* name) {
-    auto* found = window.findChild<T*>(QString::fromLatin1(name));
-    if (found == nullptr) qFatal("no control %s", name);
-    return *found;
-}
+using test_support::Control;
 
 void Press(QWidget& window, const char* button) {
     QTest::mouseClick(&Control<QPushButton>(window, button), Qt::LeftButton);

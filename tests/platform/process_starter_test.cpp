@@ -2,18 +2,17 @@
 
 #include "platform/command_line.h"
 #include "platform/linux/windows_program.h"
+#include "platform/script_folder.h"
 #include "support/wait_for.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 #include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,14 +20,11 @@ namespace {
 
 using test_support::WaitFor;
 
-class ProcessStarterTest : public testing::Test {
+class ProcessStarterTest : public testing::Test, protected test_support::ScriptFolder {
 protected:
     ProcessStarterTest() { std::filesystem::create_directory(Path("my programs")); }
     ~ProcessStarterTest() override { std::filesystem::current_path(before_); }
 
-    std::string Path(const std::string& name) const {
-        return folder_.path().toStdString() + "/" + name;
-    }
     // A program whose file holds `text`.
     std::string Program(const std::string& name, const std::string& text, bool runnable = true) {
         std::ofstream(Path(name)) << text;
@@ -45,14 +41,7 @@ protected:
     base::Result<std::int64_t> Start(const std::string& command_line) {
         return starter_->Start(QString::fromStdString(command_line));
     }
-    std::string Output() {
-        if (!WaitFor([&] { return std::filesystem::exists(Path("out")); })) return "<none>";
-        std::ostringstream text;
-        text << std::ifstream(Path("out")).rdbuf();
-        return text.str();
-    }
 
-    QTemporaryDir folder_;
     std::filesystem::path before_ = std::filesystem::current_path();
     std::unique_ptr<platform::ProcessStarter> starter_ = platform::MakeProcessStarter();
 };

@@ -1,15 +1,13 @@
 #include "platform/shell.h"
 
+#include "platform/script_folder.h"
 #include "support/wait_for.h"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QTemporaryDir>
-
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 
 namespace {
@@ -17,15 +15,15 @@ namespace {
 using test_support::WaitFor;
 
 // Programs of this test are the only ones that can be found.
-class ShellTest : public testing::Test {
+class ShellTest : public testing::Test, protected test_support::ScriptFolder {
 protected:
-    void SetUp() override { qputenv("PATH", folder_.path().toUtf8()); }
+    void SetUp() override { qputenv("PATH", Folder().toUtf8()); }
     void TearDown() override {
         qputenv("PATH", before_path_);
         EXPECT_TRUE(HasNoChildren());
     }
 
-    // Neither running nor dead; nobody is taken from whoever waits for it.
+    // Neither running ones nor zombies. Reaps none.
     static bool HasNoChildren() {
         return WaitFor([] {
             siginfo_t facts{};
@@ -33,9 +31,6 @@ protected:
         });
     }
 
-    std::string Path(const std::string& name) const {
-        return folder_.path().toStdString() + "/" + name;
-    }
     void Install(const std::string& name) {
         std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\nprintf '%s<%s>' $# \"$1\" >'" +
                                          Path("part") + "'\nmv '" + Path("part") + "' '" +
@@ -46,14 +41,7 @@ protected:
         std::ofstream(Path(name)) << "#!/bin/sh\nPATH=/usr/bin:/bin\n" << script << "\n";
         std::filesystem::permissions(Path(name), std::filesystem::perms::owner_all);
     }
-    std::string Output() {
-        if (!WaitFor([&] { return std::filesystem::exists(Path("out")); })) return "<none>";
-        std::ostringstream text;
-        text << std::ifstream(Path("out")).rdbuf();
-        return text.str();
-    }
 
-    QTemporaryDir folder_;
     QByteArray before_path_ = qgetenv("PATH");
     std::unique_ptr<platform::Shell> shell_ = platform::MakeShell();
 };

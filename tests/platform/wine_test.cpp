@@ -19,21 +19,8 @@ using test_support::WaitFor;
 
 const QString kClass = QStringLiteral("VPinball");
 
-class WineTest : public testing::Test {
+class WineTest : public test_support::WithWine<testing::Test> {
 protected:
-    static void SetUpTestSuite() {
-        problem_ = test_support::UseWinePrefix(QStringLiteral(WINE_PREFIX));
-    }
-    static void TearDownTestSuite() {
-        if (problem_.isEmpty()) test_support::EndWine();
-    }
-    void SetUp() override {
-        if (problem_ == QLatin1String("Wine is not installed"))
-            GTEST_SKIP() << "Wine is not installed";
-        ASSERT_TRUE(problem_.isEmpty()) << problem_.toStdString();
-        if (!QFile::exists(QStringLiteral(WINDOWS_SIMULATOR)))
-            GTEST_SKIP() << "there is no compiler for Windows programs (mingw-w64)";
-    }
     ~WineTest() override { std::filesystem::current_path(before_); }
 
     // Writes the table file `name` into the folder `folder` and plays it.
@@ -63,7 +50,6 @@ protected:
         return QStringLiteral("Visual Pinball - [") + table_ + asterisk + u']';
     }
 
-    static QString problem_;  // why there is no Wine
     QTemporaryDir work_;
     std::filesystem::path before_ = std::filesystem::current_path();
     test_support::SimulatorRun run_;
@@ -71,8 +57,6 @@ protected:
     QString path_;
     std::unique_ptr<platform::WindowControl> windows_ = platform::MakeWindowControl();
 };
-
-QString WineTest::problem_;
 
 struct PathCase {
     const char* name;

@@ -1,6 +1,7 @@
-// UseWinePrefix: a Wine of the tests' own, made by the first test that needs it and kept in the
-// build folder.
+// A Wine of the tests' own, created by the first test that needs it and kept in the build folder.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
@@ -9,9 +10,8 @@
 
 namespace test_support {
 
-// Sets this process's environment. The answer: why there is no Wine; empty when there is one.
-// Making the prefix takes some seconds; a program of Wine 8 under load has been seen to take a
-// minute.
+// Sets this process's environment. Returns why Wine cannot be used, empty when it can. To create
+// the prefix takes seconds, on a busy machine up to a minute.
 inline QString UseWinePrefix(const QString& folder) {
     qputenv("WINEPREFIX", folder.toUtf8());
     qputenv("WINEDEBUG", "-all");
@@ -34,5 +34,28 @@ inline QString UseWinePrefix(const QString& folder) {
 inline void EndWine() {
     QProcess::execute(QStringLiteral("wineserver"), {QStringLiteral("-k"), QStringLiteral("-w")});
 }
+
+// The fixture `Base` for tests that run Windows programs through Wine. Skips them when Wine or the
+// compiler for Windows programs is not installed; fails when Wine cannot be used. The
+// including file defines WINE_PREFIX and WINDOWS_SIMULATOR, the paths of both.
+template <typename Base>
+class WithWine : public Base {
+protected:
+    static void SetUpTestSuite() { problem_ = UseWinePrefix(QStringLiteral(WINE_PREFIX)); }
+    static void TearDownTestSuite() {
+        if (problem_.isEmpty()) EndWine();
+    }
+    void SetUp() override {
+        if (problem_ == QLatin1String("Wine is not installed"))
+            GTEST_SKIP() << "Wine is not installed";
+        ASSERT_TRUE(problem_.isEmpty()) << problem_.toStdString();
+        if (!QFile::exists(QStringLiteral(WINDOWS_SIMULATOR)))
+            GTEST_SKIP() << "there is no compiler for Windows programs (mingw-w64)";
+        Base::SetUp();
+    }
+
+private:
+    inline static QString problem_;  // why there is no Wine
+};
 
 }  // namespace test_support
