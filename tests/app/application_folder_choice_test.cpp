@@ -125,7 +125,7 @@ TEST_F(ApplicationFolderTest, TheUsersDataFolderIsFilledBesideFilesOfOthers) {
     EXPECT_EQ(Read(folders.user_data + QStringLiteral("/note.txt")), "mine");
 }
 
-// What an earlier start leaves behind, each alone.
+// The files that an earlier start may leave, one at a time.
 class LostCatalogue : public ApplicationFolderTest,
                       public testing::WithParamInterface<const char*> {};
 

@@ -1,5 +1,5 @@
-// What the menus, the keys and the end of the program set in motion, in the real main window; the
-// world outside is faked.
+// The commands of the menus and keys and the end of the program, in the real main window with a
+// fake world outside.
 #include "app/commands.h"
 
 #include "browser/command_table.h"
@@ -120,7 +120,7 @@ TEST_F(CommandsTest, ClosingTheWindowEndsTheWatchOfAPlay) {
     int finds = 0;
     windows.windows = {{S(u"VPinball"), kPlaying}};
     windows.on_find = [&] {
-        // A watch that goes on after the close would never end.
+        // Without this limit, a watch that goes on after the close would never end.
         ASSERT_LT(++finds, 100);
         if (finds == 3) window->close();
         if (finds == 99) windows.windows.clear();
@@ -184,7 +184,7 @@ TEST_F(CommandsTest, GroupNodesTakeNoPicture) {
     QTest::keyClick(Tree(), Qt::Key_F2);
     Tree()->setCurrentIndex({});
     QTest::keyClick(Tree(), Qt::Key_F2);
-    EXPECT_TRUE(prompts.messages.empty());  // not even asked for a picture
+    EXPECT_TRUE(prompts.messages.empty());  // the clipboard is not even looked at
 }
 
 TEST_F(CommandsTest, ATableTakesAPictureWithOrWithoutAFileName) {

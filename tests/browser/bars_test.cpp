@@ -24,7 +24,7 @@ protected:
     T* Find(const char16_t* name) {
         return bar.findChild<T*>(S(name));
     }
-    // As a user does who picks an entry of the list.
+    // Selects an entry of the list as the user does.
     void Pick(const char16_t* text) {
         auto* combo = Find<QComboBox>(u"cboFilter");
         const int index = combo->findText(S(text));

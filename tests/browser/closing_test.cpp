@@ -1,4 +1,4 @@
-// The end of the main window: what refuses it, what it writes and what it leaves.
+// Closing the main window: what prevents it, what it stores, what it leaves behind.
 #include "browser/main_window_fixture.h"
 
 #include <QtWidgets/QMenuBar>
@@ -18,7 +18,7 @@ TEST_F(ClosingTest, ExitClosesTheWindowAndTheCatalogue) {
     EXPECT_EQ(Saved(u"WIDTH"), S(u"9570"));
     EXPECT_EQ(Saved(u"HEIGHT"), S(u"6885"));
     EXPECT_EQ(Saved(u"WINDOWSTATE"), S(u"0"));
-    // What is left of the height under the menu bar, in twips.
+    // The height without the menu bar, in twips.
     const int inner_height = window->height() - window->menuBar()->height();
     EXPECT_GT(inner_height, 0);
     EXPECT_LT(inner_height, window->height());

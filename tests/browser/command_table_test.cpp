@@ -71,7 +71,7 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuTI View Table  &Info");
 }
 
-// The command with this name as the main window has it in this state.
+// True if the rule of the command with this name allows it in this state.
 bool IsOffered(QStringView name, const MainWindowState& state) {
     for (const MenuLayout& menu : Menus())
         for (const MenuItem& item : menu.items)
@@ -104,7 +104,7 @@ TEST(CommandTableTest, NothingElseDependsOnTheWindow) {
     EXPECT_EQ(refused.join(u' ').toStdString(), "mnuDates mnuRest mnuSize");
 }
 
-// An action that stood in no line, or in two, would be set without effect or twice.
+// An action without a command would never run.
 TEST(CommandTableTest, EveryActionBelongsToOneCommand) {
     std::vector<CommandId> actions;
     for (const MenuLayout& menu : Menus()) {

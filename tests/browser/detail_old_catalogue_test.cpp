@@ -1,4 +1,4 @@
-// Details of a catalogue that another program made long ago. Needs widgets; runs offscreen.
+// Details of a catalogue that an older program created. Needs widgets; runs offscreen.
 #include "browser/detail_panel.h"
 #include "browser/fake_detail_host.h"
 #include "catalogue/pin_subs.h"

@@ -21,7 +21,7 @@ protected:
     bool AllAreDecided() {
         return !Box("imgShot")->waits() && !Box("imgFlyer")->waits() && !Box("imgRules")->waits();
     }
-    // Also waits until it is known of every picture whether it can be shown.
+    // Also waits until all pictures have been decoded or refused.
     QString ShowTable(const QString& name, const QString& assignments = {}) {
         QString file = DetailPanelFixture::ShowTable(name, assignments);
         EXPECT_TRUE(QTest::qWaitFor([this] { return AllAreDecided(); }, 20'000));

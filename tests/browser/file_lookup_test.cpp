@@ -18,8 +18,8 @@ QString S(const char16_t* text) {
     return QString::fromUtf16(text);
 }
 
-// A drive that does not answer until the test lets it. Outlives the thread that asks: the threads
-// are waited for at the end.
+// A drive that does not respond until the test releases it. Waits for the lookup's threads at the
+// end, because they use it.
 class HangingDrive {
 public:
     ~HangingDrive() {
@@ -88,7 +88,7 @@ TEST(FileLookupTest, ADriveThatHangsHoldsUpNeitherAQuestionNorTheEnd) {
         ASSERT_TRUE(test_support::WaitFor([&] { return drive.IsAsked(); }));
         lookup.Ask(2, S(u"b"));
     }
-    EXPECT_TRUE(drive.IsAsked());  // the lookup is gone, the question is not
+    EXPECT_TRUE(drive.IsAsked());  // the lookup has been destroyed, its test goes on
 }
 
 TEST(FileLookupTest, TheLatestQuestionIsPutFirst) {
@@ -138,7 +138,7 @@ TEST(FileLookupTest, AnAnswerThatWaitsToBeTakenIsForgottenToo) {
     QSignalSpy answers(&lookup, &FileLookup::Answered);
     lookup.Ask(1, S(u"a"));
     lookup.Ask(2, S(u"b"));
-    // The first question's answer is in the queue when the second one is asked.
+    // The first result is in the event queue when the second test is requested.
     ASSERT_TRUE(test_support::WaitFor([&] { return asked == 2; }));
     lookup.Forget();
     lookup.Ask(3, S(u"c"));

@@ -45,7 +45,7 @@ TEST(SplashTest, UnloadingTakesItAway) {
     splash.Show(QStringLiteral("one"));
     splash.Unload();
     EXPECT_FALSE(Splash());
-    splash.Unload();  // is nothing the second time
+    splash.Unload();  // does nothing the second time
     splash.Show(QStringLiteral("two"));
     EXPECT_TRUE(Splash());
 }

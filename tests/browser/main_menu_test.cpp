@@ -13,17 +13,17 @@ constexpr CommandId kPurge = &CommandActions::purge_missing_tables;
 constexpr CommandId kDefaultSize = &CommandActions::restore_default_size;
 constexpr CommandId kSound = &CommandActions::toggle_sound;
 
-// What the program says of itself while a test runs.
-class SaidMessages {
+// Collects the log messages during a test.
+class LogMessages {
 public:
-    SaidMessages() {
+    LogMessages() {
         texts_.clear();
         before_ = qInstallMessageHandler(
             [](QtMsgType, const QMessageLogContext&, const QString& text) { texts_.append(text); });
     }
-    ~SaidMessages() { qInstallMessageHandler(before_); }
-    SaidMessages(const SaidMessages&) = delete;
-    SaidMessages& operator=(const SaidMessages&) = delete;
+    ~LogMessages() { qInstallMessageHandler(before_); }
+    LogMessages(const LogMessages&) = delete;
+    LogMessages& operator=(const LogMessages&) = delete;
     const QStringList& texts() const { return texts_; }
 
 private:
@@ -82,13 +82,13 @@ TEST_F(MainMenuTest, OfManyActionsTheEmptyOnesChangeNothing) {
     EXPECT_FALSE(menu.IsEnabled(kDefaultSize));
 }
 
-TEST_F(MainMenuTest, ANameThatNoMenuHasIsSaidAndChangesNothing) {
+TEST_F(MainMenuTest, ANameThatNoMenuHasIsLoggedAndChangesNothing) {
     const QString wrong = QStringLiteral("mnuFiles");
-    const SaidMessages said;
+    const LogMessages log;
     menu.SetMenuEnabled(wrong, false);
     EXPECT_FALSE(menu.IsMenuEnabled(wrong));
     EXPECT_EQ(menu.Menu(wrong), nullptr);
-    EXPECT_EQ(said.texts(), QStringList(3, QStringLiteral("There is no menu \"mnuFiles\".")));
+    EXPECT_EQ(log.texts(), QStringList(3, QStringLiteral("There is no menu \"mnuFiles\".")));
     EXPECT_TRUE(menu.IsMenuEnabled(QStringLiteral("mnuFile")));
 }
 

@@ -29,7 +29,7 @@ protected:
     static QString IconKey(const QModelIndex& index) {
         return index.data(TableTreeModel::kIconKeyRole).toString();
     }
-    // Asks for the table's icon and waits until the file system has answered.
+    // The icon of the table after its file has been tested.
     QString SettledIconKey(const QModelIndex& table) {
         QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
         IconKey(table);

@@ -1,5 +1,4 @@
-// Answers a modal box from inside its own event loop: waits until a box of that object name is in
-// front, then acts on it.
+// BoxDriver: answers a modal box from inside its event loop.
 #pragma once
 
 #include <QtCore/QElapsedTimer>
@@ -11,9 +10,9 @@
 
 namespace test_support {
 
-// Runs `act` with the first modal window named `name`. Lives as long as the test's question to the
-// box. When no such window comes within 10 seconds, whatever is in front is closed so that the test
-// ends; seen() then is false.
+// Runs `act` with the first modal window that has the object name `name`; must exist until the
+// window has been closed. If there is no such window within 10 seconds, the active modal window is
+// closed so that the test ends, and seen() is false.
 class BoxDriver : public QObject {
 public:
     BoxDriver(QString name, std::function<void(QWidget&)> act)

@@ -25,7 +25,7 @@ protected:
         return file.fileName();
     }
 
-    // Refused with the message, and nothing changed.
+    // Expects that `path` is refused with a message and nothing is changed.
     void ExpectRefused(const QString& path) {
         settings.values[kKey] = QStringLiteral("before");
         values.VisualPinballExe = QStringLiteral("before");

@@ -33,7 +33,7 @@ void Press(QWidget& box, const char* button) {
     QTest::mouseClick(found, Qt::LeftButton);
 }
 
-// What the box of `message` answers when `act` is done to it.
+// The answer of the box of `message` after `act`.
 MessageAnswer AnswerWhen(const Message& message, const std::function<void(QWidget&)>& act) {
     BoxDriver driver(QStringLiteral("MessageBox"), act);
     QtUserPrompts prompts;
@@ -60,7 +60,7 @@ TEST(MessageBoxTest, EachButtonGivesItsAnswer) {
     EXPECT_EQ(AnswerOfButton(MessageButtons::kOk, "cmdOK"), MessageAnswer::kOk);
 }
 
-// The first button is the one that Return presses.
+// Return presses the first button.
 TEST(MessageBoxTest, ReturnMeansYesOrOk) {
     const auto answer_of_return = [](MessageButtons buttons, int key) {
         return AnswerWhen(
@@ -185,7 +185,7 @@ TEST_F(FileDialogTest, ANamedDialogHasItsName) {
 TEST_F(FileDialogTest, ANameWithAQuoteIsChosen) {
     Make(QStringLiteral("a \"quoted\" name.bmp"));
     request.file_name = folder.filePath(QStringLiteral("a \"quoted\" name.bmp"));
-    // A dialog that does not know the file opens a box about it.
+    // For a file that does not exist the dialog would open a box of its own.
     QTimer boxes;
     QObject::connect(&boxes, &QTimer::timeout, [] {
         if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
@@ -195,7 +195,7 @@ TEST_F(FileDialogTest, ANameWithAQuoteIsChosen) {
     const QString chosen = OpenWhile([](QFileDialog& dialog) {
         QTest::keyClick(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")),
                         Qt::Key_Return);
-        QTimer::singleShot(0, &dialog, &QWidget::close);  // when it is still there
+        QTimer::singleShot(0, &dialog, &QWidget::close);  // if it is still open
     });
     EXPECT_EQ(chosen, request.file_name);
 }
@@ -271,7 +271,7 @@ TEST(FolderDialogTest, AFolderWithAQuoteIsChosen) {
         ASSERT_NE(edit, nullptr);
         edit->setText(wanted);
         QTest::keyClick(edit, Qt::Key_Return);
-        QTimer::singleShot(0, &widget, &QWidget::close);  // when the dialog is still there
+        QTimer::singleShot(0, &widget, &QWidget::close);  // if the dialog is still open
     });
     EXPECT_EQ(prompts.ChooseFolder(QString()), wanted);
 }
@@ -298,7 +298,7 @@ TEST(QtUserEventsTest, PostedEventsAreDelivered) {
     EXPECT_TRUE(ran);
 }
 
-// Whoever asked complains; a box of the dialog's own before would be the second one.
+// The caller reports the missing file; the dialog must not show a box of its own.
 TEST_F(FileDialogTest, ANameThatNeedNotExistIsChosenWithoutAWord) {
     request.must_exist = false;
     const QString chosen =

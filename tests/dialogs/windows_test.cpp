@@ -145,7 +145,7 @@ TEST_F(AboutWindowTest, ALinkThatNobodyOpensIsTold) {
     EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kInformation);
 }
 
-// The program has no page of its own yet.
+// The program has no web page yet.
 TEST_F(AboutWindowTest, WithoutAWebSiteThereIsNoLink) {
     EXPECT_EQ(WebSiteAddress(), QString());
     frmAbout plain{prompts, shell, starter, WebSiteAddress()};

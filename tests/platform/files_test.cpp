@@ -189,7 +189,7 @@ TEST(ApplicationFolderTest, TheRootNeedsNoSecondSeparator) {
     EXPECT_EQ(platform::FileIn(QStringLiteral("/b"), QStringLiteral("a")), QStringLiteral("/b/a"));
 }
 
-// Letter case: catalogues of Windows meet a disk to which it matters.
+// Letter case: catalogues of Windows on a case-sensitive file system.
 
 TEST_F(FilesTest, ANameInOtherLetterCaseIsFound) {
     ASSERT_TRUE(QDir(folder_.path()).mkdir(QStringLiteral("Tables")));
@@ -234,7 +234,7 @@ TEST_F(FilesTest, AMissingNameStaysAsItIs) {
     }
 }
 
-// The names of a folder are remembered from one question to the next.
+// The names of a folder are cached.
 TEST_F(FilesTest, AFileThatComesOrGoesIsNoticedAtOnce) {
     for (int round = 0; round < 20; ++round) {
         const QString name = QStringLiteral("New%1.vpt").arg(round);
@@ -246,7 +246,7 @@ TEST_F(FilesTest, AFileThatComesOrGoesIsNoticedAtOnce) {
     }
 }
 
-// Names that are no UTF-8.
+// Names that are not UTF-8.
 
 class RawNameTest : public FilesTest {
 protected:

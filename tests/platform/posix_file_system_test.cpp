@@ -86,8 +86,7 @@ TEST_F(FileSystemTest, FoldersAndPipesAreNoFiles) {
 
 TEST_F(FileSystemTest, AFileThatMayNotBeWrittenIsPermissionDenied) {
     if (::geteuid() == 0) {
-        // The superuser may write every file, but not one that is read-only in itself: his own
-        // program running.
+        // The superuser may write to any file except a running program.
         EXPECT_EQ(files_->Open("/proc/self/exe", OpenMode::kReadWrite).status().code(),
                   StatusCode::kPermissionDenied);
         return;
@@ -100,7 +99,7 @@ TEST_F(FileSystemTest, AFileThatMayNotBeWrittenIsPermissionDenied) {
 
 TEST_F(FileSystemTest, FullDiskIsNoSpace) {
     if (::access("/dev/full", W_OK) != 0) GTEST_SKIP() << "no /dev/full here";
-    // /dev/full is no regular file, so a limit on file sizes stands for the full disk.
+    // /dev/full is not a regular file, so a limit on file sizes simulates the full disk.
     const auto file = Open("a", OpenMode::kCreate);
     EXPECT_EQ(file->WriteAt(std::uint64_t{1} << 62, Bytes("x")).code(), StatusCode::kNoSpace);
 }

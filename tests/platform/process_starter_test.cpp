@@ -25,7 +25,7 @@ protected:
     ProcessStarterTest() { std::filesystem::create_directory(Path("my programs")); }
     ~ProcessStarterTest() override { std::filesystem::current_path(before_); }
 
-    // A program whose file holds `text`.
+    // Writes a program with the content `text` and returns its path.
     std::string Program(const std::string& name, const std::string& text, bool runnable = true) {
         std::ofstream(Path(name)) << text;
         using std::filesystem::perms;
@@ -148,7 +148,7 @@ TEST_F(ProcessStarterTest, AToolIsStartedWithoutArguments) {
     EXPECT_EQ(Output(), "0\n");
 }
 
-// A script in the place of Wine's loader shows what it is asked to run.
+// A script instead of Wine's loader records what it is asked to run.
 class WineLoader : public ProcessStarterTest {
 protected:
     void SetUp() override { SetPath(Path("bin") + ":" + before_path_.toStdString()); }

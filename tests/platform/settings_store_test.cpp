@@ -50,8 +50,8 @@ TEST_F(SettingsStoreTest, AValueIsInTheFileAtOnce) {
 
 class SettingsText : public SettingsStoreTest, public testing::WithParamInterface<const char*> {};
 
-// A new store in the place of the next run of the program; the file is taken away and put back so
-// that it is read anew.
+// A new store stands for the next run of the program; the file is moved away and back so that it is
+// read again.
 TEST_P(SettingsText, SurvivesTheProgram) {
     const QString value = QString::fromUtf8(GetParam());
     Save(kApplication, kSection, QStringLiteral("SUB"), value);
@@ -82,7 +82,7 @@ TEST_F(SettingsStoreTest, ACommaTypedIntoTheFileIsPartOfTheValue) {
               QStringLiteral("/opt/a, b/vp"));
 }
 
-// A file where the folder should be: nobody can write there, not even root.
+// A file in place of the folder: not even root can write there.
 TEST_F(SettingsStoreTest, AFileThatCannotBeWrittenIsSaidByName) {
     const QString blocked = folder_.filePath(QStringLiteral("blocked"));
     QFile in_the_way(blocked);

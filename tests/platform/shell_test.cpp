@@ -14,7 +14,7 @@ namespace {
 
 using test_support::WaitFor;
 
-// Programs of this test are the only ones that can be found.
+// Only the programs of this test are in PATH.
 class ShellTest : public testing::Test, protected test_support::ScriptFolder {
 protected:
     void SetUp() override { qputenv("PATH", Folder().toUtf8()); }
@@ -80,7 +80,7 @@ TEST_F(ShellTest, NothingCannotBeOpened) {
 
 class FailingOpener : public ShellTest, public testing::WithParamInterface<int> {};
 
-// Its exit codes: syntax, no such file, no tool, the action failed.
+// Exit codes of xdg-open: syntax error, no such file, no tool, action failed.
 TEST_P(FailingOpener, IsAFailure) {
     Write("xdg-open", "exit " + std::to_string(GetParam()));
     const auto opened = shell_->Open(QStringLiteral("http://example.org"));
@@ -95,7 +95,7 @@ TEST_F(ShellTest, AnOpenerThatCrashesIsAFailure) {
     EXPECT_FALSE(shell_->Open(QStringLiteral("http://example.org")).ok());
 }
 
-// The desktop's own opener, on a desktop that has no program for anything.
+// The real xdg-open, on a desktop without any programs.
 TEST_F(ShellTest, TheRealOpenerWithoutAHandlerIsAFailure) {
     if (!std::filesystem::exists("/usr/bin/xdg-open"))
         GTEST_SKIP() << "xdg-open (xdg-utils) is not installed";
@@ -109,7 +109,7 @@ TEST_F(ShellTest, TheRealOpenerWithoutAHandlerIsAFailure) {
         EXPECT_FALSE(shell_->Open(QString::fromLatin1(target)).ok()) << target;
 }
 
-// It has become the viewer; what it says when the user closes it does not matter.
+// A process that runs on has become the viewer; its exit code does not matter.
 TEST_F(ShellTest, AnOpenerThatStaysIsNoFailureAndIsNotWaitedFor) {
     Write("xdg-open", "while [ ! -e '" + Path("close") + "' ]; do sleep 0.05; done\nexit 4");
     EXPECT_TRUE(shell_->Open(QStringLiteral("http://example.org")).ok());
@@ -128,8 +128,8 @@ TEST_F(ShellTest, WithoutADesktopNothingIsOpened) {
 
 class ShellHelpTest : public ShellTest {
 protected:
-    // xdg-mime answers with the entry of the desktop's viewer; each program writes all its
-    // arguments, one a line.
+    // xdg-mime prints the desktop entry of the viewer; each program writes its arguments, one per
+    // line.
     void InstallViewer(const std::string& desktop_entry, const std::string& program) {
         Write("xdg-mime", "echo " + desktop_entry);
         Write(program, "for a in \"$@\"; do echo \"$a\"; done > '" + Path("part") + "'\nmv '" +

@@ -1,4 +1,4 @@
-// A real sound server plays; what it was given is recorded from its monitor.
+// Plays through a real sound server and records from its monitor.
 #include "platform/sound_player.h"
 
 #include "support/sound_recording.h"
@@ -61,8 +61,8 @@ TEST(SoundPlayerTest, AFileThatIsNoSoundIsSilent) {
     EXPECT_EQ(Loudest(recording.TakeUntil(0.3)), 0);
 }
 
-// A player asks for the server when it plays first, so that this process meets another one here.
-// Each test is a process of its own under ctest.
+// A player connects to the server at its first sound, so this process can be given another server
+// here. ctest runs each test in a process of its own.
 TEST(SoundPlayerTest, WithoutASoundServerTheCallReturnsAtOnce) {
     qputenv("PULSE_SERVER", "unix:/no/such/socket");
     QElapsedTimer time;

@@ -15,7 +15,7 @@ const QString kOtherClass = QStringLiteral("VPinballViewer");
 
 class WindowControlTest : public testing::Test {
 protected:
-    // No window is left for the next test, which may be of this process.
+    // Leaves no window for the next test, which may run in this process.
     void TearDown() override {
         for (const QString& window_class : {kClass, kOtherClass})
             for (const QString& title : {Playing(), Ended()}) {
@@ -101,7 +101,7 @@ TEST_F(WindowControlTest, AnotherProgramWhoseNameOnlyBeginsAlikeIsNotFound) {
     EXPECT_FALSE(windows_->Find(kClass, Playing()));
 }
 
-// The watch looks as often as it can: a search must cost far less than a frame of 16 ms.
+// The launcher searches continuously, so a search must take much less than a frame of 16 ms.
 TEST_F(WindowControlTest, AThousandSearchesTakeUnderFiveSeconds) {
     StartSimulator();
     ASSERT_TRUE(Appears(Playing()));

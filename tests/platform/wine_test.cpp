@@ -1,4 +1,4 @@
-// A true Windows program, started through Wine on a real display, tells what it was given.
+// A real Windows program, started through Wine on a real display, logs its arguments.
 #include "platform/files.h"
 #include "platform/process_starter.h"
 #include "platform/window_control.h"
