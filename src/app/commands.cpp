@@ -91,7 +91,7 @@ void Commands::ViewTableInfo() {
 void Commands::LoadPicture() {
     if (!window_.TableIsSelected()) return;
     const auto assign = [this](const QString& path) {
-        window_.details().SetDetailText(browser::kImageFile, path);
+        window_.details().SetDetailText(catalogue::kImageFile, path);
         window_.details().Save();
     };
     pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(), assign,

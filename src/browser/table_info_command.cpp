@@ -10,8 +10,8 @@ namespace {
 class PanelAsTarget final : public tableinfo::DetailTarget {
 public:
     explicit PanelAsTarget(DetailPanel& panel) : panel_(panel) {}
-    void SetDetailText(int index, const QString& text) override {
-        panel_.SetDetailText(index, text);
+    void SetDetailText(DetailField field, const QString& text) override {
+        panel_.SetDetailText(field, text);
     }
     void Save() override { panel_.Save(); }
     void SaveRules() override { panel_.SaveRules(); }

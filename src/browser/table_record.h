@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "catalogue/detail_field.h"
 #include "jet/connection.h"
 
 #include <QtCore/QString>
@@ -12,23 +13,8 @@
 
 namespace browser {
 
-// Indexes of the control array txtDet.
-enum DetailField : int {
-    kId = 0,
-    kYear,
-    kDisplayName,
-    kFileName,
-    kAuthor,
-    kVersion,
-    kCompany,
-    kImageFile,
-    kFlyerFile,
-    kNotes,
-    kRulesFile,
-    kFileDate,
-    kRulesText,
-    kDetailFieldCount
-};
+using catalogue::DetailField;
+using enum catalogue::DetailField;
 
 // The values of a row. After a failure, those that were not read are empty, false or nullopt.
 struct TableRecord {

@@ -5,6 +5,8 @@
 namespace tableinfo {
 namespace {
 
+using catalogue::DetailField;
+
 // Boxes of the dialog.
 constexpr int kNameBox = 0;
 constexpr int kAuthorBox = 1;
@@ -12,25 +14,16 @@ constexpr int kVersionBox = 2;
 constexpr int kBlurbBox = 6;
 constexpr int kRulesBox = 8;
 
-// Fields of the main window's details.
-constexpr int kYearField = 1;
-constexpr int kNameField = 2;
-constexpr int kAuthorField = 4;
-constexpr int kVersionField = 5;
-constexpr int kCompanyField = 6;
-constexpr int kNotesField = 9;
-constexpr int kRulesTextField = 12;
-
 struct Copy {
     int box;
-    int field;
+    DetailField field;
 };
 
 constexpr Copy kCopies[] = {
-    {kNameBox, kNameField},
-    {kAuthorBox, kAuthorField},
-    {kVersionBox, kVersionField},
-    {kBlurbBox, kNotesField},
+    {kNameBox, catalogue::kDisplayName},
+    {kAuthorBox, catalogue::kAuthor},
+    {kVersionBox, catalogue::kVersion},
+    {kBlurbBox, catalogue::kNotes},
 };
 
 const QString& TextOf(const InfoTexts& texts, int box) {
@@ -41,7 +34,7 @@ bool IsBlank(const QString& text) {
     return base::TrimSpaces(text.toStdU16String()).empty();  // line ends and tabs are text
 }
 
-void CopyStream(const StreamReader& read_stream, const QString& stream_name, int field,
+void CopyStream(const StreamReader& read_stream, const QString& stream_name, DetailField field,
                 DetailTarget& target) {
     const QString text = read_stream(stream_name);
     if (!text.isEmpty()) target.SetDetailText(field, text);
@@ -76,12 +69,12 @@ void CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream,
     for (const auto& [box, field] : kCopies)
         if (const QString& text = TextOf(texts, box); !IsBlank(text))
             target.SetDetailText(field, text);
-    CopyStream(read_stream, QStringLiteral("CompanyName"), kCompanyField, target);
-    CopyStream(read_stream, QStringLiteral("CompanyYear"), kYearField, target);
+    CopyStream(read_stream, QStringLiteral("CompanyName"), catalogue::kCompany, target);
+    CopyStream(read_stream, QStringLiteral("CompanyYear"), catalogue::kYear, target);
     target.Save();
     const QString& rules = TextOf(texts, kRulesBox);
     if (IsBlank(rules)) return;
-    target.SetDetailText(kRulesTextField, rules);
+    target.SetDetailText(catalogue::kRulesText, rules);
     target.SaveRules();
 }
 

@@ -2,6 +2,8 @@
 // addresses it opens, and the copying into the main window's details.
 #pragma once
 
+#include "catalogue/detail_field.h"
+
 #include <QtCore/QString>
 
 #include <array>
@@ -34,8 +36,8 @@ QString SiteAddress(const QString& address);
 class DetailTarget {
 public:
     virtual ~DetailTarget() = default;
-    // `index`: of the field, 0..12. Counts as an edit of the user.
-    virtual void SetDetailText(int index, const QString& text) = 0;
+    // Counts as an edit of the user.
+    virtual void SetDetailText(catalogue::DetailField field, const QString& text) = 0;
     // The two Save commands; what goes wrong is shown by them.
     virtual void Save() = 0;
     virtual void SaveRules() = 0;

@@ -12,7 +12,7 @@ class RecordedDetails final : public DetailTarget {
 public:
     QStringList steps;  // "2=Attack", "Save", "SaveRules"
 
-    void SetDetailText(int index, const QString& text) override {
+    void SetDetailText(catalogue::DetailField index, const QString& text) override {
         steps << QString::number(index) + QLatin1Char('=') + text;
     }
     void Save() override { steps << QStringLiteral("Save"); }
