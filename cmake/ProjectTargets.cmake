@@ -17,7 +17,12 @@ function(room_headers target)
             file(CREATE_LINK ${entry} ${tree}/${room}/${name} SYMBOLIC)
         endif()
     endforeach()
-    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${tree}>)
+    get_target_property(type ${target} TYPE)
+    set(scope PUBLIC)
+    if(type STREQUAL "INTERFACE_LIBRARY")
+        set(scope INTERFACE)
+    endif()
+    target_include_directories(${target} ${scope} $<BUILD_INTERFACE:${tree}>)
 endfunction()
 
 # add_std_library(name sources... [HEADERS header...]): a library that knows the standard library only.
