@@ -3,7 +3,7 @@
 //   crc_refresh_bench [--files N] [--smallest-mb A] [--largest-mb B]       100 files of 1 to 30 MB
 // The whole aim is measured with --files 1000.
 #include "bench_catalogue.h"
-#include "maintenance/crc_refresh.h"
+#include "checksum/crc_refresh.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QMap>
@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
                   bench::NumberOption(argc, argv, "--largest-mb", 30));
     NoEvents events;
     const auto refresh = [&] {
-        bench::Require(maintenance::RefreshCrcs(catalogue.get(), events, [](const QString&) {}));
+        bench::Require(checksum::RefreshCrcs(catalogue.get(), events, [](const QString&) {}));
     };
     refresh();  // brings the files into the page cache
     const QMap<QString, QString> sums = RunRhash(catalogue, files);

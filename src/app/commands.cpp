@@ -1,6 +1,7 @@
 #include "app/commands.h"
 
 #include "browser/table_info_command.h"
+#include "checksum/frmCRC.h"
 #include "dialogs/about_text.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmSettings.h"
@@ -8,7 +9,6 @@
 #include "discovery/frmsearch.h"
 #include "maintenance/backup.h"
 #include "maintenance/file_dates.h"
-#include "maintenance/frmCRC.h"
 #include "maintenance/frmImport.h"
 #include "maintenance/frmUtility.h"
 #include "maintenance/play_counts.h"
@@ -63,8 +63,7 @@ browser::CommandActions Commands::Actions() {
 }
 
 void Commands::UpdateCrcs() {
-    window_.TellInPassing(
-        maintenance::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
+    window_.TellInPassing(checksum::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
 }
 
 void Commands::ImportFromTableFiles() {

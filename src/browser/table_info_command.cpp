@@ -45,7 +45,7 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
 
 void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
                         platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
-                        const tableinfo::RowProgress& progress) {
+                        const catalogue::Progress& progress) {
     catalogue::ShowError(
         prompts, tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status, progress));
     refresh_tree();

@@ -26,6 +26,6 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
 // database is shown in a box.
 void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
                         platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
-                        const tableinfo::RowProgress& progress = {});
+                        const catalogue::Progress& progress = {});
 
 }  // namespace browser

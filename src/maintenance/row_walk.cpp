@@ -1,7 +1,7 @@
 #include "maintenance/row_walk.h"
 
+#include "catalogue/progress_meter.h"
 #include "jet/recordset.h"
-#include "maintenance/progress_meter.h"
 
 #include <QtCore/QElapsedTimer>
 
@@ -32,7 +32,7 @@ base::Status WalkRows(CommandContext& context, const QString& sql,
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), *context.catalogue.CatalogueConnection,
                               jet::CursorType::kDynamic, jet::LockType::kOptimistic));
-    ProgressMeter meter(context.progress, rows.RecordCount());
+    catalogue::ProgressMeter meter(context.progress, rows.RecordCount());
     Rounds rounds(context.events);
     while (!rows.Eof()) {
         RETURN_IF_ERROR(visit(rows));

@@ -69,43 +69,19 @@ base::Status UpdateRow(jet::Recordset& rows) {
     return catalogue::IsValueTrouble(stored) ? StoreWhatFits(rows, fields) : stored;
 }
 
-// Tells how far a run is, and when it is over, however it ends.
-class ProgressMeter {
-public:
-    ProgressMeter(const RowProgress& progress, std::int64_t total)
-        : progress_(progress), total_(total) {}
-    ~ProgressMeter() { Tell(total_); }
-    ProgressMeter(const ProgressMeter&) = delete;
-    ProgressMeter& operator=(const ProgressMeter&) = delete;
-
-    // The last row is told by the end.
-    void RowDone() {
-        if (++done_ < total_) Tell(done_);
-    }
-
-private:
-    void Tell(std::int64_t done) const {
-        if (progress_) progress_(done, total_);
-    }
-
-    const RowProgress& progress_;
-    std::int64_t total_;
-    std::int64_t done_ = 0;
-};
-
 base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* status,
-                        const RowProgress& progress) {
+                        const catalogue::Progress& progress) {
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"Select *  from Tables", connection, jet::CursorType::kDynamic,
                               jet::LockType::kOptimistic));
     if (rows.Bof() && rows.Eof()) return base::Status::Ok();
     RETURN_IF_ERROR(rows.MoveFirst());
     if (status) status->Show(QStringLiteral("Updating from VPTs..."));
-    ProgressMeter meter(progress, rows.RecordCount());
+    catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         RETURN_IF_ERROR(UpdateRow(rows));
         RETURN_IF_ERROR(rows.MoveNext());
-        meter.RowDone();
+        meter.Step();
     }
     return base::Status::Ok();
 }
@@ -113,10 +89,11 @@ base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* st
 }  // namespace
 
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
-                                  platform::StatusDisplay* status, const RowProgress& progress) {
+                                  platform::StatusDisplay* status,
+                                  const catalogue::Progress& progress) {
     const bool shows = show_progress == 1;
     base::Status done = UpdateRows(*catalogue.CatalogueConnection, shows ? status : nullptr,
-                                   shows ? progress : RowProgress());
+                                   shows ? progress : catalogue::Progress());
     if (status) status->Unload();
     return done;
 }

@@ -3,25 +3,20 @@
 
 #include "base/status.h"
 #include "catalogue/pin_subs.h"
+#include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 
-#include <cstdint>
-#include <functional>
-
 namespace tableinfo {
-
-// Rows done, and rows there are. The last call has both equal.
-using RowProgress = std::function<void(std::int64_t done, std::int64_t total)>;
 
 // Walks the whole catalogue. Each row whose file has information gets the texts that are not empty,
 // with every apostrophe doubled and without spaces at both ends; all other rows and columns stay as
 // they are. Each file is opened once. `show_progress` 1: `status` shows "Updating from VPTs..."
-// during the run and `progress` is told after every row. `status` may be null, `progress` empty. A
+// during the run and `progress` is called. `status` may be null, `progress` empty. A
 // text that its column cannot hold is left out. Any other failure of the database ends the run with
 // its Status; the rows done so far are kept. The caller runs its selection again afterwards, which
 // shows the new names.
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
                                   platform::StatusDisplay* status,
-                                  const RowProgress& progress = {});
+                                  const catalogue::Progress& progress = {});
 
 }  // namespace tableinfo

@@ -4,7 +4,7 @@
 
 #include "base/status.h"
 #include "catalogue/pin_subs.h"
-#include "maintenance/command_context.h"
+#include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"
 
@@ -12,7 +12,7 @@
 
 #include <functional>
 
-namespace maintenance {
+namespace checksum {
 
 // Asks whether to go on. True: the user said OK.
 bool ConfirmCrcRefresh(platform::UserPrompts& prompts);
@@ -23,6 +23,6 @@ bool ConfirmCrcRefresh(platform::UserPrompts& prompts);
 // Status; the rows done so far are kept.
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                          const std::function<void(const QString& line)>& show,
-                         const Progress& progress = {});
+                         const catalogue::Progress& progress = {});
 
-}  // namespace maintenance
+}  // namespace checksum

@@ -1,7 +1,7 @@
-#include "maintenance/frmCRC.h"
+#include "checksum/frmCRC.h"
 
 #include "base/scope_guards.h"
-#include "maintenance/crc_refresh.h"
+#include "checksum/crc_refresh.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
@@ -12,9 +12,9 @@
 
 #include <utility>
 
-namespace maintenance {
+namespace checksum {
 
-frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent, Progress progress)
+frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent, catalogue::Progress progress)
     : QDialog(parent), catalogue_(catalogue), progress_(std::move(progress)) {
     setObjectName(QStringLiteral("frmCRC"));
     setWindowTitle(QStringLiteral("CRC Utility - Update all CRC Values in database"));
@@ -80,11 +80,11 @@ void frmCRC::ProcessEvents() {
 }
 
 base::Status UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                        QWidget* owner, Progress progress) {
+                        QWidget* owner, catalogue::Progress progress) {
     if (!ConfirmCrcRefresh(prompts)) return {};
     frmCRC window(catalogue, owner, std::move(progress));
     window.exec();
     return window.outcome();
 }
 
-}  // namespace maintenance
+}  // namespace checksum

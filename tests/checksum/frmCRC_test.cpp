@@ -1,4 +1,4 @@
-#include "maintenance/frmCRC.h"
+#include "checksum/frmCRC.h"
 
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
@@ -11,7 +11,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
 
-namespace maintenance {
+namespace checksum {
 namespace {
 
 class FrmCrcTest : public test_support::CatalogueFixture {
@@ -124,4 +124,4 @@ TEST_F(FrmCrcTest, AFailureIsKeptForTheStatusBar) {
 }
 
 }  // namespace
-}  // namespace maintenance
+}  // namespace checksum

@@ -1,25 +1,25 @@
-#include "maintenance/crc_refresh.h"
+#include "checksum/crc_refresh.h"
 
+#include "catalogue/progress_meter.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
 #include "jet/recordset.h"
-#include "maintenance/progress_meter.h"
 #include "platform/files.h"
 
 #include <optional>
 
-namespace maintenance {
+namespace checksum {
 namespace {
 
 // nullopt: the file is missing or cannot be read.
-std::optional<std::u16string> ChecksumTextOf(checksum::clsCRC& crc, const QString& path) {
+std::optional<std::u16string> ChecksumTextOf(clsCRC& crc, const QString& path) {
     if (!platform::FileExists(path)) return std::nullopt;
     const auto value = crc.CalculateFile(platform::ToPath(path));
     if (!value.ok()) return std::nullopt;
-    return checksum::ChecksumText(*value);
+    return ChecksumText(*value);
 }
 
-base::Status RefreshRow(jet::Recordset& rows, checksum::clsCRC& crc,
+base::Status RefreshRow(jet::Recordset& rows, clsCRC& crc,
                         const std::function<void(const QString&)>& show) {
     ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
     const auto text = ChecksumTextOf(crc, path);
@@ -53,13 +53,13 @@ bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
 
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                          const std::function<void(const QString& line)>& show,
-                         const Progress& progress) {
+                         const catalogue::Progress& progress) {
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
                               *catalogue.CatalogueConnection, jet::CursorType::kKeyset,
                               jet::LockType::kOptimistic, jet::CursorLocation::kServer));
-    checksum::clsCRC crc;
-    ProgressMeter meter(progress, rows.RecordCount());
+    clsCRC crc;
+    catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         events.ProcessEvents();
         RETURN_IF_ERROR(RefreshRow(rows, crc, show));
@@ -69,4 +69,4 @@ base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& 
     return base::Status::Ok();
 }
 
-}  // namespace maintenance
+}  // namespace checksum

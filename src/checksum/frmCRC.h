@@ -3,7 +3,7 @@
 #pragma once
 
 #include "catalogue/pin_subs.h"
-#include "maintenance/command_context.h"
+#include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"
 
@@ -12,7 +12,7 @@
 class QLabel;
 class QPushButton;
 
-namespace maintenance {
+namespace checksum {
 
 class frmCRC : public QDialog, private platform::UserEvents {
     Q_OBJECT
@@ -20,7 +20,7 @@ class frmCRC : public QDialog, private platform::UserEvents {
 public:
     // `catalogue` is borrowed and outlives the window. Shown modally by exec().
     explicit frmCRC(catalogue::Catalogue& catalogue, QWidget* parent = nullptr,
-                    Progress progress = {});
+                    catalogue::Progress progress = {});
 
     // Why the refresh ended early; ok when it did not.
     const base::Status& outcome() const { return outcome_; }
@@ -40,7 +40,7 @@ private:
     void ProcessEvents() override;
 
     catalogue::Catalogue& catalogue_;
-    Progress progress_;
+    catalogue::Progress progress_;
     base::Status outcome_;
     QLabel* Label1_ = nullptr;
     QPushButton* Command1_ = nullptr;
@@ -50,6 +50,6 @@ private:
 // The whole command: asks, and on OK shows the window until the refresh is over. `owner`: the main
 // window. A failure ends the refresh without a message box; it is returned.
 base::Status UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                        QWidget* owner, Progress progress = {});
+                        QWidget* owner, catalogue::Progress progress = {});
 
-}  // namespace maintenance
+}  // namespace checksum

@@ -1,4 +1,4 @@
-#include "maintenance/crc_refresh.h"
+#include "checksum/crc_refresh.h"
 
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
@@ -9,7 +9,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 
-namespace maintenance {
+namespace checksum {
 namespace {
 
 class CrcRefreshTest : public test_support::CatalogueFixture {
@@ -189,4 +189,4 @@ TEST_F(CrcRefreshTest, ProgressGoesUpToTheTotal) {
 }
 
 }  // namespace
-}  // namespace maintenance
+}  // namespace checksum
