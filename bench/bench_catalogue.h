@@ -2,9 +2,16 @@
 // benchmarks of commands.
 #pragma once
 
+#include "base/status.h"
+#include "catalogue/catalogue.h"
+#include "catalogue/date_texts.h"
 #include "catalogue/new_catalogue.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/process_values.h"
+#include "catalogue/start_up.h"
+#include "jet/connection.h"
+#include "platform/clock.h"
 #include "platform/file_system.h"
+#include "platform/settings_store.h"
 
 #include <QtCore/QTemporaryDir>
 

@@ -3,7 +3,9 @@
 //   crc_refresh_bench [--files N] [--smallest-mb A] [--largest-mb B]       100 files of 1 to 30 MB
 // The whole aim is measured with --files 1000.
 #include "bench_catalogue.h"
+#include "catalogue/field_text.h"
 #include "checksum/crc_refresh.h"
+#include "jet/connection.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QMap>

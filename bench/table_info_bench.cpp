@@ -9,11 +9,17 @@
 // Then the bulk update itself, on a catalogue of 10,000 rows over the same files: all of it,
 // database included, against what its reading takes (once) and what the libgsf loop alone would
 // take.
+#include "base/status.h"
 #include "base/unicode.h"
+#include "catalogue/catalogue.h"
 #include "catalogue/new_catalogue.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/process_values.h"
+#include "catalogue/quoting.h"
+#include "catalogue/start_up.h"
+#include "jet/connection.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
+#include "platform/settings_store.h"
 #include "support/vpt_builder.h"
 #include "tableinfo/storage_tools.h"
 #include "tableinfo/update_from_table_files.h"

@@ -5,7 +5,12 @@
 //   of 3 rounds
 // Needs a display with a window manager. Aims: sooner than mdb-export; under 250 MB.
 #include "bench_catalogue.h"
+#include "catalogue/catalogue.h"
+#include "catalogue/process_values.h"
+#include "catalogue/start_up.h"
+#include "jet/connection.h"
 #include "platform/application_folder.h"
+#include "platform/clock.h"
 #include "platform/window_control.h"
 
 #include <QtCore/QCoreApplication>

@@ -4,6 +4,8 @@
 
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
+#include "catalogue/catalogue.h"
+#include "catalogue/process_values.h"
 #include "dialogs/help_key.h"
 #include "dialogs/qt_user_events.h"
 #include "launcher/play_table.h"

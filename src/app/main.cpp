@@ -5,11 +5,17 @@
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
+#include "catalogue/catalogue.h"
 #include "catalogue/error_report.h"
+#include "catalogue/process_values.h"
+#include "catalogue/start_up.h"
 #include "dialogs/program_version.h"
 #include "dialogs/qt_user_prompts.h"
+#include "jet/connection.h"
 #include "platform/application_folder.h"
+#include "platform/clock.h"
 #include "platform/file_system.h"
+#include "platform/settings_store.h"
 
 #include <QtGui/QIcon>
 #include <QtWidgets/QApplication>

@@ -1,8 +1,9 @@
 // tavolo-new-catalogue FILE: creates the empty catalogue that is delivered with the program. Run by
 // the build.
 #include "app/print_failure.h"
+#include "base/status.h"
+#include "catalogue/date_texts.h"
 #include "catalogue/new_catalogue.h"
-#include "catalogue/pin_subs.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
 

@@ -5,6 +5,8 @@
 #include "browser/notes_summary.h"
 #include "browser/rules_file.h"
 #include "catalogue/error_report.h"
+#include "catalogue/path_names.h"
+#include "catalogue/process_values.h"
 #include "platform/files.h"
 #include "tableinfo/storage_tools.h"
 

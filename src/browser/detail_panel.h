@@ -6,7 +6,7 @@
 #include "browser/detail_controls.h"
 #include "browser/status_panels.h"
 #include "browser/table_record.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "platform/user_prompts.h"
 #include "widgets/picture_sequence.h"
 

@@ -1,7 +1,7 @@
 #include "browser/favourites.h"
 
 #include "browser/table_tree_model.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/quoting.h"
 
 namespace browser {
 namespace {

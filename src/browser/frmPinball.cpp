@@ -6,8 +6,10 @@
 #include "browser/status_panels.h"
 #include "browser/wait_until_shown.h"
 #include "catalogue/error_report.h"
+#include "catalogue/process_values.h"
 #include "catalogue/selection.h"
 #include "dialogs/program_version.h"
+#include "jet/connection.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
 

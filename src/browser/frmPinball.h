@@ -7,6 +7,7 @@
 #include "browser/main_menu.h"
 #include "browser/main_window_settings.h"
 #include "browser/tree_controller.h"
+#include "catalogue/catalogue.h"
 #include "launcher/play_button.h"
 
 #include <QtWidgets/QMainWindow>

@@ -1,6 +1,7 @@
 #include "browser/main_window_settings.h"
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/setting_names.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,7 @@
 #include "browser/notes_summary.h"
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/field_text.h"
+#include "catalogue/quoting.h"
 
 namespace browser {
 namespace {

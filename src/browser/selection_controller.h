@@ -2,12 +2,14 @@
 // selection, and marks the tree as out of date when the bars change.
 #pragma once
 
+#include "base/status.h"
 #include "browser/filter_bar.h"
 #include "browser/order_bar.h"
 #include "browser/status_panels.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
+#include "jet/recordset.h"
 
 #include <functional>
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "browser/detail_panel.h"
+#include "catalogue/catalogue.h"
 #include "platform/shell.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"

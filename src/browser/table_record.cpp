@@ -1,6 +1,7 @@
 #include "browser/table_record.h"
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/field_text.h"
+#include "catalogue/quoting.h"
 #include "platform/files.h"
 
 #include <span>

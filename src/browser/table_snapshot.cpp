@@ -1,6 +1,7 @@
 #include "browser/table_snapshot.h"
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/field_text.h"
+#include "platform/text_view.h"
 
 #include <algorithm>
 #include <bit>
@@ -64,8 +65,7 @@ QString DetailLabel(int detail) {
 }
 
 QString TableSnapshot::Text(TextStore::Reference reference) const {
-    const std::u16string_view text = texts_.Get(reference);
-    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+    return platform::ToQString(texts_.Get(reference));
 }
 
 TextStore::Reference TableSnapshot::KeepText(const jet::Value& value) {

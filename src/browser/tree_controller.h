@@ -5,6 +5,7 @@
 #include "browser/filter_bar.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
+#include "catalogue/catalogue.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
 #include "browser/tree_query.h"
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/quoting.h"
 #include "catalogue/selection.h"
 
 namespace browser {

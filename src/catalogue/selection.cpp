@@ -1,6 +1,7 @@
 #include "catalogue/selection.h"
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/field_text.h"
+#include "catalogue/typed_values.h"
 
 #include <algorithm>
 #include <array>

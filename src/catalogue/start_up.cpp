@@ -1,8 +1,15 @@
-// Main: opens the catalogue and brings it up to date.
+#include "catalogue/start_up.h"
+
 #include "catalogue/data_source.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/date_texts.h"
+#include "catalogue/process_values.h"
+#include "catalogue/quoting.h"
+#include "catalogue/setting_names.h"
+#include "jet/connection.h"
 #include "platform/application_folder.h"
+#include "platform/clock.h"
 #include "platform/files.h"
+#include "platform/settings_store.h"
 
 namespace catalogue {
 namespace {

@@ -1,5 +1,6 @@
 #include "checksum/crc_refresh.h"
 
+#include "catalogue/field_text.h"
 #include "catalogue/progress_meter.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"

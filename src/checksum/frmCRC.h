@@ -2,7 +2,8 @@
 // cannot be closed during the run, and closes itself afterwards.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/catalogue.h"
 #include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"

@@ -1,7 +1,10 @@
 #include "dialogs/executable_setting.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/process_values.h"
+#include "catalogue/setting_names.h"
 #include "platform/files.h"
+#include "platform/settings_store.h"
 
 namespace dialogs {
 namespace {

@@ -1,7 +1,7 @@
 // The setting VPEXE, the path of the simulator's executable: reading, choosing and storing it.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "platform/user_prompts.h"
 
 #include <QtCore/QString>

@@ -1,7 +1,7 @@
 // frmSettings: chooses the simulator's executable.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "platform/user_prompts.h"
 
 #include <QtWidgets/QDialog>

@@ -1,22 +1,19 @@
 #include "discovery/folder_scan.h"
 
 #include "base/trim_spaces.h"
+#include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
+#include "catalogue/path_names.h"
+#include "catalogue/quoting.h"
 #include "checksum/checksum_text.h"
+#include "jet/connection.h"
 #include "jet/recordset.h"
+#include "platform/clock.h"
+#include "platform/text_view.h"
 
 #include <utility>
 
 namespace discovery {
-namespace {
-
-QString TrimSpaces(const QString& text) {
-    const QStringView view(text);
-    const auto trimmed = base::TrimSpaces({view.utf16(), static_cast<std::size_t>(view.size())});
-    return QString::fromUtf16(trimmed.data(), static_cast<qsizetype>(trimmed.size()));
-}
-
-}  // namespace
 
 FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                        ScanObserver& observer)
@@ -157,7 +154,8 @@ bool IsTableFileName(const QString& path) {
 }
 
 QString ListedFolder(const QString& folder) {
-    return catalogue::WithTrailingSeparator(TrimSpaces(folder));
+    return catalogue::WithTrailingSeparator(
+        platform::ToQString(base::TrimSpaces(platform::View(folder))));
 }
 
 }  // namespace discovery

@@ -11,7 +11,7 @@
 #pragma once
 
 #include "base/status.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "checksum/clsCRC.h"
 #include "platform/files.h"
 #include "platform/user_events.h"

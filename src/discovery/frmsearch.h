@@ -1,7 +1,8 @@
 // frmsearch: the dialog that finds new table files. One scan for each opening of the dialog.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/catalogue.h"
 #include "discovery/folder_scan.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"

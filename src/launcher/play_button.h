@@ -3,7 +3,7 @@
 // time the pointer comes over the button.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/process_values.h"
 
 #include <QtWidgets/QPushButton>
 

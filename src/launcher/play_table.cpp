@@ -1,6 +1,8 @@
 #include "launcher/play_table.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/path_names.h"
+#include "catalogue/process_values.h"
 #include "launcher/update_play_count.h"
 #include "platform/application_folder.h"
 #include "platform/command_line.h"

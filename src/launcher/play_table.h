@@ -7,7 +7,8 @@
 // the user-interface thread.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/catalogue.h"
 #include "platform/process_starter.h"
 #include "platform/sound_player.h"
 #include "platform/user_events.h"

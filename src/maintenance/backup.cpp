@@ -1,6 +1,9 @@
 #include "maintenance/backup.h"
 
 #include "base/file_names.h"
+#include "catalogue/catalogue.h"
+#include "catalogue/process_values.h"
+#include "jet/connection.h"
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
 #include "platform/files.h"

@@ -1,6 +1,7 @@
 // Backup: a copy of the catalogue beside it, one generation.
 #pragma once
 
+#include "base/status.h"
 #include "jet/pages/file_system.h"
 #include "maintenance/command_context.h"
 

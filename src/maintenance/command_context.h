@@ -1,7 +1,7 @@
 // What a maintenance command works on and whom it tells.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"

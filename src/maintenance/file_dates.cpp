@@ -1,6 +1,9 @@
 #include "maintenance/file_dates.h"
 
+#include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
+#include "catalogue/field_text.h"
+#include "jet/connection.h"
 #include "maintenance/row_walk.h"
 #include "platform/files.h"
 

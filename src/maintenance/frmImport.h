@@ -2,7 +2,8 @@
 // one runs.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/catalogue.h"
 #include "maintenance/launcher_import.h"
 #include "platform/user_events.h"
 #include "platform/user_prompts.h"

@@ -1,7 +1,7 @@
 // frmUtility: asks which path column to change, and from which folder to which.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "platform/user_prompts.h"
 
 #include <QtWidgets/QDialog>

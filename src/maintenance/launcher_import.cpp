@@ -1,6 +1,10 @@
 #include "maintenance/launcher_import.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/field_text.h"
+#include "catalogue/path_names.h"
+#include "catalogue/process_values.h"
+#include "catalogue/typed_values.h"
 #include "maintenance/launcher_statements.h"
 #include "maintenance/match_index.h"
 #include "maintenance/text_lines.h"

@@ -3,7 +3,9 @@
 // by display name.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/catalogue.h"
+#include "jet/connection.h"
 #include "jet/pages/file_system.h"
 #include "maintenance/launcher_record.h"
 #include "platform/user_events.h"

@@ -1,6 +1,6 @@
 #include "maintenance/launcher_statements.h"
 
-#include "catalogue/pin_subs.h"
+#include "catalogue/quoting.h"
 
 namespace maintenance {
 

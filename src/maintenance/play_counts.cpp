@@ -1,6 +1,7 @@
 #include "maintenance/play_counts.h"
 
 #include "catalogue/error_report.h"
+#include "jet/connection.h"
 
 namespace maintenance {
 namespace {

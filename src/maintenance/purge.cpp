@@ -1,6 +1,7 @@
 #include "maintenance/purge.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/field_text.h"
 #include "maintenance/row_walk.h"
 #include "platform/files.h"
 

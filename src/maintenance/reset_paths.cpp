@@ -1,5 +1,7 @@
 #include "maintenance/reset_paths.h"
 
+#include "catalogue/field_text.h"
+#include "catalogue/path_names.h"
 #include "jet/recordset.h"
 
 #include <array>

@@ -1,7 +1,8 @@
 // ResetPaths: the catalogue follows files that were moved to another folder.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/catalogue.h"
 #include "platform/user_prompts.h"
 
 #include <QtCore/QString>

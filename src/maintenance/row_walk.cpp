@@ -1,7 +1,6 @@
 #include "maintenance/row_walk.h"
 
 #include "catalogue/progress_meter.h"
-#include "jet/recordset.h"
 
 #include <QtCore/QElapsedTimer>
 

@@ -1,6 +1,8 @@
 // A walk over every row of the catalogue that may change or delete the row it stands on.
 #pragma once
 
+#include "base/status.h"
+#include "jet/recordset.h"
 #include "maintenance/command_context.h"
 
 #include <QtCore/QString>

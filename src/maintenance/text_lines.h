@@ -3,6 +3,7 @@
 // empty: they are no text.
 #pragma once
 
+#include "base/status.h"
 #include "jet/pages/file_system.h"
 
 #include <QtCore/QString>

@@ -1,6 +1,7 @@
 #include "pictures/capture_session.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/path_names.h"
 #include "pictures/jpeg_bridge.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"

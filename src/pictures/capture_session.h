@@ -3,7 +3,8 @@
 // a reduction happens while decoding, and saving writes the reduced picture.
 #pragma once
 
-#include "catalogue/pin_subs.h"
+#include "base/status.h"
+#include "catalogue/process_values.h"
 #include "pictures/dib_section.h"
 #include "platform/user_prompts.h"
 

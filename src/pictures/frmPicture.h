@@ -2,6 +2,7 @@
 // or reduced, and saves it as JPEG, on request as the screenshot of the table it was opened for.
 #pragma once
 
+#include "catalogue/process_values.h"
 #include "pictures/capture_session.h"
 
 #include <QtWidgets/QDialog>

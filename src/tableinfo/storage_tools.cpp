@@ -3,6 +3,7 @@
 #include "catalogue/table_info_names.h"
 #include "cfb/compound_file.h"
 #include "platform/files.h"
+#include "platform/text_view.h"
 #include "tableinfo/table_text.h"
 
 #include <algorithm>
@@ -13,10 +14,6 @@ namespace tableinfo {
 namespace {
 
 constexpr std::u16string_view kStorageName = u"TableInfo";
-
-std::u16string_view View(const QString& text) {
-    return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())};
-}
 
 }  // namespace
 
@@ -60,13 +57,13 @@ bool TableInfoFile::HasTableInfo() {
 }
 
 QString TableInfoFile::ReadStream(const QString& stream_name) {
-    return DecodeTableText(impl_->Read(View(stream_name)));
+    return DecodeTableText(impl_->Read(platform::View(stream_name)));
 }
 
 int TableInfoFile::ListCustomStreams(QStringList& names) {
     const auto elements = impl_->InfoElements();
     for (const cfb::Element& element : elements) {
-        const QString name = QString::fromStdU16String(element.name);
+        const QString name = platform::ToQString(element.name);
         if (element.type == cfb::ElementType::kStream && !IsStandardInfoStream(name))
             names.append(name);
     }

@@ -2,6 +2,8 @@
 
 #include "base/trim_spaces.h"
 #include "catalogue/error_report.h"
+#include "catalogue/field_text.h"
+#include "catalogue/quoting.h"
 #include "jet/recordset.h"
 #include "tableinfo/storage_tools.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "base/status.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
 #include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 

@@ -1,7 +1,11 @@
 // Details of a catalogue that an older program created. Needs widgets; runs offscreen.
 #include "browser/detail_panel.h"
 #include "browser/fake_detail_host.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/catalogue.h"
+#include "catalogue/field_text.h"
+#include "catalogue/process_values.h"
+#include "catalogue/start_up.h"
+#include "jet/connection.h"
 #include "platform/file_system.h"
 #include "support/fakes.h"
 

@@ -4,6 +4,7 @@
 
 #include "browser/detail_panel.h"
 #include "browser/fake_detail_host.h"
+#include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
 
 #include <QtCore/QFile>

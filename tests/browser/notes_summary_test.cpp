@@ -1,5 +1,6 @@
 #include "browser/notes_summary.h"
 
+#include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
 
 namespace browser {

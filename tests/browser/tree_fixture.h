@@ -2,6 +2,7 @@
 #pragma once
 
 #include "browser/table_snapshot.h"
+#include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
 
 #include <QtCore/QStringList>

@@ -1,6 +1,7 @@
 #include "browser/tree_query.h"
 
 #include "browser/tree_fixture.h"
+#include "catalogue/field_text.h"
 
 namespace browser {
 namespace {

@@ -1,5 +1,7 @@
 #include "catalogue/selection.h"
 
+#include "catalogue/field_text.h"
+#include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
 
 namespace catalogue {

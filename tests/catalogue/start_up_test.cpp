@@ -1,5 +1,7 @@
+#include "base/status.h"
+#include "catalogue/date_texts.h"
+#include "catalogue/field_text.h"
 #include "catalogue/new_catalogue.h"
-#include "catalogue/pin_subs.h"
 #include "jet/tables/database.h"
 #include "support/catalogue_fixture.h"
 
@@ -263,16 +265,6 @@ TEST_P(Century, TheStampIsTheDayOfTheStart) {
 INSTANTIATE_TEST_SUITE_P(StartUpTest, Century,
                          testing::Values(QDate(2026, 11, 21), QDate(2029, 12, 31),
                                          QDate(2030, 1, 1), QDate(2099, 12, 31)));
-
-TEST(StoredDateTest, IsTheMediumDateAsLongAsThatIsReadBack) {
-    const auto stored = [](int year, int month, int day) {
-        return StoredDate(QDateTime(QDate(year, month, day), QTime(12, 0)));
-    };
-    EXPECT_EQ(stored(2026, 11, 20), QStringLiteral("20-Nov-26"));
-    EXPECT_EQ(stored(2029, 12, 31), QStringLiteral("31-Dec-29"));
-    EXPECT_EQ(stored(2030, 1, 1), QStringLiteral("01-Jan-2030"));
-    EXPECT_EQ(stored(2099, 12, 31), QStringLiteral("31-Dec-2099"));
-}
 
 // As stored, not as a query shows them.
 TEST_F(StartUpTest, TheUpgradeStoresTheTypesAndSizesItNames) {

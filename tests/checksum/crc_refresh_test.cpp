@@ -1,5 +1,6 @@
 #include "checksum/crc_refresh.h"
 
+#include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
 #include "support/full_disk.h"

@@ -1,5 +1,7 @@
 #include "dialogs/executable_setting.h"
 
+#include "catalogue/catalogue.h"
+#include "catalogue/process_values.h"
 #include "support/fakes.h"
 
 #include <gtest/gtest.h>

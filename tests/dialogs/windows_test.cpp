@@ -1,3 +1,5 @@
+#include "catalogue/catalogue.h"
+#include "catalogue/process_values.h"
 #include "dialogs/about_text.h"
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmSettings.h"

@@ -1,5 +1,8 @@
 #include "discovery/folder_scan.h"
 
+#include "catalogue/date_texts.h"
+#include "catalogue/field_text.h"
+#include "catalogue/quoting.h"
 #include "platform/files.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
@@ -395,6 +398,11 @@ TEST_F(FolderScanTest, SpacesAroundTheChosenFolderAreTrimmed) {
 TEST(ListedFolderTest, AnEmptyChoiceIsTheRootOfTheCurrentDrive) {
     EXPECT_EQ(ListedFolder(QString()), QString(platform::NativeSeparator()));
     EXPECT_EQ(ListedFolder(QStringLiteral("  ")), QString(platform::NativeSeparator()));
+}
+
+TEST(ListedFolderTest, AByteOrderMarkIsALetterOfTheName) {
+    const QString name = QString(QChar(0xFEFF)) + QStringLiteral("Tables");
+    EXPECT_EQ(ListedFolder(name + QStringLiteral("  ")), name + platform::NativeSeparator());
 }
 
 TEST(ListedFolderTest, EndsInASeparatorOfItsOwnKind) {

@@ -1,4 +1,5 @@
 // The play button and a real sound server, from whose monitor the sound is recorded.
+#include "catalogue/process_values.h"
 #include "launcher/play_button.h"
 #include "platform/sound_player.h"
 #include "support/sound_recording.h"

@@ -1,3 +1,4 @@
+#include "catalogue/process_values.h"
 #include "launcher/play_button.h"
 
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 // window, and a stand-in simulator.
 #pragma once
 
+#include "catalogue/quoting.h"
 #include "launcher/play_table.h"
 #include "support/catalogue_fixture.h"
 #include "support/simulator_run.h"

@@ -1,5 +1,6 @@
 #include "maintenance/backup.h"
 
+#include "catalogue/field_text.h"
 #include "maintenance/command_fixture.h"
 #include "maintenance/failing_files.h"
 

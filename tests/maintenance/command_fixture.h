@@ -1,6 +1,7 @@
 // CommandFixture: a catalogue with the surroundings of a maintenance command.
 #pragma once
 
+#include "catalogue/quoting.h"
 #include "maintenance/command_context.h"
 #include "support/catalogue_fixture.h"
 

@@ -1,5 +1,6 @@
 #include "maintenance/launcher_import.h"
 
+#include "catalogue/quoting.h"
 #include "maintenance/command_fixture.h"
 
 #include <QtCore/QDir>

@@ -1,5 +1,6 @@
 #include "maintenance/match_index.h"
 
+#include "catalogue/quoting.h"
 #include "maintenance/launcher_statements.h"
 #include "support/catalogue_fixture.h"
 

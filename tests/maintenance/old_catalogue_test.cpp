@@ -1,5 +1,7 @@
 // The commands on catalogues of older installations; what they leave is read by mdbtools and
 // checked page by page.
+#include "catalogue/field_text.h"
+#include "catalogue/path_names.h"
 #include "maintenance/backup.h"
 #include "maintenance/file_dates.h"
 #include "maintenance/launcher_import.h"

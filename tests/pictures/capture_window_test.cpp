@@ -1,5 +1,6 @@
 #include "pictures/frmPicture.h"
 
+#include "catalogue/process_values.h"
 #include "pictures/test_pictures.h"
 #include "support/fakes.h"
 

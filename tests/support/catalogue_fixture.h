@@ -2,8 +2,13 @@
 // around it.
 #pragma once
 
+#include "catalogue/catalogue.h"
+#include "catalogue/date_texts.h"
+#include "catalogue/field_text.h"
 #include "catalogue/new_catalogue.h"
-#include "catalogue/pin_subs.h"
+#include "catalogue/process_values.h"
+#include "catalogue/start_up.h"
+#include "jet/connection.h"
 #include "platform/file_system.h"
 #include "support/fakes.h"
 

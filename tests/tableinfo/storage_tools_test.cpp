@@ -109,6 +109,14 @@ TEST_F(StorageToolsTest, StoragesAreCountedButAreNoCustomFields) {
     EXPECT_EQ(names, QStringList{QStringLiteral("Year")});
 }
 
+TEST_F(StorageToolsTest, AByteOrderMarkIsALetterOfACustomName) {
+    const QString path = Build(VptBuilder().Text(u"\xFEFFMore", u"x"));
+    QStringList names;
+    EXPECT_EQ(ListCustomInfoStreams(path, names), 1);
+    EXPECT_EQ(names, QStringList(QString(QChar(0xFEFF)) + QStringLiteral("More")));
+    EXPECT_EQ(ReadTableInfoStream(path, names.value(0)), QStringLiteral("x"));
+}
+
 TEST_F(StorageToolsTest, AStandardNameInOtherLetterCaseIsACustomField) {
     const QString path = Build(VptBuilder().Text(u"tablename", u"Attack"));
     QStringList names;

@@ -1,5 +1,6 @@
 #include "tableinfo/update_from_table_files.h"
 
+#include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
 #include "support/full_disk.h"

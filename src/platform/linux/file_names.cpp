@@ -1,19 +1,16 @@
 #include "platform/linux/file_names.h"
 
 #include "base/file_names.h"
+#include "platform/text_view.h"
 
 namespace platform {
 
 QString DecodeFileName(std::string_view bytes) {
-    const std::u16string name = base::DecodeFileName(bytes);
-    // Copied by units: QString's conversions drop a U+FEFF at the start as a byte order mark.
-    return QString(reinterpret_cast<const QChar*>(name.data()),
-                   static_cast<qsizetype>(name.size()));
+    return ToQString(base::DecodeFileName(bytes));
 }
 
 std::string EncodeFileName(const QString& name) {
-    return base::EncodeFileName(
-        {reinterpret_cast<const char16_t*>(name.utf16()), static_cast<std::size_t>(name.size())});
+    return base::EncodeFileName(View(name));
 }
 
 bool IsForeignPath(const QString& path) {

@@ -1,0 +1,23 @@
+// The values that every part of the program shares; filled by Main.
+#pragma once
+
+#include <QtCore/QString>
+
+#include <array>
+#include <cstdint>
+
+namespace catalogue {
+
+// Colours of the play button, Windows 0x00BBGGRR; index 0 is not used.
+using StatusColourTable = std::array<std::uint32_t, 4>;
+
+struct ProcessValues {
+    QString ApplicationFolder;  // without a trailing separator
+    QString VisualPinballExe;
+    StatusColourTable StatusColours{};
+    bool SoundOn = false;
+    bool MinimiseOnPlay = false;
+    QString LastPictureDir;
+};
+
+}  // namespace catalogue
