@@ -47,7 +47,7 @@ constexpr int kRounds = 5;
 constexpr int kFiles = 60;
 constexpr int kRows = 10'000;
 constexpr double kSmallestBytes = 0.3e6;
-constexpr double kLargestBytes = 50e6;
+constexpr double kMaxBytes = 50e6;
 constexpr int kItemsPerTable = 400;  // streams of the table's parts, beside TableInfo
 
 constexpr const char* kStreams[] = {"TableName",  "AuthorName",  "TableRules", "TableVersion",
@@ -57,7 +57,7 @@ QStringList MakeTableFiles(const QTemporaryDir& folder) {
     QStringList paths;
     for (int i = 0; i < kFiles; ++i) {
         const double size =
-            kSmallestBytes * std::pow(kLargestBytes / kSmallestBytes, i / (kFiles - 1.0));
+            kSmallestBytes * std::pow(kMaxBytes / kSmallestBytes, i / (kFiles - 1.0));
         test_support::VptBuilder table;
         table.Text(u"TableName", u"Table")
             .Text(u"AuthorName", u"Author")

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int kPollMs = 1;
 constexpr int kIdleMs = 40;  // of waiting for events only: nothing is left to do
-constexpr int kLongestStartMs = 60'000;
+constexpr int kMaxStartMs = 60'000;
 
 QString TitleOfTavolo() {
     return QStringLiteral("Tavolo -    v. 1.6 - RC 1");
@@ -121,7 +121,7 @@ Start StartProgram(const QString& folder, platform::WindowControl& windows) {
                   {QStringLiteral("--folder"), folder});
     program.waitForStarted();
     while (!windows.Find(QStringLiteral("tavolo"), TitleOfTavolo())) {
-        if (elapsed() * 1000 > kLongestStartMs) {
+        if (elapsed() * 1000 > kMaxStartMs) {
             std::fputs("the program's window does not come\n", stderr);
             std::exit(1);
         }

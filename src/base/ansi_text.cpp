@@ -7,8 +7,8 @@
 namespace base {
 namespace {
 
-// What the bytes 0x80 to 0x9F stand for in code page 1252. The five that it leaves open stand for
-// themselves, as the platform's converter has it.
+// The characters of the bytes 0x80 to 0x9F in code page 1252. The five that it leaves undefined are
+// the control characters of the same value, as in Windows' conversion.
 constexpr std::array<char16_t, 32> kFrom80To9F = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

@@ -36,7 +36,7 @@ void AppendUtf16(std::u16string& out, char32_t c) {
     out.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
 }
 
-// How many bytes a character that starts with `lead` has; 0: not a lead byte.
+// The bytes of a character that starts with `lead`; 0: not a lead byte.
 int SequenceLength(unsigned char lead) {
     if (lead < 0x80) return 1;
     if (lead >= 0xC2 && lead < 0xE0) return 2;
@@ -50,7 +50,7 @@ bool IsValid(char32_t c, int length) {
     return c >= kSmallest[length] && c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
 }
 
-// One character and how many bytes it has; 0 bytes: there is no valid character at the start.
+// A character and its number of bytes; 0 bytes: the text does not start with a valid one.
 struct Utf8Character {
     char32_t value = kReplacement;
     std::size_t bytes = 0;
@@ -71,7 +71,7 @@ Utf8Character FirstCharacter(std::string_view text) {
     return {c, static_cast<std::size_t>(length)};
 }
 
-// Decodes one character at `at` and moves `at` behind it; a bad byte is passed over alone.
+// Decodes one character at `at` and moves `at` behind it; an invalid byte is skipped by itself.
 char32_t NextUtf8(std::string_view text, std::size_t& at) {
     const Utf8Character character = FirstCharacter(text.substr(at));
     at += character.bytes == 0 ? 1 : character.bytes;

@@ -1,5 +1,5 @@
-// DataSourceValue: a path as the value of a connection string, quoted only where it must be: a
-// semicolon would end the value.
+// DataSourceValue: a path as the value of a connection string, quoted only when it holds a
+// semicolon, which would end the value.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// Telling the user of a failure for which a command has no words of its own. What says it in
-// another place than a box (the status bar) takes its words from FailureText, too.
+// How a command shows a failure for which it has no text of its own. Other places than a box (the
+// status bar) take the text from FailureText, too.
 #pragma once
 
 #include "base/status.h"
@@ -9,8 +9,8 @@
 
 namespace catalogue {
 
-// True when a value is the trouble and not the database: too long for its column, or refused by an
-// index. Other rows can be stored all the same.
+// True when the value was at fault and not the database: too long for its column, or refused by an
+// index. Other rows can still be stored.
 inline bool IsValueTrouble(const base::Status& status) {
     return status.code() == base::StatusCode::kConstraint ||
            status.code() == base::StatusCode::kInvalidArgument;

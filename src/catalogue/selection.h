@@ -1,4 +1,4 @@
-// Selection: which tables the user asks to see, and the SQL that says so.
+// Selection: which tables the user asks to see, and the SQL that selects them.
 #pragma once
 
 #include "base/status.h"
@@ -19,7 +19,7 @@ bool IsValueFilter(const QString& filter_key);  // "Author", "Company", "Year", 
 // QuoteSqlExpr. A failing query is an error.
 base::Result<QString> ComposeFilterQuery(jet::Connection& connection, const QString& filter_key,
                                          const QString& value, const QString& comparison);
-// The text alone, without asking the database. Empty for an unknown key.
+// The same text without running it. Empty for an unknown key.
 QString FilterQueryText(const QString& filter_key, const QString& value, const QString& comparison);
 
 // " Order By " + column + " " + direction; the column is empty for an unknown caption.
@@ -30,7 +30,7 @@ QString ComposeOrderClause(const QString& order_caption, const QString& directio
 QString FilterValuesQuery(const QString& filter_key);
 base::Result<QStringList> FilterValues(jet::Connection& connection, const QString& filter_key);
 
-// What is wrong with the value of a value filter, in the program's words; nullopt: nothing.
+// The message to the user about an invalid value of a value filter; nullopt: it is valid.
 std::optional<QString> InvalidFilterValue(const QString& filter_key, const QString& value);
 
 }  // namespace catalogue

@@ -17,9 +17,8 @@ namespace {
 // Windows 0x00BBGGRR: yellow, red, green; the first entry is never shown.
 constexpr StatusColourTable kStatusColours = {0, 65535, 255, 65280};
 
-// The columns that catalogues made by the first versions do not have. Every start tries them all: a
-// column that is there already refuses to be added, and that is how a catalogue is brought up to
-// date without a version number.
+// The columns that catalogues of the first versions do not have. Every start tries to add them all;
+// where a column exists already its statement fails, so no version number is needed.
 constexpr std::u16string_view kAddColumns[] = {
     u"Alter Table TABLES ADD RulesFile varchar(255) NULL",
     u"Alter Table TABLES ADD FileDate DATE NULL",

@@ -1,7 +1,7 @@
 // AllocationTable: which sector follows which (the FAT), its own sectors found through the header
-// and the DIFAT chain. SectorChain: the sectors of one chain by position, walked as far as it is
-// asked for. Every chain has an end here: a link outside the file and a loop are kCorruption. A
-// loop is found after at most a small multiple of its length (Brent's method), without memory.
+// and the DIFAT chain. SectorChain: the sectors of one chain by position; links are followed only
+// as far as needed. A link outside the file and a loop are kCorruption. A loop is found after a
+// small multiple of its length, in constant memory (Brent's method).
 #pragma once
 
 #include "base/status.h"
@@ -15,11 +15,11 @@
 
 namespace cfb {
 
-// Tells whether a walk along links goes round in circles: it keeps one link met before and moves it
-// on at every power of two.
+// Detects a loop in a walk along links: keeps one earlier link and replaces it after 1, 2, 4, 8...
+// steps.
 class LoopDetector {
 public:
-    // True: `link` was met before.
+    // Takes the next link of the walk. True: it is a loop.
     bool Meets(SectorNumber link);
 
 private:
@@ -49,8 +49,8 @@ class SectorChain {
 public:
     // Requires: `table` outlives the chain.
     SectorChain(AllocationTable& table, SectorNumber start);
-    // The sector at this position of the chain; links behind it are not looked at. kCorruption: the
-    // chain is shorter.
+    // The sector at this position of the chain; later links are not read. kCorruption: the chain is
+    // shorter.
     base::Result<SectorNumber> At(std::uint64_t position);
 
 private:

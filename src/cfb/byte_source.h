@@ -22,8 +22,8 @@ public:
     virtual base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) = 0;
 };
 
-// Reads by position without a buffer of its own, so that nothing is read that was not asked for.
-// Only ordinary files (and links to them) are opened: a pipe would block for ever.
+// Reads by position, unbuffered, so that only the bytes asked for are read. Opens ordinary files
+// (and links to them) only: a pipe would block.
 base::Result<std::unique_ptr<ByteSource>> OpenFileSource(const std::filesystem::path& path);
 
 std::unique_ptr<ByteSource> MakeMemorySource(std::vector<std::byte> bytes);

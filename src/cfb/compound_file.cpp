@@ -20,7 +20,7 @@ public:
         : sectors_(std::move(sectors)), header_(header), table_(*sectors_, header_),
           directory_(*sectors_, table_, header_) {}
 
-    // To be called once, before the other calls.
+    // Requires: called once, before the other calls.
     base::Status ReadRoot() {
         ASSIGN_OR_RETURN(DirectoryEntry root, directory_.Entry(0));
         if (root.element.type != ElementType::kRoot)

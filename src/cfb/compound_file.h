@@ -1,10 +1,10 @@
 // CompoundFile: read-only access to a Compound File Binary (structured storage) file: storages,
-// streams, their bytes. Format: [MS-CFB]. Versions 3 (512-byte sectors) and 4 (4096). Every file is
-// taken as hostile: all sector numbers, chains and sizes are checked before use, every chain has an
-// end, and no file makes the reader take more memory than its own size calls for. Names are found
-// without regard to letter case, as the platform does. Only the sectors that are asked for are
-// read. Errors: kNotFound (no such file, element), kUnsupported (not a compound file), kCorruption,
-// kIoError. Nothing throws. Threads: one CompoundFile belongs to one thread.
+// streams, their bytes. Format: [MS-CFB]. Versions 3 (512-byte sectors) and 4 (4096). Files are not
+// trusted: all sector numbers, chains and sizes are checked before use, loops are found, and the
+// memory taken is bounded by the size of the file. Names are found without regard to letter case,
+// as the format prescribes. Only the sectors needed are read. Errors: kNotFound (no such file,
+// element), kUnsupported (not a compound file), kCorruption, kIoError. Nothing throws. Threads: one
+// CompoundFile belongs to one thread.
 #pragma once
 
 #include "base/status.h"
@@ -33,7 +33,7 @@ struct Element {
 class CompoundFile {
 public:
     static base::Result<std::unique_ptr<CompoundFile>> Open(const std::filesystem::path& path);
-    // The same from any source of bytes.
+    // The same from any source of bytes, which the file owns from now on.
     static base::Result<std::unique_ptr<CompoundFile>> Open(std::unique_ptr<ByteSource> source);
     ~CompoundFile();
     CompoundFile(const CompoundFile&) = delete;
@@ -44,9 +44,9 @@ public:
     // tree order: shorter names first, then by upper-cased letters). Fails when any of them cannot
     // be read.
     base::Result<std::vector<Element>> List(const Element& storage);
-    // The same, without those that cannot be read; empty when none can.
+    // The same without those that cannot be read; empty when none can be.
     std::vector<Element> ListReadable(const Element& storage);
-    // Damage elsewhere in the storage does not hide a member. kNotFound: no such member.
+    // Finds a member although others of the storage are damaged. kNotFound: no such member.
     base::Result<Element> Find(const Element& storage, std::u16string_view name);
     // The whole stream. kCorruption: the chain is shorter than the size says, or the size is larger
     // than the file.

@@ -74,8 +74,8 @@ base::Result<DirectoryEntry> Directory::Entry(EntryId id) {
     return result;
 }
 
-// In order: left branch, entry, right branch. Each entry is met once, so a loop and a shared branch
-// are damage and end the branch.
+// In order: left branch, entry, right branch. Each entry is visited once: a second visit (a loop, a
+// shared branch) is damage and ends the branch.
 class Directory::Walk {
 public:
     explicit Walk(Directory& directory) : directory_(directory) {}

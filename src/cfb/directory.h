@@ -1,6 +1,6 @@
 // Directory: the entries of a compound file. The members of a storage form a binary tree of
-// entries; it is walked in order with a bound, whatever its links say, and around what cannot be
-// read. Errors: kCorruption, kIoError.
+// entries; it is walked in order; the walk is bounded, and leaves out what cannot be read. Errors:
+// kCorruption, kIoError.
 #pragma once
 
 #include "base/status.h"
@@ -26,7 +26,7 @@ struct DirectoryEntry {
 // What a storage holds.
 struct Members {
     std::vector<Element> elements;  // those that could be read, in the tree's order
-    base::Status damage;            // the first trouble on the way; ok: these are all there are
+    base::Status damage;            // the first error on the way; ok: `elements` is complete
 };
 
 class Directory {
@@ -35,18 +35,18 @@ public:
     Directory(SectorReader& sectors, AllocationTable& table, const Header& header);
     // kCorruption: there is no such entry, it is not in use, or its name is impossible.
     base::Result<DirectoryEntry> Entry(EntryId id);
-    // A member that cannot be read hides itself and what only it leads to, nothing else.
+    // Leaves out a member that cannot be read and those that are reached through it only.
     Members MembersOf(const DirectoryEntry& storage);
 
 private:
     class Walk;
 
-    // Whatever type and name it has.
+    // Without a check of its type and name.
     base::Result<DirectoryEntry> AnyEntry(EntryId id);
 
     SectorReader& sectors_;
     SectorChain chain_;
-    bool has_long_sizes_;  // version 3 leaves rubbish in the upper half of a size
+    bool has_long_sizes_;  // in version 3 the upper half of a size is undefined
 };
 
 }  // namespace cfb

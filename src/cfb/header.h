@@ -20,7 +20,7 @@ struct Header {
     std::array<SectorNumber, header::kDifatEntries> difat{};
 };
 
-// kUnsupported: this is no compound file, or one of an unknown version; kCorruption: its fields
+// kUnsupported: not a compound file, or one of an unknown version; kCorruption: its fields
 // contradict each other.
 base::Result<Header> ParseHeader(std::span<const std::byte, header::kSize> bytes);
 

@@ -1,4 +1,4 @@
-// Where things lie in a compound file; see docs/formats/compound-file.md, which has the tables.
+// Offsets and constants of the compound file format; docs/formats/compound-file.md has the tables.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ using SectorNumber = std::uint32_t;
 // Counts directory entries; entry 0 is the root.
 using EntryId = std::uint32_t;
 
-// Values of a FAT entry that are no sector number.
+// Values of a FAT entry that are not sector numbers.
 inline constexpr SectorNumber kLastSectorNumber = 0xFFFFFFFA;
 inline constexpr SectorNumber kEndOfChain = 0xFFFFFFFE;
 inline constexpr EntryId kNoEntry = 0xFFFFFFFF;

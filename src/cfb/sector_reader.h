@@ -23,7 +23,7 @@ public:
 
     // The first bytes of the file; kUnsupported when it is shorter than a header.
     base::Result<std::span<const std::byte, header::kSize>> HeaderBytes();
-    // To be called once, before any sector is read.
+    // Requires: called once, before any sector is read.
     void SetSectorShift(std::uint32_t shift);
 
     std::uint64_t size_bytes() const { return source_->size_bytes(); }

@@ -28,7 +28,7 @@ base::Result<std::vector<std::byte>> StreamReader::Read(const DirectoryEntry& st
     return size < kMiniStreamCutoffBytes ? ReadFromMiniStream(stream) : ReadFromSectors(stream);
 }
 
-// The chain is walked to its end before memory is taken for what it promises.
+// Walks the chain to its end before it takes memory for the size that the entry claims.
 base::Result<std::vector<std::byte>> StreamReader::ReadFromSectors(const DirectoryEntry& stream) {
     ASSIGN_OR_RETURN(const std::vector<Run> runs, RunsOf(stream));
     std::vector<std::byte> bytes(static_cast<std::size_t>(stream.element.size_bytes));
@@ -54,7 +54,7 @@ base::Result<std::vector<StreamReader::Run>> StreamReader::RunsOf(const Director
             ++runs.back().sectors;
         else
             runs.push_back({sector, 1});
-        if (left == 1) return runs;  // what the last sector's link says does not matter
+        if (left == 1) return runs;  // the link of the last sector does not count
         ASSIGN_OR_RETURN(sector, table_.Next(sector));
     }
 }

@@ -16,15 +16,15 @@
 namespace checksum {
 namespace {
 
-// Large enough that the calls into the system do not count, small enough to stay in the
-// second-level cache between the copy and the sum.
+// Large enough to make the cost of system calls negligible, small enough to stay in the
+// second-level cache between reading and summing.
 constexpr std::size_t kChunkBytes = std::size_t{64} << 10;
 
 std::string NameOf(const std::filesystem::path& path) {
     return base::ToUtf8(base::TextOf(path.filename()));
 }
 
-// Only ordinary files have a length and an end; a pipe would block for ever.
+// Only ordinary files have a length; a pipe would block.
 base::Result<std::uint64_t> LengthOf(const std::filesystem::path& path) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
@@ -40,7 +40,7 @@ base::Result<std::uint64_t> LengthOf(const std::filesystem::path& path) {
 }
 
 std::uint32_t UpdateRegister(bool is_crc32, std::uint32_t value, std::span<const std::byte> bytes) {
-    // The library's argument and result are complemented already.
+    // libdeflate complements its argument and its result itself.
     if (is_crc32) return ~libdeflate_crc32(~value, bytes.data(), bytes.size());
     return UpdateCrc16(value, bytes);
 }

@@ -27,7 +27,7 @@ public:
     // Selects CRC-32.
     clsCRC() { Clear(); }
 
-    // Continues from the current register; the result is Value(). No bytes change nothing.
+    // Continues from the current register; the result is Value(). An empty span changes nothing.
     std::int32_t AddBytes(std::span<const std::byte> bytes);
     // The bytes are those of the ANSI code page, one per character; see ansi_text.h.
     std::int32_t AddString(std::u16string_view text);
@@ -37,13 +37,13 @@ public:
     // -1 for CRC-32, 0 for CRC-16: a flag, not the selector that was given.
     std::int16_t Algorithm() const { return is_crc32_ ? -1 : 0; }
 
-    // These three start afresh.
+    // The functions Calculate... clear the registers first.
     std::int32_t CalculateBytes(std::span<const std::byte> bytes);
-    // nullopt: the file is empty; the registers are left as they were then, and after a failure.
+    // nullopt: the file is empty. Then, and after a failure, the registers are as they were before.
     // kNotFound, number platform::kFileNotFound: no such file; kUnsupported: not a file; kIoError:
-    // it cannot be read, or shrinks meanwhile.
+    // it cannot be read, or it becomes shorter while it is read.
     base::Result<std::optional<std::int32_t>> CalculateFile(const std::filesystem::path& path);
-    // The same over the next `length_bytes` bytes of `stream`, which must be more than none.
+    // The same over the next `length_bytes` bytes of `stream`. Requires: length_bytes > 0.
     base::Result<std::optional<std::int32_t>> CalculateStream(std::istream& stream,
                                                               std::uint64_t length_bytes);
     std::int32_t CalculateString(std::u16string_view text);

@@ -1,5 +1,4 @@
-// The CRC refresh: computes the checksum of every table file that is there anew and stores its text
-// form.
+// The CRC refresh: computes the checksum of every existing table file and stores its text form.
 #pragma once
 
 #include "base/status.h"

@@ -25,12 +25,12 @@ frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent, catalogue::Prog
 void frmCRC::BuildControls() {
     Label1_ = new QLabel(this);
     Label1_->setObjectName(QStringLiteral("Label1"));
-    // Names that come from table files: plain text, and no longer than the window is wide.
+    // The line holds names from table files: plain text, and it must not widen the window.
     Label1_->setTextFormat(Qt::PlainText);
     Label1_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     Command1_ = new QPushButton(QStringLiteral("Command1"), this);
     Command1_->setObjectName(QStringLiteral("Command1"));
-    Command1_->hide();  // only the window itself presses it
+    Command1_->hide();  // pressed by the window itself
     auto* column = new QVBoxLayout(this);
     column->addWidget(Label1_);
     column->addWidget(Command1_);
@@ -46,13 +46,13 @@ void frmCRC::changeEvent(QEvent* event) {
     if (event->type() == QEvent::ActivationChange && isActiveWindow()) StartSoon();
 }
 
-// A desktop without a window manager never makes a window active.
+// Without a window manager no window becomes active.
 void frmCRC::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     StartSoon();
 }
 
-// Not at once: exec() must be waiting before the window closes itself.
+// Later, not at once: exec() must be running when the window closes itself.
 void frmCRC::StartSoon() {
     QTimer::singleShot(0, this, [this] {
         if (isVisible()) Command1_->click();

@@ -26,7 +26,7 @@ public:
     // Why the refresh ended early; ok when it did not.
     const base::Status& outcome() const { return outcome_; }
 
-    // Every way of closing ends here; refused without a word while the refresh runs.
+    // Every way of closing the window calls this; ignored while the refresh runs.
     void done(int result) override;
 
 protected:

@@ -43,7 +43,7 @@ void FolderScan::Queue(const Folder& folder) {
     observer_.FolderQueued(folder.path);
 }
 
-// Links wait until all real folders have been listed, so that a file is met under its real path
+// Links wait until all real folders have been listed, so that a file is found under its real path
 // first.
 base::Status FolderScan::FollowNextLink() {
     while (queue_.empty() && !links_.empty()) {
@@ -101,7 +101,7 @@ base::Status FolderScan::HandleLinkedFile(const QString& path) {
     return HandleFile(path);
 }
 
-// Recycle-bin folders are not left out: their files are added like any other.
+// Recycle-bin folders are scanned like any other.
 base::Status FolderScan::HandleFile(const QString& path) {
     ASSIGN_OR_RETURN(const bool is_known, IsKnown(path));
     return is_known ? base::Status() : Add(path);
@@ -115,8 +115,8 @@ base::Result<bool> FolderScan::IsKnown(const QString& path) {
     return !(rows->Bof() && rows->Eof());
 }
 
-// A file that cannot be read, or whose path does not fit, is passed over silently; the next scan
-// tries it again.
+// A file that cannot be read, or whose path is too long, is skipped silently; the next scan tries
+// it again.
 base::Status FolderScan::Add(const QString& path) {
     const auto value = crc_.CalculateFile(platform::ToPath(path));
     if (!value.ok()) return {};

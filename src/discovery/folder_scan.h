@@ -1,13 +1,13 @@
-// FindTables and modsearch: which files are new tables, and the search for them.
-// FolderScan walks a folder tree breadth first and adds to the catalogue every table file (.vpt)
-// that it does not hold yet. The queue of folders is kept outside of the call stack, so no depth is
-// too deep. Links are followed after all real folders: a file is met under its real path first, and
-// one that is in the catalogue under its real path, or that another link has led to, does not come
-// in a second time. A folder that is met twice (links may form cycles) is listed once. Folders that
-// cannot be listed and those of the system's own making (processes, devices) are passed over, and
-// so is a file that cannot be read or whose path does not fit. Paths are texts as the catalogue
-// stores them. Threads: the user-interface thread; pending events are processed before each
-// directory entry but the first of its folder.
+// FindTables and modsearch: the search for new table files. FolderScan walks a folder tree breadth
+// first and adds every table file (.vpt) that the catalogue does not hold yet. Folders wait in a
+// queue and not on the call stack, so the depth of the tree is not limited. Links are followed
+// after all real folders, so that a file is found under its real path first; a file that the
+// catalogue holds under its real path, or that another link has led to, is not added again. Each
+// folder is listed once, although links may form cycles. Skipped: folders that cannot be listed,
+// folders of pseudo file systems (processes, devices), and files that cannot be read or whose path
+// is too long for its column. Paths are texts as the catalogue stores them. Threads: the
+// user-interface thread; pending events are processed before each directory entry but the first of
+// its folder.
 #pragma once
 
 #include "base/status.h"
@@ -24,7 +24,7 @@
 
 namespace discovery {
 
-// What a scan tells while it runs. Called on the thread of Run.
+// What a scan reports while it runs, on the thread of Run.
 class ScanObserver {
 public:
     virtual ~ScanObserver() = default;
@@ -44,7 +44,7 @@ public:
                ScanObserver& observer);
 
     // Walks `folder` and all folders below it. An empty text is the root folder of the current
-    // drive. A failure of the database ends the walk; what was added before stays.
+    // drive. A failure of the database ends the walk; tables added before stay.
     base::Status Run(const QString& folder);
     // Tables that the last run has added.
     std::int64_t found_count() const { return found_count_; }
@@ -83,7 +83,7 @@ private:
 // The name of a file without its folder and its last extension: "Game.final" for
 // C:\Tables\Game.final.vpt .
 QString BaseName(const QString& path);
-// True for a path that ends in .vpt, in whatever letter case.
+// True for a path that ends in .vpt, in any letter case.
 bool IsTableFileName(const QString& path);
 // `folder` as the scan lists it: without spaces at its ends, ending in a separator.
 QString ListedFolder(const QString& folder);

@@ -15,8 +15,7 @@
 namespace discovery {
 namespace {
 
-// Shows names that come from the disk: as plain text, and without stretching the dialog to their
-// length.
+// For names from the disk: plain text, and long ones do not widen the dialog.
 QLabel* MakeLabel(const char* object_name, QWidget* parent) {
     auto* label = new QLabel(parent);
     label->setObjectName(QLatin1String(object_name));
@@ -111,7 +110,7 @@ base::Status frmsearch::ReadTableInformation() {
     return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr);
 }
 
-// A scan that the database has ended is not complete; what it has added counts all the same.
+// A scan that a database error has ended is incomplete; the tables that it has added count.
 void frmsearch::ShowResult(const base::Status& done) {
     catalogue::ShowError(prompts_, done);
     Label2_->setText(done.ok() ? QStringLiteral("Process Complete") : QString());

@@ -27,7 +27,7 @@ public:
     frmsearch(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
               std::function<void()> refresh_tree, QWidget* parent = nullptr);
 
-    // Every way of closing ends here; refused while a scan runs.
+    // Every way of closing the dialog calls this; ignored while a scan runs.
     void done(int result) override;
 
 private:

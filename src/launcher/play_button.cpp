@@ -56,7 +56,7 @@ void PlayButton::SetTextColour(std::uint32_t colour) {
     update();
 }
 
-// The pressed picture is to be seen while the sound is played.
+// Painted at once: the pressed picture must be visible while the sound is played.
 void PlayButton::mousePressEvent(QMouseEvent* event) {
     QPushButton::mousePressEvent(event);
     if (values_.SoundOn && sound_) {
@@ -66,7 +66,7 @@ void PlayButton::mousePressEvent(QMouseEvent* event) {
     SetTextColour(kPressed);
 }
 
-// First the colour: a click starts a play and comes back when that has ended.
+// The colour first: the click starts a play and returns only when that has ended.
 void PlayButton::mouseReleaseEvent(QMouseEvent* event) {
     SetTextColour(kReleased);
     QPushButton::mouseReleaseEvent(event);

@@ -1,6 +1,6 @@
 // PlayButton: cmdPlay, a picture and a caption on a dark plate. The caption turns red when the
-// button is pressed and yellow when it is released, and takes the next of the status colours each
-// time the pointer comes over the button.
+// button is pressed and yellow when it is released, and takes the next status colour each time the
+// pointer enters the button.
 #pragma once
 
 #include "catalogue/process_values.h"

@@ -78,7 +78,7 @@ base::Status Launcher::Run(Play& play) {
     return {};
 }
 
-// The status window is gone when it returns.
+// The status window is closed again when this returns.
 base::Status Launcher::Start(const Play& play) {
     const catalogue::ProcessValues& values = *parts_.catalogue.values;
     const QString command_line = CommandLine(values.VisualPinballExe, play.path);
@@ -105,7 +105,7 @@ void Launcher::CloseSimulator(const QString& title_key) {
     if (window) parts_.windows.RequestClose(*window);
 }
 
-// The folder that is not found may as well be the table's.
+// The text names the executable, although the folder that is not found may be the table's.
 void Launcher::ShowFailure(const base::Status& failure) {
     platform::Message message;
     message.text = failure.number() == platform::kPathNotFound

@@ -1,10 +1,10 @@
 // Launcher: starts the simulator on a table, watches its window until the play ends, and closes it.
 // The simulator shows the state of a play in the title of its window: "Visual Pinball - [name*]"
-// while the table is played, without the asterisk when the play is over. The watch asks for that
-// window as often as it can, letting the user's events be handled between two questions; a play
-// that is started by such an event is watched inside the first one's watch. The watch does not wait
-// for the window to appear: a simulator that is slower than the program runs on by itself. Threads:
-// the user-interface thread.
+// while the table is played, without the asterisk when the play is over. The watch looks for that
+// window in a loop and processes the program's pending events in between; a play that is started by
+// such an event is watched inside the watch of the first one. The watch does not wait for the
+// window to appear: a simulator whose window is not there yet is not watched. Threads: the
+// user-interface thread.
 #pragma once
 
 #include "base/status.h"
@@ -27,7 +27,7 @@ struct MainWindowActions {
     std::function<Qt::WindowStates()> state;
     std::function<void()> minimise;
     std::function<void(Qt::WindowStates)> restore;
-    // Shows the dialog in which the simulator's executable is chosen, and returns at once.
+    // Shows the dialog in which the simulator's executable is chosen; returns at once.
     std::function<void()> show_settings;
 };
 
@@ -48,17 +48,17 @@ public:
 
     // Counts the play of the table `id`, whether or not it can be started, then plays the table
     // file `path`; `display_name` is shown while it is being loaded. Returns when the play has
-    // ended. Failures are told to the user.
+    // ended. Shows failures to the user.
     void PlayTable(const QString& path, const QString& display_name, qint64 id);
 
-    // The main window is gone for good: plays that are being watched go on by themselves.
+    // Call when the main window is gone for good: ends all watches; the simulators keep running.
     void EndWatches() { watching_ = false; }
 
-    // Process id of the last simulator that was started; 0: none was.
+    // Process id of the last simulator that was started; 0: none yet.
     std::int64_t last_task_id() const { return last_task_id_; }
 
 private:
-    // Of one play, since a second one can start inside the first one's watch.
+    // One play; a second one can start inside the watch of the first.
     struct Play {
         QString path;
         QString display_name;

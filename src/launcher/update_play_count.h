@@ -1,4 +1,4 @@
-// UpdatePlayCount: one more play of a table, played now.
+// UpdatePlayCount: counts a play of a table and stores its time.
 #pragma once
 
 #include "base/status.h"
@@ -8,8 +8,7 @@
 
 namespace launcher {
 
-// `id` is the table's ID in the catalogue; no row of that ID: nothing happens. Errors are the
-// engine's.
+// `id`: of the table's row; does nothing when there is no such row. Errors are the engine's.
 base::Status UpdatePlayCount(jet::Connection& connection, qint64 id);
 
 }  // namespace launcher

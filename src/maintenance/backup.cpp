@@ -55,7 +55,7 @@ QString SuccessText(const QString& folder) {
 }  // namespace
 
 base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup) {
-    // Written under the very name: ToPath would find a file of other letter case.
+    // Exactly this name: ToPath would find a file that differs in letter case.
     const std::filesystem::path target = base::PathOf(backup.toStdU16String());
     std::filesystem::path copy = target;
     copy += ".new";
@@ -65,8 +65,8 @@ base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const
         files.Remove(copy).Ignore();
         return done;
     }
-    // The complete copy is in place; whether its name is on the disk yet only decides which of two
-    // good backups a power cut leaves.
+    // The copy is complete and in place. Without this a power cut may bring back the earlier
+    // backup, which is a good one, too.
     files.SyncFolder(target.parent_path()).Ignore();
     return {};
 }

@@ -10,13 +10,12 @@
 namespace maintenance {
 
 // Copies `database` to `backup`. The copy is written under a temporary name beside `backup`, made
-// durable and renamed only when it is complete: whatever goes wrong, a backup that was there stays
-// as it was. Requires: nothing writes to `database` meanwhile, and what was written has reached the
-// file.
+// durable and renamed only when it is complete: after a failure an earlier backup is as it was.
+// Requires: nothing writes to `database` meanwhile, and earlier writes have reached the file.
 base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup);
 
-// Copies pinball.mdb of the application folder to pinball.BU, as it is at this moment, though it is
-// open, and says so in a box titled `caption`. A failure ends the command silently.
+// Copies the open pinball.mdb of the application folder to pinball.BU, all changes so far included,
+// and confirms it in a box titled `caption`. A failure ends the command silently.
 void BackupData(CommandContext context, jet::FileSystem& files, const QString& caption);
 // The same on this system's files.
 void BackupData(CommandContext context, const QString& caption);

@@ -1,4 +1,4 @@
-// What a maintenance command works on and whom it tells.
+// CommandContext: what a maintenance command works on, and the interfaces it reports through.
 #pragma once
 
 #include "catalogue/catalogue.h"
@@ -14,9 +14,9 @@ namespace maintenance {
 struct CommandContext {
     catalogue::Catalogue& catalogue;
     platform::UserPrompts& prompts;
-    // Called again and again during a long run. Must hold back the user's input: the commands have
-    // no window of their own that would keep a second command or the closing of the program away
-    // from their rows.
+    // Called repeatedly during a long run. Must hold back the user's input: the commands have no
+    // modal window that would prevent a second command, or the closing of the program, while their
+    // rows are open.
     platform::UserEvents& events;
     std::function<void()> refresh_tree;
     catalogue::Progress progress = {};  // may be empty

@@ -16,7 +16,7 @@
 namespace maintenance {
 namespace {
 
-// A line of a file that is no data file may hold a million characters.
+// A line of a file of another kind may have a million characters.
 constexpr qsizetype kShownCharacters = 500;
 
 QString OneShortLine(const QLabel& label, const QString& text) {
@@ -67,7 +67,7 @@ QWidget* frmImport::BuildOptions() {
     Combo1_ = new QComboBox(panel);
     Combo1_->setObjectName(QStringLiteral("Combo1"));
     Combo1_->setEditable(true);
-    Combo1_->setCompleter(nullptr);  // a typed date is not the beginning of a listed one
+    Combo1_->setCompleter(nullptr);  // a typed date must not become a listed one
     Combo1_->setInsertPolicy(QComboBox::NoInsert);
     Combo1_->setMinimumContentsLength(24);
 

@@ -1,5 +1,5 @@
-// frmImport: starts the import of VPLauncher's data and shows how it goes. Cannot be closed while
-// one runs.
+// frmImport: starts the import of VPLauncher's data and shows its progress. Cannot be closed while
+// an import runs.
 #pragma once
 
 #include "base/status.h"
@@ -29,7 +29,7 @@ public:
               platform::UserEvents& events, std::function<void()> refresh_tree,
               QWidget* parent = nullptr);
 
-    // What the database has refused during the imports of this window.
+    // The first failure of the database in the imports of this window; ok: there was none.
     const base::Status& database_failure() const { return import_.database_failure(); }
 
 public Q_SLOTS:

@@ -1,6 +1,5 @@
-// LauncherImport: takes version, author, year, company and the need of VPinMAME over from
-// VPLauncher's data file into the rows that are in the catalogue already, found by checksum, else
-// by display name.
+// LauncherImport: copies version, author, year, company and the need of VPinMAME from VPLauncher's
+// data file into rows of the catalogue, found by checksum, else by display name. Adds no rows.
 #pragma once
 
 #include "base/status.h"
@@ -30,8 +29,7 @@ public:
     virtual void SetDone() = 0;
 };
 
-// The dates on which tables were added, as texts, in the database's order; rows without a date give
-// none.
+// The dates on which tables were added, as texts, in the database's order, without Nulls.
 base::Result<QStringList> DatesAdded(jet::Connection& connection);
 
 class LauncherImport {
@@ -43,11 +41,11 @@ public:
 
     // Every matching row.
     void ImportAll();
-    // Rows added after `date` only; a text that is no date is refused.
+    // Rows added after `date` only; refuses a text that is not a date.
     void ImportAddedAfter(const QString& date);
 
-    // A line that cannot be processed is passed over without a word. When it was not the line's own
-    // fault but the database's, the first such failure is kept here.
+    // A line that cannot be processed is skipped silently. The first failure that was not the
+    // line's fault but the database's is kept here.
     const base::Status& database_failure() const { return database_failure_; }
 
 private:

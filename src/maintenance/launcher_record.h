@@ -1,4 +1,4 @@
-// One line of VPLauncher's data file: fields parted by single backslashes, counted from 0.
+// One line of VPLauncher's data file: fields separated by single backslashes, counted from 0.
 //   0 name   1 version   2 CRC, with or without a "$" before it   3 author   4 year
 //   5 company, "-" for none   6 "VPinMame" for a table that needs it      further fields are
 //   ignored
@@ -22,7 +22,7 @@ struct LauncherRecord {
     bool operator==(const LauncherRecord&) const = default;
 };
 
-// nullopt: fewer than seven fields, or a NUL character, which no text has.
+// nullopt: fewer than seven fields, or a NUL character.
 std::optional<LauncherRecord> ParseLauncherLine(const QString& line);
 
 }  // namespace maintenance

@@ -7,8 +7,8 @@
 namespace maintenance {
 namespace {
 
-// Keys longer than this are compared beyond what a sort key holds.
-constexpr qsizetype kLongestKey = 255;
+// What a sort key holds; the database compares longer texts in full.
+constexpr qsizetype kMaxKeyLength = 255;
 
 std::string SortKey(std::u16string_view text) {
     jet::Bytes bytes;
@@ -19,7 +19,7 @@ std::string SortKey(std::u16string_view text) {
     return key;
 }
 
-// What may end a text in SQL, or what the database refuses inside one.
+// False for a character that may end a text in SQL or that the database refuses inside one.
 bool IsPlain(QChar c) {
     return c != u'\'' && c != u'|' && c >= u' ';
 }
@@ -36,7 +36,7 @@ MatchIndex::MatchIndex(jet::Connection& connection, const QString& date_conditio
 }
 
 bool MatchIndex::CanAnswer(const QString& key) const {
-    return complete_ && key.size() <= kLongestKey && std::all_of(key.begin(), key.end(), IsPlain);
+    return complete_ && key.size() <= kMaxKeyLength && std::all_of(key.begin(), key.end(), IsPlain);
 }
 
 bool MatchIndex::ReadRows(jet::Connection& connection, const QString& date_condition) {
@@ -56,11 +56,11 @@ bool MatchIndex::ReadRows(jet::Connection& connection, const QString& date_condi
     return true;
 }
 
-// False: a value that the database would not compare as a text of sort-key length.
+// False: the database would not compare this value by its sort key alone.
 bool MatchIndex::Add(Map& map, const jet::Value& value, std::optional<std::int64_t> id) {
     if (value.is_null()) return true;
     const auto* text = value.get_if<std::u16string>();
-    if (text == nullptr || text->size() > static_cast<std::size_t>(kLongestKey)) return false;
+    if (text == nullptr || text->size() > static_cast<std::size_t>(kMaxKeyLength)) return false;
     Rows& rows = map[SortKey(*text)];
     ++rows.count;
     rows.id = rows.count == 1 ? id : std::nullopt;

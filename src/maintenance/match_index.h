@@ -1,8 +1,8 @@
-// MatchIndex: which row a key means, by its CRC or its display name, for thousands of keys in a
-// row. The catalogue has no index on CRC, so each key would cost a walk through all rows. It
-// answers exactly as the database would: the same comparison of texts, and only for keys that are
-// plain texts in SQL. Requires: while it is used, nobody changes CRC, DisplayName or DateAdded, and
-// no row comes or goes.
+// MatchIndex: finds rows by CRC or display name, for thousands of keys one after the other. The
+// catalogue has no index on CRC, so the database would scan all rows for each key. Answers are
+// those of the database: texts are compared by the same rules, and CanAnswer is false for keys that
+// are not plain texts in SQL. Requires: while it is in use CRC, DisplayName and DateAdded do not
+// change, and no row is added or deleted.
 #pragma once
 
 #include "jet/connection.h"
@@ -20,7 +20,7 @@ namespace maintenance {
 class MatchIndex {
 public:
     // Reads the rows that the import may touch. `date_condition`: empty, or " AND ..." as in the
-    // statements. An index that could not be built can answer nothing.
+    // statements. When reading fails, CanAnswer is false for every key.
     MatchIndex(jet::Connection& connection, const QString& date_condition);
 
     // False: ask the database itself.

@@ -1,4 +1,4 @@
-// Play counts: set back to never played.
+// Play counts: resets all tables to never played.
 #pragma once
 
 #include "maintenance/command_context.h"

@@ -1,4 +1,4 @@
-// Purge: takes the tables whose file is gone out of the catalogue.
+// Purge: removes the tables whose file is gone from the catalogue.
 #pragma once
 
 #include "maintenance/command_context.h"

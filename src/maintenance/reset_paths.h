@@ -1,4 +1,4 @@
-// ResetPaths: the catalogue follows files that were moved to another folder.
+// ResetPaths: changes stored paths after files were moved to another folder.
 #pragma once
 
 #include "base/status.h"

@@ -1,4 +1,4 @@
-// A walk over every row of the catalogue that may change or delete the row it stands on.
+// WalkRows: a walk over rows of the catalogue that may change or delete the current row.
 #pragma once
 
 #include "base/status.h"
@@ -11,8 +11,8 @@
 
 namespace maintenance {
 
-// Calls `visit` with each row of `sql`, first to last, with pending events and progress in
-// between. Stops at the first failure and returns it; what was changed before stays changed.
+// Calls `visit` with each row of `sql`, first to last, with pending events and progress in between.
+// Stops at the first failure and returns it; earlier changes stay.
 base::Status WalkRows(CommandContext& context, const QString& sql,
                       const std::function<base::Status(jet::Recordset&)>& visit);
 

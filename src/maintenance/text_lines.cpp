@@ -42,7 +42,7 @@ bool TextLines::FillPiece() {
 }
 
 void TextLines::Take(std::span<const std::byte> bytes) {
-    if (line_.size() + bytes.size() > kLongestLine) too_long_ = true;
+    if (line_.size() + bytes.size() > kMaxLineBytes) too_long_ = true;
     if (too_long_)
         line_.clear();
     else

@@ -1,6 +1,6 @@
-// TextLines: the lines of a file of single-byte text (code page 1252), read piece by piece.
-// A line ends with CR, LF, CR LF or the end of the file. Lines longer than kLongestLine come out
-// empty: they are no text.
+// TextLines: the lines of a file of single-byte text (code page 1252), read piece by piece. A line
+// ends with CR, LF, CR LF or the end of the file. Lines longer than kMaxLineBytes are returned
+// empty: such a file is not text.
 #pragma once
 
 #include "base/status.h"
@@ -17,14 +17,14 @@ namespace maintenance {
 
 class TextLines {
 public:
-    static constexpr std::size_t kLongestLine = std::size_t{16} << 20;  // bytes
+    static constexpr std::size_t kMaxLineBytes = std::size_t{16} << 20;  // bytes
     static constexpr std::size_t kPieceBytes = std::size_t{64} << 10;
 
     static base::Result<TextLines> Open(jet::FileSystem& files, const QString& path);
 
     // nullopt: the end of the file, or of what can be read of it (see status()).
     std::optional<QString> Next();
-    // Why reading ended early; ok at the true end.
+    // Why reading ended early; ok at the end of the file.
     const base::Status& status() const { return status_; }
 
 private:

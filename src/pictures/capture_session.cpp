@@ -12,7 +12,7 @@
 namespace pictures {
 namespace {
 
-// Bitmaps have no transparency: what shines through is white, as paper is.
+// Bitmaps have no transparency: transparent pixels are drawn on white.
 QImage Opaque(const QImage& image) {
     if (!image.hasAlphaChannel()) return image.convertToFormat(QImage::Format_RGB32);
     QImage flat(image.size(), QImage::Format_RGB32);
@@ -42,7 +42,7 @@ void CaptureSession::Paste(const QImage& clipboard) {
 
 bool CaptureSession::WriteTemporaryBmp(const QImage& image, const QString& path) {
     QFile file;
-    if (qint64{image.width()} * image.height() <= kMostPixels &&
+    if (qint64{image.width()} * image.height() <= kMaxPixels &&
         platform::OpenFile(file, path, QIODevice::WriteOnly) && Opaque(image).save(&file, "BMP") &&
         file.flush())
         return true;

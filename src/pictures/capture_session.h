@@ -26,7 +26,7 @@ public:
     // application folder and is shown. After a failure, which was reported, current file and
     // picture are what they were.
     void Paste(const QImage& clipboard);
-    // 1, 2, 4 or 8; shows the current file again if there is one.
+    // 1, 2, 4 or 8; decodes and shows the current file again if there is one.
     void SetScale(int scale);
     // Asks for a name and writes the picture there. Empty: cancelled, or it could not be written
     // (reported).

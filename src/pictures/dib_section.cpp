@@ -17,7 +17,7 @@ namespace {
 
 bool IsReasonable(int width, int height, int channels) {
     return width > 0 && height > 0 && (channels == 3 || channels == 4) &&
-           std::int64_t{width} * height <= kMostPixels;
+           std::int64_t{width} * height <= kMaxPixels;
 }
 
 BitmapInfoHeader HeaderFor(int width, int height, int channels, int scan_line) {
@@ -43,7 +43,7 @@ bool IsCut(const QString& path) {
         file.size());
 }
 
-// A null image when the file is no BMP, claims a size that is out of reason, or ends early.
+// A null image when the file is not a BMP, claims more than kMaxPixels, or ends early.
 QImage ReadBmp(const QString& path) {
     QFile file;
     if (!platform::OpenFile(file, path, QIODevice::ReadOnly)) return {};
@@ -51,7 +51,7 @@ QImage ReadBmp(const QString& path) {
     reader.setAutoDetectImageFormat(false);
     // A negative height means rows from the top.
     const QSize size = reader.size();
-    if (size.height() < -kMostPixels || !IsReasonable(size.width(), std::abs(size.height()), 3))
+    if (size.height() < -kMaxPixels || !IsReasonable(size.width(), std::abs(size.height()), 3))
         return {};
     if (IsCut(path)) return {};
     reader.setAutoTransform(false);
@@ -81,7 +81,7 @@ bool cDIBSection::Load(const QString& path, platform::UserPrompts& prompts) {
         return false;
     }
     if (!Create(image.width(), image.height(), 3)) return false;
-    header_.biSizeImage = 0;  // may be 0 for plain rows, and is for a file that was read
+    header_.biSizeImage = 0;  // allowed for uncompressed rows
     const auto row_bytes = static_cast<std::size_t>(3) * static_cast<std::size_t>(image.width());
     for (int row = 0; row < image.height(); ++row)
         std::memcpy(RowFromTop(row), image.constScanLine(row), row_bytes);
@@ -111,7 +111,7 @@ void cDIBSection::PaintPicture(QPainter& painter, int dest_left, int dest_top, i
     if (empty()) return;
     const int width = dest_width < 0 ? dib_width() : dest_width;
     const int height = dest_height < 0 ? dib_height() : dest_height;
-    // The rows lie upside down for the painter; turning its axis saves a copy of the pixels.
+    // The rows are stored bottom-up; turning the painter's axis saves a copy of the pixels.
     const auto format = dib_channels() == 3 ? QImage::Format_BGR888 : QImage::Format_RGB32;
     const QImage upside_down(bits_.data(), dib_width(), dib_height(), BytesPerScanLine(), format);
     painter.save();

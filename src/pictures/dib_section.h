@@ -1,8 +1,8 @@
-// cDIBSection: a device-independent bitmap in memory with directly addressable pixels.
-// Rows are stored bottom-up and padded to a multiple of 4 bytes; a pixel is blue, green, red (3
-// channels) or blue, green, red, alpha (4 channels). Sizes are pixels, BytesPerScanLine is bytes.
-// An instance is empty or holds a whole picture; a failed Create or Load leaves it empty. Not for
-// sharing between threads.
+// cDIBSection: a device-independent bitmap in memory with directly addressable pixels. Rows are
+// stored bottom-up and padded to a multiple of 4 bytes; a pixel is blue, green, red (3 channels) or
+// blue, green, red, alpha (4 channels). Sizes are pixels, BytesPerScanLine is bytes. An instance is
+// empty or holds a whole picture; a failed Create or Load leaves it empty. Threads: one instance
+// belongs to one thread.
 #pragma once
 
 #include "platform/user_prompts.h"
@@ -31,9 +31,8 @@ struct BitmapInfoHeader {
     bool operator==(const BitmapInfoHeader&) const = default;
 };
 
-// The most pixels that a picture may have here: 64 Mi, more than any screen gives; what the BMP
-// reader takes at most.
-inline constexpr std::int64_t kMostPixels = std::int64_t{64} << 20;
+// The limit of a picture: more pixels than any screen has.
+inline constexpr std::int64_t kMaxPixels = std::int64_t{64} << 20;
 
 class cDIBSection {
 public:

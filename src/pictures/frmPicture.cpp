@@ -80,7 +80,7 @@ void frmPicture::BuildLayout() {
     scroll_->setWidget(view_);
     scroll_->setAlignment(Qt::AlignCenter);
     scroll_->setBackgroundRole(QPalette::Dark);
-    scroll_->setFocusProxy(view_);  // F2 works wherever the picture's surroundings are clicked
+    scroll_->setFocusProxy(view_);  // F2 works after a click beside the picture, too
     status_ = new QStatusBar(this);
     status_->setObjectName(QStringLiteral("StatusCtl"));
 

@@ -8,8 +8,8 @@
 namespace pictures::Helpers {
 namespace {
 
-// Larger than any JPEG of kMostPixels pixels.
-constexpr qint64 kMostFileBytes = qint64{512} << 20;
+// More than any JPEG of kMaxPixels pixels has.
+constexpr qint64 kMaxFileBytes = qint64{512} << 20;
 
 QString DecodeContext(JpegStep step) {
     switch (step) {
@@ -42,7 +42,7 @@ base::Result<bool> LoadJPG(cDIBSection& target, const QString& path, int scale,
                            platform::UserPrompts& prompts) {
     QFile file;
     if (!platform::OpenFile(file, path, QIODevice::ReadOnly)) return FileError(file, path);
-    if (file.size() > kMostFileBytes)
+    if (file.size() > kMaxFileBytes)
         return base::Status(base::StatusCode::kUnsupported,
                             (path + QStringLiteral(": the file is too large")).toStdString());
     const QByteArray bytes = file.readAll();

@@ -25,12 +25,11 @@ bool LoadJPGFromPtr(cDIBSection& target, std::span<const std::uint8_t> jpeg, int
                     platform::UserPrompts& prompts);
 
 // True: the file was written. False, after a message: the codec failed. An error: the file cannot
-// be written. Under the chosen name there is the whole new file or what was there before, never a
-// part.
+// be written. `path` is then the whole new file, or what was there before.
 base::Result<bool> SaveJPG(const cDIBSection& source, const QString& path,
                            platform::UserPrompts& prompts);
 
-// Shows what the codec says; the context comes last.
+// Shows the codec's message; the context comes last.
 void ReportIJLError(const QString& context, int status, const QString& text,
                     platform::UserPrompts& prompts);
 

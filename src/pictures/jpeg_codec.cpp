@@ -14,12 +14,12 @@ extern "C" {
 namespace pictures {
 namespace {
 
-// More scans than any encoder writes; a file with more only burns time.
-constexpr int kMostScans = 200;
+// More scans than any encoder writes: each costs a pass over the whole picture.
+constexpr int kMaxScans = 200;
 // A picture of at least this many bytes must have at least one byte of file for every 4096 pixels:
 // the shortest codes that the format allows need more.
 constexpr std::int64_t kSuspiciousBytes = std::int64_t{64} << 20;
-constexpr std::int64_t kMostPixelsPerByte = 4096;
+constexpr std::int64_t kMaxPixelsPerByte = 4096;
 
 // What the error jump needs. Plain data: no destructor may lie across the jump.
 struct ErrorState {
@@ -40,8 +40,7 @@ void Record(j_common_ptr info) {
     std::longjmp(reinterpret_cast<ErrorState*>(info->err)->jump, 1);  // NOLINT: as above
 }
 
-// A file that ends early or is damaged inside is no picture here, although the library would go on
-// with grey.
+// A file that ends early or is damaged is refused; the library would fill the rest with grey.
 void EmitMessage(j_common_ptr info, int level) {
     if (level >= 0) return;
     const int code = info->err->msg_code;
@@ -55,7 +54,7 @@ void OutputMessage(j_common_ptr) {}
 void WatchScans(j_common_ptr info) {
     auto* decompress =
         reinterpret_cast<j_decompress_ptr>(info);  // NOLINT: set on decompressors only
-    if (decompress->input_scan_number > kMostScans) {
+    if (decompress->input_scan_number > kMaxScans) {
         info->err->msg_code = JERR_BAD_PROGRESSION;
         ErrorExit(info);
     }
@@ -77,7 +76,7 @@ void SetText(ErrorState& state, int code, const char* text) {
 
 bool IsLying(std::int64_t pixels, std::size_t file_bytes) {
     return pixels * 3 > kSuspiciousBytes &&
-           static_cast<std::int64_t>(file_bytes) * kMostPixelsPerByte < pixels;
+           static_cast<std::int64_t>(file_bytes) * kMaxPixelsPerByte < pixels;
 }
 
 int DecoderScale(int scale) {
@@ -124,8 +123,8 @@ void InkRowToBgra(std::uint8_t* row, int width) {
     }
 }
 
-// The part that jumps. Every object with a destructor belongs to the caller. Returns the step that
-// failed.
+// The part that the library jumps out of: objects with destructors belong to the caller. Returns
+// the step that failed.
 JpegStep DecodeGuarded(jpeg_decompress_struct& info, ErrorState& state, jpeg_progress_mgr& progress,
                        std::span<const std::uint8_t> jpeg, int scale, cDIBSection& target) {
     volatile JpegStep step = JpegStep::kInitialise;
@@ -138,7 +137,7 @@ JpegStep DecodeGuarded(jpeg_decompress_struct& info, ErrorState& state, jpeg_pro
     jpeg_mem_src(&info, jpeg.data(), static_cast<unsigned long>(jpeg.size()));
     jpeg_read_header(&info, TRUE);
     const std::int64_t pixels = std::int64_t{info.image_width} * info.image_height;
-    if (pixels > kMostPixels || IsLying(pixels, jpeg.size())) {
+    if (pixels > kMaxPixels || IsLying(pixels, jpeg.size())) {
         SetText(state, JERR_IMAGE_TOO_BIG, "The picture is too large");
         return step;
     }

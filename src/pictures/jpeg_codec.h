@@ -1,6 +1,6 @@
 // JpegDecode and JpegEncode: libjpeg-turbo between bytes in memory and the rows of a cDIBSection,
-// without a copy of the pixels on the way. The library's error jumps end in here; no file makes it
-// take more memory than kMostPixels pixels call for.
+// without a copy of the pixels on the way. The library's error jumps end here; the memory that it
+// takes is bounded by kMaxPixels.
 #pragma once
 
 #include "pictures/dib_section.h"

@@ -196,7 +196,7 @@ void frmReadVPT::GoToSite() {
     OpenAddress(SiteAddress(InfoText(kSiteBox)));
 }
 
-// The address comes from a stranger's file: it is one argument of the open call and nothing more.
+// The address comes from an untrusted file; Shell::Open takes it as a single argument.
 void frmReadVPT::OpenAddress(const QString& address) {
     if (shell_.Open(address).ok()) return;
     platform::Message message;

@@ -1,10 +1,9 @@
 // StorageTools: what a table file says about itself. A table file (.vpt) is a compound file; its
-// storage TableInfo holds one stream per field. Strictly read-only. Whatever is wrong with a file
-// (not there, not a compound file, damaged, no such stream) reads as "nothing there": an absent
-// field and an empty one are the same to the callers, and nothing is reported. Damage hides what it
-// hits and no more.
-// Inside a file a name is found without regard to letter case; standard names are told from custom
-// ones exactly. Threads: a TableInfoFile belongs to one thread.
+// storage TableInfo holds one stream per field. Read-only. Errors are not reported: what cannot be
+// read (no such file, not a compound file, damaged, no such stream) reads as empty, since callers
+// treat an absent field and an empty one alike. Damage in one stream does not affect the others.
+// Names are found without regard to letter case; standard names are told from custom ones by exact
+// spelling. Threads: a TableInfoFile belongs to one thread.
 #pragma once
 
 #include <QtCore/QByteArray>
@@ -28,8 +27,7 @@ bool IsStandardInfoStream(const QString& name);
 // The picture file in stream Screenshot, not decoded. nullopt: there is none, or it is empty.
 std::optional<QByteArray> LoadTableScreenshot(const QString& path);
 
-// The same for several questions to one file, which is opened once. The file stays open as long as
-// the object.
+// The same functions on one open file. The file stays open as long as the object lives.
 class TableInfoFile {
 public:
     explicit TableInfoFile(const QString& path);

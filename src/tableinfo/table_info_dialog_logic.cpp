@@ -54,7 +54,7 @@ const std::array<InfoBox, kInfoBoxCount> kInfoBoxes = {{
     {u"TableRules", u"Rules", true},
 }};
 
-// The prefix is always put in front: an address that brings its own gets a second one.
+// The prefix is always added: an address that has one gets a second one.
 QString MailAddress(const QString& address, const QString& table_name) {
     return QStringLiteral("Mailto:") + address + QStringLiteral("?subject=") + table_name;
 }

@@ -1,5 +1,5 @@
 // What the table information dialog does besides showing texts: which box shows which stream, the
-// addresses it opens, and the copying into the main window's details.
+// addresses it opens, and copying into the main window's details.
 #pragma once
 
 #include "catalogue/detail_field.h"
@@ -38,7 +38,7 @@ public:
     virtual ~DetailTarget() = default;
     // Counts as an edit of the user.
     virtual void SetDetailText(catalogue::DetailField field, const QString& text) = 0;
-    // The two Save commands; what goes wrong is shown by them.
+    // The two Save commands; they show their errors themselves.
     virtual void Save() = 0;
     virtual void SaveRules() = 0;
 };

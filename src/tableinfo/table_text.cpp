@@ -12,7 +12,7 @@ bool IsControl(std::byte byte) {
 
 // In 16-bit text of Western languages most upper bytes are NUL, and in that of other alphabets they
 // are small numbers; text of one byte per character has few of either. NULs at the end are padding
-// of both kinds and tell nothing.
+// in both kinds and do not count.
 bool LooksLikeUtf16(std::span<const std::byte> bytes) {
     while (bytes.size() >= 2 && bytes[bytes.size() - 1] == std::byte{0} &&
            bytes[bytes.size() - 2] == std::byte{0})

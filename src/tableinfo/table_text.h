@@ -9,8 +9,8 @@
 namespace tableinfo {
 
 // The simulator stores 16-bit little-endian Unicode; some tools stored one byte per character.
-// Bytes that show themselves to be of the first kind are decoded as such, all others count as one
-// character (U+0000 to U+00FF) each. NULs are removed from the result, wherever they stand.
+// Bytes that look like the former are decoded so; otherwise every byte is one character (U+0000 to
+// U+00FF). All NULs are removed from the result.
 QString DecodeTableText(std::span<const std::byte> bytes);
 
 }  // namespace tableinfo

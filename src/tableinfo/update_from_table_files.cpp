@@ -49,7 +49,7 @@ base::Status Store(jet::Recordset& rows, const NewFields& fields) {
     return rows.Update();
 }
 
-// Field by field, so that one that does not fit takes no other with it.
+// Field by field, so that a text that does not fit leaves the others alone.
 base::Status StoreWhatFits(jet::Recordset& rows, const NewFields& fields) {
     for (const auto& field : fields) {
         const base::Status stored = Store(rows, {field});

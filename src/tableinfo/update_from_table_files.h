@@ -1,4 +1,4 @@
-// The bulk update: what the table files say about themselves goes into their rows of the catalogue.
+// The bulk update: copies the information in the table files into their rows of the catalogue.
 #pragma once
 
 #include "base/status.h"
@@ -11,10 +11,10 @@ namespace tableinfo {
 // Walks the whole catalogue. Each row whose file has information gets the texts that are not empty,
 // with every apostrophe doubled and without spaces at both ends; all other rows and columns stay as
 // they are. Each file is opened once. `show_progress` 1: `status` shows "Updating from VPTs..."
-// during the run and `progress` is called. `status` may be null, `progress` empty. A
-// text that its column cannot hold is left out. Any other failure of the database ends the run with
-// its Status; the rows done so far are kept. The caller runs its selection again afterwards, which
-// shows the new names.
+// during the run and `progress` is called. `status` may be null, `progress` empty. A text that does
+// not fit its column is left out. Any other failure of the database ends the run with its Status;
+// the rows done so far are kept. The caller runs its selection again afterwards, which shows the
+// new names.
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
                                   platform::StatusDisplay* status,
                                   const catalogue::Progress& progress = {});

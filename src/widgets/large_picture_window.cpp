@@ -10,15 +10,15 @@
 namespace widgets {
 namespace {
 
-// What the frame, the title bar and a margin take of the screen.
-constexpr double kMostOfScreen = 0.9;
-// A small picture is enlarged up to this.
-constexpr double kLeastOfScreen = 0.6;
+// The share of the screen that the picture may take; the rest is for frame, title bar and margin.
+constexpr double kMaxShareOfScreen = 0.9;
+// A small picture is enlarged to this share.
+constexpr double kMinShareOfScreen = 0.6;
 
-// The picture's own size where that is large already and the screen holds it.
+// The picture's own size unless it is too large or too small.
 QSize WindowSize(QSize own_size, QSize screen) {
-    const QSize most = screen * kMostOfScreen;
-    const QSize least = screen * kLeastOfScreen;
+    const QSize most = screen * kMaxShareOfScreen;
+    const QSize least = screen * kMinShareOfScreen;
     if (own_size.isEmpty()) return most;
     if (own_size.width() > most.width() || own_size.height() > most.height())
         return own_size.scaled(most, Qt::KeepAspectRatio);
@@ -39,7 +39,7 @@ void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* pare
     window->setObjectName(QStringLiteral("frmLargePicture"));
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setWindowTitle(Title(source));
-    // Above a modal dialog it must take the click that closes it.
+    // Modal, so that the window receives clicks also above a modal dialog.
     window->setWindowModality(Qt::WindowModal);
 
     auto* picture = new PictureBox(window, PictureBox::Role::kLarge);

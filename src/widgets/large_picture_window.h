@@ -1,5 +1,5 @@
-// The window that shows a picture large: as large as it is, but no larger than the screen and not
-// small either. A click into it or Escape closes it.
+// The window that shows a picture large: in its own size, reduced to what the screen holds, or
+// enlarged when it is small. A click into it or Escape closes it.
 #pragma once
 
 #include "widgets/picture_loader.h"

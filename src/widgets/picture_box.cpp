@@ -95,7 +95,7 @@ QSize PictureBox::SizeInPixels() const {
     return (QSizeF(size()) * devicePixelRatioF()).toSize().expandedTo({1, 1});
 }
 
-// A picture that was good once stays, although its file may have gone since.
+// A picture that was decoded once stays, even if its file has gone since.
 void PictureBox::Decode() {
     is_outgrown_ = false;
     auto decoded = DecodePicture(source_, SizeInPixels());

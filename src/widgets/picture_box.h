@@ -1,7 +1,7 @@
 // PictureBox: shows one picture with its proportions kept, centred, never enlarged; a placeholder
-// when there is none, and nothing while it waits for one. A picture comes to it decoded, or is
-// decoded when the box is first painted and at the size it has then; when the box has grown it is
-// decoded again. A click shows the picture large in a window of its own.
+// when there is none, and nothing while it waits for one. A picture is given decoded, or is decoded
+// at the size of the box when the box is first painted, and again when the box has grown. A click
+// shows the picture large in a window of its own.
 #pragma once
 
 #include "base/status.h"
@@ -18,7 +18,7 @@ class PictureBox : public QWidget {
 
 public:
     // What a box is for: to show a picture among other things, never enlarged, and large after a
-    // click; or to be the large one, which fills its window and tells of clicks.
+    // click; or to be the large one, which fills its window and emits Clicked.
     enum class Role { kPreview, kLarge };
 
     explicit PictureBox(QWidget* parent = nullptr, Role role = Role::kPreview);
@@ -29,7 +29,7 @@ public:
     void ShowDecoded(const PictureSource& source, const DecodedPicture& picture);
     void ShowPlaceholder();
     bool shows_placeholder() const { return source_.is_empty() && !waits_; }
-    // The box is empty until one of the calls above.
+    // Shows nothing until one of the calls above.
     void Wait();
     bool waits() const { return waits_; }
     const PictureSource& source() const { return source_; }

@@ -45,11 +45,11 @@ bool IsCutBitmap(QIODevice& device) {
 // The fewest bits that a JPEG block of 8 x 8 samples takes, and six of them cover 16 x 16 pixels: a
 // file that has more pixels than this for each of its bytes is filled up with grey, at the cost of
 // a whole picture.
-constexpr qint64 kMostPixelsPerJpegByte = 512;
+constexpr qint64 kMaxPixelsPerJpegByte = 512;
 constexpr qint64 kPixelsNotWorthAsking = 1'000'000;
 
 bool IsCutJpeg(const QImageReader& reader, qint64 pixels) {
-    return pixels > kPixelsNotWorthAsking + kMostPixelsPerJpegByte * reader.device()->size();
+    return pixels > kPixelsNotWorthAsking + kMaxPixelsPerJpegByte * reader.device()->size();
 }
 
 base::Status TooShort(const PictureSource& source) {
@@ -57,11 +57,11 @@ base::Status TooShort(const PictureSource& source) {
                    QStringLiteral("the picture is shorter than its header says"));
 }
 
-// What the header says is compared with what is there.
+// Compares what the header says with the size of the file.
 base::Status CheckSize(const QImageReader& reader, const PictureSource& source) {
     const QSize size = reader.size();
     const qint64 pixels = qint64{size.width()} * size.height();
-    if (pixels > kMostPicturePixels)
+    if (pixels > kMaxPicturePixels)
         return Failure(base::StatusCode::kUnsupported, source,
                        QStringLiteral("the picture is too large to be shown"));
     if (reader.format() == "jpeg" && IsCutJpeg(reader, pixels)) return TooShort(source);
@@ -77,7 +77,7 @@ bool LimitMemory() {
     return true;
 }
 
-// Set up for `device`; refuses what is no picture.
+// Configures `reader`; refuses what is not a picture.
 base::Status Prepare(QImageReader& reader, const PictureSource& source) {
     static const bool is_limited = LimitMemory();
     Q_UNUSED(is_limited);

@@ -1,9 +1,9 @@
-// Pictures of unknown origin: found out about from their headers, decoded at the size they are
-// shown in. Formats: BMP, JPEG, GIF and whatever else Qt reads, vector formats excepted (nothing
-// bounds the work of drawing one). Every file is taken as hostile: a picture that would need more
-// than kPictureMemoryMegabytes of memory, or that is shorter than its header says, is refused
-// before the memory is taken. Errors: kNotFound (no such file, no bytes), kUnsupported (no picture,
-// or too large), kCorruption (its data is damaged). Nothing throws.
+// Pictures of unknown origin: sizes read from their headers, pixels decoded at the size they are
+// shown in. Formats: BMP, JPEG, GIF and the others that Qt reads, except vector formats (the work
+// of drawing one has no bound). Files are not trusted: a picture that would need more than
+// kPictureMemoryMegabytes of memory, or that is shorter than its header says, is refused before the
+// memory is taken. Errors: kNotFound (no such file, no bytes), kUnsupported (not a picture, or too
+// large), kCorruption (its data is damaged). Nothing throws.
 #pragma once
 
 #include "base/status.h"
@@ -15,9 +15,9 @@
 
 namespace widgets {
 
-// A sheet of paper scanned at 800 dots per inch. Of four bytes each they are the
-// kPictureMemoryMegabytes that a decoder may take at once.
-inline constexpr qint64 kMostPicturePixels = 64 * 1024 * 1024;
+// The pixels of a sheet of paper scanned at 800 dots per inch. At four bytes each they take the
+// kPictureMemoryMegabytes that a decoder may allocate at once.
+inline constexpr qint64 kMaxPicturePixels = 64 * 1024 * 1024;
 inline constexpr int kPictureMemoryMegabytes = 256;
 
 // Where a picture comes from: the file `path`, or `bytes` when there is no path.

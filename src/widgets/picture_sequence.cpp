@@ -34,7 +34,7 @@ void PictureSequence::Stop() {
     next_ = 0;
 }
 
-// A step without a picture is passed over; the step of `next_` is the one that is being decoded.
+// Skips steps without a picture; afterwards steps_[next_] is being decoded.
 void PictureSequence::TakeNextStep() {
     for (; next_ < steps_.size(); ++next_) {
         current_step_ = steps_[next_].name;

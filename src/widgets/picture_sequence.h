@@ -1,7 +1,7 @@
-// PictureSequence: fills picture boxes one after the other. Each picture is decoded in a thread of
-// the sequence's own, so that a damaged one is known before anything is painted and a large one
-// holds nobody up. A new sequence puts an end to the one before, whose results are then dropped.
-// Threads: the user-interface thread.
+// PictureSequence: fills picture boxes one after the other. Pictures are decoded in a background
+// thread, so that a damaged one is known before anything is painted and a large one does not block
+// the window. Start ends the sequence before; its results are dropped. Threads: called on the
+// user-interface thread only.
 #pragma once
 
 #include "widgets/picture_box.h"
@@ -15,7 +15,7 @@
 namespace widgets {
 
 struct PictureStep {
-    PictureBox* box;       // outlives the sequence
+    PictureBox* box;       // borrowed; outlives the sequence
     PictureSource source;  // empty: the box keeps its placeholder
     QStringView name;      // of the step; a literal
     // A picture that cannot be decoded ends the sequence: the boxes behind it keep the placeholder.
@@ -30,11 +30,11 @@ public:
     // Waits for a picture that is being decoded.
     ~PictureSequence() override;
 
-    // `room`: pixels that a box has which is not shown at present.
+    // `room`: the size in pixels to decode for a box that is not visible at present.
     void Start(std::vector<PictureStep> steps, QSize room);
     // Boxes that still wait show the placeholder.
     void Stop();
-    // What it is doing or did last; kept for whoever looks with a debugger.
+    // The step in progress, else the last one; for debugging.
     QStringView current_step() const { return current_step_; }
 
 private:
@@ -44,7 +44,7 @@ private:
     std::vector<PictureStep> steps_;
     std::size_t next_ = 0;
     QSize room_;
-    std::uint64_t sequence_ = 0;  // counts them; a result of an earlier one is nobody's
+    std::uint64_t sequence_ = 0;  // number of the current one; results of earlier ones are dropped
     QStringView current_step_;
     QThreadPool decoder_;
 };

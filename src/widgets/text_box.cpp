@@ -3,15 +3,16 @@
 namespace widgets {
 namespace {
 
-// Far more than any column holds: the database refuses what does not fit, the box does not cut it.
-constexpr int kLongestLine = 1 << 24;
+// Far more than any column holds: a text that is too long is refused by the database, not cut by
+// the box.
+constexpr int kMaxLineLength = 1 << 24;
 
 }  // namespace
 
 TextBox TextBox::OneLine(QWidget* parent) {
     TextBox box;
     box.line_ = new QLineEdit(parent);
-    box.line_->setMaxLength(kLongestLine);
+    box.line_->setMaxLength(kMaxLineLength);
     return box;
 }
 

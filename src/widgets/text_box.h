@@ -10,8 +10,8 @@
 
 namespace widgets {
 
-// A handle to a widget that somebody else owns; copies stand for the same widget. A default-made
-// one stands for none.
+// A handle to a widget, which its Qt parent owns; copies refer to the same widget. Requires: one
+// made by OneLine or SeveralLines, for every call.
 class TextBox {
 public:
     TextBox() = default;
@@ -28,8 +28,8 @@ public:
     QWidget* widget() const;
 
 private:
-    QLineEdit* line_ = nullptr;       // this one
-    WholeTextEdit* lines_ = nullptr;  // or that one
+    QLineEdit* line_ = nullptr;       // either this
+    WholeTextEdit* lines_ = nullptr;  // or this
 };
 
 }  // namespace widgets

@@ -3,12 +3,11 @@
 namespace widgets {
 namespace {
 
-// The editor keeps every line apart and lays out a line as one piece, with a time that grows as the
-// square of its length when it has no blanks. Within these bounds a text appears in about half a
-// second.
-constexpr qsizetype kMostCharacters = 8'000'000;
-constexpr qsizetype kMostLineEnds = 400'000;
-constexpr qsizetype kLongestLine = 20'000;
+// The editor lays out each line as one piece, in a time that grows with the square of its length
+// when it has no blanks. Within these bounds a text appears in about half a second.
+constexpr qsizetype kMaxCharacters = 8'000'000;
+constexpr qsizetype kMaxLineEnds = 400'000;
+constexpr qsizetype kMaxLineLength = 20'000;
 
 bool IsLineEnd(QChar c) {
     return c == QLatin1Char('\r') || c == QLatin1Char('\n');
@@ -16,7 +15,7 @@ bool IsLineEnd(QChar c) {
 
 // How much of `text` the editor can show.
 qsizetype ShownLength(const QString& text) {
-    const qsizetype most = qMin(text.size(), kMostCharacters);
+    const qsizetype most = qMin(text.size(), kMaxCharacters);
     qsizetype line_start = 0;
     qsizetype line_ends = 0;
     for (qsizetype i = 0; i < most; ++i) {
@@ -24,7 +23,7 @@ qsizetype ShownLength(const QString& text) {
             line_start = i + 1;
             ++line_ends;
         }
-        if (i - line_start >= kLongestLine || line_ends >= kMostLineEnds) return i;
+        if (i - line_start >= kMaxLineLength || line_ends >= kMaxLineEnds) return i;
     }
     return most;
 }

@@ -1,6 +1,6 @@
-// WholeTextEdit: a box of several lines that gives back exactly the text it was given as long as
-// nobody edits it. Edited text has CR LF line ends, as the catalogue stores them. A text too large
-// to edit with comfort is kept whole; its beginning is shown and cannot be edited.
+// WholeTextEdit: a box of several lines that gives back exactly the text it was given until it is
+// edited. Edited text has CR LF line ends, as the catalogue stores them. Of a text too large for
+// the editor only the beginning is shown, read-only; the whole is kept.
 #pragma once
 
 #include <QtWidgets/QPlainTextEdit>

@@ -189,17 +189,17 @@ TEST_F(FolderScanTest, LinksThatFormACycleDoNotTrapTheWalk) {
     ASSERT_TRUE(QFile::link(tables.path(), Path(QStringLiteral("one/up"))));
     ASSERT_TRUE(QFile::link(Path(QStringLiteral("one")), Path(QStringLiteral("one/self"))));
     // A walk that is trapped all the same comes to an end, too: the links go away.
-    constexpr qsizetype kMostFolders = 4;
+    constexpr qsizetype kMaxFolders = 4;
     bool trapped = false;
     events.on_round = [&] {
-        if (observer.listed.size() <= kMostFolders) return;
+        if (observer.listed.size() <= kMaxFolders) return;
         trapped = true;
         QFile::remove(Path(QStringLiteral("one/up")));
         QFile::remove(Path(QStringLiteral("one/self")));
     };
     EXPECT_EQ(Scan(), 1);
     EXPECT_FALSE(trapped);
-    EXPECT_LE(observer.listed.size(), kMostFolders);
+    EXPECT_LE(observer.listed.size(), kMaxFolders);
 }
 
 TEST_F(FolderScanTest, AFileIsKnownByItsRealPathWhateverLinksLeadToIt) {

@@ -81,7 +81,7 @@ TEST_F(TextLinesTest, ALineOfMegabytesIsReadWhole) {
 
 TEST_F(TextLinesTest, ALineBeyondTheLimitComesOutEmpty) {
     const QStringList lines =
-        LinesOf(QByteArray(static_cast<qsizetype>(TextLines::kLongestLine) + 1, 'x') + "\nnext");
+        LinesOf(QByteArray(static_cast<qsizetype>(TextLines::kMaxLineBytes) + 1, 'x') + "\nnext");
     EXPECT_EQ(lines, (QStringList{QString(), QStringLiteral("next")}));
 }
 
