@@ -9,10 +9,14 @@
 
 namespace base {
 
-// Characters that the code page does not have become "?".
+// "?" for a character that is not in the code page.
+std::byte AnsiByte(char16_t c);
+char16_t AnsiCharacter(std::byte byte);
+
+// Characters that are not in the code page become "?".
 std::vector<std::byte> ToAnsi(std::u16string_view text);
 
-// Every byte is a character.
+// Every byte gives one character.
 std::u16string FromAnsi(std::span<const std::byte> bytes);
 
 }  // namespace base

@@ -1,3 +1,4 @@
+#include "base/ansi_text.h"
 #include "jet/errors.h"
 #include "jet/sql/functions/functions.h"
 #include "jet/text/collation.h"
@@ -6,7 +7,6 @@
 #include "jet/values/conversions.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdlib>
 
@@ -14,12 +14,6 @@ namespace jet::sql {
 namespace {
 
 using base::Result;
-
-// Windows code page 1252, codes 0x80..0x9F; the undefined ones stand for themselves.
-constexpr std::array<char16_t, 32> kAnsi = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 base::Status BadArgument() {
     return JetError(3001);
@@ -34,9 +28,7 @@ Result<std::size_t> CountArgument(const Value& value) {
 Result<Value> Chr(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(const std::int32_t code, WholeArgument(a[0]));
     if (code < 0 || code > 255) return BadArgument();
-    auto unit = static_cast<char16_t>(code);
-    if (unit >= 0x80 && unit < 0xA0) unit = kAnsi[unit - 0x80U];
-    return Value::Text(std::u16string(1, unit));
+    return Value::Text(std::u16string(1, base::AnsiCharacter(static_cast<std::byte>(code))));
 }
 
 Result<Value> ChrW(Arguments a, EvalContext&) {
@@ -53,10 +45,10 @@ Result<char16_t> FirstUnit(const Value& value) {
 
 Result<Value> Asc(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(const char16_t unit, FirstUnit(a[0]));
-    const auto found = std::find(kAnsi.begin(), kAnsi.end(), unit);
-    if (found != kAnsi.end())
-        return Value::Long(static_cast<std::int32_t>(found - kAnsi.begin()) + 0x80);
-    return Value::Long(unit < 0x100 ? unit : u'?');
+    const std::byte byte = base::AnsiByte(unit);
+    // A control character of 0x80 to 0x9F, which is not in the code page, gives its own number.
+    if (byte == std::byte{'?'} && unit < 0x100) return Value::Long(unit);
+    return Value::Long(std::to_integer<std::int32_t>(byte));
 }
 
 Result<Value> AscW(Arguments a, EvalContext&) {
