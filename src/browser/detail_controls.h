@@ -1,6 +1,7 @@
 // DetailControls: the widgets of the detail panel and their layout, without behaviour.
 #pragma once
 
+#include "catalogue/detail_field.h"
 #include "widgets/picture_box.h"
 #include "widgets/text_box.h"
 
@@ -18,7 +19,7 @@ namespace browser {
 struct DetailControls {
     QTabWidget* DetTab = nullptr;
     QLabel* pnlAlert = nullptr;
-    std::array<widgets::TextBox, 13> txtDet;
+    std::array<widgets::TextBox, catalogue::kDetailFieldCount> txtDet;
     QCheckBox* chkFavorite = nullptr;
     QCheckBox* chkPinMame = nullptr;
     QToolButton* Command2 = nullptr;  // image file

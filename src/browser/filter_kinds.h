@@ -26,9 +26,6 @@ inline constexpr std::array<FilterKind, 10> kFilterKinds = {{
     {u"filedate", u"Date Added", u"DateAdded"},
 }};
 
-inline constexpr std::array<QStringView, 6> kOrderCaptions = {
-    {u"Table Name", u"Year", u"Author", u"Company", u"Date Added", u"Times Played"}};
-
 // The operator button shows these in turn, beginning with the first.
 inline constexpr std::array<QStringView, 4> OperatorSymbols = {{u">", u"<", u"<>", u"="}};
 

@@ -1,6 +1,7 @@
 // The settings that the main window keeps between runs, stored as texts in the SettingsStore.
 #pragma once
 
+#include "catalogue/selection.h"
 #include "platform/settings_store.h"
 
 #include <QtCore/QString>
@@ -32,7 +33,7 @@ struct MainWindowSettings {
     int height_twips = kDefaultHeightTwips;
     int scale_height_twips = 0;  // height without the menu bar; written, never read
     QString direction = QStringLiteral("Asc");
-    QString order_by = QStringLiteral("Table Name");
+    QString order_by = catalogue::kOrderColumns.front().caption.toString();
     std::int64_t last_play = 0;  // node number (node_number.h) of the last selected node
     QString filter = QStringLiteral("All");
     QString sub;

@@ -1,6 +1,6 @@
 #include "browser/order_bar.h"
 
-#include "browser/filter_kinds.h"
+#include "catalogue/selection.h"
 
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QHBoxLayout>
@@ -44,8 +44,8 @@ OrderBar::OrderBar(QWidget* parent) : QWidget(parent) {
 void OrderBar::BuildOrder() {
     cboOrder_ = new QComboBox(this);
     cboOrder_->setObjectName(QStringLiteral("cboOrder"));
-    for (const QStringView caption : kOrderCaptions)
-        cboOrder_->addItem(caption.toString());
+    for (const catalogue::OrderColumn& order : catalogue::kOrderColumns)
+        cboOrder_->addItem(order.caption.toString());
     connect(cboOrder_, &QComboBox::activated, this, &OrderBar::Changed);
 
     lblDirection_ = new QPushButton(QStringLiteral("Asc"), this);

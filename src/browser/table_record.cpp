@@ -4,38 +4,30 @@
 #include "catalogue/quoting.h"
 #include "platform/files.h"
 
-#include <span>
-
 namespace browser {
 namespace {
 
 struct FieldColumn {
     DetailField field;
     const char16_t* column;
+    bool is_saved;  // with the record, as a user's edit
 };
 
-// In the order in which the fields are filled.
-constexpr FieldColumn kShownColumns[] = {
-    {kId, u"ID"},
-    {kYear, u"Year"},
-    {kDisplayName, u"DisplayName"},
-    {kFileName, u"FileName"},
-    {kAuthor, u"Author"},
-    {kVersion, u"Version"},
-    {kCompany, u"Company"},
-    {kImageFile, u"ImageFile"},
-    {kFlyerFile, u"FlyerFile"},
-    {kNotes, u"Notes"},
-    {kFileDate, u"FileDate"},
-    {kRulesFile, u"RulesFile"},
-    {kRulesText, u"RulesText"},
-};
-
-constexpr FieldColumn kSavedColumns[] = {
-    {kYear, u"Year"},           {kDisplayName, u"DisplayName"}, {kFileName, u"FileName"},
-    {kAuthor, u"Author"},       {kVersion, u"Version"},         {kCompany, u"Company"},
-    {kImageFile, u"ImageFile"}, {kFlyerFile, u"FlyerFile"},     {kNotes, u"Notes"},
-    {kRulesFile, u"RulesFile"},
+// In the order in which the fields are filled and written.
+constexpr FieldColumn kColumns[] = {
+    {kId, u"ID", false},
+    {kYear, u"Year", true},
+    {kDisplayName, u"DisplayName", true},
+    {kFileName, u"FileName", true},
+    {kAuthor, u"Author", true},
+    {kVersion, u"Version", true},
+    {kCompany, u"Company", true},
+    {kImageFile, u"ImageFile", true},
+    {kFlyerFile, u"FlyerFile", true},
+    {kNotes, u"Notes", true},
+    {kFileDate, u"FileDate", false},
+    {kRulesFile, u"RulesFile", true},
+    {kRulesText, u"RulesText", false},
 };
 
 // "Field '|' cannot be a zero-length string": some columns of older catalogues refuse empty texts.
@@ -54,10 +46,10 @@ jet::Value FieldValue(const QString& text, EmptyText empty) {
     return jet::Value::Text(text.toStdU16String());
 }
 
-base::Status WriteFields(jet::Recordset& rows, const TableRecord& record,
-                         std::span<const FieldColumn> columns, EmptyText empty) {
-    for (const auto& [field, column] : columns)
-        RETURN_IF_ERROR(rows.SetField(column, FieldValue(record.fields[field], empty)));
+base::Status WriteFields(jet::Recordset& rows, const TableRecord& record, EmptyText empty) {
+    for (const auto& [field, column, is_saved] : kColumns)
+        if (is_saved)
+            RETURN_IF_ERROR(rows.SetField(column, FieldValue(record.fields[field], empty)));
     return {};
 }
 
@@ -99,7 +91,7 @@ base::Status LoadTableRecord(jet::Connection& connection, const QString& file_na
                         catalogue::QuoteSqlExpr(file_name) + QStringLiteral("'");
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), connection));
-    for (const auto& [field, column] : kShownColumns) {
+    for (const auto& [field, column, is_saved] : kColumns) {
         ASSIGN_OR_RETURN(record.fields[field], TextOf(rows, column));
     }
     ASSIGN_OR_RETURN(record.pin_mame, IsTrue(rows, u"Pinmame"));
@@ -122,7 +114,7 @@ base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& rec
     jet::Recordset rows;
     RETURN_IF_ERROR(OpenById(connection, record.fields[kId], rows));
     return WriteRow(rows, [&](EmptyText empty) {
-        RETURN_IF_ERROR(WriteFields(rows, record, kSavedColumns, empty));
+        RETURN_IF_ERROR(WriteFields(rows, record, empty));
         return WriteChecks(rows, record);
     });
 }

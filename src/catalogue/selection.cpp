@@ -4,24 +4,9 @@
 #include "catalogue/typed_values.h"
 
 #include <algorithm>
-#include <array>
 
 namespace catalogue {
 namespace {
-
-struct OrderColumn {
-    QStringView caption;
-    QStringView column;
-};
-
-constexpr std::array<OrderColumn, 6> kOrderColumns = {{
-    {u"Table Name", u"DisplayName"},
-    {u"Year", u"Year"},
-    {u"Author", u"Author"},
-    {u"Company", u"Company"},
-    {u"Date Added", u"DateAdded"},
-    {u"Times Played", u"TimesPlayed"},
-}};
 
 bool IsTextColumn(const QString& filter_key) {
     return filter_key == u"Author" || filter_key == u"Company" || filter_key == u"Year";

@@ -7,6 +7,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <array>
 #include <optional>
 
 namespace catalogue {
@@ -21,6 +22,21 @@ base::Result<QString> ComposeFilterQuery(jet::Connection& connection, const QStr
                                          const QString& value, const QString& comparison);
 // The same text without running it. Empty for an unknown key.
 QString FilterQueryText(const QString& filter_key, const QString& value, const QString& comparison);
+
+// What the list can be sorted by, in the order of the order bar.
+struct OrderColumn {
+    QStringView caption;
+    QStringView column;
+};
+
+inline constexpr std::array<OrderColumn, 6> kOrderColumns = {{
+    {u"Table Name", u"DisplayName"},
+    {u"Year", u"Year"},
+    {u"Author", u"Author"},
+    {u"Company", u"Company"},
+    {u"Date Added", u"DateAdded"},
+    {u"Times Played", u"TimesPlayed"},
+}};
 
 // " Order By " + column + " " + direction; the column is empty for an unknown caption.
 QString ComposeOrderClause(const QString& order_caption, const QString& direction);

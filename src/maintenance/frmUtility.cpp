@@ -12,23 +12,12 @@
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QVBoxLayout>
 
-#include <array>
 #include <utility>
 
 namespace maintenance {
 namespace {
 
 constexpr const char* kTag = "tag";
-
-struct KindOption {
-    QStringView tag;
-    QStringView caption;
-};
-
-constexpr std::array<KindOption, 4> kKindOptions = {{{u"Table", u"Tables (File Names)"},
-                                                     {u"Picture", u"Picture"},
-                                                     {u"Flyer", u"Flyers"},
-                                                     {u"Rules", u"Rules"}}};
 
 }  // namespace
 
@@ -49,10 +38,10 @@ frmUtility::frmUtility(catalogue::Catalogue& catalogue, platform::UserPrompts& p
 QWidget* frmUtility::BuildKinds() {
     auto* group = new QGroupBox(QStringLiteral("Change the paths of"), this);
     auto* column = new QVBoxLayout(group);
-    for (std::size_t i = 0; i < kKindOptions.size(); ++i) {
-        auto* option = new QRadioButton(kKindOptions[i].caption.toString(), group);
+    for (std::size_t i = 0; i < kPathKinds.size(); ++i) {
+        auto* option = new QRadioButton(kPathKinds[i].caption.toString(), group);
         option->setObjectName(QStringLiteral("optType_%1").arg(i));
-        option->setProperty(kTag, kKindOptions[i].tag.toString());
+        option->setProperty(kTag, kPathKinds[i].kind.toString());
         option->setChecked(i == 0);
         column->addWidget(option);
         optType_.push_back(option);

@@ -4,20 +4,8 @@
 #include "catalogue/path_names.h"
 #include "jet/recordset.h"
 
-#include <array>
-
 namespace maintenance {
 namespace {
-
-struct PathKind {
-    QStringView kind;
-    QStringView column;
-};
-
-constexpr std::array<PathKind, 4> kPathKinds = {{{u"Table", u"FileName"},
-                                                 {u"Picture", u"ImageFile"},
-                                                 {u"Flyer", u"FlyerFile"},
-                                                 {u"Rules", u"RulesFile"}}};
 
 struct Move {
     std::u16string column;

@@ -7,10 +7,25 @@
 
 #include <QtCore/QString>
 
+#include <array>
+
 namespace maintenance {
 
-// The column that a kind of path stands for: "Table", "Picture", "Flyer" or "Rules". Empty: no such
-// kind.
+// A kind of path that a row holds.
+struct PathKind {
+    QStringView kind;
+    QStringView caption;  // in frmUtility
+    QStringView column;
+};
+
+inline constexpr std::array<PathKind, 4> kPathKinds = {{
+    {u"Table", u"Tables (File Names)", u"FileName"},
+    {u"Picture", u"Picture", u"ImageFile"},
+    {u"Flyer", u"Flyers", u"FlyerFile"},
+    {u"Rules", u"Rules", u"RulesFile"},
+}};
+
+// The column of one of kPathKinds. Empty: no such kind.
 QString PathColumn(const QString& kind);
 
 // What `stored` becomes when the files of folder `existing` are now in folder `next`; a null text
