@@ -2,25 +2,19 @@
 
 #include "catalogue/error_report.h"
 #include "jet/connection.h"
+#include "maintenance/confirm_change.h"
 
 namespace maintenance {
 namespace {
 
-bool UserAgrees(platform::UserPrompts& prompts) {
-    platform::Message question;
-    question.text =
-        QStringLiteral("This function sets the number of times played for all tables back to 0\r"
-                       "Are you sure you want to continue?");
-    question.title = QStringLiteral("Warning");
-    question.icon = platform::MessageIcon::kExclamation;
-    question.buttons = platform::MessageButtons::kYesNo;
-    return prompts.Ask(question) == platform::MessageAnswer::kYes;
-}
+constexpr QStringView kQuestion =
+    u"This function sets the number of times played for all tables back to 0\r"
+    u"Are you sure you want to continue?";
 
 }  // namespace
 
 void ResetTimesPlayed(CommandContext context) {
-    if (!UserAgrees(context.prompts)) return;
+    if (!ConfirmChange(context.prompts, kQuestion.toString())) return;
     const auto done = context.catalogue.CatalogueConnection->Execute(
         u"UPDATE Tables SET Tables.TimesPlayed = 0, lastplayed = NULL ");
     catalogue::ShowError(context.prompts, done.status());

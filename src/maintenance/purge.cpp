@@ -2,23 +2,17 @@
 
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
+#include "maintenance/confirm_change.h"
 #include "maintenance/row_walk.h"
 #include "platform/files.h"
 
 namespace maintenance {
 namespace {
 
-bool UserAgrees(platform::UserPrompts& prompts) {
-    platform::Message question;
-    question.text = QStringLiteral(
-        "This function will remove all tables that cannot befound from the database\r"
-        "Use the RESET PATHS function If you have simply moved your files to a new location\r"
-        "Are you sure you want to continue?");
-    question.title = QStringLiteral("Warning");
-    question.icon = platform::MessageIcon::kExclamation;
-    question.buttons = platform::MessageButtons::kYesNo;
-    return prompts.Ask(question) == platform::MessageAnswer::kYes;
-}
+constexpr QStringView kQuestion =
+    u"This function will remove all tables that cannot befound from the database\r"
+    u"Use the RESET PATHS function If you have simply moved your files to a new location\r"
+    u"Are you sure you want to continue?";
 
 base::Status DeleteWhenMissing(jet::Recordset& rows) {
     ASSIGN_OR_RETURN(const QString file, catalogue::FieldText(rows, u"FileName"));
@@ -29,7 +23,7 @@ base::Status DeleteWhenMissing(jet::Recordset& rows) {
 }  // namespace
 
 void PurgeMissingTables(CommandContext context) {
-    if (!UserAgrees(context.prompts)) return;
+    if (!ConfirmChange(context.prompts, kQuestion.toString())) return;
     catalogue::ShowError(context.prompts, WalkRows(context, QStringLiteral("Select * from Tables"),
                                                    DeleteWhenMissing));
     context.refresh_tree();

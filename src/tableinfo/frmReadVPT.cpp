@@ -22,8 +22,6 @@ using widgets::PictureSource;
 using widgets::TextBox;
 using widgets::WholeTextEdit;
 
-constexpr int kMailBox = 4;
-constexpr int kSiteBox = 5;
 constexpr QSize kOpeningSize(720, 600);
 
 QPushButton* Button(const char* name, const QString& caption) {
@@ -189,7 +187,7 @@ void frmReadVPT::UpdateDetails() {
 }
 
 void frmReadVPT::SendMail() {
-    OpenAddress(MailAddress(InfoText(kMailBox), InfoText(0)));
+    OpenAddress(MailAddress(InfoText(kMailBox), InfoText(kNameBox)));
 }
 
 void frmReadVPT::GoToSite() {

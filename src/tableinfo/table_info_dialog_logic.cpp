@@ -7,15 +7,8 @@ namespace {
 
 using catalogue::DetailField;
 
-// Boxes of the dialog.
-constexpr int kNameBox = 0;
-constexpr int kAuthorBox = 1;
-constexpr int kVersionBox = 2;
-constexpr int kBlurbBox = 6;
-constexpr int kRulesBox = 8;
-
 struct Copy {
-    int box;
+    InfoBoxIndex box;
     DetailField field;
 };
 

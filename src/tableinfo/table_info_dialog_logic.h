@@ -11,7 +11,19 @@
 
 namespace tableinfo {
 
-inline constexpr int kInfoBoxCount = 9;
+// Positions in the control array txtInfo.
+enum InfoBoxIndex : int {
+    kNameBox = 0,
+    kAuthorBox,
+    kVersionBox,
+    kReleaseDateBox,
+    kMailBox,
+    kSiteBox,
+    kBlurbBox,
+    kDescriptionBox,
+    kRulesBox,
+    kInfoBoxCount
+};
 
 // One element of the control array txtInfo.
 struct InfoBox {

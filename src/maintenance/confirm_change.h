@@ -1,0 +1,18 @@
+// ConfirmChange: asks before a command changes the whole catalogue.
+#pragma once
+
+#include "platform/user_prompts.h"
+
+namespace maintenance {
+
+// True: the user said Yes.
+inline bool ConfirmChange(platform::UserPrompts& prompts, const QString& text) {
+    platform::Message question;
+    question.text = text;
+    question.title = QStringLiteral("Warning");
+    question.icon = platform::MessageIcon::kExclamation;
+    question.buttons = platform::MessageButtons::kYesNo;
+    return prompts.Ask(question) == platform::MessageAnswer::kYes;
+}
+
+}  // namespace maintenance
