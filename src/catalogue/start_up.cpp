@@ -3,8 +3,8 @@
 #include "catalogue/data_source.h"
 #include "catalogue/date_texts.h"
 #include "catalogue/process_values.h"
+#include "catalogue/program_settings.h"
 #include "catalogue/quoting.h"
-#include "catalogue/setting_names.h"
 #include "jet/connection.h"
 #include "platform/application_folder.h"
 #include "platform/clock.h"
@@ -57,8 +57,7 @@ void StampUndatedRows(jet::Connection& connection, const QString& today) {
 base::Status Main(Catalogue& catalogue) {
     const QString today = StoredDate(catalogue.clock->Now());
     FillProcessValues(*catalogue.values);
-    catalogue.values->VisualPinballExe = catalogue.settings->GetSetting(
-        kSettingsApplication.toString(), kSettingsSection.toString(), QStringLiteral("VPEXE"));
+    catalogue.values->VisualPinballExe = ReadSetting(*catalogue.settings, kExecutableKey);
     RETURN_IF_ERROR(OpenCatalogue(catalogue));
     AddMissingColumns(*catalogue.CatalogueConnection);
     StampUndatedRows(*catalogue.CatalogueConnection, today);

@@ -2,27 +2,13 @@
 
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
-#include "catalogue/setting_names.h"
+#include "catalogue/program_settings.h"
 #include "platform/files.h"
 #include "platform/settings_store.h"
 
 namespace dialogs {
-namespace {
-
-const QString kExecutableKey = QStringLiteral("VPEXE");
-
-QString Application() {
-    return catalogue::kSettingsApplication.toString();
-}
-
-QString Section() {
-    return catalogue::kSettingsSection.toString();
-}
-
-}  // namespace
-
 QString StoredExecutable(const catalogue::Catalogue& catalogue) {
-    return catalogue.settings->GetSetting(Application(), Section(), kExecutableKey);
+    return catalogue::ReadSetting(*catalogue.settings, catalogue::kExecutableKey);
 }
 
 QString ChooseExecutable(platform::UserPrompts& prompts, const QString& current) {
@@ -45,7 +31,7 @@ bool StoreExecutable(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
         return false;
     }
     const base::Status stored =
-        catalogue.settings->SaveSetting(Application(), Section(), kExecutableKey, path);
+        catalogue::WriteSetting(*catalogue.settings, catalogue::kExecutableKey, path);
     catalogue.values->VisualPinballExe = path;
     catalogue::ShowError(prompts, stored);
     return true;

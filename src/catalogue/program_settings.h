@@ -1,0 +1,30 @@
+// The program's settings in the SettingsStore: all are in one section.
+#pragma once
+
+#include "platform/settings_store.h"
+
+#include <QtCore/QString>
+
+namespace catalogue {
+
+inline constexpr QStringView kSettingsApplication = u"TAVOLO";
+inline constexpr QStringView kSettingsSection = u"GENERAL";
+
+// The key of the simulator's executable.
+inline constexpr QStringView kExecutableKey = u"VPEXE";
+
+// `fallback` when nothing is stored.
+inline QString ReadSetting(platform::SettingsStore& store, QStringView key,
+                           const QString& fallback = {}) {
+    return store.GetSetting(kSettingsApplication.toString(), kSettingsSection.toString(),
+                            key.toString(), fallback);
+}
+
+// Errors are those of SettingsStore::SaveSetting.
+inline base::Status WriteSetting(platform::SettingsStore& store, QStringView key,
+                                 const QString& value) {
+    return store.SaveSetting(kSettingsApplication.toString(), kSettingsSection.toString(),
+                             key.toString(), value);
+}
+
+}  // namespace catalogue
