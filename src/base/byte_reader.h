@@ -1,6 +1,6 @@
-// LoadLittle, LoadBig and the like: integers out of bytes at any alignment; the caller has checked
-// that the bytes are there. LittleAt and BytesAt check the bounds themselves and return nullopt
-// outside of them: for spans from a file whose size was not checked before.
+// Numbers read from bytes at any alignment. LoadLittle, LoadBig, LoadDouble and LoadFloat trust the
+// caller that the bytes are there. LittleAt and BytesAt check the bounds and return nullopt outside
+// of them: for spans from a file whose size has not been checked.
 #pragma once
 
 #include <bit>
@@ -32,14 +32,14 @@ constexpr T LoadBig(const std::byte* from) {
     return static_cast<T>(value);
 }
 
-// nullopt: the integer does not lie inside `bytes`.
+// nullopt: the integer does not lie inside `bytes` as a whole.
 template <std::integral T>
 constexpr std::optional<T> LittleAt(std::span<const std::byte> bytes, std::size_t offset) {
     if (offset > bytes.size() || bytes.size() - offset < sizeof(T)) return std::nullopt;
     return LoadLittle<T>(bytes.data() + offset);
 }
 
-// Part of `bytes`; nullopt when it would reach outside.
+// The `size` bytes at `offset`; nullopt: they do not lie inside `bytes` as a whole.
 constexpr std::optional<std::span<const std::byte>> BytesAt(std::span<const std::byte> bytes,
                                                             std::size_t offset, std::size_t size) {
     if (offset > bytes.size() || bytes.size() - offset < size) return std::nullopt;

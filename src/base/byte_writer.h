@@ -1,5 +1,5 @@
-// StoreLittle and AppendLittle: integers into bytes, little endian (StoreBig: big endian, as index
-// keys want).
+// Numbers written as bytes at any alignment: Store... overwrites bytes, Append... adds to the end
+// of a vector. StoreDouble is little endian.
 #pragma once
 
 #include <bit>

@@ -15,8 +15,8 @@ namespace base {
 
 inline constexpr std::size_t kBitmapHeaderBytes = 34;
 
-// `header`: the first kBitmapHeaderBytes of the file, or all of a shorter one. Run-length coded
-// pictures and files that are no bitmaps are never cut, as far as can be told here.
+// `header`: the first kBitmapHeaderBytes of the file, or all of a shorter one. False for run-length
+// coded pictures and for files that are not bitmaps.
 inline bool IsCutBitmap(std::span<const std::byte> header, std::int64_t file_bytes) {
     if (header.size() < 30 || header[0] != std::byte{'B'} || header[1] != std::byte{'M'})
         return false;

@@ -1,4 +1,4 @@
-// The pieces of a stored path. Texts, not files: nothing here looks at a disk.
+// The pieces of a stored path, as texts: nothing here looks at a disk.
 // Both "\" and "/" separate, on every system: a catalogue keeps the paths of the system it was made
 // on.
 #pragma once
@@ -20,8 +20,8 @@ std::u16string_view GetFileName(std::u16string_view path);
 std::u16string_view GetFolder(std::u16string_view path);
 
 // The name without its last four characters, whatever they are: made for table file names, which
-// end in .vpt. Blank in, empty out. A name of fewer than four characters is the caller's error; it
-// gives the empty text.
+// end in .vpt. Blank in, empty out; empty also for a name of fewer than four characters, which no
+// table file has.
 std::u16string_view StripExtension(std::u16string_view file_name);
 
 // `folder` ending in a separator: as it is when it ends in one already; otherwise "\" is appended

@@ -1,5 +1,5 @@
-// ScopedFlag: a flag that is true while the guard lives and has its former value again afterwards,
-// whichever way the block is left.
+// ScopedFlag: sets a flag while the guard lives and restores its former value, whichever way the
+// block is left.
 #pragma once
 
 namespace base {

@@ -96,13 +96,13 @@ private:
 #define BASE_CONCAT_INNER(a, b) a##b
 #define BASE_CONCAT(a, b) BASE_CONCAT_INNER(a, b)
 
-// Leaves the function with the Status of `expr` unless it is ok.
+// Returns the Status of `expr` from the function unless it is ok.
 #define RETURN_IF_ERROR(expr)                                                                      \
     do {                                                                                           \
         if (::base::Status status_of_expr = (expr); !status_of_expr.ok()) return status_of_expr;   \
     } while (false)
 
-// ASSIGN_OR_RETURN(auto page, store.Read(3)): the value, or leaves the function with the Status.
+// ASSIGN_OR_RETURN(auto page, store.Read(3)): the value, or returns the Status from its function.
 #define ASSIGN_OR_RETURN(declaration, expr)                                                        \
     ASSIGN_OR_RETURN_INNER(BASE_CONCAT(result_of_line_, __LINE__), declaration, expr)
 #define ASSIGN_OR_RETURN_INNER(result, declaration, expr)                                          \
