@@ -209,6 +209,28 @@ TEST_P(PageAllocatorTest, AMapOfTooFewBitmapPagesGetsMore) {
     EXPECT_EQ(Allocate(), 2 * per_page + 23);
 }
 
+// The bitmap of the second range is there and says that pages past the end are free; that of the
+// first is missing. The page that becomes it lies in the second range and must be taken there.
+TEST_P(PageAllocatorTest, ABitmapThatIsAddedIsInUseInTheRangeWhereItLies) {
+    const auto per_page = static_cast<PageNumber>(format_.bits_per_bitmap_page());
+    const PageNumber pages = per_page + 20;
+    const PageNumber bitmap = per_page + 10;
+    std::vector<std::byte> map(1 + 4 * 2);
+    map[0] = std::byte{1};
+    base::StoreLittle<std::uint32_t>(map.data() + 5, bitmap);
+    Make(pages, map);
+    const std::span<std::byte> bytes = store_->Change(bitmap).value();
+    bytes[0] = std::byte{5};
+    bytes[1] = std::byte{1};
+    for (std::size_t bit = pages - per_page; bit < per_page; ++bit)
+        bytes[4 + bit / 8] |= static_cast<std::byte>(1U << bit % 8);
+    Free(10);
+    ExpectCovered();
+    EXPECT_FALSE(IsFree(pages)) << "the new bitmap";
+    EXPECT_EQ(Allocate(), 10U);
+    EXPECT_EQ(Allocate(), pages + 1);
+}
+
 INSTANTIATE_TEST_SUITE_P(Versions, PageAllocatorTest, testing::Values(3, 4),
                          [](const auto& version) { return "Jet" + std::to_string(version.param); });
 
