@@ -69,6 +69,15 @@ TEST_F(CounterTest, ASmallerNumberThatIsGivenDoesNotSetItBack) {
     EXPECT_EQ(First(u"SELECT ID FROM T ORDER BY ID"), "-5 4 10 11 12");
 }
 
+TEST_F(CounterTest, ASmallerNumberDoesNotBringBackOneThatWasDeleted) {
+    Run(u"CREATE TABLE T (ID COUNTER PRIMARY KEY, N LONG)");
+    Run(u"INSERT INTO T (ID, N) VALUES (10, 1)");
+    Run(u"INSERT INTO T (ID, N) VALUES (4, 2)");
+    Run(u"DELETE FROM T WHERE ID = 10");
+    Run(u"INSERT INTO T (N) VALUES (3)");
+    EXPECT_EQ(First(u"SELECT ID FROM T ORDER BY ID"), "4 11");
+}
+
 TEST_F(CounterTest, ItGoesOnAfterTheLastRowsAreGone) {
     Run(u"CREATE TABLE T (ID COUNTER PRIMARY KEY, N LONG)");
     for (int i = 0; i < 3; ++i)
