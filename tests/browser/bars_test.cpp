@@ -90,6 +90,7 @@ TEST_F(FilterBarTest, AValueKindOffersTheValuesOfItsColumn) {
     EXPECT_EQ(det->count(), 2);
     EXPECT_EQ(det->itemText(1), S(u"Stern"));
     EXPECT_EQ(bar.FilterValue(), QString());  // none is chosen yet
+    EXPECT_EQ(det->currentIndex(), -1) << "the first one can still be chosen by a key";
 }
 
 TEST_F(FilterBarTest, ChangingTheKindEmptiesTheValue) {

@@ -325,6 +325,16 @@ TEST_F(MainWindowWithTables, AClickShowsTheTableAndIsRemembered) {
     EXPECT_EQ(Saved(u"LASTPLAY"), S(u"16"));
 }
 
+TEST_F(MainWindowWithTables, ASaveWithoutASelectedNodeRemembersTheLastOne) {
+    Open();
+    Click(Table(2));
+    EditName();
+    Tree()->setCurrentIndex({});
+    window->details().Save();
+    window->close();
+    EXPECT_EQ(Saved(u"LASTPLAY"), S(u"16"));
+}
+
 TEST_F(MainWindowWithTables, ArrowKeysShowTablesToo) {
     Open();
     Click(Table(0));

@@ -106,6 +106,11 @@ TEST_F(MainWindowSettingsTest, RubbishIsTheDefault) {
     EXPECT_EQ(ReadSettings(store), MainWindowSettings{});
 }
 
+TEST_F(MainWindowSettingsTest, AnEmptyComparisonIsEquality) {
+    Store(QStringLiteral("OPERATOR"), QStringLiteral(""));
+    EXPECT_EQ(ReadSettings(store).comparison, QStringLiteral("="));
+}
+
 TEST_F(MainWindowSettingsTest, ImpossibleNumbersDoNoHarm) {
     Store(QStringLiteral("WIDTH"), QStringLiteral("1e300"));
     Store(QStringLiteral("HEIGHT"), QStringLiteral("-5"));

@@ -3,6 +3,7 @@
 #include "jet/connection.h"
 #include "jet/tables/database.h"
 #include "platform/file_system.h"
+#include "support/full_disk.h"
 
 #include <gtest/gtest.h>
 
@@ -73,6 +74,21 @@ TEST_F(NewCatalogueTest, AFileThatIsThereIsNotTouched) {
     EXPECT_EQ(again.code(), base::StatusCode::kAlreadyExists);
     jet::Connection connection(*files);
     EXPECT_TRUE(connection.Open(u"Data Source=" + path.toStdU16String()).ok());
+}
+
+TEST_F(NewCatalogueTest, WhatCouldNotBeMadeWholeIsTakenAway) {
+    const std::filesystem::path other =
+        folder.filePath(QStringLiteral("other.mdb")).toStdU16String();
+    int failures = 0;
+    for (int writes = 0;; ++writes) {
+        ASSERT_LT(writes, 1000);
+        test_support::FullDisk disk(*files, writes);
+        if (CreateEmptyCatalogue(disk, other, 46000.5).ok()) break;
+        ++failures;
+        EXPECT_FALSE(files->Exists(other)) << writes << " writes";
+    }
+    EXPECT_GT(failures, 3);
+    EXPECT_TRUE(files->Exists(other));
 }
 
 TEST_F(NewCatalogueTest, OtherProgramsReadIt) {

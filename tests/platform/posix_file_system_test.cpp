@@ -104,6 +104,24 @@ TEST_F(FileSystemTest, FullDiskIsNoSpace) {
     EXPECT_EQ(file->WriteAt(std::uint64_t{1} << 62, Bytes("x")).code(), StatusCode::kNoSpace);
 }
 
+// A descriptor of a pipe in the place of the file's: the system refuses to sync it.
+TEST_F(FileSystemTest, ASyncThatFailsIsReported) {
+    const auto file = Open("a", OpenMode::kCreate);
+    ASSERT_TRUE(file->Sync().ok());
+    int pipe_ends[2];
+    ASSERT_EQ(::pipe(pipe_ends), 0);
+    int replaced = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (std::filesystem::read_symlink(entry, gone) == std::filesystem::canonical(folder_ / "a"))
+            replaced += ::dup2(pipe_ends[1], std::stoi(entry.path().filename())) >= 0 ? 1 : 0;
+    }
+    ::close(pipe_ends[0]);
+    ::close(pipe_ends[1]);
+    ASSERT_EQ(replaced, 1);
+    EXPECT_FALSE(file->Sync().ok());
+}
+
 TEST_F(FileSystemTest, LocksConflictBetweenOpeningsAndEndWithTheFile) {
     Open("a", OpenMode::kCreate);
     auto one = Open("a", OpenMode::kReadWrite);

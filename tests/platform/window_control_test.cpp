@@ -53,6 +53,8 @@ TEST_F(WindowControlTest, AWindowIsFoundByClassAndExactTitle) {
     ASSERT_TRUE(Appears(Playing()));
     EXPECT_FALSE(windows_->Find(kClass, Ended()));
     EXPECT_FALSE(windows_->Find(kClass, Playing().toUpper()));
+    EXPECT_FALSE(windows_->Find(kClass, Playing().chopped(1)));
+    EXPECT_FALSE(windows_->Find(kClass, Playing().mid(1)));
     EXPECT_FALSE(windows_->Find(QStringLiteral("Other"), Playing()));
 }
 

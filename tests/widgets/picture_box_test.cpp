@@ -73,6 +73,33 @@ TEST(PictureBoxTest, AGrownBoxDecodesAgain) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return box.ShownImage().width() == 400; }));
 }
 
+class PaintCounter final : public QObject {
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+TEST(PictureBoxTest, AnotherPictureIsPaintedWithoutBeingAskedFor) {
+    PictureBox box;
+    box.resize(100, 100);
+    box.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&box));
+    box.SetSource(Png(20, 20));
+    QCoreApplication::processEvents();
+    PaintCounter counter;
+    box.installEventFilter(&counter);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(counter.paints, 0);
+    box.SetSource(Png(40, 40));
+    QCoreApplication::processEvents();
+    EXPECT_GT(counter.paints, 0);
+}
+
 TEST(PictureBoxTest, GarbageLeavesThePlaceholder) {
     PictureBox box;
     EXPECT_FALSE(box.SetPicture(PictureSource::Bytes("no picture")).ok());

@@ -107,6 +107,15 @@ TEST_P(TurnedPictureTest, IsSeenAsItWasTaken) {
     }
 }
 
+// The box is as wide as the picture is stored, not as it is seen.
+TEST(PictureLoaderTest, ATurnedPictureFitsIntoABoxThatIsNoSquare) {
+    for (const int orientation : {6, 8}) {
+        const auto picture = DecodePicture(PictureSource::Bytes(TurnedJpeg(orientation)), {64, 32});
+        ASSERT_TRUE(picture.ok()) << picture.status().message();
+        EXPECT_EQ(picture->size(), QSize(16, 32)) << orientation;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Orientations, TurnedPictureTest,
     testing::Values(Turn{1, true, "red", "blue", "green"}, Turn{2, true, "blue", "red", "white"},

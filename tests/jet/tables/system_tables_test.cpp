@@ -97,6 +97,22 @@ TEST_F(SystemTablesTest, ANewTableHasThePermissionsThatItsContainerGives) {
     EXPECT_EQ(Describe(Read(u"MSysObjects", ObjectOf(u"Games"), u"Owner")), "0301");
 }
 
+TEST_F(SystemTablesTest, PermissionsOfOneUserInTheContainerAddUp) {
+    constexpr std::int32_t kTablesContainer = 0x0F000001;
+    std::vector<Value> row(4);
+    row[PositionOf(u"MSysACEs", u"ObjectId")] = Value::Long(kTablesContainer);
+    row[PositionOf(u"MSysACEs", u"SID")] = Value::Binary(SidBytes(kSidAdmin));
+    row[PositionOf(u"MSysACEs", u"ACM")] = Value::Long(1);
+    row[PositionOf(u"MSysACEs", u"FInheritable")] = Value::Boolean(true);
+    ASSERT_TRUE(Insert(u"MSysACEs", row).ok());
+    CreateGames();
+    std::vector<std::string> rights;
+    for (const RowId entry : Find(u"MSysACEs", u"ObjectId", IdOf(u"Games")))
+        if (Read(u"MSysACEs", entry, u"SID") == Value::Binary(SidBytes(kSidAdmin)))
+            rights.push_back(Describe(Read(u"MSysACEs", entry, u"ACM")));
+    EXPECT_EQ(rights, (std::vector{std::to_string(0xF00FE | 1)})) << "those of the owner, and this";
+}
+
 // The key of the stream is made from fields of page 0; without a password only these count.
 TEST_F(SystemTablesTest, UsersAreScrambledInTheFile) {
     CreateGames();
