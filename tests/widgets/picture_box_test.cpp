@@ -89,13 +89,13 @@ TEST(PictureBoxTest, AnotherPictureIsPaintedWithoutBeingAskedFor) {
     box.resize(100, 100);
     box.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&box));
-    box.SetSource(Png(20, 20));
+    ASSERT_TRUE(box.SetPicture(Png(20, 20)).ok());
     QCoreApplication::processEvents();
     PaintCounter counter;
     box.installEventFilter(&counter);
     QCoreApplication::processEvents();
     ASSERT_EQ(counter.paints, 0);
-    box.SetSource(Png(40, 40));
+    ASSERT_TRUE(box.SetPicture(Png(40, 40)).ok());
     QCoreApplication::processEvents();
     EXPECT_GT(counter.paints, 0);
 }
