@@ -1,5 +1,6 @@
 #include "app/application_folder_choice.h"
 
+#include "catalogue/program_files.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
@@ -10,13 +11,13 @@ namespace app {
 namespace {
 
 const QString& CatalogueName() {
-    static const QString name = QStringLiteral("pinball.mdb");
+    static const QString name = catalogue::kCatalogueFile.toString();
     return name;
 }
 
 QStringList CompanionNames() {
-    return {QStringLiteral("Pinball.wav"), QStringLiteral("slingshot.wav"),
-            QStringLiteral("tavolo.chm")};
+    return {catalogue::kPlaySound.toString(), catalogue::kClickSound.toString(),
+            catalogue::kHelpFile.toString()};
 }
 
 bool Holds(const QString& folder, const QString& name) {
@@ -26,8 +27,8 @@ bool Holds(const QString& folder, const QString& name) {
 // True for the program's files in its folder: the catalogue with its backup, journal and lock, the
 // delivered files, and the files that the program writes.
 bool IsOurs(const QString& name) {
-    static const QStringList others = CompanionNames()
-                                      << QStringLiteral("temp.jpg") << QStringLiteral("temp.bmp");
+    static const QStringList others = CompanionNames() << catalogue::kTemporaryJpeg.toString()
+                                                       << catalogue::kTemporaryBitmap.toString();
     return name.startsWith(QLatin1String("pinball."), Qt::CaseInsensitive) ||
            others.contains(name, Qt::CaseInsensitive);
 }

@@ -7,6 +7,7 @@
 #include "browser/wait_until_shown.h"
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
+#include "catalogue/program_files.h"
 #include "catalogue/selection.h"
 #include "dialogs/program_version.h"
 #include "jet/connection.h"
@@ -367,7 +368,8 @@ MainWindowSettings frmPinball::CurrentSettings() const {
 
 // Removes the files that the capture window leaves.
 void frmPinball::RemoveWorkFiles() {
-    for (const QString& name : {QStringLiteral("temp.jpg"), QStringLiteral("temp.bmp")})
+    for (const QString& name :
+         {catalogue::kTemporaryJpeg.toString(), catalogue::kTemporaryBitmap.toString()})
         platform::RemoveFile(platform::FileIn(catalogue_.values->ApplicationFolder, name));
 }
 

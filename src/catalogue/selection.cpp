@@ -84,8 +84,7 @@ base::Result<QStringList> FilterValues(jet::Connection& connection, const QStrin
 }
 
 std::optional<QString> InvalidFilterValue(const QString& filter_key, const QString& value) {
-    if (filter_key == u"FileDate" && !IsDate(value))
-        return QStringLiteral("Please enter a valid date");
+    if (filter_key == u"FileDate" && !IsDate(value)) return kInvalidDate.toString();
     if (filter_key == u"TimesPlayed" && !IsNumeric(value))
         return QStringLiteral("Please enter a valid number");
     return std::nullopt;

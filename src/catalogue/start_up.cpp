@@ -3,6 +3,7 @@
 #include "catalogue/data_source.h"
 #include "catalogue/date_texts.h"
 #include "catalogue/process_values.h"
+#include "catalogue/program_files.h"
 #include "catalogue/program_settings.h"
 #include "catalogue/quoting.h"
 #include "jet/connection.h"
@@ -35,7 +36,7 @@ void FillProcessValues(ProcessValues& values) {
 
 base::Status OpenCatalogue(Catalogue& catalogue) {
     const QString path =
-        platform::FileIn(catalogue.values->ApplicationFolder, QStringLiteral("pinball.mdb"));
+        platform::FileIn(catalogue.values->ApplicationFolder, kCatalogueFile.toString());
     const QString stored = platform::ExistingName(path);
     return catalogue.CatalogueConnection->Open(u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
                                                DataSourceValue(stored.toStdU16String()));

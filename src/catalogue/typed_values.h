@@ -5,6 +5,9 @@
 
 namespace catalogue {
 
+// The message about a text that is not a date.
+inline constexpr QStringView kInvalidDate = u"Please enter a valid date";
+
 bool IsDate(const QString& text);
 bool IsNumeric(const QString& text);
 

@@ -1,5 +1,6 @@
 #include "dialogs/help.h"
 
+#include "catalogue/program_files.h"
 #include "dialogs/help_pages.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
@@ -22,7 +23,7 @@ std::optional<QString> PresentHelpFile(const QString& application_folder,
 }  // namespace
 
 QString HelpFile(const QString& application_folder, const QString& program_folder) {
-    const QString name = QStringLiteral("tavolo.chm");
+    const QString name = catalogue::kHelpFile.toString();
     const QString own = platform::FileIn(application_folder, name);
     const QString shared = QDir::cleanPath(program_folder + QStringLiteral("/../share/tavolo"));
     for (const QString& file :

@@ -1,6 +1,7 @@
 #include "launcher/play_button.h"
 
 #include "assets.h"
+#include "catalogue/program_files.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -61,7 +62,7 @@ void PlayButton::mousePressEvent(QMouseEvent* event) {
     QPushButton::mousePressEvent(event);
     if (values_.SoundOn && sound_) {
         repaint();
-        sound_(QStringLiteral("slingshot.wav"));
+        sound_(catalogue::kClickSound.toString());
     }
     SetTextColour(kPressed);
 }

@@ -3,6 +3,7 @@
 #include "catalogue/error_report.h"
 #include "catalogue/path_names.h"
 #include "catalogue/process_values.h"
+#include "catalogue/program_files.h"
 #include "launcher/update_play_count.h"
 #include "platform/application_folder.h"
 #include "platform/command_line.h"
@@ -85,7 +86,7 @@ base::Status Launcher::Start(const Play& play) {
     parts_.status.Show(play.display_name);
     if (values.SoundOn)
         parts_.sounds.PlaySynchronously(
-            platform::FileIn(values.ApplicationFolder, QStringLiteral("Pinball.wav")));
+            platform::FileIn(values.ApplicationFolder, catalogue::kPlaySound.toString()));
     const auto started = parts_.programs.Start(command_line);
     if (started.ok()) {
         last_task_id_ = *started;

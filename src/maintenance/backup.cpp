@@ -3,6 +3,7 @@
 #include "base/file_names.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/process_values.h"
+#include "catalogue/program_files.h"
 #include "jet/connection.h"
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
@@ -41,15 +42,15 @@ base::Status WriteCopy(jet::FileSystem& files, const std::filesystem::path& data
 base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files) {
     RETURN_IF_ERROR(catalogue.CatalogueConnection->Flush());
     const QString& folder = catalogue.values->ApplicationFolder;
-    return CopyDatabase(files, platform::FileIn(folder, QStringLiteral("pinball.mdb")),
-                        platform::FileIn(folder, QStringLiteral("pinball.BU")));
+    return CopyDatabase(files, platform::FileIn(folder, catalogue::kCatalogueFile.toString()),
+                        platform::FileIn(folder, catalogue::kBackupFile.toString()));
 }
 
 QString SuccessText(const QString& folder) {
     return QStringLiteral(
                "Database copied to:%1\r\nRename to %2 WHILE TAVOLO IS NOT RUNNING to restore.")
-        .arg(platform::FileIn(folder, QStringLiteral("pinball.BU")),
-             platform::FileIn(folder, QStringLiteral("pinball.mdb")));
+        .arg(platform::FileIn(folder, catalogue::kBackupFile.toString()),
+             platform::FileIn(folder, catalogue::kCatalogueFile.toString()));
 }
 
 }  // namespace

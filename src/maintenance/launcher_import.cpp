@@ -73,7 +73,7 @@ void LauncherImport::ImportAddedAfter(const QString& date) {
     if (catalogue::IsDate(date))
         Run(DateCondition(date));
     else
-        Say(QStringLiteral("Please enter a valid date"));
+        Say(catalogue::kInvalidDate.toString());
 }
 
 void LauncherImport::Run(const QString& date_condition) {

@@ -2,6 +2,7 @@
 
 #include "catalogue/error_report.h"
 #include "catalogue/path_names.h"
+#include "catalogue/program_files.h"
 #include "pictures/jpeg_bridge.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
@@ -34,8 +35,10 @@ CaptureSession::CaptureSession(catalogue::ProcessValues& values, platform::UserP
 
 void CaptureSession::Paste(const QImage& clipboard) {
     if (clipboard.isNull()) return;
-    const QString bmp = platform::FileIn(values_.ApplicationFolder, QStringLiteral("temp.bmp"));
-    const QString jpeg = platform::FileIn(values_.ApplicationFolder, QStringLiteral("temp.jpg"));
+    const QString bmp =
+        platform::FileIn(values_.ApplicationFolder, catalogue::kTemporaryBitmap.toString());
+    const QString jpeg =
+        platform::FileIn(values_.ApplicationFolder, catalogue::kTemporaryJpeg.toString());
     if (WriteTemporaryBmp(clipboard, bmp) && Convert(bmp, jpeg) && Show(jpeg)) current_file_ = jpeg;
     platform::RemoveFile(bmp);
 }
