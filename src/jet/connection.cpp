@@ -67,7 +67,7 @@ void Connection::Impl::Adopt(std::unique_ptr<Database> database) {
     database_->UseRowRules(std::make_unique<const sql::RuleMaker>(session_.clock));
     session_.identity = 0;
     session_.StartStatement();
-    ++changes_;
+    NoteChange();
 }
 
 Status Connection::Impl::Close() {

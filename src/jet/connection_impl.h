@@ -1,6 +1,7 @@
 // The inside of a Connection, as its recordsets see it.
 #pragma once
 
+#include "jet/change_counter.h"
 #include "jet/connection.h"
 #include "jet/sql/functions/session.h"
 #include "jet/sql/syntax/ast.h"
@@ -31,10 +32,8 @@ public:
 
     Database* database() { return database_.get(); }
     sql::Session& session() { return session_; }
-    // Grows with every change of rows or designs, so that what was read before can be told from
-    // what is there now.
-    std::uint64_t changes() const { return changes_; }
-    void NoteChange() { ++changes_; }
+    const ChangeCounter& changes() const { return changes_; }
+    void NoteChange() { changes_.NoteChange(); }
 
 private:
     base::Result<std::int64_t> RunDesign(sql::Statement& statement);
@@ -43,7 +42,7 @@ private:
     std::unique_ptr<Database> database_;
     sql::Session session_;
     std::set<Recordset::Impl*> recordsets_;
-    std::uint64_t changes_ = 0;
+    ChangeCounter changes_;
 };
 
 }  // namespace jet

@@ -1,7 +1,9 @@
 // INSERT, UPDATE and DELETE.
 #include "jet/errors.h"
 #include "jet/sql/expressions/bind.h"
+#include "jet/sql/plans/access_path.h"
 #include "jet/sql/plans/query.h"
+#include "jet/sql/plans/row_walk.h"
 #include "jet/sql/statements/change_steps.h"
 #include "jet/sql/statements/executor.h"
 #include "jet/sql/statements/transaction.h"

@@ -94,6 +94,14 @@ TEST_F(SqlSelect, GroupsComeSorted) {
               "2,1|1,1|0,1|<null>,1");
 }
 
+TEST_F(SqlSelect, AnAggregateInTheOrderAloneMakesOneGroup) {
+    EXPECT_EQ(Run(u"SELECT 7 FROM Game ORDER BY Count(*)"), "7");
+    EXPECT_EQ(Run(u"SELECT 7 FROM Game WHERE Exists (SELECT 1 FROM Game WHERE Nr > 99 ORDER BY "
+                  u"Count(*)) GROUP BY 7"),
+              "7");
+    EXPECT_EQ(ErrorOf(u"SELECT Name FROM Game ORDER BY Count(*)"), 3122);
+}
+
 TEST_F(SqlSelect, GroupingIgnoresCase) {
     Run(u"INSERT INTO Game (Nr, Name) VALUES (5, 'FATHOM')");
     EXPECT_EQ(Run(u"SELECT Name, Count(*) FROM Game WHERE Name = 'fathom' GROUP BY Name"),

@@ -1,0 +1,205 @@
+#include "jet/recordset_rows.h"
+
+#include "jet/errors.h"
+
+namespace jet {
+
+using base::Result;
+using base::Status;
+
+void RecordsetRows::StandOn(std::int64_t position) {
+    position_ = position;
+    at_end_ = position_ >= count();
+}
+
+Status RecordsetRows::MoveFirst() {
+    StandOn(0);
+    return Status::Ok();
+}
+
+Status RecordsetRows::MoveLast() {
+    StandOn(count() - 1);
+    return Status::Ok();
+}
+
+Status RecordsetRows::MoveNext() {
+    if (at_end_) return JetError(3021);
+    StandOn(position_ + 1);
+    return Status::Ok();
+}
+
+Status RecordsetRows::MovePrevious() {
+    if (position_ < 0) return JetError(3021);
+    StandOn(position_ - 1);
+    return Status::Ok();
+}
+
+Status RecordsetRows::MoveTo(std::int64_t row) {
+    if (row < 0 || row >= count()) return JetError(3021);
+    StandOn(row);
+    return Status::Ok();
+}
+
+Result<Value> TableRows::Field(std::size_t field) {
+    RETURN_IF_ERROR(FillCache(field));
+    const std::size_t place = place_in_cache_[field];
+    RETURN_IF_ERROR(cache_failures_[place]);
+    return cache_[place];
+}
+
+// After it the cache has the field of the current row.
+Status TableRows::FillCache(std::size_t field) {
+    const bool known = field < place_in_cache_.size() && place_in_cache_[field] != kNotCached;
+    const bool fresh = cache_valid_ && cache_changes_ == changes_.count() && cache_row_ == id();
+    if (known && fresh) return Status::Ok();
+    if (!known) AddToCache(field);
+    cache_valid_ = false;
+    RETURN_IF_ERROR(ReadCachedFields());
+    cache_valid_ = true;
+    cache_row_ = id();
+    cache_changes_ = changes_.count();
+    return Status::Ok();
+}
+
+void TableRows::AddToCache(std::size_t field) {
+    place_in_cache_.resize(query_->names().size(), kNotCached);
+    place_in_cache_[field] = cached_fields_.size();
+    cached_fields_.push_back(field);
+    cache_.resize(cached_fields_.size());
+    cache_failures_.resize(cached_fields_.size());
+    const auto column = query_->TableColumn(field);
+    const bool all_plain = cached_columns_.size() + 1 == cached_fields_.size() && column;
+    if (all_plain)
+        cached_columns_.push_back(*column);
+    else
+        cached_columns_.clear();
+}
+
+Status TableRows::ReadCachedFields() {
+    if (cached_columns_.empty())
+        return query_->ReadRow(id(), cached_fields_, cache_, cache_failures_);
+    return ReadColumns(cached_columns_, cache_);
+}
+
+Status TableRows::ReadColumns(std::span<const std::size_t> columns, std::span<Value> values) {
+    return query_->table()->Read(id(), columns, values);
+}
+
+void TableRows::AfterDesignChange(sql::TableQuery* query) {
+    query_ = query;
+    cached_fields_.clear();
+    cached_columns_.clear();
+    place_in_cache_.clear();
+    cache_.clear();
+    cache_failures_.clear();
+    cache_valid_ = false;
+}
+
+KeysetRows::KeysetRows(sql::TableQuery& query, const ChangeCounter& changes, sql::FoundRows found)
+    : TableRows(query, changes), found_(std::move(found)) {
+    has_rows_ = !found_.ids.empty();
+    StandOn(0);
+}
+
+KeysetRows::KeysetRows(sql::TableQuery& query, const ChangeCounter& changes, std::vector<RowId> ids,
+                       bool had_rows)
+    : TableRows(query, changes), found_{std::move(ids), {}} {
+    has_rows_ = had_rows;
+    StandOn(0);
+}
+
+Result<Value> KeysetRows::Field(std::size_t field) {
+    if (!found_.stored.are_fresh()) return TableRows::Field(field);
+    Result<Value> value{Value()};
+    RETURN_IF_ERROR(found_.stored.Read(static_cast<std::size_t>(position_), field, *value));
+    return value;
+}
+
+void KeysetRows::AfterDesignChange(sql::TableQuery* query) {
+    TableRows::AfterDesignChange(query);
+    found_.stored = {};
+}
+
+Result<std::unique_ptr<RecordsetRows>> WalkedRows::Start(sql::TableQuery& query,
+                                                         const ChangeCounter& changes,
+                                                         std::unique_ptr<sql::RowWalk> walk) {
+    auto rows = std::unique_ptr<WalkedRows>(new WalkedRows(query, changes, std::move(walk)));
+    RETURN_IF_ERROR(rows->Step());
+    rows->has_rows_ = !rows->at_end_;
+    return std::unique_ptr<RecordsetRows>(std::move(rows));
+}
+
+// At the end `met_` stays the row met last.
+Status WalkedRows::Step() {
+    ASSIGN_OR_RETURN(const std::optional<RowId> row, walk_->Next());
+    at_end_ = !row.has_value();
+    if (row) met_ = *row;
+    met_changes_ = changes_.count();
+    ++position_;
+    return Status::Ok();
+}
+
+Status WalkedRows::MoveFirst() {
+    if (position_ == 0) return Status::Ok();
+    ASSIGN_OR_RETURN(walk_, query_->Walk());
+    position_ = -1;
+    cache_valid_ = false;
+    RETURN_IF_ERROR(Step());
+    return at_end_ ? JetError(3021) : Status::Ok();
+}
+
+Status WalkedRows::MoveLast() {
+    while (!at_end_)
+        RETURN_IF_ERROR(Step());
+    --position_;
+    at_end_ = false;
+    met_changes_ = kNeverMet;
+    return Status::Ok();
+}
+
+Status WalkedRows::MoveNext() {
+    return at_end_ ? JetError(3021) : Step();
+}
+
+Status WalkedRows::MovePrevious() {
+    return JetError(3219);
+}
+
+Status WalkedRows::MoveTo(std::int64_t) {
+    return JetError(3219);
+}
+
+std::unique_ptr<RecordsetRows> WalkedRows::BeforeDesignChange() {
+    std::vector<RowId> ids;
+    while (!at_end_) {
+        ids.push_back(met_);
+        if (!Step().ok()) break;
+    }
+    return std::make_unique<KeysetRows>(*query_, changes_, std::move(ids), has_rows_);
+}
+
+// A walk shows the row as it was met, so a row that may have changed since is read anew.
+Status WalkedRows::ReadColumns(std::span<const std::size_t> columns, std::span<Value> values) {
+    if (met_changes_ != changes_.count()) return TableRows::ReadColumns(columns, values);
+    return walk_->Read(columns, values);
+}
+
+ValueRows::ValueRows(std::vector<sql::ResultRow> values, sql::FieldFailures failures,
+                     std::vector<RowId> ids)
+    : values_(std::move(values)), failures_(std::move(failures)), ids_(std::move(ids)) {
+    has_rows_ = !values_.empty();
+    StandOn(0);
+}
+
+Result<Value> ValueRows::Field(std::size_t field) {
+    const auto row = static_cast<std::size_t>(position_);
+    const auto failed = failures_.find({row, field});
+    if (failed != failures_.end()) return failed->second;
+    return values_[row][field];
+}
+
+void ValueRows::NoteWritten(std::size_t field, const Value& value) {
+    values_[static_cast<std::size_t>(position_)][field] = value;
+}
+
+}  // namespace jet

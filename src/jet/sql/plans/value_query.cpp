@@ -1,0 +1,74 @@
+#include "jet/sql/plans/value_query.h"
+
+#include <unordered_set>
+
+namespace jet::sql {
+
+using base::Result;
+using base::Status;
+
+Result<std::vector<ResultRow>> ValueQuery::RowsOrFailures(FieldFailures* failures) {
+    RETURN_IF_ERROR(RefreshPath());
+    ASSIGN_OR_RETURN(std::vector<SortedRow> rows, MakeRows(failures != nullptr));
+    SortAndCut(rows);
+    std::vector<ResultRow> result;
+    result.reserve(rows.size());
+    for (SortedRow& row : rows) {
+        for (const auto& [output, failure] : row.failures)
+            failures->try_emplace({result.size(), output}, failure);
+        result.push_back(std::move(row.values));
+    }
+    return result;
+}
+
+void ValueQuery::SortAndCut(std::vector<SortedRow>& rows) const {
+    if (select_.distinct) SortDistinct(rows);
+    const bool sorted = !select_.order_by.empty();
+    if (sorted) SortByKey(rows);
+    rows.resize(TopCountWithTies(select_, rows.size(), [&](std::size_t i) {
+        return sorted && rows[i].key == rows[i - 1].key;
+    }));
+}
+
+Result<SortedRow> ValueQuery::MakeRow(EvalContext& context, bool keeps_failures) const {
+    SortedRow row;
+    for (const OutputItem& item : select_.outputs) {
+        auto value = OutputValue(*item.expression, context);
+        if (!value.ok()) {
+            if (!keeps_failures) return value.status();
+            row.failures.emplace_back(row.values.size(), value.status());
+        }
+        row.values.push_back(std::move(value).value_or(Value::Null()));
+    }
+    row.key.reserve(32 * select_.order_by.size());
+    RETURN_IF_ERROR(AppendOrderKey(context, row.key));
+    return row;
+}
+
+// Without a table there is one row, which has a value for each output or is refused.
+Result<std::vector<SortedRow>> CombinedQuery::MakeRows(bool keeps_failures) {
+    std::vector<SortedRow> made;
+    RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Result<bool> {
+        EvalContext context{&session_, &rows, nullptr};
+        ASSIGN_OR_RETURN(SortedRow row,
+                         MakeRow(context, keeps_failures && select_.from != nullptr));
+        made.push_back(std::move(row));
+        return true;
+    }));
+    return made;
+}
+
+// What is compared must have a value.
+Result<std::vector<SortedRow>> DistinctQuery::MakeRows(bool) {
+    std::vector<SortedRow> made;
+    std::unordered_set<std::string> met;
+    RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Result<bool> {
+        EvalContext context{&session_, &rows, nullptr};
+        ASSIGN_OR_RETURN(SortedRow row, MakeRow(context, false));
+        if (met.insert(KeyOfAll(row.values)).second) made.push_back(std::move(row));
+        return true;
+    }));
+    return made;
+}
+
+}  // namespace jet::sql

@@ -1,0 +1,44 @@
+// ValueQuery: a SELECT whose rows are none of a table and are made of values. Here those that take
+// the rows of its sources one by one: CombinedQuery (joins, or no table at all) and DistinctQuery.
+#pragma once
+
+#include "jet/sql/plans/select_query.h"
+#include "jet/sql/plans/sorted_rows.h"
+
+#include <vector>
+
+namespace jet::sql {
+
+class ValueQuery : public SelectQuery {
+public:
+    using SelectQuery::SelectQuery;
+
+    base::Result<std::vector<ResultRow>> RowsOrFailures(FieldFailures* failures) final;
+
+protected:
+    // The rows before they are sorted and cut. `keeps_failures`: an output that fails goes into
+    // SortedRow::failures where that is possible.
+    virtual base::Result<std::vector<SortedRow>> MakeRows(bool keeps_failures) = 0;
+    base::Result<SortedRow> MakeRow(EvalContext& context, bool keeps_failures) const;
+
+private:
+    void SortAndCut(std::vector<SortedRow>& rows) const;
+};
+
+class CombinedQuery final : public ValueQuery {
+public:
+    using ValueQuery::ValueQuery;
+
+private:
+    base::Result<std::vector<SortedRow>> MakeRows(bool keeps_failures) override;
+};
+
+class DistinctQuery final : public ValueQuery {
+public:
+    using ValueQuery::ValueQuery;
+
+private:
+    base::Result<std::vector<SortedRow>> MakeRows(bool keeps_failures) override;
+};
+
+}  // namespace jet::sql
