@@ -55,7 +55,7 @@ endfunction()
 
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
 # `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
-# zone are fixed so that no machine's setting matters. DISPLAY: each test has a virtual display and
+# zone are fixed so that no machine's setting matters; TAVOLO_SHARED is the caller's. DISPLAY: each test has a virtual display and
 # a window manager of its own instead (tests/support/with_display.sh) and carries the label "display". SOUND: each test has a sound
 # server of its own (tests/support/with_sound_server.sh).
 function(add_unit_test name)
@@ -79,7 +79,7 @@ function(add_unit_test name)
         use_precompiled_headers(${name} test)
     endif()
     # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
-    set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0 TAVOLO_SHARED=${CMAKE_SOURCE_DIR}/../shared)
+    set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0)
     set(labels)
     if(T_DISPLAY)
         set(labels LABELS display)

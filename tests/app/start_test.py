@@ -10,7 +10,7 @@ import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
-from driver import BUILD, SHARED, Desktop, Tavolo, check, check_equal, export_rows, make_table_file, run, wait_for  # noqa: E402
+from driver import BUILD, DATA, SAMPLES, Desktop, Tavolo, check, check_equal, export_rows, make_table_file, run, wait_for  # noqa: E402
 
 EMPTY = BUILD / "share" / "tavolo" / "pinball.mdb"
 ALL_COLUMNS = ["ID", "DisplayName", "FileName", "Author", "Company", "Year", "Version", "ImageFile", "FlyerFile", "Notes",
@@ -140,20 +140,17 @@ def held(desktop, work):
             holder.process.send_signal(signal.SIGCONT)
 
 
-def old_catalogue(desktop, work):
+def old_catalogue(desktop, work, source):
     """A catalogue of the first versions gains its columns and keeps every cell."""
-    source = SHARED / "samples" / "catalogue" / "old-base-250.mdb"
-    if not source.exists():
-        print("no sample catalogue: passed over")
-        return
-    folder = work / "old"
+    folder = work / source.stem
     folder.mkdir()
     shutil.copyfile(source, folder / "pinball.mdb")
     before = {row["ID"]: row for row in export_rows(source)}
+    check(len(before) >= 40, f"{source.name} has rows")
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
         program.click("CancelButton")
-        wait_for(lambda: program.text("sbrDB_1") == "250 Tables in list.  ", "250 tables")
+        wait_for(lambda: program.text("sbrDB_1") == f"{len(before)} Tables in list.  ", "all tables")
         program.click_item("All")
         program.picture("old catalogue")
         program.close()
@@ -221,7 +218,9 @@ def main():
         raw_names(desktop, work)
         not_a_catalogue(desktop, work)
         held(desktop, work)
-        old_catalogue(desktop, work)
+        old_catalogue(desktop, work, DATA / "databases" / "catalogue-jet3.mdb")
+        if SAMPLES:
+            old_catalogue(desktop, work, SAMPLES / "catalogue" / "old-base-250.mdb")
         read_only(desktop, work)
 
 

@@ -8,6 +8,7 @@
 #include "jet/connection.h"
 #include "platform/file_system.h"
 #include "support/fakes.h"
+#include "support/test_data.h"
 
 #include <gtest/gtest.h>
 
@@ -18,14 +19,11 @@
 namespace browser {
 namespace {
 
-class OldCatalogueTest : public testing::TestWithParam<const char*> {
+class OldCatalogueTest : public testing::TestWithParam<std::filesystem::path> {
 protected:
     void SetUp() override {
-        const QString sample = qEnvironmentVariable("TAVOLO_SHARED") +
-                               QStringLiteral("/samples/catalogue/") + QLatin1String(GetParam());
-        if (!QFile::exists(sample)) GTEST_SKIP() << "no sample " << sample.toStdString();
         const QString copy = folder.filePath(QStringLiteral("pinball.mdb"));
-        ASSERT_TRUE(QFile::copy(sample, copy));
+        ASSERT_TRUE(QFile::copy(QString::fromStdString(GetParam().string()), copy));
         ASSERT_TRUE(QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner));
         values.ApplicationFolder = folder.path();
         catalogue.CatalogueConnection = &connection;
@@ -81,12 +79,8 @@ TEST_P(OldCatalogueTest, RulesCanBeStoredAndEmptied) {
     EXPECT_TRUE(prompts.messages.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, OldCatalogueTest,
-                         testing::Values("old-base-250.mdb", "old-full-1000.mdb"),
-                         [](const auto& test) {
-                             return std::string(test.param).substr(0, 3) +
-                                    (std::string(test.param).find("full") == 4 ? "Full" : "Base");
-                         });
+INSTANTIATE_TEST_SUITE_P(Files, OldCatalogueTest, testing::ValuesIn(test_support::OldCatalogues()),
+                         test_support::NameOfFile);
 
 }  // namespace
 }  // namespace browser

@@ -4,6 +4,7 @@
 #include "cfb/gsf_reader.h"
 #include "cfb/layout.h"
 #include "cfb/raw_file.h"
+#include "support/test_data.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -216,19 +217,16 @@ TEST_F(CompoundFileTest, LibgsfFindsTheSameInAFileOfManyStorages) {
     ExpectSameAsGsf(path_);
 }
 
-TEST_F(CompoundFileTest, LibgsfFindsTheSameInRealTableFiles) {
-    const char* shared = std::getenv("TAVOLO_SHARED");
-    const std::filesystem::path folder =
-        std::filesystem::path(shared ? shared : "") / "samples" / "tables";
-    if (!shared || !std::filesystem::exists(folder))
-        GTEST_SKIP() << "the real table files are not here";
-    int files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().extension() == ".vpt") {
-            ++files;
-            ExpectSameAsGsf(entry.path());
-        }
-    EXPECT_GT(files, 3);
+TEST_F(CompoundFileTest, LibgsfFindsTheSameInWholeTableFiles) {
+    auto files = test_support::FilesIn(test_support::DataFolder() / "tables", ".vpt");
+    EXPECT_EQ(files.size(), 5U);
+    if (const auto samples = test_support::SampleFolder()) {
+        const auto real = test_support::FilesIn(*samples / "tables", ".vpt");
+        EXPECT_GT(real.size(), 3U);
+        files.insert(files.end(), real.begin(), real.end());
+    }
+    for (const auto& file : files)
+        ExpectSameAsGsf(file);
 }
 
 TEST_F(CompoundFileTest, OnlyAFewKilobytesOfALargeFileAreRead) {

@@ -23,7 +23,9 @@ import time
 from pathlib import Path
 
 BUILD = Path(os.environ.get("TAVOLO_BUILD", "build/debug")).resolve()
-SHARED = Path(os.environ.get("TAVOLO_SHARED", "../shared")).resolve()
+DATA = Path(__file__).resolve().parent.parent / "data"
+# Real files, where there are some.
+SAMPLES = Path(os.environ["TAVOLO_SHARED"]).resolve() / "samples" if os.environ.get("TAVOLO_SHARED") else None
 TIMEOUT = 30.0
 
 

@@ -10,6 +10,7 @@
 #include "maintenance/reset_paths.h"
 #include "platform/files.h"
 #include "support/catalogue_fixture.h"
+#include "support/test_data.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -28,14 +29,10 @@ public:
 };
 
 class OldCatalogueTest : public test_support::CatalogueFixture,
-                         public testing::WithParamInterface<const char*> {
+                         public testing::WithParamInterface<std::filesystem::path> {
 protected:
     void SetUp() override {
-        const QString sample = qEnvironmentVariable("TAVOLO_SHARED") +
-                               QStringLiteral("/samples/catalogue/") +
-                               QString::fromLatin1(GetParam());
-        if (!QFile::exists(sample)) GTEST_SKIP() << "no sample catalogues on this machine";
-        ASSERT_TRUE(QFile::copy(sample, DatabasePath()));
+        ASSERT_TRUE(QFile::copy(QString::fromStdString(GetParam().string()), DatabasePath()));
         ASSERT_TRUE(
             QFile(DatabasePath()).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner));
         const auto opened = catalogue::Main(catalogue);
@@ -134,13 +131,8 @@ TEST_P(OldCatalogueTest, TheImportFindsRowsByChecksum) {
     CloseAndExpectSound();
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, OldCatalogueTest,
-                         testing::Values("old-base-250.mdb", "old-full-1000.mdb"),
-                         [](const auto& tested) {
-                             return std::string(tested.param).find("base") != std::string::npos
-                                        ? "TwelveColumns"
-                                        : "NineteenColumns";
-                         });
+INSTANTIATE_TEST_SUITE_P(Files, OldCatalogueTest, testing::ValuesIn(test_support::OldCatalogues()),
+                         test_support::NameOfFile);
 
 }  // namespace
 }  // namespace maintenance

@@ -1,5 +1,6 @@
 #include "tableinfo/storage_tools.h"
 
+#include "support/test_data.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -27,9 +28,6 @@ protected:
         EXPECT_TRUE(file.open(QFile::WriteOnly));
         file.write(bytes);
         return file.fileName();
-    }
-    static QString Shared(const QString& name) {
-        return qEnvironmentVariable("TAVOLO_SHARED") + QStringLiteral("/samples/tables/") + name;
     }
     // Nothing can be found in that file, and nobody is told.
     static void ExpectNothing(const QString& path) {
@@ -217,45 +215,96 @@ TEST_F(StorageToolsTest, NamesWithBlanksApostrophesAndUmlautsOpen) {
     EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")), QStringLiteral("Attack"));
 }
 
-TEST_F(StorageToolsTest, ARealFileTellsWhatItsAuthorWrote) {
-    const QString path = Shared(QStringLiteral("Blank Table with info.vpt"));
-    if (!QFile::exists(path)) GTEST_SKIP() << "the real table files are not here";
-    QStringList names;
-    EXPECT_TRUE(HasTableInfo(path));
-    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")),
-              QStringLiteral("Visual Pinball Demo Table"));
-    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableVersion")), QStringLiteral("1.2"));
-    EXPECT_EQ(ListCustomInfoStreams(path, names), 6);
-    EXPECT_EQ(names,
-              (QStringList{QStringLiteral("TableSaveRev"), QStringLiteral("TableSaveDate")}));
+// What the information of a file is: of one that this project made, or of a real one.
+struct KnownFile {
+    std::filesystem::path path;
+    bool has_information = true;
+    std::string name = {};
+    std::string author = {};
+    std::string version = {};
+    int streams = 0;
+    std::vector<std::string> custom = {};
+    qsizetype picture_bytes = 0;  // 0: there is none
+};
+
+void PrintTo(const KnownFile& file, std::ostream* out) {
+    *out << file.path;
 }
 
-TEST_F(StorageToolsTest, ARealFileWithEveryStreamGivesThemAll) {
-    const QString path = Shared(QStringLiteral("Full Info.vpt"));
-    if (!QFile::exists(path)) GTEST_SKIP() << "the real table files are not here";
+std::vector<KnownFile> KnownFiles() {
+    const auto ours = test_support::DataFolder() / "tables";
+    std::vector<KnownFile> files = {{ours / "Whole Information.vpt",
+                                     true,
+                                     "Otto's Windmill",
+                                     "Zo\u00EB Br\u00FCckner",
+                                     "2.0",
+                                     13,
+                                     {"Designer", "CompanyName", "CompanyYear"},
+                                     732},
+                                    {ours / "some-information.vpt",
+                                     true,
+                                     "Quiet Harbour",
+                                     "",
+                                     "1.2",
+                                     6,
+                                     {"TableSaveRev", "TableSaveDate"},
+                                     0},
+                                    {ours / "empty-information.vpt"},
+                                    {ours / "no-information.vpt", false},
+                                    {ours / "Deep Storages (2000).vpt", false}};
+    if (const auto samples = test_support::SampleFolder()) {
+        const auto real = *samples / "tables";
+        files.insert(files.end(), {{real / "Full Info.vpt",
+                                    true,
+                                    "Bob's Table",
+                                    "Ann \u00C9mile",
+                                    "1.2",
+                                    13,
+                                    {"Designer", "CompanyName", "CompanyYear"},
+                                    5929},
+                                   {real / "Blank Table with info.vpt",
+                                    true,
+                                    "Visual Pinball Demo Table",
+                                    "",
+                                    "1.2",
+                                    6,
+                                    {"TableSaveRev", "TableSaveDate"},
+                                    0},
+                                   {real / "default-2009.vpt"},
+                                   {real / "no-info-2000.vpt", false},
+                                   {real / "Old Default (2000).vpt", false}});
+    }
+    return files;
+}
+
+class KnownFileTest : public testing::TestWithParam<KnownFile> {};
+
+TEST_P(KnownFileTest, TellsWhatItsAuthorWrote) {
+    const KnownFile& file = GetParam();
+    const QString path = QString::fromStdString(file.path.string());
+    const auto text = [&](const char* stream) {
+        return ReadTableInfoStream(path, QLatin1String(stream)).toStdString();
+    };
+    ASSERT_TRUE(QFile::exists(path));
+    EXPECT_EQ(HasTableInfo(path), file.has_information);
+    EXPECT_EQ(text("TableName"), file.name);
+    EXPECT_EQ(text("AuthorName"), file.author);
+    EXPECT_EQ(text("TableVersion"), file.version);
     QStringList names;
-    EXPECT_EQ(ListCustomInfoStreams(path, names), 13);
-    EXPECT_EQ(names, (QStringList{QStringLiteral("Designer"), QStringLiteral("CompanyName"),
-                                  QStringLiteral("CompanyYear")}));
-    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("TableName")),
-              QStringLiteral("Bob's Table"));
-    EXPECT_EQ(ReadTableInfoStream(path, QStringLiteral("AuthorName")),
-              QStringLiteral(u"Ann \u00C9mile"));
+    EXPECT_EQ(ListCustomInfoStreams(path, names), file.streams);
+    std::vector<std::string> custom;
+    for (const QString& name : names)
+        custom.push_back(name.toStdString());
+    EXPECT_EQ(custom, file.custom);
     const auto screenshot = LoadTableScreenshot(path);
-    ASSERT_TRUE(screenshot);
+    ASSERT_EQ(screenshot.has_value(), file.picture_bytes != 0);
+    if (!screenshot) return;
     EXPECT_TRUE(screenshot->startsWith("\xFF\xD8\xFF"));
-    EXPECT_EQ(screenshot->size(), 5929);
+    EXPECT_EQ(screenshot->size(), file.picture_bytes);
 }
 
-TEST_F(StorageToolsTest, RealFilesWithoutInformationHaveNone) {
-    const QString empty = Shared(QStringLiteral("default-2009.vpt"));
-    if (!QFile::exists(empty)) GTEST_SKIP() << "the real table files are not here";
-    QStringList names;
-    EXPECT_TRUE(HasTableInfo(empty));
-    EXPECT_EQ(ListCustomInfoStreams(empty, names), 0);
-    EXPECT_FALSE(HasTableInfo(Shared(QStringLiteral("no-info-2000.vpt"))));
-    EXPECT_FALSE(HasTableInfo(Shared(QStringLiteral("Old Default (2000).vpt"))));
-}
+INSTANTIATE_TEST_SUITE_P(Files, KnownFileTest, testing::ValuesIn(KnownFiles()),
+                         [](const auto& file) { return test_support::LettersOf(file.param.path); });
 
 }  // namespace
 }  // namespace tableinfo

@@ -1,9 +1,10 @@
-// The checker finds nothing in real files, and each kind of damage that is planted in them.
+// The checker finds nothing in whole files, and each kind of damage that is planted in them.
 #include "jet/check/check.h"
 
 #include "base/byte_reader.h"
 #include "base/byte_writer.h"
 #include "support/check_database.h"
+#include "support/test_data.h"
 
 #include <gtest/gtest.h>
 
@@ -16,13 +17,15 @@ namespace {
 
 using Bytes = std::vector<std::byte>;
 
-std::filesystem::path Samples() {
-    const char* shared = std::getenv("TAVOLO_SHARED");
-    return std::filesystem::path(shared != nullptr ? shared : "") / "samples";
-}
+using test_support::DataFolder;
+using test_support::FilesIn;
+using test_support::OurFilesAndReal;
+using test_support::SampleFolder;
 
-Bytes ReadSample(const std::string& name) {
-    std::ifstream file(Samples() / name, std::ios::binary);
+constexpr const char* kOurs = "databases/arcade-jet4.mdb";
+
+Bytes ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     const auto* data = reinterpret_cast<const std::byte*>(text.data());
     return {data, data + text.size()};
@@ -34,44 +37,52 @@ jet::CheckReport Check(const Bytes& file, jet::CheckOptions options = {}) {
     return jet::CheckIntegrity(*store, options);
 }
 
-class CheckTest : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!std::filesystem::exists(Samples())) GTEST_SKIP() << "no sample files here";
-    }
-};
-
-TEST_F(CheckTest, FindsNoFaultInAnySample) {
-    std::size_t files = 0;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(Samples())) {
-        if (entry.path().extension() != ".mdb") continue;
-        ++files;
-        EXPECT_TRUE(test_support::DatabaseIsSound(entry.path())) << entry.path();
-    }
-    EXPECT_GE(files, 12u);
-}
-
-// The files of the engine that made the format; the old catalogues are by one that keeps no levels.
-TEST_F(CheckTest, RealFilesHaveExactNodeKeysAndLevels) {
-    for (const auto& entry : std::filesystem::directory_iterator(Samples() / "mdb"))
-        if (entry.path().extension() == ".mdb") {
-            EXPECT_TRUE(test_support::DatabaseIsSound(entry.path(), test_support::kOwnFile))
-                << entry.path();
+TEST(CheckTest, FindsNoFaultInAnyWholeFile) {
+    auto files = FilesIn(DataFolder() / "databases", ".mdb");
+    EXPECT_EQ(files.size(), 5U);
+    if (const auto samples = SampleFolder())
+        for (const char* folder : {"mdb", "catalogue"}) {
+            const auto real = FilesIn(*samples / folder, ".mdb");
+            EXPECT_GE(real.size(), 2U);
+            files.insert(files.end(), real.begin(), real.end());
         }
+    for (const auto& file : files)
+        EXPECT_TRUE(test_support::DatabaseIsSound(file)) << file;
 }
 
-TEST_F(CheckTest, LooksAtEverythingThereIs) {
-    const auto report = Check(ReadSample("mdb/a97-orders.mdb"));
-    EXPECT_EQ(report.pages, 1466u);
+// Our own files, and those of the engine that made the format; the old catalogues among the real
+// ones are by one that keeps no levels.
+TEST(CheckTest, WholeFilesHaveExactNodeKeysAndLevels) {
+    auto files = FilesIn(DataFolder() / "databases", ".mdb");
+    if (const auto samples = SampleFolder()) {
+        const auto real = FilesIn(*samples / "mdb", ".mdb");
+        files.insert(files.end(), real.begin(), real.end());
+    }
+    for (const auto& file : files)
+        EXPECT_TRUE(test_support::DatabaseIsSound(file, test_support::kOwnFile)) << file;
+}
+
+TEST(CheckTest, LooksAtEverythingThereIs) {
+    const auto report = Check(ReadFile(DataFolder() / "databases/arcade-jet3.mdb"));
+    EXPECT_EQ(report.pages, 70u);
     EXPECT_EQ(report.warnings, 0u);
-    EXPECT_EQ(report.tables, 19u);
-    EXPECT_GT(report.rows, 5000u);
-    EXPECT_GT(report.index_entries, 20000u);
-    EXPECT_GT(report.long_values, 400u);
+    EXPECT_EQ(report.tables, 9u);
+    EXPECT_EQ(report.rows, 95u);
+    EXPECT_EQ(report.index_entries, 298u);
+    EXPECT_EQ(report.long_values, 34u);
+    const auto samples = SampleFolder();
+    if (!samples) return;
+    const auto real = Check(ReadFile(*samples / "mdb/a97-orders.mdb"));
+    EXPECT_EQ(real.pages, 1466u);
+    EXPECT_EQ(real.warnings, 0u);
+    EXPECT_EQ(real.tables, 19u);
+    EXPECT_GT(real.rows, 5000u);
+    EXPECT_GT(real.index_entries, 20000u);
+    EXPECT_GT(real.long_values, 400u);
 }
 
-TEST_F(CheckTest, HelperNamesTheFault) {
-    auto file = ReadSample("mdb/jet4-engine-fresh.mdb");
+TEST(CheckTest, HelperNamesTheFault) {
+    auto file = ReadFile(DataFolder() / kOurs);
     file[0xE02] = std::byte{0};
     file[0xE03] = std::byte{0};
     const auto store = jet::MakeMemoryPageStore(4096, file);
@@ -86,7 +97,7 @@ TEST_F(CheckTest, HelperNamesTheFault) {
 // A Jet 4 file whose pages a test damages.
 class Victim {
 public:
-    explicit Victim(const std::string& sample) : bytes_(ReadSample(sample)) {}
+    explicit Victim(const std::filesystem::path& file) : bytes_(ReadFile(file)) {}
 
     const Bytes& bytes() const { return bytes_; }
     std::byte* at(std::size_t page, std::size_t offset) {
@@ -120,7 +131,7 @@ public:
     std::size_t Find(const std::function<bool(std::size_t)>& wanted) {
         for (std::size_t page = 2; page < bytes_.size() / 4096; ++page)
             if (!IsFree(page) && wanted(page)) return page;
-        ADD_FAILURE() << "the sample has no such page";
+        ADD_FAILURE() << "the file has no such page";
         return 0;
     }
     std::size_t FindType(unsigned type) {
@@ -144,16 +155,12 @@ private:
 
 struct Damage {
     const char* name;
-    const char* sample;
+    const char* real;  // below the folder of real files
     std::function<std::size_t(Victim&)>
         plant;         // answers the page where it must be reported; 0: any
     const char* text;  // part of the finding
     bool is_warning = false;
 };
-
-void PrintTo(const Damage& damage, std::ostream* out) {
-    *out << damage.name;
-}
 
 constexpr const char* kIndexed = "mdb/a2000-composite-index.mdb";
 constexpr const char* kMoved = "mdb/a2003-relations.mdb";
@@ -347,11 +354,34 @@ const Damage kDamages[] = {
      "commit word 17"},
 };
 
-class PlantedDamageTest : public CheckTest, public testing::WithParamInterface<Damage> {};
+// In a file of our own, and in a real one that has what the damage needs.
+struct PlantedDamage {
+    const Damage* damage;
+    std::filesystem::path file;
+    std::string name;
+};
+
+void PrintTo(const PlantedDamage& planted, std::ostream* out) {
+    *out << planted.name;
+}
+
+std::vector<PlantedDamage> PlantedDamages() {
+    std::vector<PlantedDamage> all;
+    const auto samples = SampleFolder();
+    for (const Damage& damage : kDamages) {
+        all.push_back({&damage, DataFolder() / kOurs, damage.name});
+        if (samples)
+            all.push_back(
+                {&damage, *samples / damage.real, damage.name + std::string("InARealFile")});
+    }
+    return all;
+}
+
+class PlantedDamageTest : public testing::TestWithParam<PlantedDamage> {};
 
 TEST_P(PlantedDamageTest, IsReportedWhereItIs) {
-    const Damage& damage = GetParam();
-    Victim victim(damage.sample);
+    const Damage& damage = *GetParam().damage;
+    Victim victim(GetParam().file);
     const std::size_t page = damage.plant(victim);
     const auto report = Check(victim.bytes());
     EXPECT_EQ(report.sound(), damage.is_warning);
@@ -365,16 +395,15 @@ TEST_P(PlantedDamageTest, IsReportedWhereItIs) {
     EXPECT_TRUE(is_found) << "page " << page << "\n" << all;
 }
 
-std::string DamageName(const testing::TestParamInfo<Damage>& damage) {
-    return damage.param.name;
-}
+INSTANTIATE_TEST_SUITE_P(Kinds, PlantedDamageTest, testing::ValuesIn(PlantedDamages()),
+                         [](const auto& planted) { return planted.param.name; });
 
-INSTANTIATE_TEST_SUITE_P(Kinds, PlantedDamageTest, testing::ValuesIn(kDamages), DamageName);
-
-TEST_F(CheckTest, AnyByteMayBeWrong) {
+TEST(CheckTest, AnyByteMayBeWrong) {
     std::mt19937 random(3);
-    for (const char* sample : {"mdb/a97-tables.mdb", kMoved, kLongValues}) {
-        const Bytes whole = ReadSample(sample);
+    for (const auto& path :
+         OurFilesAndReal({"databases/arcade-jet3.mdb", kOurs, "databases/catalogue-jet4.mdb"},
+                         {"mdb/a97-tables.mdb", kMoved, kLongValues})) {
+        const Bytes whole = ReadFile(path);
         std::size_t noticed = 0;
         for (int i = 0; i < 400; ++i) {
             Bytes file = whole;
@@ -382,16 +411,18 @@ TEST_F(CheckTest, AnyByteMayBeWrong) {
                 file[0x18 + random() % (file.size() - 0x18)] = static_cast<std::byte>(random());
             noticed += Check(file).sound() ? 0 : 1;
         }
-        EXPECT_GT(noticed, 20u) << sample;
+        EXPECT_GT(noticed, 20u) << path;
     }
 }
 
-TEST_F(CheckTest, AFileCutAtAnyPageIsReported) {
-    const Bytes whole = ReadSample(kMoved);
-    for (std::size_t pages = 1; pages + 8 < whole.size() / 4096; ++pages) {
-        Bytes file = whole;
-        file.resize(pages * 4096);
-        EXPECT_FALSE(Check(file).sound()) << pages << " pages";
+TEST(CheckTest, AFileCutAtAnyPageIsReported) {
+    for (const auto& path : OurFilesAndReal({kOurs}, {kMoved})) {
+        const Bytes whole = ReadFile(path);
+        for (std::size_t pages = 1; pages + 8 < whole.size() / 4096; ++pages) {
+            Bytes file = whole;
+            file.resize(pages * 4096);
+            EXPECT_FALSE(Check(file).sound()) << path << pages << " pages";
+        }
     }
 }
 

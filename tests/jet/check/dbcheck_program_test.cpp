@@ -1,5 +1,6 @@
 // The program tavolo-dbcheck as a user or a script calls it.
 #include "support/page_workload.h"
+#include "support/test_data.h"
 
 #include <gtest/gtest.h>
 
@@ -85,11 +86,8 @@ TEST_F(DbcheckProgramTest, FaultsAreStatusOneAsTextAndAsJson) {
 }
 
 TEST_F(DbcheckProgramTest, ASoundFileIsStatusZero) {
-    const char* shared = std::getenv("TAVOLO_SHARED");
-    const auto sample = std::filesystem::path(shared != nullptr ? shared : "") /
-                        "samples/mdb/jet4-engine-fresh.mdb";
-    if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files here";
-    const auto answer = Dbcheck("'" + sample.string() + "'");
+    const auto answer =
+        Dbcheck("'" + (test_support::DataFolder() / "databases/arcade-jet3.mdb").string() + "'");
     EXPECT_EQ(answer.status, 0) << answer.output;
     EXPECT_NE(answer.output.find("0 faults, 0 warnings\n"), std::string::npos) << answer.output;
 }

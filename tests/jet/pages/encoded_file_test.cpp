@@ -278,12 +278,10 @@ TEST_F(EncodedFileTest, OnlyAPasswordIsAskedFor) {
     EXPECT_TRUE(opened.status().message().starts_with("Not a valid password."));
 }
 
-class EncodedSampleTest : public testing::TestWithParam<const char*> {};
+class EncodedSampleTest : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(EncodedSampleTest, IsReadAndChangedLikeItsPlainTwin) {
-    const auto samples = SampleFolder();
-    if (!samples) GTEST_SKIP() << "no sample files on this machine";
-    const std::vector<std::byte> plain = ReadWholeFile(*samples / GetParam());
+    const std::vector<std::byte> plain = ReadWholeFile(GetParam());
     const TemporaryFolder folder;
     const auto path = folder.path() / "encoded.mdb";
     WriteWholeFile(path, Encoded(plain));
@@ -296,12 +294,11 @@ TEST_P(EncodedSampleTest, IsReadAndChangedLikeItsPlainTwin) {
     ExpectTwins(plain, 300);
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, EncodedSampleTest,
-                         testing::Values("mdb/a97-tables.mdb", "mdb/a2003-relations.mdb"),
-                         [](const auto& sample) {
-                             return sample.param[5] == '9' ? std::string("Jet3")
-                                                           : std::string("Jet4");
-                         });
+INSTANTIATE_TEST_SUITE_P(Files, EncodedSampleTest,
+                         testing::ValuesIn(OurFilesAndReal(
+                             {"databases/catalogue-jet3.mdb", "databases/catalogue-jet4.mdb"},
+                             {"mdb/a97-tables.mdb", "mdb/a2003-relations.mdb"})),
+                         NameOfFile);
 
 }  // namespace
 }  // namespace jet::test

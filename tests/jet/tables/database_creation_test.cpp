@@ -51,10 +51,64 @@ std::size_t NameBytes(const std::vector<std::u16string>& names) {
     return bytes;
 }
 
-TEST(DatabaseCreationTest, NewFileIsTheOneThatTheEngineWrites) {
-    const auto samples = SampleFolder();
-    if (!samples) GTEST_SKIP() << "no sample files on this machine";
-    const auto expected = ReadWholeFile(*samples / "mdb" / "jet4-engine-fresh.mdb");
+// What a new file has where, in both versions: the layout that the first engines chose.
+struct Layout {
+    int version;
+    std::size_t page_bytes;
+    std::vector<std::uint32_t> definition_bytes;                    // of pages 2 to 5
+    std::vector<std::pair<std::size_t, std::uint16_t>> free_bytes;  // of a page
+    std::vector<std::size_t> index_pages;
+};
+
+void PrintTo(const Layout& layout, std::ostream* out) {
+    *out << "version " << layout.version;
+}
+
+class NewFileLayoutTest : public testing::TestWithParam<Layout> {};
+
+TEST_P(NewFileLayoutTest, EveryPageIsInItsPlace) {
+    const Layout& layout = GetParam();
+    const TemporaryFolder folder;
+    const auto path = folder.path() / "new.mdb";
+    ASSERT_TRUE(
+        CreateDatabaseFile(*platform::MakeFileSystem(), path, 45000.5, layout.version).ok());
+    const auto bytes = ReadWholeFile(path);
+    const auto at = [&](std::size_t page, std::size_t offset) {
+        return bytes.data() + page * layout.page_bytes + offset;
+    };
+    for (std::size_t i = 0; i < layout.definition_bytes.size(); ++i) {
+        EXPECT_EQ(*at(2 + i, 0), std::byte{2}) << i;
+        EXPECT_EQ(base::LoadLittle<std::uint32_t>(at(2 + i, 8)), layout.definition_bytes[i]) << i;
+    }
+    for (const auto& [page, free] : layout.free_bytes) {
+        EXPECT_EQ(*at(page, 0), std::byte{1}) << page;
+        EXPECT_EQ(base::LoadLittle<std::uint16_t>(at(page, 2)), free) << page;
+    }
+    for (const std::size_t page : layout.index_pages)
+        EXPECT_EQ(*at(page, 0), std::byte{4}) << page;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Versions, NewFileLayoutTest,
+    testing::Values(
+        Layout{4, 4096, {1050, 335, 525, 813}, {{1, 3940}, {6, 1881}}, {7, 8, 9, 10, 11, 12, 13}},
+        Layout{3,
+               2048,
+               {708, 223, 319, 526},
+               {{1, 1768}, {6, 13}, {7, 1903}, {8, 1903}, {10, 1903}, {12, 283}},
+               {9, 11, 13, 14, 15, 16, 17}}),
+    [](const auto& layout) { return "Jet" + std::to_string(layout.param.version); });
+
+// Parameter: a file that the engine which chose the layout has made.
+class NewFileOfTheEngineTest : public testing::TestWithParam<std::filesystem::path> {};
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(NewFileOfTheEngineTest);
+INSTANTIATE_TEST_SUITE_P(RealFiles, NewFileOfTheEngineTest,
+                         testing::ValuesIn(OurFilesAndReal({}, {"mdb/jet4-engine-fresh.mdb"})),
+                         NameOfFile);
+
+TEST_P(NewFileOfTheEngineTest, IsTheOneThatIsMade) {
+    const auto expected = ReadWholeFile(GetParam());
     const TemporaryFolder folder;
     const auto path = folder.path() / "new.mdb";
     const auto files = platform::MakeFileSystem();

@@ -1,5 +1,5 @@
-// Relations of real files. In one of them Table1 refers to Table2 (deletes are passed on) and to
-// Table3 (changes of keys are passed on).
+// Relations of whole files. In each of the first ones a table refers to another one (deletes are
+// passed on) and to a third (changes of keys are passed on).
 #include "base/unicode.h"
 #include "jet/rows/file_context.h"
 #include "jet/tables/catalog.h"
@@ -14,12 +14,34 @@
 namespace jet::test {
 namespace {
 
-class SampleRelationTest : public testing::Test {
+// Names in such a file; the numbers in it are the same in all of them.
+struct RelatedFile {
+    std::filesystem::path path;
+    std::u16string table;  // refers to both
+    std::u16string deleted;
+    std::u16string deleted_key;  // column of `table`
+    std::u16string renumbered;
+    std::u16string renumbered_key;
+};
+
+void PrintTo(const RelatedFile& file, std::ostream* out) {
+    *out << file.path;
+}
+
+std::vector<RelatedFile> RelatedFiles() {
+    std::vector<RelatedFile> files;
+    for (const char* ours : {"databases/arcade-jet3.mdb", "databases/arcade-jet4.mdb"})
+        files.push_back({DataFolder() / ours, u"Visits", u"Guests", u"guest", u"Halls", u"hall"});
+    if (const auto samples = SampleFolder())
+        files.push_back({*samples / "mdb/a2003-relations.mdb", u"Table1", u"Table2", u"otherfk1",
+                         u"Table3", u"otherfk2"});
+    return files;
+}
+
+class SampleRelationTest : public testing::TestWithParam<RelatedFile> {
 protected:
     void SetUp() override {
-        const auto samples = SampleFolder();
-        if (!samples) GTEST_SKIP() << "no sample files on this machine";
-        auto opened = OpenCopy(*samples / "mdb" / "a2003-relations.mdb");
+        auto opened = OpenCopy(GetParam().path);
         ASSERT_TRUE(opened.ok()) << opened.status().message();
         database_ = std::move(opened).value();
     }
@@ -77,44 +99,47 @@ protected:
     std::unique_ptr<Database> database_;
 };
 
-TEST_F(SampleRelationTest, DeleteIsPassedOn) {
-    ASSERT_EQ(Find(u"Table1", u"otherfk1", 1).size(), 2U);
-    const base::Status deleted = Delete(u"Table2", 1);
+TEST_P(SampleRelationTest, DeleteIsPassedOn) {
+    ASSERT_EQ(Find(GetParam().table, GetParam().deleted_key, 1).size(), 2U);
+    const base::Status deleted = Delete(GetParam().deleted, 1);
     ASSERT_TRUE(deleted.ok()) << deleted.message();
-    EXPECT_TRUE(Find(u"Table1", u"otherfk1", 1).empty());
-    EXPECT_EQ(TableOf(u"Table1").row_count(), 2U);
+    EXPECT_TRUE(Find(GetParam().table, GetParam().deleted_key, 1).empty());
+    EXPECT_EQ(TableOf(GetParam().table).row_count(), 2U);
 }
 
-TEST_F(SampleRelationTest, DeleteOfAReferredRowIsRefused) {
-    EXPECT_EQ(Delete(u"Table3", 10).number(), 3200);
-    EXPECT_TRUE(Delete(u"Table3", 12).ok());
+TEST_P(SampleRelationTest, DeleteOfAReferredRowIsRefused) {
+    EXPECT_EQ(Delete(GetParam().renumbered, 10).number(), 3200);
+    EXPECT_TRUE(Delete(GetParam().renumbered, 12).ok());
 }
 
-TEST_F(SampleRelationTest, ChangeOfAKeyIsPassedOn) {
-    ASSERT_TRUE(SetNumber(u"Table3", 11, u"id", 21).ok());
-    EXPECT_EQ(Find(u"Table1", u"otherfk2", 21).size(), 2U);
-    EXPECT_TRUE(Find(u"Table1", u"otherfk2", 11).empty());
+TEST_P(SampleRelationTest, ChangeOfAKeyIsPassedOn) {
+    ASSERT_TRUE(SetNumber(GetParam().renumbered, 11, u"id", 21).ok());
+    EXPECT_EQ(Find(GetParam().table, GetParam().renumbered_key, 21).size(), 2U);
+    EXPECT_TRUE(Find(GetParam().table, GetParam().renumbered_key, 11).empty());
 }
 
-TEST_F(SampleRelationTest, ChangeOfAReferredKeyIsRefused) {
-    EXPECT_EQ(SetNumber(u"Table2", 1, u"id", 7).number(), 3200);
-    EXPECT_EQ(Find(u"Table2", u"id", 1).size(), 1U);
+TEST_P(SampleRelationTest, ChangeOfAReferredKeyIsRefused) {
+    EXPECT_EQ(SetNumber(GetParam().deleted, 1, u"id", 7).number(), 3200);
+    EXPECT_EQ(Find(GetParam().deleted, u"id", 1).size(), 1U);
 }
 
-TEST_F(SampleRelationTest, ForeignKeyNeedsItsRow) {
-    EXPECT_EQ(SetNumber(u"Table1", 0, u"otherfk1", 99).number(), 3201);
-    EXPECT_TRUE(SetNumber(u"Table1", 0, u"otherfk1", 2).ok());
-    std::vector<Value> values(TableOf(u"Table1").design().columns.size());
-    values[Column(u"Table1", u"id")] = Value::Long(50);
-    values[Column(u"Table1", u"otherfk2")] = Value::Long(99);
-    EXPECT_EQ(Do([&] { return TableOf(u"Table1").Insert(values).status(); }).number(), 3201);
-    values[Column(u"Table1", u"otherfk2")] = Value::Null();
-    EXPECT_TRUE(Do([&] { return TableOf(u"Table1").Insert(values).status(); }).ok());
+TEST_P(SampleRelationTest, ForeignKeyNeedsItsRow) {
+    EXPECT_EQ(SetNumber(GetParam().table, 0, GetParam().deleted_key, 99).number(), 3201);
+    EXPECT_TRUE(SetNumber(GetParam().table, 0, GetParam().deleted_key, 2).ok());
+    std::vector<Value> values(TableOf(GetParam().table).design().columns.size());
+    values[Column(GetParam().table, u"id")] = Value::Long(50);
+    values[Column(GetParam().table, GetParam().renumbered_key)] = Value::Long(99);
+    EXPECT_EQ(Do([&] { return TableOf(GetParam().table).Insert(values).status(); }).number(), 3201);
+    values[Column(GetParam().table, GetParam().renumbered_key)] = Value::Null();
+    EXPECT_TRUE(Do([&] { return TableOf(GetParam().table).Insert(values).status(); }).ok());
 }
 
-TEST_F(SampleRelationTest, TableInARelationIsNotDropped) {
-    EXPECT_EQ(Do([&] { return database_->DropTable(u"Table2"); }).number(), 3281);
+TEST_P(SampleRelationTest, TableInARelationIsNotDropped) {
+    EXPECT_EQ(Do([&] { return database_->DropTable(GetParam().deleted); }).number(), 3281);
 }
+
+INSTANTIATE_TEST_SUITE_P(Files, SampleRelationTest, testing::ValuesIn(RelatedFiles()),
+                         [](const auto& file) { return test_support::LettersOf(file.param.path); });
 
 // What the definitions say of all indexes: by table, one line each.
 std::map<std::u16string, std::vector<std::string>> IndexesOf(Database& database) {
@@ -166,13 +191,11 @@ std::vector<RelationDesign> RelationsOf(Database& database) {
     return relations;
 }
 
-class RelationAgainTest : public testing::TestWithParam<const char*> {};
+class RelationAgainTest : public testing::TestWithParam<std::filesystem::path> {};
 
-// The real file says how a relation is written: taken out and made again it looks the same.
+// A real file says how a relation is written: taken out and made again it looks the same.
 TEST_P(RelationAgainTest, DroppedAndCreatedAgainTheDefinitionsAreAsBefore) {
-    const auto samples = SampleFolder();
-    if (!samples) GTEST_SKIP() << "no sample files on this machine";
-    auto opened = OpenCopy(*samples / "mdb" / GetParam());
+    auto opened = OpenCopy(GetParam());
     ASSERT_TRUE(opened.ok()) << opened.status().message();
     Database& database = *opened.value();
     const auto before = IndexesOf(database);
@@ -205,10 +228,10 @@ TEST_P(RelationAgainTest, DroppedAndCreatedAgainTheDefinitionsAreAsBefore) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Samples, RelationAgainTest, testing::Values("a2003-relations.mdb", "a97-orders.mdb"),
-    [](const auto& sample) {
-        return std::string(sample.param).substr(0, sample.param[1] == '9' ? 3 : 5);
-    });
+    Files, RelationAgainTest,
+    testing::ValuesIn(OurFilesAndReal({"databases/arcade-jet3.mdb", "databases/arcade-jet4.mdb"},
+                                      {"mdb/a2003-relations.mdb", "mdb/a97-orders.mdb"})),
+    NameOfFile);
 
 }  // namespace
 }  // namespace jet::test

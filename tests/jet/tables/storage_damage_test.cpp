@@ -10,11 +10,6 @@
 namespace jet::test {
 namespace {
 
-std::vector<std::byte> Sample(const std::string& name) {
-    const auto samples = SampleFolder();
-    return samples ? ReadWholeFile(*samples / name) : std::vector<std::byte>();
-}
-
 void WalkTable(Table& table) {
     std::vector<std::size_t> columns(table.design().columns.size());
     std::iota(columns.begin(), columns.end(), std::size_t{0});
@@ -72,11 +67,10 @@ void Exercise(std::vector<std::byte> bytes) {
     database.Rollback();
 }
 
-class StorageDamageTest : public testing::TestWithParam<const char*> {};
+class StorageDamageTest : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(StorageDamageTest, FlippedBytesAreSurvived) {
-    const auto bytes = Sample(GetParam());
-    if (bytes.empty()) GTEST_SKIP() << "no sample files on this machine";
+    const auto bytes = ReadWholeFile(GetParam());
     std::mt19937 random(42);
     const std::size_t page = bytes[0x14] == std::byte{0} ? 2048 : 4096;
     for (int round = 0; round < 250; ++round) {
@@ -92,8 +86,7 @@ TEST_P(StorageDamageTest, FlippedBytesAreSurvived) {
 }
 
 TEST_P(StorageDamageTest, EveryTruncationIsSurvived) {
-    const auto bytes = Sample(GetParam());
-    if (bytes.empty()) GTEST_SKIP() << "no sample files on this machine";
+    const auto bytes = ReadWholeFile(GetParam());
     const std::size_t page = bytes[0x14] == std::byte{0} ? 2048 : 4096;
     const std::size_t step = page * (1 + bytes.size() / page / 60);
     for (std::size_t size = 0; size < bytes.size(); size += step)
@@ -101,8 +94,7 @@ TEST_P(StorageDamageTest, EveryTruncationIsSurvived) {
 }
 
 TEST_P(StorageDamageTest, SwappedPagesAreSurvived) {
-    const auto bytes = Sample(GetParam());
-    if (bytes.empty()) GTEST_SKIP() << "no sample files on this machine";
+    const auto bytes = ReadWholeFile(GetParam());
     std::mt19937 random(43);
     const std::size_t page = bytes[0x14] == std::byte{0} ? 2048 : 4096;
     for (int round = 0; round < 60; ++round) {
@@ -117,9 +109,12 @@ TEST_P(StorageDamageTest, SwappedPagesAreSurvived) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, StorageDamageTest,
-                         testing::Values("catalogue/old-base-250.mdb", "mdb/a97-tables.mdb",
-                                         "mdb/a2003-relations.mdb"));
+INSTANTIATE_TEST_SUITE_P(
+    Files, StorageDamageTest,
+    testing::ValuesIn(OurFilesAndReal(
+        {"databases/catalogue-jet4.mdb", "databases/arcade-jet3.mdb", "databases/arcade-jet4.mdb"},
+        {"catalogue/old-base-250.mdb", "mdb/a97-tables.mdb", "mdb/a2003-relations.mdb"})),
+    NameOfFile);
 
 }  // namespace
 }  // namespace jet::test

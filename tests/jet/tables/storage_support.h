@@ -1,8 +1,9 @@
-// What the tests of the storage share: the real sample files, databases in memory, and other
+// What the tests of the storage share: whole files, databases in memory, and other
 // programs' view of a file.
 #pragma once
 
 #include "jet/tables/database.h"
+#include "support/test_data.h"
 
 #include <filesystem>
 #include <optional>
@@ -11,10 +12,16 @@
 
 namespace jet::test {
 
-// The folder of sample files; nullopt where the machine has none.
-std::optional<std::filesystem::path> SampleFolder();
-// All sample databases, the old catalogues included; empty where there are none.
-std::vector<std::filesystem::path> SampleDatabases();
+using test_support::DataFolder;
+using test_support::NameOfFile;
+using test_support::OurFilesAndReal;
+using test_support::SampleFolder;
+
+// All databases of tests/data, and the real ones where there are some.
+std::vector<std::filesystem::path> WholeDatabases();
+// Of those, the ones that are opened without a password.
+std::vector<std::filesystem::path> DatabasesWithoutPassword();
+bool HasPassword(const std::filesystem::path& path);
 std::vector<std::byte> ReadWholeFile(const std::filesystem::path& path);
 void WriteWholeFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
 

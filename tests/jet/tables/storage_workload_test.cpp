@@ -1,5 +1,5 @@
-// Ten thousand random operations on copies of every real file that can be written, and on files of
-// the test's own with all kinds of relations, against a model in memory.
+// Ten thousand random operations on copies of every whole file that can be written, on new files,
+// and on files of the test's own with all kinds of relations, against a model in memory.
 #include "jet/tables/storage_support.h"
 #include "jet/tables/table_fixture.h"
 #include "jet/tables/workload.h"
@@ -70,17 +70,10 @@ void CreateGames(Database& database) {
     ASSERT_TRUE(database.Commit().ok());
 }
 
-class StorageWorkloadTest : public testing::TestWithParam<std::string> {};
-
-TEST_P(StorageWorkloadTest, TenThousandOperationsComeToWhatTheModelHolds) {
-    const auto samples = SampleFolder();
-    if (!samples) GTEST_SKIP() << "no sample files on this machine";
-    std::vector<std::byte> bytes = ReadWholeFile(*samples / GetParam());
-    // Files without a table get one.
-    if (GetParam().ends_with("fresh.mdb")) bytes = WithTables(std::move(bytes), CreateGames);
-    Workload workload(std::move(bytes), GetParam());
+void WorkOn(std::vector<std::byte> bytes, const std::string& name) {
+    Workload workload(std::move(bytes), name);
     workload.Run(kOperations);
-    if (HasFailure()) return;
+    if (testing::Test::HasFailure()) return;
     EXPECT_THAT(workload.left_out(), testing::IsEmpty());
     ExpectABitOfEverything(workload);
     if (workload.has_relations()) {
@@ -91,28 +84,32 @@ TEST_P(StorageWorkloadTest, TenThousandOperationsComeToWhatTheModelHolds) {
     CompareWithExports(workload);
 }
 
-const std::vector<std::string> kWorkedOn = {
-    "catalogue/old-base-250.mdb", "catalogue/old-full-1000.mdb", "mdb/a2000-composite-index.mdb",
-    "mdb/a2000-fresh.mdb",        "mdb/a2000-wide-table.mdb",    "mdb/a2003-relations.mdb",
-    "mdb/a2003-unicode.mdb",      "mdb/a97-collation.mdb",       "mdb/a97-orders.mdb",
-    "mdb/a97-tables.mdb",         "mdb/jet4-engine-fresh.mdb"};
+class StorageWorkloadTest : public testing::TestWithParam<std::filesystem::path> {};
 
-INSTANTIATE_TEST_SUITE_P(Samples, StorageWorkloadTest, testing::ValuesIn(kWorkedOn),
-                         [](const auto& sample) {
-                             std::string name = sample.param.substr(sample.param.find('/') + 1);
-                             std::erase_if(name, [](char c) { return std::isalnum(c) == 0; });
-                             return name;
-                         });
+TEST_P(StorageWorkloadTest, TenThousandOperationsComeToWhatTheModelHolds) {
+    std::vector<std::byte> bytes = ReadWholeFile(GetParam());
+    // Files without a table get one.
+    if (GetParam().stem().string().ends_with("fresh"))
+        bytes = WithTables(std::move(bytes), CreateGames);
+    WorkOn(std::move(bytes), GetParam().filename().string());
+}
 
-TEST(StorageWorkloadSamplesTest, NoSampleButTheOneWithAPasswordIsLeftOut) {
-    const auto files = SampleDatabases();
-    if (files.empty()) GTEST_SKIP() << "no sample files on this machine";
-    std::vector<std::string> names = {"mdb/a2003-password.mdb"};
-    names.insert(names.end(), kWorkedOn.begin(), kWorkedOn.end());
-    std::vector<std::string> found;
-    for (const auto& file : files)
-        found.push_back(file.parent_path().filename().string() + "/" + file.filename().string());
-    EXPECT_THAT(found, testing::UnorderedElementsAreArray(names));
+INSTANTIATE_TEST_SUITE_P(Files, StorageWorkloadTest, testing::ValuesIn(DatabasesWithoutPassword()),
+                         NameOfFile);
+
+class NewFileWorkloadTest : public testing::TestWithParam<int> {};
+
+TEST_P(NewFileWorkloadTest, TenThousandOperationsComeToWhatTheModelHolds) {
+    WorkOn(WithTables(NewFile(GetParam()), CreateGames), "new.mdb");
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, NewFileWorkloadTest, testing::Values(4, 3),
+                         [](const auto& version) { return "Jet" + std::to_string(version.param); });
+
+TEST(StorageWorkloadSamplesTest, NoFileButThoseWithAPasswordIsLeftOut) {
+    EXPECT_EQ(DatabasesWithoutPassword().size(), SampleFolder() ? 4U + 11U : 4U);
+    EXPECT_EQ(WholeDatabases().size() - DatabasesWithoutPassword().size(),
+              SampleFolder() ? 2U : 1U);
 }
 
 void WorkOnRelatedTables(std::vector<std::byte> bytes) {

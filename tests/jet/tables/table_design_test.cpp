@@ -189,7 +189,7 @@ TEST_F(TableDesignTest, FirstVariableColumnReachesOldRows) {
     EXPECT_EQ(rows[7][0], Value::Long(7));
     EXPECT_TRUE(rows[7][2].is_null());
     ASSERT_TRUE(database_->Flush().ok());
-    if (HasProgram("mdb-export")) CompareWithExport(path_, TableOf(u"Numbers"));
+    CompareWithExport(path_, TableOf(u"Numbers"));
 }
 
 TEST_F(TableDesignTest, RulesOfColumnsAreKept) {

@@ -329,7 +329,6 @@ void Workload::Compare() {
 }
 
 void CompareWithExports(Workload& workload, std::size_t left_behind) {
-    if (!HasProgram("mdb-export")) return;
     const TemporaryFolder folder;
     const auto path = folder.path() / "worked.mdb";
     WriteWholeFile(path, AllBytes(workload.database().pages()));

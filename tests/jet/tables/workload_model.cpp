@@ -35,16 +35,18 @@ void AppendRaw(std::string& key, const T& value) {
 }
 
 double NumberOf(const Value& value) {
+    if (const auto* number = value.get_if<std::uint8_t>()) return *number;
     if (const auto* number = value.get_if<std::int16_t>()) return *number;
     if (const auto* number = value.get_if<std::int32_t>()) return *number;
     if (const auto* number = value.get_if<float>()) return static_cast<double>(*number);
+    if (const auto* number = value.get_if<double>()) return *number;
     if (const auto* money = value.get_if<Money>()) return static_cast<double>(money->units) / 1e4;
     if (const auto* date = value.get_if<Date>()) return date->days;
     ADD_FAILURE() << "a rule over a value that is no number";
     return 0;
 }
 
-// The rules that the samples have.
+// The rules that the files have.
 bool KeepsRule(std::u16string_view rule, const Value& value) {
     if (value.is_null()) return true;
     if (rule == u">0") return NumberOf(value) > 0;

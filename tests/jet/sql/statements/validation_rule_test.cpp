@@ -162,26 +162,53 @@ TEST_F(RulesOnDisk, KeepTheColumnsThatTheyNeed) {
 }
 
 TEST_F(RulesOnDisk, AreSeenByMdbProp) {
-    if (!HasProgram("mdb-prop")) GTEST_SKIP() << "mdbtools are not installed";
+    ASSERT_TRUE(HasProgram("mdb-prop")) << "mdbtools are not installed";
     const std::string printed =
         OutputOf({"mdb-prop", path.string(), "Games"}).value_or("<mdb-prop failed>");
     EXPECT_NE(printed.find("ValidationRule: Between 1 And 4"), std::string::npos) << printed;
     EXPECT_NE(printed.find("ValidationText: Names begin with A."), std::string::npos) << printed;
 }
 
-TEST(RulesOfASample, HoldAsTheyStandThere) {
-    if (!SampleFolder()) GTEST_SKIP() << "no sample files on this machine";
-    auto opened = OpenCopy(*SampleFolder() / "mdb/a97-orders.mdb");
-    ASSERT_TRUE(opened.ok());
-    Connection connection(std::move(opened).value(), Noon);
-    const std::u16string which = u" WHERE OrderID = 10248 AND ProductID = 11";
-    const auto set = [&](std::u16string what) {
-        return Answer(connection, u"UPDATE [Order Details] SET " + what + which);
-    };
-    EXPECT_EQ(set(u"Quantity = 0"), "#3317: Quantity must be greater than 0");
-    EXPECT_EQ(set(u"UnitPrice = -0.01"), "#3317: You must enter a positive number.");
-    EXPECT_EQ(set(u"Discount = 1.5"), "#3317: You must enter a value with a percent sign.");
-    EXPECT_EQ(set(u"Discount = 1, Quantity = 1, UnitPrice = 0"), "1");
+// Rules as the designers of whole files wrote them.
+struct RuledFile {
+    std::filesystem::path path;
+    std::u16string statement;  // with a "?" for what is set
+    std::vector<std::pair<std::u16string, std::string>> answers;
+};
+
+std::vector<RuledFile> RuledFiles() {
+    std::vector<RuledFile> files;
+    for (const char* ours : {"databases/arcade-jet3.mdb", "databases/arcade-jet4.mdb"})
+        files.push_back(
+            {DataFolder() / ours,
+             u"UPDATE Machines SET ? WHERE ID = 4",
+             {{u"Players = 0", "#3317: Somebody has to play."},
+              {u"Price = -0.01",
+               "#3317: One or more values are prohibited by the validation rule '>=0' set for "
+               "'Machines.Price'. Enter a value that the expression for this field can accept."},
+              {u"Rating = 1, Players = 2, Price = 0", "1"}}});
+    if (const auto samples = SampleFolder())
+        files.push_back({*samples / "mdb/a97-orders.mdb",
+                         u"UPDATE [Order Details] SET ? WHERE OrderID = 10248 AND ProductID = 11",
+                         {{u"Quantity = 0", "#3317: Quantity must be greater than 0"},
+                          {u"UnitPrice = -0.01", "#3317: You must enter a positive number."},
+                          {u"Discount = 1.5", "#3317: You must enter a value with a percent sign."},
+                          {u"Discount = 1, Quantity = 1, UnitPrice = 0", "1"}}});
+    return files;
+}
+
+TEST(RulesOfWholeFiles, HoldAsTheyStandThere) {
+    for (const RuledFile& file : RuledFiles()) {
+        SCOPED_TRACE(file.path.filename().string());
+        auto opened = OpenCopy(file.path);
+        ASSERT_TRUE(opened.ok()) << opened.status().message();
+        Connection connection(std::move(opened).value(), Noon);
+        for (const auto& [what, answer] : file.answers) {
+            std::u16string sql = file.statement;
+            sql.replace(sql.find(u'?'), 1, what);
+            EXPECT_EQ(Answer(connection, sql), answer);
+        }
+    }
 }
 
 }  // namespace
