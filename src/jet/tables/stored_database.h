@@ -77,6 +77,15 @@ private:
 
     base::Status AddIndex(TableDefinition& definition, const IndexDesign& index,
                           const std::vector<std::size_t>& positions, MapRows& maps);
+    // The real index that keeps the referring side of a relation.
+    struct ReferringIndex {
+        std::uint32_t real = 0;
+        bool is_new = false;  // its tree is still to be built
+    };
+    // An index of these columns (numbers) if there is one, otherwise a new one.
+    base::Result<ReferringIndex> FindOrAddIndex(TableDefinition& definition,
+                                                const std::vector<std::uint16_t>& columns,
+                                                const std::u16string& relation);
     // An empty tree; `real` tells columns and flags.
     base::Status AddRealIndex(TableDefinition& definition, RealIndex real, MapRows& maps);
     // Makes the entries of index `real` anew from the rows. 3022, 3058.

@@ -112,7 +112,8 @@ std::u16string HiddenName(std::uint32_t number) {
     return u".r" + letters;
 }
 
-LogicalIndex Half(const RelationDesign& relation, RelationSide side, std::uint32_t real) {
+LogicalIndex RelationSideIndex(const RelationDesign& relation, RelationSide side,
+                               std::uint32_t real) {
     LogicalIndex index;
     index.kind = IndexKind::kRelation;
     index.side = side;
@@ -122,15 +123,15 @@ LogicalIndex Half(const RelationDesign& relation, RelationSide side, std::uint32
     return index;
 }
 
-// Adds both halves; `referenced` may be the same definition.
+// Adds the index of each side; `referenced` may be the same definition.
 void AddPair(const RelationDesign& relation, TableDefinition& referring, std::uint32_t real,
              TableDefinition& referenced, std::uint32_t referenced_real) {
-    LogicalIndex foreign = Half(relation, RelationSide::kForeign, real);
+    LogicalIndex foreign = RelationSideIndex(relation, RelationSide::kForeign, real);
     foreign.name = relation.name;
     foreign.number = NextIndexNumber(referring);
     foreign.other_table = referenced.page;
     referring.logical_indexes.push_back(foreign);
-    LogicalIndex primary = Half(relation, RelationSide::kPrimary, referenced_real);
+    LogicalIndex primary = RelationSideIndex(relation, RelationSide::kPrimary, referenced_real);
     primary.number = NextIndexNumber(referenced);
     primary.name = HiddenName(primary.number);
     primary.other_table = referring.page;
@@ -201,25 +202,12 @@ base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
     if (!referenced_real) return errors::NoUniqueIndex();
     RETURN_IF_ERROR(CheckIndexesOfRelation(relation, definition, referenced));
 
-    // An index of the same columns serves; otherwise the relation gets one of its own.
-    std::uint32_t real = 0;
-    while (real < definition.real_indexes.size() &&
-           !HasColumns(definition.real_indexes[real], columns.referring))
-        ++real;
-    const bool is_new = real == definition.real_indexes.size();
-    if (is_new) {
-        RealIndex index;
-        for (const std::uint16_t number : columns.referring)
-            index.columns.push_back({number, true});
-        if (!IsMaintainable(file_, definition, index)) return errors::InvalidIndex(relation.name);
-        if (file_.format.jet4()) index.flags = kIndexJet4;
-        MapRows maps(file_, definition);
-        RETURN_IF_ERROR(AddRealIndex(definition, std::move(index), maps));
-    }
-    AddPair(relation, definition, real, referenced, *referenced_real);
+    ASSIGN_OR_RETURN(const ReferringIndex index,
+                     FindOrAddIndex(definition, columns.referring, relation.name));
+    AddPair(relation, definition, index.real, referenced, *referenced_real);
     RETURN_IF_ERROR(FinishChange(entry, definition));
     if (!to_itself) RETURN_IF_ERROR(FinishChange(referenced_entry, referenced));
-    if (is_new) RETURN_IF_ERROR(BuildIndex(definition, real));
+    if (index.is_new) RETURN_IF_ERROR(BuildIndex(definition, index.real));
 
     ASSIGN_OR_RETURN(StoredTable * table, TableAt(definition.page));
     ASSIGN_OR_RETURN(const std::vector<RowId> rows, AllRows(definition));
@@ -229,9 +217,29 @@ base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
     relation.referenced_table = referenced_entry.name;
     relation.columns = NamesOf(columns.referring, definition);
     relation.referenced_columns = NamesOf(columns.referenced, referenced);
-    RETURN_IF_ERROR(AddRelationRows(relation, RelationFlags(relation, definition, real)));
+    RETURN_IF_ERROR(AddRelationRows(relation, RelationFlags(relation, definition, index.real)));
     ASSIGN_OR_RETURN(const std::int32_t id, NextObjectId());
     return AddToCatalog(relation.name, id, kObjectIsRelation, kRelationsContainer);
+}
+
+base::Result<StoredDatabase::ReferringIndex>
+StoredDatabase::FindOrAddIndex(TableDefinition& definition,
+                               const std::vector<std::uint16_t>& columns,
+                               const std::u16string& relation) {
+    ReferringIndex found;
+    const auto count = static_cast<std::uint32_t>(definition.real_indexes.size());
+    while (found.real < count && !HasColumns(definition.real_indexes[found.real], columns))
+        ++found.real;
+    if (found.real < count) return found;
+    RealIndex index;
+    for (const std::uint16_t number : columns)
+        index.columns.push_back({number, true});
+    if (!IsMaintainable(file_, definition, index)) return errors::InvalidIndex(relation);
+    if (file_.format.jet4()) index.flags = kIndexJet4;
+    MapRows maps(file_, definition);
+    RETURN_IF_ERROR(AddRealIndex(definition, std::move(index), maps));
+    found.is_new = true;
+    return found;
 }
 
 // Without a name of its own: those of the tables, the referenced one first.
@@ -307,24 +315,25 @@ base::Status StoredDatabase::DropRelation(std::u16string_view table, std::u16str
             return index.side == RelationSide::kForeign && SameName(index.name, relation);
         });
     if (found == definition.logical_indexes.end()) return errors::NoSuchIndex(relation, table);
-    const LogicalIndex half = *found;
+    const LogicalIndex foreign = *found;
     definition.logical_indexes.erase(found);
 
     ASSIGN_OR_RETURN(const auto* entries, catalog_.Entries());
     std::optional<CatalogEntry> referenced_entry;
     std::optional<CatalogEntry> object;
     for (const CatalogEntry& known : *entries) {
-        if (known.is_table() && known.definition_page() == half.other_table)
+        if (known.is_table() && known.definition_page() == foreign.other_table)
             referenced_entry = known;
-        if (known.parent == kRelationsContainer && SameName(known.name, half.name)) object = known;
+        if (known.parent == kRelationsContainer && SameName(known.name, foreign.name))
+            object = known;
     }
-    const bool to_itself = half.other_table == definition.page;
+    const bool to_itself = foreign.other_table == definition.page;
     TableDefinition other;
     if (!to_itself && referenced_entry) {
         ASSIGN_OR_RETURN(other, ReadDefinition(*referenced_entry));
     }
     TableDefinition& referenced = to_itself ? definition : other;
-    const LogicalIndex* const partner = referenced.FindIndex(half.partner);
+    const LogicalIndex* const partner = referenced.FindIndex(foreign.partner);
     if (partner != nullptr && partner->kind == IndexKind::kRelation)
         referenced.logical_indexes.erase(referenced.logical_indexes.begin() +
                                          (partner - referenced.logical_indexes.data()));
@@ -334,7 +343,7 @@ base::Status StoredDatabase::DropRelation(std::u16string_view table, std::u16str
         RETURN_IF_ERROR(RemoveUnusedIndexes(referenced));
         RETURN_IF_ERROR(FinishChange(*referenced_entry, referenced));
     }
-    RETURN_IF_ERROR(RemoveRelationRows(half.name));
+    RETURN_IF_ERROR(RemoveRelationRows(foreign.name));
     return object ? RemoveFromCatalog(*object) : base::Status();
 }
 

@@ -82,7 +82,6 @@ private:
         StoredTable* table;
         std::vector<std::size_t> columns;  // of the foreign key, among its definition().columns
         std::vector<Value> new_key;        // empty: the row goes away
-        bool set_null = false;
         std::vector<RowId> rows;
     };
     // `row`: the one that has or is to have the values; {} for a new one.
@@ -94,6 +93,13 @@ private:
     // 3200, or the rows that follow the change. `after` empty: the row is to be deleted.
     base::Result<std::vector<Dependants>> FindDependants(RowId row, std::span<const Value> before,
                                                          std::span<const Value> after);
+    // Those by one relation, this table being the referenced one; nullopt: the change does not
+    // concern any.
+    base::Result<std::optional<Dependants>> DependantsBy(const LogicalIndex& index, RowId row,
+                                                         std::span<const Value> before,
+                                                         std::span<const Value> after);
+    // The rows that have exactly this key in the index `real`.
+    base::Result<std::vector<RowId>> RowsWithKey(std::size_t real, const Bytes& key) const;
     base::Status SetForeignKey(RowId row, std::vector<Value> values, const Dependants& dependants);
     base::Status ChangeDependants(const std::vector<Dependants>& dependants);
     base::Status UpdateColumns(RowId row, std::vector<Value> values, std::vector<bool> changed);

@@ -1,6 +1,5 @@
 // Relations between tables: a foreign key must have its row on the primary side; a row there that
-// is still referred to is not deleted or renamed, unless the relation says that the change is
-// passed on.
+// is still referred to is not deleted and keeps its key, unless the relation passes the change on.
 #include "jet/storage_errors.h"
 #include "jet/tables/stored_table.h"
 #include "jet/tables/table_designer.h"
@@ -10,8 +9,8 @@
 namespace jet {
 namespace {
 
-// Rows that follow rows that follow rows ...
-constexpr int kMaxCascade = 200;
+// Changes are passed on from row to row so many times at most.
+constexpr int kMaxCascadeDepth = 200;
 
 class CascadeStep {
 public:
@@ -23,6 +22,19 @@ public:
 private:
     int& depth_;
 };
+
+// What the definition stores of a relation's rules; any other number stands for kRefuse.
+RelationRule RuleForUpdates(const LogicalIndex& index) {
+    const bool cascades =
+        index.cascade_updates == static_cast<std::uint8_t>(RelationRule::kCascade);
+    return cascades ? RelationRule::kCascade : RelationRule::kRefuse;
+}
+
+RelationRule RuleForDeletes(const LogicalIndex& index) {
+    for (const RelationRule rule : {RelationRule::kCascade, RelationRule::kSetNull})
+        if (index.cascade_deletes == static_cast<std::uint8_t>(rule)) return rule;
+    return RelationRule::kRefuse;
+}
 
 std::vector<Value> Pick(std::span<const Value> values, const std::vector<std::size_t>& columns) {
     std::vector<Value> picked;
@@ -98,58 +110,78 @@ StoredTable::FindDependants(RowId row, std::span<const Value> before,
     std::vector<Dependants> all;
     for (const LogicalIndex& index : definition_.logical_indexes) {
         if (index.kind != IndexKind::kRelation || index.side != RelationSide::kPrimary) continue;
-        const auto& columns = indexes_.ColumnsOf(index.real);
-        const std::vector<Value> old_key = Pick(before, columns);
-        if (AnyNull(old_key)) continue;
-        Dependants found;
-        if (!after.empty()) {
-            found.new_key = Pick(after, columns);
-            if (found.new_key == old_key) continue;
-        }
-        ASSIGN_OR_RETURN(found.table, tables_.TableAt(index.other_table));
-        const LogicalIndex* partner = found.table->definition_.FindIndex(index.partner);
-        if (partner == nullptr) continue;
-        found.columns = found.table->indexes_.ColumnsOf(partner->real);
-        if (found.columns.size() != columns.size()) continue;
-        RETURN_IF_ERROR(found.table->CheckKeysFrom(*this, columns, partner->real));
-        const Bytes key = found.table->indexes_.KeyOf(partner->real, old_key);
-        // A row that refers to itself does not hold itself back when it goes, nor when it is given
-        // another reference with its new key.
-        const bool frees_itself =
-            found.table == this &&
-            (after.empty() || indexes_.KeyOf(partner->real, Pick(after, found.columns)) != key);
-        const IndexTree& tree = found.table->indexes_.tree(partner->real);
-        ASSIGN_OR_RETURN(IndexTree::Place place, tree.Seek(key));
-        while (!place.at_end() && place.view.StartsWith(place.entry, key)) {
-            const RowId dependant = place.view.Row(place.entry);
-            if (place.view.EntryBytes(place.entry) == key.size() + kRowIdBytes &&
-                !(frees_itself && dependant == row))
-                found.rows.push_back(dependant);
-            RETURN_IF_ERROR(tree.Next(place));
-        }
-        if (found.rows.empty()) continue;
-        const std::uint8_t cascade = after.empty() ? index.cascade_deletes : index.cascade_updates;
-        if (cascade != 1 && !(after.empty() && cascade == 2)) {
-            // Another spelling of the same key leaves the rows related.
-            if (!after.empty() && found.table->indexes_.KeyOf(partner->real, found.new_key) == key)
-                continue;
-            return errors::HasRelatedRecords(found.table->design_.name);
-        }
-        found.set_null = after.empty() && cascade == 2;
-        if (found.set_null) found.new_key.assign(columns.size(), Value::Null());
-        all.push_back(std::move(found));
+        ASSIGN_OR_RETURN(auto found, DependantsBy(index, row, before, after));
+        if (found) all.push_back(std::move(*found));
     }
     return all;
 }
 
+base::Result<std::optional<StoredTable::Dependants>>
+StoredTable::DependantsBy(const LogicalIndex& index, RowId row, std::span<const Value> before,
+                          std::span<const Value> after) {
+    const std::optional<Dependants> none;
+    const bool is_delete = after.empty();
+    const auto& columns = indexes_.ColumnsOf(index.real);
+    const std::vector<Value> old_key = Pick(before, columns);
+    if (AnyNull(old_key)) return none;
+    Dependants found;
+    if (!is_delete) {
+        found.new_key = Pick(after, columns);
+        if (found.new_key == old_key) return none;
+    }
+    ASSIGN_OR_RETURN(found.table, tables_.TableAt(index.other_table));
+    const LogicalIndex* const partner = found.table->definition_.FindIndex(index.partner);
+    if (partner == nullptr) return none;
+    const IndexSet& indexes = found.table->indexes_;
+    found.columns = indexes.ColumnsOf(partner->real);
+    if (found.columns.size() != columns.size()) return none;
+    RETURN_IF_ERROR(found.table->CheckKeysFrom(*this, columns, partner->real));
+
+    const Bytes key = indexes.KeyOf(partner->real, old_key);
+    ASSIGN_OR_RETURN(found.rows, found.table->RowsWithKey(partner->real, key));
+    // A row that refers to itself does not prevent its own deletion, nor a new key that comes with
+    // another reference.
+    const bool frees_itself =
+        found.table == this &&
+        (is_delete || indexes_.KeyOf(partner->real, Pick(after, found.columns)) != key);
+    if (frees_itself) std::erase(found.rows, row);
+    if (found.rows.empty()) return none;
+
+    switch (is_delete ? RuleForDeletes(index) : RuleForUpdates(index)) {
+    case RelationRule::kCascade:
+        break;
+    case RelationRule::kSetNull:
+        found.new_key.assign(columns.size(), Value::Null());
+        break;
+    case RelationRule::kRefuse:
+        // Another spelling of the same key leaves the rows related.
+        if (!is_delete && indexes.KeyOf(partner->real, found.new_key) == key) return none;
+        return errors::HasRelatedRecords(found.table->design_.name);
+    }
+    return std::optional(std::move(found));
+}
+
+base::Result<std::vector<RowId>> StoredTable::RowsWithKey(std::size_t real,
+                                                          const Bytes& key) const {
+    std::vector<RowId> rows;
+    const IndexTree& tree = indexes_.tree(real);
+    ASSIGN_OR_RETURN(IndexTree::Place place, tree.Seek(key));
+    while (!place.at_end() && place.view.StartsWith(place.entry, key)) {
+        if (place.view.EntryBytes(place.entry) == key.size() + kRowIdBytes)
+            rows.push_back(place.view.Row(place.entry));
+        RETURN_IF_ERROR(tree.Next(place));
+    }
+    return rows;
+}
+
 base::Status StoredTable::ChangeDependants(const std::vector<Dependants>& all) {
     if (all.empty()) return {};
-    if (cascade_depth_ >= kMaxCascade) return errors::HasRelatedRecords(design_.name);
+    if (cascade_depth_ >= kMaxCascadeDepth) return errors::HasRelatedRecords(design_.name);
     const CascadeStep deeper(cascade_depth_);
     for (const Dependants& dependants : all) {
         for (const RowId row : dependants.rows) {
             auto values = dependants.table->ReadKeyColumns(row);
-            if (values.status().number() == 3167) continue;  // gone by another way
+            if (values.status().number() == 3167) continue;  // deleted by another cascade
             if (!values.ok()) return values.status();
             RETURN_IF_ERROR(
                 dependants.new_key.empty()
