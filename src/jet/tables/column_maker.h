@@ -11,7 +11,7 @@ namespace jet {
 base::Status CheckColumn(const FileContext& file, const ColumnDesign& design);
 
 // Adds a column at the end of the definition: number, place in the row and ordinal follow from what
-// is there. Page maps of a long value column are the caller's business. 3190: too many.
+// is there. The caller adds the page maps of a long value column. 3190: too many.
 base::Status AppendColumn(const FileContext& file, const ColumnDesign& design,
                           TableDefinition& definition);
 

@@ -16,7 +16,7 @@ public:
 
     // An empty map, or one with a single member.
     base::Result<RowPointer> Add(PageNumber only_member = 0);
-    // Gives the map's row and bitmap pages back. Its members are the caller's business.
+    // Gives the map's row and bitmap pages back. Its members are left to the caller.
     base::Status Remove(RowPointer map);
     // Every map page without a row in use goes back to the file.
     base::Status FreeEmptyPages();

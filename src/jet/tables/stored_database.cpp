@@ -48,7 +48,7 @@ base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
 }
 
 void StoredDatabase::UseRowRules(std::unique_ptr<const RowRuleMaker> maker) {
-    tables_.clear();  // they learn their rules when they are opened
+    tables_.clear();  // rules are set when a table is opened
     rule_maker_ = std::move(maker);
 }
 

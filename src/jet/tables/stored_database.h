@@ -57,7 +57,7 @@ private:
     base::Status CheckWritable() const;
     base::Result<CatalogEntry> RequireTable(std::u16string_view name);
     base::Result<TableDefinition> ReadDefinition(const CatalogEntry& entry);
-    // Writes the definition; what was remembered of the table is forgotten, and the change is
+    // Writes the definition; what was cached of the table is dropped, and the change is
     // dated.
     base::Status FinishChange(const CatalogEntry& entry, TableDefinition& definition);
     base::Status SetProperties(const CatalogEntry& entry, const PropertyBlob& properties);

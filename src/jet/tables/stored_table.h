@@ -43,12 +43,12 @@ public:
     const IndexSet& indexes() const { return indexes_; }
     // Position among the shown columns. Requires: there is such a column number.
     std::size_t ShownPosition(std::uint16_t column_number) const;
-    // Makes the tests of the design's validation rules; nullptr: nobody can. A rule that cannot be
-    // tested makes the table read only.
+    // `maker` makes the tests of the design's validation rules; nullptr: there is no maker. A rule
+    // that cannot be tested makes the table read only.
     void UseRules(const RowRuleMaker* maker);
     // 3201: one of `rows` refers by the relation `name` to a row that is not there.
     base::Status CheckRelation(std::u16string_view name, const std::vector<RowId>& rows);
-    // What is remembered of pages is forgotten; to be called after a rollback.
+    // Drops what is cached of pages; to be called after a rollback.
     void Forget() {
         rows_.Forget();
         counter_is_checked_ = false;

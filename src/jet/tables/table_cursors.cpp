@@ -123,7 +123,7 @@ private:
         if (place_.at_end())
             return Assign(tree_.Seek(range_.from_inclusive ? range_.from : After(range_.from)));
         if (tree_.changes() == changes_) return tree_.Next(place_);
-        // The tree changed under the walk: go on behind the last entry.
+        // The tree changed under the cursor: go on behind the last entry.
         place_.view.CopyEntry(place_.entry, entry_);
         entry_.push_back(std::byte{0});
         return Assign(tree_.Seek(entry_));

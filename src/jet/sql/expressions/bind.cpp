@@ -57,8 +57,8 @@ Status BindName(Expression& name, Scope& scope, const Session& session) {
     return Status::Ok();
 }
 
-// What a subquery uses of the statements around it becomes part of the expression, so that whoever
-// asks what the expression uses is told.
+// The outer columns that a subquery uses become part of the expression, so that they
+// are found as its other columns are.
 Status BindSubquery(Expression& e, Scope& scope, Session& session) {
     ASSIGN_OR_RETURN(e.subquery,
                      Subquery::Prepare(*e.select, scope, session, e.kind == NodeKind::kExists));

@@ -9,7 +9,7 @@ using base::Status;
 
 namespace {
 
-// The row at hand is what outer columns mean while this lives.
+// Outer columns refer to the row of `context` while this object exists.
 class OuterFrame {
 public:
     explicit OuterFrame(EvalContext& context)

@@ -1,5 +1,5 @@
-// EvalContext: what an expression, and a function in it, knows of the row and the statement at
-// hand.
+// EvalContext: what an expression, and a function in it, knows of the current row and
+// statement.
 #pragma once
 
 #include "jet/sql/functions/session.h"
@@ -8,13 +8,13 @@
 
 namespace jet::sql {
 
-// Texts that an expression makes are at most so long (3071 beyond).
+// Maximum length of a text that an expression makes (3071 beyond).
 inline constexpr std::size_t kLongestResult = 16U << 20;  // UTF-16 units
 
 struct EvalContext {
     Session* session = nullptr;
     const SourceRows* rows = nullptr;
-    const std::vector<Value>* aggregates = nullptr;  // of the group at hand
+    const std::vector<Value>* aggregates = nullptr;  // of the current group
 };
 
 }  // namespace jet::sql

@@ -39,7 +39,7 @@ std::span<const Function> DateFunctions();
 std::span<const Function> NumberFunctions();
 std::span<const Function> ConvertFunctions();
 
-// Arguments as the functions need them. 3464: the value is no such thing.
+// Arguments as the functions need them. 3464: the value cannot be converted.
 base::Result<double> NumberArgument(const Value& value);
 base::Result<std::int32_t> WholeArgument(const Value& value);
 base::Result<double> DateArgument(const Value& value, const EvalContext& context);

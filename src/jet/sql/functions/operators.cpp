@@ -125,7 +125,7 @@ Result<Value> WholeDivision(Operator op, double a, double b) {
     return Value::Long(static_cast<std::int32_t>(result));
 }
 
-// The amount that a value is: sums of amounts stay exact. 6: there is none so large.
+// The value as an amount, so that sums of amounts stay exact. 6: overflow.
 Result<std::int64_t> MoneyUnits(const Value& value, double number) {
     if (const auto* money = value.get_if<Money>()) return money->units;
     const double units = std::nearbyint(number * 10000);

@@ -24,7 +24,7 @@ base::Result<Truth> TruthOf(const Value& value);
 // do not compare.
 base::Result<std::optional<std::weak_ordering>> Compare(const Value& a, const Value& b);
 base::Result<Truth> CompareWith(Operator op, const Value& a, const Value& b);
-// One of the six comparisons; Like is none.
+// Whether it is one of the six comparisons, which do not include Like.
 bool AsksForOrder(Operator op);
 // `a op b` as seen from b, where AsksForOrder(op); any other operator stays.
 Operator Mirrored(Operator op);

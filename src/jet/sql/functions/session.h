@@ -27,7 +27,7 @@ using PrepareSelect = base::Result<std::unique_ptr<PreparedSelect>> (*)(
 // One row of each source, as far as its columns are in use.
 using SourceRows = std::vector<std::vector<Value>>;
 
-// The rows at hand of the statements around a subquery, from the inside out.
+// The current rows of the statements around a subquery, innermost first.
 struct OuterRows {
     const SourceRows* rows = nullptr;
     const OuterRows* next = nullptr;

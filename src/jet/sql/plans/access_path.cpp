@@ -132,7 +132,7 @@ public:
         : source_(source), index_(index), number_(number), candidate_(candidate),
           jet_version_(jet_version) {}
 
-    // `backwards` says in which direction to walk.
+    // `backwards`: the index has to be read from its end.
     Result<bool> Holds(const std::vector<OrderItem>& order, bool& backwards) const {
         if (order.empty()) return false;
         std::size_t at = candidate_.exact;  // columns of one value are in any order
@@ -285,7 +285,7 @@ Result<AccessPath> ChoosePath(const Scope& scope, const Expression* where,
         Candidate candidate(design, i, version);
         candidate.Narrow(facts);
         const bool narrowed = candidate.score > 0;
-        // Rows without a key would be missed by a walk of the whole index.
+        // A scan of the whole index would miss rows without a key.
         if (!narrowed && (index.ignore_nulls || where != nullptr)) continue;
         bool backwards = false;
         ASSIGN_OR_RETURN(const bool ordered,

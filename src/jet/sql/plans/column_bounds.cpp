@@ -12,7 +12,7 @@ namespace jet::sql {
 namespace {
 
 // So many choices are always worth as many searches; more are while they are fewer than half of the
-// rows, since beyond that a walk over all of them is no slower.
+// rows, since beyond that a scan of all of them is no slower.
 constexpr std::size_t kFewIntervals = 2000;
 
 using Facts = std::vector<ColumnBounds>;

@@ -31,7 +31,7 @@ struct ColumnBounds {
 };
 
 // Requires: `where` is bound to `source`, the only one. `outer_known`: the rows of the statement
-// around this one are at hand (session.h), so that their columns are constants.
+// around this one are known (session.h), so that their columns are constants.
 std::vector<ColumnBounds> FindBounds(const Expression& where, const Source& source,
                                      Session& session, bool outer_known);
 

@@ -94,7 +94,7 @@ private:
 
     const GroupedQuery& query_;
     std::unordered_map<std::string, std::size_t> numbers_;
-    std::string key_;  // of the row at hand
+    std::string key_;  // of the row being added
     std::vector<Group> groups_;
 };
 

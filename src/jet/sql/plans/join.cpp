@@ -22,7 +22,7 @@ constexpr std::size_t kMostCombinations = 20'000'000;
 
 using RowNumbers = std::vector<std::uint32_t>;
 
-// Tuples of row numbers, one behind the other.
+// Tuples of row numbers, stored consecutively.
 class Tuples {
 public:
     explicit Tuples(std::size_t width) : width_(width) {}
@@ -66,7 +66,7 @@ struct Part {
     std::vector<JoinCondition*> fixed;
     std::vector<JoinCondition*> varying;
 
-    // Of an outer join, by what is kept in any case and what may be missing.
+    // Of an outer join: the side whose rows are always kept, and the side that may be missing.
     std::unique_ptr<Group> kept;
     std::unique_ptr<Group> missing;
     JoinConditions on;
@@ -215,7 +215,7 @@ private:
     }
 
     // The only part that the condition is about, where it may be tested before the others are
-    // there; of an outer join what is kept in any case. nullptr: there is none.
+    // there; of an outer join, its kept side. nullptr: there is no such part.
     static Part* PartOf(const Group& group, const JoinCondition& condition) {
         if (condition.sources.IsEmpty() || condition.changes) return nullptr;
         for (const auto& part : group.parts)
@@ -235,7 +235,7 @@ private:
         }
     }
 
-    // Rows on show.
+    // Current rows.
 
     void ShowSource(std::size_t source, std::uint32_t row) {
         if (shown_[source] == row) return;
@@ -255,7 +255,7 @@ private:
             if (part.sources.Has(source)) ShowSource(source, part.rows.at(row)[source]);
     }
 
-    // Whether what is on show satisfies the conditions, as far as they can be tested.
+    // Whether the current rows satisfy the conditions, as far as these can be tested.
     bool MayHold(const TestList& conditions) {
         return std::ranges::all_of(conditions, [this](JoinCondition* condition) {
             const auto truth = EvaluateTruth(*condition->test, context_);
@@ -470,7 +470,7 @@ private:
         return Status::Ok();
     }
 
-    // The rows of a part that may go with what is on show.
+    // The rows of a part that may be joined to the current ones.
     class Partners {
     public:
         // `rows` are those of the part that are left; borrowed.
@@ -609,7 +609,7 @@ private:
     std::uint64_t changes_ = 0;
     std::vector<std::vector<std::vector<Value>>> tables_;  // of each source the rows in use
     std::vector<std::vector<RowId>> ids_;                  // of these rows
-    SourceRows rows_;                                      // on show
+    SourceRows rows_;                                      // the current ones
     RowNumbers shown_;                                     // which these are
     EvalContext context_;
 };

@@ -42,8 +42,8 @@ using JoinConditions = std::vector<std::unique_ptr<JoinCondition>>;
 // The conditions of which `e` (nullptr: none) is the conjunction; what has a subquery comes last.
 void AddConditions(const Expression* e, std::size_t sources, JoinConditions& conditions);
 
-// The sides of an equality: one is computed from the sources at hand, the other from those to be
-// joined.
+// The sides of an equality: one is computed from the sources joined so far, the other from those to
+// be joined.
 struct Link {
     const Expression* here = nullptr;
     const Expression* there = nullptr;

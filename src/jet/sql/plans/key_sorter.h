@@ -1,4 +1,4 @@
-// KeySorter: sort keys of rows, one behind the other in memory, and the order they make. Keys are
+// KeySorter: sort keys of rows, stored consecutively in memory, and the order they make. Keys are
 // compared byte by byte, eight bytes at a time; equal ones keep the order in which they came.
 #pragma once
 

@@ -40,8 +40,8 @@ public:
     virtual const ColumnDesign* OutputColumn(std::size_t output) const = 0;
 
     base::Result<std::vector<ResultRow>> Rows() final { return RowsOrFailures(nullptr); }
-    // `failures` nullptr: the first output that fails is the answer. Where rows are compared with
-    // each other or grouped it is in any case.
+    // `failures` nullptr: the first output that fails is the answer. It always is where rows are
+    // compared with each other or grouped.
     virtual base::Result<std::vector<ResultRow>> RowsOrFailures(FieldFailures* failures) = 0;
 
 protected:

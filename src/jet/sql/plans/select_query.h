@@ -1,5 +1,5 @@
 // SelectQuery: what the queries of one SELECT have in common, that is, all but those of a UNION:
-// names bound to columns, and the walk over the rows that its condition keeps.
+// names bound to columns, and the rows that its condition keeps.
 #pragma once
 
 #include "jet/sql/functions/eval_context.h"

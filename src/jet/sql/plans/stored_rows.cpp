@@ -27,7 +27,7 @@ base::Status StoredRows::Add(StoredFields& row) {
     return base::Status::Ok();
 }
 
-// The bytes themselves change places: whoever reads the rows reads them in this order.
+// The bytes are moved too, since they will be read in this order.
 void StoredRows::Arrange(std::span<const std::uint32_t> order) {
     if (!gathers_) return;
     ByteArena arena;

@@ -1,6 +1,6 @@
-// StoredRows: fields of the rows that a walk has met, as they are stored, so that reading them does
-// not have to find the rows again. They tell what is stored as long as nothing has changed since
-// (Database::changes); they are dropped when they would take too much memory.
+// StoredRows: fields of the rows that a cursor has met, as they are stored, so that reading them
+// does not have to find the rows again. They are valid as long as nothing has changed since
+// (Database::changes), and are dropped when they would take too much memory.
 #pragma once
 
 #include "jet/sql/plans/byte_arena.h"
@@ -26,7 +26,7 @@ public:
     // Row `order[i]` becomes row `i`; the others are dropped.
     void Arrange(std::span<const std::uint32_t> order);
 
-    // True: the rows are held and still what is stored.
+    // Whether the rows are held and nothing has changed since.
     bool are_fresh() const { return !rows_.empty() && database_->changes() == changes_; }
     // Of row `row`, the value of the `place`th column. Requires: are_fresh(); row < rows held.
     base::Status Read(std::size_t row, std::size_t place, Value& value) const;
@@ -43,7 +43,7 @@ private:
     bool gathers_ = false;  // further rows are taken
     ByteArena arena_;
     std::vector<Fields> rows_;
-    std::vector<std::byte> fields_;  // of the row at hand
+    std::vector<std::byte> fields_;  // of the row being added
 };
 
 }  // namespace jet::sql

@@ -1,5 +1,5 @@
-// ValueQuery: a SELECT whose rows are none of a table and are made of values. Here those that take
-// the rows of its sources one by one: CombinedQuery (joins, or no table at all) and DistinctQuery.
+// ValueQuery: a SELECT whose result is a list of values, not of rows of a table. CombinedQuery
+// (joins, or no table at all) and DistinctQuery take the rows of the sources one by one.
 #pragma once
 
 #include "jet/sql/plans/select_query.h"

@@ -52,7 +52,7 @@ private:
         Columns columns;
     };
 
-    // A value that was to stay gives way to the one that a cascade of this statement has brought.
+    // Where the new value equals the old one, a change by a cascade of this statement is kept.
     static Result<std::vector<ColumnChange>> StillMeant(const Row& row) {
         std::vector<ColumnChange> changes;
         for (const auto& [column, value] : row.columns) {

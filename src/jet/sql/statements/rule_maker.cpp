@@ -47,7 +47,7 @@ public:
         for (const Rule& rule : rules_) {
             if (!rule.of_table && !Touches(rule, changed)) continue;
             ASSIGN_OR_RETURN(const Truth truth, EvaluateTruth(*rule.condition, context));
-            // Null is no objection.
+            // A rule that gives Null is satisfied.
             if (truth == Truth::kFalse) return rule.broken;
         }
         return Status::Ok();
@@ -104,7 +104,7 @@ Status NotUnderstood(const std::u16string& text, const std::u16string& whose, co
                                                 "' is not understood: " + why.message()};
 }
 
-// What the design says in place of the engine's text.
+// The design's own text replaces the engine's.
 Status Broken(const std::u16string& text, const std::u16string& whose,
               const std::optional<std::u16string>& message) {
     const Status broken = JetError(3317, text, whose);

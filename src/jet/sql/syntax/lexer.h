@@ -13,7 +13,7 @@ namespace jet::sql {
 inline constexpr std::size_t kLongestSql = 16U << 20;  // UTF-16 units
 
 // The last token is kEnd. `current_year` completes date literals of two parts. 3075: a text, name
-// or date that does not end or is none.
+// or date that does not end or is not valid.
 base::Result<std::vector<Token>> Tokenize(std::u16string_view sql, int current_year);
 
 // 3075 with one of its texts: "Syntax error<what> in query expression '<where>'."
