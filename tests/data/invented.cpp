@@ -20,14 +20,17 @@ constexpr std::array kWords = {u"the",   u"ball",  u"left",  u"ramp",  u"lights"
 
 }  // namespace
 
+// One choice a statement: the order within an expression is the compiler's.
 std::u16string Invented::Title() {
-    return std::u16string(kAdjectives[Below(kAdjectives.size())]) + u" " +
-           kNouns[Below(kNouns.size())];
+    const std::u16string noun = kNouns[Below(kNouns.size())];
+    const std::u16string adjective = kAdjectives[Below(kAdjectives.size())];
+    return adjective + u" " + noun;
 }
 
 std::u16string Invented::Person() {
-    return std::u16string(kFirstNames[Below(kFirstNames.size())]) + u" " +
-           kLastNames[Below(kLastNames.size())];
+    const std::u16string last = kLastNames[Below(kLastNames.size())];
+    const std::u16string first = kFirstNames[Below(kFirstNames.size())];
+    return first + u" " + last;
 }
 
 std::u16string Invented::Maker() {
