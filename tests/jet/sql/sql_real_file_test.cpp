@@ -152,9 +152,9 @@ TEST_P(SqlOverOldCatalogue, FindsThroughAnIndexWhatAScanFinds) {
     const std::u16string name =
         base::ToUtf16(Ask(u"Select Top 1 LCase(DisplayName) from Tables where ID > 20 And "
                           u"InStr(DisplayName, Chr(39)) = 0 order by ID"));
-    const std::u16string author =
-        base::ToUtf16(Ask(u"Select Top 1 Author from Tables where Year > '1985' And Author > '' And "
-                          u"InStr(Author, Chr(39)) = 0 order by ID"));
+    const std::u16string author = base::ToUtf16(
+        Ask(u"Select Top 1 Author from Tables where Year > '1985' And Author > '' And "
+            u"InStr(Author, Chr(39)) = 0 order by ID"));
     const auto quoted = [](const std::u16string& line) {
         return u"'" + line.substr(0, line.size() - 1) + u"'";
     };
