@@ -369,6 +369,14 @@ TEST_F(CompoundFileTest, ALoopInTheMiniStreamOrItsTableIsDamageOrHarmless) {
     EXPECT_EQ(Walk(file).code(), StatusCode::kCorruption);
 }
 
+// The sectors are there, but the root says that the mini stream ends before.
+TEST_F(CompoundFileTest, AShortStreamPastTheEndOfTheMiniStreamIsDamage) {
+    RawFile file = Raw(SmallFile());
+    ASSERT_TRUE(Walk(file).ok());
+    file.Set<std::uint32_t>(file.EntryOffset(0) + entry::kStreamSize, 64);
+    EXPECT_EQ(Walk(file).code(), StatusCode::kCorruption);
+}
+
 TEST_F(CompoundFileTest, ALoopOfTheAllocationTablesOwnChainIsDamage) {
     RawFile file = Raw(VptBuilder().Filler(8'000'000));
     const auto difat = file.Get<SectorNumber>(header::kDifatStart);
