@@ -119,6 +119,7 @@ TEST_F(RealPlayTest, ASimulatorThatEndsAtOnceIsNotWatched) {
 }
 
 TEST_F(RealPlayTest, ASimulatorWithoutAWindowIsNotWatched) {
+    // Runs until the test ends it: the launcher must come back without waiting.
     UseProgram("#!/bin/sh\nexec sleep 1000\n", std::filesystem::perms::owner_all);
     Play(kFoo);
     EXPECT_EQ(events_.rounds, 0);

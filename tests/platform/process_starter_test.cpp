@@ -94,6 +94,7 @@ TEST_F(ProcessStarterTest, AnEndedProgramLeavesNoZombie) {
 }
 
 TEST_F(ProcessStarterTest, TheCallDoesNotWaitForTheProgram) {
+    // Runs until the test ends it; the call would not return before.
     const auto started = Start("\"" + Program("vp", "#!/bin/sh\nexec sleep 1000\n") + "\"");
     ASSERT_TRUE(started.ok());
     EXPECT_EQ(kill(static_cast<pid_t>(*started), SIGKILL), 0);

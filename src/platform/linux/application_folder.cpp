@@ -18,7 +18,7 @@ QString ProgramFolder() {
 }
 
 // QStandardPaths would decode the variables in the locale's character set, which has not all names.
-// Source: XDG Base Directory Specification (freedesktop.org).
+// Source: the XDG base directories, freedesktop.org.
 QString UserDataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
     const char* home = std::getenv("HOME");

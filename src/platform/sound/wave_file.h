@@ -1,7 +1,7 @@
 // Reads RIFF WAVE files: uncompressed samples of 8, 16, 24 or 32 bits or 32-bit floating point.
-// Source of the format: "Multimedia Programming Interface and Data Specifications 1.0" (IBM and
-// Microsoft, 1991); for the extensible format tag "Multiple Channel Audio Data and WAVE Files"
-// (Microsoft, 2001).
+// Source of the format: the RIFF format 1.0 of IBM and
+// Microsoft (August 1991); for the extensible format tag "Multiple Channel Audio Data and WAVE
+// Files" (Microsoft, 2001).
 #pragma once
 
 #include "base/status.h"
