@@ -7,6 +7,7 @@
 #include "catalogue/error_report.h"
 #include "catalogue/path_names.h"
 #include "catalogue/process_values.h"
+#include "jet/errors.h"
 #include "platform/files.h"
 #include "tableinfo/storage_tools.h"
 
@@ -20,9 +21,6 @@ using widgets::TextBox;
 constexpr std::size_t At(int index) {
     return static_cast<std::size_t>(index);
 }
-
-// "Either BOF or EOF is True, or the current record has been deleted": no row was found.
-constexpr std::int32_t kNoCurrentRecord = 3021;
 
 // Names of the steps in which pictures are loaded.
 constexpr QStringView kLoadingScreenShot = u"Loading Screen Shot";
@@ -95,7 +93,7 @@ bool DetailPanel::FillFields(const QString& file_name) {
 // Shows a failure in the status bar, except for a missing row, which the empty panel shows. Returns
 // false for the caller to return.
 bool DetailPanel::ShowFailure(const base::Status& failure) const {
-    if (failure.number() != kNoCurrentRecord) host_.ShowFailure(failure);
+    if (!jet::Is(failure, jet::ErrorNumber::kNoCurrentRecord)) host_.ShowFailure(failure);
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "catalogue/field_text.h"
 #include "catalogue/quoting.h"
+#include "jet/errors.h"
 #include "platform/files.h"
 
 namespace browser {
@@ -29,9 +30,6 @@ constexpr FieldColumn kColumns[] = {
     {kRulesFile, u"RulesFile", true},
     {kRulesText, u"RulesText", false},
 };
-
-// "Field '|' cannot be a zero-length string": some columns of older catalogues refuse empty texts.
-constexpr std::int32_t kZeroLengthRefused = 3315;
 
 base::Status OpenById(jet::Connection& connection, const QString& id, jet::Recordset& rows) {
     const QString sql = QStringLiteral("Select * from Tables where ID = ") + id;
@@ -68,7 +66,8 @@ base::Status WriteRow(jet::Recordset& rows, const Write& write) {
         if (done.ok()) done = rows.Update();
         if (done.ok()) return done;
         rows.CancelUpdate();
-        if (done.number() != kZeroLengthRefused) return done;
+        // Columns that older programs made may refuse empty texts.
+        if (!jet::Is(done, jet::ErrorNumber::kZeroLength)) return done;
     }
     return done;
 }

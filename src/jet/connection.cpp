@@ -22,7 +22,7 @@ using base::Result;
 using base::Status;
 
 Status Closed() {
-    return JetError(3704);
+    return JetError(ErrorNumber::kClosed);
 }
 
 Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesystem::path& path,
@@ -52,7 +52,7 @@ Connection::Impl::~Impl() {
 }
 
 Status Connection::Impl::Open(std::u16string_view connection_string) {
-    if (database_ != nullptr) return JetError(3705);
+    if (database_ != nullptr) return JetError(ErrorNumber::kOpen);
     ASSIGN_OR_RETURN(const ConnectionSettings settings, ParseConnectionString(connection_string));
     const std::filesystem::path path = base::PathOf(settings.data_source);
     ASSIGN_OR_RETURN(std::unique_ptr<Database> database,

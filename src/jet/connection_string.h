@@ -15,7 +15,7 @@ struct ConnectionSettings {
     bool operator==(const ConnectionSettings&) const = default;
 };
 
-// Keys in any letter case; those that mean nothing here are passed over. kInvalidArgument: no
+// Keys in any letter case; unknown ones are ignored. kInvalidArgument: no
 // pairs, or no data source.
 base::Result<ConnectionSettings> ParseConnectionString(std::u16string_view text);
 

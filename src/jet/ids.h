@@ -21,8 +21,8 @@ inline constexpr std::size_t kMaxSlots = 255;
 inline constexpr std::size_t kMaxColumns = 255;
 inline constexpr std::size_t kMaxIndexes = 32;
 inline constexpr std::size_t kMaxIndexColumns = 10;
-// Nodes on the way from an index's root to a leaf. More are damage: with two children for each node
-// that many levels already fill the largest file.
+// Nodes on the way from an index's root to a leaf. More mean damage: even with two children per
+// node so many levels fill the largest file.
 inline constexpr std::size_t kMaxIndexLevels = 20;
 inline constexpr std::size_t kMaxNameLength = 64;
 

@@ -3,6 +3,7 @@
 #include "jet/errors.h"
 #include "jet/sql/statements/transaction.h"
 #include "jet/sql/syntax/parser.h"
+#include "jet/text/names.h"
 #include "jet/values/calendar_names.h"
 #include "jet/values/coerce.h"
 
@@ -24,7 +25,8 @@ std::u16string AsSelect(std::u16string_view text) {
     if (quoted) return u"SELECT * FROM " + std::u16string(text);
     const bool name = !text.empty() && text.find_first_of(u"[]`.!;\r\n") == text.npos;
     auto statement = sql::Parse(text, 2000);
-    const bool is_statement = statement.ok() || statement.status().number() != 3129;
+    const bool is_statement =
+        statement.ok() || !Is(statement.status(), ErrorNumber::kNotAStatement);
     return name && !is_statement ? u"SELECT * FROM [" + std::u16string(text) + u"]"
                                  : std::u16string(text);
 }
@@ -33,13 +35,14 @@ std::u16string AsSelect(std::u16string_view text) {
 
 Status Recordset::Impl::OpenText(std::u16string_view text, Connection::Impl& connection,
                                  CursorType cursor, LockType lock) {
-    if (is_open()) return JetError(3705);
-    if (connection.database() == nullptr) return JetError(3704);
+    if (is_open()) return JetError(ErrorNumber::kOpen);
+    if (connection.database() == nullptr) return JetError(ErrorNumber::kClosed);
     connection.session().StartStatement();
     const std::u16string select = AsSelect(text);
     ASSIGN_OR_RETURN(sql::Statement statement,
                      sql::Parse(select, connection.session().current_year()));
-    if (!std::holds_alternative<sql::SelectStatement>(statement)) return JetError(3141);
+    if (!std::holds_alternative<sql::SelectStatement>(statement))
+        return JetError(ErrorNumber::kSyntaxInSelect);
     return OpenQuery(std::get<sql::SelectStatement>(std::move(statement)), select, connection,
                      cursor, lock);
 }
@@ -118,9 +121,9 @@ void Recordset::Impl::AfterDesignChange() {
 
 // What is pending is written before another row becomes the current one.
 Status Recordset::Impl::Leave() {
-    if (!is_open()) return JetError(3704);
+    if (!is_open()) return JetError(ErrorNumber::kClosed);
     if (!pending_.empty()) RETURN_IF_ERROR(Update());
-    return rows_->has_rows() ? Status::Ok() : JetError(3021);
+    return rows_->has_rows() ? Status::Ok() : JetError(ErrorNumber::kNoCurrentRecord);
 }
 
 Status Recordset::Impl::MoveFirst() {
@@ -153,23 +156,24 @@ std::int64_t Recordset::Impl::RecordCount() const {
 }
 
 Result<std::size_t> Recordset::Impl::FindField(std::u16string_view name) const {
-    if (!is_open()) return JetError(3704);
+    if (!is_open()) return JetError(ErrorNumber::kClosed);
     for (std::size_t i = 0; i < names_.size(); ++i)
-        if (sql::SameName(names_[i], name)) return i;
-    return JetError(3265, name);
+        if (SameName(names_[i], name)) return i;
+    return JetError(ErrorNumber::kNoSuchItem, name);
 }
 
 Status Recordset::Impl::CheckRow() const {
-    if (!is_open()) return JetError(3704);
-    return rows_->on_row() ? Status::Ok() : JetError(3021);
+    if (!is_open()) return JetError(ErrorNumber::kClosed);
+    return rows_->on_row() ? Status::Ok() : JetError(ErrorNumber::kNoCurrentRecord);
 }
 
 Result<Value> Recordset::Impl::Field(std::size_t field) {
     RETURN_IF_ERROR(CheckRow());
-    if (field >= names_.size()) return JetError(3265);
+    if (field >= names_.size()) return JetError(ErrorNumber::kNoSuchItem);
     for (const Pending& pending : pending_)
         if (pending.output == field) return pending.value;
-    if (query_ == nullptr && !rows_->holds_values()) return JetError(3011, text_);
+    if (query_ == nullptr && !rows_->holds_values())
+        return JetError(ErrorNumber::kNoSuchObject, text_);
     return rows_->Field(field);
 }
 
@@ -178,7 +182,7 @@ Result<Table*> Recordset::Impl::WritableTable() {
     sql::TableQuery* const query = query_ != nullptr ? query_->AsTableQuery() : nullptr;
     const bool updatable =
         lock_ != LockType::kReadOnly && query != nullptr && !connection_->database()->read_only();
-    if (!updatable) return JetError(3027);
+    if (!updatable) return JetError(ErrorNumber::kReadOnly);
     Table* const table = query->table();
     if (const auto reason = table->read_only_reason()) return *reason;
     return table;
@@ -188,9 +192,9 @@ Status Recordset::Impl::SetField(std::u16string_view name, Value value) {
     ASSIGN_OR_RETURN(const std::size_t output, FindField(name));
     ASSIGN_OR_RETURN(Table* const table, WritableTable());
     const auto column = query_->AsTableQuery()->TableColumn(output);
-    if (!column) return JetError(3027);
+    if (!column) return JetError(ErrorNumber::kReadOnly);
     const ColumnDesign& design = table->design().columns[*column];
-    if (design.autonumber) return JetError(3164);
+    if (design.autonumber) return JetError(ErrorNumber::kFieldNotUpdatable);
     ASSIGN_OR_RETURN(value, Coerce(value, design));
     for (Pending& pending : pending_) {
         if (pending.column != *column) continue;
@@ -224,7 +228,7 @@ Status Recordset::Impl::CheckUnchanged(Table& table) const {
     std::vector<Value> now(columns.size());
     RETURN_IF_ERROR(table.Read(rows_->id(), columns, now));
     for (std::size_t i = 0; i < now.size(); ++i)
-        if (now[i] != pending_[i].before) return JetError(3197);
+        if (now[i] != pending_[i].before) return JetError(ErrorNumber::kChangedMeanwhile);
     return Status::Ok();
 }
 

@@ -23,19 +23,19 @@ Status RecordsetRows::MoveLast() {
 }
 
 Status RecordsetRows::MoveNext() {
-    if (at_end_) return JetError(3021);
+    if (at_end_) return JetError(ErrorNumber::kNoCurrentRecord);
     StandOn(position_ + 1);
     return Status::Ok();
 }
 
 Status RecordsetRows::MovePrevious() {
-    if (position_ < 0) return JetError(3021);
+    if (position_ < 0) return JetError(ErrorNumber::kNoCurrentRecord);
     StandOn(position_ - 1);
     return Status::Ok();
 }
 
 Status RecordsetRows::MoveTo(std::int64_t row) {
-    if (row < 0 || row >= count()) return JetError(3021);
+    if (row < 0 || row >= count()) return JetError(ErrorNumber::kNoCurrentRecord);
     StandOn(row);
     return Status::Ok();
 }
@@ -145,7 +145,7 @@ Status WalkedRows::MoveFirst() {
     position_ = -1;
     cache_valid_ = false;
     RETURN_IF_ERROR(Step());
-    return at_end_ ? JetError(3021) : Status::Ok();
+    return at_end_ ? JetError(ErrorNumber::kNoCurrentRecord) : Status::Ok();
 }
 
 Status WalkedRows::MoveLast() {
@@ -158,15 +158,15 @@ Status WalkedRows::MoveLast() {
 }
 
 Status WalkedRows::MoveNext() {
-    return at_end_ ? JetError(3021) : Step();
+    return at_end_ ? JetError(ErrorNumber::kNoCurrentRecord) : Step();
 }
 
 Status WalkedRows::MovePrevious() {
-    return JetError(3219);
+    return JetError(ErrorNumber::kNotAllowedHere);
 }
 
 Status WalkedRows::MoveTo(std::int64_t) {
-    return JetError(3219);
+    return JetError(ErrorNumber::kNotAllowedHere);
 }
 
 std::unique_ptr<RecordsetRows> WalkedRows::BeforeDesignChange() {

@@ -94,7 +94,7 @@ public:
     base::Status Read(jet::RowId row, std::span<const std::size_t> columns,
                       std::span<jet::Value> values) override {
         const auto found = rows_.find(row);
-        if (found == rows_.end()) return jet::JetError(3167);
+        if (found == rows_.end()) return jet::JetError(jet::ErrorNumber::kRecordDeleted);
         for (std::size_t i = 0; i < columns.size(); ++i)
             values[i] = found->second[columns[i]];
         return base::Status::Ok();
@@ -106,7 +106,8 @@ public:
             if (column.autonumber && values[i].is_null())
                 values[i] = jet::Value::Long(++autonumber_);
             ASSIGN_OR_RETURN(values[i], jet::Coerce(values[i], column));
-            if (column.required && values[i].is_null()) return jet::JetError(3314, column.name);
+            if (column.required && values[i].is_null())
+                return jet::JetError(jet::ErrorNumber::kValueRequired, column.name);
         }
         std::vector<jet::Value> row(values.begin(), values.end());
         RETURN_IF_ERROR(CheckRules(row, std::vector<bool>(row.size(), true)));
@@ -118,7 +119,7 @@ public:
     }
     base::Status Update(jet::RowId row, std::span<const jet::ColumnChange> changes) override {
         const auto found = rows_.find(row);
-        if (found == rows_.end()) return jet::JetError(3167);
+        if (found == rows_.end()) return jet::JetError(jet::ErrorNumber::kRecordDeleted);
         std::vector<jet::Value> changed = found->second;
         std::vector<bool> marks(changed.size());
         for (const jet::ColumnChange& change : changes) {
@@ -133,7 +134,8 @@ public:
         return base::Status::Ok();
     }
     base::Status Delete(jet::RowId row) override {
-        return rows().erase(row) == 1 ? base::Status::Ok() : jet::JetError(3167);
+        return rows().erase(row) == 1 ? base::Status::Ok()
+                                      : jet::JetError(jet::ErrorNumber::kRecordDeleted);
     }
 
 private:
@@ -171,7 +173,8 @@ private:
         for (const jet::IndexDesign& index : design_.indexes) {
             if (!index.unique && !index.primary) continue;
             for (const auto& [id, other] : rows_)
-                if (id != self && Key(index, other) == Key(index, row)) return jet::JetError(3022);
+                if (id != self && Key(index, other) == Key(index, row))
+                    return jet::JetError(jet::ErrorNumber::kDuplicateKey);
         }
         return base::Status::Ok();
     }
@@ -200,8 +203,8 @@ public:
     }
     base::Result<jet::Table*> FindTable(std::u16string_view name) override {
         for (const auto& table : tables_)
-            if (jet::sql::SameName(table->design().name, name)) return table.get();
-        return jet::JetError(3078, name);
+            if (jet::SameName(table->design().name, name)) return table.get();
+        return jet::JetError(jet::ErrorNumber::kNoSuchTable, name);
     }
 
     base::Status Begin() override {
@@ -230,22 +233,22 @@ public:
     std::uint64_t changes() const override { return changes_; }
 
     base::Status CreateTable(const jet::TableDesign& design) override {
-        if (FindTable(design.name).ok()) return jet::JetError(3010, design.name);
+        if (FindTable(design.name).ok())
+            return jet::JetError(jet::ErrorNumber::kTableExists, design.name);
         tables_.push_back(std::make_unique<MemoryTable>(design));
         tables_.back()->UseRules(rule_maker_.get());
         return base::Status::Ok();
     }
     base::Status DropTable(std::u16string_view name) override {
-        std::erase_if(tables_, [&](const auto& table) {
-            return jet::sql::SameName(table->design().name, name);
-        });
+        std::erase_if(tables_,
+                      [&](const auto& table) { return jet::SameName(table->design().name, name); });
         return base::Status::Ok();
     }
     base::Status AddColumn(std::u16string_view name, const jet::ColumnDesign& column) override {
         MemoryTable& table = Get(name);
         jet::TableDesign& design = table.mutable_design();
         if (jet::sql::FindColumn(design, column.name) != design.columns.size())
-            return jet::JetError(3380, column.name, name);
+            return jet::JetError(jet::ErrorNumber::kFieldExists, column.name, name);
         design.columns.push_back(column);
         for (auto& [id, row] : table.rows())
             row.push_back(*jet::Coerce(jet::Value(), column));
@@ -264,7 +267,8 @@ public:
         MemoryTable& table = Get(name);
         jet::TableDesign& design = table.mutable_design();
         const std::size_t at = jet::sql::FindColumn(design, column);
-        if (at == design.columns.size()) return jet::JetError(3381, column, name);
+        if (at == design.columns.size())
+            return jet::JetError(jet::ErrorNumber::kNoSuchField, column, name);
         const auto place = static_cast<std::ptrdiff_t>(at);
         design.columns.erase(design.columns.begin() + place);
         for (auto& [id, row] : table.rows())
@@ -278,13 +282,16 @@ public:
     base::Status DropIndex(std::u16string_view name, std::u16string_view index) override {
         const auto erased =
             std::erase_if(Get(name).mutable_design().indexes, [&](const jet::IndexDesign& design) {
-                return jet::sql::SameName(design.name, index);
+                return jet::SameName(design.name, index);
             });
-        return erased == 1 ? base::Status::Ok() : jet::JetError(3372, index, name);
+        return erased == 1 ? base::Status::Ok()
+                           : jet::JetError(jet::ErrorNumber::kNoSuchIndex, index, name);
     }
-    base::Status CreateRelation(const jet::RelationDesign&) override { return jet::JetError(3219); }
+    base::Status CreateRelation(const jet::RelationDesign&) override {
+        return jet::JetError(jet::ErrorNumber::kNotAllowedHere);
+    }
     base::Status DropRelation(std::u16string_view name, std::u16string_view relation) override {
-        return jet::JetError(3372, relation, name);
+        return jet::JetError(jet::ErrorNumber::kNoSuchIndex, relation, name);
     }
 
     void UseRowRules(std::unique_ptr<const jet::RowRuleMaker> maker) override {

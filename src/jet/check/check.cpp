@@ -57,7 +57,7 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
         return std::nullopt;
     }
     std::vector<std::byte> page(view->bytes().begin(), view->bytes().end());
-    const bool jet4 = page.size() == 4096;
+    const bool jet4 = FormatOfPages(store.page_size()).jet4();
     ApplyRc4(kMaskKey, std::span(page).subspan(kMaskStart, jet4 ? kMaskBytesJet4 : kMaskBytesJet3));
     const std::span signature = std::span(page).subspan(kSignatureAt, kSignature.size() + 1);
     if (base::LoadLittle<std::uint32_t>(page.data()) != kHeaderMark ||
@@ -152,7 +152,7 @@ CheckReport CheckIntegrity(PageStore& store, CheckOptions options) {
     CheckReport first;
     const auto header = check::CheckHeader(store, first);
     if (!header) return first;
-    const Format& format = FormatOf(store.page_size() == 2048 ? 3 : 4);
+    const Format& format = FormatOfPages(store.page_size());
     check::CheckRun run(store, format, TextCodec(format.version, header->code_page), options);
     if (header->build == check::kBuildOfLaterEngine) run.SetWrittenByLaterEngine();
     run.Claim(0, "the header");

@@ -27,7 +27,7 @@ struct Finding {
 };
 
 struct CheckReport {
-    std::vector<Finding> findings;  // at most kMostFindings
+    std::vector<Finding> findings;  // at most kMaxFindings
     std::uint64_t faults = 0;
     std::uint64_t warnings = 0;
     // What was looked at.
@@ -37,13 +37,13 @@ struct CheckReport {
     std::uint64_t long_values = 0;
     std::uint64_t index_entries = 0;
 
-    static constexpr std::size_t kMostFindings = 1000;
+    static constexpr std::size_t kMaxFindings = 1000;
     bool sound() const { return faults == 0; }
 };
 
 struct CheckOptions {
     // What every engine reads, but not every one leaves behind, is a warning, as nothing in a file
-    // says who wrote it last. It is a fault for who knows that:
+    // says who wrote it last. These make it a fault:
     // each key of a node is the last entry below its child;
     bool exact_node_keys = false;
     // each level byte of an index page is its height above the leaves, and no leaf or node is

@@ -187,17 +187,13 @@ private:
     std::string NameOf(const Column& column) { return "column " + base::ToUtf8(column.name); }
 
     void CheckColumns() {
-        std::set<std::u16string> names;
+        NameSet names;
         std::set<std::uint16_t> numbers;
         std::set<std::uint16_t> variable_indexes;
         for (const Column& column : definition_.columns) {
             if (!numbers.insert(column.number).second || column.number >= definition_.columns_ever)
                 Fault(NameOf(column) + ": its number is wrong");
-            std::u16string name = column.name;
-            std::ranges::transform(name, name.begin(), [](char16_t c) {
-                return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-            });
-            if (!names.insert(name).second || name.empty())
+            if (!names.insert(column.name).second || column.name.empty())
                 Fault(NameOf(column) + ": its name is there twice");
             if (column.fixed()) continue;
             if (!variable_indexes.insert(column.variable_index).second ||
@@ -272,7 +268,7 @@ std::optional<std::vector<std::byte>> Assemble(CheckRun& run, PageNumber first,
         const auto view = run.Page(page, last);
         if (!view || !run.Claim(page, "the definition of " + name)) return std::nullopt;
         const auto content = view->bytes();
-        if (content[0] != std::byte{2} || content[1] != std::byte{1}) {
+        if (!HasType(content, PageType::kDefinition) || content[kSecondByteAt] != kSecondByte) {
             run.Fault(page, -1, "is not a definition page");
             return std::nullopt;
         }

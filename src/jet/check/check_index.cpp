@@ -19,14 +19,14 @@ struct IndexPage {
     std::vector<Bytes> entries;
 };
 
-class TreeWalk {
+class TreeScan {
 public:
-    TreeWalk(CheckRun& run, const Definition& definition, const RealIndex& index)
+    TreeScan(CheckRun& run, const Definition& definition, const RealIndex& index)
         : run_(run), definition_(definition), index_(index),
           name_("index " + base::ToUtf8(index.name)) {}
 
     // All leaf entries in the order of the tree.
-    const std::vector<Bytes>& Walk() {
+    const std::vector<Bytes>& Scan() {
         const auto owned = run_.ReadMap(index_.map, name_);
         Visit(index_.root, definition_.page, 0);
         CheckLinks();
@@ -113,7 +113,7 @@ private:
         }
     }
 
-    // What every engine reads all the same.
+    // What every engine can read.
     void Inexact(bool is_fault, PageNumber page, std::string text) {
         if (is_fault)
             run_.Fault(page, -1, std::move(text));
@@ -124,22 +124,25 @@ private:
     std::optional<IndexPage> ReadPage(PageNumber page, PageNumber from) {
         const auto view = run_.Page(page, from);
         if (!view || !run_.Claim(page, name_)) return std::nullopt;
-        walked_.insert(page);
+        visited_.insert(page);
         const auto bytes = view->bytes();
         const Format& format = run_.format();
         IndexPage content;
         content.level = std::to_integer<unsigned>(bytes[format.index_level_offset]);
-        content.is_leaf = bytes[0] == std::byte{4};
-        if ((!content.is_leaf && bytes[0] != std::byte{3}) || bytes[1] != std::byte{1}) {
+        content.is_leaf = HasType(bytes, PageType::kIndexLeaf);
+        if ((!content.is_leaf && !HasType(bytes, PageType::kIndexNode)) ||
+            bytes[kSecondByteAt] != kSecondByte) {
             run_.Fault(page, -1, "is not a page of " + name_);
             return std::nullopt;
         }
-        if (base::LoadLittle<std::uint32_t>(bytes.data() + 4) != definition_.page)
+        if (LoadOwner(bytes) != definition_.page)
             run_.Fault(page, -1, "belongs to " + name_ + ", but does not say so");
-        const std::byte* links = bytes.data() + format.index_links_offset;
-        content.previous = base::LoadLittle<std::uint32_t>(links);
-        content.next = base::LoadLittle<std::uint32_t>(links + 4);
-        content.tail = base::LoadLittle<std::uint32_t>(links + 8);
+        const auto link = [&](IndexLink which) {
+            return base::LoadLittle<std::uint32_t>(bytes.data() + format.LinkOffset(which));
+        };
+        content.previous = link(IndexLink::kPrevious);
+        content.next = link(IndexLink::kNext);
+        content.tail = link(IndexLink::kTail);
         ReadEntries(page, bytes, content);
         return content;
     }
@@ -179,7 +182,7 @@ private:
             content.entries.push_back(std::move(entry));
             start = bit;
         }
-        const auto free = base::LoadLittle<std::uint16_t>(bytes.data() + 2);
+        const auto free = base::LoadLittle<std::uint16_t>(bytes.data() + kPageFreeBytes);
         if (free != area.size() - start)
             run_.Fault(page, -1,
                        name_ + ": says that " + std::to_string(free) + " bytes are free, but " +
@@ -197,9 +200,9 @@ private:
 
     void CheckMap(const PageSet& owned) {
         for (const PageNumber page : owned)
-            if (!walked_.contains(page))
+            if (!visited_.contains(page))
                 run_.Fault(page, -1, "is in the map of " + name_ + ", but not in its tree");
-        for (const PageNumber page : walked_)
+        for (const PageNumber page : visited_)
             if (!owned.contains(page))
                 run_.Fault(page, -1, "is in the tree of " + name_ + ", but not in its map");
     }
@@ -212,7 +215,7 @@ private:
     const Definition& definition_;
     const RealIndex& index_;
     std::string name_;
-    PageSet walked_;
+    PageSet visited_;
     std::vector<Leaf> leaves_;
     std::vector<Bytes> entries_;
     Bytes floor_;  // the last key of a node that was passed: what follows is larger
@@ -295,8 +298,8 @@ void CheckUnique(CheckRun& run, const std::string& name,
 void CheckIndex(CheckRun& run, const Definition& definition, const RealIndex& index,
                 std::vector<ExpectedEntry> expected, bool knows_keys) {
     const std::string name = "index " + base::ToUtf8(index.name);
-    TreeWalk walk(run, definition, index);
-    const std::vector<Bytes>& found = walk.Walk();
+    TreeScan scan(run, definition, index);
+    const std::vector<Bytes>& found = scan.Scan();
     run.report().index_entries += found.size();
     std::ranges::sort(expected);
     if (index.unique() && knows_keys) CheckUnique(run, name, expected);

@@ -1,5 +1,6 @@
 #include "jet/check/check_long_values.h"
 
+#include "jet/pages/data_page.h"
 #include "jet/pages/long_value_layout.h"
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "jet/check/check_definition.h"
+#include "jet/pages/data_page.h"
 
 #include <map>
 #include <set>
@@ -16,10 +17,10 @@ public:
     LongValues(CheckRun& run, const LongValueMaps& maps, std::string column_name,
                PageNumber definition_page);
 
-    // The content that the field of a row stands for; damage is reported at that row.
+    // The content of the value that a row's field refers to; damage is reported at that row.
     Bytes Follow(std::span<const std::byte> field, PageNumber page, int row);
 
-    // To be called when all rows are done: reports live long values that no row has.
+    // Call after all rows: reports live long values that no row refers to.
     void ReportUnused();
 
 private:

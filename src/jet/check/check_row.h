@@ -12,7 +12,7 @@ namespace jet::check {
 
 class Row {
 public:
-    // nullopt: the bytes are no row of such a table; `problem` says why.
+    // nullopt: the bytes are not a row of such a table; `problem` says why.
     static std::optional<Row> Parse(std::span<const std::byte> bytes, const Definition& definition,
                                     const Format& format, std::string& problem);
 

@@ -1,5 +1,6 @@
 #include "jet/check/check_run.h"
 
+#include "jet/pages/data_page.h"
 #include "jet/pages/map_row_layout.h"
 
 #include <algorithm>
@@ -22,13 +23,13 @@ CheckRun::CheckRun(PageStore& store, const Format& format, TextCodec text, Check
 
 void CheckRun::Fault(PageNumber page, int row, std::string text) {
     ++report_.faults;
-    if (report_.findings.size() < CheckReport::kMostFindings)
+    if (report_.findings.size() < CheckReport::kMaxFindings)
         report_.findings.push_back({Severity::kFault, page, row, table_, std::move(text)});
 }
 
 void CheckRun::Warn(PageNumber page, int row, std::string text) {
     ++report_.warnings;
-    if (report_.findings.size() < CheckReport::kMostFindings)
+    if (report_.findings.size() < CheckReport::kMaxFindings)
         report_.findings.push_back({Severity::kWarning, page, row, table_, std::move(text)});
 }
 
@@ -73,12 +74,12 @@ std::optional<DataPage> CheckRun::ReadDataPage(PageNumber page, PageNumber asked
     DataPage data;
     data.view = *view;
     const auto bytes = view->bytes();
-    if (bytes[0] != std::byte{1} || bytes[1] != std::byte{1}) {
+    if (!HasType(bytes, PageType::kData) || bytes[kSecondByteAt] != kSecondByte) {
         Fault(page, -1, "is not a data page");
         return std::nullopt;
     }
-    data.owner = base::LoadLittle<std::uint32_t>(bytes.data() + 4);
-    if (format_.jet4()) data.stamp = base::LoadLittle<std::uint32_t>(bytes.data() + 8);
+    data.owner = LoadOwner(bytes);
+    if (format_.jet4()) data.stamp = base::LoadLittle<std::uint32_t>(bytes.data() + kPageStamp);
     const auto count = base::LoadLittle<std::uint16_t>(bytes.data() + format_.slot_count_offset);
     const std::size_t table_end = format_.slots_offset + 2U * count;
     if (count > kMaxSlots || table_end > bytes.size()) {
@@ -89,17 +90,17 @@ std::optional<DataPage> CheckRun::ReadDataPage(PageNumber page, PageNumber asked
     for (std::size_t i = 0; i < count; ++i) {
         const auto word =
             base::LoadLittle<std::uint16_t>(bytes.data() + format_.slots_offset + 2 * i);
-        const std::uint16_t start = word & 0x1FFF;
+        const std::uint16_t start = word & kSlotOffsetMask;
         if (start > end || start < table_end) {
             Fault(page, static_cast<int>(i), "the row's place is wrong");
             return std::nullopt;
         }
-        if ((word & 0x2000) != 0) Fault(page, static_cast<int>(i), "has an unknown flag");
+        if ((word & kSlotReserved) != 0) Fault(page, static_cast<int>(i), "has an unknown flag");
         data.slots.push_back({start, static_cast<std::uint16_t>(end - start),
-                              static_cast<std::uint16_t>(word & 0xC000)});
+                              static_cast<std::uint16_t>(word & kSlotFlags)});
         end = start;
     }
-    const auto free = base::LoadLittle<std::uint16_t>(bytes.data() + 2);
+    const auto free = base::LoadLittle<std::uint16_t>(bytes.data() + kPageFreeBytes);
     CheckFreeBytes(page, free, end - table_end);
     return data;
 }
@@ -160,7 +161,8 @@ std::optional<PageSet> CheckRun::ReadMap(RowPointer row, const std::string& what
         if (number == 0) continue;
         const auto bitmap = Page(number, row.page);
         if (!bitmap || !Claim(number, "the map of " + what)) continue;
-        if (bitmap->bytes()[0] != std::byte{5} || bitmap->bytes()[1] != std::byte{1})
+        if (!HasType(bitmap->bytes(), PageType::kBitmap) ||
+            bitmap->bytes()[kSecondByteAt] != kSecondByte)
             Fault(number, -1, "is not a bitmap page");
         else
             AddBits(bitmap->bytes().subspan(kBitmapHead), i * format_.bits_per_bitmap_page(), bits);

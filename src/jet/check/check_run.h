@@ -1,8 +1,10 @@
-// CheckRun: what all steps of one check share: the pages, who owns which of them, the findings.
+// CheckRun: what all steps of one check share: the pages, the owner of each, the findings.
 #pragma once
 
 #include "jet/check/check.h"
+#include "jet/pages/data_page.h"
 #include "jet/pages/format.h"
+#include "jet/text/names.h"
 #include "jet/text/text_codec.h"
 
 #include <map>
@@ -16,9 +18,9 @@ namespace jet::check {
 
 // A slot of a data page: where its row lies and what its flags say.
 struct Slot {
-    static constexpr std::uint16_t kMoved = 0x4000;
-    static constexpr std::uint16_t kTarget = 0x8000;
-    static constexpr std::uint16_t kDeleted = 0xC000;
+    static constexpr std::uint16_t kMoved = kSlotMoved;
+    static constexpr std::uint16_t kTarget = kSlotTarget;
+    static constexpr std::uint16_t kDeleted = kSlotDeleted;
 
     std::uint16_t start = 0;
     std::uint16_t size = 0;
@@ -37,6 +39,12 @@ struct DataPage {
 };
 
 using PageSet = std::set<PageNumber>;
+
+// Names are equal where the engine takes them for equal.
+struct NameLess {
+    bool operator()(std::u16string_view a, std::u16string_view b) const { return NameBefore(a, b); }
+};
+using NameSet = std::set<std::u16string, NameLess>;
 
 class CheckRun {
 public:
@@ -63,7 +71,7 @@ public:
     // nullopt (reported): no such page, or it cannot be read.
     std::optional<PageView> Page(PageNumber page, PageNumber asked_by);
 
-    // Notes that `owner` uses the page. false (reported): somebody else does already.
+    // Notes that `owner` uses the page. false (reported): it is in use already.
     bool Claim(PageNumber page, const std::string& owner);
     bool IsClaimed(PageNumber page) const { return !owners_[page].empty(); }
 

@@ -35,14 +35,6 @@ std::optional<std::uint32_t> NumberOf(const Definition& definition, const Row& r
     return field ? base::LittleAt<std::uint32_t>(*field, 0) : std::nullopt;
 }
 
-// Names are compared without regard to the case of Latin letters.
-std::u16string Folded(std::u16string name) {
-    std::ranges::transform(name, name.begin(), [](char16_t c) {
-        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-    });
-    return name;
-}
-
 }  // namespace
 
 void SystemRows::Take(const Definition& definition, PageNumber page, int row, const Row& parsed) {
@@ -73,7 +65,7 @@ void SystemRows::TakeRelation(const Definition& definition, PageNumber page, int
                               const Row& parsed) {
     const auto text = [&](std::uint16_t number) {
         const auto field = FieldOf(definition, parsed, number);
-        return field ? Folded(run_.text().DecodeValue(*field)) : std::u16string();
+        return field ? run_.text().DecodeValue(*field) : std::u16string();
     };
     relations_.push_back(
         {page, row, text(0), text(4), text(6), NumberOf(definition, parsed, 1).value_or(0)});
@@ -105,10 +97,10 @@ void SystemRows::CheckAccess(const Catalogue& catalogue) {
 // Engines keep a relation by the indexes that name each other; the rows tell it to programs.
 void SystemRows::CheckRelations(const Catalogue& catalogue,
                                 const std::map<PageNumber, Definition>& tables) {
-    std::map<std::u16string, PageNumber> pages;
+    std::map<std::u16string, PageNumber, NameLess> pages;
     for (const TableEntry& table : catalogue.tables)
-        pages.emplace(Folded(table.name), table.definition);
-    std::set<std::pair<PageNumber, std::u16string>> told;
+        pages.emplace(table.name, table.definition);
+    std::map<PageNumber, NameSet> told;  // by the table that refers
     for (const Relation& relation : relations_) {
         const auto from = pages.find(relation.table);
         const auto to = pages.find(relation.referenced_table);
@@ -116,17 +108,17 @@ void SystemRows::CheckRelations(const Catalogue& catalogue,
         const bool is_kept =
             definition != tables.end() && to != pages.end() &&
             std::ranges::any_of(definition->second.logical, [&](const LogicalIndex& index) {
-                return index.side == kForeignSide && Folded(index.name) == relation.name &&
+                return index.side == kForeignSide && SameName(index.name, relation.name) &&
                        index.partner_table == to->second;
             });
-        if (is_kept) told.insert({from->second, relation.name});
+        if (is_kept) told[from->second].insert(relation.name);
         if (!is_kept && (relation.flags & kNotEnforced) == 0)
             run_.Warn(relation.page, relation.row,
                       "relation " + base::ToUtf8(relation.name) + " is kept by no index");
     }
     for (const auto& [page, definition] : tables)
         for (const LogicalIndex& index : definition.logical)
-            if (index.side == kForeignSide && !told.contains({page, Folded(index.name)}))
+            if (index.side == kForeignSide && !told[page].contains(index.name))
                 run_.Fault(page, -1,
                            "relation " + base::ToUtf8(index.name) + " is not in MSysRelationships");
 }

@@ -17,9 +17,9 @@ public:
     // `key`: of the stream that the names of users are scrambled with in Jet 4.
     SystemRows(CheckRun& run, std::array<std::byte, 4> key) : run_(run), key_(key) {}
 
-    // A row of the table whose definition it is; those of other tables are passed over.
+    // A row of the table whose definition it is; those of other tables are ignored.
     void Take(const Definition& definition, PageNumber page, int row, const Row& parsed);
-    // When all tables have been walked.
+    // Call after the rows of all tables.
     void Check(const Catalogue& catalogue, const std::map<PageNumber, Definition>& tables);
 
 private:

@@ -4,6 +4,7 @@
 #include "jet/check/check_index.h"
 #include "jet/check/check_keys.h"
 #include "jet/check/check_long_values.h"
+#include "jet/pages/data_page.h"
 
 #include <algorithm>
 
@@ -33,7 +34,7 @@ std::size_t SizeOf(ColumnType type) {
     }
 }
 
-// Characters of a stored Jet 4 text; nullopt: no text.
+// Characters of a stored Jet 4 text; nullopt: not a text.
 std::optional<std::size_t> CountCharacters(std::span<const std::byte> text) {
     const bool is_compressed =
         text.size() >= 2 && text[0] == std::byte{0xFF} && text[1] == std::byte{0xFE};
@@ -51,7 +52,7 @@ std::optional<std::size_t> CountCharacters(std::span<const std::byte> text) {
     return characters;
 }
 
-// Walks the rows of one table.
+// Scans the rows of one table.
 class TableCheck {
 public:
     TableCheck(CheckRun& run, const Definition& definition, const RowVisitor& visit_row,

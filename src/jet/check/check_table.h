@@ -10,7 +10,7 @@ namespace jet::check {
 
 // A live row: what the catalogue step wants of the rows of MSysObjects.
 using RowVisitor = std::function<void(PageNumber page, int row, const Row& parsed)>;
-// The content of a long value, when the table has been walked (LvProp).
+// The content of a long value, after the scan of the table (LvProp).
 using LongValueVisitor =
     std::function<void(PageNumber page, int row, const Column& column, const Bytes& content)>;
 

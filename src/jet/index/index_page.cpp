@@ -15,16 +15,15 @@ int CompareBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
     return size == 0 ? 0 : std::memcmp(a.data(), b.data(), size);
 }
 
-constexpr std::size_t kMostEntries = 4096;  // more than the bits of any page's mask
+constexpr std::size_t kMaxEntries = 4096;  // more than the bits of any page's mask
 
 }  // namespace
 
 std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> bytes,
                                                   const Format& format, PageNumber table) {
-    const bool leaf = bytes[0] == static_cast<std::byte>(PageType::kIndexLeaf);
-    const bool node = bytes[0] == static_cast<std::byte>(PageType::kIndexNode);
-    if ((!leaf && !node) || base::LoadLittle<std::uint32_t>(bytes.data() + 4) != table)
-        return std::nullopt;
+    const bool leaf = HasType(bytes, PageType::kIndexLeaf);
+    const bool node = HasType(bytes, PageType::kIndexNode);
+    if ((!leaf && !node) || LoadOwner(bytes) != table) return std::nullopt;
     IndexPageView view;
     view.bytes_ = bytes;
     view.format_ = &format;
@@ -41,9 +40,8 @@ std::optional<IndexPageView> IndexPageView::Parse(std::span<const std::byte> byt
 
 // False: the entries contradict each other.
 bool IndexPageView::FindEnds(std::span<const std::byte> mask) {
-    assert(8 * mask.size() <= kMostEntries);
-    std::array<std::uint16_t, kMostEntries>
-        ends;  // only the first `count` are ever written or read
+    assert(8 * mask.size() <= kMaxEntries);
+    std::array<std::uint16_t, kMaxEntries> ends;  // only the first `count` are ever written or read
     std::size_t count = 0;
     // Eight bytes of the mask at a time; most of it is empty.
     for (std::size_t at = 0; at < mask.size(); at += 8) {
@@ -61,7 +59,7 @@ bool IndexPageView::FindEnds(std::span<const std::byte> mask) {
     ends_.assign(ends.begin(), ends.begin() + static_cast<std::ptrdiff_t>(count));
     const std::size_t child_bytes = is_leaf() ? 0 : kChildBytes;
     const std::size_t least = kRowIdBytes + child_bytes;
-    // A prefix that outlived the entries which shared it concerns nobody while one entry is left.
+    // A prefix may have outlived the entries that shared it; with one entry left it is not used.
     if (ends_[0] < (count > 1 ? std::max(least, prefix_) : least) || ends_.back() > entries_.size())
         return false;
     // What an entry leaves out may be part of its row id, never of its child.

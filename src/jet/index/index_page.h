@@ -25,10 +25,10 @@ public:
                                               const Format& format, PageNumber table);
 
     bool is_leaf() const { return is_leaf_; }
-    PageNumber previous() const { return Link(0); }
-    PageNumber next() const { return Link(4); }
+    PageNumber previous() const { return Link(IndexLink::kPrevious); }
+    PageNumber next() const { return Link(IndexLink::kNext); }
     // Page of the last child, which has no entry. Nodes only.
-    PageNumber tail() const { return Link(8); }
+    PageNumber tail() const { return Link(IndexLink::kTail); }
     std::size_t count() const { return ends_.size(); }
     std::size_t prefix_bytes() const { return prefix_; }
     // Bytes of the entry area that are in use.
@@ -53,8 +53,8 @@ public:
 
 private:
     bool FindEnds(std::span<const std::byte> mask);
-    PageNumber Link(std::size_t at) const {
-        return base::LoadLittle<std::uint32_t>(bytes_.data() + format_->index_links_offset + at);
+    PageNumber Link(IndexLink link) const {
+        return base::LoadLittle<std::uint32_t>(bytes_.data() + format_->LinkOffset(link));
     }
     std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends_[i - 1]; }
     std::size_t StoredBytes(std::size_t i) const { return ends_[i] - Begin(i); }

@@ -16,12 +16,12 @@ std::span<std::byte> MaskOf(std::span<std::byte> page, const Format& format) {
 }
 
 void SetUsed(std::span<std::byte> page, const Format& format, std::size_t used) {
-    base::StoreLittle(page.data() + 2, static_cast<std::uint16_t>(IndexRoom(format) - used));
+    base::StoreLittle(page.data() + kPageFreeBytes,
+                      static_cast<std::uint16_t>(IndexRoom(format) - used));
 }
 
-void SetLink(std::span<std::byte> page, const Format& format, std::size_t which,
-             PageNumber target) {
-    base::StoreLittle(page.data() + format.index_links_offset + 4 * which, target);
+void SetLink(std::span<std::byte> page, const Format& format, IndexLink link, PageNumber target) {
+    base::StoreLittle(page.data() + format.LinkOffset(link), target);
 }
 
 std::size_t SharedBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
@@ -89,13 +89,12 @@ bool IndexPageImage::Write(std::span<std::byte> page, const Format& format,
     if (used > IndexRoom(format)) return false;
     const std::size_t prefix = CommonPrefix(entries, is_leaf() ? 0 : kChildBytes, format);
     std::ranges::fill(page, std::byte{0});
-    page[0] = static_cast<std::byte>(is_leaf() ? PageType::kIndexLeaf : PageType::kIndexNode);
-    page[1] = std::byte{1};
+    StoreType(page, is_leaf() ? PageType::kIndexLeaf : PageType::kIndexNode);
     SetUsed(page, format, used);
-    base::StoreLittle(page.data() + 4, table);
-    SetLink(page, format, 0, previous);
-    SetLink(page, format, 1, next);
-    SetLink(page, format, 2, tail);
+    base::StoreLittle(page.data() + kPageOwner, table);
+    SetLink(page, format, IndexLink::kPrevious, previous);
+    SetLink(page, format, IndexLink::kNext, next);
+    SetLink(page, format, IndexLink::kTail, tail);
     page[format.index_level_offset] = std::byte{level};
     if (format.index_prefix_bytes == 2)
         base::StoreLittle(page.data() + format.index_prefix_offset,

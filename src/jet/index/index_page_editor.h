@@ -17,7 +17,7 @@ struct IndexPageImage {
     std::vector<Bytes> entries;
 
     bool is_leaf() const { return level == 0; }
-    // `level`: as the way from the root to the leaves has it. Requires: 0 for a leaf, else not 0.
+    // `level`: by the path from the root. Requires: 0 for a leaf, else not 0.
     static IndexPageImage Of(const IndexPageView& view, std::uint8_t level);
     // Child of entry `i`; the tail when i == entries.size(). Nodes only.
     PageNumber Child(std::size_t i) const;
@@ -36,7 +36,7 @@ inline std::size_t IndexRoom(const Format& format) {
 
 // Bytes of the entry area that are in use.
 inline std::size_t UsedBytes(std::span<const std::byte> page, const Format& format) {
-    return IndexRoom(format) - base::LoadLittle<std::uint16_t>(page.data() + 2);
+    return IndexRoom(format) - base::LoadLittle<std::uint16_t>(page.data() + kPageFreeBytes);
 }
 
 // A page that removals have left with this little is joined with a neighbour, or filled from it.

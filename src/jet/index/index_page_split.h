@@ -1,4 +1,4 @@
-// Where the content of an index page that does not fit, or that two pages are to share, is cut.
+// Where the content of an index page that does not fit, or of two pages, is divided.
 #pragma once
 
 #include "jet/index/index_page_editor.h"

@@ -1,7 +1,7 @@
 #include "jet/index/index_set.h"
 
+#include "jet/errors.h"
 #include "jet/index/key_encoder.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 
@@ -53,10 +53,10 @@ base::Status IndexSet::Check(std::size_t index, const std::optional<Bytes>& key,
     const RealIndex& real = definition_.real_indexes[index];
     const auto is_null = [&](std::size_t column) { return values[column].is_null(); };
     if ((real.required() || IsPrimary(index)) && std::ranges::any_of(columns_[index], is_null))
-        return errors::NullInIndex();
+        return JetError(ErrorNumber::kNullInIndex);
     if (!real.unique() || !key || std::ranges::all_of(columns_[index], is_null)) return {};
     ASSIGN_OR_RETURN(const bool taken, trees_[index]->HasOther(*key, row));
-    return taken ? errors::DuplicateKey() : base::Status();
+    return taken ? JetError(ErrorNumber::kDuplicateKey) : base::Status();
 }
 
 base::Status IndexSet::Insert(std::size_t index, const std::optional<Bytes>& key, RowId row) {
@@ -74,7 +74,7 @@ base::Status IndexSet::Remove(std::size_t index, const std::optional<Bytes>& key
     ASSIGN_OR_RETURN(const bool found, trees_[index]->Remove(*key, row));
     if (found) return {};
     // Other engines make some keys by slightly other rules; a missing entry needs no removal.
-    return trees_[index]->RemoveByWalk(row).status();
+    return trees_[index]->RemoveByScan(row).status();
 }
 
 }  // namespace jet

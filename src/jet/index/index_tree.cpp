@@ -1,7 +1,7 @@
-// Finding and walking. Changing: index_tree_insert.cpp and index_tree_remove.cpp.
+// Finding and scanning. Changing: index_tree_insert.cpp and index_tree_remove.cpp.
 #include "jet/index/index_tree.h"
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 
 #include <algorithm>
 
@@ -15,22 +15,21 @@ base::Result<IndexTree::Place> IndexTree::Load(PageNumber page) const {
     Place place;
     ASSIGN_OR_RETURN(place.page, file_.store.Read(page));
     auto view = IndexPageView::Parse(place.page.bytes(), file_.format, table_);
-    if (!view) return errors::DamagedPage(page, "not a page of this index");
+    if (!view) return DamagedPage(page, "not a page of this index");
     place.view = std::move(*view);
     return place;
 }
 
 base::Result<IndexTree::Place> IndexTree::LoadLeaf(PageNumber page) const {
     ASSIGN_OR_RETURN(Place place, Load(page));
-    if (!place.view.is_leaf()) return errors::DamagedPage(page, "not a leaf of this index");
+    if (!place.view.is_leaf()) return DamagedPage(page, "not a leaf of this index");
     return place;
 }
 
 base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> target) const {
     ASSIGN_OR_RETURN(Place place, Load(root_));
     for (std::size_t depth = 0; !place.view.is_leaf(); ++depth) {
-        if (depth >= kMaxIndexLevels)
-            return errors::DamagedPage(root_, "an index that is too deep");
+        if (depth >= kMaxIndexLevels) return DamagedPage(root_, "an index that is too deep");
         const std::size_t child = place.view.LowerBound(target);
         ASSIGN_OR_RETURN(
             place, Load(child < place.view.count() ? place.view.Child(child) : place.view.tail()));
@@ -43,11 +42,10 @@ base::Result<PageNumber> IndexTree::FindLeaf(std::span<const std::byte> target, 
     PageNumber page = root_;
     while (true) {
         ASSIGN_OR_RETURN(const PageView bytes, file_.store.Read(page));
-        if (bytes.bytes()[0] == static_cast<std::byte>(PageType::kIndexLeaf)) break;
+        if (HasType(bytes.bytes(), PageType::kIndexLeaf)) break;
         const auto view = IndexPageView::Parse(bytes.bytes(), file_.format, table_);
-        if (!view) return errors::DamagedPage(page, "not a page of this index");
-        if (path.size() >= kMaxIndexLevels)
-            return errors::DamagedPage(root_, "an index that is too deep");
+        if (!view) return DamagedPage(page, "not a page of this index");
+        if (path.size() >= kMaxIndexLevels) return DamagedPage(root_, "an index that is too deep");
         const std::size_t child = view->LowerBound(target);
         const bool is_tail = child >= view->count();
         path.push_back({page, child, is_tail, 0});
@@ -64,8 +62,7 @@ base::Result<IndexTree::Path> IndexTree::PathTo(std::span<const std::byte> targe
     ASSIGN_OR_RETURN(const PageNumber leaf, FindLeaf(target, path));
     if (leaf == page) return path;
     const auto found = std::ranges::find(path, page, &Step::page);
-    if (found == path.end())
-        return errors::DamagedPage(page, "a page that its index does not reach");
+    if (found == path.end()) return DamagedPage(page, "a page that its index does not reach");
     path.erase(found, path.end());
     return path;
 }
@@ -98,13 +95,13 @@ base::Status IndexTree::Next(Place& place) const {
             place = {};
             return {};
         }
-        if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
+        if (hops-- == 0) return DamagedPage(root_, "the leaves of the index form a circle");
         if (place.view.count() > 0) place.view.CopyEntry(place.view.count() - 1, last);
         ASSIGN_OR_RETURN(place, LoadLeaf(next));
         place.entry = 0;
-        // Ascending from leaf to leaf: no walk goes in circles.
+        // Ascending from leaf to leaf: no scan goes in circles.
         if (!last.empty() && place.view.count() > 0 && place.view.Compare(0, last) <= 0)
-            return errors::DamagedPage(next, "the leaves of the index are out of order");
+            return DamagedPage(next, "the leaves of the index are out of order");
     }
     return {};
 }
@@ -118,12 +115,12 @@ base::Status IndexTree::Previous(Place& place) const {
             place = {};
             return {};
         }
-        if (hops-- == 0) return errors::DamagedPage(root_, "the leaves of the index form a circle");
+        if (hops-- == 0) return DamagedPage(root_, "the leaves of the index form a circle");
         if (place.view.count() > 0) place.view.CopyEntry(0, first);
         ASSIGN_OR_RETURN(place, LoadLeaf(previous));
         place.entry = place.view.count();
         if (!first.empty() && place.entry > 0 && place.view.Compare(place.entry - 1, first) >= 0)
-            return errors::DamagedPage(previous, "the leaves of the index are out of order");
+            return DamagedPage(previous, "the leaves of the index are out of order");
     }
     --place.entry;
     return {};

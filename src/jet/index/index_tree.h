@@ -1,9 +1,9 @@
-// IndexTree: a B-tree of (key, row) entries: finding, walking, and (with an open transaction)
+// IndexTree: a B-tree of (key, row) entries: finding, scanning, and (with an open transaction)
 // inserting and removing. Entries ascend over the whole tree by key bytes and row id. The root page
 // never changes. A node's key is the last entry below its child, and stays so through every change;
-// trees in which it is larger, as earlier versions left them behind, are read and changed all the
-// same. A page's type and the way to it say how high it stands, never its level byte: not every
-// engine keeps that. Every page met is checked for its owner, and walks are bounded, so that a
+// trees in which it is larger, as earlier versions left them, are read and changed as
+// well. A page's height follows from its type and the path to it; the level byte is ignored, as not
+// every engine maintains it. The owner of every page is checked and scans are bounded, so that a
 // damaged tree ends in kCorruption.
 #pragma once
 
@@ -43,15 +43,15 @@ public:
     base::Result<bool> Insert(std::span<const std::byte> key, RowId row);
     // False: there was no such entry.
     base::Result<bool> Remove(std::span<const std::byte> key, RowId row);
-    // Finds the row's entry whatever its key is, by walking the leaves; for entries whose key was
+    // Finds the row's entry whatever its key is, by a scan of the leaves; for entries whose key was
     // made by other rules.
-    base::Result<bool> RemoveByWalk(RowId row);
+    base::Result<bool> RemoveByScan(RowId row);
     // Frees all pages but the root, which becomes an empty leaf.
     base::Status Clear();
     // Makes the root page an empty leaf.
     base::Status Create();
 
-    // Goes up with every change, so that walkers know when their place is stale.
+    // Incremented by every change, so that cursors know when their place is stale.
     std::uint64_t changes() const { return changes_; }
 
 private:
@@ -80,13 +80,13 @@ private:
     base::Result<PageNumber> FindLeaf(std::span<const std::byte> target, Path& path) const;
     // The nodes above `page`. Requires: `target` is below it.
     base::Result<Path> PathTo(std::span<const std::byte> target, PageNumber page) const;
-    // `level`: of the page, as the way to it has it.
+    // `level`: of the page, by the path to it.
     base::Result<IndexPageImage> LoadImage(PageNumber page, std::uint8_t level) const;
     base::Result<PageNumber> NodeLink(PageNumber page, PageNumber other, std::size_t back) const;
     base::Status WriteImage(PageNumber page, const IndexPageImage& image);
     base::Result<PageNumber> NewPage();
     base::Status FreePage(PageNumber page);
-    base::Status SetLink(PageNumber page, std::size_t which, PageNumber target);
+    base::Status SetLink(PageNumber page, IndexLink link, PageNumber target);
     // Takes a page out of the chain of its level.
     base::Status Unlink(const IndexPageImage& image);
 
@@ -109,11 +109,11 @@ private:
     };
     // `path` leads to the sparse page `page`.
     base::Status Balance(Path path, PageNumber page);
-    // nullopt: they do not fit together as the children of one node should.
+    // nullopt: their links contradict each other.
     base::Result<std::optional<IndexPageImage>> Join(const IndexPageImage& parent,
                                                      std::size_t left) const;
     base::Status Merge(Path path, Neighbours& neighbours);
-    base::Status Share(Path path, Neighbours& neighbours);
+    base::Status Redistribute(Path path, Neighbours& neighbours);
     // A node that has lost children; `path` leads to it.
     base::Status WriteShrunkNode(Path path, PageNumber page, const IndexPageImage& image);
 

@@ -1,10 +1,9 @@
 // Sparse pages. A page that removals have left less than a third full becomes one with a neighbour
 // below the same node when both fit into five sixths of a page, so that the next insert does not
-// part them again; otherwise the two share their entries evenly. The last page of a level may stay
-// sparse: keys that ascend fill it.
+// part them again; otherwise the entries are redistributed evenly. The last page of a level may
+// stay sparse: keys that ascend fill it.
 #include "jet/index/index_page_split.h"
 #include "jet/index/index_tree.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 
@@ -71,14 +70,14 @@ base::Status IndexTree::Balance(Path path, PageNumber page) {
     ASSIGN_OR_RETURN(const IndexPageImage sparse,
                      LoadImage(page, static_cast<std::uint8_t>(step.level - 1)));
     const bool may_stay_sparse = is_rightmost && !sparse.entries.empty();
-    return may_stay_sparse ? base::Status() : Share(std::move(path), best);
+    return may_stay_sparse ? base::Status() : Redistribute(std::move(path), best);
 }
 
 base::Status IndexTree::Merge(Path path, Neighbours& neighbours) {
     IndexPageImage& parent = neighbours.parent;
     const PageNumber kept = parent.Child(neighbours.left);
     const PageNumber gone = parent.Child(neighbours.left + 1);
-    RETURN_IF_ERROR(SetLink(neighbours.joined.next, 0, kept));
+    RETURN_IF_ERROR(SetLink(neighbours.joined.next, IndexLink::kPrevious, kept));
     RETURN_IF_ERROR(WriteImage(kept, neighbours.joined));
     RETURN_IF_ERROR(FreePage(gone));
     SetChild(parent, neighbours.left + 1, kept);
@@ -86,7 +85,7 @@ base::Status IndexTree::Merge(Path path, Neighbours& neighbours) {
     return WriteShrunkNode(std::move(path), neighbours.parent_page, parent);
 }
 
-base::Status IndexTree::Share(Path path, Neighbours& neighbours) {
+base::Status IndexTree::Redistribute(Path path, Neighbours& neighbours) {
     IndexPageImage& parent = neighbours.parent;
     const IndexPageImage& joined = neighbours.joined;
     const PageNumber left = parent.Child(neighbours.left);

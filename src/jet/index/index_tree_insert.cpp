@@ -1,8 +1,8 @@
 // Inserting: an entry goes into its leaf; a leaf that is full is split, and the nodes above it when
 // they are full.
+#include "jet/errors.h"
 #include "jet/index/index_page_split.h"
 #include "jet/index/index_tree.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 
@@ -25,9 +25,9 @@ base::Result<PageNumber> IndexTree::NewPage() {
 base::Result<IndexPageImage> IndexTree::LoadImage(PageNumber page, std::uint8_t level) const {
     ASSIGN_OR_RETURN(const PageView bytes, file_.store.Read(page));
     const auto view = IndexPageView::Parse(bytes.bytes(), file_.format, table_);
-    if (!view) return errors::DamagedPage(page, "not a page of this index");
+    if (!view) return DamagedPage(page, "not a page of this index");
     if (view->is_leaf() != (level == 0))
-        return errors::DamagedPage(page, "an index page at the wrong depth");
+        return DamagedPage(page, "an index page at the wrong depth");
     IndexPageImage image = IndexPageImage::Of(*view, level);
     if (image.is_leaf()) return image;
     ASSIGN_OR_RETURN(image.previous, NodeLink(page, image.previous, 1));
@@ -35,8 +35,8 @@ base::Result<IndexPageImage> IndexTree::LoadImage(PageNumber page, std::uint8_t 
     return image;
 }
 
-// A node's link to its neighbour `other`; 0 unless that one has the link back. Nobody follows these
-// links, and not every engine keeps them, so that they may lead to pages of other uses.
+// A node's link to its neighbour `other`; 0 unless that one has the link back. The links of
+// nodes are never followed, and some engines do not keep them: they may lead anywhere.
 base::Result<PageNumber> IndexTree::NodeLink(PageNumber page, PageNumber other,
                                              std::size_t back) const {
     if (other == 0 || other >= file_.store.page_count()) return PageNumber{0};
@@ -48,16 +48,16 @@ base::Result<PageNumber> IndexTree::NodeLink(PageNumber page, PageNumber other,
 
 base::Status IndexTree::WriteImage(PageNumber page, const IndexPageImage& image) {
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(page));
-    if (!image.Write(bytes, file_.format, table_)) return errors::RecordTooLarge();
+    if (!image.Write(bytes, file_.format, table_)) return JetError(ErrorNumber::kRecordTooLarge);
     return {};
 }
 
-base::Status IndexTree::SetLink(PageNumber page, std::size_t which, PageNumber target) {
+base::Status IndexTree::SetLink(PageNumber page, IndexLink link, PageNumber target) {
     if (page == 0) return {};
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(page));
     if (!IndexPageView::Parse(bytes, file_.format, table_))
-        return errors::DamagedPage(page, "not a page of this index");
-    base::StoreLittle(bytes.data() + file_.format.index_links_offset + 4 * which, target);
+        return DamagedPage(page, "not a page of this index");
+    base::StoreLittle(bytes.data() + file_.format.LinkOffset(link), target);
     return {};
 }
 
@@ -69,25 +69,25 @@ base::Status IndexTree::Create() {
 base::Result<bool> IndexTree::Insert(std::span<const std::byte> key, RowId row) {
     Bytes entry(key.begin(), key.end());
     base::AppendBig(entry, row.page << 8 | row.slot);
-    if (entry.size() > MaxEntryBytes(file_.format)) return errors::RecordTooLarge();
+    if (entry.size() > MaxEntryBytes(file_.format)) return JetError(ErrorNumber::kRecordTooLarge);
     Path path;
     ASSIGN_OR_RETURN(PageNumber leaf, FindLeaf(entry, path));
     ++changes_;
     ASSIGN_OR_RETURN(std::span<std::byte> bytes, file_.store.Change(leaf));
     auto view = IndexPageView::Parse(bytes, file_.format, table_);
-    if (!view) return errors::DamagedPage(leaf, "not a leaf of this index");
+    if (!view) return DamagedPage(leaf, "not a leaf of this index");
     const std::size_t position = view->LowerBound(entry);
     if (position < view->count() && view->Compare(position, entry) == 0)
-        return errors::DamagedPage(leaf, "the index has an entry for a new row");
+        return DamagedPage(leaf, "the index has an entry for a new row");
     if (position == view->count() && !IsRightmost(path)) {
-        // Only where the key above is larger than what is below it.
+        // Only when the key in the parent is larger than all entries below it.
         RETURN_IF_ERROR(SetLast(std::move(path), entry));
         path.clear();
         ASSIGN_OR_RETURN(leaf, FindLeaf(entry, path));
         ASSIGN_OR_RETURN(bytes, file_.store.Change(leaf));
         view = IndexPageView::Parse(bytes, file_.format, table_);
         if (!view || view->LowerBound(entry) != position)
-            return errors::DamagedPage(leaf, "not the leaf that was found before");
+            return DamagedPage(leaf, "not the leaf that was found before");
     }
     const auto has_key = [&](std::size_t i) {
         return i < view->count() && view->EntryBytes(i) == entry.size() && view->StartsWith(i, key);
@@ -112,7 +112,7 @@ base::Status IndexTree::SetLast(Path path, std::span<const std::byte> last) {
     path.pop_back();
     ASSIGN_OR_RETURN(IndexPageImage image, LoadImage(step.page, step.level));
     if (step.child >= image.entries.size())
-        return errors::DamagedPage(step.page, "a node that lost an entry");
+        return DamagedPage(step.page, "a node that lost an entry");
     Bytes key = NodeEntry(last, image.Child(step.child));
     if (image.entries[step.child] == key) return {};
     image.entries[step.child] = std::move(key);
@@ -130,7 +130,7 @@ base::Status IndexTree::Split(Path path, PageNumber page, IndexPageImage image, 
         for (const IndexPageImage& piece : pieces)
             lasts.push_back(piece.entries.back());
     } else {
-        if (image.entries.size() < 3) return errors::RecordTooLarge();
+        if (image.entries.size() < 3) return JetError(ErrorNumber::kRecordTooLarge);
         pieces = SplitNode(image, ascending, file_.format, lasts);
     }
     for (IndexPageImage& piece : pieces)
@@ -147,7 +147,7 @@ base::Status IndexTree::Split(Path path, PageNumber page, IndexPageImage image, 
         pieces[i].next = i + 1 == pieces.size() ? image.next : parts[i + 1].page;
         RETURN_IF_ERROR(WriteImage(parts[i].page, pieces[i]));
     }
-    RETURN_IF_ERROR(SetLink(image.next, 0, parts.back().page));
+    RETURN_IF_ERROR(SetLink(image.next, IndexLink::kPrevious, parts.back().page));
     return ReplaceChild(std::move(path), parts);
 }
 

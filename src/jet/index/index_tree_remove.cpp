@@ -1,8 +1,8 @@
 // Removing: an entry leaves its leaf; a leaf without entries leaves the tree, and so do nodes
 // without children. Where the greatest entry below a node's child goes, the node's key follows.
-// What becomes of sparse pages: index_tree_balance.cpp.
+// For sparse pages see index_tree_balance.cpp.
+#include "jet/errors.h"
 #include "jet/index/index_tree.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 
@@ -14,8 +14,8 @@ base::Status IndexTree::FreePage(PageNumber page) {
 }
 
 base::Status IndexTree::Unlink(const IndexPageImage& image) {
-    RETURN_IF_ERROR(SetLink(image.previous, 1, image.next));
-    return SetLink(image.next, 0, image.previous);
+    RETURN_IF_ERROR(SetLink(image.previous, IndexLink::kNext, image.next));
+    return SetLink(image.next, IndexLink::kPrevious, image.previous);
 }
 
 base::Result<bool> IndexTree::Remove(std::span<const std::byte> key, RowId row) {
@@ -33,7 +33,7 @@ base::Result<bool> IndexTree::Remove(std::span<const std::byte> key, RowId row) 
     return true;
 }
 
-base::Result<bool> IndexTree::RemoveByWalk(RowId row) {
+base::Result<bool> IndexTree::RemoveByScan(RowId row) {
     Bytes entry;
     {
         ASSIGN_OR_RETURN(Place place, Seek({}));
@@ -51,9 +51,9 @@ base::Status IndexTree::RemoveEntry(Path path, PageNumber leaf, std::span<const 
     ++changes_;
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(leaf));
     const auto view = IndexPageView::Parse(bytes, file_.format, table_);
-    if (!view) return errors::DamagedPage(leaf, "not a page of this index");
+    if (!view) return DamagedPage(leaf, "not a page of this index");
     const std::size_t position = view->LowerBound(entry);
-    if (position >= view->count()) return errors::DamagedPage(leaf, "not a page of this index");
+    if (position >= view->count()) return DamagedPage(leaf, "not a page of this index");
     const std::size_t left = view->count() - 1;  // entries that stay
     if (left == 0 && !path.empty()) {
         RETURN_IF_ERROR(Unlink(IndexPageImage::Of(*view, 0)));
@@ -65,7 +65,8 @@ base::Status IndexTree::RemoveEntry(Path path, PageNumber leaf, std::span<const 
     if (left == 0 || !RemoveInPlace(bytes, file_.format, *view, position)) {
         IndexPageImage image = IndexPageImage::Of(*view, 0);
         image.entries.erase(image.entries.begin() + static_cast<std::ptrdiff_t>(position));
-        if (!image.Write(bytes, file_.format, table_)) return errors::RecordTooLarge();
+        if (!image.Write(bytes, file_.format, table_))
+            return JetError(ErrorNumber::kRecordTooLarge);
     }
     const bool is_sparse = !path.empty() && IsSparse(UsedBytes(bytes, file_.format), file_.format);
     if (!last.empty() && !IsRightmost(path)) {

@@ -7,8 +7,8 @@
 
 namespace jet {
 
-// False: the engine does not know how keys of this column are made (a foreign sort order, a type
-// that has none).
+// False: the engine cannot make keys of this column (an unknown sort order, a type without
+// keys).
 bool CanEncodeKey(const FileContext& file, const ColumnDefinition& column);
 
 // Appends the part of one column: a flag byte and the value's bytes, complemented in a descending

@@ -1,5 +1,5 @@
-// ByteCursor: takes integers and pieces off the front of bytes from a file. Past the end it answers
-// zeros and empty pieces and stays failed, so that a parser asks once, at its end.
+// ByteCursor: takes integers and pieces off the front of bytes from a file. Past the end it returns
+// zeros and empty pieces and stays failed, so that a parser can check once, at its end.
 #pragma once
 
 #include "base/byte_reader.h"

@@ -7,8 +7,7 @@
 namespace jet {
 
 std::optional<DataPage> DataPage::Parse(std::span<const std::byte> bytes, const Format& format) {
-    if (bytes.size() != format.page_size || bytes[0] != static_cast<std::byte>(PageType::kData))
-        return std::nullopt;
+    if (bytes.size() != format.page_size || !HasType(bytes, PageType::kData)) return std::nullopt;
     const std::size_t count =
         base::LoadLittle<std::uint16_t>(bytes.data() + format.slot_count_offset);
     if (count > kMaxSlots + 1 || format.slots_offset + 2 * count > bytes.size())
@@ -50,9 +49,8 @@ std::optional<DataPageEditor> DataPageEditor::Open(std::span<std::byte> bytes,
 DataPageEditor DataPageEditor::Create(std::span<std::byte> bytes, const Format& format,
                                       std::uint32_t owner) {
     std::ranges::fill(bytes, std::byte{0});
-    bytes[0] = static_cast<std::byte>(PageType::kData);
-    bytes[1] = std::byte{1};
-    base::StoreLittle(bytes.data() + 4, owner);
+    StoreType(bytes, PageType::kData);
+    base::StoreLittle(bytes.data() + kPageOwner, owner);
     DataPageEditor editor(bytes, format, 0);
     editor.UpdateHead();
     return editor;
@@ -88,7 +86,7 @@ void DataPageEditor::SetWord(std::size_t slot, std::size_t start, std::uint16_t 
 void DataPageEditor::UpdateHead() {
     base::StoreLittle(bytes_.data() + format_->slot_count_offset,
                       static_cast<std::uint16_t>(slot_count_));
-    base::StoreLittle(bytes_.data() + 2, static_cast<std::uint16_t>(free_bytes()));
+    base::StoreLittle(bytes_.data() + kPageFreeBytes, static_cast<std::uint16_t>(free_bytes()));
 }
 
 std::uint8_t DataPageEditor::Append(std::span<const std::byte> row, std::uint16_t flags) {

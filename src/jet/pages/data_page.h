@@ -12,6 +12,7 @@
 namespace jet {
 
 inline constexpr std::uint16_t kSlotOffsetMask = 0x1FFF;
+inline constexpr std::uint16_t kSlotReserved = 0x2000;  // 0
 inline constexpr std::uint16_t kSlotFlags = 0xC000;
 inline constexpr std::uint16_t kSlotMoved = 0x4000;   // the bytes start with a pointer to the row
 inline constexpr std::uint16_t kSlotTarget = 0x8000;  // only reached through such a pointer
@@ -20,10 +21,10 @@ inline constexpr std::uint16_t kSlotDeleted = 0xC000;
 // Looks at a page; borrows its bytes.
 class DataPage {
 public:
-    // nullopt: no data page, or its head is nonsense.
+    // nullopt: not a data page, or its head is invalid.
     static std::optional<DataPage> Parse(std::span<const std::byte> bytes, const Format& format);
 
-    std::uint32_t owner() const { return base::LoadLittle<std::uint32_t>(bytes_.data() + 4); }
+    std::uint32_t owner() const { return LoadOwner(bytes_); }
     std::size_t slot_count() const { return slot_count_; }
     // Requires: slot < slot_count().
     std::uint16_t Flags(std::size_t slot) const { return Word(slot) & kSlotFlags; }
@@ -31,7 +32,7 @@ public:
     std::optional<std::span<const std::byte>> Bytes(std::size_t slot) const;
     // True when a row or a row's target lives here.
     bool AnyLiveSlot() const;
-    // Between slots and rows, whatever the page says of it.
+    // The gap between slots and rows; the field on the page is not used.
     std::size_t free_bytes() const;
 
 private:

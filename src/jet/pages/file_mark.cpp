@@ -1,5 +1,6 @@
 #include "jet/pages/file_mark.h"
 
+#include "jet/pages/format.h"
 #include "jet/pages/page_header_layout.h"
 
 #include <algorithm>
@@ -15,7 +16,8 @@ constexpr std::byte kNeutralHighByte{1};
 }  // namespace
 
 std::size_t FileMarkOffset(std::uint32_t page_size) {
-    const std::size_t commit_words = page_size == 2048 ? kCommitWordsJet3 : kCommitWordsJet4;
+    const std::size_t commit_words =
+        FormatOfPages(page_size).jet4() ? kCommitWordsJet4 : kCommitWordsJet3;
     return commit_words + kCommitWordsBytes - kFileMarkBytes;
 }
 

@@ -1,6 +1,8 @@
 #include "jet/pages/file_page_store.h"
 
+#include "jet/errors.h"
 #include "jet/pages/file_mark.h"
+#include "jet/pages/format.h"
 
 #include <algorithm>
 #include <array>
@@ -9,18 +11,16 @@
 namespace jet {
 namespace {
 
-constexpr std::size_t kMostBytesAtOnce = 1U << 20;
-// A journal that grows while checkpoints run beside the commits is emptied by a commit that waits.
-constexpr std::uint64_t kLongestJournal = 64U << 20;
-constexpr std::uint64_t kLargestJet4File = std::uint64_t{2} << 30;
-constexpr std::uint64_t kLargestJet3File = std::uint64_t{1} << 30;
+constexpr std::size_t kMaxBytesAtOnce = 1U << 20;
+// Above this size a commit waits for a checkpoint, so that the journal cannot grow without end.
+constexpr std::uint64_t kMaxJournalBytes = 64U << 20;
 
 base::Status NoSuchPage(PageNumber page) {
     return {base::StatusCode::kCorruption,
             "page " + std::to_string(page) + " is past the end of the file"};
 }
 
-// A copy, encoded or, if it was that, plain.
+// An encoded copy; a plain one of an encoded page.
 std::shared_ptr<PageBytes> Encoded(const PageEncoding& encoding, PageNumber number,
                                    const SharedPage& page) {
     auto encoded = std::make_shared<PageBytes>(*page);
@@ -30,13 +30,13 @@ std::shared_ptr<PageBytes> Encoded(const PageEncoding& encoding, PageNumber numb
 
 }  // namespace
 
-// The engine's words for what the system said.
+// Turns an error of the system into the engine's own.
 base::Status EngineStatus(const base::Status& status) {
     switch (status.code()) {
     case base::StatusCode::kNoSpace:
-        return {status.code(), "Not enough space on disk.", 3026};
+        return JetError(ErrorNumber::kNotEnoughSpace);
     case base::StatusCode::kIoError:
-        return {status.code(), "Disk or network error.", 3043};
+        return JetError(ErrorNumber::kDiskError);
     default:
         return status;
     }
@@ -45,7 +45,7 @@ base::Status EngineStatus(const base::Status& status) {
 FilePageStore::FilePageStore(FileSystem& files, const std::filesystem::path& path, Parts parts,
                              const PageStoreOptions& options)
     : path_(path), page_size_(parts.page_size), encoding_(parts.encoding),
-      read_only_(options.read_only), committed_count_(parts.page_count), ahead_(parts.page_size),
+      read_only_(options.read_only), committed_count_(parts.page_count), prefetch_(parts.page_size),
       file_(std::move(parts.file)), owner_(std::move(parts.owner)),
       journal_(files, Journal::PathFor(path)), cache_(options.cache_bytes / parts.page_size),
       pages_in_file_(parts.page_count) {}
@@ -76,7 +76,7 @@ PageNumber FilePageStore::page_count() const {
 
 base::Status FilePageStore::CheckUsable() const {
     if (closed_) return {base::StatusCode::kInvalidArgument, "The database is closed."};
-    if (is_in_doubt_) return {base::StatusCode::kIoError, "Disk or network error.", 3043};
+    if (is_in_doubt_) return JetError(ErrorNumber::kDiskError);
     return {};
 }
 
@@ -101,12 +101,12 @@ base::Result<SharedPage> FilePageStore::Load(PageNumber page) {
         if (SharedPage known = FindInMemory(page)) return known;
         if (page >= pages_in_file_) return NoSuchPage(page);
     }
-    if (SharedPage ahead = TakeAhead(page)) return ahead;
+    if (SharedPage prefetched = TakePrefetched(page)) return prefetched;
     return Fetch(page);
 }
 
-// Pages that are not pending now cannot become so before this returns: commits come from this
-// thread. So what is read without the lock is not being written.
+// Commits come from this thread, so a page that is not pending now stays so until this returns,
+// and what is read without the lock is not being written.
 base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
     PageNumber count = read_ahead_.PagesFrom(page);
     if (page == 0) count = 1;  // a checkpoint changes its mark without a commit
@@ -117,8 +117,8 @@ base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
         if (next_pending != pending_.end()) count = std::min(count, next_pending->first - page);
     }
     const std::uint64_t offset = std::uint64_t{page} * page_size_;
-    const std::span<std::byte> bytes = ahead_.Room(count);
-    // When many cannot be read, one of the others may be bad.
+    const std::span<std::byte> bytes = prefetch_.Reserve(count);
+    // If several cannot be read at once, perhaps this one alone can.
     if (count > 1 && !file_->ReadAt(offset, bytes).ok()) count = 1;
     if (count == 1) {
         const base::Status read = file_->ReadAt(offset, bytes.first(page_size_));
@@ -126,28 +126,28 @@ base::Result<SharedPage> FilePageStore::Fetch(PageNumber page) {
     }
     for (PageNumber i = 0; i < count; ++i)
         encoding_.Apply(page + i, bytes.subspan(std::size_t{i} * page_size_, page_size_));
-    ahead_.Hold(page, count);
-    if (count > 1 && read_ahead_.is_long_walk()) return TakeAhead(page);
+    prefetch_.Fill(page, count);
+    if (count > 1 && read_ahead_.is_long_scan()) return TakePrefetched(page);
     const std::lock_guard lock(mutex_);
     SharedPage wanted;
     for (PageNumber i = count; i-- > 0;) {
         if (i > 0 && cache_.Contains(page + i)) continue;
-        wanted = ahead_.Copy(page + i);
+        wanted = prefetch_.Take(page + i);
         cache_.Put(page + i, wanted);
     }
-    ahead_.Forget();
+    prefetch_.Clear();
     return wanted;
 }
 
-// null: it was not read ahead. Who asks twice for a page is not walking, and it goes to the cache.
-SharedPage FilePageStore::TakeAhead(PageNumber page) {
-    if (!ahead_.Contains(page)) return nullptr;
-    SharedPage bytes = ahead_.Copy(page);
-    if (page == last_ahead_) {
+// null: not prefetched. A page that is read twice does not belong to a scan and goes to the cache.
+SharedPage FilePageStore::TakePrefetched(PageNumber page) {
+    if (!prefetch_.Contains(page)) return nullptr;
+    SharedPage bytes = prefetch_.Take(page);
+    if (page == last_prefetched_) {
         const std::lock_guard lock(mutex_);
         cache_.Put(page, bytes);
     }
-    last_ahead_ = page;
+    last_prefetched_ = page;
     return bytes;
 }
 
@@ -155,9 +155,7 @@ SharedPage FilePageStore::TakeAhead(PageNumber page) {
 
 base::Status FilePageStore::Begin() {
     RETURN_IF_ERROR(CheckUsable());
-    if (read_only_)
-        return {base::StatusCode::kPermissionDenied,
-                "Cannot update. Database or object is read-only.", 3027};
+    if (read_only_) return JetError(ErrorNumber::kReadOnly);
     transaction_.Begin(committed_count_);
     return {};
 }
@@ -174,9 +172,8 @@ base::Result<std::span<std::byte>> FilePageStore::Change(PageNumber page) {
 base::Result<PageNumber> FilePageStore::Extend() {
     assert(transaction_.open());
     RETURN_IF_ERROR(CheckUsable());
-    const std::uint64_t largest = page_size_ == 2048 ? kLargestJet3File : kLargestJet4File;
-    if ((std::uint64_t{page_count()} + 1) * page_size_ > largest)
-        return base::Status(base::StatusCode::kNoSpace, "Not enough space on disk.", 3026);
+    const std::uint64_t max_bytes = FormatOfPages(page_size_).max_file_bytes;
+    if ((std::uint64_t{page_count()} + 1) * page_size_ > max_bytes) return FileIsFull();
     return transaction_.Extend(page_size_);
 }
 
@@ -197,7 +194,7 @@ base::Status FilePageStore::CommitPages() {
         journal_size = journal_.size_bytes();
     }
     if (flusher_ != nullptr) flusher_->Request();
-    if (journal_size > kLongestJournal) Checkpoint().Ignore();  // tried again later
+    if (journal_size > kMaxJournalBytes) Checkpoint().Ignore();  // tried again later
     return {};
 }
 
@@ -224,7 +221,7 @@ PageTransaction::ChangedPages FilePageStore::EncodedPages() const {
 }
 
 void FilePageStore::TakeIntoPending() {
-    ahead_.Forget();
+    prefetch_.Clear();
     for (const auto& [number, page] : transaction_.pages()) {
         pending_[number] = page.after;
         cache_.Erase(number);
@@ -244,8 +241,8 @@ base::Result<JournalHeader> FilePageStore::MakeJournalHeader() {
     return header;
 }
 
-// Before the first journal of a file's life: without a mark of its own, a file like it could be
-// taken for it. Synced at once, for the journal's header counts on it.
+// Before the first journal of a file: without a mark of its own, a copy could be taken for it.
+// Synced at once, as the journal's header relies on it.
 base::Status FilePageStore::GiveFirstMark(PageBytes& first_page) {
     const auto words = std::span(first_page).subspan(FileMarkOffset(page_size_), kFileMarkBytes);
     StoreFileMark(words, MakeFileMark());
@@ -294,7 +291,7 @@ base::Status FilePageStore::WriteSnapshot(const Snapshot& snapshot) {
     };
     for (const auto& [number, page] : snapshot.pages) {
         const bool continues = number == run_start + run.size() / page_size_;
-        if (!run.empty() && (!continues || run.size() >= kMostBytesAtOnce))
+        if (!run.empty() && (!continues || run.size() >= kMaxBytesAtOnce))
             RETURN_IF_ERROR(write_run());
         if (run.empty()) run_start = number;
         run.insert(run.end(), page->begin(), page->end());

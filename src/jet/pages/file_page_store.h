@@ -15,21 +15,21 @@
 // Pages are plain in memory and encoded in the file and in the journal, where the file's page 0
 // asks for that.
 //
-// A long walk reads ahead into `ahead_`, which holds no page that was committed since.
+// A long scan reads ahead into `prefetch_`, which never holds a page that was committed since.
 //
 // Threads: everything that `mutex_` names is reached under it; `checkpoint_mutex_` keeps
 // checkpoints apart and is taken first. The journal's bytes and the database file are written by a
 // checkpoint without `mutex_`: the store's own thread never reads a pending page from the file.
 #pragma once
 
-#include "jet/pages/ahead_pages.h"
 #include "jet/pages/flusher.h"
 #include "jet/pages/journal_recovery.h"
-#include "jet/pages/owner_file.h"
+#include "jet/pages/lock_file.h"
 #include "jet/pages/page_cache.h"
 #include "jet/pages/page_encoding.h"
 #include "jet/pages/page_store.h"
 #include "jet/pages/page_transaction.h"
+#include "jet/pages/prefetch.h"
 #include "jet/pages/read_ahead.h"
 
 #include <map>
@@ -39,15 +39,15 @@
 
 namespace jet {
 
-// The engine's number and words for what the system refused; every other status as it is.
+// Turns errors of the system into the engine's own; any other status is returned as it is.
 base::Status EngineStatus(const base::Status& status);
 
 class FilePageStore final : public PageStore {
 public:
-    // A database file that was opened, locked and found to be one.
+    // A database file that was opened, locked and recognised.
     struct Parts {
         std::unique_ptr<File> file;
-        std::unique_ptr<OwnerFile> owner;  // null: read only
+        std::unique_ptr<LockFile> owner;  // null: read only
         std::uint32_t page_size = 0;
         PageNumber page_count = 0;
         PageEncoding encoding;
@@ -56,7 +56,7 @@ public:
                   const PageStoreOptions& options);
     ~FilePageStore() override;
 
-    // Takes over what a journal held. `journal` null: only for reading, nothing is written.
+    // Takes over the content of a journal. `journal` null: read only, nothing is written.
     base::Status Recover(RecoveredJournal recovered, std::unique_ptr<File> journal);
     void StartFlusher(std::chrono::milliseconds delay);
 
@@ -82,7 +82,7 @@ private:
     base::Status CheckUsable() const;
     base::Result<SharedPage> Load(PageNumber page);
     base::Result<SharedPage> Fetch(PageNumber page);
-    SharedPage TakeAhead(PageNumber page);
+    SharedPage TakePrefetched(PageNumber page);
     SharedPage FindInMemory(PageNumber page);
     base::Result<JournalHeader> MakeJournalHeader();
     base::Status GiveFirstMark(PageBytes& first_page);
@@ -106,13 +106,13 @@ private:
     PageTransaction transaction_;
     PageNumber committed_count_;
     ReadAhead read_ahead_;
-    AheadPages ahead_;
-    PageNumber last_ahead_ = 0;  // the page of `ahead_` that was asked for last
+    Prefetch prefetch_;
+    PageNumber last_prefetched_ = 0;  // the page of `prefetch_` that was asked for last
 
     std::mutex checkpoint_mutex_;
     std::mutex mutex_;
     std::unique_ptr<File> file_;
-    std::unique_ptr<OwnerFile> owner_;
+    std::unique_ptr<LockFile> owner_;
     Journal journal_;                           // mutex_
     std::map<PageNumber, SharedPage> pending_;  // mutex_
     PageCache cache_;                           // mutex_

@@ -1,5 +1,5 @@
-// FileSystem and File: what the engine needs of an operating system. A program hands in an
-// implementation (the one of this system is platform::MakeFileSystem()); tests hand in one that
+// FileSystem and File: what the engine needs of an operating system. A program passes in an
+// implementation (the one of this system is platform::MakeFileSystem()); tests pass one that
 // fails on purpose. Errors: kNotFound, kPermissionDenied, kBusy, kNoSpace, kIoError. Nothing here
 // throws.
 #pragma once
@@ -35,7 +35,7 @@ public:
     // What was written is on the disk, not only in the system's cache, when this returns ok.
     virtual base::Status Sync() = 0;
     // Advisory lock of the whole file against other processes and other File objects; never waits.
-    // kBusy: somebody else holds it.
+    // kBusy: it is locked already.
     virtual base::Status Lock(FileLock lock) = 0;
 };
 

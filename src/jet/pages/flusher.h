@@ -1,5 +1,5 @@
-// Flusher: a thread that calls a function some time after it was asked to, however often it was
-// asked meanwhile. It makes commits durable while the program does something else, or nothing.
+// Flusher: a thread that calls a function once, some time after the first of any number of
+// requests. It makes commits durable in the background.
 #pragma once
 
 #include <chrono>

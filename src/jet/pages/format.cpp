@@ -49,4 +49,8 @@ const Format& FormatOf(int version) {
     return version == 3 ? kJet3 : kJet4;
 }
 
+const Format& FormatOfPages(std::uint32_t page_size) {
+    return page_size == kJet3.page_size ? kJet3 : kJet4;
+}
+
 }  // namespace jet

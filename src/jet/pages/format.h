@@ -1,6 +1,6 @@
-// Format: the measures in which Jet 3 and Jet 4 files differ, and the small types both share.
-// Layout: docs/formats/jet.md. All integers in the file are little endian, except in index keys and
-// the pointers of index entries.
+// Format: the sizes and offsets in which Jet 3 and Jet 4 files differ, and the small types both
+// share. Layout: docs/formats/jet.md. All integers in the file are little endian, except in index
+// keys and the pointers of index entries.
 #pragma once
 
 #include "base/byte_reader.h"
@@ -13,7 +13,7 @@
 
 namespace jet {
 
-// A row of a data page: u8 row, u24 page in the file. Page 0 holds no rows: {0, 0} means none.
+// A row of a data page: u8 row, u24 page in the file. Page 0 holds no rows: {0, 0} is null.
 struct RowPointer {
     PageNumber page = 0;
     std::uint8_t row = 0;
@@ -31,6 +31,14 @@ constexpr void StoreRowPointer(std::byte* to, RowPointer pointer) {
     base::StoreLittle<std::uint32_t>(to, pointer.page << 8 | pointer.row);
 }
 
+// The pages that an index page names, u32 each, in this order.
+enum class IndexLink : std::uint8_t {
+    kPrevious,
+    kNext,
+    kTail,  // of a node: the page of its last child
+};
+inline constexpr std::size_t kIndexLinkBytes = 4;
+
 enum class PageType : std::uint8_t {
     kHeader = 0,
     kData = 1,
@@ -41,8 +49,31 @@ enum class PageType : std::uint8_t {
     kReleased = 9,
 };
 
-// First bytes of the pages that hold long values, in place of an owner: "LVAL".
+// The head of a page: its type, and a byte that is 1 on all pages but page 0 and the free ones.
+inline constexpr std::size_t kPageTypeAt = 0;
+inline constexpr std::size_t kSecondByteAt = 1;
+inline constexpr std::byte kSecondByte{1};
+// How it continues on data and index pages.
+inline constexpr std::size_t kPageFreeBytes = 2;  // u16
+inline constexpr std::size_t kPageOwner = 4;      // u32, the table's definition page
+inline constexpr std::size_t kPageStamp = 8;      // u32, Jet 4: of a chain that begins here
+
+inline bool HasType(std::span<const std::byte> page, PageType type) {
+    return page[kPageTypeAt] == static_cast<std::byte>(type);
+}
+inline void StoreType(std::span<std::byte> page, PageType type) {
+    page[kPageTypeAt] = static_cast<std::byte>(type);
+    page[kSecondByteAt] = kSecondByte;
+}
+inline std::uint32_t LoadOwner(std::span<const std::byte> page) {
+    return base::LoadLittle<std::uint32_t>(page.data() + kPageOwner);
+}
+
+// Owners other than tables: of the pages of long values ("LVAL"), of map pages, of page 1.
 inline constexpr std::uint32_t kLongValueOwner = 0x4C41564C;
+inline constexpr std::uint32_t kMapOwner = 0;
+inline constexpr std::uint32_t kGlobalMapOwner = 1;
+inline constexpr PageNumber kGlobalMapPage = 1;
 
 // The tables whose definitions stand on fixed pages.
 inline constexpr PageNumber kObjectsPage = 2;
@@ -66,7 +97,7 @@ struct Format {
     // Usage maps.
     std::size_t fresh_map_bytes;
     // Index pages.
-    std::size_t index_links_offset;  // previous page; next page and tail follow
+    std::size_t index_links_offset;  // see IndexLink
     std::size_t index_prefix_offset;
     std::size_t index_prefix_bytes;
     std::size_t index_level_offset;
@@ -79,9 +110,15 @@ struct Format {
 
     bool jet4() const { return version == 4; }
     std::size_t bits_per_bitmap_page() const { return (page_size - 4) * 8; }
+    // Where a link stands on an index page.
+    std::size_t LinkOffset(IndexLink link) const {
+        return index_links_offset + kIndexLinkBytes * static_cast<std::size_t>(link);
+    }
 };
 
 // Requires: version is 3 or 4.
 const Format& FormatOf(int version);
+// That of a file with pages of this size.
+const Format& FormatOfPages(std::uint32_t page_size);
 
 }  // namespace jet

@@ -23,7 +23,7 @@ void Journal::Resume(std::unique_ptr<File> file, JournalEnd end) {
 
 base::Status Journal::EnsureOpen() {
     if (file_ != nullptr) return {};
-    // Whatever lies there was found to be no journal of this file.
+    // A file of this name is known not to be a journal of this database.
     ASSIGN_OR_RETURN(file_, files_.Open(path_, OpenMode::kCreate));
     folder_synced_ = false;
     return {};
@@ -70,7 +70,7 @@ base::Status Journal::Append(std::span<const std::byte> bytes, std::uint64_t cha
     return {};
 }
 
-// A write that failed may have reached the file all the same; recovery must not find it.
+// A failed write may still have reached the file; recovery must not find it.
 void Journal::TakeBack() {
     if (file_->Truncate(end_.offset).ok()) return;
     const std::vector<std::byte> nothing(kRecordHeadSize);
@@ -114,7 +114,7 @@ void Journal::RemoveFile() {
     assert(empty());
     if (file_ == nullptr) return;
     file_.reset();
-    files_.Remove(path_).Ignore();  // an empty journal means nothing
+    files_.Remove(path_).Ignore();  // an empty journal that stays does no harm
 }
 
 }  // namespace jet

@@ -14,7 +14,7 @@
 
 namespace jet {
 
-// How far a journal is good, as far as appending needs to know.
+// Where a journal can be continued.
 struct JournalEnd {
     std::uint64_t offset = 0;  // 0: the journal is empty
     std::uint64_t chain = 0;   // checksum of the last record
@@ -28,7 +28,7 @@ public:
 
     static std::filesystem::path PathFor(const std::filesystem::path& database);
 
-    // Goes on behind what recovery found.
+    // Continues behind what recovery found.
     void Resume(std::unique_ptr<File> file, JournalEnd end);
 
     bool empty() const { return end_.offset == 0; }
@@ -38,15 +38,15 @@ public:
     // empty. On failure the journal is as before, unless is_in_doubt().
     base::Status AddTransaction(const PageTransaction::ChangedPages& pages, PageNumber page_count,
                                 const JournalHeader& header);
-    // Appends the note that a checkpoint begins which gives the database file this mark. Requires:
+    // Appends a record: a checkpoint begins that gives the database file this mark. Requires:
     // !empty().
     base::Status AddMark(std::uint64_t mark);
 
     // The last AddTransaction failed and could not be taken back: recovery may or may not find it.
     bool is_in_doubt() const { return in_doubt_; }
 
-    // Everything appended so far is on the disk when this returns ok. Systems forget what a failed
-    // sync could not write, so the next one writes it all anew first.
+    // Everything appended so far is on the disk when this returns ok. Systems may drop what a
+    // failed sync could not write, so the next one writes it all again first.
     base::Status Sync();
     // Requires: all of it is in the database file, durably.
     base::Status Reset();

@@ -22,7 +22,7 @@ constexpr std::size_t kRecordChecksumAt = 16;
 constexpr std::size_t kGapWorthARange = 4;
 
 constexpr std::size_t kMoveBytes = 6;
-// A change with more bytes than this may be told shorter by a move.
+// Changes of more bytes than this are searched for a move.
 constexpr std::size_t kWorthAMove = 256;
 
 enum class ChangeBase : std::uint16_t { kZeros = 0, kJournal = 1, kMoved = 2 };
@@ -50,8 +50,8 @@ void AppendRange(std::vector<std::byte>& out, std::span<const std::byte> page, s
                page.begin() + static_cast<std::ptrdiff_t>(end));
 }
 
-// First position from `at` on where the two differ, or where they are equal; their size when there
-// is none.
+// First position from `at` on where the two differ, or where they are equal; their size if there
+// is no such position.
 std::size_t FindDifference(std::span<const std::byte> a, std::span<const std::byte> b,
                            std::size_t at) {
     while (at + 8 <= a.size() && std::memcmp(a.data() + at, b.data() + at, 8) == 0)

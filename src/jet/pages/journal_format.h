@@ -1,8 +1,8 @@
 // The bytes of a journal: a header that names the database file it belongs to, then records, each
 // with a checksum that continues the one before it. docs/jet.md has the table of offsets. All
 // integers little endian. What lies behind the last record with a right checksum was not finished,
-// or is left from an older journal. Everything here works on bytes in memory and holds for bytes
-// from anywhere.
+// or is left from an older journal. Everything here works on bytes in memory and checks
+// whatever it reads.
 #pragma once
 
 #include "jet/pages/page_transaction.h"

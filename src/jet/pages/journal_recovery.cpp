@@ -11,12 +11,12 @@ namespace {
 
 constexpr std::size_t kSectorSize = 512;
 
-// Walks the records and keeps what the answer needs.
+// Reads the records in order and collects the result.
 class JournalReader {
 public:
     JournalReader(const File& journal, std::uint64_t size) : journal_(journal), size_(size) {}
 
-    // false: no journal for pages of this size.
+    // false: not a journal for pages of this size.
     base::Result<bool> ReadHeader(std::uint32_t page_size) {
         const std::uint64_t wanted = kJournalHeaderSize + page_size;
         if (size_ < wanted) return false;

@@ -32,7 +32,7 @@ void PageCache::Erase(PageNumber page) {
     slots_.erase(found);
 }
 
-// The hand goes round and takes the first entry that was not asked for since it came by last.
+// The hand takes the first entry that was not used since it last passed.
 std::size_t PageCache::FreeEntry() {
     if (entries_.size() < capacity_) {
         entries_.emplace_back();

@@ -1,6 +1,6 @@
 // PageCache: pages of a file in memory, up to a limit; evicts by the clock algorithm. An evicted
-// page stays valid in the views that hold it. Threads: not synchronised; the store that owns the
-// cache does that.
+// page stays valid in the views that hold it. Not thread-safe; the store
+// locks.
 #pragma once
 
 #include "jet/pages/page_transaction.h"
@@ -19,7 +19,7 @@ public:
     // null: not there.
     SharedPage Find(PageNumber page);
     bool Contains(PageNumber page) const { return slots_.contains(page); }
-    // Replaces what is kept of this page.
+    // Replaces the cached content of this page.
     void Put(PageNumber page, SharedPage bytes);
     void Erase(PageNumber page);
     std::size_t size() const { return slots_.size(); }

@@ -1,6 +1,6 @@
 // PageEncoding: an encoded database file has every page but page 0 XORed as a whole with a key
-// stream (docs/formats/jet.md, "Page 0"). An obstacle, no protection: page 0 names the key. Pages
-// are encoded only where they lie in files, the journal among them; in memory they are plain.
+// stream (docs/formats/jet.md, "Page 0"). An obstacle, not a protection: page 0 names the key.
+// Pages are encoded only where they lie in files, the journal among them; in memory they are plain.
 #pragma once
 
 #include "jet/pages/page_store.h"

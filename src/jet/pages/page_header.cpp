@@ -1,8 +1,8 @@
 #include "jet/pages/page_header.h"
 
+#include "jet/errors.h"
 #include "jet/pages/page_header_layout.h"
 #include "jet/pages/rc4.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -55,8 +55,8 @@ std::string_view Signature(std::span<const std::byte> head) {
     return {reinterpret_cast<const char*>(head.data()) + kSignatureAt, kSignature.size()};
 }
 
-}  // namespace
-
+// Names related formats that the engine does not read, as the end of a sentence; nullopt: the file
+// is not one of them.
 std::optional<std::string_view> OtherFormat(std::span<const std::byte> head) {
     const std::string_view signature = Signature(head);
     if (signature == "Standard ACE DB")
@@ -68,15 +68,24 @@ std::optional<std::string_view> OtherFormat(std::span<const std::byte> head) {
     return std::nullopt;
 }
 
+}  // namespace
+
+base::Status UnrecognizedFormat(std::span<const std::byte> head, std::string_view path) {
+    const auto other = OtherFormat(head);
+    return JetError(ErrorNumber::kUnrecognizedFormat, path,
+                    other ? ": " + std::string(*other) : std::string());
+}
+
 base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page, std::string_view path) {
     Head head{};
-    if (page.size() < head.size()) return errors::NotADatabase(path);
+    if (page.size() < head.size()) return JetError(ErrorNumber::kUnrecognizedFormat, path);
     std::memcpy(head.data(), page.data(), head.size());
-    if (const auto other = OtherFormat(head)) return errors::UnsupportedDatabase(path, *other);
-    if (Signature(head) != kSignature) return errors::NotADatabase(path);
+    if (OtherFormat(head)) return UnrecognizedFormat(head, path);
+    if (Signature(head) != kSignature) return JetError(ErrorNumber::kUnrecognizedFormat, path);
     PageHeader header;
     header.version = LoadLittle<std::uint32_t>(head.data() + kVersionAt) == kVersionJet3 ? 3 : 4;
-    if (page.size() != FormatOf(header.version).page_size) return errors::NotADatabase(path);
+    if (page.size() != FormatOf(header.version).page_size)
+        return JetError(ErrorNumber::kUnrecognizedFormat, path);
     ApplyMask(head, header.version);
     header.encoding_key = LoadLittle<std::uint32_t>(head.data() + kEncodingKey);
     header.code_page = LoadLittle<std::uint16_t>(head.data() + kCodePage);

@@ -21,12 +21,11 @@ struct PageHeader {
     bool has_password = false;
 };
 
-// What a file is that looks like a database of this kind and is not one that the engine reads, as
-// the end of a sentence; nullopt: it is one, or something else altogether. `head`: the first bytes
-// of the file, 24 or more.
-std::optional<std::string_view> OtherFormat(std::span<const std::byte> head);
+// The error kUnrecognizedFormat, which says what the file is if that is known. `head`: the
+// first bytes of the file, 24 or more.
+base::Status UnrecognizedFormat(std::span<const std::byte> head, std::string_view path);
 
-// Refuses what is no Jet 3 or Jet 4 file (3343).
+// 3343: not a Jet 3 or Jet 4 file.
 base::Result<PageHeader> ReadPageHeader(std::span<const std::byte> page,
                                         std::string_view path_for_messages);
 

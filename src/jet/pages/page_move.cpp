@@ -12,14 +12,14 @@ constexpr std::size_t kSample = 2 * kWord;  // bytes by which a block is recogni
 constexpr std::size_t kFarthest = 512;      // an index entry is shorter
 constexpr std::size_t kShortest = 64;
 
-// Eight bytes, to be compared for being equal.
+// Eight bytes, for tests of equality only.
 std::uint64_t WordAt(std::span<const std::byte> page, std::size_t at) {
     std::uint64_t word = 0;
     std::memcpy(&word, page.data() + at, sizeof word);
     return word;
 }
 
-// One past the last byte that differs; 0: none does.
+// One past the last byte that differs; 0: the pages are equal.
 std::size_t EndOfDifference(std::span<const std::byte> a, std::span<const std::byte> b) {
     std::size_t end = a.size();
     while (end >= 8 && std::memcmp(a.data() + end - 8, b.data() + end - 8, 8) == 0)

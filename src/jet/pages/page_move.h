@@ -1,5 +1,5 @@
-// PageMove: a block of bytes that stands somewhere else on a page than before, as all entries of an
-// index page do that lie behind a new one. Naming it takes fewer bytes than repeating the block.
+// PageMove: a block of bytes that moved within a page, as the entries of an index page behind a new
+// one do. Recording the move takes fewer bytes than repeating the block.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ struct PageMove {
 };
 
 // The block before the last byte that differs, if it was moved a little way up or down. nullopt:
-// nothing of some length was. Requires: pages of one size, at most 32 KiB.
+// no such block. Requires: pages of one size, at most 32 KiB.
 std::optional<PageMove> FindMove(std::span<const std::byte> before,
                                  std::span<const std::byte> after);
 

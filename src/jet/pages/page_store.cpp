@@ -2,9 +2,10 @@
 #include "jet/pages/page_store.h"
 
 #include "base/byte_reader.h"
+#include "jet/errors.h"
 #include "jet/pages/file_page_store.h"
 #include "jet/pages/page_header.h"
-#include "jet/storage_errors.h"
+#include "jet/pages/page_header_layout.h"
 
 #include <array>
 #include <cstring>
@@ -14,21 +15,16 @@
 namespace jet {
 namespace {
 
-constexpr std::uint32_t kJet3PageSize = 2048;
-constexpr std::uint32_t kJet4PageSize = 4096;
-
 base::Status Unrecognized(const std::filesystem::path& path) {
-    return {base::StatusCode::kCorruption, "Unrecognized database format '" + path.string() + "'.",
-            3343};
+    return JetError(ErrorNumber::kUnrecognizedFormat, path.string());
 }
 
-// Says what the file is where that can be told.
+// Says what the file is if that is known.
 base::Status Unrecognized(const File& file, const std::filesystem::path& path) {
-    std::array<std::byte, 0x18> head{};
+    std::array<std::byte, kMaskStart> head{};
     const auto size = file.Size();
     if (!size.ok() || *size < head.size() || !file.ReadAt(0, head).ok()) return Unrecognized(path);
-    const auto other = OtherFormat(head);
-    return other ? errors::UnsupportedDatabase(path.string(), *other) : Unrecognized(path);
+    return UnrecognizedFormat(head, path.string());
 }
 
 base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
@@ -37,43 +33,36 @@ base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
     switch (status.code()) {
     case base::StatusCode::kNotFound:
         if (!folder.empty() && !files.Exists(folder))
-            return {status.code(),
-                    "'" + path.string() +
-                        "' is not a valid path. Make sure that the path name is spelled correctly "
-                        "and that you are connected to the server on which the file resides.",
-                    3044};
-        return {status.code(), "Could not find file '" + path.string() + "'.", 3024};
+            return JetError(ErrorNumber::kNotAValidPath, path.string());
+        return JetError(ErrorNumber::kNoSuchFile, path.string());
     case base::StatusCode::kPermissionDenied:
-        return {status.code(),
-                "The Microsoft Jet database engine cannot open the file '" + path.string() +
-                    "'. It is already opened exclusively by another user, or you need permission "
-                    "to view its data.",
-                3051};
+        return JetError(ErrorNumber::kCannotOpenFile, path.string());
     default:
         return EngineStatus(status);
     }
 }
 
-base::Status LockFile(FileSystem& files, const std::filesystem::path& path, File& file,
-                      bool read_only) {
+base::Status LockDatabase(FileSystem& files, const std::filesystem::path& path, File& file,
+                          bool read_only) {
     const base::Status locked = file.Lock(read_only ? FileLock::kShared : FileLock::kExclusive);
-    if (locked.code() == base::StatusCode::kBusy) return OwnerFile::BusyStatus(files, path);
+    if (locked.code() == base::StatusCode::kBusy) return LockFile::BusyStatus(files, path);
     // A medium without locks, a read-only one for instance, can still be read.
-    if (read_only) return OwnerFile::CheckFree(files, path);
+    if (read_only) return LockFile::CheckFree(files, path);
     return EngineStatus(locked);
 }
 
-// Page size by the format's version; nullopt: no database of this format.
+// By the version of the format; nullopt: not a database of this format.
 base::Result<std::optional<std::uint32_t>> ReadPageSize(const File& file) {
-    std::array<std::byte, 0x18> head{};
+    std::array<std::byte, kMaskStart> head{};
     ASSIGN_OR_RETURN(const std::uint64_t size, file.Size());
-    if (size < kJet3PageSize) return std::optional<std::uint32_t>();
+    if (size < FormatOf(3).page_size) return std::optional<std::uint32_t>();
     RETURN_IF_ERROR(file.ReadAt(0, head));
-    constexpr char kMagic[16] = "Standard Jet DB";
-    const auto version = base::LoadLittle<std::uint32_t>(head.data() + 0x14);
-    if (std::memcmp(head.data() + 4, kMagic, sizeof kMagic) != 0 || version > 1)
-        return std::optional<std::uint32_t>();
-    const std::uint32_t page_size = version == 0 ? kJet3PageSize : kJet4PageSize;
+    const auto version = base::LoadLittle<std::uint32_t>(head.data() + kVersionAt);
+    const bool signed_so =
+        std::memcmp(head.data() + kSignatureAt, kSignature.data(), kSignature.size()) == 0 &&
+        head[kSignatureAt + kSignature.size()] == std::byte{0};
+    if (!signed_so || version > kVersionJet4) return std::optional<std::uint32_t>();
+    const std::uint32_t page_size = FormatOf(version == kVersionJet3 ? 3 : 4).page_size;
     if (size < page_size) return std::optional<std::uint32_t>();
     return std::optional(page_size);
 }
@@ -85,7 +74,7 @@ base::Result<PageEncoding> ReadEncoding(const File& file, std::uint32_t page_siz
 }
 
 struct FoundJournal {
-    std::unique_ptr<File> file;  // null: there is none
+    std::unique_ptr<File> file;  // null: no journal
     LeftOverJournal left_over;
     bool is_ours() const { return left_over.owner == JournalOwner::kThisFile; }
 };
@@ -98,7 +87,7 @@ base::Result<FoundJournal> FindJournal(FileSystem& files, const std::filesystem:
     ASSIGN_OR_RETURN(journal.file,
                      files.Open(path, read_only ? OpenMode::kRead : OpenMode::kReadWrite));
     ASSIGN_OR_RETURN(journal.left_over, ReadJournal(*journal.file, *parts.file, parts.page_size));
-    // One of another file stays: it may be put back under this name. The first commit replaces it.
+    // A journal of another file stays, in case that file is restored; the first commit replaces it.
     if (!read_only && journal.left_over.owner == JournalOwner::kNobody) files.Remove(path).Ignore();
     return journal;
 }
@@ -112,7 +101,7 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
     auto file = files.Open(path, options.read_only ? OpenMode::kRead : OpenMode::kReadWrite);
     if (!file.ok()) return CannotOpen(files, path, file.status());
     parts.file = std::move(file).value();
-    RETURN_IF_ERROR(LockFile(files, path, *parts.file, options.read_only));
+    RETURN_IF_ERROR(LockDatabase(files, path, *parts.file, options.read_only));
 
     const auto page_size = ReadPageSize(*parts.file);
     if (!page_size.ok()) return EngineStatus(page_size.status());
@@ -123,7 +112,7 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
     parts.encoding = *encoding;
 
     if (!options.read_only) {
-        auto owner = OwnerFile::Take(files, path);
+        auto owner = LockFile::Take(files, path);
         if (!owner.ok()) return CannotOpen(files, path, owner.status());
         parts.owner = std::move(owner).value();
     }

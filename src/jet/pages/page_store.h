@@ -4,9 +4,9 @@
 // Begin to Commit or Rollback; pages are changed only inside of one. Readers inside the transaction
 // see its changes. When Commit has returned ok, the death of the process loses nothing; a power cut
 // loses at most the last second and never leaves half a transaction. A failed Commit leaves the
-// state before Begin. Errors: kIoError, kNoSpace, kCorruption, kBusy (held by another process; the
-// message says by whom), kPermissionDenied. After a failed Rollback or a failure that leaves memory
-// and disk in doubt, every call fails. Threads: one PageStore belongs to one thread (its own
+// state before Begin. Errors: kIoError, kNoSpace, kCorruption, kBusy (held by another process,
+// which the message names), kPermissionDenied. After a failed Rollback or a failure that leaves
+// memory and disk in doubt, every call fails. Threads: one PageStore belongs to one thread (its own
 // flusher excepted).
 #pragma once
 
@@ -25,8 +25,8 @@
 
 namespace jet {
 
-// A page that is being looked at. Keeps the bytes alive and unchanged as long as it lives, also
-// when the page is written meanwhile (the view then shows the old content).
+// A page for reading. Keeps its bytes valid and unchanged as long as it lives, even when the page
+// is written in the meantime (the view then shows the old content).
 class PageView {
 public:
     PageView() = default;
@@ -43,8 +43,8 @@ private:
 struct PageStoreOptions {
     bool read_only = false;
     std::size_t cache_bytes = 32U << 20;
-    // How long after a commit a thread of the store makes it durable. 0: no thread; only Flush and
-    // Close do.
+    // Delay after which a thread of the store makes a commit durable. 0: no thread; only Flush and
+    // Close do it.
     std::chrono::milliseconds flush_delay{500};
 };
 
@@ -80,8 +80,8 @@ public:
     virtual base::Status Close() = 0;
 };
 
-// Opens `path` and brings it to the state of its last committed transaction if a journal of this
-// very file was left behind. A writer takes the file for itself. Requires: `files` outlives the
+// Opens `path`; if a journal of this file was left behind, the file is brought to the state of its
+// last committed transaction. A writer locks the file exclusively. Requires: `files` outlives the
 // store.
 base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
                                                        const std::filesystem::path& path,

@@ -1,6 +1,6 @@
 // PageTransaction: the pages that an open transaction has changed or added, and how many pages the
-// file has then. Both page stores keep one; what a commit does with the pages is theirs. Threads:
-// none; the store that owns it sees to that.
+// file has then. Both page stores have one and decide what a commit does with the pages. Not
+// thread-safe.
 #pragma once
 
 #include "base/status.h"

@@ -1,5 +1,5 @@
-// Rc4: the key stream that masks the header page and scrambles some columns of the catalog. No
-// protection, an obstacle.
+// Rc4: the key stream that masks the header page and scrambles some columns of the catalog. An
+// obstacle, not a protection.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace jet {
 
-// XORs `bytes` with the stream of `key`, from its start. The same call undoes it.
+// XORs `bytes` with the stream of `key`, from its start. Calling it again undoes it.
 void ApplyRc4(std::span<const std::byte> key, std::span<std::byte> bytes);
 
 }  // namespace jet

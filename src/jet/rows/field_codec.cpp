@@ -1,8 +1,8 @@
 #include "jet/rows/field_codec.h"
 
+#include "jet/errors.h"
 #include "jet/pages/rc4.h"
 #include "jet/rows/long_value.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -114,7 +114,7 @@ bool IsOfType(const Value& value, ColumnType type) {
     case ColumnType::kGuid:
         return value.is<Guid>();
     case ColumnType::kNumeric:
-        return false;  // scale and precision are the conversion's business
+        return false;  // scale and precision: see Coerce
     default:
         return value.is<Bytes>();
     }
@@ -137,7 +137,7 @@ base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
         return {};
     }
     const std::size_t size = FixedSize(column.type);
-    if (field.size() < size) return errors::Damaged("a field is shorter than its type");
+    if (field.size() < size) return Damaged("a field is shorter than its type");
     value = DecodePlain(file, column, size == 0 ? field : field.first(size));
     return {};
 }
@@ -154,7 +154,7 @@ base::Status DecodeField(FileContext& file, const ColumnDefinition& column, cons
         return {};
     }
     const auto field = row.Field(column);
-    if (!field) return errors::Damaged("a row's fields lie outside of it");
+    if (!field) return Damaged("a row's fields lie outside of it");
     return DecodeFieldBytes(file, column, *field, value);
 }
 

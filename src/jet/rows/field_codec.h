@@ -16,22 +16,22 @@ base::Status DecodeField(FileContext& file, const ColumnDefinition& column, cons
 base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
                               std::span<const std::byte> field, Value& value);
 
-// Size in the row of a value of a type that has one; 0: the size varies (or is none, for a
-// boolean).
+// Bytes in the row of a value of a type of fixed size; 0: the size varies, or nothing is stored
+// (boolean).
 std::size_t FixedSize(ColumnType type);
 
 // True when a value of this kind is what a column of `type` stores (Null always is).
 bool IsOfType(const Value& value, ColumnType type);
 
-// XORs a scrambled column's bytes (catalog owners and permissions of Jet 4); the same call undoes
-// it.
+// XORs a scrambled column's bytes (catalog owners and permissions of Jet 4); calling it again
+// undoes it.
 void Scramble(const FileContext& file, std::span<std::byte> bytes);
 
 // The bytes that a row holds for a value that is not null, long values and booleans excepted.
 // Requires: the value is of the column's type. 3163: too long.
 base::Result<Bytes> EncodeField(const FileContext& file, const ColumnDefinition& column,
                                 const Value& value);
-// The bytes of a memo or OLE value, before they are put anywhere.
+// The bytes of a memo or OLE value, before they are stored.
 base::Result<Bytes> EncodeLongValue(const FileContext& file, const ColumnDefinition& column,
                                     const Value& value);
 

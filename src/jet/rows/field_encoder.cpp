@@ -1,5 +1,5 @@
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,13 +13,13 @@ constexpr std::byte kNumericMinus{0x80};
 constexpr std::size_t kMaxCompressedMemo = 1024;
 
 base::Status WrongType() {
-    return {base::StatusCode::kInvalidArgument, "Data type conversion error.", 3421};
+    return JetError(ErrorNumber::kConversionError);
 }
 
 base::Result<Bytes> EncodeText(const FileContext& file, const ColumnDefinition& column,
                                const std::u16string& text) {
     const std::size_t limit = file.format.jet4() ? column.length / 2 : column.length;
-    if (text.size() > limit) return errors::FieldTooSmall();
+    if (text.size() > limit) return JetError(ErrorNumber::kFieldTooSmall);
     std::optional<Bytes> bytes;
     if (column.is_fixed()) {
         std::u16string padded = text;
@@ -49,7 +49,7 @@ Bytes EncodeInteger(T value) {
 
 base::Result<Bytes> EncodeBinary(const FileContext& file, const ColumnDefinition& column,
                                  const Bytes& value) {
-    if (value.size() > column.length) return errors::FieldTooSmall();
+    if (value.size() > column.length) return JetError(ErrorNumber::kFieldTooSmall);
     Bytes bytes = value;
     if ((column.flags & kColumnScrambled) != 0) Scramble(file, bytes);
     return bytes;

@@ -1,5 +1,6 @@
+#include "jet/errors.h"
+#include "jet/pages/data_page.h"
 #include "jet/rows/long_value.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 
@@ -13,17 +14,17 @@ base::Status AppendPiece(FileContext& file, RowPointer at, bool chained, RowPoin
     const auto page = DataPage::Parse(view.bytes(), file.format);
     const auto row = page && page->owner() == kLongValueOwner ? page->Bytes(at.row) : std::nullopt;
     if (!row || page->Flags(at.row) == kSlotDeleted)
-        return errors::DamagedPage(at.page, "a long value is missing");
+        return DamagedPage(at.page, "a long value is missing");
     std::span<const std::byte> data = *row;
     next = {};
     if (chained) {
         if (data.size() < kLongValuePieceHead)
-            return errors::DamagedPage(at.page, "a long value is cut short");
+            return DamagedPage(at.page, "a long value is cut short");
         next = LoadRowPointer(data.data());
         data = data.subspan(kLongValuePieceHead);
         // A chain of empty pieces would never reach its length.
         if (data.empty() && !next.none())
-            return errors::DamagedPage(at.page, "a long value has an empty piece");
+            return DamagedPage(at.page, "a long value has an empty piece");
     }
     value.insert(value.end(), data.begin(), data.end());
     return {};
@@ -33,28 +34,28 @@ base::Status AppendPiece(FileContext& file, RowPointer at, bool chained, RowPoin
 
 base::Result<Bytes> ReadLongValue(FileContext& file, std::span<const std::byte> reference) {
     if (reference.size() < kLongValueHead)
-        return errors::Damaged("the reference to a long value is cut short");
+        return Damaged("the reference to a long value is cut short");
     const auto word = base::LoadLittle<std::uint32_t>(reference.data());
     const std::size_t length = word & kLongValueLength;
     if ((word & kLongValueInline) != 0) {
         const auto data = reference.subspan(kLongValueHead);
-        if (data.size() < length) return errors::Damaged("an inline long value is cut short");
+        if (data.size() < length) return Damaged("an inline long value is cut short");
         return Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(length));
     }
     RowPointer at = LoadRowPointer(reference.data() + kLongValuePlace);
     const bool chained = (word & kLongValueSingle) == 0;
     Bytes value;
     if (length == 0 && at.none()) return value;
-    // Nothing longer than the file can be true.
+    // A length beyond the size of the file is damage.
     if (length / file.format.page_size > file.store.page_count())
-        return errors::Damaged("a long value is longer than the file");
+        return Damaged("a long value is longer than the file");
     value.reserve(std::min<std::size_t>(length, 16 * file.format.page_size));
     do {
         RowPointer next;
         RETURN_IF_ERROR(AppendPiece(file, at, chained, next, value));
         at = next;
     } while (!at.none() && value.size() < length);
-    if (value.size() < length) return errors::Damaged("a long value is shorter than its length");
+    if (value.size() < length) return Damaged("a long value is shorter than its length");
     value.resize(length);
     return value;
 }

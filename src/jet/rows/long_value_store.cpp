@@ -1,6 +1,7 @@
 #include "jet/rows/long_value_store.h"
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
+#include "jet/pages/data_page.h"
 
 #include <algorithm>
 
@@ -17,7 +18,7 @@ Bytes Reference(std::uint32_t kind, std::size_t length, RowPointer at) {
 }  // namespace
 
 base::Result<Bytes> LongValueStore::Store(std::span<const std::byte> value, bool allow_inline) {
-    if (value.size() > kLongValueLength) return errors::RecordTooLarge();
+    if (value.size() > kLongValueLength) return JetError(ErrorNumber::kRecordTooLarge);
     if (allow_inline && value.size() <= file_.format.max_inline_bytes) {
         Bytes field = Reference(kLongValueInline, value.size(), {});
         field.insert(field.end(), value.begin(), value.end());

@@ -12,11 +12,11 @@ public:
     LongValueStore(FileContext& file, const LongValueMaps& maps)
         : file_(file), maps_(maps), pages_(file, maps.owned, maps.free, kLongValueOwner) {}
 
-    // Puts the value away and answers the field of the row that leads to it; a small value is in
-    // the field itself unless `allow_inline` is false. 3047: longer than a long value can be.
+    // Stores the value and returns the row's field that refers to it; a small value goes into the
+    // field itself unless `allow_inline` is false. 3047: longer than a long value can be.
     base::Result<Bytes> Store(std::span<const std::byte> value, bool allow_inline);
-    // Frees what `field` leads to. What is not there is passed over: a damaged value does not keep
-    // its row from being deleted.
+    // Frees what `field` refers to. Missing pieces are skipped, so that a row with a damaged value
+    // can still be deleted.
     base::Status Free(std::span<const std::byte> field);
     void Forget() { pages_.Forget(); }
 

@@ -11,8 +11,8 @@ struct RowField {
     Bytes bytes;
 };
 
-// `fields` go with definition.columns. The row may turn out longer than a page takes: the caller
-// looks.
+// `fields` go with definition.columns. The row may be longer than a page holds: the caller
+// checks.
 Bytes EncodeRow(const Format& format, const TableDefinition& definition,
                 std::span<const RowField> fields);
 

@@ -1,13 +1,14 @@
 #include "jet/rows/row_pages.h"
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
+#include "jet/pages/data_page.h"
 
 #include <algorithm>
 
 namespace jet {
 namespace {
 
-// Pages looked at for one row before another way is tried.
+// Pages tried for one row before the next way to find room.
 constexpr std::size_t kTries = 16;
 constexpr std::size_t kSearchesPerNewPage = 32;
 
@@ -52,8 +53,8 @@ base::Result<std::optional<PageNumber>> RowPages::FindKnownPage(std::size_t byte
     return std::optional<PageNumber>();
 }
 
-// The map of free space is only a hint, and hints get lost: each owned page is looked at once, a
-// few for every page that would otherwise be added to the file.
+// The map of free space is only a hint and may miss pages: each owned page is checked once, a few
+// whenever the table would otherwise grow.
 base::Result<std::optional<PageNumber>> RowPages::FindForgottenPage(std::size_t bytes) {
     if (!unsearched_) {
         ASSIGN_OR_RETURN(unsearched_, file_.Map(owned_).Members());
@@ -96,12 +97,11 @@ base::Result<PageNumber> RowPages::NewPage(bool with_room) {
 }
 
 base::Result<DataPageEditor> RowPages::Edit(PageNumber page) {
-    if (page < 2 || page >= file_.store.page_count())
-        return errors::DamagedPage(page, "not a data page");
+    if (page < 2 || page >= file_.store.page_count()) return DamagedPage(page, "not a data page");
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(page));
     const auto editor = DataPageEditor::Open(bytes, file_.format);
-    if (!editor || base::LoadLittle<std::uint32_t>(bytes.data() + 4) != owner_)
-        return errors::DamagedPage(page, "not a data page of its owner");
+    if (!editor || LoadOwner(bytes) != owner_)
+        return DamagedPage(page, "not a data page of its owner");
     return *editor;
 }
 
@@ -115,7 +115,7 @@ base::Result<RowId> RowPages::Add(std::span<const std::byte> row, std::uint16_t 
     }
     ASSIGN_OR_RETURN(DataPageEditor editor, Edit(*page));
     if (!editor.HasRoomFor(row.size()))
-        return errors::DamagedPage(*page, "the free space of the page is miscounted");
+        return DamagedPage(*page, "the free space of the page is miscounted");
     return RowId{*page, editor.Append(row, flags)};
 }
 
@@ -128,7 +128,7 @@ base::Result<RowId> RowPages::AddAlone(std::span<const std::byte> row) {
 base::Result<bool> RowPages::Replace(RowId row, std::span<const std::byte> bytes,
                                      std::uint16_t flags) {
     ASSIGN_OR_RETURN(DataPageEditor editor, Edit(row.page));
-    if (row.slot >= editor.slot_count()) return errors::DamagedPage(row.page, "a row is missing");
+    if (row.slot >= editor.slot_count()) return DamagedPage(row.page, "a row is missing");
     if (bytes.size() > editor.SlotBytes(row.slot) + editor.free_bytes()) return false;
     editor.Replace(row.slot, bytes, flags);
     return true;
@@ -136,7 +136,7 @@ base::Result<bool> RowPages::Replace(RowId row, std::span<const std::byte> bytes
 
 base::Status RowPages::Delete(RowId row) {
     ASSIGN_OR_RETURN(DataPageEditor editor, Edit(row.page));
-    if (row.slot >= editor.slot_count()) return errors::DamagedPage(row.page, "a row is missing");
+    if (row.slot >= editor.slot_count()) return DamagedPage(row.page, "a row is missing");
     editor.Delete(row.slot);
     const bool empty = [&] {
         for (std::size_t slot = 0; slot < editor.slot_count(); ++slot)

@@ -1,10 +1,11 @@
 // RowPages: the data pages of one owner (a table, or the long values of a column): where rows are
-// put, replaced and deleted. Pages with room are used again, also those that the map of free space
-// has forgotten; a page without a live row goes back to the file. All calls need an open
+// added, replaced and deleted. Pages with room are reused, also those that the map of free space
+// misses; a page without a live row goes back to the file. All calls need an open
 // transaction.
 #pragma once
 
 #include "jet/ids.h"
+#include "jet/pages/data_page.h"
 #include "jet/rows/file_context.h"
 
 #include <optional>
@@ -17,14 +18,14 @@ public:
     RowPages(FileContext& file, RowPointer owned, RowPointer free, std::uint32_t owner)
         : file_(file), owned_(owned), free_(free), owner_(owner) {}
 
-    // Requires: the row is not longer than a page takes.
+    // Requires: the row fits a page.
     base::Result<RowId> Add(std::span<const std::byte> row, std::uint16_t flags);
-    // A page of its own for one row, for the pieces of chains.
+    // Stores the row alone on a new page, as pieces of chains are.
     base::Result<RowId> AddAlone(std::span<const std::byte> row);
     // False: the page has no room for it; nothing was changed.
     base::Result<bool> Replace(RowId row, std::span<const std::byte> bytes, std::uint16_t flags);
     base::Status Delete(RowId row);
-    // What is remembered of pages with room is forgotten; to be called after a rollback.
+    // Drops what is cached about pages with room. Call after a rollback.
     void Forget();
 
 private:

@@ -11,7 +11,7 @@ namespace jet {
 
 class RowView {
 public:
-    // nullopt: the bytes are no row. They must outlive the view.
+    // nullopt: the bytes are not a row. They must outlive the view.
     static std::optional<RowView> Parse(std::span<const std::byte> row, const Format& format);
 
     // The row's bit for a column number: not null, or true for a boolean.

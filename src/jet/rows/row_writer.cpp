@@ -1,8 +1,9 @@
 #include "jet/rows/row_writer.h"
 
+#include "jet/errors.h"
+#include "jet/pages/data_page.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/row_fetch.h"
-#include "jet/storage_errors.h"
 
 namespace jet {
 namespace {
@@ -46,8 +47,7 @@ base::Result<RowField> RowWriter::MakeField(const ColumnDefinition& column, cons
         return field;
     }
     LongValueStore* store = LongValuesOf(column);
-    if (store == nullptr)
-        return errors::DamagedPage(definition_.page, "a long value column has no pages");
+    if (store == nullptr) return DamagedPage(definition_.page, "a long value column has no pages");
     ASSIGN_OR_RETURN(const Bytes bytes, EncodeLongValue(file_, column, value));
     ASSIGN_OR_RETURN(field.bytes, store->Store(bytes, true));
     return field;
@@ -64,7 +64,7 @@ base::Result<Bytes> RowWriter::EncodeWithinLimit(std::vector<RowField>& fields) 
         ASSIGN_OR_RETURN(fields[i].bytes, store->Store(value, false));
         row = EncodeRow(file_.format, definition_, fields);
     }
-    if (row.size() > file_.format.max_row_bytes) return errors::RecordTooLarge();
+    if (row.size() > file_.format.max_row_bytes) return JetError(ErrorNumber::kRecordTooLarge);
     return row;
 }
 
@@ -88,7 +88,7 @@ base::Status RowWriter::Update(RowId row, std::span<const Value> values,
                                const std::vector<bool>& changed) {
     ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
     const auto old = RowView::Parse(stored.bytes, file_.format);
-    if (!old) return errors::DamagedPage(row.page, "a row is unreadable");
+    if (!old) return DamagedPage(row.page, "a row is unreadable");
     std::vector<RowField> fields(definition_.columns.size());
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const ColumnDefinition& column = definition_.columns[i];
@@ -100,7 +100,7 @@ base::Status RowWriter::Update(RowId row, std::span<const Value> values,
         fields[i].set = old->Bit(column.number);
         if (!fields[i].set || column.type == ColumnType::kBoolean) continue;
         const auto bytes = old->Field(column);
-        if (!bytes) return errors::DamagedPage(row.page, "a row is unreadable");
+        if (!bytes) return DamagedPage(row.page, "a row is unreadable");
         fields[i].bytes.assign(bytes->begin(), bytes->end());
     }
     ASSIGN_OR_RETURN(const Bytes bytes, EncodeWithinLimit(fields));
@@ -123,7 +123,7 @@ base::Status RowWriter::Place(RowId row, RowId at, std::span<const std::byte> by
         Bytes pointer(4);
         StoreRowPointer(pointer.data(), {target.page, target.slot});
         ASSIGN_OR_RETURN(const bool pointed, pages_.Replace(row, pointer, kSlotMoved));
-        if (!pointed) return errors::DamagedPage(row.page, "a row is shorter than a pointer");
+        if (!pointed) return DamagedPage(row.page, "a row is shorter than a pointer");
     }
     return was_moved ? pages_.Delete(at) : base::Status();
 }

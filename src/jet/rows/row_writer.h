@@ -1,5 +1,5 @@
 // RowWriter: puts rows of one table into its pages, changes and deletes them, with their long
-// values. Indexes, counters and rules are the caller's business.
+// values. The caller keeps indexes and counters and checks the rules.
 #pragma once
 
 #include "jet/rows/long_value_store.h"

@@ -85,8 +85,8 @@ struct LogicalIndex {
     RelationSide side = RelationSide::kNone;
     std::int32_t partner = -1;  // logical index number in the other table
     PageNumber other_table = 0;
-    std::uint8_t cascade_updates = 4;  // 1 yes, 0 no, 4 no relation
-    std::uint8_t cascade_deletes = 4;  // the same, and 2: set to null
+    std::uint8_t cascade_updates = 4;  // 1 yes, 0 no; 4: not in a relation
+    std::uint8_t cascade_deletes = 4;  // 1 yes, 0 no, 2 set to null; 4: not in a relation
     IndexKind kind = IndexKind::kPlain;
     std::u16string name;
 };
@@ -113,7 +113,7 @@ struct TableDefinition {
     std::vector<LongValueMaps> long_values;
 
     const ColumnDefinition* FindColumn(std::uint16_t number) const;
-    // nullptr: there is none. The number is the logical index's own.
+    // By its number; nullptr: no such index.
     const LogicalIndex* FindIndex(std::int32_t number) const;
     // Bytes of the fixed area of a row written now.
     std::size_t fixed_bytes() const;
@@ -127,9 +127,9 @@ base::Result<TableDefinition> ReadTableDefinition(PageStore& store, const Format
                                                   const TextCodec& text, PageNumber page);
 
 class PageAllocator;
-// Writes the whole definition, takes or frees continuation pages and keeps `definition.pages`
-// right. The first page must exist. Columns and logical indexes are put into the order that the
-// format keeps.
+// Writes the whole definition, takes or frees continuation pages and updates
+// `definition.pages`. The first page must exist. Columns and logical indexes are put into the order
+// that the format keeps.
 base::Status WriteTableDefinition(PageStore& store, const Format& format, const TextCodec& text,
                                   PageAllocator& allocator, TableDefinition& definition);
 

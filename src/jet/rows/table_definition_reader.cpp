@@ -1,7 +1,7 @@
+#include "jet/errors.h"
 #include "jet/pages/byte_cursor.h"
 #include "jet/pages/definition_layout.h"
 #include "jet/rows/table_definition.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 
@@ -25,19 +25,19 @@ base::Result<DefinitionBytes> Gather(PageStore& store, PageNumber page) {
     for (PageNumber next = page; next != 0;) {
         ASSIGN_OR_RETURN(const PageView view, store.Read(next));
         const std::span<const std::byte> bytes = view.bytes();
-        if (bytes[0] != static_cast<std::byte>(PageType::kDefinition))
-            return errors::DamagedPage(next, "not a table definition");
+        if (!HasType(bytes, PageType::kDefinition))
+            return DamagedPage(next, "not a table definition");
         const bool first = gathered.pages.empty();
         const auto piece = first ? bytes : bytes.subspan(kDefinitionPageHead);
         gathered.bytes.insert(gathered.bytes.end(), piece.begin(), piece.end());
         gathered.pages.push_back(next);
         if (first) length = base::LoadLittle<std::uint32_t>(bytes.data() + kDefinitionLength);
         if (gathered.bytes.size() > kMaxDefinitionBytes)
-            return errors::DamagedPage(page, "the table definition does not end");
+            return DamagedPage(page, "the table definition does not end");
         next = base::LoadLittle<std::uint32_t>(bytes.data() + kNextDefinitionPage);
     }
     if (length > gathered.bytes.size() || length < kLeastDefinitionBytes)
-        return errors::DamagedPage(page, "the table definition is cut short");
+        return DamagedPage(page, "the table definition is cut short");
     gathered.bytes.resize(length);
     return gathered;
 }
@@ -262,7 +262,7 @@ base::Result<TableDefinition> ReadTableDefinition(PageStore& store, const Format
     definition.page = page;
     definition.pages = std::move(gathered.pages);
     if (!Parser(gathered.bytes, format, text, definition).Parse())
-        return errors::DamagedPage(page, "the table definition contradicts itself");
+        return DamagedPage(page, "the table definition contradicts itself");
     return definition;
 }
 

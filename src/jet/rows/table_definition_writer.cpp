@@ -1,7 +1,7 @@
+#include "jet/errors.h"
 #include "jet/pages/definition_layout.h"
 #include "jet/pages/page_allocator.h"
 #include "jet/rows/table_definition.h"
-#include "jet/storage_errors.h"
 #include "jet/text/names.h"
 
 #include <algorithm>
@@ -136,7 +136,8 @@ private:
 
     base::Status AppendName(const std::u16string& name) {
         const auto bytes = text_.EncodeName(name);
-        if (!bytes || bytes->size() > (jet4_ ? 0xFFFFU : 0xFFU)) return errors::NotAValidName(name);
+        if (!bytes || bytes->size() > (jet4_ ? 0xFFFFU : 0xFFU))
+            return JetError(ErrorNumber::kNotAValidName, name);
         if (jet4_)
             base::AppendLittle(out_, static_cast<std::uint16_t>(bytes->size()));
         else
@@ -181,8 +182,7 @@ void WritePage(std::span<std::byte> page, std::span<const std::byte> content, Pa
                bool jet4, std::size_t content_at) {
     std::ranges::fill(page, std::byte{0});
     std::memcpy(page.data() + content_at, content.data(), content.size());
-    page[0] = static_cast<std::byte>(PageType::kDefinition);
-    page[1] = std::byte{1};
+    StoreType(page, PageType::kDefinition);
     const std::size_t used = content_at + content.size() + kDefinitionPageHead;
     const std::size_t free = next != 0 || used > page.size() ? 0 : page.size() - used;
     base::StoreLittle<std::uint16_t>(page.data() + kDefinitionFreeBytes,

@@ -1,6 +1,7 @@
 #include "jet/rows/table_scan.h"
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
+#include "jet/pages/data_page.h"
 
 namespace jet {
 
@@ -18,7 +19,7 @@ base::Status TableScan::OpenPage(PageNumber number) {
     page_.reset();
     // A page that was emptied meanwhile may hold anything; otherwise the map is wrong.
     if (file_->allocator.pages_freed() != pages_freed_) return {};
-    return errors::DamagedPage(number, "not a data page of its table");
+    return DamagedPage(number, "not a data page of its table");
 }
 
 base::Result<bool> TableScan::Next() {
@@ -28,7 +29,7 @@ base::Result<bool> TableScan::Next() {
             const std::uint16_t flags = page_->Flags(slot);
             if (flags == kSlotDeleted || flags == kSlotTarget) continue;
             const auto bytes = page_->Bytes(slot);
-            if (!bytes) return errors::DamagedPage(row_.page, "a row lies outside of the page");
+            if (!bytes) return DamagedPage(row_.page, "a row lies outside of the page");
             row_.slot = static_cast<std::uint8_t>(slot);
             bytes_ = *bytes;
             if (flags == kSlotMoved) {

@@ -1,6 +1,7 @@
 // TableScan: the live rows of a table in physical order (page, slot), a page at a time.
 #pragma once
 
+#include "jet/pages/data_page.h"
 #include "jet/rows/row_fetch.h"
 #include "jet/rows/table_definition.h"
 
@@ -12,7 +13,7 @@ public:
 
     // False: the end.
     base::Result<bool> Next();
-    // Of the row met last.
+    // Of the current row.
     RowId row() const { return row_; }
     std::span<const std::byte> bytes() const { return bytes_; }
 

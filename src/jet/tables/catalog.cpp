@@ -1,7 +1,7 @@
 #include "jet/tables/catalog.h"
 
+#include "jet/errors.h"
 #include "jet/rows/table_scan.h"
-#include "jet/storage_errors.h"
 #include "jet/text/names.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ base::Status ReadEntry(FileContext& file, const TableDefinition& objects, const 
                        CatalogEntry& entry) {
     const auto read = [&](std::uint16_t number, Value& value) -> base::Status {
         const ColumnDefinition* column = objects.FindColumn(number);
-        if (column == nullptr) return errors::DamagedPage(kObjectsPage, "a column is missing");
+        if (column == nullptr) return DamagedPage(kObjectsPage, "a column is missing");
         return DecodeField(file, *column, row, value);
     };
     Value value;
@@ -50,7 +50,7 @@ base::Status Catalog::Load() {
         ASSIGN_OR_RETURN(const bool found, scan.Next());
         if (!found) break;
         const auto row = RowView::Parse(scan.bytes(), file_.format);
-        if (!row) return errors::DamagedPage(scan.row().page, "a catalog row is unreadable");
+        if (!row) return DamagedPage(scan.row().page, "a catalog row is unreadable");
         CatalogEntry& entry = entries.emplace_back();
         entry.row = scan.row();
         RETURN_IF_ERROR(ReadEntry(file_, *definition_, *row, entry));
@@ -78,7 +78,7 @@ base::Result<PropertyBlob> Catalog::Properties(const CatalogEntry& entry) {
     const auto row = RowView::Parse(stored.bytes, file_.format);
     const ColumnDefinition* column = definition_->FindColumn(kObjectProperties);
     if (!row || column == nullptr)
-        return errors::DamagedPage(entry.row.page, "a catalog row is unreadable");
+        return DamagedPage(entry.row.page, "a catalog row is unreadable");
     Value value;
     RETURN_IF_ERROR(DecodeField(file_, *column, *row, value));
     const Bytes* blob = value.get_if<Bytes>();

@@ -1,9 +1,10 @@
 #include "jet/tables/column_maker.h"
 
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
-#include "jet/storage_errors.h"
 #include "jet/tables/property_blob.h"
 #include "jet/text/names.h"
+#include "jet/values/column_limits.h"
 
 #include <algorithm>
 
@@ -11,13 +12,9 @@ namespace jet {
 namespace {
 
 constexpr std::uint8_t kCompressedText = 0x01;
-constexpr std::size_t kMaxTextCharacters = 255;
-constexpr std::size_t kMaxBinaryJet4 = 510;
-constexpr std::size_t kMaxBinaryJet3 = 255;
 
 base::Status InvalidColumn(std::string_view why) {
-    return {base::StatusCode::kInvalidArgument,
-            "Invalid field data type. (" + std::string(why) + ")", 3259};
+    return ErrorBecause(ErrorNumber::kInvalidFieldType, why);
 }
 
 std::uint16_t LengthOf(const FileContext& file, const ColumnDesign& design) {
@@ -55,14 +52,15 @@ std::uint8_t FlagsOf(const ColumnDesign& design) {
 }  // namespace
 
 base::Status CheckColumn(const FileContext& file, const ColumnDesign& design) {
-    if (!IsValidName(design.name)) return errors::NotAValidName(design.name);
+    if (!IsValidName(design.name)) return JetError(ErrorNumber::kNotAValidName, design.name);
     switch (design.type) {
     case ColumnType::kText:
         if (design.size < 1 || design.size > kMaxTextCharacters)
             return InvalidColumn("a text has 1 to 255 characters");
         break;
     case ColumnType::kBinary:
-        if (design.size < 1 || design.size > (file.format.jet4() ? kMaxBinaryJet4 : kMaxBinaryJet3))
+        if (design.size < 1 ||
+            design.size > (file.format.jet4() ? kMaxBinaryBytesJet4 : kMaxBinaryBytesJet3))
             return InvalidColumn("the size of a binary field is out of range");
         break;
     case ColumnType::kNumeric:
@@ -92,7 +90,7 @@ base::Status CheckColumn(const FileContext& file, const ColumnDesign& design) {
 
 base::Status AppendColumn(const FileContext& file, const ColumnDesign& design,
                           TableDefinition& definition) {
-    if (definition.columns_ever >= kMaxColumns) return errors::TooManyFields();
+    if (definition.columns_ever >= kMaxColumns) return JetError(ErrorNumber::kTooManyFields);
     ColumnDefinition column;
     column.name = design.name;
     column.type = design.type;
@@ -117,7 +115,7 @@ base::Status AppendColumn(const FileContext& file, const ColumnDesign& design,
     if (file.format.row_head_bytes + column.fixed_offset + column.length >
             file.format.max_row_bytes &&
         column.is_fixed())
-        return errors::RecordTooLarge();
+        return JetError(ErrorNumber::kRecordTooLarge);
     ++definition.columns_ever;
     definition.columns.push_back(std::move(column));
     return {};

@@ -1,10 +1,11 @@
 // A new, empty file: the pages that the engine itself writes for one, 16 in version 4, 20 in
 // version 3.
+#include "jet/errors.h"
 #include "jet/index/index_set.h"
-#include "jet/pages/map_row_layout.h"
+#include "jet/pages/bit_set_view.h"
+#include "jet/pages/data_page.h"
 #include "jet/pages/page_header.h"
 #include "jet/rows/row_writer.h"
-#include "jet/storage_errors.h"
 #include "jet/tables/catalog.h"
 #include "jet/tables/database.h"
 #include "jet/tables/system_tables.h"
@@ -100,11 +101,11 @@ private:
 };
 
 base::Status WriteGlobalMaps(FileContext& file, PageNumber page_count) {
-    ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(1));
-    DataPageEditor editor = DataPageEditor::Create(page, file.format, 1);
+    ASSIGN_OR_RETURN(const std::span<std::byte> page, file.store.Change(kGlobalMapPage));
+    DataPageEditor editor = DataPageEditor::Create(page, file.format, kGlobalMapOwner);
     std::vector<std::byte> free_pages = MakeMapRow(file.format);
     for (std::size_t bit = page_count; bit < 8 * (free_pages.size() - kInlineHead); ++bit)
-        free_pages[kInlineHead + bit / 8] |= std::byte{1} << (bit % 8);
+        AssignBit(std::span(free_pages).subspan(kInlineHead), bit, true);
     editor.Append(free_pages, 0);
     editor.Append(MakeMapRow(file.format), 0);
     return {};
@@ -131,7 +132,7 @@ private:
     base::Status Append(RowPointer map, PageNumber only_member) {
         if (map.row == 0) {
             ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(map.page));
-            editor_ = DataPageEditor::Create(page, file_.format, 0);
+            editor_ = DataPageEditor::Create(page, file_.format, kMapOwner);
         }
         editor_->Append(MakeMapRow(file_.format, only_member), 0);
         return {};
@@ -203,8 +204,7 @@ base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path,
 
 base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now,
                                 int version) {
-    if (files.Exists(path))
-        return {base::StatusCode::kAlreadyExists, "Database already exists.", 3204};
+    if (files.Exists(path)) return JetError(ErrorNumber::kDatabaseExists);
     ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, MakeEmptyDatabase(now, version));
     base::Status written = WriteNewFile(files, path, bytes);
     if (!written.ok()) files.Remove(path).Ignore();

@@ -1,16 +1,11 @@
 #include "jet/tables/map_rows.h"
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
+#include "jet/pages/data_page.h"
 
 #include <algorithm>
 
 namespace jet {
-namespace {
-
-constexpr std::uint32_t kMapOwner = 0;
-
-}  // namespace
-
 MapRows::MapRows(FileContext& file, const TableDefinition& definition) : file_(file) {
     Know(definition.owned);
     Know(definition.free);
@@ -32,8 +27,7 @@ base::Result<std::optional<RowPointer>> MapRows::AddOn(PageNumber page,
                                                        const std::vector<std::byte>& row) {
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(page));
     auto editor = DataPageEditor::Open(bytes, file_.format);
-    if (!editor || base::LoadLittle<std::uint32_t>(bytes.data() + 4) != kMapOwner)
-        return std::optional<RowPointer>();
+    if (!editor || LoadOwner(bytes) != kMapOwner) return std::optional<RowPointer>();
     for (std::size_t slot = 0; slot < editor->slot_count(); ++slot) {
         if (editor->Flags(slot) != kSlotDeleted) continue;
         if (row.size() > editor->SlotBytes(slot) + editor->free_bytes()) break;
@@ -63,7 +57,7 @@ base::Status MapRows::Remove(RowPointer map) {
     ASSIGN_OR_RETURN(const std::span<std::byte> bytes, file_.store.Change(map.page));
     auto editor = DataPageEditor::Open(bytes, file_.format);
     if (!editor || map.row >= editor->slot_count())
-        return errors::DamagedPage(map.page, "a page map is unreadable");
+        return DamagedPage(map.page, "a page map is unreadable");
     editor->Delete(map.row);
     return {};
 }

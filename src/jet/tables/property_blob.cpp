@@ -1,8 +1,9 @@
 #include "jet/tables/property_blob.h"
 
 #include "base/byte_writer.h"
+#include "jet/errors.h"
 #include "jet/pages/byte_cursor.h"
-#include "jet/storage_errors.h"
+#include "jet/pages/property_layout.h"
 #include "jet/text/names.h"
 
 #include <algorithm>
@@ -11,17 +12,12 @@
 namespace jet {
 namespace {
 
-constexpr std::uint16_t kNameList = 0x80;
-constexpr std::uint16_t kTableBlock = 0;
-constexpr std::uint16_t kColumnBlock = 1;
-constexpr std::size_t kBlockHead = 6;
-
 std::string_view Signature(const TextCodec& text) {
-    return text.jet4() ? std::string_view("MR2\0", 4) : std::string_view("KKD\0", 4);
+    return text.jet4() ? kPropertiesJet4 : kPropertiesJet3;
 }
 
-base::Status Damaged() {
-    return errors::Damaged("the properties of a table are unreadable");
+base::Status Unreadable() {
+    return Damaged("the properties of a table are unreadable");
 }
 
 void AppendBlock(Bytes& blob, std::uint16_t type, const Bytes& content) {
@@ -43,16 +39,17 @@ base::Result<PropertyBlob> PropertyBlob::Parse(std::span<const std::byte> bytes,
     PropertyBlob blob(text);
     if (bytes.empty()) return blob;
     ByteCursor cursor(bytes);
-    const auto signature = cursor.TakeBytes(4);
-    if (cursor.failed() || std::memcmp(signature.data(), Signature(text).data(), 4) != 0)
-        return Damaged();
+    const std::string_view wanted = Signature(text);
+    const auto signature = cursor.TakeBytes(wanted.size());
+    if (cursor.failed() || std::memcmp(signature.data(), wanted.data(), wanted.size()) != 0)
+        return Unreadable();
     std::vector<std::u16string> names;
     while (cursor.left() > 0) {
         const std::size_t size = cursor.Take<std::uint32_t>();
         const auto type = cursor.Take<std::uint16_t>();
-        if (cursor.failed() || size < kBlockHead) return Damaged();
+        if (cursor.failed() || size < kBlockHead) return Unreadable();
         const auto content = cursor.TakeBytes(size - kBlockHead);
-        if (cursor.failed()) return Damaged();
+        if (cursor.failed()) return Unreadable();
         if (type != kNameList) {
             RETURN_IF_ERROR(blob.ParseOwner(content, type, names));
             continue;
@@ -61,7 +58,7 @@ base::Result<PropertyBlob> PropertyBlob::Parse(std::span<const std::byte> bytes,
         while (list.left() > 0) {
             const std::size_t length = list.Take<std::uint16_t>();
             names.push_back(text.DecodeName(list.TakeBytes(length)));
-            if (list.failed()) return Damaged();
+            if (list.failed()) return Unreadable();
         }
     }
     for (const std::u16string& name : names) {
@@ -82,8 +79,8 @@ base::Status PropertyBlob::ParseOwner(std::span<const std::byte> content, std::u
     PropertyOwner owner;
     owner.block_type = type;
     owner.column = text_->DecodeName(cursor.TakeBytes(length));
-    if (cursor.failed() || head < kBlockHead + length) return Damaged();
-    cursor.TakeBytes(head - kBlockHead - length);
+    if (cursor.failed() || head < kOwnerHead + length) return Unreadable();
+    cursor.TakeBytes(head - kOwnerHead - length);
     while (cursor.left() > 0) {
         const std::size_t size = cursor.Take<std::uint16_t>();
         Property property;
@@ -91,10 +88,11 @@ base::Status PropertyBlob::ParseOwner(std::span<const std::byte> content, std::u
         property.type = static_cast<ColumnType>(cursor.TakeByte());
         const std::size_t name = cursor.Take<std::uint16_t>();
         const std::size_t value_size = cursor.Take<std::uint16_t>();
-        if (cursor.failed() || size < 8 + value_size || name >= names.size()) return Damaged();
+        if (cursor.failed() || size < kPropertyHead + value_size || name >= names.size())
+            return Unreadable();
         const auto value = cursor.TakeBytes(value_size);
-        cursor.TakeBytes(size - 8 - value_size);
-        if (cursor.failed()) return Damaged();
+        cursor.TakeBytes(size - kPropertyHead - value_size);
+        if (cursor.failed()) return Unreadable();
         property.name = names[name];
         property.value.assign(value.begin(), value.end());
         owner.properties.push_back(std::move(property));
@@ -121,11 +119,12 @@ Bytes PropertyBlob::Serialize() const {
         Bytes name;
         AppendName(name, *text_, owner.column);
         Bytes content;
-        base::AppendLittle(content, static_cast<std::uint32_t>(4 + name.size()));
+        base::AppendLittle(content, static_cast<std::uint32_t>(kOwnerName + name.size()));
         content.insert(content.end(), name.begin(), name.end());
         for (const Property& property : owner.properties) {
             const auto index = std::ranges::find(names, property.name) - names.begin();
-            base::AppendLittle(content, static_cast<std::uint16_t>(8 + property.value.size()));
+            base::AppendLittle(content,
+                               static_cast<std::uint16_t>(kPropertyHead + property.value.size()));
             content.push_back(std::byte{property.ddl});
             content.push_back(static_cast<std::byte>(property.type));
             base::AppendLittle(content, static_cast<std::uint16_t>(index));

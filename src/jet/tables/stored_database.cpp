@@ -1,13 +1,13 @@
 #include "jet/tables/stored_database.h"
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 
 namespace jet {
 
 base::Status StoredDatabase::CheckCatalog() {
     ASSIGN_OR_RETURN(const PageView page, pages_->Read(kObjectsPage));
-    if (page.bytes()[0] != static_cast<std::byte>(PageType::kDefinition))
-        return errors::DamagedPage(kObjectsPage, "not a table definition");
+    if (!HasType(page.bytes(), PageType::kDefinition))
+        return DamagedPage(kObjectsPage, "not a table definition");
     return {};
 }
 
@@ -37,12 +37,12 @@ base::Result<StoredTable*> StoredDatabase::TableAt(PageNumber definition) {
     ASSIGN_OR_RETURN(const auto* entries, catalog_.Entries());
     for (const CatalogEntry& entry : *entries)
         if (entry.is_table() && entry.definition_page() == definition) return OpenTable(entry);
-    return errors::DamagedPage(definition, "the catalog does not list the table");
+    return DamagedPage(definition, "the catalog does not list the table");
 }
 
 base::Result<Table*> StoredDatabase::FindTable(std::u16string_view name) {
     ASSIGN_OR_RETURN(const CatalogEntry* entry, catalog_.FindTable(name));
-    if (entry == nullptr) return errors::NoSuchTable(name);
+    if (entry == nullptr) return JetError(ErrorNumber::kNoSuchTable, name);
     ASSIGN_OR_RETURN(StoredTable * table, OpenTable(*entry));
     return static_cast<Table*>(table);
 }
@@ -91,10 +91,11 @@ base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> 
         ASSIGN_OR_RETURN(const PageView page, pages->Read(0));
         ASSIGN_OR_RETURN(header, ReadPageHeader(page.bytes(), path));
     }
-    if (header.has_password) return errors::NotAValidPassword(path);
-    if (pages->page_count() <= kObjectsPage) return errors::NotADatabase(path);
+    if (header.has_password) return JetError(ErrorNumber::kNotAValidPassword, path);
+    if (pages->page_count() <= kObjectsPage)
+        return JetError(ErrorNumber::kUnrecognizedFormat, path);
     auto database = std::make_unique<StoredDatabase>(std::move(pages), header);
-    if (!database->CheckCatalog().ok()) return errors::NotADatabase(path);
+    if (!database->CheckCatalog().ok()) return JetError(ErrorNumber::kUnrecognizedFormat, path);
     return std::unique_ptr<Database>(std::move(database));
 }
 

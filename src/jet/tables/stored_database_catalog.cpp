@@ -1,5 +1,5 @@
 // What changes of designs write into the catalog.
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 #include "jet/tables/stored_database.h"
 #include "jet/tables/system_rows.h"
 #include "jet/tables/system_tables.h"
@@ -16,14 +16,14 @@ constexpr std::int32_t kFullAccess = 0xFFEFF;
 }  // namespace
 
 base::Status StoredDatabase::CheckWritable() const {
-    return read_only() ? errors::ReadOnly() : base::Status();
+    return read_only() ? JetError(ErrorNumber::kReadOnly) : base::Status();
 }
 
 base::Result<CatalogEntry> StoredDatabase::RequireTable(std::u16string_view name) {
     RETURN_IF_ERROR(CheckWritable());
     ASSIGN_OR_RETURN(const CatalogEntry* entry, catalog_.FindTable(name));
-    if (entry == nullptr) return errors::NoSuchTable(name);
-    if (entry->name.starts_with(u"MSys")) return errors::ReadOnly();
+    if (entry == nullptr) return JetError(ErrorNumber::kNoSuchTable, name);
+    if (entry->name.starts_with(u"MSys")) return JetError(ErrorNumber::kReadOnly);
     return *entry;
 }
 

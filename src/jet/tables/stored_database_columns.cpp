@@ -1,7 +1,8 @@
 // Adding, changing and dropping columns.
+#include "base/unicode.h"
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/table_scan.h"
-#include "jet/storage_errors.h"
 #include "jet/tables/column_maker.h"
 #include "jet/tables/stored_database.h"
 #include "jet/tables/table_designer.h"
@@ -61,7 +62,8 @@ base::Status StoredDatabase::AddColumn(std::u16string_view table, const ColumnDe
     ASSIGN_OR_RETURN(const CatalogEntry entry, RequireTable(table));
     RETURN_IF_ERROR(CheckColumn(file_, column));
     ASSIGN_OR_RETURN(TableDefinition definition, ReadDefinition(entry));
-    if (FindByName(definition, column.name)) return errors::FieldExists(column.name, entry.name);
+    if (FindByName(definition, column.name))
+        return JetError(ErrorNumber::kFieldExists, column.name, entry.name);
     const bool first_variable = definition.variables_ever == 0;
     RETURN_IF_ERROR(AppendColumn(file_, column, definition));
     if (definition.columns.back().is_long_value()) {
@@ -87,7 +89,7 @@ base::Status StoredDatabase::AlterColumn(std::u16string_view table, const Column
     RETURN_IF_ERROR(CheckColumn(file_, column));
     ASSIGN_OR_RETURN(TableDefinition definition, ReadDefinition(entry));
     const auto position = FindByName(definition, column.name);
-    if (!position) return errors::NoSuchField(column.name, entry.name);
+    if (!position) return JetError(ErrorNumber::kNoSuchField, column.name, entry.name);
     const ColumnDefinition& old = definition.columns[*position];
     const bool same_kind = old.type == column.type && old.is_autonumber() == column.autonumber;
     const bool resizable =
@@ -118,11 +120,12 @@ base::Status StoredDatabase::ResizeText(const CatalogEntry& entry, TableDefiniti
                 ASSIGN_OR_RETURN(const bool found, scan.Next());
                 if (!found) break;
                 const auto row = RowView::Parse(scan.bytes(), file_.format);
-                if (!row) return errors::DamagedPage(scan.row().page, "a row is unreadable");
+                if (!row) return DamagedPage(scan.row().page, "a row is unreadable");
                 Value value;
                 RETURN_IF_ERROR(DecodeField(file_, column, *row, value));
                 const auto* text = value.get_if<std::u16string>();
-                if (text != nullptr && text->size() > design.size) return errors::FieldTooSmall();
+                if (text != nullptr && text->size() > design.size)
+                    return JetError(ErrorNumber::kFieldTooSmall);
             }
         }
         column.length = length;
@@ -136,7 +139,8 @@ base::Status StoredDatabase::ConvertColumn(const CatalogEntry& entry, TableDefin
                                            std::size_t position, const ColumnDesign& design) {
     const std::uint16_t old_number = definition.columns[position].number;
     const std::uint16_t ordinal = definition.columns[position].ordinal;
-    if (IsInRelation(definition, old_number)) return errors::FieldInUse(design.name);
+    if (IsInRelation(definition, old_number))
+        return ErrorBecause(ErrorNumber::kFieldInUse, base::ToUtf8(design.name));
     MapRows maps(file_, definition);
     RETURN_IF_ERROR(AppendColumn(file_, design, definition));
     const std::uint16_t new_number = definition.columns.back().number;
@@ -158,7 +162,7 @@ base::Status StoredDatabase::ConvertColumn(const CatalogEntry& entry, TableDefin
     RETURN_IF_ERROR(RemoveColumn(definition, old_number, maps));
     for (const std::size_t real : rebuilt)
         if (!IsMaintainable(file_, definition, definition.real_indexes[real]))
-            return errors::FieldInUse(design.name);
+            return ErrorBecause(ErrorNumber::kFieldInUse, base::ToUtf8(design.name));
     RETURN_IF_ERROR(FinishChange(entry, definition));
     for (const std::size_t real : rebuilt) {
         const RealIndex& index = definition.real_indexes[real];
@@ -186,7 +190,7 @@ base::Status StoredDatabase::ConvertValues(const TableDefinition& definition,
         {
             ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition.page, row));
             const auto view = RowView::Parse(stored.bytes, file_.format);
-            if (!view) return errors::DamagedPage(row.page, "a row is unreadable");
+            if (!view) return DamagedPage(row.page, "a row is unreadable");
             RETURN_IF_ERROR(DecodeField(file_, definition.columns[old_at], *view, old));
         }
         const auto converted = Coerce(old, design);
@@ -229,12 +233,14 @@ base::Status StoredDatabase::DropColumn(std::u16string_view table, std::u16strin
     ASSIGN_OR_RETURN(const CatalogEntry entry, RequireTable(table));
     ASSIGN_OR_RETURN(TableDefinition definition, ReadDefinition(entry));
     const auto position = FindByName(definition, column);
-    if (!position) return errors::NoSuchField(column, entry.name);
+    if (!position) return JetError(ErrorNumber::kNoSuchField, column, entry.name);
     const std::uint16_t number = definition.columns[*position].number;
-    if (definition.columns.size() == 1) return errors::NoFieldDefined();
-    if (IsIndexed(definition, number)) return errors::FieldInUse(column);
+    if (definition.columns.size() == 1) return JetError(ErrorNumber::kNoFieldDefined);
+    if (IsIndexed(definition, number))
+        return ErrorBecause(ErrorNumber::kFieldInUse, base::ToUtf8(column));
     ASSIGN_OR_RETURN(const StoredTable* open, OpenTable(entry));
-    if (RulesNeed(open->design(), column)) return errors::FieldInUse(column);
+    if (RulesNeed(open->design(), column))
+        return ErrorBecause(ErrorNumber::kFieldInUse, base::ToUtf8(column));
     MapRows maps(file_, definition);
     RETURN_IF_ERROR(RemoveColumn(definition, number, maps));
     RETURN_IF_ERROR(FinishChange(entry, definition));

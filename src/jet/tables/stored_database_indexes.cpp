@@ -1,7 +1,7 @@
 // Creating and dropping indexes.
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/table_scan.h"
-#include "jet/storage_errors.h"
 #include "jet/tables/column_maker.h"
 #include "jet/tables/stored_database.h"
 #include "jet/tables/table_designer.h"
@@ -13,13 +13,16 @@ namespace jet {
 namespace {
 
 base::Status CheckIndex(const TableDefinition& definition, const IndexDesign& index) {
-    if (!IsValidName(index.name)) return errors::NotAValidName(index.name);
+    if (!IsValidName(index.name)) return JetError(ErrorNumber::kNotAValidName, index.name);
     if (index.columns.empty() || index.columns.size() > kMaxIndexColumns)
-        return errors::InvalidIndex(index.name);
-    if (definition.logical_indexes.size() >= kMaxIndexes) return errors::TooManyIndexes(index.name);
+        return JetError(ErrorNumber::kInvalidIndexField, index.name);
+    if (definition.logical_indexes.size() >= kMaxIndexes)
+        return JetError(ErrorNumber::kTooManyIndexes, index.name);
     for (const LogicalIndex& known : definition.logical_indexes) {
-        if (SameName(known.name, index.name)) return errors::IndexExists(index.name, index.name);
-        if (index.primary && known.kind == IndexKind::kPrimary) return errors::PrimaryKeyExists();
+        if (SameName(known.name, index.name))
+            return JetError(ErrorNumber::kIndexExists, index.name, index.name);
+        if (index.primary && known.kind == IndexKind::kPrimary)
+            return JetError(ErrorNumber::kPrimaryKeyExists);
     }
     return {};
 }
@@ -49,13 +52,13 @@ base::Result<std::vector<IndexEntry>> CollectEntries(FileContext& file,
         ASSIGN_OR_RETURN(const bool found, scan.Next());
         if (!found) return entries;
         const auto row = RowView::Parse(scan.bytes(), file.format);
-        if (!row) return errors::DamagedPage(scan.row().page, "a row is unreadable");
+        if (!row) return DamagedPage(scan.row().page, "a row is unreadable");
         for (std::size_t i = 0; i < values.size(); ++i)
             RETURN_IF_ERROR(
                 DecodeField(file, definition.columns[indexes.ColumnsOf(real)[i]], *row, values[i]));
         const bool any_null = std::ranges::any_of(values, &Value::is_null);
         const bool all_null = std::ranges::all_of(values, &Value::is_null);
-        if (index.required() && any_null) return errors::NullInIndex();
+        if (index.required() && any_null) return JetError(ErrorNumber::kNullInIndex);
         if (index.ignore_nulls() && all_null) continue;
         entries.push_back({indexes.KeyOf(real, values), scan.row(), all_null});
     }
@@ -68,14 +71,17 @@ base::Status StoredDatabase::AddIndex(TableDefinition& definition, const IndexDe
     RETURN_IF_ERROR(CheckIndex(definition, index));
     RealIndex real;
     for (const IndexColumn& column : index.columns) {
-        if (column.column >= positions.size()) return errors::InvalidIndex(index.name);
+        if (column.column >= positions.size())
+            return JetError(ErrorNumber::kInvalidIndexField, index.name);
         const RealIndexColumn added{definition.columns[positions[column.column]].number,
                                     column.ascending};
         for (const RealIndexColumn& known : real.columns)
-            if (known.column == added.column) return errors::InvalidIndex(index.name);
+            if (known.column == added.column)
+                return JetError(ErrorNumber::kInvalidIndexField, index.name);
         real.columns.push_back(added);
     }
-    if (!IsMaintainable(file_, definition, real)) return errors::InvalidIndex(index.name);
+    if (!IsMaintainable(file_, definition, real))
+        return JetError(ErrorNumber::kInvalidIndexField, index.name);
     real.flags = IndexFlagsOf(file_, index);
 
     LogicalIndex logical;
@@ -107,7 +113,7 @@ base::Status StoredDatabase::BuildIndex(const TableDefinition& definition, std::
         if (!repeated) ++distinct;
         // Keys of nothing but nulls may repeat.
         if (repeated && definition.real_indexes[real].unique() && !entries[i].all_null)
-            return errors::DuplicateKey();
+            return JetError(ErrorNumber::kDuplicateKey);
     }
     for (const IndexEntry& entry : entries)
         RETURN_IF_ERROR(indexes.tree(real).Insert(entry.key, entry.row).status());
@@ -146,11 +152,12 @@ base::Status StoredDatabase::DropIndex(std::u16string_view table, std::u16string
         std::ranges::find_if(definition.logical_indexes, [&](const LogicalIndex& known) {
             return SameName(known.name, index);
         });
-    if (found == definition.logical_indexes.end()) return errors::NoSuchIndex(index, table);
+    if (found == definition.logical_indexes.end())
+        return JetError(ErrorNumber::kNoSuchIndex, index, table);
     const std::uint32_t real = found->real;
     // What a relation refers to must stay unique.
     if (found->kind == IndexKind::kRelation || IsReferenced(definition, real))
-        return errors::UsedInRelation();
+        return JetError(ErrorNumber::kUsedInRelation);
     definition.logical_indexes.erase(found);
     const bool shared = std::ranges::any_of(
         definition.logical_indexes, [&](const LogicalIndex& other) { return other.real == real; });

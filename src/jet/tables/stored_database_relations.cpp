@@ -2,7 +2,7 @@
 // the one of the referenced table is hidden (".rB") and shares a unique index, the one of the
 // table that refers has the relation's name. MSysRelationships has a row for each pair of columns,
 // MSysObjects one for the relation.
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 #include "jet/tables/stored_database.h"
 #include "jet/tables/system_rows.h"
 #include "jet/tables/system_tables.h"
@@ -33,7 +33,7 @@ base::Result<const ColumnDefinition*> ColumnNamed(const TableDefinition& definit
         std::ranges::find_if(definition.columns, [&](const ColumnDefinition& column) {
             return SameName(column.name, name);
         });
-    if (found == definition.columns.end()) return errors::NoSuchField(name, table);
+    if (found == definition.columns.end()) return JetError(ErrorNumber::kNoSuchField, name, table);
     return &*found;
 }
 
@@ -60,13 +60,13 @@ base::Result<RelationColumns> ResolveColumns(const RelationDesign& relation,
         columns.referenced.push_back(column->number);
     }
     if (relation.referenced_columns.empty()) columns.referenced = PrimaryKeyOf(referenced);
-    if (columns.referenced.empty()) return errors::NoUniqueIndex();
+    if (columns.referenced.empty()) return JetError(ErrorNumber::kNoUniqueIndex);
     if (columns.referring.size() != columns.referenced.size())
-        return errors::UnlikeFieldsInRelation();
+        return JetError(ErrorNumber::kUnlikeFieldsInRelation);
     for (std::size_t i = 0; i < columns.referring.size(); ++i)
         if (referring.FindColumn(columns.referring[i])->type !=
             referenced.FindColumn(columns.referenced[i])->type)
-            return errors::UnlikeFieldsInRelation();
+            return JetError(ErrorNumber::kUnlikeFieldsInRelation);
     return columns;
 }
 
@@ -152,12 +152,12 @@ base::Status CheckIndexesOfRelation(const RelationDesign& relation,
                                     const TableDefinition& referenced) {
     for (const LogicalIndex& known : definition.logical_indexes)
         if (SameName(known.name, relation.name))
-            return errors::IndexExists(relation.name, relation.table);
+            return JetError(ErrorNumber::kIndexExists, relation.table, relation.name);
     const std::size_t added = &definition == &referenced ? 2 : 1;
     for (const TableDefinition* side : {&definition, &referenced})
         if (side->logical_indexes.size() + added > kMaxIndexes)
-            return errors::TooManyIndexes(side == &definition ? relation.table
-                                                              : relation.referenced_table);
+            return JetError(ErrorNumber::kTooManyIndexes,
+                            side == &definition ? relation.table : relation.referenced_table);
     return base::Status::Ok();
 }
 
@@ -188,7 +188,7 @@ base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
     RelationDesign relation = wanted;
     ASSIGN_OR_RETURN(relation.name, NameOfRelation(wanted));
     ASSIGN_OR_RETURN(const bool exists, RelationExists(relation.name));
-    if (exists) return errors::ObjectExists(relation.name);
+    if (exists) return JetError(ErrorNumber::kObjectExists, relation.name);
 
     const bool to_itself = entry.id == referenced_entry.id;
     ASSIGN_OR_RETURN(TableDefinition definition, ReadDefinition(entry));
@@ -199,7 +199,7 @@ base::Status StoredDatabase::CreateRelation(const RelationDesign& wanted) {
     TableDefinition& referenced = to_itself ? definition : other;
     ASSIGN_OR_RETURN(RelationColumns columns, ResolveColumns(relation, definition, referenced));
     const auto referenced_real = FindUniqueIndex(referenced, columns);
-    if (!referenced_real) return errors::NoUniqueIndex();
+    if (!referenced_real) return JetError(ErrorNumber::kNoUniqueIndex);
     RETURN_IF_ERROR(CheckIndexesOfRelation(relation, definition, referenced));
 
     ASSIGN_OR_RETURN(const ReferringIndex index,
@@ -234,7 +234,8 @@ StoredDatabase::FindOrAddIndex(TableDefinition& definition,
     RealIndex index;
     for (const std::uint16_t number : columns)
         index.columns.push_back({number, true});
-    if (!IsMaintainable(file_, definition, index)) return errors::InvalidIndex(relation);
+    if (!IsMaintainable(file_, definition, index))
+        return JetError(ErrorNumber::kInvalidIndexField, relation);
     if (file_.format.jet4()) index.flags = kIndexJet4;
     MapRows maps(file_, definition);
     RETURN_IF_ERROR(AddRealIndex(definition, std::move(index), maps));
@@ -245,7 +246,8 @@ StoredDatabase::FindOrAddIndex(TableDefinition& definition,
 // Without a name of its own: those of the tables, the referenced one first.
 base::Result<std::u16string> StoredDatabase::NameOfRelation(const RelationDesign& relation) {
     if (!relation.name.empty()) {
-        if (!IsValidName(relation.name)) return errors::NotAValidName(relation.name);
+        if (!IsValidName(relation.name))
+            return JetError(ErrorNumber::kNotAValidName, relation.name);
         return relation.name;
     }
     constexpr std::size_t kRoomForDigits = 6;
@@ -314,7 +316,8 @@ base::Status StoredDatabase::DropRelation(std::u16string_view table, std::u16str
         std::ranges::find_if(definition.logical_indexes, [&](const LogicalIndex& index) {
             return index.side == RelationSide::kForeign && SameName(index.name, relation);
         });
-    if (found == definition.logical_indexes.end()) return errors::NoSuchIndex(relation, table);
+    if (found == definition.logical_indexes.end())
+        return JetError(ErrorNumber::kNoSuchIndex, relation, table);
     const LogicalIndex foreign = *found;
     definition.logical_indexes.erase(found);
 

@@ -1,5 +1,5 @@
 // Creating and dropping tables.
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 #include "jet/tables/column_maker.h"
 #include "jet/tables/stored_database.h"
 #include "jet/tables/table_designer.h"
@@ -11,14 +11,14 @@ namespace jet {
 namespace {
 
 base::Status CheckDesign(const FileContext& file, const TableDesign& design) {
-    if (!IsValidName(design.name)) return errors::NotAValidName(design.name);
-    if (design.columns.empty()) return errors::NoFieldDefined();
-    if (design.columns.size() > kMaxColumns) return errors::TooManyFields();
+    if (!IsValidName(design.name)) return JetError(ErrorNumber::kNotAValidName, design.name);
+    if (design.columns.empty()) return JetError(ErrorNumber::kNoFieldDefined);
+    if (design.columns.size() > kMaxColumns) return JetError(ErrorNumber::kTooManyFields);
     for (std::size_t i = 0; i < design.columns.size(); ++i) {
         RETURN_IF_ERROR(CheckColumn(file, design.columns[i]));
         for (std::size_t j = 0; j < i; ++j)
             if (SameName(design.columns[i].name, design.columns[j].name))
-                return errors::FieldExists(design.columns[i].name, design.name);
+                return JetError(ErrorNumber::kFieldExists, design.columns[i].name, design.name);
     }
     return {};
 }
@@ -29,7 +29,7 @@ base::Status StoredDatabase::CreateTable(const TableDesign& design) {
     RETURN_IF_ERROR(CheckWritable());
     RETURN_IF_ERROR(CheckDesign(file_, design));
     ASSIGN_OR_RETURN(const CatalogEntry* existing, catalog_.FindTable(design.name));
-    if (existing != nullptr) return errors::TableExists(design.name);
+    if (existing != nullptr) return JetError(ErrorNumber::kTableExists, design.name);
 
     TableDefinition definition;
     definition.kind = kUserTable;
@@ -58,7 +58,7 @@ base::Status StoredDatabase::CreateTable(const TableDesign& design) {
                                  kObjectIsTable, kTablesContainer));
     if (properties.empty()) return {};
     ASSIGN_OR_RETURN(const CatalogEntry* entry, catalog_.FindTable(design.name));
-    if (entry == nullptr) return errors::NoSuchTable(design.name);
+    if (entry == nullptr) return JetError(ErrorNumber::kNoSuchTable, design.name);
     return SetProperties(CatalogEntry(*entry), properties);
 }
 
@@ -66,7 +66,7 @@ base::Status StoredDatabase::DropTable(std::u16string_view name) {
     ASSIGN_OR_RETURN(const CatalogEntry entry, RequireTable(name));
     ASSIGN_OR_RETURN(TableDefinition definition, ReadDefinition(entry));
     for (const LogicalIndex& index : definition.logical_indexes)
-        if (index.kind == IndexKind::kRelation) return errors::UsedInRelation();
+        if (index.kind == IndexKind::kRelation) return JetError(ErrorNumber::kUsedInRelation);
     MapRows maps(file_, definition);
     while (!definition.real_indexes.empty())
         RETURN_IF_ERROR(RemoveRealIndex(definition, definition.real_indexes.size() - 1, maps));

@@ -1,9 +1,9 @@
 #include "jet/tables/stored_table.h"
 
 #include "base/unicode.h"
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/row_fetch.h"
-#include "jet/storage_errors.h"
 #include "jet/tables/table_designer.h"
 #include "jet/values/coerce.h"
 
@@ -22,9 +22,9 @@ base::Result<std::unique_ptr<StoredTable>> StoredTable::Open(FileContext& file, 
     table->design_ = DesignOf(file, known, table->positions_, properties, std::move(name));
     for (const RealIndex& index : known.real_indexes)
         if (!IsMaintainable(file, known, index))
-            table->read_only_reason_ =
-                errors::ReadOnlyBecause("Table '" + base::ToUtf8(table->design_.name) +
-                                        "' has an index whose sort order is not supported.");
+            table->read_only_reason_ = ErrorBecause(
+                ErrorNumber::kReadOnly, "Table '" + base::ToUtf8(table->design_.name) +
+                                            "' has an index whose sort order is not supported.");
     return table;
 }
 
@@ -37,7 +37,7 @@ void StoredTable::UseRules(const RowRuleMaker* maker) {
     if (made.ok())
         rules_ = std::move(made).value();
     else if (!read_only_reason_)
-        read_only_reason_ = errors::ReadOnlyBecause(made.status().message());
+        read_only_reason_ = ErrorBecause(ErrorNumber::kReadOnly, made.status().message());
 }
 
 std::size_t StoredTable::ShownPosition(std::uint16_t column_number) const {

@@ -1,6 +1,6 @@
 // Relations between tables: a foreign key must have its row on the primary side; a row there that
 // is still referred to is not deleted and keeps its key, unless the relation passes the change on.
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 #include "jet/tables/stored_table.h"
 #include "jet/tables/table_designer.h"
 
@@ -77,7 +77,8 @@ base::Status StoredTable::CheckParent(const LogicalIndex& index, RowId row,
     if (to_itself && key == indexes_.KeyOf(partner->real, Pick(values, parent_columns))) return {};
     ASSIGN_OR_RETURN(const bool found,
                      parent->indexes_.tree(partner->real).HasOther(key, to_itself ? row : RowId{}));
-    return found ? base::Status() : errors::NeedsRelatedRecord(parent->design_.name);
+    return found ? base::Status()
+                 : JetError(ErrorNumber::kNeedsRelatedRecord, parent->design_.name);
 }
 
 // Whether values of `columns` of the table `from` make keys of the index `real` here, as they do
@@ -88,9 +89,9 @@ base::Status StoredTable::CheckKeysFrom(const StoredTable& from,
     const auto& own = indexes_.ColumnsOf(real);
     for (std::size_t i = 0; i < own.size(); ++i)
         if (definition_.columns[own[i]].type != from.definition_.columns[columns[i]].type)
-            return errors::DamagedPage(definition_.page, "a relation has columns of two types");
+            return DamagedPage(definition_.page, "a relation has columns of two types");
     if (IsMaintainable(file_, definition_, definition_.real_indexes[real])) return {};
-    return read_only_reason_.value_or(errors::ReadOnly());
+    return read_only_reason_.value_or(JetError(ErrorNumber::kReadOnly));
 }
 
 base::Status StoredTable::CheckRelation(std::u16string_view name, const std::vector<RowId>& rows) {
@@ -156,7 +157,7 @@ StoredTable::DependantsBy(const LogicalIndex& index, RowId row, std::span<const 
     case RelationRule::kRefuse:
         // Another spelling of the same key leaves the rows related.
         if (!is_delete && indexes.KeyOf(partner->real, found.new_key) == key) return none;
-        return errors::HasRelatedRecords(found.table->design_.name);
+        return JetError(ErrorNumber::kHasRelatedRecords, found.table->design_.name);
     }
     return std::optional(std::move(found));
 }
@@ -176,12 +177,14 @@ base::Result<std::vector<RowId>> StoredTable::RowsWithKey(std::size_t real,
 
 base::Status StoredTable::ChangeDependants(const std::vector<Dependants>& all) {
     if (all.empty()) return {};
-    if (cascade_depth_ >= kMaxCascadeDepth) return errors::HasRelatedRecords(design_.name);
+    if (cascade_depth_ >= kMaxCascadeDepth)
+        return JetError(ErrorNumber::kHasRelatedRecords, design_.name);
     const CascadeStep deeper(cascade_depth_);
     for (const Dependants& dependants : all) {
         for (const RowId row : dependants.rows) {
             auto values = dependants.table->ReadKeyColumns(row);
-            if (values.status().number() == 3167) continue;  // deleted by another cascade
+            if (Is(values.status(), ErrorNumber::kRecordDeleted))
+                continue;  // deleted by another cascade
             if (!values.ok()) return values.status();
             RETURN_IF_ERROR(
                 dependants.new_key.empty()

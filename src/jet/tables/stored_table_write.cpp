@@ -1,8 +1,8 @@
 // Inserting, updating and deleting rows. Checks come first, so that a refused change leaves nothing
 // behind.
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/row_fetch.h"
-#include "jet/storage_errors.h"
 #include "jet/tables/stored_table.h"
 #include "jet/values/coerce.h"
 #include "jet/values/guid_source.h"
@@ -12,7 +12,7 @@
 namespace jet {
 
 base::Status StoredTable::CheckWritable() const {
-    if (file_.store.read_only()) return errors::ReadOnly();
+    if (file_.store.read_only()) return JetError(ErrorNumber::kReadOnly);
     return read_only_reason_.value_or(base::Status());
 }
 
@@ -21,11 +21,14 @@ base::Status StoredTable::Prepare(std::size_t shown, Value& value) const {
     if (!IsOfType(value, column.type)) {
         ASSIGN_OR_RETURN(value, Coerce(value, column));
     }
-    if (value.is_null()) return column.required ? errors::Required(column.name) : base::Status();
+    if (value.is_null())
+        return column.required ? JetError(ErrorNumber::kValueRequired, column.name)
+                               : base::Status();
     if (const auto* text = value.get_if<std::u16string>()) {
-        if (text->empty() && !column.allow_zero_length) return errors::ZeroLength(column.name);
+        if (text->empty() && !column.allow_zero_length)
+            return JetError(ErrorNumber::kZeroLength, column.name);
         if (column.type == ColumnType::kText && text->size() > column.size)
-            return errors::FieldTooSmall();
+            return JetError(ErrorNumber::kFieldTooSmall);
     }
     return {};
 }
@@ -102,10 +105,7 @@ base::Status StoredTable::CountRow(int change, std::span<const Value> values) {
 
 base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
     RETURN_IF_ERROR(CheckWritable());
-    if (values.size() != design_.columns.size())
-        return base::Status(base::StatusCode::kInvalidArgument,
-                            "Number of query values and destination fields are not the same.",
-                            3346);
+    if (values.size() != design_.columns.size()) return JetError(ErrorNumber::kValueCountDiffers);
     RETURN_IF_ERROR(FillAutonumbers(values));
     for (std::size_t i = 0; i < values.size(); ++i)
         RETURN_IF_ERROR(Prepare(i, values[i]));
@@ -129,7 +129,7 @@ base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
 base::Result<std::vector<Value>> StoredTable::ReadKeyColumns(RowId row) {
     ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
     const auto view = RowView::Parse(stored.bytes, file_.format);
-    if (!view) return errors::DamagedPage(row.page, "a row is unreadable");
+    if (!view) return DamagedPage(row.page, "a row is unreadable");
     std::vector<Value> values(definition_.columns.size());
     for (std::size_t index = 0; index < indexes_.size(); ++index)
         for (const std::size_t column : indexes_.ColumnsOf(index))
@@ -144,7 +144,7 @@ base::Status StoredTable::Update(RowId row, std::span<const ColumnChange> change
     for (const ColumnChange& change : changes) {
         Value value = change.value;
         if (design_.columns[change.column].autonumber && value.is_null())
-            return errors::Required(design_.columns[change.column].name);
+            return JetError(ErrorNumber::kValueRequired, design_.columns[change.column].name);
         RETURN_IF_ERROR(Prepare(change.column, value));
         const std::size_t position = positions_[change.column];
         values[position] = std::move(value);

@@ -1,7 +1,7 @@
 // Rows of the engine's own tables, whose columns are known by their numbers.
 #pragma once
 
-#include "jet/storage_errors.h"
+#include "jet/errors.h"
 #include "jet/tables/stored_table.h"
 
 #include <map>
@@ -26,7 +26,7 @@ base::Status ForEachRow(StoredTable& table, const std::vector<std::uint16_t>& co
     for (const std::uint16_t number : columns) {
         shown.push_back(table.ShownPosition(number));
         if (shown.back() >= table.design().columns.size())
-            return errors::DamagedPage(table.definition().page, "a column is missing");
+            return DamagedPage(table.definition().page, "a column is missing");
     }
     std::vector<Value> values(columns.size());
     ASSIGN_OR_RETURN(const auto cursor, table.Scan());

@@ -1,7 +1,7 @@
 #include "jet/tables/table_cursors.h"
 
+#include "jet/errors.h"
 #include "jet/rows/field_codec.h"
-#include "jet/storage_errors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -13,7 +13,7 @@ constexpr std::size_t kFieldHead = 2;
 constexpr std::uint16_t kNoField = 0xFFFF;  // no field of a page is that long
 
 base::Status Unreadable() {
-    return errors::Damaged("a row is unreadable");
+    return Damaged("a row is unreadable");
 }
 
 // The fields of a row whose bytes the cursor keeps.
@@ -197,7 +197,7 @@ base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
         const bool is_set = row.Bit(column.number);
         if (is_set && column.type != ColumnType::kBoolean) {
             const auto field = row.Field(column);
-            if (!field) return errors::Damaged("a row's fields lie outside of it");
+            if (!field) return Damaged("a row's fields lie outside of it");
             bytes = *field;
         }
         const std::size_t size = is_set ? bytes.size() : kNoField;

@@ -29,7 +29,7 @@ public:
         }
     }
     void AddMark(std::byte addend) {
-        // Before any element a mark stands for itself.
+        // A mark before the first element is an element of its own.
         if (elements_ == 0) {
             accents_.push_back(addend);
             ++marks_;

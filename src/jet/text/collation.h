@@ -1,6 +1,6 @@
-// Keys of texts: two texts are smaller or greater as their keys are, byte by byte. Letter
-// case and trailing blanks do not count, accents do after all letters, hyphen and apostrophe last
-// ("General Legacy", LCID 0x0409).
+// Sort keys of texts, which compare byte by byte. Letter case and trailing blanks are ignored;
+// accents count after all letters, hyphen and apostrophe after those ("General Legacy", LCID
+// 0x0409).
 #pragma once
 
 #include "jet/values/value.h"
@@ -10,12 +10,12 @@
 
 namespace jet {
 
-// So much of a text makes its key, and so decides where it is sorted: UTF-16 units.
+// UTF-16 units of a text that go into its key.
 inline constexpr std::size_t kKeyUnits = 255;
 
 // Ascending key without the leading flag byte, of the text's first kKeyUnits.
 void AppendTextKey(std::u16string_view text, Bytes& key);
-// The whole texts: where the keys are equal, what comes behind decides in the same way.
+// Compares whole texts: where the keys are equal, the rest decides by the same rules.
 std::weak_ordering CompareText(std::u16string_view a, std::u16string_view b);
 
 }  // namespace jet

@@ -1,17 +1,17 @@
 #include "jet/text/like.h"
 
-#include "jet/text/text_case.h"
+#include "base/letter_case.h"
 
 namespace jet {
 namespace {
 
 bool SameLetter(char16_t a, char16_t b) {
-    return a == b || ToLower(a) == ToLower(b);
+    return a == b || base::ToLower(a) == base::ToLower(b);
 }
 
 bool InRange(char16_t unit, char16_t first, char16_t last) {
-    const char16_t lower = ToLower(unit);
-    const char16_t upper = ToUpper(unit);
+    const char16_t lower = base::ToLower(unit);
+    const char16_t upper = base::ToUpper(unit);
     return (unit >= first && unit <= last) || (lower >= first && lower <= last) ||
            (upper >= first && upper <= last);
 }

@@ -8,7 +8,7 @@
 namespace jet {
 
 bool SameName(std::u16string_view a, std::u16string_view b) {
-    return CompareText(a, b) == std::weak_ordering::equivalent;
+    return a == b || CompareText(a, b) == std::weak_ordering::equivalent;
 }
 
 bool NameBefore(std::u16string_view a, std::u16string_view b) {

@@ -1,4 +1,5 @@
-// Names of tables, columns and indexes compare without regard to letter case.
+// Names of tables, columns and indexes compare as texts do, by the collation: letter case does not
+// count. A statement finds whatever the catalogue takes for the same name.
 #pragma once
 
 #include <string_view>

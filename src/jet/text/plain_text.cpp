@@ -17,7 +17,7 @@ constexpr std::size_t kUnits = 256;  // a table of one byte's values; half of it
 std::array<unsigned char, kUnits> MakeWeights() {
     std::array<unsigned char, kUnits> weights{};
     for (char16_t c = 0x20; c < 0x7F; ++c) {
-        // A blank at the end would not count, hence the x behind each.
+        // The x keeps a blank from being ignored as a trailing one.
         const char16_t text[] = {c, u'x'};
         Bytes key;
         AppendTextKey(std::u16string_view(text, 2), key);
@@ -84,7 +84,7 @@ std::optional<std::weak_ordering> OrderOf(std::basic_string_view<Unit> text,
         order = weight <=> own;
         break;
     }
-    // What follows must be plain all the same: a mark there could belong to this character.
+    // What follows must be plain, too: a mark there could belong to this character.
     for (; i < text.size(); ++i)
         if (WeightOf(weights, text[i]) == 0) return std::nullopt;
     return order;
@@ -108,7 +108,7 @@ std::optional<std::weak_ordering> ComparePlain(std::u16string_view a, std::u16st
         order = x <=> y;
         decided = true;
     }
-    // Also what follows must be plain: a mark there could belong to the last common character.
+    // What follows must be plain, too: a mark there could belong to the last common character.
     for (const char16_t unit : (a.size() > b.size() ? a : b).substr(common))
         if (WeightOf(weights, unit) == 0) return std::nullopt;
     return order;

@@ -1,6 +1,6 @@
 // Plain texts: printable ASCII whose characters have one weight each in the collation, which most
-// texts are. Their order and keys come straight from a table; for all others the collation itself
-// is asked.
+// texts are. Their order and keys come straight from a table; all others go through the
+// collation.
 #pragma once
 
 #include <compare>
@@ -19,10 +19,10 @@ bool AppendPlainKey(std::u16string_view text, std::string& key);
 // The same for a text of one byte a character.
 bool AppendPlainKey(std::string_view narrow, std::string& key);
 
-// A plain text, as short as a key, that many others are compared with.
+// A plain text no longer than a key, for comparing it with many others.
 class PlainText {
 public:
-    // nullopt: it is not.
+    // nullopt: the text is not plain.
     static std::optional<PlainText> Of(std::u16string_view text);
 
     // The order of `text` to this one; nullopt: it is not plain, or longer than a key.

@@ -116,7 +116,7 @@ std::optional<std::string_view> TextCodec::NarrowValue(std::span<const std::byte
         return std::string_view(reinterpret_cast<const char*>(narrow.data()), narrow.size());
     };
     if (!jet4()) {
-        // Code pages share ASCII alone.
+        // Only ASCII is the same in all code pages.
         const bool is_ascii = std::ranges::all_of(
             bytes, [](std::byte b) { return b > std::byte{0} && b < std::byte{0x80}; });
         return is_ascii ? std::optional(text_of(bytes)) : std::nullopt;
@@ -134,7 +134,7 @@ std::optional<Bytes> TextCodec::EncodeName(std::u16string_view text) const {
     Bytes bytes(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto unit = text[i];
-        // Most characters of the western code pages stand at their own numbers.
+        // Most characters of the western code pages equal their byte.
         if (unit < 0x80 || (unit < characters_.size() && characters_[unit] == unit)) {
             bytes[i] = static_cast<std::byte>(unit);
             continue;

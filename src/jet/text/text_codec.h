@@ -15,21 +15,21 @@ namespace jet {
 
 class TextCodec {
 public:
-    // `version` 3 or 4; the code page counts in Jet 3 only. An unknown one is read as 1252.
+    // `version` 3 or 4; the code page is used in Jet 3 only. An unknown one is read as 1252.
     TextCodec(int version, std::uint16_t code_page);
 
     // A value of a column. Damaged text is read as far as it goes.
     std::u16string DecodeValue(std::span<const std::byte> bytes) const;
-    // The same into a text that is there already, whose memory is used again.
+    // The same into an existing string, to reuse its memory.
     void DecodeValue(std::span<const std::byte> bytes, std::u16string& text) const;
-    // The characters of a value that is stored one byte each, U+0001 to U+00FF; nullopt: it is not.
+    // The characters of a value that is stored one byte each, U+0001 to U+00FF; nullopt: otherwise.
     std::optional<std::string_view> NarrowValue(std::span<const std::byte> bytes) const;
     // A name in the definition or catalog, never compressed.
     std::u16string DecodeName(std::span<const std::byte> bytes) const;
 
     // nullopt: a character that the code page does not hold (Jet 3).
     std::optional<Bytes> EncodeName(std::u16string_view text) const;
-    // `compress`: the column asks for it; done where it is possible and shorter.
+    // `compress`: the column allows it; done where possible and shorter.
     std::optional<Bytes> EncodeValue(std::u16string_view text, bool compress) const;
 
     bool jet4() const { return version_ == 4; }

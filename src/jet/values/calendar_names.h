@@ -1,4 +1,4 @@
-// English names of months and weekdays, and the letter-case rule for the words of this engine.
+// English names of months and weekdays, and how keywords compare.
 #pragma once
 
 #include <array>

@@ -18,10 +18,10 @@ namespace {
 using base::Result;
 
 base::Status Mismatch() {
-    return JetError(3464);
+    return JetError(ErrorNumber::kTypeMismatch);
 }
 base::Status NumericOverflow() {
-    return JetError(3349);
+    return JetError(ErrorNumber::kNumericOverflow);
 }
 
 Result<Value> ToBoolean(const Value& value) {
@@ -108,7 +108,7 @@ Result<Value> ToDate(const Value& value) {
 Result<Value> ToColumnText(const Value& value, const ColumnDesign& column) {
     std::u16string text = ToText(value);
     if (column.type == ColumnType::kMemo) return Value::Text(std::move(text));
-    if (text.size() > column.size) return JetError(3163);
+    if (text.size() > column.size) return JetError(ErrorNumber::kFieldTooSmall);
     if (column.fixed_text) text.resize(column.size, u' ');
     return Value::Text(std::move(text));
 }
@@ -127,7 +127,8 @@ Result<Value> ToBinary(const Value& value, const ColumnDesign& column) {
     } else {
         return Mismatch();
     }
-    if (column.type != ColumnType::kOle && bytes.size() > column.size) return JetError(3163);
+    if (column.type != ColumnType::kOle && bytes.size() > column.size)
+        return JetError(ErrorNumber::kFieldTooSmall);
     return Value::Binary(std::move(bytes));
 }
 

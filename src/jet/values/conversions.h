@@ -25,7 +25,7 @@ double DaysFromCivil(const CivilDateTime& civil);
 std::optional<CivilDateTime> CivilFromDays(double days);
 
 // A date, a time or both, as people write them ("20-Nov-26", "11/20/2026 3:04:05 PM", "2026-11-20",
-// "15:04"). `current_year` completes dates of two parts. A plain number is not a date here.
+// "15:04"). `current_year`: of dates written without one. A plain number is not a date here.
 // nullopt: not a date.
 std::optional<double> ParseDate(std::u16string_view text, int current_year);
 

@@ -18,8 +18,8 @@ struct Piece {
     int value = 0;
 };
 
-constexpr std::size_t kLongestDateText = 100;
-constexpr std::size_t kMostDigits = 4;
+constexpr std::size_t kMaxDateText = 100;
+constexpr std::size_t kMaxDigits = 4;
 
 // 1-based place of `word` among `names`, whole or as its first three letters; 0: none.
 template <std::size_t N>
@@ -49,7 +49,7 @@ std::size_t RunLength(std::u16string_view text, bool (*belongs)(char16_t)) {
 }
 
 std::optional<Piece> NumberPiece(std::u16string_view digits) {
-    if (digits.size() > kMostDigits) return std::nullopt;
+    if (digits.size() > kMaxDigits) return std::nullopt;
     int value = 0;
     for (const char16_t c : digits)
         value = value * 10 + (c - u'0');
@@ -60,7 +60,7 @@ bool IsDateSeparator(char16_t c) {
     return c == u'/' || c == u'-' || c == u',';
 }
 
-// nullopt: a character or word that has no place in a date.
+// nullopt: a character or word that cannot be part of a date.
 std::optional<std::vector<Piece>> SplitDate(std::u16string_view text) {
     std::vector<Piece> pieces;
     while (!text.empty()) {
@@ -107,7 +107,7 @@ bool ApplyHalfOfDay(TimeOfDay& time, PieceKind half) {
     return true;
 }
 
-// Where a time begins: a number before a colon or before AM or PM. pieces.size(): there is none.
+// Where a time begins: a number before a colon or before AM or PM. pieces.size(): none.
 std::size_t FindTime(const std::vector<Piece>& pieces) {
     for (std::size_t i = 0; i < pieces.size(); ++i)
         if (pieces[i].kind == PieceKind::kNumber &&
@@ -117,7 +117,7 @@ std::size_t FindTime(const std::vector<Piece>& pieces) {
     return pieces.size();
 }
 
-// Takes the time out of `pieces`; nullopt: what stands there is no time.
+// Takes the time out of `pieces`; nullopt: not a valid time.
 std::optional<TimeOfDay> TakeTime(std::vector<Piece>& pieces, std::size_t begin) {
     TimeOfDay time;
     time.hour = pieces[begin].value;
@@ -214,7 +214,7 @@ DateChoice DateOfPieces(const std::vector<Piece>& pieces, int current_year) {
 }  // namespace
 
 std::optional<double> ParseDate(std::u16string_view text, int current_year) {
-    if (text.size() > kLongestDateText) return std::nullopt;
+    if (text.size() > kMaxDateText) return std::nullopt;
     auto pieces = SplitDate(text);
     if (!pieces || pieces->empty()) return std::nullopt;
     CivilDateTime civil;

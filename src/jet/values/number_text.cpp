@@ -11,7 +11,7 @@
 namespace jet {
 namespace {
 
-constexpr std::size_t kLongestNumberText = 400;
+constexpr std::size_t kMaxNumberText = 400;
 
 // &H1F and &O17: at most 32 bits.
 std::optional<double> ParseRadix(std::u16string_view text) {
@@ -112,7 +112,7 @@ std::u16string ShortText(Float number, int digits) {
 
 std::optional<std::string> PlainNumber(std::u16string_view text) {
     text = TrimBlanks(text);
-    if (text.empty() || text.size() > kLongestNumberText) return std::nullopt;
+    if (text.empty() || text.size() > kMaxNumberText) return std::nullopt;
     Sign sign;
     if (!TakePrefix(text, sign)) return std::nullopt;
     auto digits = PlainDigits(text);

@@ -1,5 +1,5 @@
 // What a table looks like, as a program sees it: columns and indexes with their rules. Values only;
-// the places in the file are the business of the definition reader.
+// where it is stored is in jet/rows/table_definition.h.
 #pragma once
 
 #include "jet/values/value.h"
@@ -29,7 +29,7 @@ struct ColumnDesign {
     // Expression text that each value must satisfy; it may leave out the column's name in front of
     // an operator (">0"). nullopt: none.
     std::optional<std::u16string> validation_rule;
-    // What the user is told instead of the engine's own text when the rule is broken.
+    // Shown to the user in place of the engine's own text when the rule is broken.
     std::optional<std::u16string> validation_text;
     bool operator==(const ColumnDesign&) const = default;
 };
@@ -62,10 +62,10 @@ struct TableDesign {
     std::optional<std::u16string> validation_text;
 };
 
-// What becomes of rows that refer to a row which is deleted or whose key changes.
+// What happens to rows that refer to a row which is deleted or whose key changes.
 enum class RelationRule : std::uint8_t {
     kRefuse,   // the change is refused
-    kCascade,  // they go or change with it
+    kCascade,  // they are deleted or changed too
     kSetNull,  // their reference becomes null; deletes only
 };
 

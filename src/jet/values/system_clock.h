@@ -1,4 +1,4 @@
-// The machine's clock in the engine's own count.
+// The machine's clock as the engine counts time.
 #pragma once
 
 namespace jet {
@@ -6,7 +6,7 @@ namespace jet {
 // Local time as days since 1899-12-30, in whole seconds.
 double SystemNow();
 
-// The year that completes a date of two parts.
+// The year of a date that is written without one.
 int CurrentYear();
 
 }  // namespace jet

@@ -98,8 +98,8 @@ public:
     }
     const Content& content() const { return content_; }
 
-    // Makes the value a text, to be filled; a text that was there lends its memory. What the text
-    // says at first is unspecified.
+    // Makes the value a text for the caller to fill, reusing the memory of the old text if there
+    // was one. Its content is unspecified.
     std::u16string& MakeText() {
         if (auto* text = std::get_if<std::u16string>(&content_)) return *text;
         return content_.emplace<std::u16string>();
@@ -122,8 +122,8 @@ std::u16string ToText(Value&& value);
 // Nonzero numbers and True are true; everything else, Null and text included, is false.
 bool ToBool(const Value& value);
 
-// The whole number, rounded half to even; 0 for Null, for what is no number and for what does not
-// fit.
+// The whole number, rounded half to even; 0 for Null and for anything that is not a number or
+// does not fit.
 std::int64_t ToInteger(const Value& value);
 
 }  // namespace jet

@@ -11,7 +11,7 @@ namespace jet {
 // True, Yes, On, False, No, Off in any letter case.
 std::optional<bool> TruthWord(std::u16string_view text);
 
-// Any number (True is -1, a date its days), or a text that is one. nullopt: no number.
+// Of a number, a text that is one, True (-1) or a date (its days). nullopt: not a number.
 std::optional<double> NumberOf(const Value& value);
 
 }  // namespace jet

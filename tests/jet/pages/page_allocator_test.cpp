@@ -1,4 +1,5 @@
 // The map of free pages: what other programs may leave of it, and how it grows.
+#include "jet/pages/data_page.h"
 #include "jet/pages/page_allocator.h"
 
 #include "jet/pages/usage_map.h"

@@ -22,7 +22,7 @@ namespace {
 using test_support::PageWorkload;
 
 constexpr int kKills = 1000;
-constexpr std::size_t kMostTransactions = 10'000'000;
+constexpr std::size_t kMaxTransactions = 10'000'000;
 
 // A kill loses nothing of what the system's cache holds, so a file system in memory proves as much
 // and needs no minutes.
@@ -61,7 +61,7 @@ protected:
     [[noreturn]] void WriteUntilKilled(std::size_t done, int pipe) {
         auto store = Open();
         if (!store.ok()) ::_exit(3);
-        for (std::size_t i = done; i < kMostTransactions; ++i) {
+        for (std::size_t i = done; i < kMaxTransactions; ++i) {
             if (!workload_.Run(**store, i).ok()) ::_exit(4);
             const auto number = static_cast<std::uint32_t>(i + 1);
             if (::write(pipe, &number, sizeof number) != sizeof number) ::_exit(5);

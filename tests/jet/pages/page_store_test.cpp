@@ -547,7 +547,7 @@ TEST_F(FilePageStoreTest, FilesThatAreNoDatabaseAre3343AndGetNoSisterFiles) {
             const auto status = OpenFails(files, kPath, read_only);
             EXPECT_EQ(status.number(), 3343);
             EXPECT_EQ(status.message(), "Unrecognized database format 'folder/tables.mdb'.");
-            EXPECT_EQ(status.code(), base::StatusCode::kCorruption);
+            EXPECT_EQ(status.code(), base::StatusCode::kUnsupported);
         }
         EXPECT_EQ(files.Get(kPath), bytes);
         EXPECT_FALSE(files.Exists("folder/tables.ldb"));

@@ -1,4 +1,5 @@
 // A set of pages in a map row: where the row begins and ends, how it grows, what it gives back.
+#include "jet/pages/data_page.h"
 #include "jet/pages/usage_map.h"
 
 #include <gtest/gtest.h>

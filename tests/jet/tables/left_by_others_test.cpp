@@ -1,6 +1,7 @@
 // What other programs leave in a file at the cost of space only: the checker warns of it, and no
 // warning stops a change.
 #include "jet/check/check.h"
+#include "jet/pages/data_page.h"
 #include "jet/tables/catalog.h"
 #include "jet/tables/map_rows.h"
 #include "jet/tables/table_fixture.h"

@@ -1,4 +1,5 @@
 #include "jet/tables/storage_checks.h"
+#include "jet/pages/data_page.h"
 
 #include "base/unicode.h"
 #include "jet/index/index_set.h"

@@ -1,5 +1,6 @@
 // Freed space is used again; values change their form of storage; limits are kept.
 #include "jet/check/check.h"
+#include "jet/pages/data_page.h"
 #include "jet/tables/catalog.h"
 #include "jet/tables/table_fixture.h"
 

@@ -288,7 +288,7 @@ TEST_F(SystemTablesTest, ARelationThatIsOnlyToldIsAWarning) {
         Find(u"MSysRelationships", u"szRelationship", Value::Text(u"GamesScores")).front();
     const auto position = PositionOf(u"MSysRelationships", u"szRelationship");
     ASSERT_TRUE(Update(u"MSysRelationships", row, {{position, Value::Text(u"Other")}}).ok());
-    EXPECT_EQ(Reported("relation other is kept by no index"), Severity::kWarning);
+    EXPECT_EQ(Reported("relation Other is kept by no index"), Severity::kWarning);
     EXPECT_EQ(Reported("relation GamesScores is not in MSysRelationships"), Severity::kFault);
     ASSERT_TRUE(Update(u"MSysRelationships", row, {{position, Value::Text(u"gamesSCORES")}}).ok());
     EXPECT_EQ(Reported("elation"), std::nullopt);

@@ -291,7 +291,8 @@ bool Workload::Expected(const WorkloadModel::Plan& plan, const base::Status& sta
         return true;
     }
     ++refused[status.number()];
-    const bool too_large = status.number() == 3047 && plan.may_be_too_large;
+    const bool too_large =
+        jet::Is(status, jet::ErrorNumber::kRecordTooLarge) && plan.may_be_too_large;
     EXPECT_TRUE(plan.refusals.contains(status.number()) || too_large)
         << what << ": " << status.number() << " " << status.message() << ", expected "
         << testing::PrintToString(plan.refusals);

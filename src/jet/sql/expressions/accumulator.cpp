@@ -42,14 +42,15 @@ Status Accumulator::KeepSmaller(const Value& value, bool greater) {
 
 Status Accumulator::AddNumber(const Value& value) {
     const auto number = NumberOf(value);
-    if (!number) return JetError(3464);
+    if (!number) return JetError(ErrorNumber::kTypeMismatch);
     sum_ += *number;
     const double distance = *number - mean_;
     mean_ += distance / static_cast<double>(count_);
     squares_ += distance * (*number - mean_);
     const auto* money = value.get_if<Money>();
     all_money_ = all_money_ && money != nullptr;
-    if (all_money_ && __builtin_add_overflow(money_, money->units, &money_)) return JetError(6);
+    if (all_money_ && __builtin_add_overflow(money_, money->units, &money_))
+        return JetError(ErrorNumber::kOverflow);
     return Status::Ok();
 }
 
@@ -66,7 +67,8 @@ base::Result<Value> Accumulator::Spread() const {
 base::Result<Value> Accumulator::Result() const {
     switch (expression_->aggregate) {
     case Aggregate::kCount:
-        if (count_ > std::numeric_limits<std::int32_t>::max()) return JetError(6);
+        if (count_ > std::numeric_limits<std::int32_t>::max())
+            return JetError(ErrorNumber::kOverflow);
         return Value::Long(static_cast<std::int32_t>(count_));
     case Aggregate::kMin:
     case Aggregate::kMax:

@@ -6,7 +6,6 @@
 #include "jet/sql/expressions/subquery.h"
 #include "jet/sql/expressions/value_set.h"
 #include "jet/sql/functions/functions.h"
-#include "jet/text/text_case.h"
 
 #include <algorithm>
 
@@ -17,17 +16,15 @@ using base::Result;
 using base::Status;
 
 Status WrongArguments(const Expression& call) {
-    return {base::StatusCode::kInvalidArgument,
-            "Wrong number of arguments used with function in query expression '" +
-                base::ToUtf8(call.name) + "'.",
-            3075};
+    return JetError(ErrorNumber::kInQueryExpression,
+                    u"Wrong number of arguments used with function", call.name);
 }
 
 // `failure` is what the statement's own sources say to the name.
 Status BindOuterName(Expression& name, Scope& scope, Status failure) {
     std::size_t depth = 1;
     for (Scope* outer = scope.outer(); outer != nullptr; outer = outer->outer(), ++depth) {
-        if (failure.number() != 3061) return failure;
+        if (!Is(failure, ErrorNumber::kParameterMissing)) return failure;
         const auto place = outer->Find(name.qualifier, name.name);
         if (!place.ok()) {
             failure = place.status();
@@ -97,18 +94,13 @@ void HashChoices(Expression& in, Session& session) {
 
 Status BindCall(Expression& call) {
     call.function = FindFunction(call.name);
-    if (call.function == nullptr) return JetError(3085, call.name);
+    if (call.function == nullptr) return JetError(ErrorNumber::kNoSuchFunction, call.name);
     if (call.children.size() < call.function->least || call.children.size() > call.function->most)
         return WrongArguments(call);
     return Status::Ok();
 }
 
 }  // namespace
-
-bool SameName(std::u16string_view a, std::u16string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char16_t x, char16_t y) { return x == y || ToLower(x) == ToLower(y); });
-}
 
 std::size_t FindColumn(const TableDesign& design, std::u16string_view name) {
     std::size_t at = 0;
@@ -134,10 +126,10 @@ Result<Scope::Place> Scope::Find(std::u16string_view qualifier, std::u16string_v
         const TableDesign& design = sources_[i].table->design();
         const std::size_t column = FindColumn(design, name);
         if (column == design.columns.size()) continue;
-        if (found) return JetError(3079, name);
+        if (found) return JetError(ErrorNumber::kAmbiguousField, name);
         found = Place{i, column};
     }
-    if (!found) return JetError(3061);
+    if (!found) return JetError(ErrorNumber::kParameterMissing);
     return *found;
 }
 
@@ -153,7 +145,8 @@ Status Bind(Expression& expression, Scope& scope, Session& session,
             std::vector<const Expression*>* aggregates) {
     if (expression.kind == NodeKind::kName) return BindName(expression, scope, session);
     const bool aggregate = expression.kind == NodeKind::kAggregate;
-    if (aggregate && aggregates == nullptr) return JetError(3095, expression.name);
+    if (aggregate && aggregates == nullptr)
+        return JetError(ErrorNumber::kAggregateInExpression, expression.name);
     for (const ExpressionPtr& child : expression.children)
         RETURN_IF_ERROR(Bind(*child, scope, session, aggregate ? nullptr : aggregates));
     if (aggregate) {

@@ -5,6 +5,7 @@
 #include "jet/sql/functions/session.h"
 #include "jet/sql/syntax/ast.h"
 #include "jet/tables/database.h"
+#include "jet/text/names.h"
 
 #include <string>
 #include <string_view>
@@ -81,8 +82,5 @@ bool IsColumn(const Expression& expression);
 
 // Position in the design of the column named `name`, in any letter case; columns.size(): none.
 std::size_t FindColumn(const TableDesign& design, std::u16string_view name);
-
-// Names of tables and columns: letter case does not count.
-bool SameName(std::u16string_view a, std::u16string_view b);
 
 }  // namespace jet::sql

@@ -37,11 +37,6 @@ bool IsNullLiteral(const Expression& expression) {
     return expression.kind == NodeKind::kLiteral && expression.value.is_null();
 }
 
-Truth Not(Truth truth) {
-    if (truth == Truth::kNull) return truth;
-    return ToTruth(truth == Truth::kFalse);
-}
-
 Truth Logic(Operator op, Truth a, Truth b) {
     const bool known = a != Truth::kNull && b != Truth::kNull;
     switch (op) {
@@ -104,7 +99,7 @@ Result<Value> ConcatChain(const Expression& chain, EvalContext& context) {
         RETURN_IF_ERROR(Fetch(*child, context, made, value));
         all_null = all_null && value->is_null();
         text += ConcatText(*value);
-        if (text.size() > kLongestResult) return JetError(3071);
+        if (text.size() > kLongestResult) return JetError(ErrorNumber::kExpressionTooComplex);
     }
     return all_null ? Value::Null() : Value::Text(std::move(text));
 }
@@ -117,7 +112,8 @@ Result<Value> ArithmeticChain(const Expression& chain, EvalContext& context) {
         RETURN_IF_ERROR(Fetch(*chain.children[i + 1], context, made, value));
         ASSIGN_OR_RETURN(result, Calculate(chain.operators[i], result, *value));
         const auto* text = result.get_if<std::u16string>();
-        if (text != nullptr && text->size() > kLongestResult) return JetError(3071);
+        if (text != nullptr && text->size() > kLongestResult)
+            return JetError(ErrorNumber::kExpressionTooComplex);
     }
     return result;
 }
@@ -211,7 +207,7 @@ Result<Value> OuterColumn(const Expression& e, const EvalContext& context) {
     const OuterRows* outer = context.session->outer;
     for (std::size_t depth = 1; depth < e.depth && outer != nullptr; ++depth)
         outer = outer->next;
-    if (outer == nullptr || outer->rows == nullptr) return JetError(3061);
+    if (outer == nullptr || outer->rows == nullptr) return JetError(ErrorNumber::kParameterMissing);
     return (*outer->rows)[e.source][e.slot];
 }
 
@@ -265,7 +261,7 @@ Result<Value> Evaluate(const Expression& e, EvalContext& context) {
         return e.operators[0] == Operator::kConcat ? ConcatChain(e, context)
                                                    : ArithmeticChain(e, context);
     default:
-        return JetError(3061);  // a name that was never bound
+        return JetError(ErrorNumber::kParameterMissing);  // a name that was never bound
     }
 }
 

@@ -25,11 +25,6 @@ private:
     OuterRows frame_;
 };
 
-Truth Denied(Truth truth) {
-    if (truth == Truth::kNull) return truth;
-    return ToTruth(truth == Truth::kFalse);
-}
-
 }  // namespace
 
 Subquery::Subquery(std::unique_ptr<PreparedSelect> query, std::vector<OuterUse> uses)
@@ -39,7 +34,8 @@ Result<std::shared_ptr<Subquery>> Subquery::Prepare(const SelectStatement& selec
                                                     Session& session, bool several) {
     ASSIGN_OR_RETURN(std::unique_ptr<PreparedSelect> query,
                      session.prepare_select(select, session, scope));
-    if (!several && query->column_count() != 1) return JetError(3306);
+    if (!several && query->column_count() != 1)
+        return JetError(ErrorNumber::kSubqueryHasSeveralFields);
     std::vector<OuterUse> uses = query->outer_uses();
     return std::shared_ptr<Subquery>(new Subquery(std::move(query), std::move(uses)));
 }
@@ -53,7 +49,9 @@ bool Subquery::IsFresh(const Session& session) const {
 }
 
 Status Subquery::CountRun(EvalContext& context) {
-    return ++context.session->subquery_runs > kMostSubqueryRuns ? JetError(3360) : Status::Ok();
+    return ++context.session->subquery_runs > kMostSubqueryRuns
+               ? JetError(ErrorNumber::kQueryTooComplex)
+               : Status::Ok();
 }
 
 Status Subquery::Load(EvalContext& context) {
@@ -77,7 +75,7 @@ Result<const std::vector<Value>*> Subquery::Values(EvalContext& context) {
 
 Result<Value> Subquery::OnlyValue(EvalContext& context) {
     RETURN_IF_ERROR(Load(context));
-    if (values_.size() > 1) return JetError(3354);
+    if (values_.size() > 1) return JetError(ErrorNumber::kSubqueryHasSeveralRecords);
     return values_.empty() ? Value::Null() : values_[0];
 }
 
@@ -127,7 +125,7 @@ Result<Truth> SubqueryTruth(const Expression& e, EvalContext& context) {
     if (e.kind == NodeKind::kComparedQuery)
         return e.subquery->CompareWithEach(value, e.operators[0], e.all, context);
     ASSIGN_OR_RETURN(const Truth truth, e.subquery->Contains(value, context));
-    return e.negated ? Denied(truth) : truth;
+    return e.negated ? Not(truth) : truth;
 }
 
 }  // namespace jet::sql

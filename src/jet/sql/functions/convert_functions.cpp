@@ -19,7 +19,8 @@ Result<Value> Convert(Arguments a, EvalContext&) {
     ColumnDesign column;
     column.type = Type;
     auto converted = Coerce(a[0], column);
-    if (!converted.ok() && converted.status().number() == 3349) return JetError(6);
+    if (Is(converted.status(), ErrorNumber::kNumericOverflow))
+        return JetError(ErrorNumber::kOverflow);
     return converted;
 }
 
@@ -66,7 +67,7 @@ Result<Value> Format(Arguments a, EvalContext& context) {
     if (a[0].is_null()) return Value::Text(u"");
     const std::u16string format = a.size() > 1 ? ToText(a[1]) : std::u16string();
     if (format.empty()) return Value::Text(ToText(a[0]));
-    if (format.size() > 1000) return JetError(3071);
+    if (format.size() > 1000) return JetError(ErrorNumber::kExpressionTooComplex);
     if (const auto* date = a[0].get_if<Date>()) return Value::Text(FormatDate(date->days, format));
     if (const auto* text = a[0].get_if<std::u16string>()) {
         if (const auto days = ParseDate(*text, context.session->current_year()))

@@ -41,7 +41,7 @@ Result<Interval> IntervalArgument(const Value& value) {
     const std::u16string text = ToText(value);
     for (const IntervalName& named : kIntervals)
         if (SameWord(named.name, text)) return named.interval;
-    return JetError(3001);
+    return JetError(ErrorNumber::kInvalidArgument);
 }
 
 Result<CivilDateTime> CivilArgument(const Value& value, const EvalContext& context) {
@@ -63,7 +63,7 @@ Result<Value> DateFromSeconds(double seconds) {
     const double day = std::floor(seconds / 86400);
     const double time = (seconds - day * 86400) / 86400;
     const double days = day < 0 ? day - time : day + time;
-    if (!CivilFromDays(days)) return JetError(6);
+    if (!CivilFromDays(days)) return JetError(ErrorNumber::kOverflow);
     return Value::DateTime(days);
 }
 
@@ -132,7 +132,7 @@ Result<Value> Weekday(Arguments a, EvalContext& context) {
     std::int32_t first = 1;
     if (a.size() > 1) {
         ASSIGN_OR_RETURN(first, WholeArgument(a[1]));
-        if (first < 0 || first > 7) return JetError(3001);
+        if (first < 0 || first > 7) return JetError(ErrorNumber::kInvalidArgument);
     }
     if (first == 0) first = 1;  // the system's own, which is Sunday here
     return Value::Long((WeekdayOf(DayOf(civil)) - first + 7) % 7 + 1);
@@ -147,7 +147,7 @@ Result<Value> DateSerial(Arguments a, EvalContext&) {
     else if (year >= 30 && year < 100)
         year += 1900;
     const auto first = MonthFrom(year, month);
-    if (!first) return JetError(6);
+    if (!first) return JetError(ErrorNumber::kOverflow);
     return DateFromSeconds((DaysFromCivil(*first) + day - 1) * 86400.0);
 }
 
@@ -176,7 +176,7 @@ Result<Value> TimeValue(Arguments a, EvalContext& context) {
 
 Result<Value> AddMonths(CivilDateTime civil, std::int64_t months) {
     auto moved = MonthFrom(civil.year, civil.month + months);
-    if (!moved) return JetError(6);
+    if (!moved) return JetError(ErrorNumber::kOverflow);
     moved->day = std::min(civil.day, DaysInMonth(moved->year, moved->month));
     moved->hour = civil.hour;
     moved->minute = civil.minute;
@@ -245,7 +245,7 @@ Result<Value> DateDiff(Arguments a, EvalContext& context) {
     ASSIGN_OR_RETURN(const CivilDateTime first, CivilArgument(a[1], context));
     ASSIGN_OR_RETURN(const CivilDateTime second, CivilArgument(a[2], context));
     const double distance = Distance(interval, first, second);
-    if (std::fabs(distance) > 2147483647.0) return JetError(6);
+    if (std::fabs(distance) > 2147483647.0) return JetError(ErrorNumber::kOverflow);
     return Value::Long(static_cast<std::int32_t>(distance));
 }
 

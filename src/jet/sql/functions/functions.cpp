@@ -42,14 +42,15 @@ const Function* FindFunction(std::u16string_view name) {
 
 Result<double> NumberArgument(const Value& value) {
     const auto number = NumberOf(value);
-    if (!number) return JetError(3464);
+    if (!number) return JetError(ErrorNumber::kTypeMismatch);
     return *number;
 }
 
 Result<std::int32_t> WholeArgument(const Value& value) {
     ASSIGN_OR_RETURN(const double number, NumberArgument(value));
     const double rounded = std::nearbyint(number);
-    if (!(std::fabs(rounded) <= std::numeric_limits<std::int32_t>::max())) return JetError(6);
+    if (!(std::fabs(rounded) <= std::numeric_limits<std::int32_t>::max()))
+        return JetError(ErrorNumber::kOverflow);
     return static_cast<std::int32_t>(rounded);
 }
 
@@ -58,8 +59,8 @@ Result<double> DateArgument(const Value& value, const EvalContext& context) {
     if (const auto* text = value.get_if<std::u16string>())
         days = ParseDate(*text, context.session->current_year());
     if (!days) days = NumberOf(value);
-    if (!days) return JetError(3464);
-    if (!CivilFromDays(*days)) return JetError(6);
+    if (!days) return JetError(ErrorNumber::kTypeMismatch);
+    if (!CivilFromDays(*days)) return JetError(ErrorNumber::kOverflow);
     return *days;
 }
 

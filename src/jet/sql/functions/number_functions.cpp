@@ -13,7 +13,7 @@ namespace {
 using base::Result;
 
 Result<Value> Finite(double number) {
-    if (!std::isfinite(number)) return JetError(6);
+    if (!std::isfinite(number)) return JetError(ErrorNumber::kOverflow);
     return Value::Double(number);
 }
 
@@ -46,7 +46,7 @@ Result<Value> Round(Arguments a, EvalContext&) {
     std::int32_t decimals = 0;
     if (a.size() > 1) {
         ASSIGN_OR_RETURN(decimals, WholeArgument(a[1]));
-        if (decimals < 0 || decimals > 22) return JetError(3001);
+        if (decimals < 0 || decimals > 22) return JetError(ErrorNumber::kInvalidArgument);
     }
     const double scale = std::pow(10.0, decimals);
     const double scaled = number * scale;
@@ -61,13 +61,13 @@ Result<Value> Sgn(Arguments a, EvalContext&) {
 
 Result<Value> Sqr(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(const double number, NumberArgument(a[0]));
-    if (number < 0) return JetError(3001);
+    if (number < 0) return JetError(ErrorNumber::kInvalidArgument);
     return Finite(std::sqrt(number));
 }
 
 Result<Value> Log(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(const double number, NumberArgument(a[0]));
-    if (number <= 0) return JetError(3001);
+    if (number <= 0) return JetError(ErrorNumber::kInvalidArgument);
     return Finite(std::log(number));
 }
 
@@ -135,7 +135,7 @@ Result<Value> Partition(Arguments a, EvalContext&) {
         n[i] = number;
     }
     const auto [number, start, stop, interval] = n;
-    if (start < 0 || stop <= start || interval < 1) return JetError(3001);
+    if (start < 0 || stop <= start || interval < 1) return JetError(ErrorNumber::kInvalidArgument);
     const auto text = [](std::int64_t v) {
         const std::string digits = std::to_string(v);
         return std::u16string(digits.begin(), digits.end());

@@ -23,7 +23,7 @@ using base::Status;
 using Ordering = std::optional<std::weak_ordering>;
 
 Status Mismatch() {
-    return JetError(3464);
+    return JetError(ErrorNumber::kTypeMismatch);
 }
 
 std::weak_ordering OrderNumbers(double a, double b) {
@@ -107,7 +107,7 @@ bool FitsLong(double number) {
 }
 
 Result<Value> NumberResult(double number, bool whole) {
-    if (!std::isfinite(number)) return JetError(6);
+    if (!std::isfinite(number)) return JetError(ErrorNumber::kOverflow);
     if (whole && FitsLong(number)) return Value::Long(static_cast<std::int32_t>(number));
     return Value::Double(number);
 }
@@ -116,12 +116,12 @@ Result<Value> NumberResult(double number, bool whole) {
 Result<Value> WholeDivision(Operator op, double a, double b) {
     const double dividend = std::nearbyint(a);
     const double divisor = std::nearbyint(b);
-    if (!FitsLong(dividend) || !FitsLong(divisor)) return JetError(6);
-    if (divisor == 0) return JetError(11);
+    if (!FitsLong(dividend) || !FitsLong(divisor)) return JetError(ErrorNumber::kOverflow);
+    if (divisor == 0) return JetError(ErrorNumber::kDivisionByZero);
     const auto x = static_cast<std::int64_t>(dividend);
     const auto y = static_cast<std::int64_t>(divisor);
     const std::int64_t result = op == Operator::kMod ? x % y : x / y;
-    if (!FitsLong(static_cast<double>(result))) return JetError(6);
+    if (!FitsLong(static_cast<double>(result))) return JetError(ErrorNumber::kOverflow);
     return Value::Long(static_cast<std::int32_t>(result));
 }
 
@@ -129,7 +129,7 @@ Result<Value> WholeDivision(Operator op, double a, double b) {
 Result<std::int64_t> MoneyUnits(const Value& value, double number) {
     if (const auto* money = value.get_if<Money>()) return money->units;
     const double units = std::nearbyint(number * 10000);
-    if (!(std::fabs(units) < 9.2e18)) return JetError(6);
+    if (!(std::fabs(units) < 9.2e18)) return JetError(ErrorNumber::kOverflow);
     return static_cast<std::int64_t>(units);
 }
 
@@ -137,13 +137,13 @@ Result<Value> MoneySum(Operator op, std::int64_t a, std::int64_t b) {
     std::int64_t sum = 0;
     const bool overflow = op == Operator::kAdd ? __builtin_add_overflow(a, b, &sum)
                                                : __builtin_sub_overflow(a, b, &sum);
-    if (overflow) return JetError(6);
+    if (overflow) return JetError(ErrorNumber::kOverflow);
     return Value::Currency({sum});
 }
 
 Result<Value> MoneyFromDouble(double number) {
     const double units = std::nearbyint(number * 10000);
-    if (!(std::fabs(units) < 9.2e18)) return JetError(6);
+    if (!(std::fabs(units) < 9.2e18)) return JetError(ErrorNumber::kOverflow);
     return Value::Currency({static_cast<std::int64_t>(units)});
 }
 
@@ -153,7 +153,7 @@ bool IsReal(const Value& value) {
 }
 
 Result<Value> DateResult(double days) {
-    if (!CivilFromDays(days)) return JetError(6);
+    if (!CivilFromDays(days)) return JetError(ErrorNumber::kOverflow);
     return Value::DateTime(days);
 }
 
@@ -178,7 +178,7 @@ Result<Value> CalculateNumbers(Operator op, const Value& a, const Value& b, doub
         if (money && !dates && !IsReal(a) && !IsReal(b)) return MoneyFromDouble(x * y);
         return NumberResult(x * y, whole);
     case Operator::kDivide:
-        if (y == 0) return JetError(11);
+        if (y == 0) return JetError(ErrorNumber::kDivisionByZero);
         return NumberResult(x / y, false);
     case Operator::kPower:
         return NumberResult(std::pow(x, y), false);

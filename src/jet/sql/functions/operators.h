@@ -16,6 +16,9 @@ enum class Truth : std::uint8_t { kFalse, kTrue, kNull };
 inline Truth ToTruth(bool b) {
     return b ? Truth::kTrue : Truth::kFalse;
 }
+inline Truth Not(Truth truth) {
+    return truth == Truth::kNull ? truth : ToTruth(truth == Truth::kFalse);
+}
 Value TruthValue(Truth truth);
 // Numbers other than 0 are true. 3464: a text that is neither a number nor a truth word.
 base::Result<Truth> TruthOf(const Value& value);

@@ -1,14 +1,15 @@
 #include "base/ansi_text.h"
+#include "base/letter_case.h"
 #include "jet/errors.h"
 #include "jet/sql/functions/functions.h"
 #include "jet/text/collation.h"
-#include "jet/text/text_case.h"
 #include "jet/values/calendar_names.h"
 #include "jet/values/conversions.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 
 namespace jet::sql {
 namespace {
@@ -16,7 +17,7 @@ namespace {
 using base::Result;
 
 base::Status BadArgument() {
-    return JetError(3001);
+    return JetError(ErrorNumber::kInvalidArgument);
 }
 
 Result<std::size_t> CountArgument(const Value& value) {
@@ -86,7 +87,7 @@ Result<Value> Mid(Arguments a, EvalContext&) {
 
 // What letter case and the compare argument (0: exact) make of a text that is searched.
 std::u16string Searchable(const Value& value, bool exact) {
-    return exact ? ToText(value) : ToLower(ToText(value));
+    return exact ? ToText(value) : base::ToLower(ToText(value));
 }
 
 Result<bool> IsExact(Arguments a, std::size_t at) {
@@ -127,10 +128,10 @@ Result<Value> InStrRev(Arguments a, EvalContext&) {
 }
 
 Result<Value> LCase(Arguments a, EvalContext&) {
-    return Value::Text(ToLower(ToText(a[0])));
+    return Value::Text(base::ToLower(ToText(a[0])));
 }
 Result<Value> UCase(Arguments a, EvalContext&) {
-    return Value::Text(ToUpper(ToText(a[0])));
+    return Value::Text(base::ToUpper(ToText(a[0])));
 }
 
 std::u16string TrimSpaces(std::u16string text, bool left, bool right) {
@@ -150,7 +151,7 @@ Result<Value> RTrim(Arguments a, EvalContext&) {
 }
 
 Result<Value> Repeat(std::size_t count, char16_t unit) {
-    if (count > kLongestResult) return JetError(3071);
+    if (count > kLongestResult) return JetError(ErrorNumber::kExpressionTooComplex);
     return Value::Text(std::u16string(count, unit));
 }
 
@@ -183,7 +184,7 @@ Result<Value> StrComp(Arguments a, EvalContext&) {
 std::u16string ProperCase(std::u16string text) {
     bool begins = true;
     for (char16_t& unit : text) {
-        unit = begins ? ToUpper(unit) : ToLower(unit);
+        unit = begins ? base::ToUpper(unit) : base::ToLower(unit);
         begins = IsBlank(unit);
     }
     return text;
@@ -192,8 +193,8 @@ std::u16string ProperCase(std::u16string text) {
 Result<Value> StrConv(Arguments a, EvalContext&) {
     ASSIGN_OR_RETURN(const std::int32_t kind, WholeArgument(a[1]));
     const std::u16string text = ToText(a[0]);
-    if (kind == 1) return Value::Text(ToUpper(text));
-    if (kind == 2) return Value::Text(ToLower(text));
+    if (kind == 1) return Value::Text(base::ToUpper(text));
+    if (kind == 2) return Value::Text(base::ToLower(text));
     if (kind == 3) return Value::Text(ProperCase(text));
     return BadArgument();
 }
@@ -222,7 +223,7 @@ Result<Value> Replace(Arguments a, EvalContext&) {
         const std::size_t at = searched.find(wanted, from);
         if (at == std::u16string::npos) break;
         result.append(text, from, at - from).append(replacement);
-        if (result.size() > kLongestResult) return JetError(3071);
+        if (result.size() > kLongestResult) return JetError(ErrorNumber::kExpressionTooComplex);
         from = at + wanted.size();
     }
     return Value::Text(result.append(text, from));

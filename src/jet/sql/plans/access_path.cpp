@@ -1,8 +1,8 @@
 #include "jet/sql/plans/access_path.h"
 
+#include "base/letter_case.h"
 #include "jet/sql/plans/column_bounds.h"
 #include "jet/text/plain_text.h"
-#include "jet/text/text_case.h"
 
 #include <algorithm>
 
@@ -83,7 +83,7 @@ private:
         const auto* text = interval.low->value.get_if<std::u16string>();
         if (text == nullptr || interval.low->prefix) return true;
         constexpr char16_t kThorn = 0x00FE;
-        const std::u16string lower = ToLower(*text);
+        const std::u16string lower = base::ToLower(*text);
         if (lower.find(u"th") != std::u16string::npos || lower.find(kThorn) != std::u16string::npos)
             return false;
         std::string key;

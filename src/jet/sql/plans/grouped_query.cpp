@@ -108,13 +108,13 @@ Status GroupedQuery::CheckClauses() const {
     RETURN_IF_ERROR(ValueQuery::CheckClauses());
     for (std::size_t i = 0; i < select_.outputs.size(); ++i)
         if (FindUngrouped(*select_.outputs[i].expression, select_.group_by) != nullptr)
-            return JetError(3122, names_[i]);
+            return JetError(ErrorNumber::kNotPartOfAggregate, names_[i]);
     for (const OrderItem& order : select_.order_by)
         if (const Expression* column = FindUngrouped(*order.expression, select_.group_by))
-            return JetError(3122, column->name);
+            return JetError(ErrorNumber::kNotPartOfAggregate, column->name);
     if (select_.having != nullptr)
         if (const Expression* column = FindUngrouped(*select_.having, select_.group_by))
-            return JetError(3122, column->name);
+            return JetError(ErrorNumber::kNotPartOfAggregate, column->name);
     return Status::Ok();
 }
 

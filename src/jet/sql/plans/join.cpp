@@ -32,7 +32,7 @@ public:
         return std::span(numbers_).subspan(i * width_, width_);
     }
     Status Add(std::span<const std::uint32_t> tuple) {
-        if (size() == kMostCombinations) return JetError(3360);
+        if (size() == kMostCombinations) return JetError(ErrorNumber::kQueryTooComplex);
         numbers_.insert(numbers_.end(), tuple.begin(), tuple.end());
         return Status::Ok();
     }
@@ -176,7 +176,8 @@ private:
             group.conditions.push_back(condition.get());
         TestList here;
         for (JoinCondition* condition : group.conditions) {
-            if (!condition->sources.IsWithin(group.sources)) return JetError(3296);
+            if (!condition->sources.IsWithin(group.sources))
+                return JetError(ErrorNumber::kJoinNotSupported);
             Part* const part = PartOf(group, *condition);
             if (part == nullptr)
                 here.push_back(condition);
@@ -200,7 +201,8 @@ private:
         for (const JoinCondition* condition : part.kept->conditions)
             part.varies = part.varies || condition->varies;
         for (const auto& condition : part.on) {
-            if (!condition->sources.IsWithin(part.sources)) return JetError(3296);
+            if (!condition->sources.IsWithin(part.sources))
+                return JetError(ErrorNumber::kJoinNotSupported);
             part.varies = part.varies || condition->varies || condition->changes;
             const bool only_missing = condition->sources.IsWithin(part.missing->sources) &&
                                       !condition->sources.IsEmpty() && !condition->changes;
@@ -289,7 +291,7 @@ private:
             if (!row) break;
             RETURN_IF_ERROR(cursor->Read(source.columns, rows_[part.source]));
             if (!MayHold(part.fixed)) continue;
-            if (ids.size() == kMostCombinations) return JetError(3360);
+            if (ids.size() == kMostCombinations) return JetError(ErrorNumber::kQueryTooComplex);
             table.push_back(rows_[part.source]);
             ids.push_back(*row);
         }

@@ -44,7 +44,7 @@ std::unique_ptr<SelectQuery> MakeSelectQuery(SelectStatement select, Session& se
 Result<std::unique_ptr<Query>> Query::Prepare(SelectStatement select, Session& session,
                                               Scope* outer) {
     // Rows for a new table are no result.
-    if (!select.into.empty()) return JetError(3219);
+    if (!select.into.empty()) return JetError(ErrorNumber::kNotAllowedHere);
     if (!select.unions.empty()) return UnionQuery::Prepare(std::move(select), session, outer);
     Scope scope(outer);
     if (select.from != nullptr) RETURN_IF_ERROR(AddSources(*select.from, scope, session));

@@ -90,7 +90,9 @@ Status SelectQuery::ExpandStars() {
                 expanded.push_back(std::move(output));
             }
         }
-        if (!found) return item.star_of.empty() ? JetError(3067) : JetError(3061);
+        if (!found)
+            return item.star_of.empty() ? JetError(ErrorNumber::kNoTableInQuery)
+                                        : JetError(ErrorNumber::kParameterMissing);
     }
     select_.outputs = std::move(expanded);
     return Status::Ok();
@@ -104,7 +106,7 @@ Status SelectQuery::ResolveOrder() {
             e.kind == NodeKind::kLiteral ? e.value.get_if<std::int32_t>() : nullptr;
         if (position != nullptr) {
             if (*position < 1 || static_cast<std::size_t>(*position) > select_.outputs.size())
-                return JetError(3138);
+                return JetError(ErrorNumber::kSyntaxInOrderBy);
             order.expression =
                 Clone(*select_.outputs[static_cast<std::size_t>(*position) - 1].expression);
             continue;
@@ -121,7 +123,7 @@ Status SelectQuery::ResolveOrder() {
 
 Status SelectQuery::BindExpressions() {
     if (select_.where != nullptr) {
-        if (HasAggregate(*select_.where)) return JetError(3096, u"");
+        if (HasAggregate(*select_.where)) return JetError(ErrorNumber::kAggregateInWhere, u"");
         RETURN_IF_ERROR(sql::Bind(*select_.where, scope_, session_));
     }
     for (const ExpressionPtr& key : select_.group_by)
@@ -143,7 +145,8 @@ Status SelectQuery::CheckClauses() const {
             select_.outputs.begin(), select_.outputs.end(), [&](const OutputItem& item) {
                 return SameExpression(*item.expression, *order.expression);
             });
-        if (!selected) return JetError(3093, order.expression->name);
+        if (!selected)
+            return JetError(ErrorNumber::kOrderConflictsWithDistinct, order.expression->name);
     }
     return Status::Ok();
 }

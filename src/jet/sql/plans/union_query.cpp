@@ -22,7 +22,8 @@ Result<std::unique_ptr<Query>> UnionQuery::Prepare(SelectStatement select, Sessi
     query->parts_.push_back(std::move(first));
     for (const SelectStatement::Union& other : others) {
         ASSIGN_OR_RETURN(auto part, Query::Prepare(std::move(*other.select), session, outer));
-        if (part->names().size() != query->names_.size()) return JetError(3307);
+        if (part->names().size() != query->names_.size())
+            return JetError(ErrorNumber::kUnionOfUnequalWidths);
         query->parts_.push_back(std::move(part));
         // Duplicates go up to the last part that is added without ALL.
         if (!other.all) query->distinct_parts_ = query->parts_.size();
@@ -43,7 +44,7 @@ Status UnionQuery::ResolveOrder(const std::vector<OrderItem>& order_by) {
                 std::ranges::find_if(
                     names_, [&](const std::u16string& name) { return SameName(name, e.name); }) -
                 names_.begin());
-        if (output >= names_.size()) return JetError(3138);
+        if (output >= names_.size()) return JetError(ErrorNumber::kSyntaxInOrderBy);
         order_.push_back({output, order.descending});
     }
     return Status::Ok();

@@ -27,9 +27,10 @@ public:
         const TableDesign& design = table_.design();
         for (const std::u16string& name : names) {
             const std::size_t column = FindColumn(design, name);
-            if (column == design.columns.size()) return JetError(3127, name);
+            if (column == design.columns.size())
+                return JetError(ErrorNumber::kUnknownFieldInInsert, name);
             if (std::find(targets_.begin(), targets_.end(), column) != targets_.end())
-                return JetError(3063, name);
+                return JetError(ErrorNumber::kDuplicateDestination, name);
             targets_.push_back(column);
         }
         if (names.empty())
@@ -99,7 +100,8 @@ private:
 };
 
 Status InsertValues(InsertStatement& insert, Session& session, Inserter& inserter) {
-    if (insert.values.size() != inserter.columns()) return JetError(3346);
+    if (insert.values.size() != inserter.columns())
+        return JetError(ErrorNumber::kValueCountDiffers);
     Scope none;
     EvalContext context{&session, nullptr, nullptr};
     std::vector<Value> values;
@@ -115,7 +117,8 @@ Status InsertValues(InsertStatement& insert, Session& session, Inserter& inserte
 Result<std::int64_t> InsertSelected(InsertStatement& insert, Session& session, Inserter& inserter) {
     ASSIGN_OR_RETURN(const std::unique_ptr<Query> query,
                      Query::Prepare(std::move(*insert.select), session));
-    if (query->names().size() != inserter.columns()) return JetError(3346);
+    if (query->names().size() != inserter.columns())
+        return JetError(ErrorNumber::kValueCountDiffers);
     ASSIGN_OR_RETURN(std::vector<ResultRow> rows, query->Rows());
     for (ResultRow& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
@@ -159,8 +162,9 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
         ASSIGN_OR_RETURN(const Scope::Place place,
                          scope.Find(assignment.target->qualifier, assignment.target->name));
         for (const BoundAssignment& other : bound)
-            if (other.column == place.column) return JetError(3063, assignment.target->name);
-        if (HasSubquery(*assignment.value)) return JetError(3073);
+            if (other.column == place.column)
+                return JetError(ErrorNumber::kDuplicateDestination, assignment.target->name);
+        if (HasSubquery(*assignment.value)) return JetError(ErrorNumber::kNotUpdatable);
         RETURN_IF_ERROR(Bind(*assignment.value, scope, session));
         bound.push_back({place.column, assignment.value.get()});
     }
@@ -170,7 +174,7 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
 }  // namespace
 
 Status CheckWritable(Session& session, const Table& table) {
-    if (session.database->read_only()) return JetError(3073);
+    if (session.database->read_only()) return JetError(ErrorNumber::kNotUpdatable);
     const auto reason = table.read_only_reason();
     return reason ? *reason : Status::Ok();
 }
@@ -178,7 +182,7 @@ Status CheckWritable(Session& session, const Table& table) {
 Status DeleteFound(Table& table, std::span<const RowId> rows) {
     for (const RowId row : rows) {
         const Status deleted = table.Delete(row);
-        if (!deleted.ok() && deleted.number() != 3167) return deleted;
+        if (!deleted.ok() && !Is(deleted, ErrorNumber::kRecordDeleted)) return deleted;
     }
     return Status::Ok();
 }
@@ -193,7 +197,9 @@ Result<Value> StoredValue(const Expression& e, EvalContext& context, const Colum
 Result<std::int64_t> Execute(InsertStatement& insert, Session& session) {
     const auto table = session.database->FindTable(insert.table);
     if (!table.ok())
-        return table.status().number() == 3078 ? JetError(3192, insert.table) : table.status();
+        return Is(table.status(), ErrorNumber::kNoSuchTable)
+                   ? JetError(ErrorNumber::kNoOutputTable, insert.table)
+                   : table.status();
     RETURN_IF_ERROR(CheckWritable(session, **table));
     Inserter inserter(**table, session);
     RETURN_IF_ERROR(inserter.SetColumns(insert.columns));
@@ -242,7 +248,8 @@ Result<std::int64_t> Execute(DeleteStatement& erase, Session& session) {
     if (erase.from->left != nullptr) return DeleteJoined(erase, session);
     ASSIGN_OR_RETURN(const Selected selected, Select(*erase.from, erase.where.get(), session));
     const std::u16string& name = selected.scope.sources()[0].name;
-    if (!erase.target.empty() && !SameName(erase.target, name)) return JetError(3078, erase.target);
+    if (!erase.target.empty() && !SameName(erase.target, name))
+        return JetError(ErrorNumber::kNoSuchTable, erase.target);
     if (selected.rows.empty()) return std::int64_t{0};
     Table& table = *selected.scope.sources()[0].table;
     Transaction transaction(*session.database);

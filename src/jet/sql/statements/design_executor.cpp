@@ -19,7 +19,8 @@ Result<IndexDesign> MakeIndex(const IndexDefinition& definition, const TableDesi
     index.ignore_nulls = definition.ignore_nulls;
     for (const IndexColumnName& name : definition.columns) {
         const std::size_t column = FindColumn(design, name.name);
-        if (column == design.columns.size()) return JetError(3381, name.name, design.name);
+        if (column == design.columns.size())
+            return JetError(ErrorNumber::kNoSuchField, name.name, design.name);
         index.columns.push_back({column, !name.descending});
     }
     return index;
@@ -49,14 +50,16 @@ Status AddConstraints(const std::u16string& table, const Constraints& constraint
 // A missing table has its own message here.
 Result<Table*> FindTable(const std::u16string& name, Session& session) {
     auto table = session.database->FindTable(name);
-    if (!table.ok() && table.status().number() == 3078) return JetError(3376, name);
+    if (Is(table.status(), ErrorNumber::kNoSuchTable))
+        return JetError(ErrorNumber::kTableDoesNotExist, name);
     return table;
 }
 
 Result<const ColumnDesign*> ExistingColumn(const Table& table, const std::u16string& name) {
     const TableDesign& design = table.design();
     const std::size_t column = FindColumn(design, name);
-    if (column == design.columns.size()) return JetError(3381, name, design.name);
+    if (column == design.columns.size())
+        return JetError(ErrorNumber::kNoSuchField, name, design.name);
     return &design.columns[column];
 }
 
@@ -89,7 +92,8 @@ Status AddColumns(const AlterTableStatement& alter, Session& session) {
 // A constraint is a relation or an index.
 Status DropConstraint(const std::u16string& table, const std::u16string& name, Session& session) {
     Status status = session.database->DropRelation(table, name);
-    return status.number() == 3372 ? session.database->DropIndex(table, name) : status;
+    return Is(status, ErrorNumber::kNoSuchIndex) ? session.database->DropIndex(table, name)
+                                                 : status;
 }
 
 Status DropParts(const AlterTableStatement& alter, Session& session) {
@@ -117,7 +121,7 @@ Status Apply(const AlterTableStatement& alter, const Table& table, Session& sess
 }
 
 Status BeginDesign(Session& session, Transaction& transaction) {
-    if (session.database->read_only()) return JetError(3027);
+    if (session.database->read_only()) return JetError(ErrorNumber::kReadOnly);
     return transaction.Begin();
 }
 
@@ -128,10 +132,10 @@ Status Execute(const CreateTableStatement& create, Session& session) {
     design.name = create.table;
     for (const ColumnDesign& column : create.columns) {
         if (FindColumn(design, column.name) != design.columns.size())
-            return JetError(3380, column.name, create.table);
+            return JetError(ErrorNumber::kFieldExists, column.name, create.table);
         design.columns.push_back(column);
     }
-    if (design.columns.empty()) return JetError(3290);
+    if (design.columns.empty()) return JetError(ErrorNumber::kSyntaxInCreateTable);
     for (const IndexDefinition& definition : create.constraints.indexes) {
         ASSIGN_OR_RETURN(IndexDesign index, MakeIndex(definition, design));
         design.indexes.push_back(std::move(index));

@@ -82,9 +82,9 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
         ASSIGN_OR_RETURN(const Scope::Place place, scope.Find(name.qualifier, name.name));
         for (const BoundAssignment& other : bound)
             if (other.target.source == place.source && other.target.column == place.column)
-                return JetError(3063, name.name);
+                return JetError(ErrorNumber::kDuplicateDestination, name.name);
         RETURN_IF_ERROR(CheckWritable(session, *scope.sources()[place.source].table));
-        if (HasSubquery(*assignment.value)) return JetError(3073);
+        if (HasSubquery(*assignment.value)) return JetError(ErrorNumber::kNotUpdatable);
         RETURN_IF_ERROR(Bind(*assignment.value, scope, session));
         bound.push_back({place, scope.Use(place), assignment.value.get()});
     }
@@ -107,10 +107,10 @@ Status CollectChanges(const std::vector<BoundAssignment>& assignments, const Sco
 }
 
 Result<std::size_t> FindTarget(const DeleteStatement& erase, const Scope& scope) {
-    if (erase.target.empty()) return JetError(3128);
+    if (erase.target.empty()) return JetError(ErrorNumber::kNoTargetOfDelete);
     for (std::size_t i = 0; i < scope.sources().size(); ++i)
         if (SameName(scope.sources()[i].name, erase.target)) return i;
-    return JetError(3078, erase.target);
+    return JetError(ErrorNumber::kNoSuchTable, erase.target);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "jet/sql/statements/executor.h"
 #include "jet/sql/statements/transaction.h"
 #include "jet/values/coerce.h"
+#include "jet/values/column_limits.h"
 
 #include <algorithm>
 
@@ -12,8 +13,6 @@ namespace {
 
 using base::Result;
 using base::Status;
-
-constexpr std::uint16_t kLongestText = 255;
 
 // The type that holds all values of a computed column.
 class TypeFinder {
@@ -36,9 +35,9 @@ public:
     ColumnDesign Design() const {
         ColumnDesign design;
         design.type = type_.value_or(ColumnType::kText);
-        design.size = design.type == ColumnType::kText ? kLongestText : 0;
+        design.size = design.type == ColumnType::kText ? kMaxTextCharacters : 0;
         if (design.type != ColumnType::kText) return design;
-        if (longest_ > kLongestText || mixed_) {
+        if (longest_ > kMaxTextCharacters || mixed_) {
             design.type = ColumnType::kMemo;
             design.size = 0;
         }
@@ -107,7 +106,7 @@ TableDesign DesignFor(const Query& query, const std::u16string& name,
 }  // namespace
 
 Result<std::int64_t> Execute(SelectStatement& select, Session& session) {
-    if (session.database->read_only()) return JetError(3027);
+    if (session.database->read_only()) return JetError(ErrorNumber::kReadOnly);
     const std::u16string name = std::exchange(select.into, {});
     std::vector<ResultRow> rows;
     TableDesign design;

@@ -74,7 +74,7 @@ Status FindColumns(Expression& e, const TableDesign& design, std::vector<bool>& 
     const std::size_t column = FindColumn(design, e.name);
     if (column == design.columns.size() ||
         (!e.qualifier.empty() && !SameName(e.qualifier, design.name)))
-        return JetError(3018, e.name);
+        return JetError(ErrorNumber::kNoSuchFieldInRule, e.name);
     e.kind = NodeKind::kColumn;
     e.source = 0;
     e.slot = column;
@@ -107,7 +107,7 @@ Status NotUnderstood(const std::u16string& text, const std::u16string& whose, co
 // The design's own text replaces the engine's.
 Status Broken(const std::u16string& text, const std::u16string& whose,
               const std::optional<std::u16string>& message) {
-    const Status broken = JetError(3317, text, whose);
+    const Status broken = JetError(ErrorNumber::kRuleBroken, text, whose);
     if (!message) return broken;
     return {broken.code(), base::ToUtf8(*message), broken.number()};
 }

@@ -9,12 +9,12 @@ using base::Status;
 Status StatementParser::ParseAlias(std::u16string& alias) {
     const bool as = tokens_.TakeWord(u"AS");
     if (!as && !tokens_.IsName()) return Status::Ok();
-    ASSIGN_OR_RETURN(alias, tokens_.TakeName(JetError(3131)));
+    ASSIGN_OR_RETURN(alias, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInFrom)));
     return Status::Ok();
 }
 
 Result<Statement> StatementParser::ParseInsert() {
-    const Status failure = JetError(3134);
+    const Status failure = JetError(ErrorNumber::kSyntaxInInsert);
     InsertStatement insert;
     if (!tokens_.TakeWord(u"INTO")) return failure;
     ASSIGN_OR_RETURN(insert.table, tokens_.TakeName(failure));
@@ -30,7 +30,7 @@ Result<Statement> StatementParser::ParseInsert() {
 }
 
 Status StatementParser::ParseInsertColumns(InsertStatement& insert) {
-    const Status failure = JetError(3134);
+    const Status failure = JetError(ErrorNumber::kSyntaxInInsert);
     tokens_.Take();  // the parenthesis
     do {
         ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(failure));
@@ -43,7 +43,7 @@ Status StatementParser::ParseInsertColumns(InsertStatement& insert) {
 }
 
 Status StatementParser::ParseInsertValues(InsertStatement& insert) {
-    const Status failure = JetError(3134);
+    const Status failure = JetError(ErrorNumber::kSyntaxInInsert);
     if (!tokens_.TakeSymbol(u"(")) return failure;
     do {
         ASSIGN_OR_RETURN(ExpressionPtr value, ParseExpression());
@@ -53,7 +53,7 @@ Status StatementParser::ParseInsertValues(InsertStatement& insert) {
 }
 
 Result<Statement> StatementParser::ParseUpdate() {
-    const Status failure = JetError(3144);
+    const Status failure = JetError(ErrorNumber::kSyntaxInUpdate);
     UpdateStatement update;
     if (!tokens_.IsName() && !tokens_.IsSymbol(u"(")) return failure;
     ASSIGN_OR_RETURN(update.from, ParseFrom());
@@ -69,7 +69,7 @@ Result<Statement> StatementParser::ParseUpdate() {
 }
 
 Result<Assignment> StatementParser::ParseAssignment() {
-    const Status failure = JetError(3144);
+    const Status failure = JetError(ErrorNumber::kSyntaxInUpdate);
     Assignment assignment;
     assignment.target = std::make_unique<Expression>();
     Expression& target = *assignment.target;
@@ -97,7 +97,7 @@ Result<Statement> StatementParser::ParseDelete() {
     } else {
         tokens_.TakeSymbol(u"*");
     }
-    if (!tokens_.TakeWord(u"FROM")) return JetError(3131);
+    if (!tokens_.TakeWord(u"FROM")) return JetError(ErrorNumber::kSyntaxInFrom);
     ASSIGN_OR_RETURN(erase.from, ParseFrom());
     if (tokens_.IsWord(u"WHERE")) {
         ASSIGN_OR_RETURN(erase.where, ParseWhere());

@@ -3,6 +3,7 @@
 #include "jet/sql/syntax/statement_parser.h"
 #include "jet/sql/syntax/type_names.h"
 #include "jet/values/calendar_names.h"
+#include "jet/values/column_limits.h"
 
 namespace jet::sql {
 namespace {
@@ -10,16 +11,15 @@ namespace {
 using base::Result;
 using base::Status;
 
-constexpr std::uint16_t kLongestText = 255;
-constexpr std::uint16_t kLongestBinary = 510;
-constexpr std::int64_t kMostPrecision = 28;
+constexpr std::int64_t kMaxPrecision = 28;
 
 Status BadField() {
-    return JetError(3292);
+    return JetError(ErrorNumber::kSyntaxInFieldDefinition);
 }
 
 Status SetSize(ColumnDesign& column, std::int64_t size) {
-    const std::uint16_t most = column.type == ColumnType::kBinary ? kLongestBinary : kLongestText;
+    const std::uint16_t most =
+        column.type == ColumnType::kBinary ? kMaxBinaryBytesJet4 : kMaxTextCharacters;
     if (size < 1 || size > most) return BadField();
     column.size = static_cast<std::uint16_t>(size);
     return Status::Ok();
@@ -40,11 +40,11 @@ Result<Statement> StatementParser::ParseCreate() {
     if (tokens_.TakeWord(u"TABLE")) return ParseCreateTable();
     const bool unique = tokens_.TakeWord(u"UNIQUE");
     if (tokens_.TakeWord(u"INDEX")) return ParseCreateIndex(unique);
-    return JetError(3290);
+    return JetError(ErrorNumber::kSyntaxInCreateTable);
 }
 
 Result<Statement> StatementParser::ParseCreateTable() {
-    const Status failure = JetError(3290);
+    const Status failure = JetError(ErrorNumber::kSyntaxInCreateTable);
     CreateTableStatement create;
     ASSIGN_OR_RETURN(create.table, tokens_.TakeName(failure));
     if (!tokens_.TakeSymbol(u"(")) return failure;
@@ -100,10 +100,11 @@ Status StatementParser::ParseType(ColumnDesign& column) {
     if (type->default_size != 0) return SetSize(column, first);
     if (type->autonumber) {
         if (first == 1 && second == 1) return Status::Ok();
-        return {base::StatusCode::kUnsupported, "An autonumber starts at 1 and grows by 1.", 3292};
+        return ErrorBecause(ErrorNumber::kSyntaxInFieldDefinition,
+                            "An autonumber starts at 1 and grows by 1.");
     }
     if (type->type != ColumnType::kNumeric) return Status::Ok();  // a size that means nothing here
-    if (first < 1 || first > kMostPrecision || second < 0 || second > first) return BadField();
+    if (first < 1 || first > kMaxPrecision || second < 0 || second > first) return BadField();
     column.precision = static_cast<std::uint8_t>(first);
     column.scale = static_cast<std::uint8_t>(second);
     return Status::Ok();
@@ -186,8 +187,8 @@ Status StatementParser::ParseConstraint(Constraints& constraints) {
         constraints.relations.push_back(std::move(relation));
         return Status::Ok();
     } else if (tokens_.IsWord(u"CHECK"))
-        return {base::StatusCode::kUnsupported,
-                "Only PRIMARY KEY, UNIQUE and FOREIGN KEY constraints are supported.", 3292};
+        return ErrorBecause(ErrorNumber::kSyntaxInFieldDefinition,
+                            "Only PRIMARY KEY, UNIQUE and FOREIGN KEY constraints are supported.");
     else
         return BadField();
     RETURN_IF_ERROR(ParseIndexColumns(index, BadField()));
@@ -258,7 +259,7 @@ Status StatementParser::ParseIndexColumns(IndexDefinition& index, const Status& 
 }
 
 Result<Statement> StatementParser::ParseCreateIndex(bool unique) {
-    const Status failure = JetError(3291);
+    const Status failure = JetError(ErrorNumber::kSyntaxInCreateIndex);
     CreateIndexStatement create;
     create.index.unique = unique;
     ASSIGN_OR_RETURN(create.index.name, tokens_.TakeName(failure));
@@ -279,7 +280,7 @@ Result<Statement> StatementParser::ParseCreateIndex(bool unique) {
 }
 
 Result<Statement> StatementParser::ParseAlter() {
-    const Status failure = JetError(3293);
+    const Status failure = JetError(ErrorNumber::kSyntaxInAlterTable);
     AlterTableStatement alter;
     if (!tokens_.TakeWord(u"TABLE")) return failure;
     ASSIGN_OR_RETURN(alter.table, tokens_.TakeName(failure));
@@ -316,7 +317,7 @@ Status StatementParser::ParseAlterColumn(AlterTableStatement& alter) {
         alter.kind = AlterKind::kSetDefault;
         column.name = tokens_.Take().text;
         const bool set = SameWord(tokens_.Take().text, u"SET");
-        if (!tokens_.TakeWord(u"DEFAULT")) return JetError(3293);
+        if (!tokens_.TakeWord(u"DEFAULT")) return JetError(ErrorNumber::kSyntaxInAlterTable);
         if (set) {
             ASSIGN_OR_RETURN(column.default_value, ParseDefault());
         }
@@ -332,14 +333,15 @@ Status StatementParser::ParseDropPart(AlterTableStatement& alter) {
     alter.kind = constraint ? AlterKind::kDropConstraint : AlterKind::kDropColumn;
     if (!constraint) tokens_.TakeWord(u"COLUMN");
     do {
-        ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(JetError(3293)));
+        ASSIGN_OR_RETURN(std::u16string name,
+                         tokens_.TakeName(JetError(ErrorNumber::kSyntaxInAlterTable)));
         alter.names.push_back(std::move(name));
     } while (tokens_.TakeSymbol(u","));
     return Status::Ok();
 }
 
 Result<Statement> StatementParser::ParseDrop() {
-    const Status failure = JetError(3295);
+    const Status failure = JetError(ErrorNumber::kSyntaxInDrop);
     DropStatement drop;
     if (tokens_.TakeWord(u"TABLE")) {
         ASSIGN_OR_RETURN(drop.table, tokens_.TakeName(failure));

@@ -226,7 +226,7 @@ Result<ExpressionPtr> ExpressionParser::ParseLevel(int lowest) {
 // A test of what a test gave goes one level deeper, and its parentheses may hold others.
 Status ExpressionParser::CountTest(bool& tested) {
     if (std::exchange(tested, true) && ++tokens_.tests_of_tests() > kDeepestNesting)
-        return JetError(3360);
+        return JetError(ErrorNumber::kQueryTooComplex);
     return Status::Ok();
 }
 
@@ -331,7 +331,7 @@ Result<ExpressionPtr> ExpressionParser::ParsePrefix(int lowest) {
         tokens_.IsWord(u"NOT") || tokens_.IsSymbol(u"+") || tokens_.IsSymbol(u"-");
     if (!prefixed) return ParseOperand();
     const Deeper deeper(tokens_.nesting());
-    if (deeper.too_deep()) return JetError(3360);
+    if (deeper.too_deep()) return JetError(ErrorNumber::kQueryTooComplex);
     if (tokens_.TakeWord(u"NOT")) {
         ASSIGN_OR_RETURN(ExpressionPtr operand, ParseLevel(kCompareLevel));
         ExpressionPtr node = NewNode(NodeKind::kNot, begin);
@@ -361,7 +361,7 @@ Result<ExpressionPtr> ExpressionParser::ParseOperand() {
         tokens_.Take();
         return ParseQuery(NodeKind::kExists, begin);
     }
-    if (token.kind == TokenKind::kParameter) return JetError(3061);
+    if (token.kind == TokenKind::kParameter) return JetError(ErrorNumber::kParameterMissing);
     const bool qualifies = tokens_.IsSymbol(u".", 1) || tokens_.IsSymbol(u"!", 1);
     if (token.kind == TokenKind::kWord && !qualifies) {
         if (tokens_.IsSymbol(u"(", 1)) return ParseCall();
@@ -377,7 +377,7 @@ Result<ExpressionPtr> ExpressionParser::ParseOperand() {
 
 Result<ExpressionPtr> ExpressionParser::ParseParentheses() {
     const Deeper deeper(tokens_.nesting());
-    if (deeper.too_deep()) return JetError(3360);
+    if (deeper.too_deep()) return JetError(ErrorNumber::kQueryTooComplex);
     tokens_.Take();
     ASSIGN_OR_RETURN(ExpressionPtr inner, ParseLevel(kImpLevel));
     if (!tokens_.TakeSymbol(u")")) return MissingOperator();
@@ -423,7 +423,7 @@ Result<ExpressionPtr> ExpressionParser::ParseCall() {
 Status ExpressionParser::ParseArguments(Expression& call) {
     if (tokens_.TakeSymbol(u")")) return Status::Ok();
     const Deeper deeper(tokens_.nesting());
-    if (deeper.too_deep()) return JetError(3360);
+    if (deeper.too_deep()) return JetError(ErrorNumber::kQueryTooComplex);
     do {
         ASSIGN_OR_RETURN(ExpressionPtr argument, ParseLevel(kImpLevel));
         call.children.push_back(std::move(argument));

@@ -166,7 +166,7 @@ private:
         }
         if (IsNameStart(Peek())) return SyntaxError(" (missing operator)", sql_.substr(begin));
         const auto number = ParseNumber(sql_.substr(begin, at_ - begin));
-        if (!number) return JetError(6);
+        if (!number) return JetError(ErrorNumber::kOverflow);
         AddLiteral(begin, NumberValue(*number, whole));
         return Status::Ok();
     }
@@ -230,16 +230,14 @@ private:
 }  // namespace
 
 base::Result<std::vector<Token>> Tokenize(std::u16string_view sql, int current_year) {
-    if (sql.size() > kLongestSql) return JetError(3360);
+    if (sql.size() > kLongestSql) return JetError(ErrorNumber::kQueryTooComplex);
     return Lexer(sql, current_year).Run();
 }
 
 base::Status SyntaxError(std::string_view what, std::u16string_view where) {
     where = TrimBlanks(where).substr(0, kLongestQuotation);
-    return {base::StatusCode::kInvalidArgument,
-            "Syntax error" + std::string(what) + " in query expression '" + base::ToUtf8(where) +
-                "'.",
-            3075};
+    return JetError(ErrorNumber::kInQueryExpression, "Syntax error" + std::string(what),
+                    base::ToUtf8(where));
 }
 
 }  // namespace jet::sql

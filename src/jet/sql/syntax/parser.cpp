@@ -36,7 +36,7 @@ Result<ExpressionPtr> ParseRule(std::u16string_view text, std::u16string_view co
 Result<Statement> StatementParser::Parse() {
     ASSIGN_OR_RETURN(Statement statement, ParseStatement());
     if (tokens_.TakeSymbol(u";")) {
-        if (!tokens_.AtEnd()) return JetError(3142);
+        if (!tokens_.AtEnd()) return JetError(ErrorNumber::kTextAfterStatement);
     }
     if (tokens_.AtEnd()) return statement;
     // What is left over belongs to the last clause; an expression that ended too early is the usual
@@ -55,7 +55,7 @@ Result<Statement> StatementParser::ParseStatement() {
     if (tokens_.TakeWord(u"CREATE")) return ParseCreate();
     if (tokens_.TakeWord(u"ALTER")) return ParseAlter();
     if (tokens_.TakeWord(u"DROP")) return ParseDrop();
-    return JetError(3129);
+    return JetError(ErrorNumber::kNotAStatement);
 }
 
 }  // namespace jet::sql

@@ -20,10 +20,10 @@ constexpr std::size_t kMostJoins = 100;
 Result<SelectStatement> StatementParser::ParseSubquery() {
     nested_ = true;
     tokens_.Take();
-    if (++tokens_.nesting() > kDeepestNesting) return JetError(3360);
+    if (++tokens_.nesting() > kDeepestNesting) return JetError(ErrorNumber::kQueryTooComplex);
     ASSIGN_OR_RETURN(SelectStatement select, ParseSelect());
     --tokens_.nesting();
-    if (!select.into.empty()) return JetError(3141);
+    if (!select.into.empty()) return JetError(ErrorNumber::kSyntaxInSelect);
     if (!tokens_.TakeSymbol(u")"))
         return SyntaxError(" (missing operator)", tokens_.TextFrom(tokens_.last_end()));
     return select;
@@ -35,9 +35,10 @@ Result<SelectStatement> StatementParser::ParseSelect() {
         SelectStatement::Union part;
         part.all = tokens_.TakeWord(u"ALL");
         if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMostUnions)
-            return JetError(3141);
+            return JetError(ErrorNumber::kSyntaxInSelect);
         ASSIGN_OR_RETURN(SelectStatement next, ParseSelectCore());
-        if (!select.into.empty() || !next.into.empty()) return JetError(3141);
+        if (!select.into.empty() || !next.into.empty())
+            return JetError(ErrorNumber::kSyntaxInSelect);
         part.select = std::make_unique<SelectStatement>(std::move(next));
         select.unions.push_back(std::move(part));
     }
@@ -55,10 +56,10 @@ Result<SelectStatement> StatementParser::ParseSelectCore() {
     RETURN_IF_ERROR(ParseTop(select));
     RETURN_IF_ERROR(ParseOutputs(select));
     if (tokens_.TakeWord(u"INTO")) {
-        ASSIGN_OR_RETURN(select.into, tokens_.TakeName(JetError(3141)));
+        ASSIGN_OR_RETURN(select.into, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInSelect)));
         if (tokens_.IsWord(u"IN"))
-            return Status(base::StatusCode::kUnsupported,
-                          "SELECT ... INTO another database is not supported.", 3141);
+            return ErrorBecause(ErrorNumber::kSyntaxInSelect,
+                                "SELECT ... INTO another database is not supported.");
     }
     if (tokens_.TakeWord(u"FROM")) {
         ASSIGN_OR_RETURN(select.from, ParseFrom());
@@ -72,9 +73,10 @@ Result<SelectStatement> StatementParser::ParseSelectCore() {
 
 Status StatementParser::ParseTop(SelectStatement& select) {
     if (!tokens_.TakeWord(u"TOP")) return Status::Ok();
-    ASSIGN_OR_RETURN(select.top, ParseNumber(JetError(3141)));
+    ASSIGN_OR_RETURN(select.top, ParseNumber(JetError(ErrorNumber::kSyntaxInSelect)));
     select.top_percent = tokens_.TakeWord(u"PERCENT");
-    if (*select.top < 0 || (select.top_percent && *select.top > 100)) return JetError(3141);
+    if (*select.top < 0 || (select.top_percent && *select.top > 100))
+        return JetError(ErrorNumber::kSyntaxInSelect);
     return Status::Ok();
 }
 
@@ -96,10 +98,11 @@ Result<OutputItem> StatementParser::ParseOutput() {
         tokens_.Take();
         return item;
     }
-    if (tokens_.AtEnd() || tokens_.IsWord(u"FROM") || tokens_.IsSymbol(u",")) return JetError(3141);
+    if (tokens_.AtEnd() || tokens_.IsWord(u"FROM") || tokens_.IsSymbol(u","))
+        return JetError(ErrorNumber::kSyntaxInSelect);
     ASSIGN_OR_RETURN(item.expression, ParseExpression());
     if (tokens_.TakeWord(u"AS")) {
-        ASSIGN_OR_RETURN(item.alias, tokens_.TakeName(JetError(3141)));
+        ASSIGN_OR_RETURN(item.alias, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInSelect)));
     }
     return item;
 }
@@ -107,7 +110,7 @@ Result<OutputItem> StatementParser::ParseOutput() {
 Result<std::unique_ptr<FromNode>> StatementParser::ParseFrom() {
     ASSIGN_OR_RETURN(std::unique_ptr<FromNode> from, ParseJoins());
     for (std::size_t count = 1; tokens_.TakeSymbol(u","); ++count) {
-        if (count == kMostJoins) return JetError(3360);
+        if (count == kMostJoins) return JetError(ErrorNumber::kQueryTooComplex);
         auto both = std::make_unique<FromNode>();
         both->left = std::move(from);
         ASSIGN_OR_RETURN(both->right, ParseJoins());
@@ -128,12 +131,12 @@ Result<std::unique_ptr<FromNode>> StatementParser::ParseJoins() {
             kind = JoinKind::kRight;
         else if (!tokens_.TakeWords({u"INNER", u"JOIN"}))
             return from;
-        if (count == kMostJoins) return JetError(3360);
+        if (count == kMostJoins) return JetError(ErrorNumber::kQueryTooComplex);
         auto join = std::make_unique<FromNode>();
         join->kind = kind;
         join->left = std::move(from);
         ASSIGN_OR_RETURN(join->right, ParseSource());
-        if (!tokens_.TakeWord(u"ON")) return JetError(3131);
+        if (!tokens_.TakeWord(u"ON")) return JetError(ErrorNumber::kSyntaxInFrom);
         ASSIGN_OR_RETURN(join->on, ParseExpression());
         from = std::move(join);
     }
@@ -141,27 +144,27 @@ Result<std::unique_ptr<FromNode>> StatementParser::ParseJoins() {
 
 Result<std::unique_ptr<FromNode>> StatementParser::ParseSource() {
     if (tokens_.TakeSymbol(u"(")) {
-        if (++tokens_.nesting() > kDeepestNesting) return JetError(3360);
+        if (++tokens_.nesting() > kDeepestNesting) return JetError(ErrorNumber::kQueryTooComplex);
         ASSIGN_OR_RETURN(std::unique_ptr<FromNode> inner, ParseJoins());
         --tokens_.nesting();
-        if (!tokens_.TakeSymbol(u")")) return JetError(3131);
+        if (!tokens_.TakeSymbol(u")")) return JetError(ErrorNumber::kSyntaxInFrom);
         return inner;
     }
     auto source = std::make_unique<FromNode>();
-    ASSIGN_OR_RETURN(source->table, tokens_.TakeName(JetError(3131)));
+    ASSIGN_OR_RETURN(source->table, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInFrom)));
     RETURN_IF_ERROR(ParseAlias(source->alias));
     return source;
 }
 
 Result<ExpressionPtr> StatementParser::ParseWhere() {
     tokens_.Take();  // WHERE
-    if (tokens_.AtEnd() || tokens_.IsSymbol(u";")) return JetError(3145);
+    if (tokens_.AtEnd() || tokens_.IsSymbol(u";")) return JetError(ErrorNumber::kSyntaxInWhere);
     return ParseExpression();
 }
 
 Status StatementParser::ParseGrouping(SelectStatement& select) {
     if (tokens_.TakeWord(u"GROUP")) {
-        if (!tokens_.TakeWord(u"BY")) return JetError(3146);
+        if (!tokens_.TakeWord(u"BY")) return JetError(ErrorNumber::kSyntaxInGroupBy);
         do {
             ASSIGN_OR_RETURN(ExpressionPtr key, ParseExpression());
             select.group_by.push_back(std::move(key));
@@ -175,10 +178,10 @@ Status StatementParser::ParseGrouping(SelectStatement& select) {
 
 Status StatementParser::ParseOrder(SelectStatement& select) {
     if (!tokens_.TakeWord(u"ORDER")) return Status::Ok();
-    if (!tokens_.TakeWord(u"BY")) return JetError(3138);
+    if (!tokens_.TakeWord(u"BY")) return JetError(ErrorNumber::kSyntaxInOrderBy);
     do {
         if (tokens_.AtEnd() || tokens_.IsWord(u"ASC") || tokens_.IsWord(u"DESC"))
-            return JetError(3138);
+            return JetError(ErrorNumber::kSyntaxInOrderBy);
         OrderItem item;
         ASSIGN_OR_RETURN(item.expression, ParseExpression());
         item.descending = tokens_.TakeWord(u"DESC");
@@ -186,7 +189,7 @@ Status StatementParser::ParseOrder(SelectStatement& select) {
         select.order_by.push_back(std::move(item));
     } while (tokens_.TakeSymbol(u","));
     const bool ends = nested_ ? tokens_.IsSymbol(u")") : tokens_.IsSymbol(u";");
-    if (!tokens_.AtEnd() && !ends) return JetError(3138);
+    if (!tokens_.AtEnd() && !ends) return JetError(ErrorNumber::kSyntaxInOrderBy);
     return Status::Ok();
 }
 

@@ -34,6 +34,13 @@ TEST_F(SqlSelect, ANameWithoutAnExpressionGetsANumber) {
     EXPECT_EQ(rows->FieldName(3), u"Expr1001");
 }
 
+// Names are equal in statements where they are equal in the catalogue: by the collation.
+TEST_F(SqlSelect, NamesCompareByTheCollation) {
+    Run(u"CREATE TABLE Stra\u00DFen (\u03A3igma LONG, [th] LONG)");
+    EXPECT_EQ(Run(u"INSERT INTO STRASSEN (\u03C3IGMA, [\u00FE]) VALUES (1, 2)"), "1");
+    EXPECT_EQ(Run(u"SELECT strassen.\u03C3igma FROM Strassen WHERE \u00DE = 2"), "1");
+}
+
 TEST_F(SqlSelect, ANameThatTwoSourcesShareIsQualified) {
     auto rows =
         connection->Execute(u"SELECT * FROM Game INNER JOIN Maker ON Game.Maker = Maker.Id");

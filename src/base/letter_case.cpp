@@ -1,6 +1,6 @@
-#include "jet/text/text_case.h"
+#include "base/letter_case.h"
 
-namespace jet {
+namespace base {
 namespace {
 
 // A run of capitals whose small letters lie `distance` further on; distance 1: capitals and small
@@ -17,8 +17,8 @@ constexpr CaseRun kRuns[] = {
     {0x01CD, 0x01DB, 1},  {0x01DE, 0x01EE, 1},  {0x01F8, 0x021E, 1},  {0x0222, 0x0232, 1},
     {0x0388, 0x038A, 37}, {0x0391, 0x03A1, 32}, {0x03A3, 0x03AB, 32}, {0x03D8, 0x03EE, 1},
     {0x0400, 0x040F, 80}, {0x0410, 0x042F, 32}, {0x0460, 0x0480, 1},  {0x048A, 0x04BE, 1},
-    {0x04D0, 0x052E, 1},  {0x0531, 0x0556, 48}, {0x1E00, 0x1E94, 1},  {0x1EA0, 0x1EFE, 1},
-    {0xFF21, 0xFF3A, 32},
+    {0x04C1, 0x04CD, 1},  {0x04D0, 0x052E, 1},  {0x0531, 0x0556, 48}, {0x1E00, 0x1E94, 1},
+    {0x1EA0, 0x1EFE, 1},  {0xFF21, 0xFF3A, 32},
 };
 
 struct CasePair {
@@ -33,6 +33,10 @@ constexpr CasePair kPairs[] = {
 constexpr bool InRun(char16_t unit, char16_t first, char16_t last, char16_t distance) {
     return unit >= first && unit <= last && (distance != 1 || (unit - first) % 2 == 0);
 }
+
+// At the end of a word only: its capital has another small letter.
+constexpr char16_t kSmallFinalSigma = 0x03C2;
+constexpr char16_t kCapitalSigma = 0x03A3;
 
 template <char16_t (*Convert)(char16_t)>
 std::u16string ConvertAll(std::u16string_view text) {
@@ -59,7 +63,7 @@ char16_t ToUpper(char16_t unit) {
             return static_cast<char16_t>(unit - run.distance);
     for (const CasePair& pair : kPairs)
         if (unit == pair.lower) return pair.upper;
-    return unit;
+    return unit == kSmallFinalSigma ? kCapitalSigma : unit;
 }
 
 std::u16string ToUpper(std::u16string_view text) {
@@ -70,4 +74,4 @@ std::u16string ToLower(std::u16string_view text) {
     return ConvertAll<ToLower>(text);
 }
 
-}  // namespace jet
+}  // namespace base

@@ -1,6 +1,5 @@
-// AheadPages: the pages that a long walk has read ahead. They stay in one buffer, which the next
-// piece of the walk uses again, instead of pushing everything else out of the cache: a walk asks
-// for each page once. Threads: none; they are the store's own thread's.
+// Prefetch: pages that a long scan has read ahead. One buffer is used for every piece of the scan,
+// so that the scan, which asks for each page once, does not evict the cache. Not thread-safe.
 #pragma once
 
 #include "jet/pages/page_transaction.h"
@@ -10,27 +9,27 @@
 
 namespace jet {
 
-class AheadPages {
+class Prefetch {
 public:
-    explicit AheadPages(std::size_t page_size) : page_size_(page_size) {}
+    explicit Prefetch(std::size_t page_size) : page_size_(page_size) {}
 
-    // Room for `count` pages to be read into; what was held is forgotten.
-    std::span<std::byte> Room(PageNumber count) {
-        Forget();
+    // A buffer to read `count` pages into; the pages prefetched before are dropped.
+    std::span<std::byte> Reserve(PageNumber count) {
+        Clear();
         const std::size_t size = count * page_size_;
         if (bytes_.size() < size) bytes_.resize(size);
         return std::span(bytes_).first(size);
     }
-    // The room now holds `count` pages from `first` on.
-    void Hold(PageNumber first, PageNumber count) {
+    // The buffer now holds `count` pages from `first` on.
+    void Fill(PageNumber first, PageNumber count) {
         first_ = first;
         count_ = count;
     }
-    void Forget() { count_ = 0; }
+    void Clear() { count_ = 0; }
 
     bool Contains(PageNumber page) const { return page >= first_ && page - first_ < count_; }
     // Requires: Contains(page).
-    SharedPage Copy(PageNumber page) const {
+    SharedPage Take(PageNumber page) const {
         const std::span bytes = std::span(bytes_).subspan((page - first_) * page_size_, page_size_);
         return std::make_shared<PageBytes>(bytes.begin(), bytes.end());
     }

@@ -1,4 +1,6 @@
-#include "jet/pages/owner_file.h"
+#include "jet/pages/lock_file.h"
+
+#include "jet/errors.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +10,7 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kNameSize = 32;
-using OwnerSlot = std::array<std::byte, 2 * kNameSize>;
+using LockSlot = std::array<std::byte, 2 * kNameSize>;
 
 // Cuts at a whole UTF-8 character and leaves room for the final zero.
 void StoreName(std::string_view name, std::byte* to) {
@@ -25,8 +27,8 @@ std::string LoadName(const std::byte* from) {
     return name;
 }
 
-OwnerSlot MakeSlot(const std::string& user_at_computer) {
-    OwnerSlot slot{};
+LockSlot MakeSlot(const std::string& user_at_computer) {
+    LockSlot slot{};
     const std::size_t at = user_at_computer.find('@');
     const std::string_view user = std::string_view(user_at_computer).substr(0, at);
     const std::string_view computer =
@@ -38,7 +40,7 @@ OwnerSlot MakeSlot(const std::string& user_at_computer) {
 
 }  // namespace
 
-std::filesystem::path OwnerFile::PathFor(const std::filesystem::path& database) {
+std::filesystem::path LockFile::PathFor(const std::filesystem::path& database) {
     std::filesystem::path path = database;
     std::string ending = database.extension().string();
     std::ranges::transform(ending, ending.begin(),
@@ -47,48 +49,44 @@ std::filesystem::path OwnerFile::PathFor(const std::filesystem::path& database) 
     return path += ".ldb";
 }
 
-OwnerFile::OwnerFile(FileSystem& files, std::filesystem::path path, std::unique_ptr<File> file)
+LockFile::LockFile(FileSystem& files, std::filesystem::path path, std::unique_ptr<File> file)
     : files_(files), path_(std::move(path)), file_(std::move(file)) {}
 
-OwnerFile::~OwnerFile() {
+LockFile::~LockFile() {
     // Removed while it is still locked, so that no other process takes it over in between.
     files_.Remove(path_).Ignore();
 }
 
-base::Result<std::unique_ptr<OwnerFile>> OwnerFile::Take(FileSystem& files,
-                                                         const std::filesystem::path& database) {
+base::Result<std::unique_ptr<LockFile>> LockFile::Take(FileSystem& files,
+                                                       const std::filesystem::path& database) {
     std::filesystem::path path = PathFor(database);
     ASSIGN_OR_RETURN(std::unique_ptr<File> file, files.Open(path, OpenMode::kOpenOrCreate));
     const base::Status locked = file->Lock(FileLock::kExclusive);
     if (locked.code() == base::StatusCode::kBusy) return BusyStatus(files, database);
     RETURN_IF_ERROR(locked);
-    std::unique_ptr<OwnerFile> owner(new OwnerFile(files, std::move(path), std::move(file)));
+    std::unique_ptr<LockFile> owner(new LockFile(files, std::move(path), std::move(file)));
     RETURN_IF_ERROR(owner->file_->Truncate(0));
     RETURN_IF_ERROR(owner->file_->WriteAt(0, MakeSlot(files.OwnerName())));
     return owner;
 }
 
-base::Status OwnerFile::CheckFree(FileSystem& files, const std::filesystem::path& database) {
+base::Status LockFile::CheckFree(FileSystem& files, const std::filesystem::path& database) {
     auto file = files.Open(PathFor(database), OpenMode::kRead);
-    if (!file.ok()) return {};  // not there, or not for our eyes
+    if (!file.ok()) return {};  // missing, or not readable
     if (file.value()->Lock(FileLock::kShared).code() == base::StatusCode::kBusy)
         return BusyStatus(files, database);
     return {};
 }
 
-base::Status OwnerFile::BusyStatus(FileSystem& files, const std::filesystem::path& database) {
-    OwnerSlot slot{};
+base::Status LockFile::BusyStatus(FileSystem& files, const std::filesystem::path& database) {
+    LockSlot slot{};
     auto file = files.Open(PathFor(database), OpenMode::kRead);
     const bool is_held =
         file.ok() && file.value()->Lock(FileLock::kShared).code() == base::StatusCode::kBusy;
     if (!is_held || !file.value()->ReadAt(0, slot).ok())
-        return {base::StatusCode::kBusy,
-                "Could not use '" + database.string() + "'; file already in use.", 3045};
-    return {base::StatusCode::kBusy,
-            "You attempted to open a database that is already opened exclusively by user '" +
-                LoadName(slot.data() + kNameSize) + "' on machine '" + LoadName(slot.data()) +
-                "'. Try again when the database is available.",
-            3356};
+        return JetError(ErrorNumber::kFileInUse, database.string());
+    return JetError(ErrorNumber::kOpenedExclusively, LoadName(slot.data() + kNameSize),
+                    LoadName(slot.data()));
 }
 
 }  // namespace jet
