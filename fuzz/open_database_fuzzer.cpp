@@ -16,7 +16,7 @@ namespace {
 
 using Bytes = std::vector<std::byte>;
 
-constexpr std::size_t kLargestFile = 1U << 20;
+constexpr std::size_t kMaxFileSize = 1U << 20;
 
 Bytes MakeSoundFile() {
     test_support::FaultyFileSystem files;
@@ -123,7 +123,7 @@ void Walk(const Bytes& file) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Bytes sound = MakeSoundFile();
-    if (size < 2 || size > kLargestFile) return 0;
+    if (size < 2 || size > kMaxFileSize) return 0;
     const std::span input(reinterpret_cast<const std::byte*>(data), size);
     const auto rest = input.subspan(1);
     Bytes file = (data[0] & 1) != 0 ? Patched(sound, rest) : Bytes(rest.begin(), rest.end());

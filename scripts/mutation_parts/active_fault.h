@@ -1,6 +1,7 @@
-// The switch of the planted faults; scripts/mutation writes it into every file that holds one, in its copy of the tree only.
-// TAVOLO_FAULT=number chooses the one fault of a process and its children. With TAVOLO_FAULTS_REACHED=file the number of every
-// fault whose line is reached is appended to that file, once per test and process. Threads: any.
+// The switch of the planted faults; scripts/mutation writes it into every file that holds one, in
+// its copy of the tree only. TAVOLO_FAULT=number chooses the one fault of a process and its
+// children. With TAVOLO_FAULTS_REACHED=file the number of every fault whose line is reached is
+// appended to that file, once per test and process. Threads: any.
 #pragma once
 #include <atomic>
 #include <cerrno>
@@ -12,8 +13,8 @@
 
 namespace planted_faults {
 
-inline constexpr int kMost = 4096;
-inline std::atomic<bool> g_reached[kMost];
+inline constexpr int kMaxFaults = 4096;
+inline std::atomic<bool> g_reached[kMaxFaults];
 
 inline void Report(const std::string& line) {
     static const int file = [] {

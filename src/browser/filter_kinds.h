@@ -1,6 +1,8 @@
 // The items of the filter and order boxes, in their order.
 #pragma once
 
+#include "catalogue/selection.h"
+
 #include <QtCore/QStringView>
 
 #include <array>
@@ -14,16 +16,16 @@ struct FilterKind {
 };
 
 inline constexpr std::array<FilterKind, 10> kFilterKinds = {{
-    {u"pinball", u"All", u"All"},
-    {u"mame", u"VPinMAME", u"PinMame"},
-    {u"favorite", u"Favorites", u"Favorites"},
-    {u"vp", u"VP Only", u"VP Only"},
-    {u"author", u"Author", u"Author"},
-    {u"company", u"Company", u"Company"},
-    {u"year", u"Year", u"Year"},
-    {u"filedate", u"File Date", u"FileDate"},
-    {u"number", u"Times Played", u"TimesPlayed"},
-    {u"filedate", u"Date Added", u"DateAdded"},
+    {u"pinball", u"All", catalogue::kFilterAll},
+    {u"mame", u"VPinMAME", catalogue::kFilterPinMame},
+    {u"favorite", u"Favorites", catalogue::kFilterFavorites},
+    {u"vp", u"VP Only", catalogue::kFilterVpOnly},
+    {u"author", u"Author", catalogue::kFilterAuthor},
+    {u"company", u"Company", catalogue::kFilterCompany},
+    {u"year", u"Year", catalogue::kFilterYear},
+    {u"filedate", u"File Date", catalogue::kFilterFileDate},
+    {u"number", u"Times Played", catalogue::kFilterTimesPlayed},
+    {u"filedate", u"Date Added", catalogue::kFilterDateAdded},
 }};
 
 // The operator button shows these in turn, beginning with the first.

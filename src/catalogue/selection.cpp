@@ -9,21 +9,21 @@ namespace catalogue {
 namespace {
 
 bool IsTextColumn(const QString& filter_key) {
-    return filter_key == u"Author" || filter_key == u"Company" || filter_key == u"Year";
+    return filter_key == kFilterAuthor || filter_key == kFilterCompany || filter_key == kFilterYear;
 }
 
 bool IsDateColumn(const QString& filter_key) {
-    return filter_key == u"FileDate" || filter_key == u"DateAdded";
+    return filter_key == kFilterFileDate || filter_key == kFilterDateAdded;
 }
 
 // nullopt: the key is not one of the filters without a value.
 std::optional<QString> FixedFilterQuery(const QString& filter_key) {
-    if (filter_key == u"All") return QStringLiteral("Select * from Tables");
-    if (filter_key == u"PinMame")
+    if (filter_key == kFilterAll) return QStringLiteral("Select * from Tables");
+    if (filter_key == kFilterPinMame)
         return QStringLiteral("Select * from Tables where pinmame = true");
-    if (filter_key == u"Favorites")
+    if (filter_key == kFilterFavorites)
         return QStringLiteral("Select * from Tables where Favorite = true");
-    if (filter_key == u"VP Only")
+    if (filter_key == kFilterVpOnly)
         return QStringLiteral("Select * from Tables where pinmame = false");
     return std::nullopt;
 }
@@ -31,7 +31,7 @@ std::optional<QString> FixedFilterQuery(const QString& filter_key) {
 }  // namespace
 
 bool IsValueFilter(const QString& filter_key) {
-    return IsTextColumn(filter_key) || IsDateColumn(filter_key) || filter_key == u"TimesPlayed";
+    return IsTextColumn(filter_key) || IsDateColumn(filter_key) || filter_key == kFilterTimesPlayed;
 }
 
 QString FilterQueryText(const QString& filter_key, const QString& value,
@@ -84,8 +84,8 @@ base::Result<QStringList> FilterValues(jet::Connection& connection, const QStrin
 }
 
 std::optional<QString> InvalidFilterValue(const QString& filter_key, const QString& value) {
-    if (filter_key == u"FileDate" && !IsDate(value)) return kInvalidDate.toString();
-    if (filter_key == u"TimesPlayed" && !IsNumeric(value))
+    if (filter_key == kFilterFileDate && !IsDate(value)) return kInvalidDate.toString();
+    if (filter_key == kFilterTimesPlayed && !IsNumeric(value))
         return QStringLiteral("Please enter a valid number");
     return std::nullopt;
 }

@@ -12,9 +12,21 @@
 
 namespace catalogue {
 
-// FilterKey: one of "All", "PinMame", "Favorites", "VP Only" or a column name (see IsValueFilter).
-bool IsValueFilter(const QString& filter_key);  // "Author", "Company", "Year", "FileDate",
-                                                // "TimesPlayed", "DateAdded"
+// The filters by their keys. The first four select by themselves, the others by a value of the
+// column that they are named after.
+inline constexpr QStringView kFilterAll = u"All";
+inline constexpr QStringView kFilterPinMame = u"PinMame";
+inline constexpr QStringView kFilterFavorites = u"Favorites";
+inline constexpr QStringView kFilterVpOnly = u"VP Only";
+inline constexpr QStringView kFilterAuthor = u"Author";
+inline constexpr QStringView kFilterCompany = u"Company";
+inline constexpr QStringView kFilterYear = u"Year";
+inline constexpr QStringView kFilterFileDate = u"FileDate";
+inline constexpr QStringView kFilterTimesPlayed = u"TimesPlayed";
+inline constexpr QStringView kFilterDateAdded = u"DateAdded";
+
+// Whether the filter needs a value.
+bool IsValueFilter(const QString& filter_key);
 
 // The complete SELECT when at least one row matches, otherwise "0". `value` is already quoted by
 // QuoteSqlExpr. A failing query is an error.

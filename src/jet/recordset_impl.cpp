@@ -82,10 +82,10 @@ Status Recordset::Impl::Load() {
         return Status::Ok();
     }
     if (cursor_ == CursorType::kForwardOnly) {
-        ASSIGN_OR_RETURN(auto walk, table->Walk());
-        if (walk != nullptr) {
+        ASSIGN_OR_RETURN(auto cursor, table->OpenCursor());
+        if (cursor != nullptr) {
             ASSIGN_OR_RETURN(rows_,
-                             WalkedRows::Start(*table, connection_->changes(), std::move(walk)));
+                             ForwardRows::Start(*table, connection_->changes(), std::move(cursor)));
             return Status::Ok();
         }
     }

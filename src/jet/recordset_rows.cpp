@@ -120,18 +120,18 @@ void KeysetRows::AfterDesignChange(sql::TableQuery* query) {
     found_.stored = {};
 }
 
-Result<std::unique_ptr<RecordsetRows>> WalkedRows::Start(sql::TableQuery& query,
-                                                         const ChangeCounter& changes,
-                                                         std::unique_ptr<sql::RowWalk> walk) {
-    auto rows = std::unique_ptr<WalkedRows>(new WalkedRows(query, changes, std::move(walk)));
+Result<std::unique_ptr<RecordsetRows>>
+ForwardRows::Start(sql::TableQuery& query, const ChangeCounter& changes,
+                   std::unique_ptr<sql::FilteredCursor> cursor) {
+    auto rows = std::unique_ptr<ForwardRows>(new ForwardRows(query, changes, std::move(cursor)));
     RETURN_IF_ERROR(rows->Step());
     rows->has_rows_ = !rows->at_end_;
     return std::unique_ptr<RecordsetRows>(std::move(rows));
 }
 
 // At the end `met_` stays the row met last.
-Status WalkedRows::Step() {
-    ASSIGN_OR_RETURN(const std::optional<RowId> row, walk_->Next());
+Status ForwardRows::Step() {
+    ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
     at_end_ = !row.has_value();
     if (row) met_ = *row;
     met_changes_ = changes_.count();
@@ -139,37 +139,37 @@ Status WalkedRows::Step() {
     return Status::Ok();
 }
 
-Status WalkedRows::MoveFirst() {
+Status ForwardRows::MoveFirst() {
     if (position_ == 0) return Status::Ok();
-    ASSIGN_OR_RETURN(walk_, query_->Walk());
+    ASSIGN_OR_RETURN(cursor_, query_->OpenCursor());
     position_ = -1;
     cache_valid_ = false;
     RETURN_IF_ERROR(Step());
     return at_end_ ? JetError(ErrorNumber::kNoCurrentRecord) : Status::Ok();
 }
 
-Status WalkedRows::MoveLast() {
+Status ForwardRows::MoveLast() {
     while (!at_end_)
         RETURN_IF_ERROR(Step());
     --position_;
     at_end_ = false;
-    met_changes_ = kNeverMet;
+    met_changes_ = kPassed;
     return Status::Ok();
 }
 
-Status WalkedRows::MoveNext() {
+Status ForwardRows::MoveNext() {
     return at_end_ ? JetError(ErrorNumber::kNoCurrentRecord) : Step();
 }
 
-Status WalkedRows::MovePrevious() {
+Status ForwardRows::MovePrevious() {
     return JetError(ErrorNumber::kNotAllowedHere);
 }
 
-Status WalkedRows::MoveTo(std::int64_t) {
+Status ForwardRows::MoveTo(std::int64_t) {
     return JetError(ErrorNumber::kNotAllowedHere);
 }
 
-std::unique_ptr<RecordsetRows> WalkedRows::BeforeDesignChange() {
+std::unique_ptr<RecordsetRows> ForwardRows::BeforeDesignChange() {
     std::vector<RowId> ids;
     while (!at_end_) {
         ids.push_back(met_);
@@ -178,10 +178,10 @@ std::unique_ptr<RecordsetRows> WalkedRows::BeforeDesignChange() {
     return std::make_unique<KeysetRows>(*query_, changes_, std::move(ids), has_rows_);
 }
 
-// A walk shows the row as it was met, so a row that may have changed since is read anew.
-Status WalkedRows::ReadColumns(std::span<const std::size_t> columns, std::span<Value> values) {
+// The cursor shows the row as it was met; one that may have changed since is read again.
+Status ForwardRows::ReadColumns(std::span<const std::size_t> columns, std::span<Value> values) {
     if (met_changes_ != changes_.count()) return TableRows::ReadColumns(columns, values);
-    return walk_->Read(columns, values);
+    return cursor_->Read(columns, values);
 }
 
 ValueRows::ValueRows(std::vector<sql::ResultRow> values, sql::FieldFailures failures,

@@ -1,5 +1,5 @@
 // RecordsetRows: the rows of a Recordset and which of them is current. There is a class for each
-// way to have them: a walk that meets the rows one by one (WalkedRows), a list of row ids whose
+// way to have them: a cursor that goes forward only (ForwardRows), a list of row ids whose
 // values are read on demand (KeysetRows), a list of values (ValueRows).
 #pragma once
 
@@ -115,11 +115,12 @@ private:
     sql::FoundRows found_;
 };
 
-class WalkedRows final : public TableRows {
+class ForwardRows final : public TableRows {
 public:
-    // Stands on the first row that `walk`, a new one of the query, meets.
+    // Stands on the first row that `cursor`, a new one of the query, meets.
     static base::Result<std::unique_ptr<RecordsetRows>>
-    Start(sql::TableQuery& query, const ChangeCounter& changes, std::unique_ptr<sql::RowWalk> walk);
+    Start(sql::TableQuery& query, const ChangeCounter& changes,
+          std::unique_ptr<sql::FilteredCursor> cursor);
 
     base::Status MoveFirst() override;
     base::Status MoveLast() override;
@@ -132,18 +133,18 @@ public:
     std::unique_ptr<RecordsetRows> BeforeDesignChange() override;
 
 private:
-    static constexpr std::uint64_t kNeverMet = UINT64_MAX;
+    static constexpr std::uint64_t kPassed = UINT64_MAX;
 
-    WalkedRows(sql::TableQuery& query, const ChangeCounter& changes,
-               std::unique_ptr<sql::RowWalk> walk)
-        : TableRows(query, changes), walk_(std::move(walk)) {}
+    ForwardRows(sql::TableQuery& query, const ChangeCounter& changes,
+                std::unique_ptr<sql::FilteredCursor> cursor)
+        : TableRows(query, changes), cursor_(std::move(cursor)) {}
     base::Status Step();
     base::Status ReadColumns(std::span<const std::size_t> columns,
                              std::span<Value> values) override;
 
-    std::unique_ptr<sql::RowWalk> walk_;
+    std::unique_ptr<sql::FilteredCursor> cursor_;
     RowId met_;                      // the current row
-    std::uint64_t met_changes_ = 0;  // when the walk met it; kNeverMet: the walk is past it
+    std::uint64_t met_changes_ = 0;  // when the cursor met it; kPassed: the cursor is past it
 };
 
 class ValueRows final : public RecordsetRows {

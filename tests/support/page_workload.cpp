@@ -38,7 +38,7 @@ void PageWorkload::MakeNext() {
     const std::size_t number_of_step = contents_.rbegin()->first;
     Content content = contents_.rbegin()->second;
     Step step;
-    const bool grows = content.size() < kMostPages && random_() % 3 == 0;
+    const bool grows = content.size() < kMaxPages && random_() % 3 == 0;
     step.new_pages = grows ? 1 + random_() % 3 : 0;
     content.resize(content.size() + step.new_pages, std::vector<std::byte>(page_size_));
     // Every transaction writes its number to two pages, so no two states are equal.

@@ -23,7 +23,7 @@ public:
     explicit PageWorkload(std::uint32_t seed, std::uint32_t version = 1, std::uint32_t key = 0);
 
     static constexpr jet::PageNumber kFirstPages = 4;
-    static constexpr jet::PageNumber kMostPages = 60;
+    static constexpr jet::PageNumber kMaxPages = 60;
 
     const std::vector<std::byte>& first_file() const { return first_file_; }
     // Content after `transactions` of them. Requires: not forgotten.

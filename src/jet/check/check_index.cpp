@@ -238,8 +238,8 @@ bool SameBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
 std::string Hex(std::span<const std::byte> bytes) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
-    constexpr std::size_t kMost = 48;
-    for (const std::byte byte : bytes.first(std::min(bytes.size(), kMost))) {
+    constexpr std::size_t kMaxBytesShown = 48;
+    for (const std::byte byte : bytes.first(std::min(bytes.size(), kMaxBytesShown))) {
         text += kDigits[std::to_integer<unsigned>(byte) >> 4];
         text += kDigits[std::to_integer<unsigned>(byte) & 15];
     }

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kMaxDefinitionBytes = 1U << 20;
 constexpr std::size_t kMaxIndexesRead = 4096;
 // No definition that has a column is shorter.
-constexpr std::size_t kLeastDefinitionBytes = 64;
+constexpr std::size_t kMinDefinitionBytes = 64;
 
 struct DefinitionBytes {
     std::vector<std::byte> bytes;
@@ -36,7 +36,7 @@ base::Result<DefinitionBytes> Gather(PageStore& store, PageNumber page) {
             return DamagedPage(page, "the table definition does not end");
         next = base::LoadLittle<std::uint32_t>(bytes.data() + kNextDefinitionPage);
     }
-    if (length > gathered.bytes.size() || length < kLeastDefinitionBytes)
+    if (length > gathered.bytes.size() || length < kMinDefinitionBytes)
         return DamagedPage(page, "the table definition is cut short");
     gathered.bytes.resize(length);
     return gathered;

@@ -77,8 +77,8 @@ Result<Value> ToMoney(const Value& value) {
         return NumericOverflow();
     const std::uint64_t units =
         (std::uint64_t{numeric->magnitude[2]} << 32) | numeric->magnitude[3];
-    constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
-    if (units > kMost + (numeric->negative ? 1 : 0)) return NumericOverflow();
+    constexpr std::uint64_t kMaxUnits = std::numeric_limits<std::int64_t>::max();
+    if (units > kMaxUnits + (numeric->negative ? 1 : 0)) return NumericOverflow();
     return Value::Currency({static_cast<std::int64_t>(numeric->negative ? ~units + 1 : units)});
 }
 

@@ -106,11 +106,11 @@ QJsonObject FindItem(QAbstractItemView& view, const QString& text) {
 }
 
 QJsonArray ItemTexts(const QAbstractItemView& view) {
-    constexpr int kMost = 2000;
+    constexpr int kMaxTexts = 2000;
     QJsonArray texts;
     WalkItems(view, view.rootIndex(), [&](const QModelIndex& index) {
         texts.append(index.data().toString());
-        return texts.size() >= kMost;
+        return texts.size() >= kMaxTexts;
     });
     return texts;
 }

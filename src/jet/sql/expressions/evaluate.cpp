@@ -99,7 +99,7 @@ Result<Value> ConcatChain(const Expression& chain, EvalContext& context) {
         RETURN_IF_ERROR(Fetch(*child, context, made, value));
         all_null = all_null && value->is_null();
         text += ConcatText(*value);
-        if (text.size() > kLongestResult) return JetError(ErrorNumber::kExpressionTooComplex);
+        if (text.size() > kMaxResultLength) return JetError(ErrorNumber::kExpressionTooComplex);
     }
     return all_null ? Value::Null() : Value::Text(std::move(text));
 }
@@ -112,7 +112,7 @@ Result<Value> ArithmeticChain(const Expression& chain, EvalContext& context) {
         RETURN_IF_ERROR(Fetch(*chain.children[i + 1], context, made, value));
         ASSIGN_OR_RETURN(result, Calculate(chain.operators[i], result, *value));
         const auto* text = result.get_if<std::u16string>();
-        if (text != nullptr && text->size() > kLongestResult)
+        if (text != nullptr && text->size() > kMaxResultLength)
             return JetError(ErrorNumber::kExpressionTooComplex);
     }
     return result;

@@ -49,7 +49,7 @@ bool Subquery::IsFresh(const Session& session) const {
 }
 
 Status Subquery::CountRun(EvalContext& context) {
-    return ++context.session->subquery_runs > kMostSubqueryRuns
+    return ++context.session->subquery_runs > kMaxSubqueryRuns
                ? JetError(ErrorNumber::kQueryTooComplex)
                : Status::Ok();
 }

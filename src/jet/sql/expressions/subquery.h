@@ -16,7 +16,7 @@
 namespace jet::sql {
 
 // Runs that one statement may ask for (3360 beyond): nested ones multiply.
-inline constexpr std::uint64_t kMostSubqueryRuns = 1'000'000;
+inline constexpr std::uint64_t kMaxSubqueryRuns = 1'000'000;
 
 class Subquery {
 public:

@@ -9,7 +9,7 @@
 namespace jet::sql {
 
 // Maximum length of a text that an expression makes (3071 beyond).
-inline constexpr std::size_t kLongestResult = 16U << 20;  // UTF-16 units
+inline constexpr std::size_t kMaxResultLength = 16U << 20;  // UTF-16 units
 
 struct EvalContext {
     Session* session = nullptr;

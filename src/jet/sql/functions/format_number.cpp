@@ -12,7 +12,7 @@
 namespace jet::sql {
 namespace {
 
-constexpr int kMostDecimals = 30;
+constexpr int kMaxDecimals = 30;
 
 // Digits before and after the point, rounded.
 struct FixedDigits {
@@ -124,8 +124,8 @@ Section Study(const std::vector<Part>& parts) {
         }
     }
     section.scale_commas = commas;
-    section.decimals = std::min(section.decimals, kMostDecimals);
-    section.decimal_zeros = std::min(section.decimal_zeros, kMostDecimals);
+    section.decimals = std::min(section.decimals, kMaxDecimals);
+    section.decimal_zeros = std::min(section.decimal_zeros, kMaxDecimals);
     return section;
 }
 
@@ -154,7 +154,7 @@ double Shifted(double number, int exponent) {
 
 // The digits of a mantissa, and the exponent that goes with them. Requires: number > 0.
 FixedDigits Mantissa(double number, const Section& section, int& exponent) {
-    const int whole = std::clamp(section.whole_zeros, 1, kMostDecimals);
+    const int whole = std::clamp(section.whole_zeros, 1, kMaxDecimals);
     exponent = static_cast<int>(std::floor(std::log10(number))) - (whole - 1);
     FixedDigits digits = RoundTo(Shifted(number, exponent), section.decimals);
     // 9.99 has become 10.0.

@@ -151,7 +151,7 @@ Result<Value> RTrim(Arguments a, EvalContext&) {
 }
 
 Result<Value> Repeat(std::size_t count, char16_t unit) {
-    if (count > kLongestResult) return JetError(ErrorNumber::kExpressionTooComplex);
+    if (count > kMaxResultLength) return JetError(ErrorNumber::kExpressionTooComplex);
     return Value::Text(std::u16string(count, unit));
 }
 
@@ -223,7 +223,7 @@ Result<Value> Replace(Arguments a, EvalContext&) {
         const std::size_t at = searched.find(wanted, from);
         if (at == std::u16string::npos) break;
         result.append(text, from, at - from).append(replacement);
-        if (result.size() > kLongestResult) return JetError(ErrorNumber::kExpressionTooComplex);
+        if (result.size() > kMaxResultLength) return JetError(ErrorNumber::kExpressionTooComplex);
         from = at + wanted.size();
     }
     return Value::Text(result.append(text, from));

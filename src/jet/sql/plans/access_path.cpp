@@ -75,7 +75,8 @@ private:
 
     // Texts of a Jet 3 file: a point or a prefix. Both tables of weights agree about what equals a
     // text, but for the thorn, which only one of them takes for "th"; about which texts are
-    // different they agree where these are plain, and `several` must be, lest a row be met twice.
+    // different they agree where these are plain. `several` must be plain, so that no row is met
+    // twice.
     static bool IsAlikeInJet3(const Interval& interval, bool several) {
         if (!interval.low || !interval.high || interval.low->value != interval.high->value ||
             interval.low->prefix != interval.high->prefix)

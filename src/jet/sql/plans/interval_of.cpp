@@ -17,7 +17,7 @@
 namespace jet::sql {
 namespace {
 
-constexpr std::size_t kLongestPrefix = 100;
+constexpr std::size_t kMaxPrefixLength = 100;
 // Relative error that covers the roundings between a decimal number and the double it is compared
 // as.
 constexpr double kRounding = 1e-14;
@@ -28,10 +28,10 @@ EqualValues Between(Value low, Value high, bool exact = false) {
 
 template <typename Int, typename Make>
 EqualValues WholeValues(double number, Make make) {
-    constexpr auto kLeast = static_cast<double>(std::numeric_limits<Int>::min());
-    constexpr auto kMost = static_cast<double>(std::numeric_limits<Int>::max());
-    const double low = std::clamp(std::floor(number), kLeast, kMost);
-    const double high = std::clamp(std::ceil(number), kLeast, kMost);
+    constexpr auto kMin = static_cast<double>(std::numeric_limits<Int>::min());
+    constexpr auto kMax = static_cast<double>(std::numeric_limits<Int>::max());
+    const double low = std::clamp(std::floor(number), kMin, kMax);
+    const double high = std::clamp(std::ceil(number), kMin, kMax);
     return Between(make(static_cast<Int>(low)), make(static_cast<Int>(high)), low == high);
 }
 
@@ -51,8 +51,8 @@ EqualValues DoubleValues(double number) {
 EqualValues SingleValues(double number) {
     if (number == 0) return Between(Value::Single(-0.0F), Value::Single(0.0F));
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    constexpr double kMost = std::numeric_limits<float>::max();
-    if (std::fabs(number) > kMost)  // beyond all of them, on one side
+    constexpr double kMax = std::numeric_limits<float>::max();
+    if (std::fabs(number) > kMax)  // beyond all of them, on one side
         return number > 0 ? Between(Value::Single(std::numeric_limits<float>::max()),
                                     Value::Single(kInfinity))
                           : Between(Value::Single(-kInfinity),
@@ -65,9 +65,9 @@ EqualValues SingleValues(double number) {
 }
 
 Value MoneyNear(double units) {
-    constexpr double kMost = 9.2e18;
-    if (units > kMost) return Value::Currency({std::numeric_limits<std::int64_t>::max()});
-    if (units < -kMost) return Value::Currency({std::numeric_limits<std::int64_t>::min()});
+    constexpr double kMax = 9.2e18;
+    if (units > kMax) return Value::Currency({std::numeric_limits<std::int64_t>::max()});
+    if (units < -kMax) return Value::Currency({std::numeric_limits<std::int64_t>::min()});
     return Value::Currency({static_cast<std::int64_t>(units)});
 }
 
@@ -208,7 +208,7 @@ std::optional<EqualValues> ValuesEqualTo(const ColumnDesign& column, const Value
 
 std::u16string PrefixOfPattern(std::u16string_view pattern) {
     std::u16string prefix;
-    for (const char16_t c : pattern.substr(0, kLongestPrefix)) {
+    for (const char16_t c : pattern.substr(0, kMaxPrefixLength)) {
         // Letters that Like takes for the same have the same weight only among the plain ones. The
         // x stands for a last character that counts, which a blank would not.
         const char16_t tried[] = {c, u'x'};

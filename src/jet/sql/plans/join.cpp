@@ -18,7 +18,7 @@ using base::Status;
 
 constexpr std::uint32_t kNoRow = std::numeric_limits<std::uint32_t>::max();
 // Combinations held at a time; more are refused (3360) before they take the machine's memory.
-constexpr std::size_t kMostCombinations = 20'000'000;
+constexpr std::size_t kMaxCombinations = 20'000'000;
 
 using RowNumbers = std::vector<std::uint32_t>;
 
@@ -32,7 +32,7 @@ public:
         return std::span(numbers_).subspan(i * width_, width_);
     }
     Status Add(std::span<const std::uint32_t> tuple) {
-        if (size() == kMostCombinations) return JetError(ErrorNumber::kQueryTooComplex);
+        if (size() == kMaxCombinations) return JetError(ErrorNumber::kQueryTooComplex);
         numbers_.insert(numbers_.end(), tuple.begin(), tuple.end());
         return Status::Ok();
     }
@@ -291,7 +291,7 @@ private:
             if (!row) break;
             RETURN_IF_ERROR(cursor->Read(source.columns, rows_[part.source]));
             if (!MayHold(part.fixed)) continue;
-            if (ids.size() == kMostCombinations) return JetError(ErrorNumber::kQueryTooComplex);
+            if (ids.size() == kMaxCombinations) return JetError(ErrorNumber::kQueryTooComplex);
             table.push_back(rows_[part.source]);
             ids.push_back(*row);
         }

@@ -2,8 +2,8 @@
 
 #include "jet/errors.h"
 #include "jet/sql/functions/sort_key.h"
+#include "jet/sql/plans/filtered_cursor.h"
 #include "jet/sql/plans/join.h"
-#include "jet/sql/plans/row_walk.h"
 
 #include <algorithm>
 
@@ -207,13 +207,13 @@ Status SelectQuery::ForEachRow(const TakeRow& take) {
         return truth == Truth::kTrue ? take(none).status() : Status::Ok();
     }
     if (scope_.sources().size() > 1) return ForEachCombination(take);
-    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
-                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    ASSIGN_OR_RETURN(const std::unique_ptr<FilteredCursor> cursor,
+                     FilteredCursor::Open(scope_, path_, select_.where.get(), session_));
     for (;;) {
-        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
         if (!row) return Status::Ok();
-        RETURN_IF_ERROR(walk->ReadInUse());
-        ASSIGN_OR_RETURN(const bool more, take(walk->rows()));
+        RETURN_IF_ERROR(cursor->ReadInUse());
+        ASSIGN_OR_RETURN(const bool more, take(cursor->rows()));
         if (!more) return Status::Ok();
     }
 }

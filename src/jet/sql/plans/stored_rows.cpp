@@ -3,7 +3,7 @@
 namespace jet::sql {
 namespace {
 
-constexpr std::size_t kMostBytes = 32U << 20;
+constexpr std::size_t kMaxBytes = 32U << 20;
 
 }  // namespace
 
@@ -23,7 +23,7 @@ base::Status StoredRows::Add(StoredFields& row) {
     fields_.clear();
     RETURN_IF_ERROR(row.Append(columns_, fields_));
     rows_.emplace_back(arena_.Add(fields_.data(), fields_.size()), fields_.size());
-    if (arena_.size() + rows_.size() * sizeof(Fields) > kMostBytes) Drop();
+    if (arena_.size() + rows_.size() * sizeof(Fields) > kMaxBytes) Drop();
     return base::Status::Ok();
 }
 

@@ -35,10 +35,10 @@ const std::vector<OrderItem>& TableQuery::path_order() const {
     return select_.top ? SelectQuery::path_order() : select_.order_by;
 }
 
-Result<std::unique_ptr<RowWalk>> TableQuery::Walk() {
+Result<std::unique_ptr<FilteredCursor>> TableQuery::OpenCursor() {
     const bool in_order = select_.order_by.empty() || path_.in_order;
-    if (!in_order || select_.top) return std::unique_ptr<RowWalk>();
-    return RowWalk::Open(scope_, path_, select_.where.get(), session_);
+    if (!in_order || select_.top) return std::unique_ptr<FilteredCursor>();
+    return FilteredCursor::Open(scope_, path_, select_.where.get(), session_);
 }
 
 Result<FoundRows> TableQuery::CollectRows() {
@@ -50,10 +50,10 @@ Result<FoundRows> TableQuery::CollectRows() {
 
 Result<std::vector<RowId>> TableQuery::CollectUnsorted() {
     std::vector<RowId> ids;
-    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
-                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
+    ASSIGN_OR_RETURN(const std::unique_ptr<FilteredCursor> cursor,
+                     FilteredCursor::Open(scope_, path_, select_.where.get(), session_));
     for (;;) {
-        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
         if (!row) break;
         ids.push_back(*row);
     }
@@ -66,16 +66,16 @@ Result<FoundRows> TableQuery::CollectSorted() {
     std::vector<RowId> ids;
     KeySorter keys;
     std::string key;
-    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
-                     RowWalk::Open(scope_, path_, select_.where.get(), session_));
-    StoredFields* const stored = walk->stored_fields();
+    ASSIGN_OR_RETURN(const std::unique_ptr<FilteredCursor> cursor,
+                     FilteredCursor::Open(scope_, path_, select_.where.get(), session_));
+    StoredFields* const stored = cursor->stored_fields();
     if (stored != nullptr) found.stored = StoreOutputs(stored->reader());
     for (;;) {
-        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
         if (!row) break;
         ids.push_back(*row);
         key.clear();
-        RETURN_IF_ERROR(AppendKeyOfMet(*walk, key));
+        RETURN_IF_ERROR(AppendKeyOfMet(*cursor, key));
         keys.Add(key);
         if (stored != nullptr) RETURN_IF_ERROR(found.stored.Add(*stored));
     }
@@ -89,16 +89,16 @@ Result<FoundRows> TableQuery::CollectSorted() {
     return found;
 }
 
-Status TableQuery::AppendKeyOfMet(RowWalk& walk, std::string& key) const {
-    EvalContext context{&session_, &walk.rows(), nullptr};
-    StoredFields* const stored = walk.stored_fields();
+Status TableQuery::AppendKeyOfMet(FilteredCursor& cursor, std::string& key) const {
+    EvalContext context{&session_, &cursor.rows(), nullptr};
+    StoredFields* const stored = cursor.stored_fields();
     for (const OrderItem& order : select_.order_by) {
         const Expression& e = *order.expression;
         const auto narrow = stored != nullptr && IsColumn(e)
                                 ? stored->NarrowText(scope_.sources()[0].columns[e.slot])
                                 : std::nullopt;
         if (narrow && AppendNarrowSortKey(*narrow, order.descending, key)) continue;
-        RETURN_IF_ERROR(walk.ReadInUse());
+        RETURN_IF_ERROR(cursor.ReadInUse());
         RETURN_IF_ERROR(AppendKeyOf(*order.expression, order.descending, context, key));
     }
     return Status::Ok();

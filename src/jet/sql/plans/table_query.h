@@ -2,7 +2,7 @@
 // UNION). Its result is a list of row ids whose values are read on demand.
 #pragma once
 
-#include "jet/sql/plans/row_walk.h"
+#include "jet/sql/plans/filtered_cursor.h"
 #include "jet/sql/plans/select_query.h"
 #include "jet/sql/plans/stored_rows.h"
 
@@ -37,7 +37,7 @@ public:
     // The rows in the order of the result.
     base::Result<FoundRows> CollectRows();
     // nullptr: the rows have to be sorted or cut first, so that CollectRows is needed.
-    base::Result<std::unique_ptr<RowWalk>> Walk();
+    base::Result<std::unique_ptr<FilteredCursor>> OpenCursor();
     // `outputs` are positions in names(); `values` and `failures` have the same size. 3167: the row
     // is gone.
     base::Status ReadRow(RowId row, std::span<const std::size_t> outputs, std::span<Value> values,
@@ -52,8 +52,8 @@ private:
     const std::vector<OrderItem>& path_order() const override;
     base::Result<std::vector<RowId>> CollectUnsorted();
     base::Result<FoundRows> CollectSorted();
-    // The order's key of the row that `walk` has met.
-    base::Status AppendKeyOfMet(RowWalk& walk, std::string& key) const;
+    // The order's key of the row that `cursor` met last.
+    base::Status AppendKeyOfMet(FilteredCursor& cursor, std::string& key) const;
     StoredRows StoreOutputs(const StoredFieldReader& reader) const;
 
     // Apart from scope_, so that finding rows reads no columns that only outputs show.

@@ -2,8 +2,8 @@
 #include "jet/errors.h"
 #include "jet/sql/expressions/bind.h"
 #include "jet/sql/plans/access_path.h"
+#include "jet/sql/plans/filtered_cursor.h"
 #include "jet/sql/plans/query.h"
-#include "jet/sql/plans/row_walk.h"
 #include "jet/sql/statements/change_steps.h"
 #include "jet/sql/statements/executor.h"
 #include "jet/sql/statements/transaction.h"
@@ -141,10 +141,10 @@ Result<Selected> Select(const FromNode& from, Expression* where, Session& sessio
     RETURN_IF_ERROR(CheckWritable(session, *selected.scope.sources()[0].table));
     if (where != nullptr) RETURN_IF_ERROR(Bind(*where, selected.scope, session));
     ASSIGN_OR_RETURN(const AccessPath path, ChoosePath(selected.scope, where, {}, session));
-    ASSIGN_OR_RETURN(const std::unique_ptr<RowWalk> walk,
-                     RowWalk::Open(selected.scope, path, where, session));
+    ASSIGN_OR_RETURN(const std::unique_ptr<FilteredCursor> cursor,
+                     FilteredCursor::Open(selected.scope, path, where, session));
     for (;;) {
-        ASSIGN_OR_RETURN(const std::optional<RowId> row, walk->Next());
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
         if (!row) return selected;
         selected.rows.push_back(*row);
     }

@@ -16,7 +16,7 @@ using base::Result;
 using base::Status;
 
 // Texts in messages are cut, so that a message stays readable.
-constexpr std::size_t kLongestQuotation = 200;
+constexpr std::size_t kMaxQuotationLength = 200;
 
 bool IsNameStart(char16_t c) {
     return IsAsciiLetter(c) || c == u'_' || c == u'@' || (c >= 0x80 && !IsBlank(c));
@@ -230,12 +230,12 @@ private:
 }  // namespace
 
 base::Result<std::vector<Token>> Tokenize(std::u16string_view sql, int current_year) {
-    if (sql.size() > kLongestSql) return JetError(ErrorNumber::kQueryTooComplex);
+    if (sql.size() > kMaxSqlLength) return JetError(ErrorNumber::kQueryTooComplex);
     return Lexer(sql, current_year).Run();
 }
 
 base::Status SyntaxError(std::string_view what, std::u16string_view where) {
-    where = TrimBlanks(where).substr(0, kLongestQuotation);
+    where = TrimBlanks(where).substr(0, kMaxQuotationLength);
     return JetError(ErrorNumber::kInQueryExpression, "Syntax error" + std::string(what),
                     base::ToUtf8(where));
 }

@@ -10,7 +10,7 @@
 namespace jet::sql {
 
 // Longer texts are refused (3360).
-inline constexpr std::size_t kLongestSql = 16U << 20;  // UTF-16 units
+inline constexpr std::size_t kMaxSqlLength = 16U << 20;  // UTF-16 units
 
 // The last token is kEnd. `current_year` completes date literals of two parts. 3075: a text, name
 // or date that does not end or is not valid.

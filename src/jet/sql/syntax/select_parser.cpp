@@ -12,8 +12,8 @@ using base::Status;
 namespace {
 
 // A union is read in a loop and joins nest only in parentheses, so only their number needs a bound.
-constexpr std::size_t kMostUnions = 1000;
-constexpr std::size_t kMostJoins = 100;
+constexpr std::size_t kMaxUnions = 1000;
+constexpr std::size_t kMaxJoins = 100;
 
 }  // namespace
 
@@ -34,7 +34,7 @@ Result<SelectStatement> StatementParser::ParseSelect() {
     while (tokens_.TakeWord(u"UNION")) {
         SelectStatement::Union part;
         part.all = tokens_.TakeWord(u"ALL");
-        if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMostUnions)
+        if (!tokens_.IsWord(u"SELECT") || select.unions.size() == kMaxUnions)
             return JetError(ErrorNumber::kSyntaxInSelect);
         ASSIGN_OR_RETURN(SelectStatement next, ParseSelectCore());
         if (!select.into.empty() || !next.into.empty())
@@ -110,7 +110,7 @@ Result<OutputItem> StatementParser::ParseOutput() {
 Result<std::unique_ptr<FromNode>> StatementParser::ParseFrom() {
     ASSIGN_OR_RETURN(std::unique_ptr<FromNode> from, ParseJoins());
     for (std::size_t count = 1; tokens_.TakeSymbol(u","); ++count) {
-        if (count == kMostJoins) return JetError(ErrorNumber::kQueryTooComplex);
+        if (count == kMaxJoins) return JetError(ErrorNumber::kQueryTooComplex);
         auto both = std::make_unique<FromNode>();
         both->left = std::move(from);
         ASSIGN_OR_RETURN(both->right, ParseJoins());
@@ -131,7 +131,7 @@ Result<std::unique_ptr<FromNode>> StatementParser::ParseJoins() {
             kind = JoinKind::kRight;
         else if (!tokens_.TakeWords({u"INNER", u"JOIN"}))
             return from;
-        if (count == kMostJoins) return JetError(ErrorNumber::kQueryTooComplex);
+        if (count == kMaxJoins) return JetError(ErrorNumber::kQueryTooComplex);
         auto join = std::make_unique<FromNode>();
         join->kind = kind;
         join->left = std::move(from);

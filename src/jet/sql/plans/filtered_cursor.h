@@ -1,4 +1,4 @@
-// RowWalk: the rows of one table that satisfy a condition, one after the other.
+// FilteredCursor: the rows of one table that satisfy a condition, one by one.
 #pragma once
 
 #include "jet/sql/expressions/bind.h"
@@ -12,12 +12,12 @@
 
 namespace jet::sql {
 
-class RowWalk {
+class FilteredCursor {
 public:
     // `scope` has one source, to which `where` (nullptr: none) is bound; both must outlive the
-    // walk, as must the session and the table.
-    static base::Result<std::unique_ptr<RowWalk>> Open(const Scope& scope, const AccessPath& path,
-                                                       const Expression* where, Session& session);
+    // cursor, as must the session and the table.
+    static base::Result<std::unique_ptr<FilteredCursor>>
+    Open(const Scope& scope, const AccessPath& path, const Expression* where, Session& session);
 
     // nullopt: the end.
     base::Result<std::optional<RowId>> Next();
@@ -29,17 +29,17 @@ public:
     StoredFields* stored_fields() { return stored_fields_; }
     // The columns in use of the row met last. Requires: ReadInUse.
     const SourceRows& rows() const { return rows_; }
-    // Reads what of them the condition did not need; once is enough for a row.
+    // Reads those columns in use that the condition did not need; once is enough for a row.
     base::Status ReadInUse();
 
 private:
-    RowWalk(const Source& source, const Expression* where, Session& session);
+    FilteredCursor(const Source& source, const Expression* where, Session& session);
     base::Status ReadColumns(std::size_t from, std::size_t to);
 
     const Source& source_;
     RowFilter filter_;
     std::size_t tested_;    // the first columns in use, which the condition needs
-    std::size_t read_ = 0;  // so many of the columns in use are those of the row met last
+    std::size_t read_ = 0;  // so many of the columns in use have been read from the row met last
     std::unique_ptr<RowCursor> cursor_;
     StoredFields* stored_fields_ = nullptr;  // of cursor_
     SourceRows rows_;

@@ -1,4 +1,4 @@
-#include "jet/sql/plans/row_walk.h"
+#include "jet/sql/plans/filtered_cursor.h"
 
 #include <algorithm>
 #include <utility>
@@ -20,22 +20,24 @@ std::size_t SlotsOf(const Expression& e) {
 
 }  // namespace
 
-RowWalk::RowWalk(const Source& source, const Expression* where, Session& session)
+FilteredCursor::FilteredCursor(const Source& source, const Expression* where, Session& session)
     : source_(source), filter_(where), tested_(where != nullptr ? SlotsOf(*where) : 0), rows_(1) {
     rows_[0].resize(source.columns.size());
     context_ = {&session, &rows_, nullptr};
 }
 
-Result<std::unique_ptr<RowWalk>> RowWalk::Open(const Scope& scope, const AccessPath& path,
-                                               const Expression* where, Session& session) {
+Result<std::unique_ptr<FilteredCursor>> FilteredCursor::Open(const Scope& scope,
+                                                             const AccessPath& path,
+                                                             const Expression* where,
+                                                             Session& session) {
     const Source& source = scope.sources()[0];
-    auto walk = std::unique_ptr<RowWalk>(new RowWalk(source, where, session));
-    ASSIGN_OR_RETURN(walk->cursor_, OpenPath(*source.table, path));
-    walk->stored_fields_ = walk->cursor_->stored_fields();
-    return walk;
+    auto filtered = std::unique_ptr<FilteredCursor>(new FilteredCursor(source, where, session));
+    ASSIGN_OR_RETURN(filtered->cursor_, OpenPath(*source.table, path));
+    filtered->stored_fields_ = filtered->cursor_->stored_fields();
+    return filtered;
 }
 
-Result<std::optional<RowId>> RowWalk::Next() {
+Result<std::optional<RowId>> FilteredCursor::Next() {
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor_->Next());
         if (!row) return row;
@@ -50,12 +52,12 @@ Result<std::optional<RowId>> RowWalk::Next() {
     }
 }
 
-Status RowWalk::ReadInUse() {
+Status FilteredCursor::ReadInUse() {
     const std::size_t from = std::exchange(read_, source_.columns.size());
     return ReadColumns(from, source_.columns.size());
 }
 
-Status RowWalk::ReadColumns(std::size_t from, std::size_t to) {
+Status FilteredCursor::ReadColumns(std::size_t from, std::size_t to) {
     if (from == to) return Status::Ok();
     return cursor_->Read(std::span(source_.columns).subspan(from, to - from),
                          std::span(rows_[0]).subspan(from, to - from));
