@@ -1,6 +1,7 @@
 #include "jet/tables/workload.h"
 
 #include "base/unicode.h"
+#include "jet/errors.h"
 #include "jet/sql/statements/rule_maker.h"
 #include "jet/tables/storage_checks.h"
 #include "jet/tables/storage_support.h"
