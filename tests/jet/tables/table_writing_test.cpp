@@ -1,5 +1,8 @@
 // Tables made, filled and changed by the engine, read back by it and by mdbtools.
+#include "jet/errors.h"
+#include "jet/rows/table_definition.h"
 #include "jet/tables/table_fixture.h"
+#include "support/faulty_file_system.h"
 
 namespace jet::test {
 namespace {
@@ -61,6 +64,77 @@ TEST_F(TableWritingTest, DuplicateKeyLeavesNothingBehind) {
     EXPECT_EQ(ReadWholeFile(path_), before);
     EXPECT_TRUE(InsertGame(u"TAXI ", 1989, u"").ok());
     EXPECT_EQ(AllRows(Games()).size(), 2U);
+}
+
+// The optimizer's statistics in the definition of the table made last.
+std::uint32_t DistinctKeysOf(PageStore& pages, std::size_t real_index) {
+    std::uint32_t keys = 0;
+    for (PageNumber page = 0; page < pages.page_count(); ++page) {
+        const PageView view = pages.Read(page).value();
+        if (HasType(view.bytes(), PageType::kDefinition))
+            keys = ReadDistinctKeys(view.bytes(), FormatOf(4), real_index);
+    }
+    return keys;
+}
+
+TEST_F(TableWritingTest, DifferentKeysAreCounted) {
+    TableDesign design;
+    design.name = u"Names";
+    design.columns = {Column(u"Name", ColumnType::kText, 50)};
+    design.indexes = {Index(u"ByName", {{0, true}})};
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    for (const char16_t* name : {u"b", u"a", u"b", u"B", u"a", u"c"})
+        ASSERT_TRUE(Insert(u"Names", {Value::Text(name)}).ok());
+    EXPECT_EQ(DistinctKeysOf(database_->pages(), 0), 3U);
+}
+
+// Ten columns that fit a row, and whose key does not fit an index page twice.
+TEST_F(TableWritingTest, KeyThatIsTooLongIsRefused) {
+    TableDesign design;
+    design.name = u"Wide";
+    IndexDesign index = Index(u"All", {});
+    for (std::size_t i = 0; i < 10; ++i) {
+        const std::u16string name = u"C" + std::u16string(1, char16_t(u'0' + i));
+        design.columns.push_back(Column(name.c_str(), ColumnType::kText, 255));
+        index.columns.push_back({i, true});
+    }
+    design.indexes = {index};
+    ASSERT_TRUE(Do([&] { return database_->CreateTable(design); }).ok());
+    const auto row_of = [](std::size_t length) {
+        return std::vector<Value>(10, Value::Text(std::u16string(length, u'x')));
+    };
+    ASSERT_TRUE(Insert(u"Wide", row_of(150)).ok());
+    EXPECT_TRUE(Is(Insert(u"Wide", row_of(190)).status(), ErrorNumber::kRecordTooLarge));
+    EXPECT_EQ(AllRows(TableOf(u"Wide")).size(), 1U);
+}
+
+// Files in memory that tell how much was written.
+class WrittenBytesTest : public TableFixture {
+protected:
+    WrittenBytesTest() {
+        auto files = std::make_unique<test_support::FaultyFileSystem>();
+        counting_ = files.get();
+        files_ = std::move(files);
+    }
+    // By one update of the row, in a transaction of its own.
+    std::uint64_t WrittenBy(RowId row, ColumnChange change) {
+        EXPECT_TRUE(database_->Flush().ok());
+        const std::uint64_t before = counting_->bytes_written();
+        EXPECT_TRUE(Update(u"Games", row, {std::move(change)}).ok());
+        EXPECT_TRUE(database_->Flush().ok());
+        return counting_->bytes_written() - before;
+    }
+
+    test_support::FaultyFileSystem* counting_ = nullptr;
+};
+
+TEST_F(WrittenBytesTest, IndexesOfOtherColumnsAreNotWritten) {
+    CreateGames();
+    const RowId row = InsertGame(u"Taxi", 1988, u"notes").value();
+    const std::uint64_t favourite = WrittenBy(row, {4, Value::Boolean(true)});
+    const std::uint64_t name = WrittenBy(row, {1, Value::Text(u"Jaxi")});
+    EXPECT_GT(favourite, 0U);
+    EXPECT_LT(favourite, name);
 }
 
 TEST_F(TableWritingTest, ColumnsAddedLaterAreNullInOldRows) {
