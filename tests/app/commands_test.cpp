@@ -4,6 +4,7 @@
 
 #include "browser/command_table.h"
 #include "browser/tree_fixture.h"
+#include "catalogue/program_files.h"
 #include "dialogs/frmSettings.h"
 #include "pictures/frmPicture.h"
 
@@ -16,6 +17,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QTreeView>
+
+#include <algorithm>
 
 namespace app {
 namespace {
@@ -114,6 +117,25 @@ TEST_F(CommandsTest, APlayCountsStartsMinimisesAndRestores) {
     EXPECT_TRUE(was_minimised);
     EXPECT_FALSE(window->isMinimized());
     EXPECT_EQ(windows.closed, std::vector<QString>{kEnded});
+}
+
+TEST_F(CommandsTest, ClosingTheWindowTakesTheStatusWindowAlong) {
+    const auto splash_is_shown = [] {
+        return std::ranges::any_of(QApplication::topLevelWidgets(), [](const QWidget* shown) {
+            return shown->objectName() == u"frmSplash" && shown->isVisible();
+        });
+    };
+    values.SoundOn = true;
+    sounds.on_play = [&] {
+        if (!sounds.played.back().endsWith(catalogue::kPlaySound)) return;  // the button's
+        EXPECT_TRUE(splash_is_shown());
+        window->close();
+        EXPECT_FALSE(splash_is_shown());
+    };
+    Select(0);
+    Press(u"cmdPlay");
+    EXPECT_EQ(sounds.played.size(), 2U);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(CommandsTest, ClosingTheWindowEndsTheWatchOfAPlay) {

@@ -1,7 +1,10 @@
 #include "browser/status_panels.h"
 
+#include "support/event_counter.h"
+
 #include <gtest/gtest.h>
 
+#include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QProgressBar>
@@ -61,6 +64,18 @@ TEST_F(StatusPanelsTest, TheNextProgressBeginsAtNothing) {
     EXPECT_EQ(Bar()->value(), 10);
     panels.Advance(15);  // less than another one
     EXPECT_EQ(Bar()->value(), 10);
+}
+
+// Nothing else lets the window paint while a long run keeps the program busy.
+TEST_F(StatusPanelsTest, ALongProgressIsPaintedAsItGoes) {
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    test_support::EventCounter painted(*Bar(), QEvent::Paint);
+    panels.StartProgress(5000);
+    panels.Advance(1000);
+    const int first = painted.count();
+    EXPECT_GT(first, 0);
+    panels.Advance(2000);
+    EXPECT_GT(painted.count(), first);
 }
 
 TEST_F(StatusPanelsTest, ALongTextInTheNamePanelDoesNotWidenTheWindow) {

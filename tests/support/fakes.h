@@ -106,7 +106,11 @@ public:
 class FakeSound final : public platform::SoundPlayer {
 public:
     std::vector<QString> played;
-    void PlaySynchronously(const QString& wave_file) override { played.push_back(wave_file); }
+    std::function<void()> on_play;  // while the sound is heard
+    void PlaySynchronously(const QString& wave_file) override {
+        played.push_back(wave_file);
+        if (on_play) on_play();
+    }
 };
 
 class FakeProcessStarter final : public platform::ProcessStarter {

@@ -77,6 +77,33 @@ TEST(DamagedLeaves, ACircleOfEmptyLeavesIsDamage) {
     EXPECT_EQ(status.number(), 3049) << status.message();
 }
 
+// The last leaf leads back to the first: each row is met once, then the walk ends.
+TEST(DamagedLeaves, ACircleOfFullLeavesIsDamage) {
+    test_support::FaultyFileSystem files;
+    MakeNames(files);
+    PageNumber first = 0;
+    DamageLeaves(files, [&](std::span<std::byte> leaf, PageNumber page) {
+        if (base::LoadLittle<PageNumber>(leaf.data() + kPreviousAt) == 0 &&
+            base::LoadLittle<PageNumber>(leaf.data() + kNextAt) != 0)
+            first = page;
+    });
+    ASSERT_NE(first, 0U);
+    DamageLeaves(files, [&](std::span<std::byte> leaf, PageNumber) {
+        if (base::LoadLittle<PageNumber>(leaf.data() + kPreviousAt) != 0 &&
+            base::LoadLittle<PageNumber>(leaf.data() + kNextAt) == 0)
+            base::StoreLittle(leaf.data() + kNextAt, first);
+    });
+    Connection connection(files);
+    ASSERT_TRUE(connection.Open(u"Data Source=/made.mdb;Mode=Read").ok());
+    auto rows = connection.Execute(u"SELECT Name FROM T WHERE Name >= '1000'");
+    base::Status status = rows.status();
+    std::size_t met = 0;
+    for (; status.ok() && !rows->Eof() && met < 2000; ++met)
+        status = rows->MoveNext();
+    EXPECT_EQ(status.number(), 3049) << status.message();
+    EXPECT_LE(met, 600U);
+}
+
 // Leaves that removals have left almost empty are joined, but not those whose links contradict each
 // other: which pages belong between them is not known.
 TEST(DamagedLeaves, NeighboursThatDoNotNameEachOtherAreNotJoined) {
