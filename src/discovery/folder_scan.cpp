@@ -17,7 +17,8 @@ namespace discovery {
 
 FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                        ScanObserver& observer)
-    : catalogue_(catalogue), events_(events), observer_(observer) {}
+    : catalogue_(catalogue), events_(events), observer_(observer),
+      known_(*catalogue.CatalogueConnection) {}
 
 base::Status FolderScan::Run(const QString& folder) {
     found_count_ = 0;
@@ -96,23 +97,15 @@ base::Status FolderScan::HandleLinkedFile(const QString& path) {
     if (identity.isEmpty() || met_linked_files_.contains(identity)) return {};
     met_linked_files_.insert(identity);
     const QString real = platform::RealPath(path);
-    ASSIGN_OR_RETURN(const bool is_known, IsKnown(real));
+    ASSIGN_OR_RETURN(const bool is_known, known_.Contains(real));
     if (is_known) return {};
     return HandleFile(path);
 }
 
 // Recycle-bin folders are scanned like any other.
 base::Status FolderScan::HandleFile(const QString& path) {
-    ASSIGN_OR_RETURN(const bool is_known, IsKnown(path));
+    ASSIGN_OR_RETURN(const bool is_known, known_.Contains(path));
     return is_known ? base::Status() : Add(path);
-}
-
-base::Result<bool> FolderScan::IsKnown(const QString& path) {
-    const QString query = QStringLiteral("Select FileName from Tables where filename = '") +
-                          catalogue::QuoteSql(path) + u'\'';
-    const auto rows = catalogue_.CatalogueConnection->Execute(query.toStdU16String());
-    if (!rows.ok()) return rows.status();
-    return !(rows->Bof() && rows->Eof());
 }
 
 // A file that cannot be read, or whose path is too long, is skipped silently; the next scan tries
@@ -123,7 +116,11 @@ base::Status FolderScan::Add(const QString& path) {
     const QString checksum_text = QString::fromStdU16String(checksum::ChecksumText(*value));
     const QString display_name = BaseName(path);
     const base::Status stored = Insert(path, display_name, checksum_text);
-    if (!stored.ok()) return catalogue::IsValueTrouble(stored) ? base::Status() : stored;
+    if (!stored.ok()) {
+        known_.NoteRefused();
+        return catalogue::IsValueTrouble(stored) ? base::Status() : stored;
+    }
+    known_.NoteStored(path);
     observer_.TableAdded(display_name, checksum_text);
     ++found_count_;
     return {};

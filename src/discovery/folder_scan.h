@@ -13,6 +13,7 @@
 #include "base/status.h"
 #include "catalogue/catalogue.h"
 #include "checksum/clsCRC.h"
+#include "discovery/known_names.h"
 #include "platform/files.h"
 #include "platform/user_events.h"
 
@@ -65,7 +66,6 @@ private:
     base::Status HandleEntry(const Folder& folder, const platform::FolderEntry& entry);
     base::Status HandleLinkedFile(const QString& path);
     base::Status HandleFile(const QString& path);
-    base::Result<bool> IsKnown(const QString& path);
     base::Status Add(const QString& path);
     base::Status Insert(const QString& path, const QString& display_name,
                         const QString& checksum_text);
@@ -76,6 +76,7 @@ private:
     std::deque<Folder> queue_;
     std::deque<Link> links_;
     QSet<QString> met_folders_, met_linked_files_;  // by identity
+    KnownNames known_;
     checksum::clsCRC crc_;
     std::int64_t found_count_ = 0;
 };

@@ -1,28 +1,10 @@
 #include "maintenance/match_index.h"
 
-#include "jet/text/collation.h"
-
-#include <algorithm>
+#include "catalogue/text_key.h"
+#include "platform/text_view.h"
 
 namespace maintenance {
 namespace {
-
-// What a sort key holds; the database compares longer texts in full.
-constexpr qsizetype kMaxKeyLength = 255;
-
-std::string SortKey(std::u16string_view text) {
-    jet::Bytes bytes;
-    jet::AppendTextKey(text, bytes);
-    std::string key(bytes.size(), '\0');
-    std::transform(bytes.begin(), bytes.end(), key.begin(),
-                   [](std::byte b) { return static_cast<char>(b); });
-    return key;
-}
-
-// False for a character that may end a text in SQL or that the database refuses inside one.
-bool IsPlain(QChar c) {
-    return c != u'\'' && c != u'|' && c >= u' ';
-}
 
 std::optional<std::int64_t> RowId(const jet::Value& value) {
     if (value.is_null()) return std::nullopt;
@@ -36,7 +18,8 @@ MatchIndex::MatchIndex(jet::Connection& connection, const QString& date_conditio
 }
 
 bool MatchIndex::CanAnswer(const QString& key) const {
-    return complete_ && key.size() <= kMaxKeyLength && std::all_of(key.begin(), key.end(), IsPlain);
+    return complete_ && catalogue::IsPlainInSql(key) && !key.contains(u'\'') &&
+           catalogue::HasTextKey(platform::View(key));
 }
 
 bool MatchIndex::ReadRows(jet::Connection& connection, const QString& date_condition) {
@@ -60,15 +43,15 @@ bool MatchIndex::ReadRows(jet::Connection& connection, const QString& date_condi
 bool MatchIndex::Add(Map& map, const jet::Value& value, std::optional<std::int64_t> id) {
     if (value.is_null()) return true;
     const auto* text = value.get_if<std::u16string>();
-    if (text == nullptr || text->size() > static_cast<std::size_t>(kMaxKeyLength)) return false;
-    Rows& rows = map[SortKey(*text)];
+    if (text == nullptr || !catalogue::HasTextKey(*text)) return false;
+    Rows& rows = map[catalogue::TextKey(*text)];
     ++rows.count;
     rows.id = rows.count == 1 ? id : std::nullopt;
     return true;
 }
 
 MatchIndex::Rows MatchIndex::Find(const Map& map, const QString& key) {
-    const auto found = map.find(SortKey(key.toStdU16String()));
+    const auto found = map.find(catalogue::TextKey(platform::View(key)));
     return found == map.end() ? Rows{} : found->second;
 }
 

@@ -86,6 +86,19 @@ TEST_F(FolderScanTest, TablesAtEveryDepthAreAddedOnce) {
     EXPECT_TRUE(observer.added.isEmpty());
 }
 
+TEST_F(FolderScanTest, TheCatalogueIsReadOnceHoweverManyFilesAreFound) {
+    constexpr int kFiles = 20;
+    for (int i = 0; i < kFiles; ++i)
+        MakeFile(QStringLiteral("%1.vpt").arg(i));
+    MakeFile(QStringLiteral("too long a path/%1.vpt").arg(QString(240, u'x')));
+    CountWalks();
+    EXPECT_EQ(Scan(), kFiles);
+    EXPECT_EQ(walks.scans, 1);
+    EXPECT_EQ(walks.ranges, 1) << "of the path that has no key";
+    EXPECT_EQ(Scan(), 0);
+    EXPECT_EQ(walks.scans, 2);
+}
+
 TEST_F(FolderScanTest, ARowGetsItsFiveFieldsAndTheDefaultsOfTheOthers) {
     const QString path = MakeFile(QStringLiteral("Attack From Space.vpt"));
     const QDateTime modified(QDate(2003, 5, 7), QTime(14, 30, 9));

@@ -9,7 +9,9 @@
 #include "catalogue/process_values.h"
 #include "catalogue/start_up.h"
 #include "jet/connection.h"
+#include "jet/pages/page_store.h"
 #include "platform/file_system.h"
+#include "support/counting_database.h"
 #include "support/fakes.h"
 
 #include <gtest/gtest.h>
@@ -41,6 +43,19 @@ protected:
 
     QString DatabasePath() const { return folder.filePath(QStringLiteral("pinball.mdb")); }
 
+    // Opens the catalogue again, with `walks` counting.
+    void CountWalks() {
+        ASSERT_TRUE(connection->Close().ok());
+        auto pages = jet::OpenPageStore(*files, DatabasePath().toStdU16String(), {});
+        ASSERT_TRUE(pages.ok()) << pages.status().message();
+        auto database = jet::OpenDatabase(std::move(pages).value(), "pinball.mdb");
+        ASSERT_TRUE(database.ok()) << database.status().message();
+        connection = std::make_unique<jet::Connection>(
+            std::make_unique<CountingDatabase>(std::move(database).value(), walks),
+            [this] { return catalogue::ToOleDate(clock.now); });
+        catalogue.CatalogueConnection = connection.get();
+    }
+
     // Runs a statement that must succeed.
     void Execute(const QString& sql) {
         const auto done = connection->Execute(sql.toStdU16String());
@@ -59,6 +74,7 @@ protected:
 
     QTemporaryDir folder;
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
+    WalkCounts walks;
     std::unique_ptr<jet::Connection> connection = std::make_unique<jet::Connection>(
         *files, [this] { return catalogue::ToOleDate(clock.now); });
     FakeClock clock;
