@@ -22,7 +22,15 @@ set(precompiled_qt_test_libraries Qt6::Core GTest::gtest GTest::gmock)
 set(precompiled_window_test_libraries Qt6::Widgets GTest::gtest GTest::gmock)
 
 # What test programs do themselves takes no time worth optimizing; compiling them does.
-set(test_code_options $<$<CONFIG:Release>:-O0>)
+add_library(test_code INTERFACE)
+target_compile_options(test_code INTERFACE $<$<CONFIG:Release>:-O0>)
+if(TAVOLO_SANITIZE)
+    # The sanitizers are for the code under test. The address sanitizer stays on both sides: it must know of containers' memory.
+    target_compile_options(test_code INTERFACE -O0 -fno-sanitize=undefined)
+    if(TAVOLO_FUZZ)
+        target_compile_options(test_code INTERFACE -fno-sanitize=fuzzer-no-link)
+    endif()
+endif()
 
 function(use_precompiled_headers target kind)
     set(holder precompiled_${kind}_headers)
@@ -35,12 +43,14 @@ function(use_precompiled_headers target kind)
         if(kind MATCHES "test")
             # Test programs are compiled as programs, not as libraries: the compiler refuses a header made the other way.
             set_target_properties(${holder} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-            target_compile_options(${holder} PRIVATE -fPIE ${test_code_options})
+            target_compile_options(${holder} PRIVATE -fPIE)
+            target_link_libraries(${holder} PRIVATE test_code)
         endif()
         target_precompile_headers(${holder} PRIVATE ${precompiled_${kind}})
     endif()
     if(kind MATCHES "test")
-        target_compile_options(${target} PRIVATE ${test_code_options})
+        # Behind what else it links, whose options it takes back.
+        target_link_libraries(${target} PRIVATE test_code)
     endif()
     target_precompile_headers(${target} REUSE_FROM ${holder})
 endfunction()
