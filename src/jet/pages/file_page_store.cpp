@@ -193,8 +193,9 @@ base::Status FilePageStore::CommitPages() {
         TakeIntoPending();
         journal_size = journal_.size_bytes();
     }
-    if (flusher_ != nullptr) flusher_->Request();
-    if (journal_size > kMaxJournalBytes) Checkpoint().Ignore();  // tried again later
+    const bool nobody_flushes = flusher_ != nullptr && !flusher_->Request();
+    if (nobody_flushes || journal_size > kMaxJournalBytes)
+        Checkpoint().Ignore();  // tried again later
     return {};
 }
 

@@ -1,9 +1,11 @@
 #include "jet/pages/flusher.h"
 
+#include <system_error>
+
 namespace jet {
 
 Flusher::Flusher(std::chrono::milliseconds delay, std::function<bool()> flush)
-    : delay_(delay), flush_(std::move(flush)), thread_([this] { Run(); }) {}
+    : delay_(delay), flush_(std::move(flush)) {}
 
 Flusher::~Flusher() {
     {
@@ -11,16 +13,25 @@ Flusher::~Flusher() {
         stop_ = true;
     }
     wake_.notify_one();
-    thread_.join();
+    if (thread_.joinable()) thread_.join();
 }
 
-void Flusher::Request() {
+bool Flusher::Request() {
     {
         const std::lock_guard lock(mutex_);
-        if (requested_) return;
+        if (requested_) return true;
         requested_ = true;
     }
     wake_.notify_one();
+    if (thread_.joinable()) return true;
+    try {
+        thread_ = std::thread([this] { Run(); });
+        return true;
+    } catch (const std::system_error&) {
+        const std::lock_guard lock(mutex_);
+        requested_ = false;
+        return false;
+    }
 }
 
 void Flusher::Run() {

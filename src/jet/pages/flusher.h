@@ -1,5 +1,6 @@
 // Flusher: a thread that calls a function once, some time after the first of any number of
-// requests. It makes commits durable in the background.
+// requests. It makes commits durable in the background. The thread begins with the first request:
+// who only reads has none.
 #pragma once
 
 #include <chrono>
@@ -19,8 +20,9 @@ public:
     Flusher(const Flusher&) = delete;
     Flusher& operator=(const Flusher&) = delete;
 
-    // At most `delay` from now, `flush` is called.
-    void Request();
+    // At most `delay` from now, `flush` is called. False: the system has no thread for it, so the
+    // caller must flush.
+    bool Request();
 
 private:
     void Run();

@@ -65,8 +65,12 @@ base::Result<std::unique_ptr<LockFile>> LockFile::Take(FileSystem& files,
     if (locked.code() == base::StatusCode::kBusy) return BusyStatus(files, database);
     RETURN_IF_ERROR(locked);
     std::unique_ptr<LockFile> owner(new LockFile(files, std::move(path), std::move(file)));
-    RETURN_IF_ERROR(owner->file_->Truncate(0));
-    RETURN_IF_ERROR(owner->file_->WriteAt(0, MakeSlot(files.OwnerName())));
+    const LockSlot slot = MakeSlot(files.OwnerName());
+    RETURN_IF_ERROR(owner->file_->WriteAt(0, slot));
+    // Cut off behind the slot, never to nothing: some file systems (ext4) write a file that was
+    // emptied to the disk when it is closed.
+    ASSIGN_OR_RETURN(const std::uint64_t size, owner->file_->Size());
+    if (size > slot.size()) RETURN_IF_ERROR(owner->file_->Truncate(slot.size()));
     return owner;
 }
 

@@ -10,7 +10,6 @@
 #include <array>
 #include <cstring>
 #include <optional>
-#include <system_error>
 
 namespace jet {
 namespace {
@@ -130,13 +129,8 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
                            options.read_only ? nullptr : std::move(journal->file));
         if (!recovered.ok()) return EngineStatus(recovered);
     }
-    if (!options.read_only && options.flush_delay.count() > 0) {
-        try {
-            store->StartFlusher(options.flush_delay);
-        } catch (const std::system_error& error) {
-            return base::Status(base::StatusCode::kIoError, error.what());
-        }
-    }
+    if (!options.read_only && options.flush_delay.count() > 0)
+        store->StartFlusher(options.flush_delay);
     return std::unique_ptr<PageStore>(std::move(store));
 }
 

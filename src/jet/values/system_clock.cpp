@@ -21,22 +21,32 @@ CivilDateTime LocalNow() {
     return civil;
 }
 
+struct Moment {
+    double days = 0;
+    int year = 0;
+};
+
+// Each statement asks, and a comparison of a date with a text once per row, while std::localtime
+// looks at the time zone's file each time: the answer is kept for a second.
+const Moment& Now() {
+    thread_local std::time_t known_at = -1;
+    thread_local Moment known;
+    if (const std::time_t now = std::time(nullptr); now != known_at) {
+        const CivilDateTime local = LocalNow();
+        known = {DaysFromCivil(local), local.year};
+        known_at = now;
+    }
+    return known;
+}
+
 }  // namespace
 
 double SystemNow() {
-    return DaysFromCivil(LocalNow());
+    return Now().days;
 }
 
-// Comparing a date with a text asks once per row, and std::localtime looks at the time zone's file
-// each time: the answer is kept for a second.
 int CurrentYear() {
-    thread_local std::time_t known_at = -1;
-    thread_local int year = 0;
-    if (const std::time_t now = std::time(nullptr); now != known_at) {
-        year = LocalNow().year;
-        known_at = now;
-    }
-    return year;
+    return Now().year;
 }
 
 }  // namespace jet

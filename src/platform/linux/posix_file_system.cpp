@@ -177,7 +177,14 @@ public:
         return done == 0 || error == EINVAL ? Status() : Failure(error, name);
     }
 
+    // The list of users is read once.
     std::string OwnerName() override {
+        static const std::string name = FindOwnerName();
+        return name;
+    }
+
+private:
+    static std::string FindOwnerName() {
         char computer[256] = "localhost";
         ::gethostname(computer, sizeof computer - 1);
         passwd entry{};

@@ -614,9 +614,14 @@ TEST_F(FilePageStoreTest, ALockFileHeldByAnotherProgramMeansBusy) {
         EXPECT_EQ(status.number(), 3356);
         EXPECT_NE(status.message().find("user 'Admin' on machine 'OFFICE'"), std::string::npos);
     }
-    ldb.value().reset();  // the program is gone and has left its file behind
+    // The program is gone and has left its file behind, longer than we make it.
+    ASSERT_TRUE(ldb.value()->WriteAt(64, slot).ok());
+    ldb.value().reset();
     auto store = Open(files_);
     ASSERT_NE(store, nullptr);
+    const auto ours = files_.Get("folder/tables.ldb");
+    EXPECT_EQ(ours.size(), 64u);
+    EXPECT_NE(ours, slot);
     ASSERT_TRUE(store->Close().ok());
     EXPECT_FALSE(files_.Exists("folder/tables.ldb"));
 }
