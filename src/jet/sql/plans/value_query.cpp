@@ -1,5 +1,8 @@
 #include "jet/sql/plans/value_query.h"
 
+#include "jet/sql/plans/filtered_cursor.h"
+#include "jet/sql/plans/stored_row_set.h"
+
 #include <unordered_set>
 
 namespace jet::sql {
@@ -62,13 +65,45 @@ Result<std::vector<SortedRow>> CombinedQuery::MakeRows(bool keeps_failures) {
 Result<std::vector<SortedRow>> DistinctQuery::MakeRows(bool) {
     std::vector<SortedRow> made;
     std::unordered_set<std::string> met;
-    RETURN_IF_ERROR(ForEachRow([&](const SourceRows& rows) -> Result<bool> {
+    const TakeRow take = [&](const SourceRows& rows) -> Result<bool> {
         EvalContext context{&session_, &rows, nullptr};
         ASSIGN_OR_RETURN(SortedRow row, MakeRow(context, false));
         if (met.insert(KeyOfAll(row.values)).second) made.push_back(std::move(row));
         return true;
-    }));
+    };
+    const auto columns = OutputColumns();
+    RETURN_IF_ERROR(columns ? ForEachOtherRow(*columns, take) : ForEachRow(take));
     return made;
+}
+
+std::optional<std::vector<std::size_t>> DistinctQuery::OutputColumns() const {
+    if (scope_.sources().size() != 1) return std::nullopt;
+    std::vector<std::size_t> columns;
+    for (const OutputItem& output : select_.outputs) {
+        if (!IsColumn(*output.expression)) return std::nullopt;
+        columns.push_back(scope_.sources()[0].columns[output.expression->slot]);
+    }
+    return columns;
+}
+
+Status DistinctQuery::ForEachOtherRow(const std::vector<std::size_t>& columns,
+                                      const TakeRow& take) {
+    ASSIGN_OR_RETURN(const std::unique_ptr<FilteredCursor> cursor,
+                     FilteredCursor::Open(scope_, path_, select_.where.get(), session_));
+    StoredFields* const stored = cursor->stored_fields();
+    StoredRowSet known;
+    std::vector<std::byte> fields;
+    for (;;) {
+        ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
+        if (!row) return Status::Ok();
+        if (stored != nullptr) {
+            fields.clear();
+            RETURN_IF_ERROR(stored->Append(columns, fields));
+            if (known.Add(fields)) continue;
+        }
+        RETURN_IF_ERROR(cursor->ReadInUse());
+        RETURN_IF_ERROR(take(cursor->rows()).status());
+    }
 }
 
 }  // namespace jet::sql

@@ -5,6 +5,7 @@
 #include "jet/sql/plans/select_query.h"
 #include "jet/sql/plans/sorted_rows.h"
 
+#include <optional>
 #include <vector>
 
 namespace jet::sql {
@@ -39,6 +40,10 @@ public:
 
 private:
     base::Result<std::vector<SortedRow>> MakeRows(bool keeps_failures) override;
+    // In the table's design, where there is a single table and every output is a column of it.
+    std::optional<std::vector<std::size_t>> OutputColumns() const;
+    // The rows without most of those whose fields `columns` another row before had byte for byte.
+    base::Status ForEachOtherRow(const std::vector<std::size_t>& columns, const TakeRow& take);
 };
 
 }  // namespace jet::sql
