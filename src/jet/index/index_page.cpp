@@ -75,9 +75,12 @@ int IndexPageView::Compare(std::size_t i, std::span<const std::byte> target) con
     const std::span prefix = Prefix(i);
     if (const int order = CompareBytes(prefix, target); order != 0) return order;
     if (target.size() < prefix.size()) return 1;
+    return CompareStored(i, target.subspan(prefix.size()));
+}
+
+int IndexPageView::CompareStored(std::size_t i, std::span<const std::byte> rest) const {
     std::span<const std::byte> stored = Stored(i);
     if (!is_leaf()) stored = stored.first(stored.size() - kChildBytes);
-    const std::span rest = target.subspan(prefix.size());
     if (const int order = CompareBytes(stored, rest); order != 0) return order;
     if (stored.size() == rest.size()) return 0;
     return stored.size() < rest.size() ? -1 : 1;
@@ -118,9 +121,18 @@ PageNumber IndexPageView::Child(std::size_t i) const {
 std::size_t IndexPageView::LowerBound(std::span<const std::byte> target) const {
     std::size_t low = 0;
     std::size_t high = count();
+    // Every entry begins with the common prefix, which may decide.
+    std::span<const std::byte> rest = target;
+    if (high > 1 && prefix_ > 0) {
+        const int order = CompareBytes(entries_.first(prefix_), target);
+        if (order != 0) return order < 0 ? high : 0;
+        if (target.size() <= prefix_) return 0;
+        rest = target.subspan(prefix_);
+    }
     while (low < high) {
         const std::size_t middle = low + (high - low) / 2;
-        if (Compare(middle, target) < 0)
+        const int order = middle == 0 ? Compare(0, target) : CompareStored(middle, rest);
+        if (order < 0)
             low = middle + 1;
         else
             high = middle;

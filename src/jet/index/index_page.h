@@ -53,6 +53,8 @@ public:
 
 private:
     bool FindEnds(std::span<const std::byte> mask);
+    // As Compare, behind the bytes that the entry leaves out.
+    int CompareStored(std::size_t i, std::span<const std::byte> rest) const;
     PageNumber Link(IndexLink link) const {
         return base::LoadLittle<std::uint32_t>(bytes_.data() + format_->LinkOffset(link));
     }

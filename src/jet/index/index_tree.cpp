@@ -26,16 +26,34 @@ base::Result<IndexTree::Place> IndexTree::LoadLeaf(PageNumber page) const {
     return place;
 }
 
-base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> target) const {
-    ASSIGN_OR_RETURN(Place place, Load(root_));
-    for (std::size_t depth = 0; !place.view.is_leaf(); ++depth) {
-        if (depth >= kMaxIndexLevels) return DamagedPage(root_, "an index that is too deep");
-        const std::size_t child = place.view.LowerBound(target);
-        ASSIGN_OR_RETURN(
-            place, Load(child < place.view.count() ? place.view.Child(child) : place.view.tail()));
+base::Result<const IndexPageView*> IndexTree::LoadNode(PageNumber number, Place& leaf) const {
+    ASSIGN_OR_RETURN(PageView page, file_.store.Read(number));
+    KnownNode& known = nodes_[number % nodes_.size()];
+    if (known.number == number && known.page && known.page.data() == page.data())
+        return &known.view;
+    auto view = IndexPageView::Parse(page.bytes(), file_.format, table_);
+    if (!view) return DamagedPage(number, "not a page of this index");
+    if (view->is_leaf()) {
+        leaf = {std::move(page), std::move(*view), 0};
+        return nullptr;
     }
-    place.entry = place.view.LowerBound(target);
-    return place;
+    known = {number, std::move(page), std::move(*view)};
+    return &known.view;
+}
+
+base::Result<IndexTree::Place> IndexTree::Descend(std::span<const std::byte> target) const {
+    Place leaf;
+    PageNumber page = root_;
+    for (std::size_t depth = 0; depth <= kMaxIndexLevels; ++depth) {
+        ASSIGN_OR_RETURN(const IndexPageView* const node, LoadNode(page, leaf));
+        if (node == nullptr) {
+            leaf.entry = leaf.view.LowerBound(target);
+            return leaf;
+        }
+        const std::size_t child = node->LowerBound(target);
+        page = child < node->count() ? node->Child(child) : node->tail();
+    }
+    return DamagedPage(root_, "an index that is too deep");
 }
 
 base::Result<PageNumber> IndexTree::FindLeaf(std::span<const std::byte> target, Path& path) const {

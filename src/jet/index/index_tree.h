@@ -11,6 +11,7 @@
 #include "jet/rows/file_context.h"
 #include "jet/rows/table_definition.h"
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -74,6 +75,15 @@ private:
 
     base::Result<Place> Load(PageNumber page) const;
     base::Result<Place> LoadLeaf(PageNumber page) const;
+    // A page whose view was made before and whose bytes are still the same.
+    struct KnownNode {
+        PageNumber number = 0;
+        PageView page;
+        IndexPageView view;  // of `page`
+    };
+    // The view of page `number`, which is read anew to see whether it has changed. nullptr: it is a
+    // leaf, `leaf`.
+    base::Result<const IndexPageView*> LoadNode(PageNumber number, Place& leaf) const;
     // Down to the leaf where `target` is or would be.
     base::Result<Place> Descend(std::span<const std::byte> target) const;
     // The leaf alone, without a look at its entries; `path` receives the nodes passed.
@@ -122,6 +132,9 @@ private:
     PageNumber root_;
     RowPointer map_;
     std::uint64_t changes_ = 0;
+    // By the last bits of the page's number. A page view keeps its bytes unchanged, so that the
+    // same bytes at the same place say the same.
+    mutable std::array<KnownNode, 16> nodes_;
 };
 
 }  // namespace jet

@@ -6,7 +6,7 @@
 #include "jet/pages/page_transaction.h"
 
 #include <cstddef>
-#include <unordered_map>
+#include <cstdint>
 #include <vector>
 
 namespace jet {
@@ -18,23 +18,32 @@ public:
 
     // null: not there.
     SharedPage Find(PageNumber page);
-    bool Contains(PageNumber page) const { return slots_.contains(page); }
+    bool Contains(PageNumber page) const { return SlotOf(page) != kNoSlot; }
     // Replaces the cached content of this page.
     void Put(PageNumber page, SharedPage bytes);
     void Erase(PageNumber page);
-    std::size_t size() const { return slots_.size(); }
+    std::size_t size() const { return used_; }
 
 private:
+    static constexpr std::uint32_t kNoSlot = UINT32_MAX;
+
     struct Entry {
         PageNumber page = 0;
         SharedPage bytes;  // null: the entry is free
         bool asked_for = false;
     };
-    std::size_t FreeEntry();
+    std::uint32_t SlotOf(PageNumber page) const {
+        return page < slots_.size() ? slots_[page] : kNoSlot;
+    }
+    std::uint32_t FreeEntry();
+    void ForgetEntry(Entry& entry);
 
     std::size_t capacity_;
     std::vector<Entry> entries_;
-    std::unordered_map<PageNumber, std::size_t> slots_;
+    // The place of each page of the file among entries_, or kNoSlot: four bytes a page, 2 MiB for
+    // the largest file.
+    std::vector<std::uint32_t> slots_;
+    std::size_t used_ = 0;
     std::size_t hand_ = 0;
 };
 

@@ -9,55 +9,55 @@ using base::Status;
 Status StatementParser::ParseAlias(std::u16string& alias) {
     const bool as = tokens_.TakeWord(u"AS");
     if (!as && !tokens_.IsName()) return Status::Ok();
-    ASSIGN_OR_RETURN(alias, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInFrom)));
+    ASSIGN_OR_RETURN(alias, tokens_.TakeName(ErrorNumber::kSyntaxInFrom));
     return Status::Ok();
 }
 
 Result<Statement> StatementParser::ParseInsert() {
-    const Status failure = JetError(ErrorNumber::kSyntaxInInsert);
+    constexpr ErrorNumber kFailure = ErrorNumber::kSyntaxInInsert;
     InsertStatement insert;
-    if (!tokens_.TakeWord(u"INTO")) return failure;
-    ASSIGN_OR_RETURN(insert.table, tokens_.TakeName(failure));
+    if (!tokens_.TakeWord(u"INTO")) return JetError(kFailure);
+    ASSIGN_OR_RETURN(insert.table, tokens_.TakeName(kFailure));
     if (tokens_.IsSymbol(u"(")) RETURN_IF_ERROR(ParseInsertColumns(insert));
     if (tokens_.IsWord(u"SELECT")) {
         ASSIGN_OR_RETURN(SelectStatement select, ParseSelect());
         insert.select = std::make_unique<SelectStatement>(std::move(select));
         return Statement(std::move(insert));
     }
-    if (!tokens_.TakeWord(u"VALUES")) return failure;
+    if (!tokens_.TakeWord(u"VALUES")) return JetError(kFailure);
     RETURN_IF_ERROR(ParseInsertValues(insert));
     return Statement(std::move(insert));
 }
 
 Status StatementParser::ParseInsertColumns(InsertStatement& insert) {
-    const Status failure = JetError(ErrorNumber::kSyntaxInInsert);
+    constexpr ErrorNumber kFailure = ErrorNumber::kSyntaxInInsert;
     tokens_.Take();  // the parenthesis
     do {
-        ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(failure));
+        ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(kFailure));
         if (tokens_.TakeSymbol(u".") || tokens_.TakeSymbol(u"!")) {
-            ASSIGN_OR_RETURN(name, tokens_.TakeName(failure));  // after the table's own name
+            ASSIGN_OR_RETURN(name, tokens_.TakeName(kFailure));  // after the table's own name
         }
         insert.columns.push_back(std::move(name));
     } while (tokens_.TakeSymbol(u","));
-    return tokens_.TakeSymbol(u")") ? Status::Ok() : failure;
+    return tokens_.TakeSymbol(u")") ? Status::Ok() : JetError(kFailure);
 }
 
 Status StatementParser::ParseInsertValues(InsertStatement& insert) {
-    const Status failure = JetError(ErrorNumber::kSyntaxInInsert);
-    if (!tokens_.TakeSymbol(u"(")) return failure;
+    constexpr ErrorNumber kFailure = ErrorNumber::kSyntaxInInsert;
+    if (!tokens_.TakeSymbol(u"(")) return JetError(kFailure);
     do {
         ASSIGN_OR_RETURN(ExpressionPtr value, ParseExpression());
         insert.values.push_back(std::move(value));
     } while (tokens_.TakeSymbol(u","));
-    return tokens_.TakeSymbol(u")") ? Status::Ok() : failure;
+    return tokens_.TakeSymbol(u")") ? Status::Ok() : JetError(kFailure);
 }
 
 Result<Statement> StatementParser::ParseUpdate() {
-    const Status failure = JetError(ErrorNumber::kSyntaxInUpdate);
+    constexpr ErrorNumber kFailure = ErrorNumber::kSyntaxInUpdate;
     UpdateStatement update;
-    if (!tokens_.IsName() && !tokens_.IsSymbol(u"(")) return failure;
+    if (!tokens_.IsName() && !tokens_.IsSymbol(u"(")) return JetError(kFailure);
     ASSIGN_OR_RETURN(update.from, ParseFrom());
-    if (!tokens_.TakeWord(u"SET")) return failure;
+    if (!tokens_.TakeWord(u"SET")) return JetError(kFailure);
     do {
         ASSIGN_OR_RETURN(Assignment assignment, ParseAssignment());
         update.assignments.push_back(std::move(assignment));
@@ -69,19 +69,19 @@ Result<Statement> StatementParser::ParseUpdate() {
 }
 
 Result<Assignment> StatementParser::ParseAssignment() {
-    const Status failure = JetError(ErrorNumber::kSyntaxInUpdate);
+    constexpr ErrorNumber kFailure = ErrorNumber::kSyntaxInUpdate;
     Assignment assignment;
     assignment.target = std::make_unique<Expression>();
     Expression& target = *assignment.target;
     target.kind = NodeKind::kName;
     target.begin = tokens_.Peek().begin;
-    ASSIGN_OR_RETURN(target.name, tokens_.TakeName(failure));
+    ASSIGN_OR_RETURN(target.name, tokens_.TakeName(kFailure));
     if (tokens_.TakeSymbol(u".") || tokens_.TakeSymbol(u"!")) {
         target.qualifier = std::move(target.name);
-        ASSIGN_OR_RETURN(target.name, tokens_.TakeName(failure));
+        ASSIGN_OR_RETURN(target.name, tokens_.TakeName(kFailure));
     }
     target.end = tokens_.last_end();
-    if (!tokens_.TakeSymbol(u"=")) return failure;
+    if (!tokens_.TakeSymbol(u"=")) return JetError(kFailure);
     ASSIGN_OR_RETURN(assignment.value, ParseExpression());
     return assignment;
 }

@@ -386,7 +386,8 @@ Result<ExpressionPtr> ExpressionParser::ParseParentheses() {
 
 Result<ExpressionPtr> ExpressionParser::ParseName() {
     const std::size_t begin = tokens_.Peek().begin;
-    ASSIGN_OR_RETURN(std::u16string name, tokens_.TakeName(MissingOperator()));
+    if (!tokens_.IsName()) return MissingOperator();
+    std::u16string name = tokens_.Take().text;
     std::u16string qualifier;
     if (tokens_.IsSymbol(u".") || tokens_.IsSymbol(u"!")) {
         tokens_.Take();

@@ -47,6 +47,8 @@ public:
     Lexer(std::u16string_view sql, int current_year) : sql_(sql), current_year_(current_year) {}
 
     Result<std::vector<Token>> Run() {
+        constexpr std::size_t kUsualUnitsPerToken = 4;
+        tokens_.reserve(sql_.size() / kUsualUnitsPerToken + 2);
         for (SkipBlanks(); at_ < sql_.size(); SkipBlanks())
             RETURN_IF_ERROR(TakeToken());
         Add(TokenKind::kEnd, at_, {});

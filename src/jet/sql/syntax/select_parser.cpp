@@ -56,7 +56,7 @@ Result<SelectStatement> StatementParser::ParseSelectCore() {
     RETURN_IF_ERROR(ParseTop(select));
     RETURN_IF_ERROR(ParseOutputs(select));
     if (tokens_.TakeWord(u"INTO")) {
-        ASSIGN_OR_RETURN(select.into, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInSelect)));
+        ASSIGN_OR_RETURN(select.into, tokens_.TakeName(ErrorNumber::kSyntaxInSelect));
         if (tokens_.IsWord(u"IN"))
             return ErrorBecause(ErrorNumber::kSyntaxInSelect,
                                 "SELECT ... INTO another database is not supported.");
@@ -102,7 +102,7 @@ Result<OutputItem> StatementParser::ParseOutput() {
         return JetError(ErrorNumber::kSyntaxInSelect);
     ASSIGN_OR_RETURN(item.expression, ParseExpression());
     if (tokens_.TakeWord(u"AS")) {
-        ASSIGN_OR_RETURN(item.alias, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInSelect)));
+        ASSIGN_OR_RETURN(item.alias, tokens_.TakeName(ErrorNumber::kSyntaxInSelect));
     }
     return item;
 }
@@ -151,7 +151,7 @@ Result<std::unique_ptr<FromNode>> StatementParser::ParseSource() {
         return inner;
     }
     auto source = std::make_unique<FromNode>();
-    ASSIGN_OR_RETURN(source->table, tokens_.TakeName(JetError(ErrorNumber::kSyntaxInFrom)));
+    ASSIGN_OR_RETURN(source->table, tokens_.TakeName(ErrorNumber::kSyntaxInFrom));
     RETURN_IF_ERROR(ParseAlias(source->alias));
     return source;
 }

@@ -24,23 +24,11 @@ bool IsReservedWord(std::u16string_view word) {
                        [&](std::u16string_view reserved) { return SameWord(reserved, word); });
 }
 
-const Token& TokenReader::Peek(std::size_t ahead) const {
-    return tokens_[std::min(at_ + ahead, tokens_.size() - 1)];
-}
-
 const Token& TokenReader::Take() {
     const Token& token = Peek();
     last_end_ = token.end;
     if (at_ + 1 < tokens_.size()) ++at_;
     return token;
-}
-
-bool TokenReader::IsSymbol(std::u16string_view symbol, std::size_t ahead) const {
-    return Peek(ahead).kind == TokenKind::kSymbol && Peek(ahead).text == symbol;
-}
-
-bool TokenReader::IsWord(std::u16string_view word, std::size_t ahead) const {
-    return Peek(ahead).kind == TokenKind::kWord && SameWord(Peek(ahead).text, word);
 }
 
 bool TokenReader::TakeSymbol(std::u16string_view symbol) {
@@ -72,6 +60,11 @@ bool TokenReader::IsName(std::size_t ahead) const {
 
 base::Result<std::u16string> TokenReader::TakeName(const base::Status& failure) {
     if (!IsName()) return failure;
+    return Take().text;
+}
+
+base::Result<std::u16string> TokenReader::TakeName(ErrorNumber failure) {
+    if (!IsName()) return JetError(failure);
     return Take().text;
 }
 

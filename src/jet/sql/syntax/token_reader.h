@@ -3,8 +3,11 @@
 #pragma once
 
 #include "base/status.h"
+#include "jet/errors.h"
 #include "jet/sql/syntax/token.h"
+#include "jet/values/calendar_names.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -18,13 +21,21 @@ public:
     TokenReader(std::u16string_view sql, std::vector<Token> tokens)
         : sql_(sql), tokens_(std::move(tokens)) {}
 
-    const Token& Peek(std::size_t ahead = 0) const;
+    const Token& Peek(std::size_t ahead = 0) const {
+        return tokens_[std::min(at_ + ahead, tokens_.size() - 1)];
+    }
     const Token& Take();
     bool AtEnd() const { return Peek().kind == TokenKind::kEnd; }
 
-    bool IsSymbol(std::u16string_view symbol, std::size_t ahead = 0) const;
+    bool IsSymbol(std::u16string_view symbol, std::size_t ahead = 0) const {
+        const Token& token = Peek(ahead);
+        return token.kind == TokenKind::kSymbol && token.text == symbol;
+    }
     // A bare word, in any letter case.
-    bool IsWord(std::u16string_view word, std::size_t ahead = 0) const;
+    bool IsWord(std::u16string_view word, std::size_t ahead = 0) const {
+        const Token& token = Peek(ahead);
+        return token.kind == TokenKind::kWord && SameWord(token.text, word);
+    }
     bool TakeSymbol(std::u16string_view symbol);
     bool TakeWord(std::u16string_view word);
     // All of these words in a row, or none is taken.
@@ -34,6 +45,7 @@ public:
     bool IsName(std::size_t ahead = 0) const;
     // `failure`: there is none.
     base::Result<std::u16string> TakeName(const base::Status& failure);
+    base::Result<std::u16string> TakeName(ErrorNumber failure);
 
     // How deep the text is nested where the parser is, all statements and expressions together.
     int& nesting() { return nesting_; }
