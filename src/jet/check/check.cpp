@@ -37,7 +37,7 @@ std::array<std::byte, 4> ScrambleKey(std::span<const std::byte> page) {
         day = static_cast<std::uint32_t>(static_cast<std::int32_t>(created));
     std::uint32_t hash = 0;
     for (std::uint32_t unit = 0; unit < 28; ++unit) {
-        auto low = std::to_integer<std::uint32_t>(page[kPassword + 2 * unit]);
+        auto low = std::to_integer<std::uint32_t>(page[kPassword + std::size_t{2} * unit]);
         if (unit < 20) low ^= day >> (unit % 2 == 0 ? 0 : 16) & 0xFF;
         hash ^= low << unit % 24;
     }
@@ -69,7 +69,7 @@ std::optional<Header> CheckHeader(PageStore& store, CheckReport& report) {
         return std::nullopt;
     }
     for (std::uint32_t i = 0; i < kSystemPages; ++i)
-        if (base::LoadLittle<std::uint32_t>(page.data() + kSystemPagesAt + 4 * i) !=
+        if (base::LoadLittle<std::uint32_t>(page.data() + kSystemPagesAt + std::size_t{4} * i) !=
             kObjectsPage + i)
             fault("the place of a system table is wrong");
     if (LoadRowPointer(page.data() + kGlobalMapAt) != RowPointer{1, 0})

@@ -309,6 +309,7 @@ void CheckIndex(CheckRun& run, const Definition& definition, const RealIndex& in
                            [](const Bytes& a, const ExpectedEntry& b) { return a == b.bytes; });
     if (is_same) return;
     std::vector<Bytes> wanted;
+    wanted.reserve(expected.size());
     for (ExpectedEntry& entry : expected)
         wanted.push_back(std::move(entry.bytes));
     CompareByRow(run, name, found, std::move(wanted), knows_keys);

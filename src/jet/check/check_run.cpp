@@ -16,8 +16,7 @@ struct CheckRun::MapBits {
 };
 
 CheckRun::CheckRun(PageStore& store, const Format& format, TextCodec text, CheckOptions options)
-    : store_(store), format_(format), text_(std::move(text)), options_(options),
-      owners_(store.page_count()) {
+    : store_(store), format_(format), text_(text), options_(options), owners_(store.page_count()) {
     report_.pages = owners_.size();
 }
 
@@ -81,7 +80,7 @@ std::optional<DataPage> CheckRun::ReadDataPage(PageNumber page, PageNumber asked
     data.owner = LoadOwner(bytes);
     if (format_.jet4()) data.stamp = base::LoadLittle<std::uint32_t>(bytes.data() + kPageStamp);
     const auto count = base::LoadLittle<std::uint16_t>(bytes.data() + format_.slot_count_offset);
-    const std::size_t table_end = format_.slots_offset + 2U * count;
+    const std::size_t table_end = format_.slots_offset + std::size_t{2} * count;
     if (count > kMaxSlots || table_end > bytes.size()) {
         Fault(page, -1, "has " + std::to_string(count) + " rows");
         return std::nullopt;

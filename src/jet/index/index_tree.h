@@ -102,7 +102,7 @@ private:
 
     // The greatest entry below the last child of `path` has become `last`. The path goes stale.
     base::Status SetLast(Path path, std::span<const std::byte> last);
-    base::Status Split(Path path, PageNumber page, IndexPageImage image, bool ascending);
+    base::Status Split(Path path, PageNumber page, const IndexPageImage& image, bool ascending);
     base::Status ReplaceChild(Path path, const std::vector<Part>& parts);
     base::Status GrowRoot(std::vector<IndexPageImage> pieces, std::vector<Bytes> lasts);
 

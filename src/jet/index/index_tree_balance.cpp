@@ -110,7 +110,7 @@ base::Status IndexTree::Redistribute(Path path, Neighbours& neighbours) {
     parent.entries[neighbours.left] = NodeEntry(lasts[0], left);
     if (parent.EncodedBytes(file_.format) <= IndexRoom(file_.format))
         return WriteImage(neighbours.parent_page, parent);
-    return Split(std::move(path), neighbours.parent_page, std::move(parent), false);
+    return Split(std::move(path), neighbours.parent_page, parent, false);
 }
 
 base::Status IndexTree::WriteShrunkNode(Path path, PageNumber page, const IndexPageImage& image) {

@@ -99,7 +99,7 @@ base::Result<bool> IndexTree::Insert(std::span<const std::byte> key, RowId row) 
                          std::move(entry));
     if (image.Write(bytes, file_.format, table_)) return is_new;
     const bool ascending = IsRightmost(path) && position + 1 == image.entries.size();
-    RETURN_IF_ERROR(Split(std::move(path), leaf, std::move(image), ascending));
+    RETURN_IF_ERROR(Split(std::move(path), leaf, image, ascending));
     return is_new;
 }
 
@@ -118,11 +118,12 @@ base::Status IndexTree::SetLast(Path path, std::span<const std::byte> last) {
     image.entries[step.child] = std::move(key);
     if (image.EncodedBytes(file_.format) <= IndexRoom(file_.format))
         return WriteImage(step.page, image);
-    return Split(std::move(path), step.page, std::move(image), false);
+    return Split(std::move(path), step.page, image, false);
 }
 
 // `image` is what page `page` should hold and cannot; `path` leads to it from the root.
-base::Status IndexTree::Split(Path path, PageNumber page, IndexPageImage image, bool ascending) {
+base::Status IndexTree::Split(Path path, PageNumber page, const IndexPageImage& image,
+                              bool ascending) {
     std::vector<Bytes> lasts;
     std::vector<IndexPageImage> pieces;
     if (image.is_leaf()) {
@@ -172,7 +173,7 @@ base::Status IndexTree::ReplaceChild(Path path, const std::vector<Part>& parts) 
     if (image.EncodedBytes(file_.format) <= IndexRoom(file_.format))
         return WriteImage(step.page, image);
     const bool ascending = step.is_tail && IsRightmost(path);
-    return Split(std::move(path), step.page, std::move(image), ascending);
+    return Split(std::move(path), step.page, image, ascending);
 }
 
 // The root page keeps its number: its content moves to new pages one level below it.
@@ -192,7 +193,7 @@ base::Status IndexTree::GrowRoot(std::vector<IndexPageImage> pieces, std::vector
         if (i + 1 < pieces.size()) root.entries.push_back(NodeEntry(lasts[i], pages[i]));
     }
     if (root.EncodedBytes(file_.format) <= IndexRoom(file_.format)) return WriteImage(root_, root);
-    return Split({}, root_, std::move(root), false);
+    return Split({}, root_, root, false);
 }
 
 }  // namespace jet

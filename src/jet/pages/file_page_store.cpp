@@ -204,7 +204,7 @@ base::Status FilePageStore::AppendToJournal() {
     if (journal_.empty()) {
         ASSIGN_OR_RETURN(header, MakeJournalHeader());
     }
-    const base::Status added =
+    base::Status added =
         journal_.AddTransaction(encoding_.is_plain() ? transaction_.pages() : EncodedPages(),
                                 transaction_.page_count(), header);
     is_in_doubt_ = !added.ok() && journal_.is_in_doubt();
@@ -286,7 +286,7 @@ base::Status FilePageStore::WriteSnapshot(const Snapshot& snapshot) {
     PageBytes run;
     PageNumber run_start = 0;
     const auto write_run = [&] {
-        const base::Status written = file_->WriteAt(std::uint64_t{run_start} * page_size_, run);
+        base::Status written = file_->WriteAt(std::uint64_t{run_start} * page_size_, run);
         run.clear();
         return written;
     };

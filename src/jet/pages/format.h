@@ -109,7 +109,7 @@ struct Format {
     std::size_t chain_piece_bytes;
 
     bool jet4() const { return version == 4; }
-    std::size_t bits_per_bitmap_page() const { return (page_size - 4) * 8; }
+    std::size_t bits_per_bitmap_page() const { return std::size_t{8} * (page_size - 4); }
     // Where a link stands on an index page.
     std::size_t LinkOffset(IndexLink link) const {
         return index_links_offset + kIndexLinkBytes * static_cast<std::size_t>(link);

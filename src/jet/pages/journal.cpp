@@ -43,7 +43,7 @@ base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
                          *page.after);
     }
     chain = FinishRecord(bytes, record, RecordKind::kTransaction, page_count, chain);
-    const base::Status added = Append(bytes, chain);
+    base::Status added = Append(bytes, chain);
     if (!added.ok()) {
         TakeBack();
         return added;

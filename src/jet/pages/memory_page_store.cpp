@@ -96,7 +96,7 @@ private:
 }  // namespace
 
 std::unique_ptr<PageStore> MakeMemoryPageStore(std::uint32_t page_size,
-                                               std::vector<std::byte> pages) {
+                                               const std::vector<std::byte>& pages) {
     return std::make_unique<MemoryPageStore>(page_size, pages);
 }
 

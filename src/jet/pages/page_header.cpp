@@ -109,8 +109,8 @@ std::vector<std::byte> MakePageHeader(int version, double created) {
     StoreLittle(at + kVersionAt, version == 3 ? kVersionJet3 : kVersionJet4);
     StoreRowPointer(at + kGlobalMapAt, {1, 0});
     StoreRowPointer(at + kSecondMapAt, {1, 1});
-    for (std::uint32_t system = 0; system < kSystemPages; ++system)
-        StoreLittle(at + kSystemPagesAt + 4 * system, kObjectsPage + system);
+    for (PageNumber system = 0; system < kSystemPages; ++system)
+        StoreLittle(at + kSystemPagesAt + std::size_t{4} * system, kObjectsPage + system);
     StoreLittle<std::uint16_t>(at + kCodePage, 1252);
     if (version == 3) {
         StoreLittle(at + kSortOrderAtJet3, kSortOrderGeneral);

@@ -90,6 +90,6 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
 // A page store in memory, for building files and for tests; `pages` is its first content (whole
 // pages).
 std::unique_ptr<PageStore> MakeMemoryPageStore(std::uint32_t page_size,
-                                               std::vector<std::byte> pages);
+                                               const std::vector<std::byte>& pages);
 
 }  // namespace jet

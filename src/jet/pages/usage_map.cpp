@@ -65,7 +65,7 @@ base::Status UsageMap::AddInline(PageNumber page, PageAllocator& allocator) {
         ASSIGN_OR_RETURN(const MapRow::View old, row_.Load());
         row.resize(old.bytes.size());
     }
-    const std::size_t needed = kInlineHead + (members.back() - first) / 32 * 4 + 4;
+    const std::size_t needed = kInlineHead + std::size_t{(members.back() - first) / 32} * 4 + 4;
     if (needed > row.size() && needed <= kMaxInlineRow) row.resize(needed);
     if (needed <= row.size()) {
         base::StoreLittle(row.data() + kMapFirstPage, first);

@@ -49,7 +49,7 @@ base::Result<Bytes> ReadLongValue(FileContext& file, std::span<const std::byte> 
     // A length beyond the size of the file is damage.
     if (length / file.format.page_size > file.store.page_count())
         return Damaged("a long value is longer than the file");
-    value.reserve(std::min<std::size_t>(length, 16 * file.format.page_size));
+    value.reserve(std::min<std::size_t>(length, std::size_t{16} * file.format.page_size));
     do {
         RowPointer next;
         RETURN_IF_ERROR(AppendPiece(file, at, chained, next, value));

@@ -165,6 +165,7 @@ base::Status CheckIndexesOfRelation(const RelationDesign& relation,
 std::vector<std::u16string> NamesOf(const std::vector<std::uint16_t>& numbers,
                                     const TableDefinition& definition) {
     std::vector<std::u16string> names;
+    names.reserve(numbers.size());
     for (const std::uint16_t number : numbers)
         names.push_back(definition.FindColumn(number)->name);
     return names;

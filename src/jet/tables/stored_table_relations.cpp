@@ -38,6 +38,7 @@ RelationRule RuleForDeletes(const LogicalIndex& index) {
 
 std::vector<Value> Pick(std::span<const Value> values, const std::vector<std::size_t>& columns) {
     std::vector<Value> picked;
+    picked.reserve(columns.size());
     for (const std::size_t column : columns)
         picked.push_back(values[column]);
     return picked;

@@ -120,9 +120,10 @@ public:
     Status Lock(jet::FileLock lock) override {
         struct flock whole_file {};
         whole_file.l_whence = SEEK_SET;
-        whole_file.l_type = lock == jet::FileLock::kNone     ? F_UNLCK
-                            : lock == jet::FileLock::kShared ? F_RDLCK
-                                                             : F_WRLCK;
+        const int type = lock == jet::FileLock::kNone     ? F_UNLCK
+                         : lock == jet::FileLock::kShared ? F_RDLCK
+                                                          : F_WRLCK;
+        whole_file.l_type = static_cast<short>(type);
         const int done =
             Uninterrupted([&] { return ::fcntl(descriptor_, F_OFD_SETLK, &whole_file); });
         if (done == 0) return {};

@@ -83,7 +83,7 @@ int DaysInMonth(int year, int month) {
 std::optional<CivilDateTime> MonthFrom(std::int64_t year, std::int64_t month) {
     const std::int64_t months = year * 12 + month - 1;
     CivilDateTime civil;
-    if (months < 100 * 12 || months >= 10000 * 12) return std::nullopt;
+    if (months < 100L * 12 || months >= 10000L * 12) return std::nullopt;
     civil.year = static_cast<int>(months / 12);
     civil.month = static_cast<int>(months % 12) + 1;
     civil.day = 1;

@@ -141,7 +141,7 @@ Result<Value> Partition(Arguments a, EvalContext&) {
         return std::u16string(digits.begin(), digits.end());
     };
     const std::size_t width = std::max(text(start - 1).size(), text(stop + 1).size());
-    const auto padded = [&](std::u16string part) {
+    const auto padded = [&](const std::u16string& part) {
         return std::u16string(width - std::min(width, part.size()), u' ') + part;
     };
     if (number < start) return Value::Text(padded(u"") + u":" + padded(text(start - 1)));

@@ -171,10 +171,9 @@ private:
         case ColumnType::kMemo:
             return SortsAlike(column, jet_version_);
         case ColumnType::kSingle:
-        case ColumnType::kDouble:
-            return last;  // minus zero has a key of its own
-        case ColumnType::kMoney:
-            return last;  // keys are exact, sorting compares amounts as doubles
+        case ColumnType::kDouble:  // minus zero has a key of its own
+        case ColumnType::kMoney:   // keys are exact, sorting compares amounts as doubles
+            return last;
         case ColumnType::kNumeric:
             return last && part.ascending;
         case ColumnType::kDate:

@@ -224,7 +224,7 @@ Status SelectQuery::ForEachCombination(const TakeRow& take) {
         ASSIGN_OR_RETURN(joiner_,
                          Joiner::Make(*select_.from, scope_, select_.where.get(), session_));
     }
-    const Status done =
+    Status done =
         joiner_->Run([&](const SourceRows& rows, const CombinedRows&) { return take(rows); });
     if (outer_uses().empty()) joiner_.reset();
     return done;

@@ -181,7 +181,7 @@ Status CheckWritable(Session& session, const Table& table) {
 
 Status DeleteFound(Table& table, std::span<const RowId> rows) {
     for (const RowId row : rows) {
-        const Status deleted = table.Delete(row);
+        Status deleted = table.Delete(row);
         if (!deleted.ok() && !Is(deleted, ErrorNumber::kRecordDeleted)) return deleted;
     }
     return Status::Ok();

@@ -107,7 +107,7 @@ Status NotUnderstood(const std::u16string& text, const std::u16string& whose, co
 // The design's own text replaces the engine's.
 Status Broken(const std::u16string& text, const std::u16string& whose,
               const std::optional<std::u16string>& message) {
-    const Status broken = JetError(ErrorNumber::kRuleBroken, text, whose);
+    Status broken = JetError(ErrorNumber::kRuleBroken, text, whose);
     if (!message) return broken;
     return {broken.code(), base::ToUtf8(*message), broken.number()};
 }
