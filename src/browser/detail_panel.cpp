@@ -84,9 +84,7 @@ bool DetailPanel::FillFields(const QString& file_name) {
     const base::Status loaded = LoadTableRecord(connection(), file_name, record);
     ShowRecord(record);
     if (!loaded.ok()) return ShowFailure(loaded);
-    const auto summary = browser::NotesSummary(connection(), file_name);
-    if (!summary.ok()) return ShowFailure(summary.status());
-    host_.SetComments(*summary);
+    host_.SetComments(SummariseNotes(record.fields[kNotes]));
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "catalogue/selection.h"
 
 #include <QtCore/QSignalBlocker>
+#include <QtCore/QStringListModel>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFrame>
 #include <QtWidgets/QHBoxLayout>
@@ -14,11 +15,12 @@
 namespace browser {
 namespace {
 
-// A column may have as many different values as there are tables; the list must not measure them
-// all.
-void PrepareForManyItems(QComboBox& combo) {
+// A column may have as many different values as there are tables; the list must neither measure
+// them all nor have an object for each.
+void PrepareForManyItems(QComboBox& combo, QStringListModel& values) {
     auto* list = new QListView;
     list->setUniformItemSizes(true);
+    combo.setModel(&values);
     combo.setView(list);
     combo.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
 }
@@ -57,7 +59,8 @@ void FilterBar::BuildValue() {
 
     cboFilterDet_ = new QComboBox(fraFilter_);
     cboFilterDet_->setObjectName(QStringLiteral("cboFilterDet"));
-    PrepareForManyItems(*cboFilterDet_);
+    filter_values_ = new QStringListModel(this);
+    PrepareForManyItems(*cboFilterDet_, *filter_values_);
     cboFilterDet_->setEditable(true);
     cboFilterDet_->setInsertPolicy(QComboBox::NoInsert);
     cboFilterDet_->setCompleter(nullptr);  // "19" must not be completed to "1990"
@@ -155,8 +158,7 @@ void FilterBar::FillFilterValues() {
 void FilterBar::SetValues(const QStringList& values) {
     const QSignalBlocker silent(cboFilterDet_);
     const QString text = cboFilterDet_->currentText();
-    cboFilterDet_->clear();
-    cboFilterDet_->addItems(values);
+    filter_values_->setStringList(values);
     cboFilterDet_->setCurrentIndex(-1);
     cboFilterDet_->setEditText(text);
 }

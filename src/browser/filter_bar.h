@@ -14,6 +14,7 @@
 class QComboBox;
 class QFrame;
 class QPushButton;
+class QStringListModel;
 
 namespace browser {
 
@@ -68,6 +69,7 @@ private:
     QComboBox* cboFilter_ = nullptr;
     QFrame* fraFilter_ = nullptr;
     QComboBox* cboFilterDet_ = nullptr;
+    QStringListModel* filter_values_ = nullptr;  // what cboFilterDet offers
     QPushButton* cmdOperator_ = nullptr;
     std::size_t operator_clicks_ = 0;  // modulo the number of operators
 };

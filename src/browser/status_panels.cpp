@@ -17,6 +17,9 @@ constexpr int kHundred = 100;
 // time.
 constexpr std::int64_t kWorthShowing = 2000;
 
+// Between two drawings of the bar, each of which costs as much as reading a hundred tables.
+constexpr int kDrawMs = 50;
+
 constexpr int kInPassingMs = 15'000;
 
 }  // namespace
@@ -59,6 +62,7 @@ void StatusPanels::StartProgress(std::int64_t steps) {
         static_cast<int>(std::min<std::int64_t>(steps_, std::numeric_limits<int>::max())));
     prgLoad_->setValue(0);
     hundredths_ = 0;
+    since_drawn_.invalidate();
     for (QLabel* const panel : panels_)
         panel->hide();
     prgLoad_->show();
@@ -68,7 +72,9 @@ void StatusPanels::StartProgress(std::int64_t steps) {
 void StatusPanels::Advance(std::int64_t step) {
     const int hundredths = static_cast<int>(step * kHundred / steps_);
     if (hundredths == hundredths_) return;
+    if (since_drawn_.isValid() && !since_drawn_.hasExpired(kDrawMs)) return;
     hundredths_ = hundredths;
+    since_drawn_.start();
     prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
     if (steps_ >= kWorthShowing && isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);

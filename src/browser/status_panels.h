@@ -4,6 +4,7 @@
 
 #include "base/status.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtWidgets/QStatusBar>
 
 #include <array>
@@ -35,7 +36,8 @@ public:
 
     // Shows the progress bar instead of the panels; `steps` is the total number of steps.
     void StartProgress(std::int64_t steps);
-    // Sets the number of steps done. The bar is redrawn at each hundredth.
+    // Sets the number of steps done. The bar is redrawn at each hundredth, at most twenty times a
+    // second.
     void Advance(std::int64_t step);
     void EndProgress();
     bool in_progress() const { return in_progress_; }
@@ -45,6 +47,7 @@ private:
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;
     int hundredths_ = 0;
+    QElapsedTimer since_drawn_;  // invalid: not drawn yet
     bool in_progress_ = false;
 };
 

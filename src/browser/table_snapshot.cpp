@@ -1,7 +1,6 @@
 #include "browser/table_snapshot.h"
 
 #include "catalogue/field_text.h"
-#include "platform/text_view.h"
 
 #include <algorithm>
 #include <bit>
@@ -65,7 +64,7 @@ QString DetailLabel(int detail) {
 }
 
 QString TableSnapshot::Text(TextStore::Reference reference) const {
-    return platform::ToQString(texts_.Get(reference));
+    return texts_.Get(reference);
 }
 
 TextStore::Reference TableSnapshot::KeepText(const jet::Value& value) {

@@ -1,5 +1,5 @@
 // TableSnapshot: what the tree shows of the selected tables, read when the query runs. Takes 72
-// bytes per table and its texts.
+// bytes per table and its texts (text_store.h).
 #pragma once
 
 #include "base/status.h"

@@ -80,6 +80,8 @@ void TableTreeView::keyPressEvent(QKeyEvent* event) {
     const bool is_character = is_enter || !event->text().isEmpty();
     if (is_enter)
         Q_EMIT EnterPressed();
+    else if (event->key() == Qt::Key_Asterisk && currentIndex() == model()->index(0, 0))
+        expandAll();  // in one go; node by node is slow for many tables
     else
         QTreeView::keyPressEvent(event);
     if (is_character) Q_EMIT KeyPressed();

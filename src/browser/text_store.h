@@ -1,7 +1,9 @@
-// TextStore: stores many short texts in a few large blocks. A text takes its characters and an
-// 8-byte reference. Adding a text never copies the others, so reading a catalogue of 100,000 tables
-// has no peak of memory.
+// TextStore: stores many short texts in a few large blocks. A text takes its characters, of one
+// byte each when none is above U+00FF, and an 8-byte reference. Adding a text never copies the
+// others, so reading a catalogue of 100,000 tables has no peak of memory.
 #pragma once
+
+#include <QtCore/QString>
 
 #include <cstdint>
 #include <string>
@@ -14,20 +16,32 @@ class TextStore {
 public:
     // The place of a text in the store that returned it.
     struct Reference {
-        std::uint32_t start = 0;   // upper 16 bits: block; lower 16 bits: unit in the block
-        std::uint32_t length = 0;  // in UTF-16 units
+        std::uint32_t start = 0;  // upper 16 bits: block; lower 16 bits: character in the block
+        std::uint32_t length_and_width = 0;  // twice the number of characters, plus 1 for wide ones
+
+        std::uint32_t length() const { return length_and_width / 2; }
+        bool is_wide() const { return length_and_width % 2 != 0; }
     };
 
+    // Requires: text.size() < 2^31.
     Reference Add(std::u16string_view text);
-    // Valid as long as the store exists.
-    std::u16string_view Get(Reference reference) const;
+    QString Get(Reference reference) const;
 
 private:
     static constexpr unsigned kBlockBits = 16;
     static constexpr std::size_t kBlockSize = std::size_t{1} << kBlockBits;
 
-    // The capacity of each is kBlockSize, except for a longer text, which has a block of its own.
-    std::vector<std::u16string> blocks_;
+    // The capacity of each block is kBlockSize characters, except for a longer text, which has a
+    // block of its own.
+    template <typename Char>
+    using Blocks = std::vector<std::basic_string<Char>>;
+    template <typename Char>
+    static std::uint32_t AddTo(Blocks<Char>& blocks, std::u16string_view text);
+    template <typename Char>
+    static std::basic_string_view<Char> In(const Blocks<Char>& blocks, Reference reference);
+
+    Blocks<char> narrow_;
+    Blocks<char16_t> wide_;
 };
 
 }  // namespace browser

@@ -335,6 +335,16 @@ TEST_F(MainWindowWithTables, ASaveWithoutASelectedNodeRemembersTheLastOne) {
     EXPECT_EQ(Saved(u"LASTPLAY"), S(u"16"));
 }
 
+TEST_F(MainWindowWithTables, AClickLooksForTheTableOnce) {
+    CountWalks();
+    Open();
+    const int before = walks.all();
+    Click(Table(0));
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+    EXPECT_EQ(Find<QLabel>(u"lblComments")->text(), S(u"note of alpha"));
+    EXPECT_EQ(walks.all() - before, 1);
+}
+
 TEST_F(MainWindowWithTables, ArrowKeysShowTablesToo) {
     Open();
     Click(Table(0));
@@ -366,6 +376,28 @@ TEST_F(MainWindowWithTables, TheRootIconFollowsOpeningAndClosing) {
     EXPECT_EQ(Root().data(TableTreeModel::kIconKeyRole).toString(), S(u"closed"));
     Tree()->expand(Root());
     EXPECT_EQ(Root().data(TableTreeModel::kIconKeyRole).toString(), S(u"open"));
+}
+
+TEST_F(MainWindowWithTables, AnAsteriskOnTheRootOpensAllAndSelectsNothingElse) {
+    AddTable(S(u"*Star"));
+    Open();
+    Tree()->setCurrentIndex(Root());
+    Tree()->collapse(Root());
+    QTest::keyClick(Tree(), '*');
+    EXPECT_TRUE(Tree()->isExpanded(Root()));
+    for (int table = 0; table < 4; ++table)
+        EXPECT_TRUE(Tree()->isExpanded(Table(table))) << table;
+    EXPECT_EQ(Root().data(TableTreeModel::kIconKeyRole).toString(), S(u"open"));
+    EXPECT_EQ(Tree()->currentIndex(), Root())
+        << "the key is no letter of a name that is looked for";
+}
+
+TEST_F(MainWindowWithTables, AnAsteriskOnATableOpensThatOne) {
+    Open();
+    Click(Table(0));
+    QTest::keyClick(Tree(), '*');
+    EXPECT_TRUE(Tree()->isExpanded(Table(0)));
+    EXPECT_FALSE(Tree()->isExpanded(Table(1)));
 }
 
 TEST_F(MainWindowWithTables, ADoubleClickPlaysShowsTheDetailsAgainAndClosesTheNode) {

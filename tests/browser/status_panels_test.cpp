@@ -1,9 +1,12 @@
 #include "browser/status_panels.h"
 
 #include "support/event_counter.h"
+#include "support/wait_for.h"
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QElapsedTimer>
+#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMainWindow>
@@ -74,12 +77,27 @@ TEST_F(StatusPanelsTest, TheRestOfTheWindowIsPaintedDuringALongProgress) {
     rest->show();
     test_support::EventCounter painted(*rest, QEvent::Paint);
     panels.StartProgress(5000);
-    for (const int step : {1000, 2000}) {
+    std::int64_t step = 1000;
+    for (const char* const time : {"first", "second"}) {
         const int before = painted.count();
         rest->update();
-        panels.Advance(step);
-        EXPECT_GT(painted.count(), before) << step;
+        EXPECT_TRUE(test_support::WaitFor([&] {  // the bar is not drawn at each hundredth
+            panels.Advance(step += 50);
+            return painted.count() > before;
+        })) << time;
     }
+}
+
+TEST_F(StatusPanelsTest, ABarThatAdvancesQuicklyIsNotDrawnAtEachHundredth) {
+    constexpr int kBetweenDrawingsMs = 50;
+    panels.StartProgress(100'000);
+    const QSignalSpy drawings(Bar(), &QProgressBar::valueChanged);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    for (int step = 1; step < 100'000; ++step)
+        panels.Advance(step);
+    EXPECT_GE(drawings.count(), 1);
+    EXPECT_LE(drawings.count(), 1 + elapsed.elapsed() / kBetweenDrawingsMs);
 }
 
 TEST_F(StatusPanelsTest, ALongTextInTheNamePanelDoesNotWidenTheWindow) {
