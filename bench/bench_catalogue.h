@@ -19,6 +19,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace bench {
 
@@ -79,6 +81,14 @@ inline int NumberOption(int argc, char** argv, const char* option, int fallback)
     for (int i = 1; i + 1 < argc; ++i)
         if (std::string_view(argv[i]) == option) return std::atoi(argv[i + 1]);
     return fallback;
+}
+
+// All numbers after `option`, which may stand several times.
+inline std::vector<int> NumberOptions(int argc, char** argv, const char* option) {
+    std::vector<int> numbers;
+    for (int i = 1; i + 1 < argc; ++i)
+        if (std::string_view(argv[i]) == option) numbers.push_back(std::atoi(argv[i + 1]));
+    return numbers;
 }
 
 }  // namespace bench

@@ -11,6 +11,11 @@
 //   {"op":"menubar","name":M}           where the menu bar shows that menu's title
 //   {"op":"tab","name":N,"index":I}     a tab of the tab widget named N
 //   {"op":"painted","name":N}           how often widgets named N were painted since the start
+//   {"op":"mark"}                       forgets the input so far; text cursors blink no more
+//   {"op":"answer"}                     {"input","painted","now"}: when the first key, button or
+//   wheel event since the mark was made, and when the last painting since then had ended, in
+//   milliseconds of the monotonic clock, which is the X server's here; -1: not yet
+#include <QtCore/QCoreApplication>
 #include <QtCore/QHash>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -18,6 +23,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QVariant>
 #include <QtGui/QAction>
+#include <QtGui/QStyleHints>
 #include <QtGui/qgenericplugin.h>
 #include <QtNetwork/QLocalServer>
 #include <QtNetwork/QLocalSocket>
@@ -33,6 +39,8 @@
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTabBar>
 #include <QtWidgets/QTreeView>
+
+#include <ctime>
 
 namespace {
 
@@ -188,6 +196,60 @@ private:
 
 PaintCounter* g_painted = nullptr;  // lives as long as the application
 
+double MonotonicMs() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+// When the user did something, and when the answer was on the screen.
+class AnswerClock final : public QObject {
+public:
+    void Mark() { input_ms_ = painted_ms_ = -1; }
+    QJsonObject Answer() const {
+        return {{QStringLiteral("input"), input_ms_},
+                {QStringLiteral("painted"), painted_ms_},
+                {QStringLiteral("now"), MonotonicMs()}};
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched->isWindowType() && event->spontaneous() && input_ms_ < 0) NoteInput(*event);
+        if (event->type() == QEvent::Paint && watched->isWidgetType() && !is_posted_) {
+            // Comes after the painting in progress, which ends with the pixels handed over.
+            is_posted_ = true;
+            QCoreApplication::postEvent(this, new QEvent(QEvent::User), Qt::LowEventPriority);
+        }
+        return false;
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User) return QObject::event(event);
+        is_posted_ = false;
+        if (input_ms_ >= 0) painted_ms_ = MonotonicMs();
+        return true;
+    }
+
+private:
+    void NoteInput(const QEvent& event) {
+        switch (event.type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::KeyPress:
+        case QEvent::Wheel:
+            input_ms_ = static_cast<double>(static_cast<const QInputEvent&>(event).timestamp());
+            break;
+        default:
+            break;
+        }
+    }
+
+    double input_ms_ = -1;
+    double painted_ms_ = -1;
+    bool is_posted_ = false;
+};
+
+AnswerClock* g_answer = nullptr;  // lives as long as the application
+
 QJsonObject Answer(const QJsonObject& question) {
     const QString op = question[QStringLiteral("op")].toString();
     const QString name = question[QStringLiteral("name")].toString();
@@ -197,6 +259,12 @@ QJsonObject Answer(const QJsonObject& question) {
     if (op == QLatin1String("widgets")) return reply(WidgetsNamed(name));
     if (op == QLatin1String("windows")) return reply(Windows());
     if (op == QLatin1String("painted")) return reply(g_painted->Count(name));
+    if (op == QLatin1String("answer")) return reply(g_answer->Answer());
+    if (op == QLatin1String("mark")) {
+        QGuiApplication::styleHints()->setCursorFlashTime(0);
+        g_answer->Mark();
+        return reply(QJsonValue::Null);
+    }
     if (op == QLatin1String("actions"))
         return reply(ActionsOf(question[QStringLiteral("menu")].toString()));
     if (op == QLatin1String("menubar")) return reply(MenuTitle(name));
@@ -231,6 +299,9 @@ public:
         g_painted = new PaintCounter;
         g_painted->setParent(qApp);
         qApp->installEventFilter(g_painted);
+        g_answer = new AnswerClock;
+        g_answer->setParent(qApp);
+        qApp->installEventFilter(g_answer);
         QLocalServer::removeServer(socket_name);
         connect(&server_, &QLocalServer::newConnection, this, [this] {
             QLocalSocket* socket = server_.nextPendingConnection();
