@@ -29,6 +29,12 @@ public:
     }
 
 private:
+    struct Result {
+        std::size_t key;
+        QString path;
+        bool is_there;
+    };
+
     void TestAll() {
         std::unique_lock lock(mutex_);
         for (;;) {
@@ -45,18 +51,30 @@ private:
     // Requires: the mutex is held, so that `asker_` is not destroyed before the result is queued.
     void Answer(std::size_t key, const QString& path, bool is_there) {
         if (!asker_) return;
+        answers_.push_back({key, path, is_there});
+        if (answers_.size() > 1) return;  // will be taken with the first one
         FileLookup* const asker = asker_;
         QMetaObject::invokeMethod(
-            asker,
-            [asker, key, path, is_there, self = shared_from_this()] {
-                if (asker->requests_ == self) Q_EMIT asker->Answered(key, path, is_there);
-            },
+            asker, [asker, self = shared_from_this()] { self->TellAnswers(*asker); },
             Qt::QueuedConnection);
+    }
+    // In the asker's thread. A slot may forget the requests.
+    void TellAnswers(FileLookup& asker) {
+        const std::vector<Result> answers = TakeAnswers();
+        for (const Result& answer : answers)
+            if (asker.requests_.get() == this)
+                Q_EMIT asker.Answered(answer.key, answer.path, answer.is_there);
+        if (asker.requests_.get() == this) Q_EMIT asker.AllAnswered();
+    }
+    std::vector<Result> TakeAnswers() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(answers_, {});
     }
 
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::pair<std::size_t, QString>> waiting_;
+    std::vector<Result> answers_;
     FileLookup* asker_;  // null after Close
     const FileTest test_;
 };

@@ -31,6 +31,8 @@ public:
 
 Q_SIGNALS:
     void Answered(std::size_t key, const QString& path, bool is_there);
+    // After the answers that there were at once: what they change is best shown together.
+    void AllAnswered();
 
 private:
     class Requests;

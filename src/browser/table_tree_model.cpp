@@ -4,6 +4,9 @@
 
 #include <QtGui/QFont>
 
+#include <algorithm>
+#include <utility>
+
 namespace browser {
 namespace {
 
@@ -24,6 +27,7 @@ TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* pa
     : QAbstractItemModel(parent), icons_(std::move(icons)),
       files_(file_test ? std::move(file_test) : FileTest(platform::FileExists)) {
     connect(&files_, &FileLookup::Answered, this, &TableTreeModel::KeepAnswer);
+    connect(&files_, &FileLookup::AllAnswered, this, &TableTreeModel::TellAnswers);
 }
 
 void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
@@ -36,6 +40,7 @@ void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
     icon_overrides_.clear();
     file_name_overrides_.clear();
     files_.Forget();
+    answered_.clear();
     file_states_.assign(tables_.size(), FileState::kUnknown);
     endResetModel();
 }
@@ -47,6 +52,7 @@ void TableTreeModel::Clear() {
     icon_overrides_.clear();
     file_name_overrides_.clear();
     files_.Forget();
+    answered_.clear();
     file_states_.clear();
     endResetModel();
 }
@@ -197,8 +203,21 @@ bool TableTreeModel::FileIsMissing(std::size_t table) const {
 void TableTreeModel::KeepAnswer(std::size_t table, const QString& path, bool is_there) {
     if (path != FileNameOf(table)) return;  // the FileName has changed since
     file_states_[table] = is_there ? FileState::kThere : FileState::kMissing;
-    const QModelIndex index = IndexOf({table, std::nullopt});
-    Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole});
+    answered_.push_back(table);
+}
+
+// One signal for each run of tables, as a view paints itself again for each.
+void TableTreeModel::TellAnswers() {
+    std::vector<std::size_t> tables = std::exchange(answered_, {});
+    std::sort(tables.begin(), tables.end());
+    for (auto first = tables.begin(); first != tables.end();) {
+        auto last = first;
+        while (last + 1 != tables.end() && *(last + 1) <= *last + 1)
+            ++last;
+        Q_EMIT dataChanged(IndexOf({*first, std::nullopt}), IndexOf({*last, std::nullopt}),
+                           {Qt::DecorationRole, kIconKeyRole});
+        first = last + 1;
+    }
 }
 
 }  // namespace browser

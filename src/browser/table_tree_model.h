@@ -77,6 +77,7 @@ private:
     QString FileNameOf(std::size_t table) const;
     bool FileIsMissing(std::size_t table) const;
     void KeepAnswer(std::size_t table, const QString& path, bool is_there);
+    void TellAnswers();
 
     IconSource icons_;
     mutable FileLookup files_;
@@ -87,6 +88,7 @@ private:
     QHash<std::size_t, QString> icon_overrides_;
     QHash<std::size_t, QString> file_name_overrides_;
     mutable std::vector<FileState> file_states_;
+    std::vector<std::size_t> answered_;  // tables whose answers have not been told yet
 };
 
 }  // namespace browser

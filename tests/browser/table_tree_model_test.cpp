@@ -1,12 +1,15 @@
 #include "browser/table_tree_model.h"
 
 #include "browser/tree_fixture.h"
+#include "support/wait_for.h"
 
 #include <QtCore/QAbstractItemModel>
+#include <QtCore/QCoreApplication>
 #include <QtGui/QFont>
 #include <QtTest/QAbstractItemModelTester>
 #include <QtTest/QSignalSpy>
 
+#include <atomic>
 #include <mutex>
 
 namespace browser {
@@ -156,10 +159,44 @@ TEST_F(TableTreeModelTest, FilesAreLookedUpOnceAndOnlyWhenTheirRowIsDrawn) {
             ASSERT_TRUE(answers.wait());
         }
     }
-    while (answers.count() < 2)
-        ASSERT_TRUE(answers.wait());
+    ASSERT_TRUE(test_support::WaitFor([&] {
+        QCoreApplication::processEvents();
+        const std::lock_guard lock(mutex);
+        return asked.size() == 2;
+    }));
     asked.sort();
     EXPECT_EQ(asked, QStringList({S(u"a"), S(u"b")}));
+}
+
+TEST_F(TableTreeModelTest, AnswersThatCameTogetherAreToldTogether) {
+    constexpr int kTables = 20;
+    constexpr int kNotDrawn = 7;
+    for (int i = 0; i < kTables; ++i)
+        AddTable(QStringLiteral("Table %1").arg(i, 2, 10, QLatin1Char('0')), S(u"/gone"));
+    std::atomic<int> asked = 0;
+    TableTreeModel counting({}, [&](const QString&) {
+        ++asked;
+        return false;
+    });
+    QSignalSpy changes(&counting, &QAbstractItemModel::dataChanged);
+    counting.Show(Snapshot(), S(u"All"), S(u"pinball"));
+    const auto table = [&](int row) { return counting.index(row, 0, counting.RootIndex()); };
+    for (int row = 0; row < kTables; ++row)
+        if (row != kNotDrawn) IconKey(table(row));
+    ASSERT_TRUE(test_support::WaitFor([&] { return asked == kTables - 1; }));
+    const auto all_are_told = [&] {
+        QCoreApplication::processEvents();
+        for (int row = 0; row < kTables; ++row)
+            if (row != kNotDrawn && IconKey(table(row)) != u"stop") return false;
+        return true;
+    };
+    ASSERT_TRUE(test_support::WaitFor(all_are_told));
+    // The last answer may come when those before it have been taken.
+    EXPECT_GE(changes.count(), 2);
+    EXPECT_LE(changes.count(), 4);
+    for (const auto& change : changes)
+        EXPECT_TRUE(change[0].toModelIndex().row() > kNotDrawn ||
+                    change[1].toModelIndex().row() < kNotDrawn);
 }
 
 TEST_F(TableTreeModelTest, AnIconThatWasSetStaysUntilTheNextSelection) {
