@@ -73,7 +73,7 @@ class Window:
         self.program = Tavolo(self.desktop, self.folder)
         self.program.__enter__()
         self.program.main_window()
-        self.program.wait_text("sbrDB_1", f"{self.tables} Tables in list.  ", timeout=120)
+        wait_for(lambda: (self.program.visible("sbrDB_1") or {"text": ""})["text"].endswith(" Tables in list.  "), "the first tree", 120)
         wait_for(lambda: self.program.visible("tvwDB"), "the tree")
         self.row_height = self.program.ask("item", name="tvwDB", text="All")["h"]
         self.rest()
