@@ -361,7 +361,7 @@ def actions():
     yield shown("Company", ALL + " Where Company = 'Company 3'", "Company 3")
     yield shown("Year", ALL + " Where Year > '1990'", "1990", operator=">")
     yield shown("Times Played", ALL + " Where TimesPlayed = 3", "3")
-    yield Action("Delete, answered Yes", lambda w, _: w.key("alt+y"), lambda w, t: (all_tables(w, t) if t == 0 else None, delete_asked(w, t)),
+    yield Action("Delete, answered Yes (Qt shows Yes pressed for 100 ms)", lambda w, _: w.key("alt+y"), lambda w, t: (all_tables(w, t) if t == 0 else None, delete_asked(w, t)),
                  questions=[("change", "Delete from tables where ID = -7")] + list_questions(ALL))
     yield Action("key *: everything opens", key("asterisk"), lambda w, t: (all_tables(w, t), w.focus_tree()))
     yield Action("key Down, everything open", key("Down"), tree_at("Down"))
