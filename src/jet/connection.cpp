@@ -8,6 +8,7 @@
 #include "jet/sql/plans/query.h"
 #include "jet/sql/statements/executor.h"
 #include "jet/sql/statements/rule_maker.h"
+#include "jet/sql/statements/transaction.h"
 #include "jet/sql/syntax/parser.h"
 #include "jet/values/system_clock.h"
 
@@ -154,6 +155,15 @@ Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* rec
     ASSIGN_OR_RETURN(const std::int64_t affected, impl_->Run(statement));
     if (records_affected != nullptr) *records_affected = affected;
     return rows;
+}
+
+Status Connection::Change(const std::function<Status(Database&)>& change) {
+    if (!is_open()) return Closed();
+    impl_->NoteChange();
+    sql::Transaction transaction(*impl_->database());
+    RETURN_IF_ERROR(transaction.Begin());
+    RETURN_IF_ERROR(change(*impl_->database()));
+    return transaction.Commit();
 }
 
 Status Connection::Flush() {

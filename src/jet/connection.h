@@ -45,6 +45,10 @@ public:
     base::Result<Recordset> Execute(std::u16string_view sql,
                                     std::int64_t* records_affected = nullptr);
 
+    // Runs `change` in one transaction: all of what it does to the database or, when it fails,
+    // nothing, and its Status. It must not run statements of this connection.
+    base::Status Change(const std::function<base::Status(Database&)>& change);
+
     // Makes everything done so far durable and visible to other programs that read the file.
     base::Status Flush();
 

@@ -1,0 +1,150 @@
+#include "jet/pages/page_copy.h"
+
+#include "jet/errors.h"
+#include "jet/pages/journal.h"
+#include "jet/pages/page_encoding.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+namespace jet {
+namespace {
+
+using FileBytes = std::vector<std::byte>;
+
+// Each failed attempt means that a checkpoint ended meanwhile; they come half a second apart.
+constexpr int kMaxAttempts = 20;
+// More than page 0 of either version: it holds the mark that every checkpoint changes.
+constexpr std::size_t kHeadBytes = 4096;
+
+// A file as it was read. Locks are granted: nobody else can reach it.
+class BytesFile final : public File {
+public:
+    explicit BytesFile(const FileBytes& bytes) : bytes_(bytes) {}
+    base::Result<std::uint64_t> Size() const override { return std::uint64_t{bytes_.size()}; }
+    base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        if (offset > bytes_.size() || bytes.size() > bytes_.size() - offset)
+            return {base::StatusCode::kIoError, "The file ends too early."};
+        std::memcpy(bytes.data(), bytes_.data() + offset, bytes.size());
+        return {};
+    }
+    base::Status WriteAt(std::uint64_t, std::span<const std::byte>) override { return Refused(); }
+    base::Status Truncate(std::uint64_t) override { return Refused(); }
+    base::Status Sync() override { return Refused(); }
+    base::Status Lock(FileLock) override { return {}; }
+
+private:
+    static base::Status Refused() {
+        return {base::StatusCode::kPermissionDenied, "A copy is not written to."};
+    }
+    const FileBytes& bytes_;
+};
+
+// The database file and its journal as they were read, and no other file.
+class BytesFileSystem final : public FileSystem {
+public:
+    BytesFileSystem(std::filesystem::path database, FileBytes database_bytes,
+                    FileBytes journal_bytes)
+        : database_(std::move(database)), database_bytes_(std::move(database_bytes)),
+          journal_bytes_(std::move(journal_bytes)) {}
+
+    base::Result<std::unique_ptr<File>> Open(const std::filesystem::path& path, OpenMode) override {
+        if (!Exists(path)) return base::Status(base::StatusCode::kNotFound, "No such file.");
+        const FileBytes& bytes = path == database_ ? database_bytes_ : journal_bytes_;
+        return std::unique_ptr<File>(std::make_unique<BytesFile>(bytes));
+    }
+    bool Exists(const std::filesystem::path& path) override {
+        return path == database_ ||
+               (path == Journal::PathFor(database_) && !journal_bytes_.empty());
+    }
+    base::Status Remove(const std::filesystem::path&) override { return Refused(); }
+    base::Status Rename(const std::filesystem::path&, const std::filesystem::path&) override {
+        return Refused();
+    }
+    base::Status SyncFolder(const std::filesystem::path&) override { return Refused(); }
+    std::string OwnerName() override { return {}; }
+
+private:
+    static base::Status Refused() {
+        return {base::StatusCode::kPermissionDenied, "A copy is not written to."};
+    }
+    std::filesystem::path database_;
+    FileBytes database_bytes_;
+    FileBytes journal_bytes_;
+};
+
+// What the file holds as far as it can be read: one that shrinks meanwhile ends early.
+base::Result<FileBytes> ReadUpTo(const File& file, std::uint64_t most) {
+    ASSIGN_OR_RETURN(const std::uint64_t size, file.Size());
+    FileBytes bytes(static_cast<std::size_t>(std::min(size, most)));
+    RETURN_IF_ERROR(file.ReadAt(0, bytes));
+    return bytes;
+}
+
+base::Result<FileBytes> ReadWhole(FileSystem& files, const std::filesystem::path& path,
+                                  std::uint64_t most = UINT64_MAX) {
+    ASSIGN_OR_RETURN(const auto file, files.Open(path, OpenMode::kRead));
+    return ReadUpTo(*file, most);
+}
+
+// Empty: no journal. One that vanishes or shrinks while it is read counts as none.
+FileBytes ReadJournalBytes(FileSystem& files, const std::filesystem::path& database) {
+    return ReadWhole(files, Journal::PathFor(database)).value_or({});
+}
+
+bool BeginsWith(const FileBytes& bytes, const FileBytes& start) {
+    return bytes.size() >= start.size() &&
+           std::ranges::equal(start, std::span(bytes).first(start.size()));
+}
+
+// nullopt: a checkpoint ended meanwhile.
+std::optional<BytesFileSystem> TryToRead(FileSystem& files, const std::filesystem::path& path,
+                                         base::Status& failure) {
+    const FileBytes journal_before = ReadJournalBytes(files, path);
+    auto database = ReadWhole(files, path);
+    failure = database.status();
+    if (!database.ok()) return std::nullopt;
+    FileBytes journal = ReadJournalBytes(files, path);
+    const FileBytes head = ReadWhole(files, path, kHeadBytes).value_or({});
+    if (!BeginsWith(journal, journal_before)) return std::nullopt;
+    // Without a journal a whole checkpoint may have come and gone: it would have left its mark.
+    if (journal.empty() && !BeginsWith(*database, head)) return std::nullopt;
+    return BytesFileSystem(path, std::move(database).value(), std::move(journal));
+}
+
+// The pages as a database file has them.
+base::Result<FileBytes> BytesOf(PageStore& store) {
+    FileBytes bytes;
+    bytes.reserve(std::size_t{store.page_count()} * store.page_size());
+    PageEncoding encoding;
+    for (PageNumber number = 0; number < store.page_count(); ++number) {
+        ASSIGN_OR_RETURN(const PageView view, store.Read(number));
+        std::vector<std::byte> page(view.bytes().begin(), view.bytes().end());
+        if (number == 0) encoding = EncodingOf(page);
+        encoding.Apply(number, page);
+        bytes.insert(bytes.end(), page.begin(), page.end());
+    }
+    return bytes;
+}
+
+}  // namespace
+
+base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
+                                                   const std::filesystem::path& path) {
+    PageStoreOptions options;
+    options.read_only = true;
+    for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
+        base::Status failure;
+        auto read = TryToRead(files, path, failure);
+        // The ordinary way says best what is wrong with the file.
+        if (!failure.ok()) return OpenPageStore(files, path, options);
+        if (!read) continue;
+        ASSIGN_OR_RETURN(const auto store, OpenPageStore(*read, path, options));
+        ASSIGN_OR_RETURN(FileBytes bytes, BytesOf(*store));
+        return MakeMemoryPageStore(store->page_size(), std::move(bytes));
+    }
+    return JetError(ErrorNumber::kFileInUse, path.string());
+}
+
+}  // namespace jet

@@ -1,0 +1,20 @@
+// CopyPages: a copy in memory of a database that another process may be changing at the same time.
+// The copy is what the last commit left, all of it: the database file alone would not do, as a
+// checkpoint may be halfway through it, but what a checkpoint writes stands in the journal before
+// and stays there until it is done. So the journal is read before and after the database file; when
+// what was there before is there still, it makes whatever was read from the file whole. Takes no
+// lock and writes nothing. Changes of the copy stay in the copy.
+#pragma once
+
+#include "jet/pages/page_store.h"
+
+#include <filesystem>
+
+namespace jet {
+
+// As much memory as the file has bytes, twice that while it is made. kBusy: the file changed faster
+// than it could be read, many times over. Other errors are those of OpenPageStore.
+base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
+                                                   const std::filesystem::path& path);
+
+}  // namespace jet
