@@ -1,10 +1,10 @@
 // tavolo: creates the program's objects and connects them.
-#include "app/application_folder_choice.h"
 #include "app/arguments.h"
 #include "app/commands.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
+#include "catalogue/application_folder_choice.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
@@ -50,10 +50,10 @@ void SetAppearance() {
 }
 
 int RunProgram(const QString& folder_argument) {
-    const app::KnownFolders folders = app::FoldersOfThisProgram();
+    const catalogue::KnownFolders folders = catalogue::FoldersOfThisProgram();
     catalogue::ProcessValues values;
-    values.ApplicationFolder = app::ChooseApplicationFolder(folder_argument, folders);
-    app::PrepareFirstStart(values.ApplicationFolder, folders);
+    values.ApplicationFolder = catalogue::ChooseApplicationFolder(folder_argument, folders);
+    catalogue::PrepareFirstStart(values.ApplicationFolder, folders);
 
     const auto files = platform::MakeFileSystem();
     const auto settings = platform::MakeSettingsStore();

@@ -1,6 +1,6 @@
 #include "browser/filter_bar.h"
 
-#include "browser/filter_kinds.h"
+#include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
 
 #include <QtCore/QSignalBlocker>
@@ -44,10 +44,10 @@ FilterBar::FilterBar(ValueSource values, platform::UserPrompts& prompts, IconLis
 void FilterBar::BuildKinds() {
     cboFilter_ = new QComboBox(this);
     cboFilter_->setObjectName(QStringLiteral("cboFilter"));
-    for (const FilterKind& kind : kFilterKinds)
+    for (const catalogue::FilterKind& kind : catalogue::kFilterKinds)
         cboFilter_->addItem(icons_.Icon(kind.icon_key.toString()), kind.text.toString(),
                             kind.key.toString());
-    cboFilter_->setMaxVisibleItems(static_cast<int>(kFilterKinds.size()));
+    cboFilter_->setMaxVisibleItems(static_cast<int>(catalogue::kFilterKinds.size()));
     connect(cboFilter_, &QComboBox::activated, this, &FilterBar::KindChosen);
 }
 
@@ -176,8 +176,8 @@ void FilterBar::HideValue() {
 }
 
 void FilterBar::NextOperator() {
-    SetComparison(OperatorSymbols[operator_clicks_].toString());
-    operator_clicks_ = (operator_clicks_ + 1) % OperatorSymbols.size();
+    SetComparison(catalogue::OperatorSymbols[operator_clicks_].toString());
+    operator_clicks_ = (operator_clicks_ + 1) % catalogue::OperatorSymbols.size();
     Q_EMIT Changed();
 }
 

@@ -41,7 +41,8 @@ public:
 
     // Selects a kind and value without the signal Changed. An unknown key selects "All".
     void Restore(const QString& filter_key, const QString& value);
-    // Selects a kind as the user does, with the signal Changed. Requires: a key of filter_kinds.h.
+    // Selects a kind as the user does, with the signal Changed. Requires: a key of
+    // catalogue/filter_kinds.h.
     void Choose(const QString& filter_key);
     // Moves the focus to the value and selects its text.
     void FocusValue();

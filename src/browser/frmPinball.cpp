@@ -1,11 +1,11 @@
 #include "browser/frmPinball.h"
 
-#include "browser/filter_kinds.h"
 #include "browser/order_bar.h"
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
 #include "browser/wait_until_shown.h"
 #include "catalogue/error_report.h"
+#include "catalogue/filter_kinds.h"
 #include "catalogue/process_values.h"
 #include "catalogue/program_files.h"
 #include "catalogue/selection.h"
@@ -241,6 +241,19 @@ QString frmPinball::SelectedTag() const {
 
 QString frmPinball::SelectedText() const {
     return tree_->SelectedText();
+}
+
+bool frmPinball::SelectTable(const std::function<bool(const QString& file_name)>& is_wanted) {
+    if (tree_->SelectTable(is_wanted)) return true;
+    const QString all = catalogue::kFilterAll.toString();
+    if (filter_bar_->FilterKey() == all) return false;
+    filter_bar_->Choose(all);
+    RefreshTree();
+    return tree_->SelectTable(is_wanted);
+}
+
+std::optional<Selection> frmPinball::TreeSelection() const {
+    return selection_->shown();
 }
 
 bool frmPinball::TableIsSelected() const {

@@ -7,6 +7,7 @@
 #include "browser/main_menu.h"
 #include "browser/main_window_settings.h"
 #include "browser/tree_controller.h"
+#include "browser/tree_query.h"
 #include "catalogue/catalogue.h"
 #include "launcher/play_button.h"
 
@@ -14,6 +15,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QLabel;
 class QSplitter;
@@ -53,6 +55,11 @@ public:
     QString SelectedText() const override;
     // True when the selected node is a table, neither the root nor a detail line.
     bool TableIsSelected() const;
+    // Selects the first table of the tree that `is_wanted` takes by its FileName, with the filter
+    // "All" if it must be. False: there is none.
+    bool SelectTable(const std::function<bool(const QString& file_name)>& is_wanted);
+    // What the tree shows; nullopt: it is empty.
+    std::optional<Selection> TreeSelection() const;
     DetailPanel& details() { return *details_; }
     // Shows the progress of a command in the status bar, until `done` equals `total`.
     void ShowProgress(std::int64_t done, std::int64_t total);

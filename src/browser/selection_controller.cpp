@@ -1,6 +1,6 @@
 #include "browser/selection_controller.h"
 
-#include "browser/filter_kinds.h"
+#include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
 
 #include <algorithm>
@@ -9,10 +9,10 @@ namespace browser {
 namespace {
 
 QString IconOfKind(const QString& filter_key) {
-    const auto* const kind =
-        std::find_if(kFilterKinds.begin(), kFilterKinds.end(),
-                     [&](const FilterKind& candidate) { return candidate.key == filter_key; });
-    return kind == kFilterKinds.end() ? QString() : kind->icon_key.toString();
+    const auto* const kind = std::find_if(
+        catalogue::kFilterKinds.begin(), catalogue::kFilterKinds.end(),
+        [&](const catalogue::FilterKind& candidate) { return candidate.key == filter_key; });
+    return kind == catalogue::kFilterKinds.end() ? QString() : kind->icon_key.toString();
 }
 
 // Suspends painting of the tree and shows the progress bar while the tree is filled.
@@ -65,6 +65,7 @@ void SelectionController::RestoreFilter(const AppliedSelection& saved) {
 void SelectionController::RefreshTree() {
     clear_details_();
     parts_.model.Clear();
+    shown_.reset();
     const Selection selection = Current();
     if (const auto wrong = WrongValue(selection))
         ReportWrongValue(*wrong);
@@ -119,6 +120,7 @@ base::Status SelectionController::BuildTree(jet::Recordset& rows, const Selectio
     rows.Close();
     parts_.model.Show(std::move(tables), RootText(parts_.filter_bar.FilterText(), selection),
                       IconOfKind(selection.filter_key));
+    shown_ = selection;
     parts_.tree.expand(parts_.model.RootIndex());
     return {};
 }

@@ -8,10 +8,12 @@
 #include "browser/status_panels.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
+#include "browser/tree_query.h"
 #include "catalogue/catalogue.h"
 #include "jet/recordset.h"
 
 #include <functional>
+#include <optional>
 
 namespace browser {
 
@@ -49,6 +51,8 @@ public:
     // Sets the controls to a saved selection, without showing it.
     void RestoreFilter(const AppliedSelection& saved);
     const AppliedSelection& applied() const { return applied_; }
+    // What the tree shows; nullopt: it is empty.
+    const std::optional<Selection>& shown() const { return shown_; }
 
 private:
     Selection Current() const;
@@ -62,6 +66,7 @@ private:
     Parts parts_;
     std::function<void()> clear_details_;
     AppliedSelection applied_;
+    std::optional<Selection> shown_;
 };
 
 }  // namespace browser

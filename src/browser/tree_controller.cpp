@@ -65,6 +65,18 @@ void TreeController::SelectTableNode(std::int64_t number) {
     NodeClick(index);
 }
 
+bool TreeController::SelectTable(const std::function<bool(const QString&)>& is_wanted) {
+    const QModelIndex root = parts_.model.RootIndex();
+    for (int row = 0; row < parts_.model.rowCount(root); ++row) {
+        const QModelIndex index = parts_.model.index(row, 0, root);
+        if (!is_wanted(TableTreeModel::Tag(index))) continue;
+        parts_.tree.SelectNode(index);
+        NodeClick(index);
+        return true;
+    }
+    return false;
+}
+
 void TreeController::NodeClick(const QModelIndex& index) {
     const QString tag = TableTreeModel::Tag(index);
     if (tag == kRootTag) return;

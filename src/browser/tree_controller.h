@@ -58,6 +58,9 @@ public:
     // Selects a node, scrolls to it and shows its table. Ignores a number that no node has.
     void SelectTableNode(std::int64_t number);
 
+    // The same with the first table that `is_wanted` takes by its FileName. False: there is none.
+    bool SelectTable(const std::function<bool(const QString& file_name)>& is_wanted);
+
     // Plays the selected table, shows its details again and collapses its node.
     void DoubleClick();
     // Inverts the favourite flag of the selected table. A failure of the database is shown in a

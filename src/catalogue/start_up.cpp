@@ -35,11 +35,9 @@ void FillProcessValues(ProcessValues& values) {
 }
 
 base::Status OpenCatalogue(Catalogue& catalogue) {
-    const QString path =
-        platform::FileIn(catalogue.values->ApplicationFolder, kCatalogueFile.toString());
-    const QString stored = platform::ExistingName(path);
-    return catalogue.CatalogueConnection->Open(u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
-                                               DataSourceValue(stored.toStdU16String()));
+    return catalogue.CatalogueConnection->Open(
+        u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
+        DataSourceValue(CataloguePath(catalogue).toStdU16String()));
 }
 
 void AddMissingColumns(jet::Connection& connection) {
@@ -55,13 +53,26 @@ void StampUndatedRows(jet::Connection& connection, const QString& today) {
 
 }  // namespace
 
-base::Status Main(Catalogue& catalogue) {
-    const QString today = StoredDate(catalogue.clock->Now());
+void PrepareValues(Catalogue& catalogue) {
     FillProcessValues(*catalogue.values);
     catalogue.values->VisualPinballExe = ReadSetting(*catalogue.settings, kExecutableKey);
-    RETURN_IF_ERROR(OpenCatalogue(catalogue));
+}
+
+void UpgradeCatalogue(Catalogue& catalogue) {
+    const QString today = StoredDate(catalogue.clock->Now());
     AddMissingColumns(*catalogue.CatalogueConnection);
     StampUndatedRows(*catalogue.CatalogueConnection, today);
+}
+
+QString CataloguePath(const Catalogue& catalogue) {
+    return platform::ExistingName(
+        platform::FileIn(catalogue.values->ApplicationFolder, kCatalogueFile.toString()));
+}
+
+base::Status Main(Catalogue& catalogue) {
+    PrepareValues(catalogue);
+    RETURN_IF_ERROR(OpenCatalogue(catalogue));
+    UpgradeCatalogue(catalogue);
     return {};
 }
 

@@ -4,6 +4,8 @@
 #include "base/status.h"
 #include "catalogue/catalogue.h"
 
+#include <QtCore/QString>
+
 namespace catalogue {
 
 // Fills the process-wide values, opens `ApplicationFolder`/pinball.mdb, adds missing columns,
@@ -11,5 +13,13 @@ namespace catalogue {
 // its message the engine's own description; later ones are ignored. Requires:
 // values->ApplicationFolder is set and CatalogueConnection is closed.
 base::Status Main(Catalogue& catalogue);
+
+// The steps of Main, for who opens the catalogue in another way.
+// Everything before the opening of the database.
+void PrepareValues(Catalogue& catalogue);
+// Everything after it; failures are ignored. Requires: CatalogueConnection is open.
+void UpgradeCatalogue(Catalogue& catalogue);
+// The catalogue's file in the application folder, spelled as on the disk.
+QString CataloguePath(const Catalogue& catalogue);
 
 }  // namespace catalogue

@@ -39,6 +39,13 @@ base::Status FolderScan::Run(const QString& folder) {
     return {};
 }
 
+base::Status FolderScan::AddFile(const QString& path) {
+    found_count_ = 0;
+    if (!IsTableFileName(path))
+        return {base::StatusCode::kInvalidArgument, path.toStdString() + " is not a table file"};
+    return HandleFile(path);
+}
+
 void FolderScan::Queue(const Folder& folder) {
     queue_.push_back(folder);
     observer_.FolderQueued(folder.path);

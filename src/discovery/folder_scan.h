@@ -47,6 +47,9 @@ public:
     // Walks `folder` and all folders below it. An empty text is the root folder of the current
     // drive. A failure of the database ends the walk; tables added before stay.
     base::Status Run(const QString& folder);
+    // Adds one table file, unless the catalogue has it; found_count() says so. kInvalidArgument:
+    // it is not called as table files are.
+    base::Status AddFile(const QString& path);
     // Tables that the last run has added.
     std::int64_t found_count() const { return found_count_; }
 

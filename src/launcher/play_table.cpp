@@ -25,12 +25,6 @@ QString EndedTitle(const QString& title_key) {
     return QStringLiteral("Visual Pinball - [") + title_key + u']';
 }
 
-// There is no blank between the "-" and the path: the simulator wants it so.
-QString CommandLine(const QString& executable, const QString& table) {
-    return platform::QuoteProgramName(executable) + QStringLiteral(" /Play -") +
-           platform::QuoteForCommandLine(table);
-}
-
 // The name by which the simulator's title calls the table.
 base::Result<QString> TitleKey(const QString& path) {
     const QString name = catalogue::GetFileName(path);
@@ -41,6 +35,12 @@ base::Result<QString> TitleKey(const QString& path) {
 }
 
 }  // namespace
+
+// There is no blank between the "-" and the path: the simulator wants it so.
+QString SimulatorCommandLine(const QString& executable, const QString& table) {
+    return platform::QuoteProgramName(executable) + QStringLiteral(" /Play -") +
+           platform::QuoteForCommandLine(table);
+}
 
 Launcher::Launcher(LauncherParts parts, MainWindowActions main_window)
     : parts_(parts), main_window_(std::move(main_window)) {}
@@ -82,7 +82,7 @@ base::Status Launcher::Run(Play& play) {
 // The status window is closed again when this returns.
 base::Status Launcher::Start(const Play& play) {
     const catalogue::ProcessValues& values = *parts_.catalogue.values;
-    const QString command_line = CommandLine(values.VisualPinballExe, play.path);
+    const QString command_line = SimulatorCommandLine(values.VisualPinballExe, play.path);
     parts_.status.Show(play.display_name);
     if (values.SoundOn)
         parts_.sounds.PlaySynchronously(

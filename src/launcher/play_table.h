@@ -42,6 +42,9 @@ struct LauncherParts {
     platform::UserPrompts& prompts;
 };
 
+// The command line that plays the table file `table` in the simulator `executable`.
+QString SimulatorCommandLine(const QString& executable, const QString& table);
+
 class Launcher {
 public:
     Launcher(LauncherParts parts, MainWindowActions main_window);

@@ -39,13 +39,6 @@ base::Status WriteCopy(jet::FileSystem& files, const std::filesystem::path& data
     return CopyBytes(*from, *to);
 }
 
-base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files) {
-    RETURN_IF_ERROR(catalogue.CatalogueConnection->Flush());
-    const QString& folder = catalogue.values->ApplicationFolder;
-    return CopyDatabase(files, platform::FileIn(folder, catalogue::kCatalogueFile.toString()),
-                        platform::FileIn(folder, catalogue::kBackupFile.toString()));
-}
-
 QString SuccessText(const QString& folder) {
     return QStringLiteral(
                "Database copied to:%1\r\nRename to %2 WHILE TAVOLO IS NOT RUNNING to restore.")
@@ -70,6 +63,13 @@ base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const
     // backup, which is a good one, too.
     files.SyncFolder(target.parent_path()).Ignore();
     return {};
+}
+
+base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files) {
+    RETURN_IF_ERROR(catalogue.CatalogueConnection->Flush());
+    const QString& folder = catalogue.values->ApplicationFolder;
+    return CopyDatabase(files, platform::FileIn(folder, catalogue::kCatalogueFile.toString()),
+                        platform::FileIn(folder, catalogue::kBackupFile.toString()));
 }
 
 void BackupData(CommandContext context, jet::FileSystem& files, const QString& caption) {

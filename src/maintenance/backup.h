@@ -14,8 +14,10 @@ namespace maintenance {
 // Requires: nothing writes to `database` meanwhile, and earlier writes have reached the file.
 base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup);
 
-// Copies the open pinball.mdb of the application folder to pinball.BU, all changes so far included,
-// and confirms it in a box titled `caption`. A failure ends the command silently.
+// Copies the open pinball.mdb of the application folder to pinball.BU, all changes so far included.
+base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files);
+
+// The same, confirmed in a box titled `caption`. A failure ends the command silently.
 void BackupData(CommandContext context, jet::FileSystem& files, const QString& caption);
 // The same on this system's files.
 void BackupData(CommandContext context, const QString& caption);

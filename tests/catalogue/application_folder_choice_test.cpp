@@ -1,4 +1,4 @@
-#include "app/application_folder_choice.h"
+#include "catalogue/application_folder_choice.h"
 
 #include "platform/files.h"
 
@@ -10,7 +10,7 @@
 
 #include <filesystem>
 
-namespace app {
+namespace catalogue {
 namespace {
 
 class ApplicationFolderTest : public testing::Test {
@@ -173,4 +173,4 @@ TEST_F(ApplicationFolderTest, AFolderWhoseNameIsNotUtf8IsFilledToo) {
 }
 
 }  // namespace
-}  // namespace app
+}  // namespace catalogue

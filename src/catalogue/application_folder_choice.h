@@ -5,7 +5,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-namespace app {
+namespace catalogue {
 
 // Folders without trailing separators.
 struct KnownFolders {
@@ -28,4 +28,4 @@ QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folde
 // catalogue is missing, opening it reports that.
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders);
 
-}  // namespace app
+}  // namespace catalogue

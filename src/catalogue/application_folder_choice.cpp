@@ -1,4 +1,4 @@
-#include "app/application_folder_choice.h"
+#include "catalogue/application_folder_choice.h"
 
 #include "catalogue/program_files.h"
 #include "platform/application_folder.h"
@@ -7,17 +7,16 @@
 #include <algorithm>
 #include <optional>
 
-namespace app {
+namespace catalogue {
 namespace {
 
 const QString& CatalogueName() {
-    static const QString name = catalogue::kCatalogueFile.toString();
+    static const QString name = kCatalogueFile.toString();
     return name;
 }
 
 QStringList CompanionNames() {
-    return {catalogue::kPlaySound.toString(), catalogue::kClickSound.toString(),
-            catalogue::kHelpFile.toString()};
+    return {kPlaySound.toString(), kClickSound.toString(), kHelpFile.toString()};
 }
 
 bool Holds(const QString& folder, const QString& name) {
@@ -27,8 +26,8 @@ bool Holds(const QString& folder, const QString& name) {
 // True for the program's files in its folder: the catalogue with its backup, journal and lock, the
 // delivered files, and the files that the program writes.
 bool IsOurs(const QString& name) {
-    static const QStringList others = CompanionNames() << catalogue::kTemporaryJpeg.toString()
-                                                       << catalogue::kTemporaryBitmap.toString();
+    static const QStringList others = CompanionNames()
+                                      << kTemporaryJpeg.toString() << kTemporaryBitmap.toString();
     return name.startsWith(QLatin1String("pinball."), Qt::CaseInsensitive) ||
            others.contains(name, Qt::CaseInsensitive);
 }
@@ -83,4 +82,4 @@ void PrepareFirstStart(const QString& application_folder, const KnownFolders& fo
         copy(Holds(folders.delivered, name) ? folders.delivered : folders.program, name).Ignore();
 }
 
-}  // namespace app
+}  // namespace catalogue
