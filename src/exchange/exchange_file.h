@@ -1,0 +1,17 @@
+// The files that rows come from.
+#pragma once
+
+#include "base/status.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace exchange {
+
+// More than any catalogue has: a database file has 2 GB at most. Bytes.
+inline constexpr qint64 kMaxFileBytes = qint64{1} << 30;
+
+// The whole file. kUnsupported: it is larger than kMaxFileBytes.
+base::Result<QByteArray> ReadFile(const QString& path);
+
+}  // namespace exchange

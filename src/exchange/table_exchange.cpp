@@ -1,0 +1,116 @@
+#include "exchange/table_exchange.h"
+
+#include "catalogue/error_report.h"
+#include "exchange/exchange_file.h"
+#include "exchange/row_import.h"
+#include "exchange/row_writer.h"
+#include "platform/files.h"
+
+#include <algorithm>
+
+namespace exchange {
+namespace {
+
+constexpr std::size_t kShownProblems = 10;
+
+platform::FileDialog DialogFor(const QString& title) {
+    platform::FileDialog dialog;
+    dialog.title = title;
+    dialog.filter = QStringLiteral("CSV (*.csv)|*.csv|JSON (*.json)|*.json|"
+                                   "JSON lines (*.jsonl)|*.jsonl");
+    dialog.default_extension = QStringLiteral("csv");
+    return dialog;
+}
+
+void Tell(platform::UserPrompts& prompts, const QString& title, const QString& text) {
+    prompts.Ask({text, title, platform::MessageIcon::kInformation});
+}
+
+base::Result<std::int64_t> Write(jet::Connection& connection, const catalogue::Selection& shown,
+                                 const QString& path) {
+    ASSIGN_OR_RETURN(auto rows, catalogue::OpenSelection(connection, shown));
+    if (!rows) return std::int64_t{0};
+    QByteArray content;
+    ASSIGN_OR_RETURN(const std::int64_t count,
+                     WriteRows(*rows, {.format = FormatOfFile(path).value_or(Format::kCsv)},
+                               [&](std::string_view bytes) {
+                                   content.append(bytes.data(),
+                                                  static_cast<qsizetype>(bytes.size()));
+                                   return base::Status();
+                               }));
+    RETURN_IF_ERROR(platform::SaveFile(path, content));
+    return count;
+}
+
+// What the file offers to find tables by.
+MatchBy MatchOf(std::string_view content, Format format) {
+    const auto source = MakeRowSource(content, format);
+    SourceRow first;
+    source->Next(first);
+    const auto has = [&](QStringView name) {
+        return std::ranges::any_of(source->columns(), [&](const std::u16string& column) {
+            return QStringView(column).compare(name, Qt::CaseInsensitive) == 0;
+        });
+    };
+    if (has(u"ID")) return MatchBy::kId;
+    if (has(u"FileName")) return MatchBy::kFile;
+    return has(u"CRC") ? MatchBy::kCrc : MatchBy::kId;
+}
+
+QString ProblemText(const ImportReport& report) {
+    QStringList lines{QStringLiteral("Nothing was imported:")};
+    const std::size_t shown = std::min(report.problems.size(), kShownProblems);
+    for (const RowProblem& problem : std::span(report.problems).first(shown)) {
+        const QString place =
+            problem.line > 0 ? QStringLiteral("line %1: ").arg(problem.line) : QString();
+        lines.append(place + QString::fromStdString(problem.text));
+    }
+    const auto more = report.problem_count - static_cast<std::int64_t>(shown);
+    if (more > 0) lines.append(QStringLiteral("and %1 more").arg(more));
+    return lines.join(u'\n');
+}
+
+}  // namespace
+
+void ExportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                  const std::optional<catalogue::Selection>& shown) {
+    const QString title = QStringLiteral("Export");
+    if (!shown) return Tell(prompts, title, QStringLiteral("There is no table to export"));
+    const QString path = prompts.ChooseFileToSave(DialogFor(title));
+    if (path.isEmpty()) return;
+    const auto count = Write(*catalogue.CatalogueConnection, *shown, path);
+    if (!count.ok()) return catalogue::ShowError(prompts, count.status());
+    Tell(prompts, title, QStringLiteral("%1 tables exported to:\n%2").arg(*count).arg(path));
+}
+
+void ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                  const std::function<void()>& refresh_tree) {
+    const QString title = QStringLiteral("Import");
+    const QString path = prompts.ChooseFileToOpen(DialogFor(title));
+    if (path.isEmpty()) return;
+    const auto bytes = ReadFile(path);
+    if (!bytes.ok()) return catalogue::ShowError(prompts, bytes.status());
+    const std::string_view content(bytes->constData(), static_cast<std::size_t>(bytes->size()));
+    const Format format = FormatOfFile(path).value_or(Format::kCsv);
+    ImportOptions options{.match = MatchOf(content, format), .dry_run = true};
+    const auto run = [&] {
+        const auto source = MakeRowSource(content, format);
+        return ImportRows(*catalogue.CatalogueConnection, *source, options);
+    };
+    const auto report = run();
+    if (!report.ok()) return catalogue::ShowError(prompts, report.status());
+    if (!report->accepted()) return Tell(prompts, title, ProblemText(*report));
+    const QString question =
+        QStringLiteral(
+            "%1 tables will be added and %2 changed.\nAre you sure you want to continue?")
+            .arg(report->added)
+            .arg(report->changed);
+    const auto answer = prompts.Ask(
+        {question, title, platform::MessageIcon::kExclamation, platform::MessageButtons::kYesNo});
+    if (answer != platform::MessageAnswer::kYes) return;
+    options.dry_run = false;
+    catalogue::ShowError(prompts, run().status());
+    refresh_tree();
+}
+
+}  // namespace exchange
