@@ -1,0 +1,23 @@
+// The functions that run the commands, one for each entry of the table. Each answers the exit
+// status and tells its failures itself.
+#pragma once
+
+namespace cli {
+
+struct Program;
+
+int RunList(Program& program);
+int RunFind(Program& program);
+int RunShow(Program& program);
+int RunInfo(Program& program);
+int RunVerify(Program& program);
+int RunScan(Program& program);
+int RunUpdate(Program& program);
+int RunCrc(Program& program);
+int RunSet(Program& program);
+int RunBackup(Program& program);
+int RunPlay(Program& program);
+int RunExport(Program& program);
+int RunImport(Program& program);
+
+}  // namespace cli

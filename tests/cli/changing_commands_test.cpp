@@ -1,0 +1,239 @@
+#include "cli/cli_fixture.h"
+
+#include "support/full_disk.h"
+
+namespace cli {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+QString S(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+class ChangingCommandsTest : public CliFixture {
+protected:
+    QString Tables() const { return folder.filePath(S("tables")); }
+
+    // Runs the words as a dry run: nothing changes, and cells are told.
+    void ExpectOnlyTold(const QStringList& words) {
+        const QByteArray before = DatabaseBytes();
+        EXPECT_EQ(Run(words + QStringList{S("--dry-run")}), kDone) << console.error;
+        EXPECT_EQ(DatabaseBytes(), before);
+        EXPECT_THAT(console.error, StartsWith("dry run: "));
+    }
+};
+
+TEST_F(ChangingCommandsTest, ScanAddsNewTables) {
+    Sql("DELETE FROM Tables WHERE ID > 1");
+    ExpectOnlyTold({S("scan"), Tables()});
+    EXPECT_EQ(console.error, "dry run: 2 added, 1 changed\n");
+    EXPECT_THAT(console.out, HasSubstr("1\tDisplayName\t\"Attack\"\t\"Attack & Co\"\n"));
+    EXPECT_EQ(Run(QStringList{S("scan"), Tables()}), kDone);
+    EXPECT_EQ(console.error, "2 added, 1 changed\n");
+    EXPECT_EQ(Scalar("Select Count(*) from Tables where CRC <> ''"), "2");
+    EXPECT_EQ(Run(QStringList{S("scan"), Tables()}), kDone);
+    EXPECT_EQ(console.error, "0 added, 0 changed\n");
+    EXPECT_EQ(Run("scan /no/such/folder"), kFailed);
+    EXPECT_EQ(console.error, "tavolo-cli: /no/such/folder: there is no such folder\n");
+}
+
+TEST_F(ChangingCommandsTest, UpdateCopiesWhatTheFilesSay) {
+    ExpectOnlyTold({S("update")});
+    EXPECT_EQ(Run("update --verbose"), kDone);
+    EXPECT_EQ(console.error, "0 added, 3 changed\n");
+    EXPECT_THAT(console.out, HasSubstr("2\tAuthor\tnull\t\"Its Author\"\n"));
+    EXPECT_EQ(Scalar("Select DisplayName from Tables where ID = 3"), "Fathom & Co");
+}
+
+TEST_F(ChangingCommandsTest, CrcComputesTheChecksums) {
+    ExpectOnlyTold({S("crc")});
+    EXPECT_EQ(Run("crc"), kDone);
+    EXPECT_EQ(console.error, "0 added, 3 changed\n");
+    EXPECT_TRUE(console.out.empty());
+    EXPECT_NE(Scalar("Select CRC from Tables where ID = 1"), "");
+}
+
+TEST_F(ChangingCommandsTest, ProgressIsForTerminals) {
+    console.shows_progress = true;
+    EXPECT_EQ(Run("crc"), kDone);
+    EXPECT_THAT(console.error, HasSubstr("\r33 %\033[K"));
+    EXPECT_THAT(console.error, HasSubstr("\r\033[K0 added, 3 changed\n"));
+}
+
+TEST_F(ChangingCommandsTest, SetGivesFieldsNewValues) {
+    ExpectOnlyTold({S("set"), S("1"), S("Author=New")});
+    EXPECT_EQ(console.out, "1\tAuthor\t\"Some One\"\t\"New\"\n");
+    EXPECT_EQ(Run(QStringList{S("set"), S("1"), S("author=A=B"), S("Favorite=no"), S("Notes="),
+                              S("LastPlayed=2026-11-20 15:04:05"), S("--null=Year")}),
+              kDone);
+    EXPECT_EQ(Scalar("Select Author from Tables where ID = 1"), "A=B");
+    EXPECT_EQ(Scalar("Select Favorite from Tables where ID = 1"), "False");
+    EXPECT_EQ(Scalar("Select LastPlayed from Tables where ID = 1"), "11/20/2026 3:04:05 PM");
+    EXPECT_EQ(Scalar("Select Count(*) from Tables where ID = 1 and Notes = '' and isNull([Year])"),
+              "1");
+}
+
+TEST_F(ChangingCommandsTest, SetIsAllOrNothing) {
+    EXPECT_EQ(Run("set 1 Author=New TimesPlayed=often"), kFailed);
+    EXPECT_THAT(console.error, HasSubstr("TimesPlayed: \"often\" is not a number"));
+    EXPECT_EQ(Scalar("Select Author from Tables where ID = 1"), "Some One");
+    EXPECT_EQ(Run("set 1 Colour=red"), kFailed);
+    EXPECT_THAT(console.error, HasSubstr("the catalogue has no column Colour"));
+    EXPECT_EQ(Run("set 99 Author=x"), kFailed);
+    EXPECT_THAT(console.error, HasSubstr("there is no table 99"));
+    EXPECT_EQ(Scalar("Select Count(*) from Tables"), "3");
+    EXPECT_EQ(Run("set 1"), kWrongUsage);
+    EXPECT_EQ(Run("set 1 Author"), kWrongUsage);
+    EXPECT_EQ(Run("set 1 ID=2"), kWrongUsage);
+    EXPECT_EQ(Run("set one Author=x"), kWrongUsage);
+}
+
+TEST_F(ChangingCommandsTest, BackupCopiesTheCatalogue) {
+    const QString backup = folder.filePath(S("pinball.BU"));
+    EXPECT_EQ(Run("backup --dry-run"), kDone);
+    EXPECT_FALSE(QFile::exists(backup));
+    EXPECT_EQ(Run("backup"), kDone);
+    EXPECT_EQ(console.out, backup.toStdString() + "\n");
+    QFile copy(backup);
+    ASSERT_TRUE(copy.open(QIODevice::ReadOnly));
+    EXPECT_EQ(copy.readAll(), DatabaseBytes());
+}
+
+TEST_F(ChangingCommandsTest, PlayStartsTheSimulator) {
+    settings.values[S("TAVOLO/GENERAL/VPEXE")] = S("/vp/vp.exe");
+    const std::string line = "\"/vp/vp.exe\" /Play -\"" + TablePath("Attack") + "\"";
+    EXPECT_EQ(Run("play --dry-run attack"), kDone);
+    EXPECT_EQ(console.out, line + "\n");
+    EXPECT_TRUE(programs.started.empty());
+    EXPECT_EQ(Scalar("Select TimesPlayed from Tables where ID = 1"), "3");
+    EXPECT_EQ(Run("play 1"), kDone);
+    ASSERT_EQ(programs.started.size(), 1u);
+    EXPECT_EQ(programs.started[0].toStdString(), line);
+    EXPECT_EQ(Scalar("Select TimesPlayed from Tables where ID = 1"), "4");
+}
+
+TEST_F(ChangingCommandsTest, PlayWatchesTheWindowAndLeavesTheCatalogueToOthers) {
+    settings.values[S("TAVOLO/GENERAL/VPEXE")] = S("/vp/vp.exe");
+    windows.windows = {{S("VPinball"), S("Visual Pinball - [Attack*]")}};
+    int rounds = 0;
+    windows.on_find = [&] {
+        if (++rounds == 3) {
+            EXPECT_EQ(Scalar("Select TimesPlayed from Tables where ID = 1"), "4");
+            windows.windows = {{S("VPinball"), S("Visual Pinball - [Attack]")}};
+        }
+    };
+    EXPECT_EQ(Run("play Attack"), kDone);
+    EXPECT_EQ(windows.closed, std::vector<QString>{S("Visual Pinball - [Attack]")});
+}
+
+TEST_F(ChangingCommandsTest, PlaySaysWhyItCannot) {
+    EXPECT_EQ(Run("play 1"), kFailed);
+    EXPECT_EQ(console.error, "tavolo-cli: Please Set the location of the VP executable\n");
+    EXPECT_EQ(Run("play Nothing"), kFailed);
+    EXPECT_EQ(console.error, "tavolo-cli: there is no table \"Nothing\"\n");
+    Sql("UPDATE Tables SET DisplayName = 'Taxi' WHERE ID = 3");
+    EXPECT_EQ(Run("play Taxi"), kFailed);
+    EXPECT_EQ(console.error, "tavolo-cli: several tables are called \"Taxi\": 2, 3\n");
+    QFile::remove(QString::fromStdString(TablePath("Attack")));
+    EXPECT_EQ(Run("play Attack"), kFailed);
+    EXPECT_THAT(console.error, HasSubstr("there is no such file"));
+}
+
+TEST_F(ChangingCommandsTest, ExportAndImportGoBackAndForth) {
+    const QString file = folder.filePath(S("out.csv"));
+    EXPECT_EQ(Run(QStringList{S("export"), S("-n"), file}), kDone);
+    EXPECT_EQ(console.error, "dry run: 3 tables\n");
+    EXPECT_FALSE(QFile::exists(file));
+    EXPECT_EQ(Run(QStringList{S("export"), file}), kDone);
+    EXPECT_EQ(console.error, "3 tables\n");
+    EXPECT_EQ(Run(QStringList{S("import"), file}), kDone);
+    EXPECT_EQ(console.error, "0 added, 0 changed\n");
+    Sql("UPDATE Tables SET Author = 'Changed' WHERE ID = 1");
+    Sql("DELETE FROM Tables WHERE ID = 2");
+    ExpectOnlyTold({S("import"), file});
+    EXPECT_THAT(console.out, HasSubstr("1\tAuthor\t\"Changed\"\t\"Some One\"\n"));
+    EXPECT_EQ(Run(QStringList{S("import"), file}), kDone);
+    EXPECT_EQ(console.error, "1 added, 1 changed\n");
+    EXPECT_EQ(Scalar("Select DisplayName from Tables where ID = 2"), "Taxi");
+}
+
+TEST_F(ChangingCommandsTest, ExportTakesAFilter) {
+    EXPECT_EQ(Run("export -f Favorites -c ID,Year"), kDone);
+    EXPECT_EQ(console.out, "ID,Year\r\n1,1995\r\n");
+    EXPECT_EQ(Run("export -f Year --operator=< --value=1990 -c ID --format=jsonl -"), kDone);
+    EXPECT_EQ(console.out, "{\"ID\": 2}\n");
+    EXPECT_EQ(Run("export -f Year"), kWrongUsage);
+    EXPECT_EQ(Run("export --value=3"), kWrongUsage);
+    EXPECT_EQ(Run("export --filter=TimesPlayed"), kWrongUsage);
+    EXPECT_EQ(Run(QStringList{S("export"), S("-f"), S("Times Played"), S("--value=x")}),
+              kWrongUsage);
+    EXPECT_EQ(Run("export -c Colour"), kFailed);
+}
+
+TEST_F(ChangingCommandsTest, FormulasAreEscapedAndUnescaped) {
+    Sql("UPDATE Tables SET Author = '=1+1' WHERE ID = 1");
+    EXPECT_EQ(Run("export --escape-formulas -c ID,Author -f Favorites"), kDone);
+    EXPECT_EQ(console.out, "ID,Author\r\n1,'=1+1\r\n");
+    console.in = QByteArray::fromStdString(console.out);
+    EXPECT_EQ(Run("import --unescape-formulas --verbose -"), kDone);
+    EXPECT_EQ(console.error, "0 added, 0 changed\n");
+}
+
+TEST_F(ChangingCommandsTest, ImportNamesBadRowsAndColumns) {
+    console.in = "ID,TimesPlayed,Colour\n1,5,red\n2,often,blue\n";
+    EXPECT_EQ(Run("import -"), kFailed);
+    EXPECT_EQ(console.error, "tavolo-cli: -:3: TimesPlayed: \"often\" is not a number\n"
+                             "tavolo-cli: -: the catalogue has no column Colour\n"
+                             "tavolo-cli: nothing was imported\n");
+    EXPECT_EQ(Scalar("Select TimesPlayed from Tables where ID = 1"), "3");
+    console.in = "ID,TimesPlayed,Colour\n1,5,red\n50,1,blue\n";
+    EXPECT_EQ(Run("import --ignore-unknown --update-only -"), kDone);
+    EXPECT_EQ(console.error, "tavolo-cli: the column Colour was left out\n0 added, 1 changed\n"
+                             "1 passed over\n");
+}
+
+TEST_F(ChangingCommandsTest, ImportFindsRowsAsAsked) {
+    console.in = QByteArray::fromStdString("{\"FileName\": \"" + TablePath("Taxi") +
+                                           "\", \"Author\": \"Found\"}");
+    EXPECT_EQ(Run("import --match=file --format=json -"), kDone) << console.error;
+    EXPECT_EQ(Scalar("Select Author from Tables where ID = 2"), "Found");
+    Run("crc");
+    const std::string crc = Scalar("Select CRC from Tables where ID = 3");
+    console.in = QByteArray::fromStdString("CRC,Author\n" + crc + ",By CRC\n");
+    EXPECT_EQ(Run("import -m crc -"), kDone) << console.error;
+    EXPECT_EQ(Scalar("Select Author from Tables where ID = 3"), "By CRC");
+    EXPECT_EQ(Run("import /no/such.csv"), kFailed);
+}
+
+// After each write that the disk still takes: the catalogue is as before or as afterwards.
+TEST_F(ChangingCommandsTest, AFullDiskLeavesTheCatalogueWhole) {
+    console.in = "ID,DisplayName\n";
+    for (int id = 1; id <= 500; ++id)
+        console.in += QByteArray::number(id) + ",Table " + QByteArray::number(id) + "\n";
+    const QByteArray before = DatabaseBytes();
+    bool was_full = true;
+    int failures = 0;
+    for (int writes = 0; was_full; writes = writes * 2 + 1) {
+        QFile::remove(DatabasePath() + S("-journal"));
+        QFile database(DatabasePath());
+        ASSERT_TRUE(database.open(QIODevice::WriteOnly));
+        database.write(before);
+        database.close();
+        test_support::FullDisk disk(*files, writes);
+        const int status = Run(QStringList{S("import"), S("-")}, &disk);
+        was_full = disk.was_full();
+        if (status != kDone) ++failures;
+        const std::string rows = Scalar("Select Count(*) from Tables");
+        const std::string renamed =
+            Scalar("Select Count(*) from Tables where DisplayName = 'Table 1'");
+        EXPECT_TRUE((rows == "3" && renamed == "0") || (rows == "500" && renamed == "1"))
+            << writes << ": " << rows << ", " << renamed << "; " << console.error;
+        EXPECT_TRUE(was_full || rows == "500");
+    }
+    EXPECT_GT(failures, 0);
+}
+
+}  // namespace
+}  // namespace cli
