@@ -3,13 +3,30 @@
 #include "dialogs/program_version.h"
 
 namespace app {
+namespace {
+
+void TakeTables(const QString& word, Arguments& arguments) {
+    if (!arguments.tables.isEmpty())
+        arguments.error = QStringLiteral("only one file or folder can be given");
+    else if (word.isEmpty())
+        arguments.error = QStringLiteral("the name of a file or folder is empty");
+    else
+        arguments.tables = word;
+}
+
+}  // namespace
 
 Arguments ParseArguments(const QStringList& words) {
     const QString folder_equals = QStringLiteral("--folder=");
     Arguments arguments;
+    bool only_names = false;
     for (qsizetype i = 0; i < words.size(); ++i) {
         const QString& word = words[i];
-        if (word == u"--help" || word == u"-h")
+        if (only_names || !word.startsWith(u'-'))
+            TakeTables(word, arguments);
+        else if (word == u"--")
+            only_names = true;
+        else if (word == u"--help" || word == u"-h")
             arguments.help = true;
         else if (word == u"--version" || word == u"-v")
             arguments.version = true;
@@ -27,7 +44,7 @@ Arguments ParseArguments(const QStringList& words) {
 
 QString HelpText() {
     return QStringLiteral(
-        "usage: tavolo [--folder DIR]\n"
+        "usage: tavolo [--folder DIR] [FILE|DIR]\n"
         "Catalogue manager and front end for Visual Pinball tables.\n"
         "\n"
         "  --folder DIR  use DIR as the application folder: the catalogue pinball.mdb, its "
@@ -35,6 +52,7 @@ QString HelpText() {
         "                the sounds and the help file are there. An empty DIR gets new ones.\n"
         "                Without it: the program's own folder, or, where that cannot be written,\n"
         "                the user's data folder.\n"
+        "  FILE|DIR      add this table file, or those of this folder, and select the first\n"
         "  --help        show this text\n"
         "  --version     show the version\n");
 }

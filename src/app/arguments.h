@@ -8,6 +8,7 @@ namespace app {
 
 struct Arguments {
     QString folder;  // empty: not given
+    QString tables;  // a table file or a folder of them; empty: not given
     bool help = false;
     bool version = false;
     QString error;  // what is wrong with the arguments; empty when they are valid

@@ -7,6 +7,7 @@
 #include "dialogs/frmSettings.h"
 #include "dialogs/help.h"
 #include "discovery/frmsearch.h"
+#include "exchange/table_exchange.h"
 #include "maintenance/backup.h"
 #include "maintenance/file_dates.h"
 #include "maintenance/frmImport.h"
@@ -59,6 +60,9 @@ browser::CommandActions Commands::Actions() {
         .show_about = [this] { ShowAbout(); },
         .load_picture = [this] { LoadPicture(); },
         .view_table_info = [this] { ViewTableInfo(); },
+        .export_tables =
+            [this] { exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()); },
+        .import_tables = [this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); },
     };
 }
 

@@ -1,6 +1,7 @@
 // tavolo: creates the program's objects and connects them.
 #include "app/arguments.h"
 #include "app/commands.h"
+#include "app/given_tables.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
@@ -15,6 +16,7 @@
 #include "platform/application_folder.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
+#include "platform/files.h"
 #include "platform/settings_store.h"
 
 #include <QtGui/QIcon>
@@ -49,10 +51,18 @@ void SetAppearance() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
 }
 
-int RunProgram(const QString& folder_argument) {
+// Tells why a file or folder of the command line is not in the catalogue; true: it is.
+bool TakeGivenTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                     const QString& path) {
+    const base::Status added = app::AddGivenTables(catalogue, path);
+    catalogue::ShowError(prompts, added);
+    return added.ok();
+}
+
+int RunProgram(const app::Arguments& arguments) {
     const catalogue::KnownFolders folders = catalogue::FoldersOfThisProgram();
     catalogue::ProcessValues values;
-    values.ApplicationFolder = catalogue::ChooseApplicationFolder(folder_argument, folders);
+    values.ApplicationFolder = catalogue::ChooseApplicationFolder(arguments.folder, folders);
     catalogue::PrepareFirstStart(values.ApplicationFolder, folders);
 
     const auto files = platform::MakeFileSystem();
@@ -67,6 +77,9 @@ int RunProgram(const QString& folder_argument) {
         return 1;
     }
 
+    const QString given =
+        arguments.tables.isEmpty() ? QString() : platform::AbsolutePath(arguments.tables);
+    const bool selects = !given.isEmpty() && TakeGivenTables(catalogue, prompts, given);
     browser::frmPinball window(catalogue, prompts);
     prompts.SetOwner(&window);
     const auto shell = platform::MakeShell();
@@ -76,6 +89,7 @@ int RunProgram(const QString& folder_argument) {
     app::Commands commands(catalogue, prompts, {*shell, *programs, *sounds, *windows}, window);
     window.Load();
     window.show();
+    if (selects) window.SelectTable(app::IsGiven(given));
     window.AskForWhatIsMissing();
     return QApplication::exec();
 }
@@ -91,5 +105,5 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(dialogs::ApplicationTitle());
     QApplication::setDesktopFileName(QStringLiteral("tavolo"));
     SetAppearance();
-    return RunProgram(arguments.folder);
+    return RunProgram(arguments);
 }

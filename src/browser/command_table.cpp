@@ -48,6 +48,11 @@ constexpr MenuItem kHelp[] = {
     {u"mnuAbout", u"&About", &A::show_about},
 };
 
+constexpr MenuItem kData[] = {
+    {u"mnuExportTables", u"&Export...", &A::export_tables},
+    {u"mnuImportTables", u"&Import...", &A::import_tables, EnabledWhen::kRulesTextIsNotShown},
+};
+
 constexpr MenuItem kPopup[] = {
     {u"mnumnu", u"Menu"},
     kSeparator,
@@ -63,7 +68,7 @@ constexpr MenuItem kPopup[] = {
 constexpr MenuLayout kMenus[] = {
     {kFileMenu, u"&File", kFile},          {kUtilitiesMenu, u"&Utilities", kUtilities},
     {kOptionsMenu, u"&Options", kOptions}, {kHelpMenu, u"&Help", kHelp},
-    {kPopupMenu, u"Popup", kPopup},
+    {kDataMenu, u"&Data", kData},          {kPopupMenu, u"Popup", kPopup},
 };
 
 }  // namespace

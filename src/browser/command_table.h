@@ -36,6 +36,8 @@ struct CommandActions {
     Action toggle_favorites{};
     Action load_picture{};
     Action view_table_info{};
+    Action export_tables{};
+    Action import_tables{};
 };
 
 // Identifies a command by its action; nullptr: no command.
@@ -76,6 +78,7 @@ inline constexpr QStringView kFileMenu = u"mnuFile";
 inline constexpr QStringView kUtilitiesMenu = u"mnuUtilities";
 inline constexpr QStringView kOptionsMenu = u"mnuOptions";
 inline constexpr QStringView kHelpMenu = u"mnuHelp";
+inline constexpr QStringView kDataMenu = u"mnuData";
 inline constexpr QStringView kPopupMenu = u"mnufavorites";  // the tree's
 
 // The menus of the menu bar in their order, followed by the tree's pop-up menu.

@@ -302,6 +302,7 @@ void frmPinball::LockForEdit(bool changed) {
     cmdPlay_->setEnabled(enabled);
     menu_->SetMenuEnabled(kFileMenu, enabled);
     menu_->SetMenuEnabled(kUtilitiesMenu, enabled);
+    menu_->SetMenuEnabled(kDataMenu, enabled);
 }
 
 bool frmPinball::IsNormal() const {

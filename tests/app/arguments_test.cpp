@@ -27,6 +27,14 @@ TEST(ArgumentsTest, AnUnknownWordIsAnError) {
     EXPECT_EQ(Parse("--help --fast").error, QStringLiteral("unknown argument: --fast"));
 }
 
+TEST(ArgumentsTest, OneFileOrFolderCanBeGiven) {
+    EXPECT_EQ(Parse("/t/a.vpt").tables, QStringLiteral("/t/a.vpt"));
+    EXPECT_EQ(Parse("--folder /c -- --a.vpt").tables, QStringLiteral("--a.vpt"));
+    EXPECT_EQ(Parse("a b").error, QStringLiteral("only one file or folder can be given"));
+    EXPECT_EQ(ParseArguments({QString()}).error,
+              QStringLiteral("the name of a file or folder is empty"));
+}
+
 TEST(ArgumentsTest, HelpAndVersionAreKnown) {
     EXPECT_TRUE(Parse("--help").help);
     EXPECT_TRUE(Parse("--version").version);

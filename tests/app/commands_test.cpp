@@ -2,6 +2,7 @@
 // fake world outside.
 #include "app/commands.h"
 
+#include "app/given_tables.h"
 #include "browser/command_table.h"
 #include "browser/tree_fixture.h"
 #include "catalogue/program_files.h"
@@ -10,12 +11,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
 #include <QtGui/QClipboard>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QTreeView>
 
 #include <algorithm>
@@ -294,6 +298,69 @@ TEST_F(CommandsTest, ResetTimesPlayedShowsInTheDetails) {
     Run(u"mnuResetTimes");
     Select(0);
     EXPECT_EQ(Scalar(S(u"Select max(TimesPlayed) from Tables")), S(u"0"));
+}
+
+TEST_F(CommandsTest, AGivenFileIsAddedAndSelected) {
+    ASSERT_TRUE(QDir(folder.path()).mkpath(S(u"given")));
+    const QString file = MakeFile(S(u"given/New.vpt"));
+    Execute(S(u"Update Tables set Favorite = true where DisplayName = 'Alpha'"));
+    window->findChild<QComboBox*>(S(u"cboFilter"))->setCurrentIndex(2);
+    window->RefreshTree();
+    ASSERT_TRUE(AddGivenTables(catalogue, file).ok());
+    EXPECT_TRUE(window->SelectTable(IsGiven(file)));
+    EXPECT_EQ(window->SelectedTag(), file);
+    // A folder brings its tables and selects the first; what is there is not added again.
+    const QString folder_of_it = QFileInfo(file).path();
+    MakeFile(S(u"given/Other.vpt"));
+    ASSERT_TRUE(AddGivenTables(catalogue, folder_of_it).ok());
+    EXPECT_EQ(Scalar(S(u"Select count(*) from Tables")), S(u"4"));
+    EXPECT_TRUE(window->SelectTable(IsGiven(folder_of_it)));
+    EXPECT_FALSE(window->SelectTable(IsGiven(S(u"/none.vpt"))));
+    EXPECT_EQ(AddGivenTables(catalogue, S(u"/none.vpt")).number(), 53);
+    EXPECT_EQ(AddGivenTables(catalogue, DatabasePath()).code(), base::StatusCode::kInvalidArgument);
+}
+
+TEST_F(CommandsTest, WhatTheTreeShowsGoesOutAndComesInAgain) {
+    const QString file = folder.filePath(S(u"out.csv"));
+    prompts.files = {file};
+    Run(u"mnuExportTables");
+    EXPECT_EQ(prompts.messages.back().text, S(u"2 tables exported to:\n") + file);
+    Execute(S(u"Delete from Tables where DisplayName = 'Beta'"));
+    window->RefreshTree();
+    prompts.files = {file};
+    Run(u"mnuImportTables");
+    EXPECT_EQ(prompts.messages.back().text,
+              S(u"1 tables will be added and 0 changed.\nAre you sure you want to continue?"));
+    EXPECT_EQ(prompts.messages.back().buttons, platform::MessageButtons::kYesNo);
+    EXPECT_EQ(Tree()->model()->rowCount(Tree()->model()->index(0, 0)), 2);
+}
+
+TEST_F(CommandsTest, AnImportThatIsNotWantedChangesNothing) {
+    const QString file = folder.filePath(S(u"in.csv"));
+    QFile content(file);
+    ASSERT_TRUE(content.open(QIODevice::WriteOnly));
+    content.write("FileName,Author\n/new.vpt,Somebody\n");
+    content.close();
+    prompts.files = {file};
+    prompts.answers = {platform::MessageAnswer::kNo};
+    Run(u"mnuImportTables");
+    EXPECT_EQ(Scalar(S(u"Select count(*) from Tables")), S(u"2"));
+    // Nor does one that cannot be taken.
+    ASSERT_TRUE(content.open(QIODevice::WriteOnly));
+    content.write("ID,TimesPlayed\n1,often\n");
+    content.close();
+    prompts.files = {file};
+    Run(u"mnuImportTables");
+    EXPECT_EQ(prompts.messages.back().text,
+              S(u"Nothing was imported:\nline 2: TimesPlayed: \"often\" is not a number"));
+}
+
+TEST_F(CommandsTest, AnEmptyTreeIsNotExported) {
+    Execute(S(u"Delete from Tables"));
+    window->RefreshTree();
+    Run(u"mnuExportTables");
+    EXPECT_EQ(prompts.messages.back().text, S(u"There is no table to export"));
+    EXPECT_TRUE(prompts.dialogs.empty());
 }
 
 TEST_F(CommandsTest, BackupMakesItsCopy) {

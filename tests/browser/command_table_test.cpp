@@ -21,13 +21,13 @@ QStringList Lines(const MenuLayout& menu) {
     return lines;
 }
 
-TEST(CommandTableTest, TheBarHoldsFourMenusAndTheTreeOne) {
+TEST(CommandTableTest, TheBarHoldsFiveMenusAndTheTreeOne) {
     QStringList titles;
     for (const MenuLayout& menu : Menus())
         titles.append(menu.name.toString() + u' ' + menu.caption.toString());
     EXPECT_EQ(titles.join(u'\n').toStdString(),
               "mnuFile &File\nmnuUtilities &Utilities\nmnuOptions &Options\nmnuHelp &Help\n"
-              "mnufavorites Popup");
+              "mnuData &Data\nmnufavorites Popup");
 }
 
 TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
@@ -60,6 +60,8 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuHelpContents &Contents\n"
                                              "-\n"
                                              "mnuAbout &About\n"
+                                             "mnuExportTables &Export...\n"
+                                             "mnuImportTables &Import...\n"
                                              "mnumnu Menu\n"
                                              "-\n"
                                              "mnuPlay &Play\n"
