@@ -133,9 +133,26 @@ public:
         sorted_.clear();
         return base::Status::Ok();
     }
+    base::Status Update(std::span<const jet::RowId> rows, const jet::RowUpdate& update) override {
+        std::vector<jet::Value> new_values(update.columns.size());
+        for (const jet::RowId row : rows) {
+            RETURN_IF_ERROR(Read(row, update.read, update.values));
+            RETURN_IF_ERROR(update.make(new_values));
+            std::vector<jet::ColumnChange> changes;
+            for (std::size_t i = 0; i < new_values.size(); ++i)
+                changes.push_back({update.columns[i], new_values[i]});
+            RETURN_IF_ERROR(Update(row, changes));
+        }
+        return base::Status::Ok();
+    }
     base::Status Delete(jet::RowId row) override {
         return rows().erase(row) == 1 ? base::Status::Ok()
                                       : jet::JetError(jet::ErrorNumber::kRecordDeleted);
+    }
+    base::Status Delete(std::span<const jet::RowId> rows) override {
+        for (const jet::RowId row : rows)
+            this->rows().erase(row);
+        return base::Status::Ok();
     }
 
 private:

@@ -162,4 +162,29 @@ bool RemoveInPlace(std::span<std::byte> page, const Format& format, const IndexP
     return true;
 }
 
+// The first of them is written whole, as the others leave out its prefix.
+void KeepEntries(std::span<std::byte> page, const Format& format, const IndexPageView& view,
+                 std::span<const std::uint16_t> positions) {
+    const std::span area = page.subspan(format.index_entries_offset);
+    Bytes first;
+    view.CopyEntry(positions.front(), first);
+    std::vector<std::size_t> ends{first.size()};
+    // What moves goes towards the front, behind what was moved before; the first entry may be
+    // longer than what stood before the second, but never reaches it: what it gained was the
+    // prefix, which stood in an entry before it.
+    std::size_t used = first.size();
+    for (const std::uint16_t position : positions.subspan(1)) {
+        const std::size_t start = view.End(position - 1U);
+        const std::size_t size = view.End(position) - start;
+        std::memmove(area.data() + used, area.data() + start, size);
+        used += size;
+        ends.push_back(used);
+    }
+    std::ranges::copy(first, area.begin());
+    std::ranges::fill(area.subspan(used, view.used_bytes() - used), std::byte{0});
+    RewriteMask(page, format, ends);
+    SetUsed(page, format, used);
+    page[format.index_level_offset] = std::byte{0};
+}
+
 }  // namespace jet

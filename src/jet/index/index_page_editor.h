@@ -44,11 +44,20 @@ inline bool IsSparse(std::size_t used_bytes, const Format& format) {
     return used_bytes < IndexRoom(format) / 3;
 }
 
+// What two neighbours hold fits one page, and leaves it room for the next entries.
+inline bool ShouldMerge(const IndexPageImage& joined, const Format& format) {
+    return joined.EncodedBytes(format) <= IndexRoom(format) * 5 / 6;
+}
+
 // `view` is of `page`, a leaf. False: it cannot be done without rewriting the page, which is
 // unchanged.
 bool InsertInPlace(std::span<std::byte> page, const Format& format, const IndexPageView& view,
                    std::size_t position, std::span<const std::byte> entry);
 bool RemoveInPlace(std::span<std::byte> page, const Format& format, const IndexPageView& view,
                    std::size_t position);
+// Leaves on the page, a leaf, the entries at `positions` alone, which ascend. Requires: one at
+// least. `view` is of an older copy of the same content.
+void KeepEntries(std::span<std::byte> page, const Format& format, const IndexPageView& view,
+                 std::span<const std::uint16_t> positions);
 
 }  // namespace jet

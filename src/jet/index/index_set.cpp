@@ -33,18 +33,22 @@ Bytes IndexSet::KeyOf(std::size_t index, std::span<const Value> values) const {
     return key;
 }
 
-base::Result<IndexSet::Keys> IndexSet::KeysOf(std::span<const Value> values) const {
-    Keys keys(trees_.size());
-    for (std::size_t index = 0; index < trees_.size(); ++index) {
-        const RealIndex& real = definition_.real_indexes[index];
-        const bool all_null = std::ranges::all_of(
-            columns_[index], [&](std::size_t column) { return values[column].is_null(); });
-        if (real.ignore_nulls() && all_null) continue;
-        Bytes& key = keys[index].emplace();
-        for (std::size_t i = 0; i < columns_[index].size(); ++i)
-            AppendKeyPart(file_, definition_.columns[columns_[index][i]], real.columns[i].ascending,
-                          values[columns_[index][i]], key);
-    }
+std::optional<Bytes> IndexSet::RowKeyOf(std::size_t index, std::span<const Value> values) const {
+    const RealIndex& real = definition_.real_indexes[index];
+    const std::vector<std::size_t>& columns = columns_[index];
+    const auto is_null = [&](std::size_t column) { return values[column].is_null(); };
+    if (real.ignore_nulls() && std::ranges::all_of(columns, is_null)) return std::nullopt;
+    Bytes key;
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        AppendKeyPart(file_, definition_.columns[columns[i]], real.columns[i].ascending,
+                      values[columns[i]], key);
+    return key;
+}
+
+IndexSet::Keys IndexSet::KeysOf(std::span<const Value> values) const {
+    Keys keys;
+    for (std::size_t index = 0; index < trees_.size(); ++index)
+        keys.push_back(RowKeyOf(index, values));
     return keys;
 }
 

@@ -19,7 +19,8 @@ public:
     // A row's key in each index; nullopt: it has no entry there. `values` go with
     // definition.columns.
     using Keys = std::vector<std::optional<Bytes>>;
-    base::Result<Keys> KeysOf(std::span<const Value> values) const;
+    Keys KeysOf(std::span<const Value> values) const;
+    std::optional<Bytes> RowKeyOf(std::size_t index, std::span<const Value> values) const;
 
     // 3058: a null where none may be; 3022: some other row than `row` has the key.
     base::Status Check(std::size_t index, const std::optional<Bytes>& key,

@@ -9,6 +9,7 @@
 
 #include "jet/index/index_page_editor.h"
 #include "jet/rows/file_context.h"
+#include "jet/rows/row_set.h"
 #include "jet/rows/table_definition.h"
 
 #include <array>
@@ -47,6 +48,8 @@ public:
     // Finds the row's entry whatever its key is, by a scan of the leaves; for entries whose key was
     // made by other rules.
     base::Result<bool> RemoveByScan(RowId row);
+    // Removes every entry of these rows, whatever its key, in one pass over all leaves.
+    base::Status Remove(const RowSet& rows);
     // Frees all pages but the root, which becomes an empty leaf.
     base::Status Clear();
     // Makes the root page an empty leaf.
@@ -124,8 +127,42 @@ private:
                                                      std::size_t left) const;
     base::Status Merge(Path path, Neighbours& neighbours);
     base::Status Redistribute(Path path, Neighbours& neighbours);
+    // Both write the two children and change `parent`, which is not written.
+    base::Status MergeChildren(IndexPageImage& parent, std::size_t left,
+                               const IndexPageImage& joined);
+    // False: the entries do not part well; nothing was changed.
+    base::Result<bool> ShareEntries(IndexPageImage& parent, std::size_t left,
+                                    const IndexPageImage& joined);
     // A node that has lost children; `path` leads to it.
     base::Status WriteShrunkNode(Path path, PageNumber page, const IndexPageImage& image);
+
+    // Removal of many rows: a page below which it is done, and what it left of a page.
+    struct Pruning {
+        const RowSet& rows;
+        std::vector<bool> seen;  // pages, so that a damaged tree has an end
+        // Sparse pages that were the only child of their node: they have neighbours when that one
+        // is balanced itself. Lower ones come first.
+        std::vector<PageNumber> lonely = {};
+    };
+    struct Remains {
+        PageNumber page;
+        Bytes last;  // of the entries below it; empty: the same as before
+        bool is_sparse = false;
+    };
+    // What takes the place of `page`: nothing (the page is freed), the page, or more when the keys
+    // of a node have become longer. The root stays. `is_last`: of its level.
+    base::Result<std::vector<Remains>> Prune(PageNumber page, std::uint8_t level, bool is_last,
+                                             Pruning& pruning);
+    base::Result<std::vector<Remains>> PruneLeaf(PageNumber page, const RowSet& rows);
+    base::Result<std::vector<Remains>> PruneNode(PageNumber page, std::uint8_t level, bool is_last,
+                                                 Pruning& pruning);
+    base::Status BalanceChildren(IndexPageImage& parent, std::vector<bool>& are_sparse,
+                                 bool is_last);
+    base::Result<bool> BalanceChild(IndexPageImage& parent, std::vector<bool>& are_sparse,
+                                    std::size_t child, bool is_last);
+    base::Status BalanceLonely(PageNumber page);
+    base::Result<std::vector<Remains>> SplitPruned(PageNumber page, const IndexPageImage& image);
+    base::Result<std::vector<Remains>> DropPage(PageNumber page, const IndexPageImage& links);
 
     FileContext& file_;
     PageNumber table_;

@@ -10,10 +10,6 @@
 namespace jet {
 namespace {
 
-std::size_t MergedBytes(const Format& format) {
-    return IndexRoom(format) * 5 / 6;
-}
-
 void SetChild(IndexPageImage& node, std::size_t position, PageNumber page) {
     if (position >= node.entries.size()) {
         node.tail = page;
@@ -59,7 +55,7 @@ base::Status IndexTree::Balance(Path path, PageNumber page) {
         if (left >= best.parent.entries.size()) continue;  // there is no neighbour on that side
         ASSIGN_OR_RETURN(auto joined, Join(best.parent, left));
         if (!joined) continue;
-        const bool merge = joined->EncodedBytes(file_.format) <= MergedBytes(file_.format);
+        const bool merge = ShouldMerge(*joined, file_.format);
         if (found && !merge) continue;
         found = true;
         best.left = left;
@@ -73,32 +69,36 @@ base::Status IndexTree::Balance(Path path, PageNumber page) {
     return may_stay_sparse ? base::Status() : Redistribute(std::move(path), best);
 }
 
-base::Status IndexTree::Merge(Path path, Neighbours& neighbours) {
-    IndexPageImage& parent = neighbours.parent;
-    const PageNumber kept = parent.Child(neighbours.left);
-    const PageNumber gone = parent.Child(neighbours.left + 1);
-    RETURN_IF_ERROR(SetLink(neighbours.joined.next, IndexLink::kPrevious, kept));
-    RETURN_IF_ERROR(WriteImage(kept, neighbours.joined));
+base::Status IndexTree::MergeChildren(IndexPageImage& parent, std::size_t left,
+                                      const IndexPageImage& joined) {
+    const PageNumber kept = parent.Child(left);
+    const PageNumber gone = parent.Child(left + 1);
+    RETURN_IF_ERROR(SetLink(joined.next, IndexLink::kPrevious, kept));
+    RETURN_IF_ERROR(WriteImage(kept, joined));
     RETURN_IF_ERROR(FreePage(gone));
-    SetChild(parent, neighbours.left + 1, kept);
-    parent.entries.erase(parent.entries.begin() + static_cast<std::ptrdiff_t>(neighbours.left));
-    return WriteShrunkNode(std::move(path), neighbours.parent_page, parent);
+    SetChild(parent, left + 1, kept);
+    parent.entries.erase(parent.entries.begin() + static_cast<std::ptrdiff_t>(left));
+    return {};
 }
 
-base::Status IndexTree::Redistribute(Path path, Neighbours& neighbours) {
-    IndexPageImage& parent = neighbours.parent;
-    const IndexPageImage& joined = neighbours.joined;
-    const PageNumber left = parent.Child(neighbours.left);
-    const PageNumber right = parent.Child(neighbours.left + 1);
+base::Status IndexTree::Merge(Path path, Neighbours& neighbours) {
+    RETURN_IF_ERROR(MergeChildren(neighbours.parent, neighbours.left, neighbours.joined));
+    return WriteShrunkNode(std::move(path), neighbours.parent_page, neighbours.parent);
+}
+
+base::Result<bool> IndexTree::ShareEntries(IndexPageImage& parent, std::size_t at,
+                                           const IndexPageImage& joined) {
+    const PageNumber left = parent.Child(at);
+    const PageNumber right = parent.Child(at + 1);
     std::vector<Bytes> lasts;
-    if (!joined.is_leaf() && joined.entries.size() < 3) return {};
+    if (!joined.is_leaf() && joined.entries.size() < 3) return false;
     std::vector<IndexPageImage> halves = joined.is_leaf()
                                              ? SplitLeaf(joined, false, file_.format)
                                              : SplitNode(joined, false, file_.format, lasts);
     // Entries of very different lengths may not part well; then the pages stay as they are.
     for (const IndexPageImage& half : halves)
         if (halves.size() != 2 || half.EncodedBytes(file_.format) > IndexRoom(file_.format))
-            return {};
+            return false;
     if (joined.is_leaf()) lasts = {halves[0].entries.back()};
     halves[0].level = halves[1].level = joined.level;
     halves[0].previous = joined.previous;
@@ -107,7 +107,15 @@ base::Status IndexTree::Redistribute(Path path, Neighbours& neighbours) {
     halves[1].next = joined.next;
     RETURN_IF_ERROR(WriteImage(left, halves[0]));
     RETURN_IF_ERROR(WriteImage(right, halves[1]));
-    parent.entries[neighbours.left] = NodeEntry(lasts[0], left);
+    parent.entries[at] = NodeEntry(lasts[0], left);
+    return true;
+}
+
+base::Status IndexTree::Redistribute(Path path, Neighbours& neighbours) {
+    IndexPageImage& parent = neighbours.parent;
+    ASSIGN_OR_RETURN(const bool is_shared,
+                     ShareEntries(parent, neighbours.left, neighbours.joined));
+    if (!is_shared) return {};
     if (parent.EncodedBytes(file_.format) <= IndexRoom(file_.format))
         return WriteImage(neighbours.parent_page, parent);
     return Split(std::move(path), neighbours.parent_page, parent, false);

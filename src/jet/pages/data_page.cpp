@@ -117,4 +117,26 @@ void DataPageEditor::Replace(std::size_t slot, std::span<const std::byte> row,
     UpdateHead();
 }
 
+// The rows that stay move up, each once.
+void DataPageEditor::Delete(std::span<const std::uint8_t> slots) {
+    if (slots.empty()) return;
+    std::size_t old_end = End(slots.front());
+    std::size_t end = old_end;
+    std::size_t next = 0;  // of `slots`
+    for (std::size_t slot = slots.front(); slot < slot_count_; ++slot) {
+        const std::size_t start = Start(slot);
+        const std::size_t size = old_end - start;
+        old_end = start;
+        if (next < slots.size() && slots[next] == slot) {
+            ++next;
+            SetWord(slot, end, kSlotDeleted);
+            continue;
+        }
+        end -= size;
+        if (end != start) std::memmove(bytes_.data() + end, bytes_.data() + start, size);
+        SetWord(slot, end, Flags(slot));
+    }
+    UpdateHead();
+}
+
 }  // namespace jet

@@ -69,7 +69,9 @@ public:
     std::uint8_t Append(std::span<const std::byte> row, std::uint16_t flags);
     // Gives a slot new bytes and flags. Requires: row.size() <= SlotBytes(slot) + free_bytes().
     void Replace(std::size_t slot, std::span<const std::byte> row, std::uint16_t flags);
-    void Delete(std::size_t slot) { Replace(slot, {}, kSlotDeleted); }
+    // Requires: slots of the page, ascending.
+    void Delete(std::span<const std::uint8_t> slots);
+    void Delete(std::uint8_t slot) { Delete(std::span(&slot, 1)); }
 
 private:
     DataPageEditor(std::span<std::byte> bytes, const Format& format, std::size_t slot_count)

@@ -1,7 +1,6 @@
 #include "jet/rows/row_fetch.h"
 
 #include "jet/errors.h"
-#include "jet/pages/data_page.h"
 
 namespace jet {
 namespace {
@@ -32,19 +31,26 @@ base::Result<StoredRow> FollowMovedRow(FileContext& file, PageNumber table,
 }
 
 base::Result<StoredRow> FetchRow(FileContext& file, PageNumber table, RowId row) {
-    if (row.page == 0 || row.page >= file.store.page_count())
+    return RowFetcher(file, table).Fetch(row);
+}
+
+base::Result<StoredRow> RowFetcher::Fetch(RowId row) {
+    if (row.page == 0 || row.page >= file_.store.page_count())
         return JetError(ErrorNumber::kRecordDeleted);
-    ASSIGN_OR_RETURN(PageView view, file.store.Read(row.page));
-    const auto page = DataPage::Parse(view.bytes(), file.format);
-    if (!page || page->owner() != table || row.slot >= page->slot_count())
-        return JetError(ErrorNumber::kRecordDeleted);
-    const auto bytes = page->Bytes(row.slot);
+    if (row.page != number_) {
+        ASSIGN_OR_RETURN(view_, file_.store.Read(row.page));
+        number_ = row.page;
+        page_ = DataPage::Parse(view_.bytes(), file_.format);
+        if (page_ && page_->owner() != table_) page_.reset();
+    }
+    if (!page_ || row.slot >= page_->slot_count()) return JetError(ErrorNumber::kRecordDeleted);
+    const auto bytes = page_->Bytes(row.slot);
     if (!bytes) return DamagedPage(row.page, "a row lies outside of the page");
-    switch (page->Flags(row.slot)) {
+    switch (page_->Flags(row.slot)) {
     case 0:
-        return StoredRow{std::move(view), *bytes, row};
+        return StoredRow{view_, *bytes, row};
     case kSlotMoved:
-        return FollowMovedRow(file, table, *bytes);
+        return FollowMovedRow(file_, table_, *bytes);
     default:
         return JetError(ErrorNumber::kRecordDeleted);
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "jet/ids.h"
+#include "jet/pages/data_page.h"
 #include "jet/rows/file_context.h"
 
 namespace jet {
@@ -15,6 +16,21 @@ struct StoredRow {
 
 // 3167: no live row there.
 base::Result<StoredRow> FetchRow(FileContext& file, PageNumber table, RowId row);
+
+// The same for many rows, of which those on one page come one after the other. Requires: nothing
+// changes the table's pages meanwhile.
+class RowFetcher {
+public:
+    RowFetcher(FileContext& file, PageNumber table) : file_(file), table_(table) {}
+    base::Result<StoredRow> Fetch(RowId row);
+
+private:
+    FileContext& file_;
+    PageNumber table_;
+    PageNumber number_ = 0;  // of the page at hand; 0: none
+    PageView view_;
+    std::optional<DataPage> page_;  // nullopt: not one of the table
+};
 
 // Follows a moved row from its pointer bytes. Damage is kCorruption.
 base::Result<StoredRow> FollowMovedRow(FileContext& file, PageNumber table,

@@ -134,33 +134,55 @@ base::Result<bool> RowPages::Replace(RowId row, std::span<const std::byte> bytes
     return true;
 }
 
-base::Status RowPages::Delete(RowId row) {
-    ASSIGN_OR_RETURN(DataPageEditor editor, Edit(row.page));
-    if (row.slot >= editor.slot_count()) return DamagedPage(row.page, "a row is missing");
-    editor.Delete(row.slot);
-    const bool empty = [&] {
-        for (std::size_t slot = 0; slot < editor.slot_count(); ++slot)
-            if (editor.Flags(slot) != kSlotDeleted) return false;
-        return true;
-    }();
+base::Status RowPages::Delete(std::span<const RowId> rows) {
     if (!candidates_) {
         ASSIGN_OR_RETURN(candidates_, file_.Map(free_).Members());
     }
-    if (!empty) {
-        if (editor.slot_count() >= kMaxSlots || editor.free_bytes() < file_.format.page_size / 8)
-            return {};
-        ASSIGN_OR_RETURN(const bool hinted, file_.Map(free_).Contains(row.page));
-        if (hinted) return {};
-        if (!free_.none() || std::ranges::find(*candidates_, row.page) == candidates_->end())
-            candidates_->push_back(row.page);
-        return file_.Map(free_).Add(row.page, file_.allocator);
+    std::vector<PageNumber> given_back;
+    std::vector<std::uint8_t> slots;
+    for (std::size_t i = 0; i < rows.size();) {
+        const PageNumber page = rows[i].page;
+        slots.clear();
+        for (; i < rows.size() && rows[i].page == page; ++i)
+            slots.push_back(rows[i].slot);
+        ASSIGN_OR_RETURN(const bool is_empty, DeleteOnPage(page, slots));
+        if (is_empty) given_back.push_back(page);
     }
-    std::erase(*candidates_, row.page);
-    RETURN_IF_ERROR(file_.Map(free_).Remove(row.page));
-    ASSIGN_OR_RETURN(const bool owned, file_.Map(owned_).Contains(row.page));
+    if (given_back.empty()) return {};
+    std::erase_if(*candidates_,
+                  [&](PageNumber page) { return std::ranges::binary_search(given_back, page); });
+    return {};
+}
+
+base::Result<bool> RowPages::DeleteOnPage(PageNumber page, std::span<const std::uint8_t> slots) {
+    ASSIGN_OR_RETURN(DataPageEditor editor, Edit(page));
+    if (slots.back() >= editor.slot_count()) return DamagedPage(page, "a row is missing");
+    editor.Delete(slots);
+    for (std::size_t slot = 0; slot < editor.slot_count(); ++slot) {
+        if (editor.Flags(slot) == kSlotDeleted) continue;
+        const bool has_room =
+            editor.slot_count() < kMaxSlots && editor.free_bytes() >= file_.format.page_size / 8;
+        if (has_room) RETURN_IF_ERROR(HintAtRoom(page));
+        return false;
+    }
+    RETURN_IF_ERROR(GiveBack(page));
+    return true;
+}
+
+base::Status RowPages::HintAtRoom(PageNumber page) {
+    ASSIGN_OR_RETURN(const bool hinted, file_.Map(free_).Contains(page));
+    if (hinted) return {};
+    if (!free_.none() || std::ranges::find(*candidates_, page) == candidates_->end())
+        candidates_->push_back(page);
+    return file_.Map(free_).Add(page, file_.allocator);
+}
+
+base::Status RowPages::GiveBack(PageNumber page) {
+    RETURN_IF_ERROR(file_.Map(free_).Remove(page));
+    ASSIGN_OR_RETURN(const bool owned, file_.Map(owned_).Contains(page));
     if (!owned) return {};
-    RETURN_IF_ERROR(file_.Map(owned_).Remove(row.page));
-    return file_.allocator.Free(row.page);
+    RETURN_IF_ERROR(file_.Map(owned_).Remove(page));
+    return file_.allocator.Free(page);
 }
 
 }  // namespace jet

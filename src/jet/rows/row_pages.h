@@ -24,7 +24,9 @@ public:
     base::Result<RowId> AddAlone(std::span<const std::byte> row);
     // False: the page has no room for it; nothing was changed.
     base::Result<bool> Replace(RowId row, std::span<const std::byte> bytes, std::uint16_t flags);
-    base::Status Delete(RowId row);
+    // Requires: they ascend, each once.
+    base::Status Delete(std::span<const RowId> rows);
+    base::Status Delete(RowId row) { return Delete(std::span(&row, 1)); }
     // Drops what is cached about pages with room. Call after a rollback.
     void Forget();
 
@@ -34,6 +36,10 @@ private:
     base::Result<std::optional<PageNumber>> FindForgottenPage(std::size_t bytes);
     base::Result<PageNumber> NewPage(bool with_room);
     base::Result<DataPageEditor> Edit(PageNumber page);
+    // True: no row is left, and the page is given back.
+    base::Result<bool> DeleteOnPage(PageNumber page, std::span<const std::uint8_t> slots);
+    base::Status HintAtRoom(PageNumber page);
+    base::Status GiveBack(PageNumber page);
 
     FileContext& file_;
     RowPointer owned_;

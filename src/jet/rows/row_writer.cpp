@@ -1,9 +1,12 @@
 #include "jet/rows/row_writer.h"
 
 #include "jet/errors.h"
+#include "jet/pages/bit_set_view.h"
 #include "jet/pages/data_page.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/row_fetch.h"
+
+#include <algorithm>
 
 namespace jet {
 namespace {
@@ -11,6 +14,28 @@ namespace {
 bool IsInline(const RowField& field) {
     return field.set && field.bytes.size() > kLongValueHead &&
            (base::LoadLittle<std::uint32_t>(field.bytes.data()) & kLongValueInline) != 0;
+}
+
+// Where a field's bytes stand in a row; as many as the new ones. nullopt: it is another number.
+std::optional<std::span<const std::byte>>
+PlaceOf(const RowView& row, const ColumnDefinition& column, const RowField& field) {
+    if (column.number >= row.column_count()) return std::nullopt;
+    if (column.type == ColumnType::kBoolean) return std::span<const std::byte>();
+    if (column.is_fixed()) return row.Fixed(column.fixed_offset, column.length);
+    if (row.Bit(column.number) != field.set) return std::nullopt;
+    if (!field.set) return std::span<const std::byte>();
+    const auto place = row.Variable(column.variable_index);
+    return place && place->size() == field.bytes.size() ? place : std::nullopt;
+}
+
+void PatchField(std::span<std::byte> row, const RowView& view, const ColumnDefinition& column,
+                std::span<const std::byte> place, const RowField& field) {
+    AssignBit(row.last((view.column_count() + 7) / 8), column.number, field.set);
+    if (place.empty()) return;
+    const auto to = row.subspan(static_cast<std::size_t>(place.data() - row.data()), place.size());
+    const auto kept = std::min(field.bytes.size(), to.size());
+    std::ranges::copy(std::span(field.bytes).first(kept), to.begin());
+    std::ranges::fill(to.subspan(kept), std::byte{0});
 }
 
 }  // namespace
@@ -107,6 +132,25 @@ base::Status RowWriter::Update(RowId row, std::span<const Value> values,
     return Place(row, stored.at, bytes);
 }
 
+base::Result<bool> RowWriter::Patch(std::span<std::byte> row, std::span<const std::size_t> columns,
+                                    std::span<const Value> values) {
+    const auto view = RowView::Parse(row, file_.format);
+    if (!view) return false;
+    std::vector<RowField> fields(columns.size());
+    std::vector<std::span<const std::byte>> places(columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const ColumnDefinition& column = definition_.columns[columns[i]];
+        if (column.is_long_value()) return false;
+        ASSIGN_OR_RETURN(fields[i], MakeField(column, values[i]));
+        const auto place = PlaceOf(*view, column, fields[i]);
+        if (!place) return false;
+        places[i] = *place;
+    }
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        PatchField(row, *view, definition_.columns[columns[i]], places[i], fields[i]);
+    return true;
+}
+
 // Puts the new bytes of a row where there is room: where they are, at home, or on another page, to
 // which the row's own slot then points. Never more than one hop.
 base::Status RowWriter::Place(RowId row, RowId at, std::span<const std::byte> bytes) {
@@ -128,14 +172,40 @@ base::Status RowWriter::Place(RowId row, RowId at, std::span<const std::byte> by
     return was_moved ? pages_.Delete(at) : base::Status();
 }
 
+base::Status RowWriter::FreeLongValues(std::span<const std::byte> row) {
+    if (long_values_.empty()) return {};
+    const auto view = RowView::Parse(row, file_.format);
+    if (!view) return {};
+    for (const ColumnDefinition& column : definition_.columns)
+        RETURN_IF_ERROR(FreeLongValue(column, *view));
+    return {};
+}
+
 base::Status RowWriter::Delete(RowId row) {
     ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
-    if (const auto view = RowView::Parse(stored.bytes, file_.format)) {
-        for (const ColumnDefinition& column : definition_.columns)
-            RETURN_IF_ERROR(FreeLongValue(column, *view));
-    }
+    RETURN_IF_ERROR(FreeLongValues(stored.bytes));
     if (stored.at != row) RETURN_IF_ERROR(pages_.Delete(stored.at));
     return pages_.Delete(row);
+}
+
+base::Result<std::size_t> RowWriter::Delete(const RowSet& rows) {
+    std::size_t count = 0;
+    std::vector<RowId> slots;  // of the rows, and where those are that were moved
+    slots.reserve(rows.rows().size());
+    RowFetcher fetcher(file_, definition_.page);
+    for (const RowId row : rows.rows()) {
+        const auto stored = fetcher.Fetch(row);
+        if (Is(stored.status(), ErrorNumber::kRecordDeleted)) continue;
+        if (!stored.ok()) return stored.status();
+        RETURN_IF_ERROR(FreeLongValues(stored->bytes));
+        ++count;
+        slots.push_back(row);
+        if (stored->at != row) slots.push_back(stored->at);
+    }
+    std::ranges::sort(slots);
+    slots.erase(std::unique(slots.begin(), slots.end()), slots.end());
+    RETURN_IF_ERROR(pages_.Delete(slots));
+    return count;
 }
 
 }  // namespace jet

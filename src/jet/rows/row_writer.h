@@ -4,6 +4,7 @@
 
 #include "jet/rows/long_value_store.h"
 #include "jet/rows/row_encoder.h"
+#include "jet/rows/row_set.h"
 #include "jet/rows/row_view.h"
 
 #include <map>
@@ -20,7 +21,14 @@ public:
     // `values` and `changed` go with definition.columns; a column that is not changed keeps its
     // bytes.
     base::Status Update(RowId row, std::span<const Value> values, const std::vector<bool>& changed);
+    // Changes columns (positions in definition.columns) where they stand. `row`: the bytes of a row
+    // on a page that the transaction changes. False: it is to be written anew, by Update; nothing
+    // was changed.
+    base::Result<bool> Patch(std::span<std::byte> row, std::span<const std::size_t> columns,
+                             std::span<const Value> values);
     base::Status Delete(RowId row);
+    // Deletes those of the rows that there are, each page once; the answer is how many they were.
+    base::Result<std::size_t> Delete(const RowSet& rows);
     // To be called after a rollback.
     void Forget();
 
@@ -29,6 +37,7 @@ private:
     base::Result<RowField> MakeField(const ColumnDefinition& column, const Value& value);
     base::Result<Bytes> EncodeWithinLimit(std::vector<RowField>& fields);
     base::Status FreeLongValue(const ColumnDefinition& column, const RowView& row);
+    base::Status FreeLongValues(std::span<const std::byte> row);
     base::Status Place(RowId row, RowId at, std::span<const std::byte> bytes);
 
     FileContext& file_;

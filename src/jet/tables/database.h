@@ -14,6 +14,7 @@
 #include "jet/values/value.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -78,6 +79,15 @@ struct ColumnChange {
     Value value;
 };
 
+// A change of many rows: which columns of each row are read, and what comes of them.
+struct RowUpdate {
+    std::span<const std::size_t> read;     // positions in TableDesign::columns
+    std::span<Value> values;               // as many; receives those of one row after the other
+    std::span<const std::size_t> columns;  // that are changed, each once
+    // Makes the new values of `columns` out of `values`; called once for each row, in their order.
+    std::function<base::Status(std::span<Value> new_values)> make;
+};
+
 class Table {
 public:
     virtual ~Table() = default;
@@ -104,7 +114,12 @@ public:
     // (may be null) receives the stored values of autonumber columns in place.
     virtual base::Result<RowId> Insert(std::span<Value> values) = 0;
     virtual base::Status Update(RowId row, std::span<const ColumnChange> changes) = 0;
+    // Updates rows one after the other. Many at once are cheaper than as many single calls.
+    virtual base::Status Update(std::span<const RowId> rows, const RowUpdate& update) = 0;
     virtual base::Status Delete(RowId row) = 0;
+    // Deletes rows one after the other, as far as they are still there: a cascade may have taken
+    // one. Many at once are cheaper than as many single calls.
+    virtual base::Status Delete(std::span<const RowId> rows) = 0;
 };
 
 class Database {

@@ -83,7 +83,7 @@ public:
             if (number < by_number.size()) values[i] = by_number[number];
         }
         ASSIGN_OR_RETURN(const RowId row, rows_.Insert(values));
-        ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+        const IndexSet::Keys keys = indexes_.KeysOf(values);
         for (std::size_t index = 0; index < keys.size(); ++index)
             RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
         ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(table_.page));

@@ -37,7 +37,9 @@ public:
                       std::span<Value> values) override;
     base::Result<RowId> Insert(std::span<Value> values) override;
     base::Status Update(RowId row, std::span<const ColumnChange> changes) override;
+    base::Status Update(std::span<const RowId> rows, const RowUpdate& update) override;
     base::Status Delete(RowId row) override;
+    base::Status Delete(std::span<const RowId> rows) override;
 
     const TableDefinition& definition() const { return definition_; }
     const IndexSet& indexes() const { return indexes_; }
@@ -72,7 +74,24 @@ private:
                             const std::vector<bool>& changed);
     base::Status FillAutonumbers(std::span<Value> shown_values);
     base::Result<std::int32_t> LastAutonumber(std::size_t shown);
-    base::Status CountRow(int change, std::span<const Value> shown_values);
+    base::Status CountRows(std::int64_t change, std::span<const Value> shown_values);
+    // Whether a change of so many rows costs less in a pass over all of them.
+    bool AreMany(std::size_t rows) const;
+    // Whether rows of other tables, or of this one, may refer to rows here.
+    bool IsReferredTo() const;
+
+    // An update of many rows, page by page.
+    struct BulkUpdate;
+    // nullopt: something must be checked row by row, or a pass does not pay.
+    std::optional<BulkUpdate> PlanBulk(std::span<const RowId> rows, const RowUpdate& update) const;
+    base::Status UpdateOneByOne(std::span<const RowId> rows, const RowUpdate& update);
+    base::Status UpdateOnPage(std::span<const RowId> rows, const RowUpdate& update,
+                              BulkUpdate& bulk);
+    // The row's new values, by the columns' own rules. `row` is its bytes, if it is at home.
+    base::Status MakeValues(RowId at, const std::optional<RowView>& row, const RowUpdate& update,
+                            BulkUpdate& bulk);
+    void NoteKeys(RowId at, BulkUpdate& bulk);
+    base::Status ChangeEntries(BulkUpdate& bulk);
     // All columns of a row, in the order of definition_.columns; long values only where an index
     // needs them.
     base::Result<std::vector<Value>> ReadKeyColumns(RowId row);

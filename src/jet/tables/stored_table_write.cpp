@@ -88,11 +88,11 @@ base::Result<std::int32_t> StoredTable::LastAutonumber(std::size_t shown) {
 }
 
 // Rows, and the last autonumber when the row has a larger one.
-base::Status StoredTable::CountRow(int change, std::span<const Value> values) {
+base::Status StoredTable::CountRows(std::int64_t change, std::span<const Value> values) {
     ASSIGN_OR_RETURN(const std::span<std::byte> page, file_.store.Change(definition_.page));
     DefinitionCounters counters = ReadDefinitionCounters(page, file_.format);
-    if (change > 0) ++counters.rows;
-    if (change < 0 && counters.rows > 0) --counters.rows;
+    // Never below 0: what others have counted may be off.
+    counters.rows = static_cast<std::uint32_t>(std::max<std::int64_t>(0, counters.rows + change));
     for (std::size_t i = 0; i < values.size(); ++i) {
         const auto* number = values[i].get_if<std::int32_t>();
         if (!design_.columns[i].autonumber || number == nullptr) continue;
@@ -114,7 +114,7 @@ base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
         stored[positions_[i]] = values[i];
     RETURN_IF_ERROR(CheckRules({}, stored, std::vector<bool>(stored.size(), true)));
 
-    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(stored));
+    const IndexSet::Keys keys = indexes_.KeysOf(stored);
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Check(index, keys[index], stored, {}));
     RETURN_IF_ERROR(CheckParents({}, stored, nullptr));
@@ -122,7 +122,7 @@ base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
     ASSIGN_OR_RETURN(const RowId row, rows_.Insert(stored));
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
-    RETURN_IF_ERROR(CountRow(1, values));
+    RETURN_IF_ERROR(CountRows(1, values));
     return row;
 }
 
@@ -158,8 +158,8 @@ base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
                                         std::vector<bool> changed) {
     RETURN_IF_ERROR(CheckRules(row, values, changed));
     ASSIGN_OR_RETURN(const std::vector<Value> before, ReadKeyColumns(row));
-    ASSIGN_OR_RETURN(const IndexSet::Keys old_keys, indexes_.KeysOf(before));
-    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+    const IndexSet::Keys old_keys = indexes_.KeysOf(before);
+    const IndexSet::Keys keys = indexes_.KeysOf(values);
     for (std::size_t index = 0; index < keys.size(); ++index)
         if (keys[index] != old_keys[index])
             RETURN_IF_ERROR(indexes_.Check(index, keys[index], values, row));
@@ -179,7 +179,7 @@ base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
         shown[i] = values[positions_[i]];
         has_autonumber = true;
     }
-    if (has_autonumber) RETURN_IF_ERROR(CountRow(0, shown));
+    if (has_autonumber) RETURN_IF_ERROR(CountRows(0, shown));
     return ChangeDependants(dependants);
 }
 
@@ -187,11 +187,11 @@ base::Status StoredTable::Delete(RowId row) {
     RETURN_IF_ERROR(CheckWritable());
     ASSIGN_OR_RETURN(const std::vector<Value> values, ReadKeyColumns(row));
     ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, values, {}));
-    ASSIGN_OR_RETURN(const IndexSet::Keys keys, indexes_.KeysOf(values));
+    const IndexSet::Keys keys = indexes_.KeysOf(values);
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Remove(index, keys[index], row));
     RETURN_IF_ERROR(rows_.Delete(row));
-    RETURN_IF_ERROR(CountRow(-1, {}));
+    RETURN_IF_ERROR(CountRows(-1, {}));
     return ChangeDependants(dependants);
 }
 

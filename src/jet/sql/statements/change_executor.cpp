@@ -179,14 +179,6 @@ Status CheckWritable(Session& session, const Table& table) {
     return reason ? *reason : Status::Ok();
 }
 
-Status DeleteFound(Table& table, std::span<const RowId> rows) {
-    for (const RowId row : rows) {
-        Status deleted = table.Delete(row);
-        if (!deleted.ok() && !Is(deleted, ErrorNumber::kRecordDeleted)) return deleted;
-    }
-    return Status::Ok();
-}
-
 // A bare column keeps its type; the truth of an expression is a number.
 Result<Value> StoredValue(const Expression& e, EvalContext& context, const ColumnDesign& column) {
     ASSIGN_OR_RETURN(Value value, Evaluate(e, context));
@@ -227,19 +219,20 @@ Result<std::int64_t> Execute(UpdateStatement& update, Session& session) {
     SourceRows values(1);
     values[0].resize(source.columns.size());
     EvalContext context{&session, &values, nullptr};
+    std::vector<std::size_t> columns;
+    for (const BoundAssignment& assignment : assignments)
+        columns.push_back(assignment.column);
+    const auto make = [&](std::span<Value> new_values) -> Status {
+        for (std::size_t i = 0; i < assignments.size(); ++i) {
+            const ColumnDesign& column = source.table->design().columns[columns[i]];
+            ASSIGN_OR_RETURN(new_values[i], StoredValue(*assignments[i].value, context, column));
+        }
+        return Status::Ok();
+    };
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
-    for (const RowId row : selected.rows) {
-        if (!source.columns.empty())
-            RETURN_IF_ERROR(source.table->Read(row, source.columns, values[0]));
-        std::vector<ColumnChange> changes;
-        for (const BoundAssignment& assignment : assignments) {
-            const ColumnDesign& column = source.table->design().columns[assignment.column];
-            ASSIGN_OR_RETURN(Value value, StoredValue(*assignment.value, context, column));
-            changes.push_back({assignment.column, std::move(value)});
-        }
-        RETURN_IF_ERROR(source.table->Update(row, changes));
-    }
+    RETURN_IF_ERROR(
+        source.table->Update(selected.rows, {source.columns, values[0], columns, make}));
     RETURN_IF_ERROR(transaction.Commit());
     return static_cast<std::int64_t>(selected.rows.size());
 }
@@ -254,7 +247,7 @@ Result<std::int64_t> Execute(DeleteStatement& erase, Session& session) {
     Table& table = *selected.scope.sources()[0].table;
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
-    RETURN_IF_ERROR(DeleteFound(table, selected.rows));
+    RETURN_IF_ERROR(table.Delete(selected.rows));
     RETURN_IF_ERROR(transaction.Commit());
     return static_cast<std::int64_t>(selected.rows.size());
 }

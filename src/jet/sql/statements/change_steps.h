@@ -6,8 +6,6 @@
 #include "jet/sql/syntax/ast.h"
 #include "jet/tables/database.h"
 
-#include <span>
-
 namespace jet::sql {
 
 // 3073: the database cannot be written; or why the table cannot.
@@ -16,9 +14,6 @@ base::Status CheckWritable(Session& session, const Table& table);
 // The value of an expression as the column stores it.
 base::Result<Value> StoredValue(const Expression& e, EvalContext& context,
                                 const ColumnDesign& column);
-
-// Deletes rows that were found before the first of them went: a cascade may have taken one already.
-base::Status DeleteFound(Table& table, std::span<const RowId> rows);
 
 // UPDATE and DELETE over joined tables. The rows are found before the first of them is changed.
 // Requires: the FROM clause joins. An UPDATE sets nothing where a source has no row; it counts

@@ -153,7 +153,7 @@ Result<std::int64_t> DeleteJoined(DeleteStatement& erase, Session& session) {
     RETURN_IF_ERROR(joiner->Run(collect));
     Transaction transaction(*session.database);
     RETURN_IF_ERROR(transaction.Begin());
-    RETURN_IF_ERROR(DeleteFound(table, std::vector<RowId>(rows.begin(), rows.end())));
+    RETURN_IF_ERROR(table.Delete(std::vector<RowId>(rows.begin(), rows.end())));
     RETURN_IF_ERROR(transaction.Commit());
     return static_cast<std::int64_t>(rows.size());
 }
