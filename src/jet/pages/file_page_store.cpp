@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cstring>
 
 namespace jet {
 namespace {
 
 constexpr std::size_t kMaxBytesAtOnce = 1U << 20;
+constexpr std::size_t kSectorSize = 512;
 // Above this size a commit waits for a checkpoint, so that the journal cannot grow without end.
 constexpr std::uint64_t kMaxJournalBytes = 64U << 20;
 
@@ -28,7 +30,42 @@ std::shared_ptr<PageBytes> Encoded(const PageEncoding& encoding, PageNumber numb
     return encoded;
 }
 
+// A new page differs from whatever the file has.
+std::uint8_t DifferentSectors(const PageTransaction::ChangedPage& page) {
+    if (page.before == nullptr) return 0xFF;
+    std::uint8_t sectors = 0;
+    for (std::size_t at = 0; at < page.after->size(); at += kSectorSize)
+        if (std::memcmp(page.before->data() + at, page.after->data() + at, kSectorSize) != 0)
+            sectors |= static_cast<std::uint8_t>(1U << (at / kSectorSize));
+    return sectors;
+}
+
 }  // namespace
+
+// Writes bytes that follow each other in the file with one call.
+class FilePageStore::Writer {
+public:
+    explicit Writer(File& file) : file_(file) {}
+
+    base::Status Write(std::uint64_t offset, std::span<const std::byte> bytes) {
+        const bool continues = offset == start_ + bytes_.size() && bytes_.size() < kMaxBytesAtOnce;
+        if (!continues) RETURN_IF_ERROR(Finish());
+        if (bytes_.empty()) start_ = offset;
+        bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+        return {};
+    }
+    base::Status Finish() {
+        if (bytes_.empty()) return {};
+        const base::Status written = file_.WriteAt(start_, bytes_);
+        bytes_.clear();
+        return written;
+    }
+
+private:
+    File& file_;
+    std::uint64_t start_ = 0;
+    PageBytes bytes_;
+};
 
 // Turns an error of the system into the engine's own.
 base::Status EngineStatus(const base::Status& status) {
@@ -59,10 +96,10 @@ void FilePageStore::StartFlusher(std::chrono::milliseconds delay) {
 }
 
 base::Status FilePageStore::Recover(RecoveredJournal recovered, std::unique_ptr<File> journal) {
-    pending_ = std::move(recovered.pages);
-    if (!encoding_.is_plain())
-        for (auto& [number, page] : pending_)
-            page = Encoded(encoding_, number, page);
+    for (auto& [number, page] : recovered.pages) {
+        if (!encoding_.is_plain()) page = Encoded(encoding_, number, page);
+        pending_[number] = {std::move(page), kAllSectors};
+    }
     committed_count_ = recovered.page_count;
     pages_in_file_ = std::min(pages_in_file_, committed_count_);
     if (journal == nullptr) return {};
@@ -92,7 +129,7 @@ base::Result<PageView> FilePageStore::Read(PageNumber page) {
 
 SharedPage FilePageStore::FindInMemory(PageNumber page) {
     const auto pending = pending_.find(page);
-    return pending != pending_.end() ? pending->second : cache_.Find(page);
+    return pending != pending_.end() ? pending->second.page : cache_.Find(page);
 }
 
 base::Result<SharedPage> FilePageStore::Load(PageNumber page) {
@@ -224,7 +261,9 @@ PageTransaction::ChangedPages FilePageStore::EncodedPages() const {
 void FilePageStore::TakeIntoPending() {
     prefetch_.Clear();
     for (const auto& [number, page] : transaction_.pages()) {
-        pending_[number] = page.after;
+        PendingPage& pending = pending_[number];
+        pending.sectors |= DifferentSectors(page);
+        pending.page = page.after;
         cache_.Erase(number);
     }
     committed_count_ = transaction_.page_count();
@@ -283,39 +322,47 @@ base::Result<std::optional<FilePageStore::Snapshot>> FilePageStore::BeginCheckpo
 }
 
 base::Status FilePageStore::WriteSnapshot(const Snapshot& snapshot) {
-    PageBytes run;
-    PageNumber run_start = 0;
-    const auto write_run = [&] {
-        base::Status written = file_->WriteAt(std::uint64_t{run_start} * page_size_, run);
-        run.clear();
-        return written;
-    };
-    for (const auto& [number, page] : snapshot.pages) {
-        const bool continues = number == run_start + run.size() / page_size_;
-        if (!run.empty() && (!continues || run.size() >= kMaxBytesAtOnce))
-            RETURN_IF_ERROR(write_run());
-        if (run.empty()) run_start = number;
-        run.insert(run.end(), page->begin(), page->end());
-        encoding_.Apply(number, std::span(run).last(page_size_));
-        if (number == 0)
-            StoreFileMark(std::span(run).subspan(FileMarkOffset(page_size_), kFileMarkBytes),
-                          snapshot.mark);
-    }
-    if (!run.empty()) RETURN_IF_ERROR(write_run());
+    Writer writer(*file_);
+    for (const auto& [number, pending] : snapshot.pages)
+        RETURN_IF_ERROR(WritePage(number, pending, snapshot.mark, writer));
+    RETURN_IF_ERROR(writer.Finish());
     if (snapshot.pages.contains(0)) return {};
     std::array<std::byte, kFileMarkBytes> words{};
     StoreFileMark(words, snapshot.mark);
     return file_->WriteAt(FileMarkOffset(page_size_), words);
 }
 
+// What differs from the file; page 0 as a whole, since its mark does.
+base::Status FilePageStore::WritePage(PageNumber number, const PendingPage& pending,
+                                      std::uint64_t mark, Writer& writer) const {
+    std::span<const std::byte> bytes = *pending.page;
+    PageBytes copy;
+    if (number == 0 || !encoding_.is_plain()) {
+        copy = *pending.page;
+        encoding_.Apply(number, copy);
+        bytes = copy;
+    }
+    unsigned sectors = pending.sectors;
+    if (number == 0) {
+        StoreFileMark(std::span(copy).subspan(FileMarkOffset(page_size_), kFileMarkBytes), mark);
+        sectors = kAllSectors;
+    }
+    sectors |= (sectors << 1) & (sectors >> 1);  // a gap of one costs less than another write
+    for (std::size_t at = 0; at < bytes.size(); at += kSectorSize, sectors >>= 1)
+        if ((sectors & 1U) != 0)
+            RETURN_IF_ERROR(writer.Write(std::uint64_t{number} * page_size_ + at,
+                                         bytes.subspan(at, kSectorSize)));
+    return {};
+}
+
 base::Status FilePageStore::EndCheckpoint(const Snapshot& snapshot) {
     const std::lock_guard lock(mutex_);
-    for (const auto& [number, page] : snapshot.pages) {
+    for (const auto& [number, written] : snapshot.pages) {
         pages_in_file_ = std::max(pages_in_file_, number + 1);
         const auto pending = pending_.find(number);
-        if (pending->second != page) continue;  // committed again meanwhile
+        if (pending->second.page != written.page) continue;  // committed again meanwhile
         pending_.erase(pending);
-        if (number != 0) cache_.Put(number, page);  // page 0 has another mark now
+        if (number != 0) cache_.Put(number, written.page);  // page 0 has another mark now
     }
     cache_.Erase(0);
     return pending_.empty() ? journal_.Reset() : base::Status();

@@ -74,10 +74,20 @@ public:
     base::Status Close() override;
 
 private:
+    // A bit for each sector of a page, the first one lowest.
+    using Sectors = std::uint8_t;
+    static constexpr Sectors kAllSectors = 0xFF;
+    // A committed page, and where it differs from the one in the file.
+    struct PendingPage {
+        SharedPage page;
+        Sectors sectors = 0;
+    };
+    using PendingPages = std::map<PageNumber, PendingPage>;
     struct Snapshot {
-        std::map<PageNumber, SharedPage> pages;
+        PendingPages pages;
         std::uint64_t mark = 0;
     };
+    class Writer;
 
     base::Status CheckUsable() const;
     base::Result<SharedPage> Load(PageNumber page);
@@ -95,6 +105,8 @@ private:
     base::Status Checkpoint();
     base::Result<std::optional<Snapshot>> BeginCheckpoint();
     base::Status WriteSnapshot(const Snapshot& snapshot);
+    base::Status WritePage(PageNumber number, const PendingPage& pending, std::uint64_t mark,
+                           Writer& writer) const;
     base::Status EndCheckpoint(const Snapshot& snapshot);
 
     const std::filesystem::path path_;
@@ -113,9 +125,9 @@ private:
     std::mutex mutex_;
     std::unique_ptr<File> file_;
     std::unique_ptr<LockFile> owner_;
-    Journal journal_;                           // mutex_
-    std::map<PageNumber, SharedPage> pending_;  // mutex_
-    PageCache cache_;                           // mutex_
+    Journal journal_;                    // mutex_
+    PendingPages pending_;               // mutex_
+    PageCache cache_;                    // mutex_
     PageNumber pages_in_file_;           // mutex_; page numbers below can be read from the file
     bool first_mark_is_durable_ = true;  // mutex_; false: giving it failed
     std::unique_ptr<Flusher> flusher_;

@@ -6,6 +6,13 @@
 #include <cassert>
 
 namespace jet {
+namespace {
+
+// A page whose changes have taken so large a part of it is told as a whole: what comes then can be
+// told by moves, which need a page that the journal has.
+constexpr std::size_t kPartWorthAWholePage = 4;
+
+}  // namespace
 
 Journal::Journal(FileSystem& files, std::filesystem::path path)
     : files_(files), path_(std::move(path)) {}
@@ -34,14 +41,12 @@ base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
     RETURN_IF_ERROR(EnsureOpen());
     std::vector<std::byte> bytes;
     std::uint64_t chain = empty() ? AppendJournalHeader(bytes, header) : end_.chain;
+    if (empty()) end_.first_new_page = header.page_count;
     const std::size_t record = BeginRecord(bytes);
-    for (const auto& [number, page] : pages) {
-        const bool is_known = page.before != nullptr && end_.pages.contains(number);
-        AppendPageChange(bytes, number,
-                         is_known ? std::span<const std::byte>(*page.before)
-                                  : std::span<const std::byte>(),
-                         *page.after);
-    }
+    std::vector<std::pair<PageNumber, std::size_t>> told;
+    told.reserve(pages.size());
+    for (const auto& [number, page] : pages)
+        told.emplace_back(number, AppendChangeOf(number, page, bytes));
     chain = FinishRecord(bytes, record, RecordKind::kTransaction, page_count, chain);
     base::Status added = Append(bytes, chain);
     if (!added.ok()) {
@@ -49,9 +54,33 @@ base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
         return added;
     }
     in_doubt_ = false;
-    for (const auto& [number, page] : pages)
-        end_.pages.insert(number);
+    for (const auto& [number, bytes_told] : told)
+        end_.pages[number] = bytes_told;
     return {};
+}
+
+// Page 0 is always told as a whole, as recovery knows the file by it.
+std::size_t Journal::AppendChangeOf(PageNumber number, const PageTransaction::ChangedPage& page,
+                                    std::vector<std::byte>& bytes) const {
+    const auto known = end_.pages.find(number);
+    const bool is_known = known != end_.pages.end();
+    const bool is_whole = is_known && known->second == JournalEnd::kWhole;
+    const bool is_in_file =
+        page.before != nullptr && !is_whole && number != 0 && number < end_.first_new_page;
+    if (is_in_file) {
+        const std::size_t start = bytes.size();
+        const std::size_t told = is_known ? known->second : 0;
+        const std::size_t limit = page.after->size() / kPartWorthAWholePage;
+        if (told < limit &&
+            AppendChangeInFile(bytes, number, is_known, *page.before, *page.after, limit - told))
+            return told + bytes.size() - start;
+    }
+    const bool continues = page.before != nullptr && is_whole;
+    AppendPageChange(bytes, number,
+                     continues ? std::span<const std::byte>(*page.before)
+                               : std::span<const std::byte>(),
+                     *page.after);
+    return JournalEnd::kWhole;
 }
 
 base::Status Journal::AddMark(std::uint64_t mark) {

@@ -10,7 +10,7 @@
 #include "jet/pages/journal_format.h"
 
 #include <memory>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace jet {
 
@@ -18,8 +18,11 @@ namespace jet {
 struct JournalEnd {
     std::uint64_t offset = 0;  // 0: the journal is empty
     std::uint64_t chain = 0;   // checksum of the last record
-    // That it holds. Recovery leaves them out: it empties the journal before anything is appended.
-    std::unordered_set<PageNumber> pages;
+    // That it tells something of: whole ones, or so many bytes of changes of what the database file
+    // has. Recovery leaves them out: it empties the journal before anything is appended.
+    std::unordered_map<PageNumber, std::size_t> pages;
+    static constexpr std::size_t kWhole = 0;
+    PageNumber first_new_page = 0;  // pages below were in the database file when it was begun
 };
 
 class Journal {
@@ -55,6 +58,9 @@ public:
 
 private:
     base::Status EnsureOpen();
+    // The answer: the page's new place in JournalEnd::pages.
+    std::size_t AppendChangeOf(PageNumber number, const PageTransaction::ChangedPage& page,
+                               std::vector<std::byte>& bytes) const;
     base::Status Append(std::span<const std::byte> bytes, std::uint64_t chain);
     void TakeBack();
     base::Status WriteAnew();

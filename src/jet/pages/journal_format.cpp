@@ -7,14 +7,15 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <limits>
 
 namespace jet {
 namespace {
 
 constexpr char kMagic[] = "Jet page journal";
 constexpr std::size_t kMagicSize = sizeof kMagic - 1;
-constexpr std::uint32_t kVersion = 2;
-constexpr std::uint32_t kOldestVersion = 1;  // without moves
+constexpr std::uint32_t kVersion = 3;
+constexpr std::uint32_t kOldestVersion = 1;  // without moves; 2: without changes in the file
 constexpr std::size_t kHeaderChecksumAt = 40;
 constexpr std::size_t kRecordChecksumAt = 16;
 
@@ -24,8 +25,16 @@ constexpr std::size_t kGapWorthARange = 4;
 constexpr std::size_t kMoveBytes = 6;
 // Changes of more bytes than this are searched for a move.
 constexpr std::size_t kWorthAMove = 256;
+constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
-enum class ChangeBase : std::uint16_t { kZeros = 0, kJournal = 1, kMoved = 2 };
+// What a change starts from: a page of zeros, the page as the journal has it, the same with a block
+// of it moved, the page in the database file.
+enum class ChangeBase : std::uint16_t { kZeros = 0, kJournal = 1, kMoved = 2, kFile = 3 };
+
+// page 4, base 2, number of ranges 2.
+constexpr std::size_t kChangeHead = 8;
+constexpr std::size_t kRangesAt = 6;
+constexpr std::size_t kRangeHead = 4;
 
 std::uint64_t Mix(std::uint64_t hash, std::uint64_t word) {
     hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
@@ -103,40 +112,62 @@ bool ParseMove(std::span<const std::byte>& payload, std::span<std::byte> page) {
     return true;
 }
 
+// The page that a change starts from, before any move. null: it contradicts the format.
+SharedPage StartOf(PageNumber number, std::uint16_t base, std::uint32_t page_size,
+                   const JournalPages& known, const JournalPages& of_file) {
+    const auto found = [number](const JournalPages& pages) {
+        const auto page = pages.find(number);
+        return page == pages.end() ? SharedPage() : page->second;
+    };
+    switch (static_cast<ChangeBase>(base)) {
+    case ChangeBase::kZeros:
+        return std::make_shared<PageBytes>(page_size);
+    case ChangeBase::kJournal:
+    case ChangeBase::kMoved:
+        return found(known);
+    case ChangeBase::kFile:
+        return known.contains(number) ? SharedPage() : found(of_file);
+    }
+    return nullptr;
+}
+
 // Reads one page change off the front of `payload`. false: it contradicts the format.
 bool ParseChange(std::span<const std::byte>& payload, std::uint32_t page_size,
-                 PageNumber page_count, const JournalPages& known_pages, JournalPages& changed) {
-    if (payload.size() < 8) return false;
+                 PageNumber page_count, const JournalPages& known, const JournalPages& of_file,
+                 JournalPages& changed) {
+    if (payload.size() < kChangeHead) return false;
     const auto number = base::LoadLittle<std::uint32_t>(payload.data());
     const auto base = base::LoadLittle<std::uint16_t>(payload.data() + 4);
     const auto ranges = base::LoadLittle<std::uint16_t>(payload.data() + 6);
-    payload = payload.subspan(8);
-    const auto known = known_pages.find(number);
-    if (number >= page_count || base > 2 || (base > 0 && known == known_pages.end())) return false;
-    auto page = base > 0 ? std::make_shared<PageBytes>(*known->second)
-                         : std::make_shared<PageBytes>(page_size);
-    if (base == 2 && !ParseMove(payload, *page)) return false;
+    payload = payload.subspan(kChangeHead);
+    if (number >= page_count) return false;
+    const SharedPage start = StartOf(number, base, page_size, known, of_file);
+    if (start == nullptr) return false;
+    auto page = std::make_shared<PageBytes>(*start);
+    if (static_cast<ChangeBase>(base) == ChangeBase::kMoved && !ParseMove(payload, *page))
+        return false;
     for (std::size_t i = 0; i < ranges; ++i) {
-        if (payload.size() < 4) return false;
+        if (payload.size() < kRangeHead) return false;
         const auto offset = base::LoadLittle<std::uint16_t>(payload.data());
         const auto size = base::LoadLittle<std::uint16_t>(payload.data() + 2);
-        const auto bytes = base::BytesAt(payload, 4, size);
+        const auto bytes = base::BytesAt(payload, kRangeHead, size);
         if (!bytes || offset > page_size || page_size - offset < size) return false;
         std::memcpy(page->data() + offset, bytes->data(), size);
-        payload = payload.subspan(std::size_t{4} + size);
+        payload = payload.subspan(kRangeHead + size);
     }
     changed[number] = std::move(page);
     return true;
 }
 
-// What turns `from`, the base in which `move` was made if there is one, into `after`.
-void AppendChange(std::vector<std::byte>& out, PageNumber page, ChangeBase kind,
+// What turns `from`, the base in which `move` was made if there is one, into `after`. False: that
+// takes more than `limit` bytes, and nothing is appended.
+bool AppendChange(std::vector<std::byte>& out, PageNumber page, ChangeBase kind,
                   const std::optional<PageMove>& move, std::span<const std::byte> from,
-                  std::span<const std::byte> after) {
+                  std::span<const std::byte> after, std::size_t limit) {
     assert(from.size() == after.size() && after.size() <= 0x8000);
+    const std::size_t start = out.size();
     base::AppendLittle(out, page);
     base::AppendLittle(out, static_cast<std::uint16_t>(kind));
-    const std::size_t count_at = out.size();
     base::AppendLittle(out, std::uint16_t{0});
     if (move)
         for (const std::uint16_t number : {move->from, move->to, move->size})
@@ -146,9 +177,43 @@ void AppendChange(std::vector<std::byte>& out, PageNumber page, ChangeBase kind,
         const std::size_t end = FindEnd(from, after, at);
         AppendRange(out, after, at, end);
         ++ranges;
+        if (out.size() - start > limit) {
+            out.resize(start);
+            return false;
+        }
         at = FindDifference(from, after, end);
     }
-    base::StoreLittle(out.data() + count_at, ranges);
+    base::StoreLittle(out.data() + start + kRangesAt, ranges);
+    return true;
+}
+
+// The whole page; only long runs of zeros are left out.
+void AppendWhole(std::vector<std::byte>& out, PageNumber page, std::span<const std::byte> after) {
+    constexpr std::size_t kWord = 8;
+    constexpr std::size_t kRunWorthARange = 8 * kWord;
+    const auto is_zero = [&](std::size_t at) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, after.data() + at, std::min(kWord, after.size() - at));
+        return word == 0;
+    };
+    const std::size_t start = out.size();
+    base::AppendLittle(out, page);
+    base::AppendLittle(out, static_cast<std::uint16_t>(ChangeBase::kZeros));
+    base::AppendLittle(out, std::uint16_t{0});
+    std::uint16_t ranges = 0;
+    for (std::size_t at = 0; at < after.size();) {
+        for (; at < after.size() && is_zero(at); at += kWord) {
+        }
+        const std::size_t begin = at;
+        std::size_t end = at;
+        for (; at < after.size() && at - end < kRunWorthARange; at += kWord)
+            if (!is_zero(at)) end = at + kWord;
+        end = std::min(end, after.size());
+        if (begin >= end) break;
+        AppendRange(out, after, begin, end);
+        ++ranges;
+    }
+    base::StoreLittle(out.data() + start + kRangesAt, ranges);
 }
 
 }  // namespace
@@ -215,19 +280,20 @@ std::uint64_t FinishRecord(std::vector<std::byte>& out, std::size_t start, Recor
 
 void AppendPageChange(std::vector<std::byte>& out, PageNumber page,
                       std::span<const std::byte> before, std::span<const std::byte> after) {
-    if (before.empty()) {
-        const PageBytes zeros(after.size());
-        return AppendChange(out, page, ChangeBase::kZeros, {}, zeros, after);
-    }
-    const std::size_t start = out.size();
-    AppendChange(out, page, ChangeBase::kJournal, {}, before, after);
-    if (out.size() - start <= kWorthAMove) return;
+    if (before.empty()) return AppendWhole(out, page, after);
+    if (AppendChange(out, page, ChangeBase::kJournal, {}, before, after, kWorthAMove)) return;
+    PageBytes from(before.begin(), before.end());
     const std::optional<PageMove> move = FindMove(before, after);
-    if (!move) return;
-    out.resize(start);
-    PageBytes moved(before.begin(), before.end());
-    ApplyMove(*move, moved);
-    AppendChange(out, page, ChangeBase::kMoved, move, moved, after);
+    if (move) ApplyMove(*move, from);
+    AppendChange(out, page, move ? ChangeBase::kMoved : ChangeBase::kJournal, move, from, after,
+                 kNoLimit);
+}
+
+bool AppendChangeInFile(std::vector<std::byte>& out, PageNumber page, bool is_known,
+                        std::span<const std::byte> before, std::span<const std::byte> after,
+                        std::size_t limit) {
+    return AppendChange(out, page, is_known ? ChangeBase::kJournal : ChangeBase::kFile, {}, before,
+                        after, limit);
 }
 
 RecordHead ParseRecordHead(std::span<const std::byte> bytes) {
@@ -245,12 +311,34 @@ bool RecordIsWhole(std::span<const std::byte> record, std::uint64_t chain) {
            base::LoadLittle<std::uint64_t>(record.data() + kRecordChecksumAt);
 }
 
+std::vector<PageNumber> PagesOfFileIn(std::span<const std::byte> payload) {
+    std::vector<PageNumber> pages;
+    while (payload.size() >= kChangeHead) {
+        const auto number = base::LoadLittle<std::uint32_t>(payload.data());
+        const auto base =
+            static_cast<ChangeBase>(base::LoadLittle<std::uint16_t>(payload.data() + 4));
+        const auto ranges = base::LoadLittle<std::uint16_t>(payload.data() + 6);
+        std::size_t size = kChangeHead + (base == ChangeBase::kMoved ? kMoveBytes : 0);
+        for (std::size_t i = 0; i < ranges; ++i) {
+            const auto bytes = base::LittleAt<std::uint16_t>(payload, size + 2);
+            if (!bytes) return pages;
+            size += kRangeHead + *bytes;
+        }
+        if (size > payload.size()) return pages;
+        if (base == ChangeBase::kFile) pages.push_back(number);
+        payload = payload.subspan(size);
+    }
+    return pages;
+}
+
 std::optional<JournalPages> ParseTransaction(std::span<const std::byte> payload,
                                              std::uint32_t page_size, PageNumber page_count,
-                                             const JournalPages& known) {
+                                             const JournalPages& known,
+                                             const JournalPages& of_file) {
     JournalPages changed;
     while (!payload.empty())
-        if (!ParseChange(payload, page_size, page_count, known, changed)) return std::nullopt;
+        if (!ParseChange(payload, page_size, page_count, known, of_file, changed))
+            return std::nullopt;
     return changed;
 }
 

@@ -61,20 +61,34 @@ std::size_t BeginRecord(std::vector<std::byte>& out);
 std::uint64_t FinishRecord(std::vector<std::byte>& out, std::size_t start, RecordKind kind,
                            PageNumber page_count, std::uint64_t chain);
 
-// Appends what turns `before` into `after`; `before` empty: a page of zeros.
-// Requires: pages of one size, at most 32 KiB.
+// Appends what turns `before`, the page as the journal has it, into `after`; `before` empty: a page
+// of zeros. Requires: pages of one size, at most 32 KiB.
 void AppendPageChange(std::vector<std::byte>& out, PageNumber page,
                       std::span<const std::byte> before, std::span<const std::byte> after);
+// The same without moves, for a page of which the journal tells changes only: `before` is what the
+// database file has (the journal does not know the page yet), or what earlier changes have made of
+// that. A page that a power cut has left half old and half new becomes `after` by these, as they
+// hold every byte in which the two differ; a move would repeat what is wrong. False: this takes
+// more than `limit` bytes; nothing was appended.
+bool AppendChangeInFile(std::vector<std::byte>& out, PageNumber page, bool is_known,
+                        std::span<const std::byte> before, std::span<const std::byte> after,
+                        std::size_t limit);
 
 // Requires: kRecordHeadSize bytes.
 RecordHead ParseRecordHead(std::span<const std::byte> bytes);
 // Whether `record` (head and payload) continues `chain`.
 bool RecordIsWhole(std::span<const std::byte> record, std::uint64_t chain);
 
-// The pages that the payload of a transaction changes, `known` being the ones before it. nullopt:
-// the payload contradicts the format.
+// The pages whose content in the database file the payload of a transaction builds on. A payload
+// that contradicts the format gives those of its good part.
+std::vector<PageNumber> PagesOfFileIn(std::span<const std::byte> payload);
+
+// The pages that the payload of a transaction changes, `known` being the ones before it and
+// `of_file` those of the database file that it builds on. nullopt: the payload contradicts the
+// format.
 std::optional<JournalPages> ParseTransaction(std::span<const std::byte> payload,
                                              std::uint32_t page_size, PageNumber page_count,
-                                             const JournalPages& known);
+                                             const JournalPages& known,
+                                             const JournalPages& of_file = {});
 
 }  // namespace jet

@@ -14,7 +14,8 @@ constexpr std::size_t kSectorSize = 512;
 // Reads the records in order and collects the result.
 class JournalReader {
 public:
-    JournalReader(const File& journal, std::uint64_t size) : journal_(journal), size_(size) {}
+    JournalReader(const File& journal, std::uint64_t size, const File& database)
+        : journal_(journal), size_(size), database_(database) {}
 
     // false: not a journal for pages of this size.
     base::Result<bool> ReadHeader(std::uint32_t page_size) {
@@ -42,13 +43,13 @@ public:
     bool has_transactions() const { return has_transactions_; }
 
     // Whether `database` can be the file that this journal was written beside.
-    base::Result<bool> BelongsTo(const File& database) const {
-        ASSIGN_OR_RETURN(const std::uint64_t size, database.Size());
+    base::Result<bool> BelongsToDatabase() const {
+        ASSIGN_OR_RETURN(const std::uint64_t size, database_.Size());
         if (size < std::uint64_t{header_.page_count} * header_.page_size ||
             size > std::uint64_t{found_.page_count} * header_.page_size)
             return false;
         PageBytes first_page(header_.page_size);
-        RETURN_IF_ERROR(database.ReadAt(0, first_page));
+        RETURN_IF_ERROR(database_.ReadAt(0, first_page));
         const std::uint64_t mark = ReadFileMark(first_page);
         return mark != 0 && std::ranges::count(marks_, mark) != 0 && IsKnownFirstPage(first_page);
     }
@@ -68,13 +69,15 @@ private:
         RETURN_IF_ERROR(journal_.ReadAt(found_.end.offset + kRecordHeadSize,
                                         std::span(record).subspan(kRecordHeadSize)));
         if (!RecordIsWhole(record, found_.end.chain)) return false;
-        if (!Apply(head, std::span(record).subspan(kRecordHeadSize))) return false;
+        ASSIGN_OR_RETURN(const bool is_right,
+                         Apply(head, std::span(record).subspan(kRecordHeadSize)));
+        if (!is_right) return false;
         found_.end.offset += record.size();
         found_.end.chain = head.checksum;
         return true;
     }
 
-    bool Apply(const RecordHead& head, std::span<const std::byte> payload) {
+    base::Result<bool> Apply(const RecordHead& head, std::span<const std::byte> payload) {
         if (head.kind == RecordKind::kMark) {
             const auto mark = base::LittleAt<std::uint64_t>(payload, 0);
             if (mark) marks_.push_back(*mark);
@@ -82,8 +85,9 @@ private:
         }
         if (head.kind != RecordKind::kTransaction || head.page_count < found_.page_count)
             return false;
-        const auto changed =
-            ParseTransaction(payload, header_.page_size, head.page_count, found_.pages);
+        RETURN_IF_ERROR(ReadPagesOfFile(payload));
+        const auto changed = ParseTransaction(payload, header_.page_size, head.page_count,
+                                              found_.pages, pages_of_file_);
         if (!changed) return false;
         for (const auto& [number, page] : *changed)
             found_.pages[number] = page;
@@ -91,6 +95,20 @@ private:
         has_transactions_ = true;
         RememberFirstPage();
         return true;
+    }
+
+    // As they are now: old, new, or by sectors the one or the other.
+    base::Status ReadPagesOfFile(std::span<const std::byte> payload) {
+        ASSIGN_OR_RETURN(const std::uint64_t size, database_.Size());
+        for (const PageNumber number : PagesOfFileIn(payload)) {
+            if (number == 0 || number >= header_.page_count) continue;  // contradicts the format
+            auto page = std::make_shared<PageBytes>(header_.page_size);
+            // A shorter file is another one, so that the content does not matter.
+            const std::uint64_t offset = std::uint64_t{number} * header_.page_size;
+            if (offset + page->size() <= size) RETURN_IF_ERROR(database_.ReadAt(offset, *page));
+            pages_of_file_[number] = std::move(page);
+        }
+        return {};
     }
 
     void RememberFirstPage() {
@@ -112,11 +130,13 @@ private:
 
     const File& journal_;
     std::uint64_t size_;
+    const File& database_;
     JournalHeader header_;
     RecoveredJournal found_;
     bool has_transactions_ = false;
     std::vector<std::uint64_t> marks_;
     std::vector<SharedPage> first_pages_;
+    JournalPages pages_of_file_;  // that transactions build on
 };
 
 }  // namespace
@@ -124,12 +144,12 @@ private:
 base::Result<LeftOverJournal> ReadJournal(const File& journal, const File& database,
                                           std::uint32_t page_size) {
     ASSIGN_OR_RETURN(const std::uint64_t size, journal.Size());
-    JournalReader reader(journal, size);
+    JournalReader reader(journal, size, database);
     ASSIGN_OR_RETURN(const bool is_journal, reader.ReadHeader(page_size));
     if (!is_journal) return LeftOverJournal{};
     RETURN_IF_ERROR(reader.ReadRecords());
     if (!reader.has_transactions()) return LeftOverJournal{};
-    ASSIGN_OR_RETURN(const bool belongs, reader.BelongsTo(database));
+    ASSIGN_OR_RETURN(const bool belongs, reader.BelongsToDatabase());
     if (!belongs) return LeftOverJournal{JournalOwner::kAnotherFile, {}};
     return LeftOverJournal{JournalOwner::kThisFile, std::move(reader).Take()};
 }

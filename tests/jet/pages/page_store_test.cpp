@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <random>
 #include <thread>
 
 namespace {
@@ -343,6 +344,77 @@ TEST_F(FilePageStoreTest, CommitsAndReadsRunBesideTheFlusher) {
     store.value().reset();
     const auto reopened = Open(files_);
     EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*reopened), 400, 400), 400);
+}
+
+// Of a page that the database file has, the journal is told the bytes that changed: a head of 24
+// bytes, one of 8 and one of 4 for each number.
+TEST_F(FilePageStoreTest, AChangedNumberIsToldInFewBytes) {
+    files_.Put(kPath, MakePages(1, 8));
+    const auto store = Open(files_);
+    const auto change = [&](jet::PageNumber page, std::size_t at) {
+        const std::uint64_t before = files_.bytes_written();
+        EXPECT_TRUE(store->Begin().ok());
+        (*store->Change(page))[at] ^= std::byte{0x5A};
+        EXPECT_TRUE(store->Commit().ok());
+        return files_.bytes_written() - before;
+    };
+    change(3, 100);  // the journal's head comes with it
+    EXPECT_EQ(change(4, 100), 24U + 8 + 4 + 1);
+    EXPECT_EQ(change(4, 2000), 24U + 8 + 4 + 1);
+    EXPECT_EQ(change(3, 200), 24U + 8 + 4 + 1);
+    const auto survivor = files_.Kill();
+    const auto reopened = Open(*survivor);
+    for (const jet::PageNumber page : {3, 4})
+        EXPECT_TRUE(std::ranges::equal(reopened->Read(page)->bytes(), store->Read(page)->bytes()));
+}
+
+// What a checkpoint brings into the database file are the sectors that changed, and the mark.
+TEST_F(FilePageStoreTest, ACheckpointWritesTheSectorsThatChanged) {
+    constexpr std::uint64_t kRecordOfMark = 24 + 8;
+    files_.Put(kPath, MakePages(1, 8));
+    const auto store = Open(files_);
+    const auto flushed = [&](const std::vector<std::pair<jet::PageNumber, std::size_t>>& places) {
+        EXPECT_TRUE(store->Begin().ok());
+        for (const auto& [page, at] : places)
+            (*store->Change(page))[at] ^= std::byte{0x5A};
+        EXPECT_TRUE(store->Commit().ok());
+        const std::uint64_t before = files_.bytes_written();
+        EXPECT_TRUE(store->Flush().ok());
+        return files_.bytes_written() - before - kRecordOfMark - jet::kFileMarkBytes;
+    };
+    EXPECT_EQ(flushed({{3, 100}}), 512U);
+    EXPECT_EQ(flushed({{3, 511}, {3, 512}, {5, 4095}}), 3 * 512U);
+    EXPECT_EQ(flushed({{3, 0}, {3, 1024}}), 3 * 512U);  // with the one between them
+    EXPECT_EQ(flushed({{3, 0}, {3, 1536}}), 2 * 512U);
+    const auto survivor = files_.Kill();
+    const auto again = Open(*survivor);
+    for (jet::PageNumber page = 1; page < 8; ++page)
+        EXPECT_TRUE(std::ranges::equal(again->Read(page)->bytes(), store->Read(page)->bytes()));
+}
+
+// What follows on a page of which much has changed can be told by moves.
+TEST_F(FilePageStoreTest, APageOfWhichMuchChangesIsToldOnceAsAWhole) {
+    auto bytes = MakePages(1, 8);
+    std::mt19937 random(3);
+    for (std::size_t at = 4096; at < bytes.size(); ++at)
+        bytes[at] = static_cast<std::byte>(random());
+    files_.Put(kPath, bytes);
+    const auto store = Open(files_);
+    const auto insert = [&] {
+        const std::uint64_t before = files_.bytes_written();
+        EXPECT_TRUE(store->Begin().ok());
+        const auto page = *store->Change(4);
+        std::memmove(page.data() + 1010, page.data() + 1000, 3000);
+        EXPECT_TRUE(store->Commit().ok());
+        return files_.bytes_written() - before;
+    };
+    insert();
+    EXPECT_LT(insert(), 100U);
+    EXPECT_LT(insert(), 100U);
+    const auto now = std::vector(store->Read(4)->bytes().begin(), store->Read(4)->bytes().end());
+    const auto survivor = files_.Kill();
+    const auto reopened = Open(*survivor);
+    EXPECT_TRUE(std::ranges::equal(reopened->Read(4)->bytes(), now));
 }
 
 // 16 commits of 1000 pages take 62.5 MB of it, the next one goes past 64 MB.
