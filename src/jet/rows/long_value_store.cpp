@@ -72,4 +72,37 @@ base::Status LongValueStore::Free(std::span<const std::byte> field) {
     return {};
 }
 
+base::Status LongValueStore::FreeOrNote(std::span<const std::byte> field) {
+    if (field.size() < kLongValueHead) return {};
+    const auto word = base::LoadLittle<std::uint32_t>(field.data());
+    const bool is_single = (word & kLongValueInline) == 0 && (word & kLongValueSingle) != 0;
+    if (!is_single) return Free(field);
+    const RowPointer at = LoadRowPointer(field.data() + kLongValuePlace);
+    if (!at.none()) noted_.push_back({at.page, at.row});
+    return {};
+}
+
+base::Status LongValueStore::FreeNoted() {
+    std::ranges::sort(noted_);
+    noted_.erase(std::unique(noted_.begin(), noted_.end()), noted_.end());
+    std::vector<RowId> live;
+    for (std::size_t i = 0; i < noted_.size();) {
+        const PageNumber number = noted_[i].page;
+        ASSIGN_OR_RETURN(const bool owned, file_.Map(maps_.owned).Contains(number));
+        PageView view;
+        std::optional<DataPage> page;
+        if (owned && number < file_.store.page_count()) {
+            ASSIGN_OR_RETURN(view, file_.store.Read(number));
+            page = DataPage::Parse(view.bytes(), file_.format);
+        }
+        const bool is_own = page && page->owner() == kLongValueOwner;
+        for (; i < noted_.size() && noted_[i].page == number; ++i)
+            if (is_own && page->Bytes(noted_[i].slot) &&
+                page->Flags(noted_[i].slot) != kSlotDeleted)
+                live.push_back(noted_[i]);
+    }
+    noted_.clear();
+    return pages_.Delete(live);
+}
+
 }  // namespace jet

@@ -18,7 +18,14 @@ public:
     // Frees what `field` refers to. Missing pieces are skipped, so that a row with a damaged value
     // can still be deleted.
     base::Status Free(std::span<const std::byte> field);
-    void Forget() { pages_.Forget(); }
+    // The same for many fields, of which those that lie in a single row are only noted: FreeNoted
+    // takes them from their pages, each page once.
+    base::Status FreeOrNote(std::span<const std::byte> field);
+    base::Status FreeNoted();
+    void Forget() {
+        pages_.Forget();
+        noted_.clear();
+    }
 
 private:
     base::Result<RowId> StoreChain(std::span<const std::byte> value);
@@ -26,6 +33,7 @@ private:
     FileContext& file_;
     LongValueMaps maps_;
     RowPages pages_;
+    std::vector<RowId> noted_;
 };
 
 }  // namespace jet

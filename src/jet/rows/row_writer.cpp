@@ -172,18 +172,23 @@ base::Status RowWriter::Place(RowId row, RowId at, std::span<const std::byte> by
     return was_moved ? pages_.Delete(at) : base::Status();
 }
 
-base::Status RowWriter::FreeLongValues(std::span<const std::byte> row) {
+base::Status RowWriter::FreeLongValues(std::span<const std::byte> row, bool at_once) {
     if (long_values_.empty()) return {};
     const auto view = RowView::Parse(row, file_.format);
     if (!view) return {};
-    for (const ColumnDefinition& column : definition_.columns)
-        RETURN_IF_ERROR(FreeLongValue(column, *view));
+    for (const ColumnDefinition& column : definition_.columns) {
+        LongValueStore* store = column.is_long_value() ? LongValuesOf(column) : nullptr;
+        if (store == nullptr || !view->Bit(column.number)) continue;
+        const auto field = view->Field(column);
+        if (!field) continue;
+        RETURN_IF_ERROR(at_once ? store->Free(*field) : store->FreeOrNote(*field));
+    }
     return {};
 }
 
 base::Status RowWriter::Delete(RowId row) {
     ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
-    RETURN_IF_ERROR(FreeLongValues(stored.bytes));
+    RETURN_IF_ERROR(FreeLongValues(stored.bytes, true));
     if (stored.at != row) RETURN_IF_ERROR(pages_.Delete(stored.at));
     return pages_.Delete(row);
 }
@@ -197,11 +202,13 @@ base::Result<std::size_t> RowWriter::Delete(const RowSet& rows) {
         const auto stored = fetcher.Fetch(row);
         if (Is(stored.status(), ErrorNumber::kRecordDeleted)) continue;
         if (!stored.ok()) return stored.status();
-        RETURN_IF_ERROR(FreeLongValues(stored->bytes));
+        RETURN_IF_ERROR(FreeLongValues(stored->bytes, false));
         ++count;
         slots.push_back(row);
         if (stored->at != row) slots.push_back(stored->at);
     }
+    for (auto& [column, store] : long_values_)
+        RETURN_IF_ERROR(store.FreeNoted());
     std::ranges::sort(slots);
     slots.erase(std::unique(slots.begin(), slots.end()), slots.end());
     RETURN_IF_ERROR(pages_.Delete(slots));

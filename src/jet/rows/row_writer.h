@@ -37,7 +37,8 @@ private:
     base::Result<RowField> MakeField(const ColumnDefinition& column, const Value& value);
     base::Result<Bytes> EncodeWithinLimit(std::vector<RowField>& fields);
     base::Status FreeLongValue(const ColumnDefinition& column, const RowView& row);
-    base::Status FreeLongValues(std::span<const std::byte> row);
+    // `at_once` false: noted where that is cheaper, see LongValueStore::FreeNoted.
+    base::Status FreeLongValues(std::span<const std::byte> row, bool at_once);
     base::Status Place(RowId row, RowId at, std::span<const std::byte> bytes);
 
     FileContext& file_;
