@@ -48,7 +48,11 @@ public:
     base::Status Update(jet::RowId row, std::span<const jet::ColumnChange> changes) override {
         return table_.Update(row, changes);
     }
+    base::Status Update(std::span<const jet::RowId> rows, const jet::RowUpdate& update) override {
+        return table_.Update(rows, update);
+    }
     base::Status Delete(jet::RowId row) override { return table_.Delete(row); }
+    base::Status Delete(std::span<const jet::RowId> rows) override { return table_.Delete(rows); }
 
 private:
     jet::Table& table_;
