@@ -8,7 +8,7 @@
 
 namespace browser {
 
-inline constexpr qint64 kMaxRulesFileBytes = 256 * 1024 * 1024;
+inline constexpr qint64 kMaxRulesFileBytes = qint64{256} * 1024 * 1024;
 
 // Decodes UTF-16 or UTF-8 with a byte order mark, which is dropped; valid UTF-8 without one; any
 // other bytes as Windows code page 1252.

@@ -89,7 +89,7 @@ void TableSnapshot::KeepDetail(Row& row, int detail, const jet::Value& value) {
 QString TableSnapshot::DetailLine(std::size_t table, int detail) const {
     const Row& row = rows_[table];
     const std::uint64_t kept = row.details[static_cast<std::size_t>(detail)];
-    const QString label = DetailLabel(detail);
+    QString label = DetailLabel(detail);
     switch (static_cast<DetailKind>((row.detail_kinds >> (2 * detail)) & 3)) {
     case DetailKind::kDate:
         return label + catalogue::FieldText(jet::Value::DateTime(std::bit_cast<double>(kept)));

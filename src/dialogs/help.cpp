@@ -24,7 +24,7 @@ std::optional<QString> PresentHelpFile(const QString& application_folder,
 
 QString HelpFile(const QString& application_folder, const QString& program_folder) {
     const QString name = catalogue::kHelpFile.toString();
-    const QString own = platform::FileIn(application_folder, name);
+    QString own = platform::FileIn(application_folder, name);
     const QString shared = QDir::cleanPath(program_folder + QStringLiteral("/../share/tavolo"));
     for (const QString& file :
          {own, platform::FileIn(program_folder, name), platform::FileIn(shared, name)})

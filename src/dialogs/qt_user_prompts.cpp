@@ -109,7 +109,7 @@ protected:
         if (quoted_.isEmpty())
             QFileDialog::accept();
         else
-            QDialog::accept();
+            QDialog::accept();  // NOLINT(bugprone-parent-virtual-call): QFileDialog would refuse it
     }
 
 private:

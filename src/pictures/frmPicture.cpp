@@ -3,6 +3,7 @@
 #include <QtCore/QMimeData>
 #include <QtGui/QActionGroup>
 #include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QMenuBar>

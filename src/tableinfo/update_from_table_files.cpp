@@ -52,7 +52,7 @@ base::Status Store(jet::Recordset& rows, const NewFields& fields) {
 // Field by field, so that a text that does not fit leaves the others alone.
 base::Status StoreWhatFits(jet::Recordset& rows, const NewFields& fields) {
     for (const auto& field : fields) {
-        const base::Status stored = Store(rows, {field});
+        base::Status stored = Store(rows, {field});
         if (stored.ok()) continue;
         rows.CancelUpdate();
         if (!catalogue::IsValueTrouble(stored)) return stored;

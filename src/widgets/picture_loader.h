@@ -17,7 +17,7 @@ namespace widgets {
 
 // The pixels of a sheet of paper scanned at 800 dots per inch. At four bytes each they take the
 // kPictureMemoryMegabytes that a decoder may allocate at once.
-inline constexpr qint64 kMaxPicturePixels = 64 * 1024 * 1024;
+inline constexpr qint64 kMaxPicturePixels = qint64{64} * 1024 * 1024;
 inline constexpr int kPictureMemoryMegabytes = 256;
 
 // Where a picture comes from: the file `path`, or `bytes` when there is no path.

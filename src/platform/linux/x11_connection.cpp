@@ -136,6 +136,7 @@ std::vector<X11Window> X11Connection::TopLevelWindows() {
                                 0, kMaxTextLength);
     };
     std::vector<WindowQuestions> questions;
+    questions.reserve(candidates.size());
     for (const xcb_window_t window : candidates)
         questions.push_back({ask(window, XCB_ATOM_WM_CLASS), ask(window, net_wm_name_),
                              ask(window, XCB_ATOM_WM_NAME)});

@@ -201,7 +201,8 @@ TEST_F(EncodedFileTest, NothingLiesInTheClear) {
         std::vector<Value> row(6);
         row[1] = Value::Text(u"Journalled");
         ASSERT_EQ(test::Do(*database, [&] { return games.Insert(row).status(); }), 0);
-        EXPECT_EQ(Holds(files.Get("a.mdb-journal"), "Unmistakable"), !is_encoded);
+        // The rows beside it have not changed, so the journal does not tell them at all.
+        EXPECT_FALSE(Holds(files.Get("a.mdb-journal"), "Unmistakable"));
         EXPECT_EQ(Holds(files.Get("a.mdb-journal"), "Journalled"), !is_encoded);
         ASSERT_TRUE(database->Flush().ok());
         EXPECT_EQ(Holds(files.Get("a.mdb"), "Unmistakable"), !is_encoded);
