@@ -64,8 +64,7 @@ QString ComposeOrderClause(const QString& order_caption, const QString& directio
 }
 
 QString FilterValuesQuery(const QString& filter_key) {
-    QString all =
-        QStringLiteral("Select distinct ") + filter_key + QStringLiteral(" from Tables");
+    QString all = QStringLiteral("Select distinct ") + filter_key + QStringLiteral(" from Tables");
     if (!IsTextColumn(filter_key)) return all;
     return all + QStringLiteral(" Where ") + filter_key + QStringLiteral(" <> NULL And ") +
            filter_key + QStringLiteral(" <> ''");
