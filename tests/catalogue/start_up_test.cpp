@@ -4,6 +4,7 @@
 #include "catalogue/new_catalogue.h"
 #include "jet/tables/database.h"
 #include "support/catalogue_fixture.h"
+#include "support/forwarding_files.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -168,27 +169,21 @@ TEST_F(FreshFolder, ACutDatabaseIsRefusedOrOpensButIsNotMadeWorse) {
 }
 
 // A file system that lets nobody write, root included.
-class ReadOnlyFiles final : public jet::FileSystem {
+class ReadOnlyFiles final : public test_support::ForwardingFiles {
 public:
-    explicit ReadOnlyFiles(jet::FileSystem& files) : files_(files) {}
+    explicit ReadOnlyFiles(jet::FileSystem& files) : ForwardingFiles(files) {}
     base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                                   jet::OpenMode mode) override {
         if (mode != jet::OpenMode::kRead) return Refusal();
-        return files_.Open(path, mode);
+        return ForwardingFiles::Open(path, mode);
     }
-    bool Exists(const std::filesystem::path& path) override { return files_.Exists(path); }
     base::Status Remove(const std::filesystem::path&) override { return Refusal(); }
     base::Status Rename(const std::filesystem::path&, const std::filesystem::path&) override {
         return Refusal();
     }
-    base::Status SyncFolder(const std::filesystem::path& folder) override {
-        return files_.SyncFolder(folder);
-    }
-    std::string OwnerName() override { return files_.OwnerName(); }
 
 private:
     static base::Status Refusal() { return {base::StatusCode::kPermissionDenied, "read only"}; }
-    jet::FileSystem& files_;
 };
 
 TEST_F(FreshFolder, AReadOnlyDatabaseOpensAndKeepsItsColumns) {

@@ -3,6 +3,7 @@
 #include "catalogue/field_text.h"
 #include "maintenance/command_fixture.h"
 #include "maintenance/failing_files.h"
+#include "support/forwarding_files.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -105,51 +106,42 @@ TEST_F(BackupTest, AClosedCatalogueEndsItSilently) {
 }
 
 // Notes in which order a copy is synced and renamed.
-class RecordingFiles final : public jet::FileSystem {
+class RecordingFiles final : public test_support::ForwardingFiles {
 public:
-    explicit RecordingFiles(jet::FileSystem& system) : system_(system) {}
+    explicit RecordingFiles(jet::FileSystem& system) : ForwardingFiles(system) {}
     std::vector<std::string> calls;
 
     base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                                   jet::OpenMode mode) override {
-        auto file = system_.Open(path, mode);
+        auto file = ForwardingFiles::Open(path, mode);
         if (!file.ok()) return file;
         return std::unique_ptr<jet::File>(
             std::make_unique<Recorded>(std::move(file).value(), *this, path.filename().string()));
     }
-    bool Exists(const std::filesystem::path& path) override { return system_.Exists(path); }
-    base::Status Remove(const std::filesystem::path& path) override { return system_.Remove(path); }
     base::Status Rename(const std::filesystem::path& from,
                         const std::filesystem::path& to) override {
         calls.push_back("rename " + from.filename().string() + " to " + to.filename().string());
-        return system_.Rename(from, to);
+        return ForwardingFiles::Rename(from, to);
     }
     base::Status SyncFolder(const std::filesystem::path& folder) override {
         calls.emplace_back("sync folder");
-        return system_.SyncFolder(folder);
+        return ForwardingFiles::SyncFolder(folder);
     }
-    std::string OwnerName() override { return system_.OwnerName(); }
 
 private:
-    class Recorded final : public jet::File {
+    class Recorded final : public test_support::ForwardingFile {
     public:
         Recorded(std::unique_ptr<jet::File> file, RecordingFiles& files, std::string name)
-            : file_(std::move(file)), files_(files), name_(std::move(name)) {}
+            : ForwardingFile(std::move(file)), files_(files), name_(std::move(name)) {}
         ~Recorded() override { Note("close"); }
-        base::Result<std::uint64_t> Size() const override { return file_->Size(); }
-        base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
-            return file_->ReadAt(offset, bytes);
-        }
         base::Status WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
             Note("write");
-            return file_->WriteAt(offset, bytes);
+            return ForwardingFile::WriteAt(offset, bytes);
         }
-        base::Status Truncate(std::uint64_t size) override { return file_->Truncate(size); }
         base::Status Sync() override {
             Note("sync");
-            return file_->Sync();
+            return ForwardingFile::Sync();
         }
-        base::Status Lock(jet::FileLock lock) override { return file_->Lock(lock); }
 
     private:
         void Note(const char* call) {
@@ -157,12 +149,9 @@ private:
             if (name_ == "pinball.BU.new" && (files_.calls.empty() || files_.calls.back() != text))
                 files_.calls.push_back(text);
         }
-        std::unique_ptr<jet::File> file_;
         RecordingFiles& files_;
         std::string name_;
     };
-
-    jet::FileSystem& system_;
 };
 
 TEST_F(BackupTest, TheCopyIsOnTheDiskBeforeItTakesThePlaceOfTheOldOne) {

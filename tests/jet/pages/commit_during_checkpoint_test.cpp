@@ -3,6 +3,7 @@
 #include "jet/pages/page_store.h"
 
 #include "support/faulty_file_system.h"
+#include "support/forwarding_files.h"
 #include "support/make_pages.h"
 
 #include <gtest/gtest.h>
@@ -17,55 +18,34 @@ using test_support::MakePages;
 constexpr const char* kPath = "folder/tables.mdb";
 
 // Passes everything on and tells when a file is synced.
-class TellingFile final : public jet::File {
+class TellingFile final : public test_support::ForwardingFile {
 public:
     TellingFile(std::unique_ptr<jet::File> file, const std::function<void()>& synced)
-        : file_(std::move(file)), synced_(synced) {}
-    base::Result<std::uint64_t> Size() const override { return file_->Size(); }
-    base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
-        return file_->ReadAt(offset, bytes);
-    }
-    base::Status WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
-        return file_->WriteAt(offset, bytes);
-    }
-    base::Status Truncate(std::uint64_t size) override { return file_->Truncate(size); }
+        : ForwardingFile(std::move(file)), synced_(synced) {}
     base::Status Sync() override {
         if (synced_) synced_();
-        return file_->Sync();
+        return ForwardingFile::Sync();
     }
-    base::Status Lock(jet::FileLock lock) override { return file_->Lock(lock); }
 
 private:
-    std::unique_ptr<jet::File> file_;
     const std::function<void()>& synced_;
 };
 
-class TellingFiles final : public jet::FileSystem {
+class TellingFiles final : public test_support::ForwardingFiles {
 public:
-    explicit TellingFiles(jet::FileSystem& files) : files_(files) {}
+    explicit TellingFiles(jet::FileSystem& files) : ForwardingFiles(files) {}
 
     std::function<void()> database_synced;
 
     base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                                   jet::OpenMode mode) override {
-        auto file = files_.Open(path, mode);
+        auto file = ForwardingFiles::Open(path, mode);
         if (!file.ok() || path != kPath) return file;
         return std::unique_ptr<jet::File>(
             std::make_unique<TellingFile>(std::move(file).value(), database_synced));
     }
-    bool Exists(const std::filesystem::path& path) override { return files_.Exists(path); }
-    base::Status Remove(const std::filesystem::path& path) override { return files_.Remove(path); }
-    base::Status Rename(const std::filesystem::path& from,
-                        const std::filesystem::path& to) override {
-        return files_.Rename(from, to);
-    }
-    base::Status SyncFolder(const std::filesystem::path& folder) override {
-        return files_.SyncFolder(folder);
-    }
-    std::string OwnerName() override { return files_.OwnerName(); }
 
 private:
-    jet::FileSystem& files_;
 };
 
 jet::PageStoreOptions WithoutFlusher() {

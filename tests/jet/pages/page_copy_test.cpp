@@ -2,6 +2,7 @@
 #include "jet/pages/page_copy.h"
 
 #include "support/faulty_file_system.h"
+#include "support/forwarding_files.h"
 #include "support/make_pages.h"
 
 #include <gtest/gtest.h>
@@ -18,29 +19,18 @@ constexpr const char* kPath = "folder/tables.mdb";
 constexpr std::size_t kAt = 100;
 
 // The files of another file system, and something that happens before each opening of one of them.
-class WatchedFiles final : public jet::FileSystem {
+class WatchedFiles final : public test_support::ForwardingFiles {
 public:
-    explicit WatchedFiles(jet::FileSystem& files) : files_(files) {}
+    explicit WatchedFiles(jet::FileSystem& files) : ForwardingFiles(files) {}
     std::function<void(const std::filesystem::path&)> on_open;
 
     base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                                   jet::OpenMode mode) override {
         if (on_open) on_open(path);
-        return files_.Open(path, mode);
+        return ForwardingFiles::Open(path, mode);
     }
-    bool Exists(const std::filesystem::path& path) override { return files_.Exists(path); }
-    base::Status Remove(const std::filesystem::path& path) override { return files_.Remove(path); }
-    base::Status Rename(const std::filesystem::path& from,
-                        const std::filesystem::path& to) override {
-        return files_.Rename(from, to);
-    }
-    base::Status SyncFolder(const std::filesystem::path& folder) override {
-        return files_.SyncFolder(folder);
-    }
-    std::string OwnerName() override { return files_.OwnerName(); }
 
 private:
-    jet::FileSystem& files_;
 };
 
 class PageCopyTest : public testing::Test {
