@@ -1,6 +1,7 @@
 #include "jet/pages/page_copy.h"
 
 #include "jet/errors.h"
+#include "jet/pages/file_page_store.h"
 #include "jet/pages/journal.h"
 #include "jet/pages/page_encoding.h"
 
@@ -88,9 +89,11 @@ base::Result<FileBytes> ReadWhole(FileSystem& files, const std::filesystem::path
     return ReadUpTo(*file, most);
 }
 
-// Empty: no journal. One that vanishes or shrinks while it is read counts as none.
-FileBytes ReadJournalBytes(FileSystem& files, const std::filesystem::path& database) {
-    return ReadWhole(files, Journal::PathFor(database)).value_or({});
+// Empty: no journal.
+base::Result<FileBytes> ReadJournalBytes(FileSystem& files, const std::filesystem::path& database) {
+    auto bytes = ReadWhole(files, Journal::PathFor(database));
+    if (bytes.status().code() == base::StatusCode::kNotFound) return FileBytes();
+    return bytes;
 }
 
 bool BeginsWith(const FileBytes& bytes, const FileBytes& start) {
@@ -98,19 +101,19 @@ bool BeginsWith(const FileBytes& bytes, const FileBytes& start) {
            std::ranges::equal(start, std::span(bytes).first(start.size()));
 }
 
-// nullopt: a checkpoint ended meanwhile.
-std::optional<BytesFileSystem> TryToRead(FileSystem& files, const std::filesystem::path& path,
-                                         base::Status& failure) {
-    const FileBytes journal_before = ReadJournalBytes(files, path);
-    auto database = ReadWhole(files, path);
-    failure = database.status();
-    if (!database.ok()) return std::nullopt;
-    FileBytes journal = ReadJournalBytes(files, path);
-    const FileBytes head = ReadWhole(files, path, kHeadBytes).value_or({});
-    if (!BeginsWith(journal, journal_before)) return std::nullopt;
-    // Without a journal a whole checkpoint may have come and gone: it would have left its mark.
-    if (journal.empty() && !BeginsWith(*database, head)) return std::nullopt;
-    return BytesFileSystem(path, std::move(database).value(), std::move(journal));
+// nullopt: a checkpoint ended meanwhile. A journal that goes on where it stood when the reading
+// began tells all that has changed since. Where there was none, a whole checkpoint may have come
+// and gone, and even another journal been begun: it would have left its mark.
+base::Result<std::optional<BytesFileSystem>> TryToRead(FileSystem& files,
+                                                       const std::filesystem::path& path) {
+    ASSIGN_OR_RETURN(const FileBytes head_before, ReadWhole(files, path, kHeadBytes));
+    ASSIGN_OR_RETURN(const FileBytes journal_before, ReadJournalBytes(files, path));
+    ASSIGN_OR_RETURN(FileBytes database, ReadWhole(files, path));
+    ASSIGN_OR_RETURN(FileBytes journal, ReadJournalBytes(files, path));
+    ASSIGN_OR_RETURN(const FileBytes head, ReadWhole(files, path, kHeadBytes));
+    if (!BeginsWith(journal, journal_before) || (journal_before.empty() && head != head_before))
+        return std::optional<BytesFileSystem>();
+    return std::optional(BytesFileSystem(path, std::move(database), std::move(journal)));
 }
 
 // The pages as a database file has them.
@@ -134,17 +137,20 @@ base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
                                                    const std::filesystem::path& path) {
     PageStoreOptions options;
     options.read_only = true;
+    base::Status failure = JetError(ErrorNumber::kFileInUse, path.string());
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
-        base::Status failure;
-        auto read = TryToRead(files, path, failure);
+        auto read = TryToRead(files, path);
+        // A file that shrinks while it is read cannot be told from one that cannot be read.
+        if (read.status().code() == base::StatusCode::kIoError) failure = read.status();
         // The ordinary way says best what is wrong with the file.
-        if (!failure.ok()) return OpenPageStore(files, path, options);
-        if (!read) continue;
-        ASSIGN_OR_RETURN(const auto store, OpenPageStore(*read, path, options));
-        ASSIGN_OR_RETURN(FileBytes bytes, BytesOf(*store));
-        return MakeMemoryPageStore(store->page_size(), std::move(bytes));
+        else if (!read.ok())
+            return OpenPageStore(files, path, options);
+        if (!read.ok() || !*read) continue;
+        ASSIGN_OR_RETURN(const auto store, OpenPageStore(**read, path, options));
+        ASSIGN_OR_RETURN(const FileBytes bytes, BytesOf(*store));
+        return MakeMemoryPageStore(store->page_size(), bytes);
     }
-    return JetError(ErrorNumber::kFileInUse, path.string());
+    return EngineStatus(failure);
 }
 
 }  // namespace jet

@@ -2,8 +2,9 @@
 // The copy is what the last commit left, all of it: the database file alone would not do, as a
 // checkpoint may be halfway through it, but what a checkpoint writes stands in the journal before
 // and stays there until it is done. So the journal is read before and after the database file; when
-// what was there before is there still, it makes whatever was read from the file whole. Takes no
-// lock and writes nothing. Changes of the copy stay in the copy.
+// what was there before is there still, it makes whatever was read from the file whole. When there
+// was none before, the file mark tells whether a checkpoint came and went. Takes no lock and writes
+// nothing. Changes of the copy stay in the copy.
 #pragma once
 
 #include "jet/pages/page_store.h"

@@ -1,13 +1,17 @@
 // Copies of a database that somebody else is changing.
 #include "jet/pages/page_copy.h"
 
+#include "jet/pages/journal.h"
+
 #include "support/faulty_file_system.h"
 #include "support/forwarding_files.h"
 #include "support/make_pages.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
+#include <string>
 
 namespace {
 
@@ -18,19 +22,39 @@ using test_support::MakePages;
 constexpr const char* kPath = "folder/tables.mdb";
 constexpr std::size_t kAt = 100;
 
-// The files of another file system, and something that happens before each opening of one of them.
+// The files of another file system, and something that happens before each opening of one of them
+// and between the halves of each long reading.
 class WatchedFiles final : public test_support::ForwardingFiles {
 public:
     explicit WatchedFiles(jet::FileSystem& files) : ForwardingFiles(files) {}
-    std::function<void(const std::filesystem::path&)> on_open;
+    std::function<void()> on_step;
 
     base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                                   jet::OpenMode mode) override {
-        if (on_open) on_open(path);
-        return ForwardingFiles::Open(path, mode);
+        if (on_step) on_step();
+        if (!refused.empty() && path == refused)
+            return base::Status(base::StatusCode::kPermissionDenied, "Not yours.");
+        ASSIGN_OR_RETURN(auto file, ForwardingFiles::Open(path, mode));
+        return std::unique_ptr<jet::File>(std::make_unique<WatchedFile>(std::move(file), *this));
     }
+    std::filesystem::path refused;
 
 private:
+    class WatchedFile final : public test_support::ForwardingFile {
+    public:
+        WatchedFile(std::unique_ptr<jet::File> file, const WatchedFiles& files)
+            : ForwardingFile(std::move(file)), files_(files) {}
+        base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
+            constexpr std::size_t kAPage = 4096;
+            if (bytes.size() <= 2 * kAPage) return ForwardingFile::ReadAt(offset, bytes);
+            RETURN_IF_ERROR(ForwardingFile::ReadAt(offset, bytes.first(2 * kAPage)));
+            if (files_.on_step) files_.on_step();
+            return ForwardingFile::ReadAt(offset + 2 * kAPage, bytes.subspan(2 * kAPage));
+        }
+
+    private:
+        const WatchedFiles& files_;
+    };
 };
 
 class PageCopyTest : public testing::Test {
@@ -89,32 +113,58 @@ TEST_F(PageCopyTest, ItsChangesStayInIt) {
     EXPECT_NE(ByteAt(*writer_, 1), 9);
 }
 
-// Whatever the writer does between two openings of a file: commits and checkpoints, one page of two
-// is never newer than the other.
+// Whatever the writer does at any two steps of the reading, commits and checkpoints: one page of
+// two is never newer than the other.
 TEST_F(PageCopyTest, IsWholeWhateverHappensMeanwhile) {
+    constexpr int kSteps = 8;  // openings and halves of readings
+    constexpr std::array<const char*, 6> kActions = {"", "w", "f", "wf", "fw", "wfw"};
     WatchedFiles watched(files_);
-    for (int happens_at = 0; happens_at < 6; ++happens_at)
-        for (const bool flushes : {false, true}) {
-            Write(happens_at * 10 + 1);
-            int openings = 0;
-            watched.on_open = [&](const std::filesystem::path&) {
-                if (openings++ != happens_at) return;
-                Write(happens_at * 10 + 2);
-                if (flushes) {
-                    ASSERT_TRUE(writer_->Flush().ok());
-                }
-            };
-            const auto copy = jet::CopyPages(watched, kPath);
-            ASSERT_TRUE(copy.ok()) << copy.status().message();
-            EXPECT_EQ(ByteAt(**copy, 1), ByteAt(**copy, 2)) << happens_at << flushes;
-            EXPECT_GE(ByteAt(**copy, 1), happens_at * 10 + 1) << happens_at << flushes;
+    int value = 0;
+    const auto act = [&](const std::string& actions) {
+        for (const char action : actions) {
+            if (action == 'w')
+                Write(value = value % 100 + 1);
+            else
+                ASSERT_TRUE(writer_->Flush().ok());
         }
+    };
+    for (const char* before : {"w", "wf"})
+        for (int first = 0; first < kSteps; ++first)
+            for (int second = first; second < kSteps; ++second)
+                for (const char* at_first : kActions)
+                    for (const char* at_second : kActions) {
+                        watched.on_step = {};
+                        act(before);
+                        const int at_least = value;
+                        int step = 0;
+                        watched.on_step = [&] {
+                            if (step == first) act(at_first);
+                            if (step == second) act(at_second);
+                            ++step;
+                        };
+                        const auto copy = jet::CopyPages(watched, kPath);
+                        ASSERT_TRUE(copy.ok()) << copy.status().message();
+                        const std::string what = std::string(before) + ' ' + at_first + '@' +
+                                                 std::to_string(first) + ' ' + at_second + '@' +
+                                                 std::to_string(second);
+                        ASSERT_EQ(ByteAt(**copy, 1), ByteAt(**copy, 2)) << what;
+                        const int newer = (ByteAt(**copy, 1) - at_least + 100) % 100;
+                        ASSERT_LE(newer, 4) << what;
+                    }
+}
+
+// Without its journal the copy would lack what was committed last.
+TEST_F(PageCopyTest, AJournalThatCannotBeReadIsAFailure) {
+    Write(7);
+    WatchedFiles watched(files_);
+    watched.refused = jet::Journal::PathFor(kPath);
+    EXPECT_FALSE(jet::CopyPages(watched, kPath).ok());
 }
 
 TEST_F(PageCopyTest, GivesUpWhenTheFileNeverRests) {
     WatchedFiles watched(files_);
     int value = 0;
-    watched.on_open = [&](const std::filesystem::path&) {
+    watched.on_step = [&] {
         Write(value++ % 100);
         EXPECT_TRUE(writer_->Flush().ok());
     };
