@@ -1,7 +1,7 @@
 // Removing the entries of many rows: every page once, from the leaves up. A page that is left
 // without entries leaves the tree, sparse ones are balanced among the children of their node as
-// after single removals (index_tree_balance.cpp), and each node is written once, when all below it
-// is done.
+// after single removals (index_tree_balance.cpp), and each node is written when all below it is
+// done, once for what went away and once more for each of its pages that balancing merged.
 #include "jet/errors.h"
 #include "jet/index/index_page_split.h"
 #include "jet/index/index_tree.h"

@@ -56,7 +56,7 @@ public:
     }
     base::Status Finish() {
         if (bytes_.empty()) return {};
-        const base::Status written = file_.WriteAt(start_, bytes_);
+        base::Status written = file_.WriteAt(start_, bytes_);
         bytes_.clear();
         return written;
     }

@@ -28,29 +28,33 @@ void PageCache::Put(PageNumber page, SharedPage bytes) {
 
 void PageCache::Erase(PageNumber page) {
     const std::uint32_t slot = SlotOf(page);
-    if (slot != kNoSlot) ForgetEntry(entries_[slot]);
+    if (slot != kNoSlot) ForgetEntry(slot);
 }
 
-void PageCache::ForgetEntry(Entry& entry) {
-    slots_[entry.page] = kNoSlot;
-    entry = {};
+void PageCache::ForgetEntry(std::uint32_t slot) {
+    slots_[entries_[slot].page] = kNoSlot;
+    entries_[slot] = {};
+    free_.push_back(slot);
     --used_;
 }
 
 // The hand takes the first entry that was not used since it last passed.
 std::uint32_t PageCache::FreeEntry() {
-    if (entries_.size() < capacity_) {
+    if (free_.empty() && entries_.size() < capacity_) {
         entries_.emplace_back();
         return static_cast<std::uint32_t>(entries_.size() - 1);
     }
-    while (entries_[hand_].bytes != nullptr && entries_[hand_].asked_for) {
-        entries_[hand_].asked_for = false;
+    if (free_.empty()) {
+        while (entries_[hand_].asked_for) {
+            entries_[hand_].asked_for = false;
+            hand_ = (hand_ + 1) % capacity_;
+        }
+        ForgetEntry(static_cast<std::uint32_t>(hand_));
         hand_ = (hand_ + 1) % capacity_;
     }
-    const std::size_t slot = hand_;
-    hand_ = (hand_ + 1) % capacity_;
-    if (entries_[slot].bytes != nullptr) ForgetEntry(entries_[slot]);
-    return static_cast<std::uint32_t>(slot);
+    const std::uint32_t slot = free_.back();
+    free_.pop_back();
+    return slot;
 }
 
 }  // namespace jet

@@ -29,17 +29,18 @@ private:
 
     struct Entry {
         PageNumber page = 0;
-        SharedPage bytes;  // null: the entry is free
+        SharedPage bytes;  // null: it is among free_
         bool asked_for = false;
     };
     std::uint32_t SlotOf(PageNumber page) const {
         return page < slots_.size() ? slots_[page] : kNoSlot;
     }
     std::uint32_t FreeEntry();
-    void ForgetEntry(Entry& entry);
+    void ForgetEntry(std::uint32_t slot);
 
     std::size_t capacity_;
     std::vector<Entry> entries_;
+    std::vector<std::uint32_t> free_;  // places among entries_
     // The place of each page of the file among entries_, or kNoSlot: four bytes a page, 2 MiB for
     // the largest file.
     std::vector<std::uint32_t> slots_;

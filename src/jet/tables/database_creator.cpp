@@ -179,7 +179,7 @@ base::Result<std::vector<std::byte>> MakeEmptyDatabase(double now, int version) 
     std::vector<std::byte> bytes = MakePageHeader(version, now);
     ASSIGN_OR_RETURN(const PageHeader header, ReadPageHeader(bytes, ""));
     bytes.resize(std::size_t{SystemPagesOf(version).page_count} * format.page_size);
-    const auto store = MakeMemoryPageStore(format.page_size, std::move(bytes));
+    const auto store = MakeMemoryPageStore(format.page_size, bytes);
     FileContext file(*store, header);
     RETURN_IF_ERROR(store->Begin());
     RETURN_IF_ERROR(FillPages(file, now));

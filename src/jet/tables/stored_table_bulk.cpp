@@ -29,7 +29,7 @@ base::Status StoredTable::Delete(std::span<const RowId> rows) {
     RETURN_IF_ERROR(CheckWritable());
     if (IsReferredTo() || !AreMany(rows.size())) {
         for (const RowId row : rows) {
-            const base::Status deleted = Delete(row);
+            base::Status deleted = Delete(row);
             if (!deleted.ok() && !Is(deleted, ErrorNumber::kRecordDeleted)) return deleted;
         }
         return {};
@@ -100,10 +100,11 @@ std::optional<StoredTable::BulkUpdate> StoredTable::PlanBulk(std::span<const Row
 
 base::Status StoredTable::UpdateOneByOne(std::span<const RowId> rows, const RowUpdate& update) {
     std::vector<Value> new_values(update.columns.size());
+    std::vector<ColumnChange> changes;
     for (const RowId row : rows) {
-        RETURN_IF_ERROR(Read(row, update.read, update.values));
+        if (!update.read.empty()) RETURN_IF_ERROR(Read(row, update.read, update.values));
         RETURN_IF_ERROR(update.make(new_values));
-        std::vector<ColumnChange> changes;
+        changes.clear();
         for (std::size_t i = 0; i < new_values.size(); ++i)
             changes.push_back({update.columns[i], std::move(new_values[i])});
         RETURN_IF_ERROR(Update(row, changes));

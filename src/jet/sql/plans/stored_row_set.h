@@ -14,8 +14,9 @@ namespace jet::sql {
 
 class StoredRowSet {
 public:
-    // True: such a row was added before. False: it is new, or the set has given up because most
-    // rows were.
+    // False: the set has given up, because most rows were new.
+    bool is_worth_it() const { return is_worth_it_; }
+    // True: such a row was added before. False: it is new, or the set has given up.
     bool Add(std::span<const std::byte> row) {
         if (!is_worth_it_) return false;
         ++added_;
@@ -24,6 +25,7 @@ public:
         if (rows_.size() >= kTrial && rows_.size() * 2 > added_) {
             is_worth_it_ = false;
             rows_.clear();
+            arena_ = {};
             return false;
         }
         const auto* const kept = reinterpret_cast<const char*>(arena_.Add(row.data(), row.size()));

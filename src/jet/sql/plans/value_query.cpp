@@ -96,7 +96,7 @@ Status DistinctQuery::ForEachOtherRow(const std::vector<std::size_t>& columns,
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
         if (!row) return Status::Ok();
-        if (stored != nullptr) {
+        if (stored != nullptr && known.is_worth_it()) {
             fields.clear();
             RETURN_IF_ERROR(stored->Append(columns, fields));
             if (known.Add(fields)) continue;
