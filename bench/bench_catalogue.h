@@ -2,7 +2,8 @@
 // benchmarks of commands.
 #pragma once
 
-#include "base/status.h"
+#include "measure.h"
+
 #include "catalogue/catalogue.h"
 #include "catalogue/date_texts.h"
 #include "catalogue/new_catalogue.h"
@@ -15,21 +16,12 @@
 
 #include <QtCore/QTemporaryDir>
 
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
 #include <vector>
 
 namespace bench {
-
-// Ends the program with the failure's text: a benchmark of something that failed says nothing.
-inline void Require(const base::Status& status) {
-    if (status.ok()) return;
-    std::fprintf(stderr, "%s\n", status.message().c_str());
-    std::exit(1);
-}
 
 class NoSettings final : public platform::SettingsStore {
 public:
@@ -68,13 +60,6 @@ private:
     catalogue::ProcessValues values_;
     catalogue::Catalogue catalogue_;
 };
-
-template <typename Work>
-double Seconds(const Work& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 // The number after `option` on the command line, else `fallback`.
 inline int NumberOption(int argc, char** argv, const char* option, int fallback) {

@@ -33,18 +33,6 @@ void Run(const Writer& writer, double& best, std::uint64_t& bytes) {
 
 }  // namespace
 
-void Require(const base::Status& status) {
-    if (status.ok()) return;
-    std::fprintf(stderr, "%s\n", status.message().c_str());
-    std::exit(1);
-}
-
-double Seconds(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
 Duel Alternate(const std::function<void()>& ours, const std::function<void()>& theirs) {
     Duel best;
     for (int round = 0; round < kRounds; ++round) {

@@ -1,9 +1,7 @@
 // Two programs doing the same in turn, timed: what a line of a benchmark's table is made of.
-// Everything that fails ends the program with the failure's text: a benchmark of something that
-// failed says nothing.
 #pragma once
 
-#include "base/status.h"
+#include "measure.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,15 +10,11 @@
 
 namespace bench {
 
-void Require(const base::Status& status);
-
 template <typename T>
 T Required(base::Result<T> result) {
     Require(result.status());
     return std::move(result).value();
 }
-
-double Seconds(const std::function<void()>& work);
 
 // Of the fastest of five runs of each.
 struct Duel {

@@ -2,7 +2,7 @@
 // file, all to /dev/null.
 //   list_bench [--tables N] [--rounds R]       100,000 tables, best of 5 rounds
 // Aim: list --json sooner than mdb-export.
-#include "bench_catalogue.h"
+#include "many_tables.h"
 #include "platform/application_folder.h"
 
 #include <QtCore/QCoreApplication>
@@ -13,21 +13,6 @@
 #include <limits>
 
 namespace {
-
-QString RowValues(int i) {
-    return QStringLiteral(
-               "'Pinball table number %1', '/home/user/tables/folder %2/Table number %1 of "
-               "many.vpt', 'Author %3', 'Company %4', '%5', '1.%6', 'Some notes on table %1', "
-               "%7, false, #1/%8/2004 10:30:00 AM#, '20-Nov-26', %6, 'A1B2C3D4'")
-        .arg(i)
-        .arg(i % 300)
-        .arg(i % 911)
-        .arg(i % 37)
-        .arg(1950 + i % 60)
-        .arg(i % 10)
-        .arg(i % 3 == 0 ? QStringLiteral("true") : QStringLiteral("false"))
-        .arg(1 + i % 28);
-}
 
 double Run(const QString& program, const QStringList& words) {
     return bench::Seconds([&] {
@@ -47,17 +32,9 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     const int tables = bench::NumberOption(argc, argv, "--tables", 100'000);
     const int rounds = bench::NumberOption(argc, argv, "--rounds", 5);
-    QString database;
-    bench::BenchCatalogue catalogue;
-    for (int i = 0; i < tables; ++i)
-        catalogue.Execute(
-            QStringLiteral(
-                "INSERT INTO Tables (DisplayName, FileName, Author, Company, Year, Version, Notes, "
-                "PinMame, Favorite, FileDate, DateAdded, TimesPlayed, CRC) VALUES (%1)")
-                .arg(RowValues(i)));
-    bench::Require(catalogue.get().CatalogueConnection->Close());
-    database = catalogue.Path(QStringLiteral("pinball.mdb"));
-    const QString folder = catalogue.Path(QString());
+    const QTemporaryDir folder;
+    bench::MakeManyTables(folder.path(), QStringLiteral("/home/user/tables"), tables);
+    const QString database = folder.filePath(QStringLiteral("pinball.mdb"));
     std::printf("%d tables, file of %.1f MB\n", tables, double(QFile(database).size()) / 1e6);
 
     const QString cli = platform::ProgramFolder() + QStringLiteral("/tavolo-cli");
@@ -67,7 +44,7 @@ int main(int argc, char** argv) {
         QStringList words;
         double best = std::numeric_limits<double>::max();
     };
-    const QString at = QStringLiteral("--folder=") + folder;
+    const QString at = QStringLiteral("--folder=") + folder.path();
     Line lines[] = {
         {"mdb-export", QStringLiteral("mdb-export"), {database, QStringLiteral("Tables")}},
         {"tavolo-cli list --json", cli, {at, QStringLiteral("list"), QStringLiteral("--json")}},

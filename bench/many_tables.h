@@ -35,10 +35,8 @@ inline QString RowValues(const QString& root, int i) {
                     QString::number(i % 10));
 }
 
-// Makes the catalogue folder/pinball.mdb of `tables` tables below `root`. An old one has no index
-// on FileName.
-inline void MakeManyTables(const QString& folder, const QString& root, int tables,
-                           bool is_old = false) {
+// Makes the catalogue folder/pinball.mdb of `tables` tables below `root`.
+inline void MakeManyTables(const QString& folder, const QString& root, int tables) {
     const auto files = platform::MakeFileSystem();
     platform::SystemClock clock;
     NoSettings settings;
@@ -49,7 +47,6 @@ inline void MakeManyTables(const QString& folder, const QString& root, int table
     jet::Connection connection(*files);
     catalogue::Catalogue catalogue{&connection, &values, &settings, &clock};
     Require(catalogue::Main(catalogue));
-    if (is_old) Require(connection.Execute(u"DROP INDEX FileName ON Tables").status());
     for (int i = 0; i < tables; ++i) {
         const QString sql =
             QStringLiteral(

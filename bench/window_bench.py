@@ -154,14 +154,13 @@ class Window:
 
 # Actions: name, what happens before, the input, questions that are asked (kind, statement), what happens afterwards.
 
-SHOW = [("row", "Select * from tables where FileName = 'FOLDER/tables/folder 7/Table number 7 of many.vpt'"),
-        ("values", "select notes from tables where Filename = 'FOLDER/tables/folder 7/Table number 7 of many.vpt'")]
-NOTES = SHOW[1:]
+SHOW = [("row", "Select * from tables where FileName = 'FOLDER/tables/folder 7/Table number 7 of many.vpt'")]
 
 
 class Action:
-    def __init__(self, name, act, before=None, after=None, questions=()):
-        self.name, self.act, self.before, self.after, self.questions = name, act, before, after, list(questions)
+    """`shown_ms`: how long Qt shows something before it goes on, whatever the program does."""
+    def __init__(self, name, act, before=None, after=None, questions=(), shown_ms=0):
+        self.name, self.act, self.before, self.after, self.questions, self.shown_ms = name, act, before, after, list(questions), shown_ms
 
 
 def click(window, _):
@@ -327,8 +326,8 @@ def actions():
     yield Action("key Page Down", key("Next"), tree_at("Down"), questions=SHOW)
     yield Action("key End", key("End"), tree_at("Down"), questions=SHOW)
     yield Action("key Home", key("Home"), tree_at("End"))
-    yield Action("key p, where names begin so", key("p"), tree_at("Down"), questions=SHOW + NOTES)
-    yield Action("key z, where no name begins so", lambda w, _: w.desktop.xdotool("key", "z", "Down"), tree_at("Down"), questions=SHOW + NOTES)
+    yield Action("key p, where names begin so", key("p"), tree_at("Down"), questions=SHOW)
+    yield Action("key z, where no name begins so", lambda w, _: w.desktop.xdotool("key", "z", "Down"), tree_at("Down"), questions=SHOW)
     yield Action("wheel", lambda w, _: w.button(5), lambda w, t: (w.focus_tree(), w.point_row(5)))
     yield Action("key Right: a table's lines open", key("Right"), tree_at("Down"), tree_at("Down", "Left"))
     yield Action("key Left: a table's lines close", key("Left"), tree_at("Down", "Right"))
@@ -362,7 +361,7 @@ def actions():
     yield shown("Year", ALL + " Where Year > '1990'", "1990", operator=">")
     yield shown("Times Played", ALL + " Where TimesPlayed = 3", "3")
     yield Action("Delete, answered Yes (Qt shows Yes pressed for 100 ms)", lambda w, _: w.key("alt+y"), lambda w, t: (all_tables(w, t) if t == 0 else None, delete_asked(w, t)),
-                 questions=[("change", "Delete from tables where ID = -7")] + list_questions(ALL))
+                 questions=[("change", "Delete from tables where ID = -7")] + list_questions(ALL), shown_ms=100)
     yield Action("key *: everything opens", key("asterisk"), lambda w, t: (all_tables(w, t), w.focus_tree()))
     yield Action("key Down, everything open", key("Down"), tree_at("Down"))
     yield Action("key End, everything open", key("End"), tree_at("Down"))
@@ -372,7 +371,7 @@ def actions():
 
 
 def verdict(few, many):
-    if many > AIM_MS and many - few > SMALL_MS:
+    if many > AIM_MS:
         return "over"
     if many > AIM_RATIO * few and many - few > SMALL_MS:
         return "over twice"
@@ -391,7 +390,7 @@ def measure(windows, chosen, rounds):
                 best[place] = min(best[place], window.timed(lambda: action.act(window, turn)))
                 if action.after:
                     action.after(window, turn)
-        asked = [sum(window.question_ms[q] for q in action.questions) for window in windows]
+        asked = [action.shown_ms + sum(window.question_ms[q] for q in action.questions) for window in windows]
         own = [max(total - question, 0.1) for total, question in zip(best, asked)]
         word = verdict(*own)
         missed += bool(word)
@@ -421,13 +420,14 @@ def main():
             missed = measure(windows, chosen, options.rounds)
             for window in windows:
                 now, most = window.memory()
+                missed += most > AIM_MEMORY_MB
                 print(f"resident memory of {window.tables} tables: {window.memory_at_start[0]:.0f} MB with the first tree, {now:.0f} MB now, "
                       f"{most:.0f} MB at the most (aim: under {AIM_MEMORY_MB})")
         finally:
             for window in windows:
                 if getattr(window, "program", None):
                     window.stop()
-    print(f"over the aims: {missed} of {len(chosen)} actions")
+    print(f"aims missed: {missed}, of {len(chosen)} actions and {len(windows)} sizes in memory")
 
 
 if __name__ == "__main__":

@@ -72,8 +72,8 @@ void StatusPanels::StartProgress(std::int64_t steps) {
 void StatusPanels::Advance(std::int64_t step) {
     const int hundredths = static_cast<int>(step * kHundred / steps_);
     if (hundredths == hundredths_) return;
-    hundredths_ = hundredths;
     if (since_drawn_.isValid() && !since_drawn_.hasExpired(kDrawMs)) return;
+    hundredths_ = hundredths;
     since_drawn_.start();
     prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
     if (steps_ >= kWorthShowing && isVisible())

@@ -11,7 +11,6 @@ namespace browser {
 
 using catalogue::OpenSelection;
 using catalogue::Selection;
-using catalogue::SelectionSql;
 using catalogue::WrongValue;
 
 // The text of the count panel: "12 Tables in list.  ".

@@ -1,4 +1,4 @@
-// TableSelection: what a user asks to see of the catalogue, and its rows.
+// Selection: what a user asks to see of the catalogue, and its rows.
 #pragma once
 
 #include "base/status.h"

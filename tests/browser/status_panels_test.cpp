@@ -100,6 +100,19 @@ TEST_F(StatusPanelsTest, ABarThatAdvancesQuicklyIsNotDrawnAtEachHundredth) {
     EXPECT_LE(drawings.count(), 1 + elapsed.elapsed() / kBetweenDrawingsMs);
 }
 
+// The next hundredth may take minutes.
+TEST_F(StatusPanelsTest, AHundredthThatCameTooSoonIsDrawnAtALaterStep) {
+    panels.StartProgress(10'000);
+    panels.Advance(100);
+    panels.Advance(200);  // sooner than another drawing is due
+    std::int64_t step = 200;
+    EXPECT_TRUE(test_support::WaitFor([&] {
+        if (step < 299) ++step;
+        panels.Advance(step);
+        return Bar()->value() > 100;
+    }));
+}
+
 TEST_F(StatusPanelsTest, ALongTextInTheNamePanelDoesNotWidenTheWindow) {
     const int before = panels.minimumSizeHint().width();
     panels.SetPanelText(kNamePanel, QString(2000, QLatin1Char('x')));

@@ -75,7 +75,8 @@ TEST_F(TreeQueryTest, AValueWithAQuoteFindsItsRow) {
 
 TEST_F(TreeQueryTest, AQuoteInAValueIsNeverDoubled) {
     AddRow(S(u"DisplayName, Author"), S(u"'t', 'O''Hara | Sons'"));
-    const auto sql = SelectionSql(*connection, ByValue(u"Author", u"=", u"O'Hara | Sons"));
+    const auto sql =
+        catalogue::SelectionSql(*connection, ByValue(u"Author", u"=", u"O'Hara | Sons"));
     ASSERT_TRUE(sql.ok() && *sql);
     EXPECT_EQ((*sql)->toStdString(),
               "Select * from Tables Where Author = 'O' & chr(39) & 'Hara ' & chr(124) & ' Sons'"
