@@ -159,6 +159,32 @@ TEST_F(FileSystemTest, RenameReplacesAndRemoveRemoves) {
     EXPECT_EQ(files_->SyncFolder(folder_ / "b").code(), StatusCode::kNotFound);
 }
 
+TEST_F(FileSystemTest, AFileThatIsReplacedStaysALinkAndItsOwnersOnly) {
+    Open("a", OpenMode::kCreate);
+    Open("b", OpenMode::kCreate);
+    const auto mode = std::filesystem::perms{0640};
+    std::filesystem::permissions(folder_ / "b", mode);
+    std::filesystem::create_symlink("b", folder_ / "link");
+    ASSERT_TRUE(Open("a", OpenMode::kReadWrite)->WriteAt(0, Bytes("abc")).ok());
+    ASSERT_TRUE(files_->Rename(folder_ / "a", folder_ / "link").ok());
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "link"));
+    EXPECT_EQ(std::filesystem::status(folder_ / "b").permissions(), mode);
+    EXPECT_EQ(Open("b", OpenMode::kRead)->Size().value(), 3u);
+}
+
+TEST_F(FileSystemTest, AFileKnowsWhetherItsPathStillLeadsToIt) {
+    const auto file = Open("a", OpenMode::kCreate);
+    std::filesystem::create_symlink("a", folder_ / "link");
+    EXPECT_TRUE(file->IsAt(folder_ / "a"));
+    EXPECT_TRUE(file->IsAt(folder_ / "link"));
+    Open("b", OpenMode::kCreate);
+    EXPECT_FALSE(file->IsAt(folder_ / "b"));
+    ASSERT_TRUE(files_->Rename(folder_ / "b", folder_ / "a").ok());
+    EXPECT_FALSE(file->IsAt(folder_ / "a"));
+    ASSERT_TRUE(files_->Remove(folder_ / "a").ok());
+    EXPECT_FALSE(file->IsAt(folder_ / "a"));
+}
+
 TEST_F(FileSystemTest, OwnerNameNamesUserAndComputer) {
     const std::string name = files_->OwnerName();
     const std::size_t at = name.find('@');

@@ -87,6 +87,12 @@ public:
         return {};
     }
 
+    bool IsAt(const std::filesystem::path& path) const override {
+        const std::lock_guard lock(files_.mutex_);
+        const auto found = files_.live_.find(path);
+        return found != files_.live_.end() && found->second == inode_;
+    }
+
 private:
     FaultyFileSystem& files_;
     std::shared_ptr<FaultyFileSystem::Inode> inode_;

@@ -22,6 +22,7 @@ public:
     base::Status Truncate(std::uint64_t size) override { return file_->Truncate(size); }
     base::Status Sync() override { return file_->Sync(); }
     base::Status Lock(jet::FileLock lock) override { return file_->Lock(lock); }
+    bool IsAt(const std::filesystem::path& path) const override { return file_->IsAt(path); }
 
 private:
     std::unique_ptr<jet::File> file_;

@@ -37,6 +37,9 @@ public:
     // Advisory lock of the whole file against other processes and other File objects; never waits.
     // kBusy: it is locked already.
     virtual base::Status Lock(FileLock lock) = 0;
+    // Whether `path` still leads to this file. No: another one has come in its place since it was
+    // opened. The answer for systems where that cannot be is yes.
+    virtual bool IsAt(const std::filesystem::path&) const { return true; }
 };
 
 class FileSystem {
@@ -46,7 +49,8 @@ public:
                                                      OpenMode mode) = 0;
     virtual bool Exists(const std::filesystem::path& path) = 0;
     virtual base::Status Remove(const std::filesystem::path& path) = 0;
-    // Replaces `to` when it exists, in one step.
+    // Replaces `to` when it exists, in one step. Who may read and write it stays; where `to` is a
+    // link, the file that it leads to is replaced.
     virtual base::Status Rename(const std::filesystem::path& from,
                                 const std::filesystem::path& to) = 0;
     // Makes creations, removals and renames in `folder` permanent.

@@ -115,6 +115,9 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
         if (!owner.ok()) return CannotOpen(files, path, owner.status());
         parts.owner = std::move(owner).value();
     }
+    // Somebody held it and has put another file in its place (a compaction does): what is written
+    // into this one would be lost.
+    if (!parts.file->IsAt(path)) return JetError(ErrorNumber::kFileInUse, path.string());
     auto journal = FindJournal(files, path, parts, options.read_only);
     if (!journal.ok()) return CannotOpen(files, path, journal.status());
     const auto size = parts.file->Size();

@@ -132,6 +132,13 @@ public:
         return Failure(errno, name_);
     }
 
+    bool IsAt(const std::filesystem::path& path) const override {
+        struct stat here {};
+        struct stat there {};
+        return ::fstat(descriptor_, &here) == 0 && ::stat(path.c_str(), &there) == 0 &&
+               here.st_dev == there.st_dev && here.st_ino == there.st_ino;
+    }
+
 private:
     int descriptor_;
     std::string name_;
@@ -163,7 +170,19 @@ public:
     }
 
     Status Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        return ::rename(from.c_str(), to.c_str()) == 0 ? Status() : Failure(errno, from.string());
+        // A file that is replaced stays what its folder says of it: a link, and who may use it.
+        std::filesystem::path place = to;
+        struct stat info {};
+        if (::stat(to.c_str(), &info) == 0) {
+            std::error_code error;
+            const std::filesystem::path target = std::filesystem::canonical(to, error);
+            if (error) return Failure(error.value(), to.string());
+            place = target;
+            if (::chmod(from.c_str(), info.st_mode & 07777) != 0)
+                return Failure(errno, from.string());
+        }
+        return ::rename(from.c_str(), place.c_str()) == 0 ? Status()
+                                                          : Failure(errno, from.string());
     }
 
     Status SyncFolder(const std::filesystem::path& folder) override {

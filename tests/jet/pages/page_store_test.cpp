@@ -3,6 +3,7 @@
 
 #include "jet/pages/file_mark.h"
 #include "support/faulty_file_system.h"
+#include "support/forwarding_files.h"
 #include "support/page_workload.h"
 
 #include <gtest/gtest.h>
@@ -670,6 +671,39 @@ TEST_F(FilePageStoreTest, ReadersShareTheFileAndKeepWritersOut) {
     one.reset();
     two.reset();
     EXPECT_NE(Open(files_), nullptr);
+}
+
+// Another file comes in the place of a database between the moment that it is opened and the one
+// that it is locked, as a compaction by another process may do it.
+class ReplacedFiles final : public test_support::ForwardingFiles {
+public:
+    ReplacedFiles(FaultyFileSystem& files, std::vector<std::byte> bytes)
+        : ForwardingFiles(files), files_(files), bytes_(std::move(bytes)) {}
+    base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
+                                                  jet::OpenMode mode) override {
+        auto file = files_.Open(path, mode);
+        if (bytes_.empty()) return file;
+        files_.Put("folder/other.mdb", std::exchange(bytes_, {}));
+        EXPECT_TRUE(files_.Rename("folder/other.mdb", kPath).ok());
+        return file;
+    }
+
+private:
+    FaultyFileSystem& files_;
+    std::vector<std::byte> bytes_;
+};
+
+TEST_F(FilePageStoreTest, NobodyGoesOnWithAFileThatWasReplaced) {
+    for (const bool read_only : {false, true}) {
+        FaultyFileSystem files;
+        files.Put(kPath, MakePages(1, 4));
+        ReplacedFiles replaced(files, MakePages(1, 4));
+        jet::PageStoreOptions options;
+        options.read_only = read_only;
+        EXPECT_EQ(jet::OpenPageStore(replaced, kPath, options).status().number(), 3045);
+        EXPECT_FALSE(files.Exists("folder/tables.ldb"));
+        EXPECT_TRUE(jet::OpenPageStore(replaced, kPath, options).ok());
+    }
 }
 
 TEST_F(FilePageStoreTest, ALockFileHeldByAnotherProgramMeansBusy) {
