@@ -8,7 +8,7 @@ set(engine_libraries base jet_base jet_values jet_text jet_pages jet_rows jet_in
 # What connection.h, database.h and check.h include, and the file system of this system.
 set(engine_headers base/status.h base/unicode.h
     jet/check/check.h jet/connection.h jet/ids.h jet/pages/file_system.h jet/pages/page_store.h jet/recordset.h
-    jet/repair/compact.h jet/tables/database.h jet/tables/row_rules.h jet/values/schema.h jet/values/value.h
+    jet/repair/compact.h jet/repair/repair.h jet/tables/database.h jet/tables/row_rules.h jet/values/schema.h jet/values/value.h
     platform/file_system.h)
 set(engine_component COMPONENT tavolo_jet EXCLUDE_FROM_ALL)
 

@@ -1,7 +1,10 @@
 // tavolo-dbcheck FILE: checks a database file without changing it. Exit status: 0 sound, 1 faults,
-// 2 the file cannot be checked.
+// 2 the file cannot be checked. With --compact it makes the file smaller, with --repair a new one
+// out of a damaged one: 0 done, 1 repaired with losses, 2 not done.
 #include "app/print_failure.h"
 #include "jet/check/check.h"
+#include "jet/repair/compact.h"
+#include "jet/repair/repair.h"
 #include "platform/file_system.h"
 
 #include <cstdio>
@@ -17,7 +20,16 @@ constexpr int kCannotCheck = 2;
 constexpr char kUsage[] =
     "Usage: tavolo-dbcheck [--json] FILE\n"
     "Checks every rule of a database file (.mdb) and prints what is wrong.\n"
-    "Exit status: 0 sound (warnings may be printed), 1 faults, 2 cannot be checked.\n";
+    "Exit status: 0 sound (warnings may be printed), 1 faults, 2 cannot be checked.\n"
+    "\n"
+    "       tavolo-dbcheck --compact FILE\n"
+    "Writes the file anew without pages that nothing uses. Nobody may have it open.\n"
+    "Exit status: 0 done, 2 not done; the file is then as it was.\n"
+    "\n"
+    "       tavolo-dbcheck --repair FILE NEW\n"
+    "Writes all that can still be read in a damaged FILE into the file NEW and prints what is "
+    "lost.\n"
+    "Exit status: 0 nothing is lost, 1 something is, 2 not done.\n";
 
 std::string Quoted(const std::string& text) {
     std::string quoted = "\"";
@@ -76,7 +88,10 @@ void PrintJson(const std::string& file, const jet::CheckReport& report) {
 }
 
 struct Arguments {
-    const char* file = nullptr;  // nullptr: none, or the arguments are wrong
+    const char* file = nullptr;      // nullptr: none, or the arguments are wrong
+    const char* new_file = nullptr;  // of a repair
+    bool compact = false;
+    bool repair = false;
     bool json = false;
     bool help = false;
 };
@@ -88,11 +103,18 @@ Arguments ParseArguments(int argc, char** argv) {
             arguments.help = true;
         else if (std::strcmp(argv[i], "--json") == 0)
             arguments.json = true;
-        else if (std::strncmp(argv[i], "--", 2) == 0 || arguments.file != nullptr)
+        else if (std::strcmp(argv[i], "--compact") == 0)
+            arguments.compact = true;
+        else if (std::strcmp(argv[i], "--repair") == 0)
+            arguments.repair = true;
+        else if (std::strncmp(argv[i], "--", 2) == 0 || arguments.new_file != nullptr)
             return {};
         else
-            arguments.file = argv[i];
+            (arguments.file == nullptr ? arguments.file : arguments.new_file) = argv[i];
     }
+    if (arguments.help) return arguments;
+    const int orders = int{arguments.json} + int{arguments.compact} + int{arguments.repair};
+    if (orders > 1 || arguments.repair != (arguments.new_file != nullptr)) return {};
     return arguments;
 }
 
@@ -113,6 +135,34 @@ int Check(const Arguments& arguments) {
     return report.sound() ? kSound : kFaults;
 }
 
+int Compact(const Arguments& arguments) {
+    const auto files = platform::MakeFileSystem();
+    const auto report = jet::CompactInPlace(*files, arguments.file);
+    if (!report.ok()) {
+        app::PrintFailure("tavolo-dbcheck", report.status());
+        return kCannotCheck;
+    }
+    Print(std::to_string(report->pages_before) + " pages before, " +
+          std::to_string(report->pages_after) + " pages now, " + std::to_string(report->tables) +
+          " tables, " + std::to_string(report->rows) + " rows\n");
+    return kSound;
+}
+
+int Repair(const Arguments& arguments) {
+    const auto files = platform::MakeFileSystem();
+    jet::RepairReport report;
+    const base::Status done = jet::Repair(*files, arguments.file, arguments.new_file, report);
+    for (const jet::RepairLoss& loss : report.losses)
+        Print(jet::Describe(loss) + "\n");
+    if (!done.ok()) {
+        app::PrintFailure("tavolo-dbcheck", done);
+        return kCannotCheck;
+    }
+    Print(std::to_string(report.tables) + " tables, " + std::to_string(report.rows) + " rows, " +
+          std::to_string(report.loss_count) + " losses\n");
+    return report.loss_count == 0 ? kSound : kFaults;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -125,5 +175,7 @@ int main(int argc, char** argv) {
         std::fputs(kUsage, stderr);
         return kCannotCheck;
     }
+    if (arguments.compact) return Compact(arguments);
+    if (arguments.repair) return Repair(arguments);
     return Check(arguments);
 }

@@ -3,7 +3,6 @@
 // "Compacting".
 #pragma once
 
-#include "jet/ids.h"
 #include "jet/pages/file_system.h"
 #include "jet/pages/page_store.h"
 

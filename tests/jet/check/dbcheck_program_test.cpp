@@ -85,6 +85,37 @@ TEST_F(DbcheckProgramTest, FaultsAreStatusOneAsTextAndAsJson) {
     EXPECT_NE(json.output.find("name \\\"quoted\\\".mdb\""), std::string::npos);
 }
 
+TEST_F(DbcheckProgramTest, CompactsInPlace) {
+    const auto path = folder_ / "a.mdb";
+    std::filesystem::copy_file(test_support::DataFolder() / "databases/arcade-jet4.mdb", path);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    const auto answer = Dbcheck("--compact '" + path.string() + "'");
+    EXPECT_EQ(answer.status, 0) << answer.output;
+    EXPECT_NE(answer.output.find(" pages now, "), std::string::npos) << answer.output;
+    EXPECT_EQ(Dbcheck("'" + path.string() + "'").status, 0);
+    EXPECT_EQ(Dbcheck("--compact '" + (folder_ / "none.mdb").string() + "'").status, 2);
+    EXPECT_EQ(Dbcheck("--compact --json '" + path.string() + "'").status, 2);
+}
+
+TEST_F(DbcheckProgramTest, RepairsIntoANewFile) {
+    const auto sound = test_support::DataFolder() / "databases/arcade-jet4.mdb";
+    const std::string to = "'" + (folder_ / "new.mdb").string() + "'";
+    EXPECT_EQ(Dbcheck("--repair '" + sound.string() + "'").status, 2);
+    const auto whole = Dbcheck("--repair '" + sound.string() + "' " + to);
+    EXPECT_EQ(whole.status, 0) << whole.output;
+    EXPECT_EQ(Dbcheck("--repair '" + sound.string() + "' " + to).status, 2);  // it is there
+    std::vector<std::byte> bytes(std::filesystem::file_size(sound));
+    std::ifstream(sound, std::ios::binary)
+        .read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::fill_n(bytes.begin(), 16, std::byte{0xEE});
+    const std::string damaged = Write("damaged.mdb", bytes);
+    const std::string other = "'" + (folder_ / "other.mdb").string() + "'";
+    const auto lossy = Dbcheck("--repair " + damaged + " " + other);
+    EXPECT_EQ(lossy.status, 1) << lossy.output;
+    EXPECT_NE(lossy.output.find("page 0: the first page was damaged"), std::string::npos);
+    EXPECT_EQ(Dbcheck(other).status, 0);
+}
+
 TEST_F(DbcheckProgramTest, ASoundFileIsStatusZero) {
     const auto answer =
         Dbcheck("'" + (test_support::DataFolder() / "databases/arcade-jet3.mdb").string() + "'");
