@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -30,6 +31,21 @@ base::Status Failure(int error_number) {
     return {code, std::generic_category().message(error_number), error_number};
 }
 
+// Waits for a stream that whoever started us has made one that does not block; false: it cannot.
+bool WaitFor(int descriptor, short events) {
+    pollfd stream{descriptor, events, 0};
+    while (poll(&stream, 1, -1) < 0)
+        if (errno != EINTR) return false;
+    return true;
+}
+
+// Whether the call that has just failed may be made again.
+bool MayGoOn(int descriptor, short events) {
+    if (errno == EINTR) return true;
+    const bool would_block = errno == EAGAIN || errno == EWOULDBLOCK;
+    return would_block && WaitFor(descriptor, events);
+}
+
 }  // namespace
 
 void KeepGoingWhenPipesClose() {
@@ -42,10 +58,11 @@ bool IsTerminal(StandardStream stream) {
 
 base::Status WriteTo(StandardStream stream, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t written = write(DescriptorOf(stream), bytes.data(), bytes.size());
+        const int descriptor = DescriptorOf(stream);
+        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
         if (written >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
+        else if (!MayGoOn(descriptor, POLLOUT))
             return Failure(errno);
     }
     return {};
@@ -56,7 +73,7 @@ base::Result<QByteArray> ReadStandardInput(qint64 most) {
     QByteArray piece(static_cast<qsizetype>(kPieceBytes), '\0');
     while (true) {
         const ssize_t got = read(STDIN_FILENO, piece.data(), kPieceBytes);
-        if (got < 0 && errno == EINTR) continue;
+        if (got < 0 && MayGoOn(STDIN_FILENO, POLLIN)) continue;
         if (got < 0) return Failure(errno);
         if (got == 0) return bytes;
         bytes.append(piece.constData(), static_cast<qsizetype>(got));
