@@ -25,19 +25,6 @@ constexpr int kFilesPerFolder = 20;
 constexpr int kBytes = 1024;
 constexpr int kRounds = 5;
 
-class NoEvents final : public platform::UserEvents {
-public:
-    void ProcessEvents() override {}
-};
-
-class NoObserver final : public discovery::ScanObserver {
-public:
-    void FolderQueued(const QString&) override {}
-    void ListingFolder(const QString&) override {}
-    void FolderListed() override {}
-    void TableAdded(const QString&, const QString&) override {}
-};
-
 void MakeTree(const QString& root, int files) {
     const QByteArray bytes(kBytes, 'x');
     for (int i = 0; i < files; ++i) {
@@ -60,8 +47,8 @@ double Run(const QString& program, const QStringList& arguments) {
 }
 
 double Scan(bench::BenchCatalogue& catalogue, const QString& root, int new_files) {
-    NoEvents events;
-    NoObserver observer;
+    platform::NoUserEvents events;
+    discovery::UnwatchedScan observer;
     std::int64_t found = 0;
     const double seconds = bench::Seconds([&] {
         discovery::FolderScan scan(catalogue.get(), events, observer);

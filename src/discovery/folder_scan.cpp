@@ -22,10 +22,12 @@ FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& ev
 
 base::Status FolderScan::Run(const QString& folder) {
     found_count_ = 0;
+    added_ids_.clear();
     queue_.clear();
     links_.clear();
     met_folders_.clear();
     met_linked_files_.clear();
+    start_listing_ = {};
     const QString real = platform::RealPath(ListedFolder(folder));
     Queue({folder, real != platform::AbsolutePath(ListedFolder(folder))});
     while (!queue_.empty()) {
@@ -41,9 +43,16 @@ base::Status FolderScan::Run(const QString& folder) {
 
 base::Status FolderScan::AddFile(const QString& path) {
     found_count_ = 0;
+    added_ids_.clear();
     if (!IsTableFileName(path))
         return {base::StatusCode::kInvalidArgument, path.toStdString() + " is not a table file"};
-    return HandleFile(path);
+    for (const QString& name : {path, platform::RealPath(path)}) {
+        if (name.isEmpty()) continue;  // nothing is there, as ChecksumOf will say
+        ASSIGN_OR_RETURN(const bool is_known, known_.Contains(name));
+        if (is_known) return {};
+    }
+    ASSIGN_OR_RETURN(const QString checksum_text, ChecksumOf(path));
+    return Store(path, checksum_text);
 }
 
 void FolderScan::Queue(const Folder& folder) {
@@ -70,13 +79,16 @@ base::Status FolderScan::ListFolder(const Folder& folder) {
     const QString identity = platform::Identity(folder.path);
     if (met_folders_.contains(identity)) return {};
     met_folders_.insert(identity);
+    const bool is_start = met_folders_.size() == 1;
     bool is_first = true;
     base::Status failure;
     // A folder that cannot be listed adds nothing, and the walk goes on.
-    platform::ListFolder(folder.path, [&](const platform::FolderEntry& entry) {
-        if (!std::exchange(is_first, false)) events_.ProcessEvents();
-        if (failure.ok()) failure = HandleEntry(folder, entry);
-    }).Ignore();
+    const base::Status listed =
+        platform::ListFolder(folder.path, [&](const platform::FolderEntry& entry) {
+            if (!std::exchange(is_first, false)) events_.ProcessEvents();
+            if (failure.ok()) failure = HandleEntry(folder, entry);
+        });
+    if (is_start) start_listing_ = listed;
     return failure;
 }
 
@@ -109,27 +121,41 @@ base::Status FolderScan::HandleLinkedFile(const QString& path) {
     return HandleFile(path);
 }
 
-// Recycle-bin folders are scanned like any other.
+// Recycle-bin folders are scanned like any other. A file that cannot be read, or whose path is too
+// long, is skipped silently; the next scan tries it again.
 base::Status FolderScan::HandleFile(const QString& path) {
     ASSIGN_OR_RETURN(const bool is_known, known_.Contains(path));
-    return is_known ? base::Status() : Add(path);
+    if (is_known) return {};
+    const auto checksum_text = ChecksumOf(path);
+    if (!checksum_text.ok()) return {};
+    const base::Status stored = Store(path, *checksum_text);
+    return catalogue::IsValueTrouble(stored) ? base::Status() : stored;
 }
 
-// A file that cannot be read, or whose path is too long, is skipped silently; the next scan tries
-// it again.
-base::Status FolderScan::Add(const QString& path) {
-    const auto value = crc_.CalculateFile(platform::ToPath(path));
-    if (!value.ok()) return {};
-    const QString checksum_text = QString::fromStdU16String(checksum::ChecksumText(*value));
+base::Result<QString> FolderScan::ChecksumOf(const QString& path) {
+    ASSIGN_OR_RETURN(const auto value, crc_.CalculateFile(platform::ToPath(path)));
+    return QString::fromStdU16String(checksum::ChecksumText(value));
+}
+
+base::Status FolderScan::Store(const QString& path, const QString& checksum_text) {
     const QString display_name = BaseName(path);
+    known_.BeginAttempt();
     const base::Status stored = Insert(path, display_name, checksum_text);
     if (!stored.ok()) {
         known_.NoteRefused();
-        return catalogue::IsValueTrouble(stored) ? base::Status() : stored;
+        return stored;
     }
     known_.NoteStored(path);
+    RETURN_IF_ERROR(NoteId());
     observer_.TableAdded(display_name, checksum_text);
     ++found_count_;
+    return {};
+}
+
+base::Status FolderScan::NoteId() {
+    ASSIGN_OR_RETURN(auto rows, catalogue_.CatalogueConnection->Execute(u"Select @@IDENTITY"));
+    ASSIGN_OR_RETURN(const jet::Value id, rows.Fields(std::size_t{0}));
+    added_ids_.push_back(jet::ToInteger(id));
     return {};
 }
 

@@ -22,6 +22,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <vector>
 
 namespace discovery {
 
@@ -38,6 +39,15 @@ public:
     virtual void TableAdded(const QString& display_name, const QString& checksum_text) = 0;
 };
 
+// For scans whose progress nobody watches.
+class UnwatchedScan final : public ScanObserver {
+public:
+    void FolderQueued(const QString&) override {}
+    void ListingFolder(const QString&) override {}
+    void FolderListed() override {}
+    void TableAdded(const QString&, const QString&) override {}
+};
+
 class FolderScan {
 public:
     // All three are borrowed and outlive the scan.
@@ -47,11 +57,16 @@ public:
     // Walks `folder` and all folders below it. An empty text is the root folder of the current
     // drive. A failure of the database ends the walk; tables added before stay.
     base::Status Run(const QString& folder);
-    // Adds one table file, unless the catalogue has it; found_count() says so. kInvalidArgument:
-    // it is not called as table files are.
+    // Adds one table file, unless the catalogue has it, under this path or under the one that links
+    // in it lead to. kInvalidArgument: it is not called as table files are, or the catalogue cannot
+    // hold its path. A file that cannot be read is an error.
     base::Status AddFile(const QString& path);
-    // Tables that the last run has added.
+    // Tables that the last run, or the last AddFile, has added, and their IDs.
     std::int64_t found_count() const { return found_count_; }
+    const std::vector<std::int64_t>& added_ids() const { return added_ids_; }
+    // Why the folder of the last run could not be listed itself, which Run passes over as it does
+    // with any other; ok: it was.
+    const base::Status& start_listing() const { return start_listing_; }
 
 private:
     struct Folder {
@@ -69,7 +84,9 @@ private:
     base::Status HandleEntry(const Folder& folder, const platform::FolderEntry& entry);
     base::Status HandleLinkedFile(const QString& path);
     base::Status HandleFile(const QString& path);
-    base::Status Add(const QString& path);
+    base::Result<QString> ChecksumOf(const QString& path);
+    base::Status Store(const QString& path, const QString& checksum_text);
+    base::Status NoteId();
     base::Status Insert(const QString& path, const QString& display_name,
                         const QString& checksum_text);
 
@@ -82,6 +99,8 @@ private:
     KnownNames known_;
     checksum::clsCRC crc_;
     std::int64_t found_count_ = 0;
+    std::vector<std::int64_t> added_ids_;
+    base::Status start_listing_;
 };
 
 // The name of a file without its folder and its last extension: "Game.final" for

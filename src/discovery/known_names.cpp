@@ -6,22 +6,25 @@
 #include "jet/tables/database.h"
 #include "platform/text_view.h"
 
+#include <utility>
+
 namespace discovery {
-namespace {
-
-// Databases of version 3 have keys of another kind in their indexes.
-constexpr int kVersionOfTheseKeys = 4;
-
-}  // namespace
-
 base::Result<bool> KnownNames::Contains(const QString& path) {
     const std::u16string_view text = platform::View(path);
-    if (!CanBeHeld() || !catalogue::HasTextKey(text) || !catalogue::IsPlainInSql(path))
+    const jet::Database* const database = connection_.database();
+    const bool is_first = !std::exchange(was_asked_, true);
+    if (is_first || database == nullptr || !catalogue::HasTextKey(text) ||
+        !catalogue::IsPlainInSql(path))
         return AskDatabase(path);
-    const std::uint64_t changes = connection_.database()->changes();
+    const std::uint64_t changes = database->changes();
     if (changes_ != changes) are_held_ = Read();
     changes_ = changes;
     return are_held_ ? keys_.contains(catalogue::TextKey(text)) : AskDatabase(path);
+}
+
+void KnownNames::BeginAttempt() {
+    const jet::Database* const database = connection_.database();
+    attempt_ = database != nullptr ? std::optional(database->changes()) : std::nullopt;
 }
 
 void KnownNames::NoteStored(const QString& path) {
@@ -31,14 +34,9 @@ void KnownNames::NoteStored(const QString& path) {
     NoteRefused();
 }
 
-// Any other change makes the next call of Contains read the names again.
 void KnownNames::NoteRefused() {
-    if (changes_ && connection_.database()->changes() == *changes_ + 1) ++*changes_;
-}
-
-bool KnownNames::CanBeHeld() const {
     const jet::Database* const database = connection_.database();
-    return database && database->jet_version() == kVersionOfTheseKeys;
+    if (database != nullptr && changes_ && changes_ == attempt_) changes_ = database->changes();
 }
 
 bool KnownNames::Read() {

@@ -13,6 +13,12 @@ public:
     virtual void ProcessEvents() = 0;
 };
 
+// For work in a program without windows.
+class NoUserEvents final : public UserEvents {
+public:
+    void ProcessEvents() override {}
+};
+
 class StatusDisplay {
 public:
     virtual ~StatusDisplay() = default;

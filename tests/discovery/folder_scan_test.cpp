@@ -1,9 +1,11 @@
 #include "discovery/folder_scan.h"
 
 #include "catalogue/date_texts.h"
+#include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
 #include "catalogue/quoting.h"
 #include "platform/files.h"
+#include "support/as_nobody.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
 #include "support/test_data.h"
@@ -94,7 +96,7 @@ TEST_F(FolderScanTest, TheCatalogueIsReadOnceHoweverManyFilesAreFound) {
     CountWalks();
     EXPECT_EQ(Scan(), kFiles);
     EXPECT_EQ(walks.scans, 1);
-    EXPECT_EQ(walks.ranges, 1) << "of the path that has no key";
+    EXPECT_EQ(walks.ranges, 2) << "of the first path, and of the one that has no key";
     EXPECT_EQ(Scan(), 0);
     EXPECT_EQ(walks.scans, 2);
 }
@@ -369,6 +371,61 @@ TEST_F(FolderScanTest, APathThatTheCatalogueCannotHoldIsPassedOver) {
     MakeFile(deep + QStringLiteral("/long.vpt"));
     MakeFile(QStringLiteral("short.vpt"));
     EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Count(), QStringLiteral("1"));
+}
+
+// One file.
+
+class AddFileTest : public FolderScanTest {
+protected:
+    base::Status AddFile(const QString& path) {
+        FolderScan scan(catalogue, events, observer);
+        const base::Status done = scan.AddFile(path);
+        EXPECT_EQ(scan.found_count(), static_cast<std::int64_t>(scan.added_ids().size()));
+        ids = scan.added_ids();
+        return done;
+    }
+    std::vector<std::int64_t> ids;
+};
+
+TEST_F(AddFileTest, TheIdsOfTheAddedRowsAreKnown) {
+    Execute(QStringLiteral("Insert into Tables (ID, FileName) Values (40, '/t/one.vpt')"));
+    ASSERT_TRUE(AddFile(MakeFile(QStringLiteral("a.vpt"))).ok());
+    ASSERT_EQ(ids.size(), 1u);
+    EXPECT_EQ(FieldOf(QStringLiteral("ID"), Path(QStringLiteral("a.vpt"))),
+              QString::number(ids[0]));
+    ASSERT_TRUE(AddFile(Path(QStringLiteral("a.vpt"))).ok());
+    EXPECT_TRUE(ids.empty());
+}
+
+TEST_F(AddFileTest, AFileThatCannotBeReadIsAFailure) {
+    const QString path = MakeFile(QStringLiteral("locked.vpt"));
+    ASSERT_EQ(chmod(QFile::encodeName(tables.path()).constData(), 0755), 0);
+    ASSERT_EQ(chmod(QFile::encodeName(path).constData(), 0), 0);
+    {
+        const test_support::AsNobody nobody;
+        const base::Status done = AddFile(path);
+        EXPECT_EQ(done.message(), "locked.vpt: cannot be read");
+    }
+    EXPECT_FALSE(AddFile(Path(QStringLiteral("missing.vpt"))).ok());
+    EXPECT_EQ(Count(), QStringLiteral("0"));
+}
+
+TEST_F(AddFileTest, APathThatTheCatalogueCannotHoldIsAFailure) {
+    const QString deep =
+        QStringLiteral("a").repeated(200) + u'/' + QStringLiteral("b").repeated(200);
+    const base::Status done = AddFile(MakeFile(deep + QStringLiteral("/long.vpt")));
+    EXPECT_TRUE(catalogue::IsValueTrouble(done)) << done.message();
+    EXPECT_EQ(Count(), QStringLiteral("0"));
+}
+
+TEST_F(AddFileTest, ALinkToATableOfTheCatalogueIsThatTable) {
+    const QString real = MakeFile(QStringLiteral("real.vpt"));
+    const QString link = Path(QStringLiteral("link.vpt"));
+    ASSERT_TRUE(QFile::link(real, link));
+    ASSERT_TRUE(AddFile(real).ok());
+    ASSERT_TRUE(AddFile(link).ok());
+    EXPECT_TRUE(ids.empty());
     EXPECT_EQ(Count(), QStringLiteral("1"));
 }
 
