@@ -1,6 +1,9 @@
 #include "app/commands.h"
 
+#include "app/given_tables.h"
+#include "base/scope_guards.h"
 #include "browser/table_info_command.h"
+#include "catalogue/error_report.h"
 #include "checksum/frmCRC.h"
 #include "dialogs/about_text.h"
 #include "dialogs/frmAbout.h"
@@ -17,6 +20,8 @@
 #include "pictures/frmPicture.h"
 #include "platform/application_folder.h"
 
+#include <QtWidgets/QApplication>
+
 namespace app {
 
 Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
@@ -32,6 +37,33 @@ Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& promp
         launcher_.EndWatches();
         splash_.Unload();
     });
+}
+
+void Commands::PaintEvents::ProcessEvents() {
+    const base::ScopedFlag processing(is_processing_);
+    events_.ProcessEvents();
+}
+
+void Commands::ExpectTables(const QString& path) {
+    window_.Raise();
+    if (!MayTakeTables())
+        window_.TellInPassing({base::StatusCode::kBusy, "Waiting to add " + path.toStdString()});
+}
+
+void Commands::TakeTables(const QString& path) {
+    const auto added = AddGivenTables(catalogue_, path, held_back_events_, Context().progress);
+    // What was added before a failure is there, too; an empty tree is filled by SelectTable.
+    const bool may_be_new = !added.ok() || *added > 0;
+    if (may_be_new && window_.TreeSelection()) window_.RefreshTree();
+    if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
+    if (!window_.SelectTable(IsGiven(path)))
+        window_.TellInPassing(
+            {base::StatusCode::kNotFound, "There is no table in " + path.toStdString()});
+}
+
+bool Commands::MayTakeTables() const {
+    return !held_back_events_.is_processing() && QApplication::activeModalWidget() == nullptr &&
+           !window_.details().record_changed();
 }
 
 maintenance::CommandContext Commands::Context() {

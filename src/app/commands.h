@@ -40,7 +40,26 @@ public:
     Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
              const OutsideWorld& outside, browser::frmPinball& window);
 
+    // Shows the window to somebody who has handed tables over; says so if they have to wait.
+    void ExpectTables(const QString& path);
+    // Adds the table file, or those of the folder, unless the catalogue has them, and selects the
+    // first of them in the tree. `path` is absolute. Says what goes wrong.
+    void TakeTables(const QString& path);
+    // False: a command is at work, a dialog is open, or a record is changed and not yet stored.
+    bool MayTakeTables() const;
+
 private:
+    // Lets windows be painted while a command works on the catalogue.
+    class PaintEvents final : public platform::UserEvents {
+    public:
+        void ProcessEvents() override;
+        bool is_processing() const { return is_processing_; }
+
+    private:
+        dialogs::QtUserEvents events_{dialogs::UserInput::kHeldBack};
+        bool is_processing_ = false;
+    };
+
     browser::CommandActions Actions();
     void AttachPlay();
 
@@ -66,7 +85,7 @@ private:
     std::function<void()> refresh_tree_;
     browser::SplashDisplay splash_;
     dialogs::QtUserEvents events_;
-    dialogs::QtUserEvents held_back_events_{dialogs::UserInput::kHeldBack};
+    PaintEvents held_back_events_;
     dialogs::HelpKey help_key_{outside_.shell, catalogue_.values->ApplicationFolder};
     QPointer<dialogs::frmSettings> settings_;  // as long as it is open
     launcher::Launcher launcher_;

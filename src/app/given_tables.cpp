@@ -7,41 +7,38 @@
 #include "tableinfo/update_from_table_files.h"
 
 namespace app {
-namespace {
 
-// No window is there yet.
-class NoWindow final : public platform::UserEvents, public discovery::ScanObserver {
-public:
-    void ProcessEvents() override {}
-    void FolderQueued(const QString&) override {}
-    void ListingFolder(const QString&) override {}
-    void FolderListed() override {}
-    void TableAdded(const QString&, const QString&) override {}
-};
-
-}  // namespace
-
-base::Status AddGivenTables(catalogue::Catalogue& catalogue, const QString& path) {
-    NoWindow none;
-    discovery::FolderScan scan(catalogue, none, none);
+base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
+                                          platform::UserEvents& events,
+                                          const catalogue::Progress& progress) {
+    discovery::UnwatchedScan observer;
+    discovery::FolderScan scan(catalogue, events, observer);
     if (platform::FolderExists(path))
         RETURN_IF_ERROR(scan.Run(path));
     else if (platform::FileExists(path))
         RETURN_IF_ERROR(scan.AddFile(platform::ExistingName(path)));
     else
-        return {base::StatusCode::kNotFound, "File not found: " + path.toStdString(),
-                platform::kFileNotFound};
-    if (scan.found_count() == 0) return {};
-    return tableinfo::UpdateFromTableFiles(catalogue, 0, nullptr);
+        return base::Status(base::StatusCode::kNotFound, "File not found: " + path.toStdString(),
+                            platform::kFileNotFound);
+    // Those that were there may have been edited since; what was typed counts more.
+    RETURN_IF_ERROR(
+        tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events, progress));
+    RETURN_IF_ERROR(scan.start_listing());
+    return scan.found_count();
 }
 
 std::function<bool(const QString& file_name)> IsGiven(const QString& path) {
+    // The catalogue may have them under the path that links in this one lead to.
+    const QString real = platform::RealPath(path);
     if (!platform::FolderExists(path))
-        return [name = platform::ExistingName(path)](const QString& file_name) {
-            return file_name.compare(name, Qt::CaseInsensitive) == 0;
+        return [name = platform::ExistingName(path), real](const QString& file_name) {
+            return file_name.compare(name, Qt::CaseInsensitive) == 0 ||
+                   (!real.isEmpty() && file_name.compare(real, Qt::CaseInsensitive) == 0);
         };
-    return [folder = catalogue::WithTrailingSeparator(path)](const QString& file_name) {
-        return file_name.startsWith(folder, Qt::CaseInsensitive);
+    return [folder = catalogue::WithTrailingSeparator(path),
+            real_folder = catalogue::WithTrailingSeparator(real)](const QString& file_name) {
+        return file_name.startsWith(folder, Qt::CaseInsensitive) ||
+               file_name.startsWith(real_folder, Qt::CaseInsensitive);
     };
 }
 

@@ -3,17 +3,24 @@
 
 #include "base/status.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/progress_meter.h"
+#include "platform/user_events.h"
 
 #include <QtCore/QString>
 
+#include <cstdint>
 #include <functional>
 
 namespace app {
 
 // Adds the table file, or the table files in the folder and below it, that the catalogue does not
-// have, and copies what they say into it, if there are any. `path` is absolute. kNotFound: nothing
-// has this name.
-base::Status AddGivenTables(catalogue::Catalogue& catalogue, const QString& path);
+// have, and copies what they say into the added rows; all other rows stay as they are. `path` is
+// absolute. The answer is how many were added. kNotFound: nothing has this name. Of a single file
+// every failure is told; in a folder, files that cannot be read are passed over. Events are
+// processed between files; `progress` (may be empty) is that of the copying.
+base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
+                                          platform::UserEvents& events,
+                                          const catalogue::Progress& progress = {});
 
 // Whether a table of this FileName is meant by `path`.
 std::function<bool(const QString& file_name)> IsGiven(const QString& path);

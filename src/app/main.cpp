@@ -1,7 +1,7 @@
 // tavolo: creates the program's objects and connects them.
 #include "app/arguments.h"
 #include "app/commands.h"
-#include "app/given_tables.h"
+#include "app/given_paths.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
@@ -17,6 +17,7 @@
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
+#include "platform/hand_over.h"
 #include "platform/settings_store.h"
 
 #include <QtGui/QIcon>
@@ -51,12 +52,11 @@ void SetAppearance() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
 }
 
-// Tells why a file or folder of the command line is not in the catalogue; true: it is.
-bool TakeGivenTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                     const QString& path) {
-    const base::Status added = app::AddGivenTables(catalogue, path);
-    catalogue::ShowError(prompts, added);
-    return added.ok();
+// Gives what is to be added to the instance that has the catalogue; false: it does not take it.
+bool IsTakenOver(const base::Status& opened, const QString& folder, const QString& given) {
+    constexpr int kTimeoutMs = 5000;
+    return opened.code() == base::StatusCode::kBusy && !given.isEmpty() &&
+           platform::HandPathOver(folder, given, kTimeoutMs).ok();
 }
 
 int RunProgram(const app::Arguments& arguments) {
@@ -72,14 +72,14 @@ int RunProgram(const app::Arguments& arguments) {
     catalogue::Catalogue catalogue{&connection, &values, settings.get(), &clock};
     dialogs::QtUserPrompts prompts;
     const base::Status opened = catalogue::Main(catalogue);
+    const QString given =
+        arguments.tables.isEmpty() ? QString() : platform::AbsolutePath(arguments.tables);
     if (!opened.ok()) {
+        if (IsTakenOver(opened, values.ApplicationFolder, given)) return 0;
         catalogue::ShowError(prompts, opened);
         return 1;
     }
 
-    const QString given =
-        arguments.tables.isEmpty() ? QString() : platform::AbsolutePath(arguments.tables);
-    const bool selects = !given.isEmpty() && TakeGivenTables(catalogue, prompts, given);
     browser::frmPinball window(catalogue, prompts);
     prompts.SetOwner(&window);
     const auto shell = platform::MakeShell();
@@ -89,7 +89,15 @@ int RunProgram(const app::Arguments& arguments) {
     app::Commands commands(catalogue, prompts, {*shell, *programs, *sounds, *windows}, window);
     window.Load();
     window.show();
-    if (selects) window.SelectTable(app::IsGiven(given));
+    app::GivenPaths given_paths([&] { return commands.MayTakeTables(); },
+                                [&](const QString& path) { commands.TakeTables(path); });
+    const auto receiver =
+        platform::ReceivePaths(values.ApplicationFolder, [&](const QString& path) {
+            commands.ExpectTables(path);
+            return given_paths.Add(path);
+        });
+    window.TellInPassing(receiver.status());
+    if (!given.isEmpty()) commands.TakeTables(given);
     window.AskForWhatIsMissing();
     return QApplication::exec();
 }

@@ -212,22 +212,28 @@ void frmPinball::RestoreControls(const MainWindowSettings& settings) {
 }
 
 void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
-    const auto rows = catalogue_.CatalogueConnection->Execute(u"select * from tables");
-    if (!rows.ok()) {
-        catalogue::ShowError(prompts_, rows.status());
+    const auto is_empty = CatalogueIsEmpty();
+    if (!is_empty.ok()) {
+        catalogue::ShowError(prompts_, is_empty.status());
         return;
     }
-    catalogue_is_empty_ = rows->Bof() && rows->Eof();
-    if (catalogue_is_empty_) return;
+    if (*is_empty) return;
     selection_->RestoreFilter({settings.filter, settings.sub, settings.comparison});
     RefreshTree();
     if (settings.last_play != 0) tree_->SelectTableNode(settings.last_play);
 }
 
+base::Result<bool> frmPinball::CatalogueIsEmpty() const {
+    ASSIGN_OR_RETURN(const auto rows,
+                     catalogue_.CatalogueConnection->Execute(u"select * from tables"));
+    return rows.Bof() && rows.Eof();
+}
+
 void frmPinball::AskForWhatIsMissing() {
-    if (!catalogue_is_empty_ && !catalogue_.values->VisualPinballExe.isEmpty()) return;
+    const bool is_empty = CatalogueIsEmpty().value_or(false);  // a failure was shown by Load
+    if (!is_empty && !catalogue_.values->VisualPinballExe.isEmpty()) return;
     WaitUntilShown(*this);  // because a dialog is placed over its owner
-    if (catalogue_is_empty_) menu_->Run(&CommandActions::scan_for_tables);
+    if (is_empty) menu_->Run(&CommandActions::scan_for_tables);
     if (catalogue_.values->VisualPinballExe.isEmpty()) menu_->Run(&CommandActions::set_executable);
 }
 
@@ -246,10 +252,17 @@ QString frmPinball::SelectedText() const {
 bool frmPinball::SelectTable(const std::function<bool(const QString& file_name)>& is_wanted) {
     if (tree_->SelectTable(is_wanted)) return true;
     const QString all = catalogue::kFilterAll.toString();
-    if (filter_bar_->FilterKey() == all) return false;
+    const bool shows_all = TreeSelection() && filter_bar_->FilterKey() == all;
+    if (shows_all || CatalogueIsEmpty().value_or(true)) return false;
     filter_bar_->Choose(all);
     RefreshTree();
     return tree_->SelectTable(is_wanted);
+}
+
+void frmPinball::Raise() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
 }
 
 std::optional<Selection> frmPinball::TreeSelection() const {

@@ -56,8 +56,10 @@ public:
     // True when the selected node is a table, neither the root nor a detail line.
     bool TableIsSelected() const;
     // Selects the first table of the tree that `is_wanted` takes by its FileName, with the filter
-    // "All" if it must be. False: there is none.
+    // "All" if it must be. An empty tree is filled. False: there is none.
     bool SelectTable(const std::function<bool(const QString& file_name)>& is_wanted);
+    // Brings the window before all others, out of the task bar if it is there.
+    void Raise();
     // What the tree shows; nullopt: it is empty.
     std::optional<Selection> TreeSelection() const;
     DetailPanel& details() { return *details_; }
@@ -73,6 +75,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    base::Result<bool> CatalogueIsEmpty() const;
     // Steps of the constructor.
     void CreateControls();
     QWidget* CreateTopBar();
@@ -120,7 +123,6 @@ private:
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;
     std::function<void()> before_unload_;
-    bool catalogue_is_empty_ = false;
     bool unloaded_ = false;
 };
 

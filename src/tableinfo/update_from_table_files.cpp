@@ -88,7 +88,28 @@ base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* st
     return base::Status::Ok();
 }
 
+base::Status UpdateRowWithId(jet::Connection& connection, std::int64_t id) {
+    const QString sql = QStringLiteral("Select * from Tables where ID = ") + QString::number(id);
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), connection, jet::CursorType::kDynamic,
+                              jet::LockType::kOptimistic));
+    return rows.Eof() ? base::Status() : UpdateRow(rows);
+}
+
 }  // namespace
+
+base::Status UpdateRowsFromTableFiles(catalogue::Catalogue& catalogue,
+                                      std::span<const std::int64_t> ids,
+                                      platform::UserEvents& events,
+                                      const catalogue::Progress& progress) {
+    catalogue::ProgressMeter meter(progress, std::ssize(ids));
+    for (const std::int64_t id : ids) {
+        events.ProcessEvents();
+        RETURN_IF_ERROR(UpdateRowWithId(*catalogue.CatalogueConnection, id));
+        meter.Step();
+    }
+    return {};
+}
 
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
                                   platform::StatusDisplay* status,

@@ -6,6 +6,9 @@
 #include "catalogue/progress_meter.h"
 #include "platform/user_events.h"
 
+#include <cstdint>
+#include <span>
+
 namespace tableinfo {
 
 // Walks the whole catalogue. Each row whose file has information gets the texts that are not empty,
@@ -18,5 +21,12 @@ namespace tableinfo {
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
                                   platform::StatusDisplay* status,
                                   const catalogue::Progress& progress = {});
+
+// The same for the rows with these IDs only; no other row is read or changed. An ID that no row has
+// is passed over. Events are processed before each row.
+base::Status UpdateRowsFromTableFiles(catalogue::Catalogue& catalogue,
+                                      std::span<const std::int64_t> ids,
+                                      platform::UserEvents& events,
+                                      const catalogue::Progress& progress = {});
 
 }  // namespace tableinfo

@@ -2,12 +2,15 @@
 // fake world outside.
 #include "app/commands.h"
 
-#include "app/given_tables.h"
+#include "app/given_paths.h"
 #include "browser/command_table.h"
 #include "browser/tree_fixture.h"
 #include "catalogue/program_files.h"
 #include "dialogs/frmSettings.h"
 #include "pictures/frmPicture.h"
+#include "platform/files.h"
+#include "support/as_nobody.h"
+#include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +23,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTreeView>
 
 #include <algorithm>
@@ -300,24 +304,157 @@ TEST_F(CommandsTest, ResetTimesPlayedShowsInTheDetails) {
     EXPECT_EQ(Scalar(S(u"Select max(TimesPlayed) from Tables")), S(u"0"));
 }
 
-TEST_F(CommandsTest, AGivenFileIsAddedAndSelected) {
-    ASSERT_TRUE(QDir(folder.path()).mkpath(S(u"given")));
-    const QString file = MakeFile(S(u"given/New.vpt"));
+// Files and folders of the command line, or that another start of the program hands over.
+
+class GivenTablesTest : public CommandsTest {
+protected:
+    void SetUp() override {
+        CommandsTest::SetUp();
+        ASSERT_TRUE(QDir(folder.path()).mkpath(S(u"given")));
+    }
+    QString MakeTable(const char16_t* name, const char16_t* title) {
+        const QString path = folder.filePath(S(u"given/") + S(name));
+        test_support::VptBuilder builder;
+        builder.Text(u"TableName", title).Text(u"AuthorName", u"Of the file");
+        EXPECT_TRUE(builder.Write(path.toStdU16String()).ok());
+        return path;
+    }
+    QString Count() { return Scalar(S(u"Select count(*) from Tables")); }
+};
+
+TEST_F(GivenTablesTest, AFileIsAddedAndSelected) {
+    const QString file = MakeTable(u"New.vpt", u"Brand new");
     Execute(S(u"Update Tables set Favorite = true where DisplayName = 'Alpha'"));
     window->findChild<QComboBox*>(S(u"cboFilter"))->setCurrentIndex(2);
     window->RefreshTree();
-    ASSERT_TRUE(AddGivenTables(catalogue, file).ok());
-    EXPECT_TRUE(window->SelectTable(IsGiven(file)));
+    commands->TakeTables(file);
     EXPECT_EQ(window->SelectedTag(), file);
-    // A folder brings its tables and selects the first; what is there is not added again.
-    const QString folder_of_it = QFileInfo(file).path();
-    MakeFile(S(u"given/Other.vpt"));
-    ASSERT_TRUE(AddGivenTables(catalogue, folder_of_it).ok());
-    EXPECT_EQ(Scalar(S(u"Select count(*) from Tables")), S(u"4"));
-    EXPECT_TRUE(window->SelectTable(IsGiven(folder_of_it)));
-    EXPECT_FALSE(window->SelectTable(IsGiven(S(u"/none.vpt"))));
-    EXPECT_EQ(AddGivenTables(catalogue, S(u"/none.vpt")).number(), 53);
-    EXPECT_EQ(AddGivenTables(catalogue, DatabasePath()).code(), base::StatusCode::kInvalidArgument);
+    EXPECT_EQ(window->SelectedText(), S(u"Brand new"));
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(GivenTablesTest, AFolderBringsItsTablesAndSelectsTheFirst) {
+    commands->TakeTables(MakeTable(u"B.vpt", u"Bb"));
+    const QString first = MakeTable(u"A.vpt", u"Aa");
+    commands->TakeTables(QFileInfo(first).path());
+    EXPECT_EQ(Count(), S(u"4"));
+    EXPECT_EQ(window->SelectedTag(), first);
+}
+
+// What was typed since counts more than what the files say.
+TEST_F(GivenTablesTest, RowsThatAreThereStayAsTheyAre) {
+    const QString edited = MakeTable(u"Edited.vpt", u"Of the file");
+    commands->TakeTables(edited);
+    Execute(S(u"Update Tables set DisplayName = 'Mine', Author = 'Me', Notes = 'Mine, too'"));
+    commands->TakeTables(MakeTable(u"New.vpt", u"Brand new"));
+    commands->TakeTables(edited);
+    commands->TakeTables(QFileInfo(edited).path());
+    EXPECT_EQ(Scalar(S(u"Select count(*) from Tables where DisplayName = 'Mine' and Author = 'Me' "
+                       u"and Notes = 'Mine, too'")),
+              S(u"3"));
+    EXPECT_EQ(Count(), S(u"4"));
+}
+
+TEST_F(GivenTablesTest, ALinkSelectsTheTableThatItLeadsTo) {
+    const QString file = MakeTable(u"Real.vpt", u"Real");
+    commands->TakeTables(file);
+    const QString link = folder.filePath(S(u"link.vpt"));
+    const QString folder_link = folder.filePath(S(u"link"));
+    ASSERT_TRUE(QFile::link(file, link));
+    ASSERT_TRUE(QFile::link(folder.filePath(S(u"given")), folder_link));
+    for (const QString& given : {link, folder_link}) {
+        Select(0);
+        commands->TakeTables(given);
+        EXPECT_EQ(window->SelectedTag(), file) << given.toStdString();
+    }
+    EXPECT_EQ(Count(), S(u"3"));
+}
+
+TEST_F(GivenTablesTest, WhatCannotBeAddedIsSaid) {
+    commands->TakeTables(S(u"/none.vpt"));
+    EXPECT_EQ(prompts.messages.back().text, S(u"File not found: /none.vpt"));
+    commands->TakeTables(DatabasePath());
+    EXPECT_EQ(prompts.messages.back().text, DatabasePath() + S(u" is not a table file"));
+    const QString unreadable = MakeTable(u"../unreadable.vpt", u"Secret");
+    ASSERT_TRUE(QFile::setPermissions(unreadable, {}));
+    ASSERT_TRUE(QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)));
+    {
+        const test_support::AsNobody nobody;
+        commands->TakeTables(platform::AbsolutePath(unreadable));
+    }
+    EXPECT_EQ(prompts.messages.back().text, S(u"unreadable.vpt: cannot be read"));
+    const QString empty = folder.filePath(S(u"given"));
+    commands->TakeTables(empty);
+    EXPECT_EQ(window->findChild<QStatusBar*>()->currentMessage(),
+              S(u"There is no table in ") + empty);
+}
+
+TEST_F(GivenTablesTest, AnEmptyCatalogueGetsItsFirst) {
+    Execute(S(u"Delete from Tables"));
+    window->Load();
+    commands->TakeTables(folder.filePath(S(u"given")));
+    EXPECT_TRUE(prompts.messages.empty());
+    const QString file = MakeTable(u"New.vpt", u"Brand new");
+    commands->TakeTables(file);
+    EXPECT_EQ(window->SelectedTag(), file);
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(GivenTablesTest, TheyWaitForTheRecordToBeStoredAndDialogsToBeClosed) {
+    EXPECT_TRUE(commands->MayTakeTables());
+    Select(0);
+    window->details().SetDetailText(catalogue::kNotes, S(u"typed"));
+    ASSERT_TRUE(window->details().record_changed());
+    EXPECT_FALSE(commands->MayTakeTables());
+    window->details().Save();
+    EXPECT_TRUE(commands->MayTakeTables());
+    InTheModalWindow([&](QWidget&) { EXPECT_FALSE(commands->MayTakeTables()); });
+    Run(u"mnuAbout");
+    EXPECT_TRUE(commands->MayTakeTables());
+}
+
+TEST_F(GivenTablesTest, TheyWaitForACommandThatIsAtWork) {
+    const QString file = MakeTable(u"New.vpt", u"Brand new");
+    bool may_take = true;
+    QTimer::singleShot(0, window.get(), [&] { may_take = commands->MayTakeTables(); });
+    commands->TakeTables(QFileInfo(file).path());
+    EXPECT_FALSE(may_take);
+}
+
+TEST(GivenPathsTest, EachIsTakenAsSoonAsItMayBeInItsOrder) {
+    bool may_take = false;
+    int asked = 0;
+    QStringList taken;
+    GivenPaths* paths = nullptr;
+    GivenPaths given(
+        [&] {
+            ++asked;
+            return may_take;
+        },
+        [&](const QString& path) {
+            taken.append(path);
+            if (path == u"/a") {
+                EXPECT_TRUE(paths->Add(S(u"/c")));
+                QCoreApplication::processEvents();
+                EXPECT_EQ(taken.size(), 1) << "one after the other";
+            }
+        });
+    paths = &given;
+    EXPECT_TRUE(given.Add(S(u"/a")));
+    EXPECT_TRUE(given.Add(S(u"/b")));
+    EXPECT_EQ(asked, 0);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return asked > 1; }));
+    EXPECT_TRUE(taken.isEmpty());
+    may_take = true;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return taken.size() == 3; }));
+    EXPECT_EQ(taken, (QStringList{S(u"/a"), S(u"/b"), S(u"/c")}));
+}
+
+TEST(GivenPathsTest, NoMoreWaitThanCanBe) {
+    GivenPaths given([] { return false; }, [](const QString&) {});
+    for (std::size_t i = 0; i < GivenPaths::kMost; ++i)
+        EXPECT_TRUE(given.Add(S(u"/a")));
+    EXPECT_FALSE(given.Add(S(u"/a")));
 }
 
 TEST_F(CommandsTest, WhatTheTreeShowsGoesOutAndComesInAgain) {

@@ -250,5 +250,22 @@ TEST_F(UpdateFromTableFilesTest, EveryRowIsToldToTheProgressAndTheEndOnce) {
     EXPECT_TRUE(told.empty());
 }
 
+TEST_F(UpdateFromTableFilesTest, OnlyTheRowsThatAreAskedForAreReadAndChanged) {
+    const QString path = Build(VptBuilder().Text(u"TableName", u"Of the file"));
+    for (const char* name : {"One", "Two", "Three"})
+        AddRow(path, QString::fromLatin1(name));
+    CountWalks();
+    test_support::FakeEvents events;
+    const std::vector<std::int64_t> ids{2, 99};
+    const auto done = UpdateRowsFromTableFiles(catalogue, ids, events);
+    ASSERT_TRUE(done.ok()) << done.message();
+    EXPECT_EQ(walks.scans, 0);
+    EXPECT_EQ(events.rounds, 2);
+    const QString of = QStringLiteral("Select DisplayName from Tables where ID = ");
+    EXPECT_EQ(Scalar(of + u'1'), QStringLiteral("One"));
+    EXPECT_EQ(Scalar(of + u'2'), QStringLiteral("Of the file"));
+    EXPECT_EQ(Scalar(of + u'3'), QStringLiteral("Three"));
+}
+
 }  // namespace
 }  // namespace tableinfo
