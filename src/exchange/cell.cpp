@@ -119,7 +119,8 @@ std::size_t PlainLength(std::u16string_view text) {
         const bool is_pair = c >= 0xD800 && c <= 0xDBFF && at + 1 < text.size() &&
                              text[at + 1] >= 0xDC00 && text[at + 1] <= 0xDFFF;
         // Readers take U+FEFF at the start of a text for a byte order mark and drop it.
-        if (c < 0x20 || c == u'"' || c == u'\\' || c == 0x7F || c == 0xFEFF) break;
+        if (c < 0x20 || c == u'"' || c == u'\\' || c == 0xFEFF) break;
+        if (c >= 0x7F && c <= 0x9F) break;  // a terminal would obey it
         if (!is_pair && c >= 0xD800 && c <= 0xDFFF) break;
         at += is_pair ? 2 : 1;
     }

@@ -39,30 +39,40 @@ bool JsonRows::FindRowsMember() {
     bool is_first = true;
     for (SkipBlanks(); at_ < bytes_.size() && bytes_[at_] != '}'; SkipBlanks()) {
         if (!std::exchange(is_first, false) && !Takes(',')) return false;
-        SkipBlanks();
-        const std::size_t name_at = at_;
-        if (!SkipText()) return false;
-        const std::string_view name = bytes_.substr(name_at, at_ - name_at);
-        SkipBlanks();
-        if (!Takes(':')) return false;
-        SkipBlanks();
-        if (name == "\"rows\"" && Takes('[')) return true;
-        const std::size_t value_at = at_;
-        if (!SkipValue()) return false;
-        // Another number may mean that cells are to be read in another way.
-        if (name == "\"schema\"" && !CheckSchema(bytes_.substr(value_at, at_ - value_at)))
-            return false;
+        const auto member = ReadMember();
+        if (!member) return false;
+        if (member->value.empty()) return true;
+        if (!CheckSchema(*member)) return false;
     }
     return false;
 }
 
-bool JsonRows::CheckSchema(std::string_view value) {
+// nullopt: here is no member. The rows themselves are not passed over.
+std::optional<JsonRows::Member> JsonRows::ReadMember() {
+    SkipBlanks();
+    const std::size_t name_at = at_;
+    if (!SkipText()) return std::nullopt;
+    Member member{bytes_.substr(name_at, at_ - name_at), {}};
+    SkipBlanks();
+    if (!Takes(':')) return std::nullopt;
+    SkipBlanks();
+    const std::size_t value_at = at_;
+    if (form_ != Form::kDocument && member.name == "\"rows\"" && Takes('[')) return member;
+    if (!SkipValue()) return std::nullopt;
+    member.value = bytes_.substr(value_at, at_ - value_at);
+    return member;
+}
+
+// Another number may mean that cells are to be read in another way.
+bool JsonRows::CheckSchema(const Member& member) {
+    if (member.name != "\"schema\"") return true;
     int schema = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), schema);
+    const char* const last = member.value.data() + member.value.size();
+    const auto [end, error] = std::from_chars(member.value.data(), last, schema);
     // A column of this name in the first of several objects is none of ours.
-    if (error != std::errc() || end != value.data() + value.size()) return true;
+    if (error != std::errc() || end != last) return true;
     if (schema >= 1 && schema <= known_schema_) return true;
-    return Fail("the schema " + std::string(value) + " is not known here");
+    return Fail("the schema " + std::string(member.value) + " is not known here");
 }
 
 std::optional<JsonRow> JsonRows::Next() {
@@ -92,8 +102,14 @@ void JsonRows::Finish() {
     SkipBlanks();
     if (form_ == Form::kDocument) {
         while (Takes(',')) {
-            if (!SkipMember()) {
+            const auto member = ReadMember();
+            if (!member) {
                 Fail("the object around the rows does not end");
+                return;
+            }
+            if (!CheckSchema(*member)) return;
+            if (member->name == "\"rows\"") {
+                Fail("\"rows\" is there twice");
                 return;
             }
             SkipBlanks();
@@ -102,15 +118,6 @@ void JsonRows::Finish() {
     }
     SkipBlanks();
     if (status_.ok() && at_ < bytes_.size()) Fail("there is text behind the rows");
-}
-
-bool JsonRows::SkipMember() {
-    SkipBlanks();
-    if (!SkipText()) return false;
-    SkipBlanks();
-    if (!Takes(':')) return false;
-    SkipBlanks();
-    return SkipValue();
 }
 
 void JsonRows::SkipBlanks() {

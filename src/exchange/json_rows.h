@@ -33,8 +33,12 @@ private:
 
     void FindForm();
     bool FindRowsMember();
-    bool SkipMember();
-    bool CheckSchema(std::string_view value);
+    struct Member {
+        std::string_view name;   // with its quotes
+        std::string_view value;  // empty: an array of rows, which begins here
+    };
+    std::optional<Member> ReadMember();
+    bool CheckSchema(const Member& member);
     void SkipBlanks();
     bool Takes(char c);
     bool SkipText();

@@ -2,12 +2,15 @@
 
 #include "base/unicode.h"
 #include "catalogue/error_report.h"
+#include "jet/sql/expressions/bind.h"
 #include "jet/tables/database.h"
+#include "jet/values/coerce.h"
 
 #include <QtCore/QString>
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -17,16 +20,8 @@ namespace {
 using base::Result;
 using base::Status;
 
-constexpr std::size_t kNowhere = SIZE_MAX;
-
 std::u16string Folded(std::u16string_view text) {
     return QStringView(text).toString().toCaseFolded().toStdU16String();
-}
-
-std::size_t ColumnOf(const jet::TableDesign& design, std::u16string_view name) {
-    for (std::size_t i = 0; i < design.columns.size(); ++i)
-        if (Folded(design.columns[i].name) == Folded(name)) return i;
-    return kNowhere;
 }
 
 std::u16string_view KeyColumn(MatchBy match) {
@@ -51,7 +46,8 @@ std::vector<jet::Value> Defaults(jet::Connection& connection, const jet::TableDe
             std::u16string_view text = *column.default_value;
             if (text.starts_with(u'=')) text.remove_prefix(1);
             auto row = connection.Execute(u"Select " + std::u16string(text));
-            if (row.ok() && !row->Eof()) value = row->Fields(std::size_t{0}).value_or({});
+            if (row.ok() && !row->Eof())
+                value = jet::Coerce(row->Fields(std::size_t{0}).value_or({}), column).value_or({});
         }
         values.push_back(std::move(value));
     }
@@ -90,8 +86,8 @@ public:
     Importer(jet::Table& table, RowSource& source, const ImportOptions& options,
              std::vector<jet::Value> defaults)
         : table_(table), source_(source), options_(options), defaults_(std::move(defaults)),
-          index_(options.match), id_column_(ColumnOf(table.design(), u"ID")),
-          key_column_(ColumnOf(table.design(), KeyColumn(options.match))) {
+          index_(options.match), id_column_(jet::sql::FindColumn(table.design(), u"ID")),
+          key_column_(jet::sql::FindColumn(table.design(), KeyColumn(options.match))) {
         for (std::size_t i = 0; i < table.design().columns.size(); ++i)
             all_columns_.push_back(i);
     }
@@ -99,15 +95,15 @@ public:
     Status Run() {
         RETURN_IF_ERROR(ReadKeys());
         SourceRow row;
-        bool is_first = true;
-        while (source_.Next(row)) {
+        bool has_rows = false;
+        while (!has_failed_ && source_.Next(row)) {
+            has_rows = true;
             FindPlaces();
-            if (is_first && !HasKeyColumn()) return {};
-            is_first = false;
+            if (source_.columns_are_known() && !HasKeyColumn()) break;
             RETURN_IF_ERROR(TakeRow(row));
-            if (has_failed_) break;
         }
         FindPlaces();
+        if (has_rows && !HasKeyColumn()) NoteMissingKeyColumn();
         if (!source_.status().ok()) Note({0, source_.status().message()});
         NoteUnknownColumns();
         return {};
@@ -116,7 +112,7 @@ public:
 
 private:
     Status ReadKeys() {
-        if (key_column_ == kNowhere)
+        if (key_column_ == all_columns_.size())
             return {base::StatusCode::kNotFound,
                     "The catalogue has no column " + base::ToUtf8(KeyColumn(options_.match)) + "."};
         ASSIGN_OR_RETURN(const auto cursor, table_.Scan());
@@ -133,8 +129,8 @@ private:
     void FindPlaces() {
         while (places_.size() < source_.columns().size()) {
             const std::u16string& name = source_.columns()[places_.size()];
-            const std::size_t place = ColumnOf(table_.design(), name);
-            if (place == kNowhere)
+            const std::size_t place = jet::sql::FindColumn(table_.design(), name);
+            if (place == all_columns_.size())
                 report_.unknown_columns.push_back(name);
             else if (std::find(places_.begin(), places_.end(), place) != places_.end())
                 Note({0, "the column " + base::ToUtf8(name) + " is there twice"});
@@ -142,12 +138,16 @@ private:
         }
     }
 
-    // With JSON every row may have other columns; its own problem is found there.
-    bool HasKeyColumn() {
-        if (std::find(places_.begin(), places_.end(), key_column_) != places_.end()) return true;
+    bool HasKeyColumn() const {
+        return std::find(places_.begin(), places_.end(), key_column_) != places_.end();
+    }
+
+    // In place of what each row says about it.
+    void NoteMissingKeyColumn() {
+        report_.problems.clear();
+        report_.problem_count = 0;
         Note({0, "there is no column " + base::ToUtf8(KeyColumn(options_.match)) +
                      ", by which rows are to be found"});
-        return false;
     }
 
     Status TakeRow(const SourceRow& row) {
@@ -165,7 +165,9 @@ private:
                                 base::ToUtf8(jet::ToText(*key))});
             return {};
         }
-        if (!met_.insert(Folded(jet::ToText(*key))).second) {
+        const bool is_new = found.empty() ? met_keys_.insert(jet::ToText(*key)).second
+                                          : met_rows_.insert(found.front()).second;
+        if (!is_new) {
             Note({row.line,
                   "an earlier line has the same " + base::ToUtf8(KeyColumn(options_.match))});
             return {};
@@ -185,7 +187,8 @@ private:
         given_.assign(all_columns_.size(), std::nullopt);
         bool fits = true;
         for (std::size_t i = 0; i < row.cells.size() && i < places_.size(); ++i) {
-            if (places_[i] == kNowhere || row.cells[i].kind == Cell::Kind::kAbsent) continue;
+            if (places_[i] == all_columns_.size() || row.cells[i].kind == Cell::Kind::kAbsent)
+                continue;
             auto value = ValueOf(row.cells[i], table_.design().columns[places_[i]]);
             if (value.ok())
                 given_[places_[i]] = std::move(value).value();
@@ -253,7 +256,9 @@ private:
     std::vector<std::size_t> all_columns_;
     std::vector<std::size_t> places_;
     std::vector<std::optional<jet::Value>> given_;  // the row's, by the table's columns
-    std::unordered_set<std::u16string> met_;
+    // What earlier rows of the file have been: rows of the table, and new ones by their keys.
+    std::set<jet::RowId> met_rows_;
+    std::unordered_set<std::u16string> met_keys_;
     bool has_failed_ = false;
     ImportReport report_;
 };

@@ -16,7 +16,8 @@ namespace exchange {
 // By which column a row of the file finds its row of the catalogue.
 enum class MatchBy : std::uint8_t {
     kId,    // ID; a row without one is added
-    kFile,  // FileName: as it is written, else in any letter case
+    kFile,  // FileName: as it is written, else in any letter case; a new one may differ from
+            // others of the file in letter case only
     kCrc,   // CRC, in any letter case
 };
 

@@ -31,6 +31,7 @@ public:
     }
 
     const std::vector<std::u16string>& columns() const override { return columns_; }
+    bool columns_are_known() const override { return true; }
     const base::Status& status() const override { return status_; }
 
     bool Next(SourceRow& row) override {
@@ -91,6 +92,7 @@ public:
     explicit JsonSource(std::string_view bytes) : rows_(bytes, kSchemaVersion) {}
 
     const std::vector<std::u16string>& columns() const override { return columns_; }
+    bool columns_are_known() const override { return false; }
     const base::Status& status() const override { return rows_.status(); }
 
     bool Next(SourceRow& row) override {

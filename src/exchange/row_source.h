@@ -25,6 +25,8 @@ public:
     virtual ~RowSource() = default;
     // The columns met so far: with CSV all of them, with JSON those of the rows up to now.
     virtual const std::vector<std::u16string>& columns() const = 0;
+    // Whether columns() are those of every row, before any was read.
+    virtual bool columns_are_known() const = 0;
     // False: there is no further row, or the file cannot be read on (see status()).
     virtual bool Next(SourceRow& row) = 0;
     // kInvalidArgument: not a file of its kind; the text names the line.

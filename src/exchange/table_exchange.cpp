@@ -45,8 +45,9 @@ base::Result<std::int64_t> Write(jet::Connection& connection, const catalogue::S
 // What the file offers to find tables by.
 MatchBy MatchOf(std::string_view content, Format format) {
     const auto source = MakeRowSource(content, format);
-    SourceRow first;
-    source->Next(first);
+    SourceRow row;
+    while (!source->columns_are_known() && source->Next(row)) {
+    }
     const auto has = [&](QStringView name) {
         return std::ranges::any_of(source->columns(), [&](const std::u16string& column) {
             return QStringView(column).compare(name, Qt::CaseInsensitive) == 0;

@@ -100,6 +100,8 @@ TEST(CellTest, BytesAreBase64) {
 }
 
 TEST(CellTest, JsonEscapesWhatItMust) {
+    EXPECT_EQ(Json(Value::Text(std::u16string(u"\x80 \x9B \x9F \xA0"))),
+              "\"\\u0080 \\u009b \\u009f \xC2\xA0\"");
     EXPECT_EQ(Json(Value::Text(u"a\"\\\n\r\t\u0001\u007F")),
               "\"a\\\"\\\\\\n\\r\\t\\u0001\\u007f\"");
     EXPECT_EQ(Json(Value::Text(u"\uFEFFmark")), "\"\\ufeffmark\"");

@@ -57,6 +57,10 @@ TEST(JsonRowsTest, AColumnMayBeCalledAsTheDocumentsMembersAre) {
 
 TEST(JsonRowsTest, AnUnknownSchemaIsRefused) {
     EXPECT_EQ(FailureOf("{\"schema\": 2, \"rows\": []}"), "line 1: the schema 2 is not known here");
+    EXPECT_EQ(FailureOf("{\"rows\": [{\"a\": 1}], \"schema\": 2}"),
+              "line 1: the schema 2 is not known here");
+    EXPECT_EQ(FailureOf("{\"rows\": [{\"a\": 1}], \"rows\": [{\"a\": 2}]}"),
+              "line 1: \"rows\" is there twice");
 }
 
 TEST(JsonRowsTest, WhatIsWrongIsToldWithItsLine) {

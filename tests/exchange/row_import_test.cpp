@@ -1,7 +1,11 @@
 #include "exchange/row_import.h"
 
+#include "exchange/exchange_file.h"
+
 #include "support/catalogue_fixture.h"
 #include "support/check_database.h"
+
+#include <QtCore/QFile>
 
 namespace exchange {
 namespace {
@@ -134,6 +138,63 @@ TEST_F(RowImportTest, AKeyMustTell) {
                             "5: there is no CRC by which the row could be found"));
     EXPECT_THAT(ProblemsOf("Year\n1\n"),
                 ElementsAre("0: there is no column ID, by which rows are to be found"));
+}
+
+// Every row of JSON has columns of its own.
+TEST_F(RowImportTest, TheOrderOfRowsDoesNotMatter) {
+    const std::string with = "{\"ID\": 1, \"Year\": \"1995\"}";
+    const std::string without = "{\"DisplayName\": \"New\"}";
+    for (const std::string& bytes : {with + without, without + with}) {
+        const ImportReport report = Import(bytes, {.dry_run = true}, Format::kJson);
+        EXPECT_TRUE(report.accepted()) << report.problems.front().text;
+        EXPECT_EQ(report.added, 1);
+        EXPECT_EQ(report.changed, 1);
+    }
+    const ImportOptions by_file{.match = MatchBy::kFile};
+    const std::string named = "{\"FileName\": \"/t/Taxi.vpt\", \"Year\": \"1995\"}";
+    EXPECT_THAT(ProblemsOf(named + "\n" + without, by_file, Format::kJson),
+                ElementsAre("2: there is no FileName by which the row could be found"));
+    EXPECT_THAT(ProblemsOf(without + "\n" + named, by_file, Format::kJson),
+                ElementsAre("1: there is no FileName by which the row could be found"));
+    EXPECT_THAT(ProblemsOf(without + without, by_file, Format::kJson),
+                ElementsAre("0: there is no column FileName, by which rows are to be found"));
+}
+
+// Names that differ in letter case only are those of two files here.
+TEST_F(RowImportTest, ANameAsItIsWrittenComesFirst) {
+    Execute(S("INSERT INTO Tables (DisplayName, FileName) VALUES ('attack', '/t/attack.vpt')"));
+    const ImportOptions by_file{.match = MatchBy::kFile};
+    const std::string out = Everything();
+    EXPECT_EQ(Import(out, by_file).unchanged, 3);
+    EXPECT_EQ(
+        Import("FileName,Author\n/t/attack.vpt,small\n/t/Attack.vpt,large\n", by_file).changed, 2);
+    EXPECT_EQ(Scalar(S("Select Author from Tables where ID = 1")), S("large"));
+    EXPECT_EQ(Scalar(S("Select Author from Tables where ID = 3")), S("small"));
+    EXPECT_THAT(ProblemsOf("FileName,Author\n/T/TAXI.vpt,a\n/t/Taxi.vpt,b\n", by_file),
+                ElementsAre("3: an earlier line has the same FileName"));
+    EXPECT_EQ(Import("FileName,Author\n/t/new.vpt,a\n/t/New.vpt,b\n", by_file).added, 2);
+    EXPECT_THAT(ProblemsOf("FileName,Author\n/t/x.vpt,a\n/t/x.vpt,b\n", by_file),
+                ElementsAre("3: an earlier line has the same FileName"));
+}
+
+// A file that cannot be read on would look like one that ends there.
+TEST(ExchangeFileTest, AFileThatCannotBeReadIsAFailure) {
+    const auto bytes = ReadFile(S("/proc/self/mem"));
+    EXPECT_EQ(bytes.status().code(), base::StatusCode::kIoError) << bytes.status().message();
+    EXPECT_FALSE(ReadFile(S("/none.csv")).ok());
+}
+
+TEST(ExchangeFileTest, TheWholeFileIsRead) {
+    QTemporaryDir folder;
+    QFile file(folder.filePath(S("rows.csv")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const QByteArray content = QByteArray("ID,Author\r\n1,x\r\n").repeated(100'000);
+    ASSERT_EQ(file.write(content), content.size());
+    file.close();
+    const auto bytes = ReadFile(file.fileName());
+    ASSERT_TRUE(bytes.ok()) << bytes.status().message();
+    EXPECT_EQ(*bytes, content);
+    EXPECT_LT(bytes->capacity(), 2 * content.size());
 }
 
 TEST_F(RowImportTest, FilesThatAreNoneAreToldSo) {
