@@ -82,4 +82,11 @@ void PrepareFirstStart(const QString& application_folder, const KnownFolders& fo
         copy(Holds(folders.delivered, name) ? folders.delivered : folders.program, name).Ignore();
 }
 
+QString CatalogueOfFirstStart(const QString& application_folder, const KnownFolders& folders) {
+    const bool is_user_data = application_folder == folders.user_data;
+    const bool will_be_made = is_user_data && !platform::FolderExists(application_folder);
+    if (!will_be_made && !IsFirstStart(application_folder, is_user_data)) return {};
+    return platform::FileIn(folders.delivered, CatalogueName());
+}
+
 }  // namespace catalogue

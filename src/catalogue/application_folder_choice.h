@@ -28,4 +28,8 @@ QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folde
 // catalogue is missing, opening it reports that.
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders);
 
+// The delivered catalogue that PrepareFirstStart would copy into the application folder; empty: it
+// would not copy one.
+QString CatalogueOfFirstStart(const QString& application_folder, const KnownFolders& folders);
+
 }  // namespace catalogue

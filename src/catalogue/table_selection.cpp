@@ -10,13 +10,19 @@ std::optional<QString> WrongValue(const Selection& selection) {
     return InvalidFilterValue(selection.filter_key, selection.filter_value);
 }
 
+QString SelectionStatement(const Selection& selection) {
+    return FilterQueryText(selection.filter_key, QuoteSqlExpr(selection.filter_value),
+                           selection.comparison) +
+           ComposeOrderClause(selection.order_caption, selection.direction);
+}
+
 base::Result<std::optional<QString>> SelectionSql(jet::Connection& connection,
                                                   const Selection& selection) {
     ASSIGN_OR_RETURN(const QString query, ComposeFilterQuery(connection, selection.filter_key,
                                                              QuoteSqlExpr(selection.filter_value),
                                                              selection.comparison));
     if (query == u"0") return std::optional<QString>();
-    return std::optional(query + ComposeOrderClause(selection.order_caption, selection.direction));
+    return std::optional(SelectionStatement(selection));
 }
 
 base::Result<std::optional<jet::Recordset>> OpenSelection(jet::Connection& connection,

@@ -24,7 +24,10 @@ struct Selection {
 // The message for an invalid value; nullopt if the value is valid or the filter takes none.
 std::optional<QString> WrongValue(const Selection& selection);
 
-// The statement for the rows of the selection in its order; nullopt if nothing matches.
+// The statement for the rows of the selection in its order. Requires: its filter is known, its
+// value is right.
+QString SelectionStatement(const Selection& selection);
+// The same; nullopt if nothing matches.
 base::Result<std::optional<QString>> SelectionSql(jet::Connection& connection,
                                                   const Selection& selection);
 

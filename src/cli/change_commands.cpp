@@ -12,18 +12,13 @@
 #include "maintenance/backup.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
+#include "platform/user_events.h"
 #include "tableinfo/update_from_table_files.h"
 
 #include <functional>
 
 namespace cli {
 namespace {
-
-// There are no windows whose events could be waiting.
-class NoEvents final : public platform::UserEvents {
-public:
-    void ProcessEvents() override {}
-};
 
 catalogue::Progress ProgressOf(Program& program) {
     return [&program](std::int64_t done, std::int64_t total) {
@@ -41,26 +36,15 @@ int RunChange(Program& program, const std::function<base::Status(OpenedCatalogue
     const base::Status changed = change(**opened);
     // What was done before a failure stays, and is told.
     const base::Status told = report->Finish(connection);
-    const base::Status closed = (*opened)->Close();
-    for (const base::Status& status : {changed, told, closed})
-        if (!status.ok()) return Fail(program, status);
-    return kDone;
+    return Finish(program, {changed, told, (*opened)->Close()});
 }
 
-// What a scan adds is told by the report afterwards.
-class UnwatchedScan final : public discovery::ScanObserver {
-public:
-    void FolderQueued(const QString&) override {}
-    void ListingFolder(const QString&) override {}
-    void FolderListed() override {}
-    void TableAdded(const QString&, const QString&) override {}
-};
-
 base::Status Scan(Program& program, OpenedCatalogue& opened, const QString& folder) {
-    NoEvents events;
-    UnwatchedScan observer;
+    platform::NoUserEvents events;
+    discovery::UnwatchedScan observer;
     discovery::FolderScan scan(opened.get(), events, observer);
     RETURN_IF_ERROR(scan.Run(folder));
+    RETURN_IF_ERROR(scan.start_listing());
     return tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr, ProgressOf(program));
 }
 
@@ -75,6 +59,7 @@ public:
         cells_.push_back(std::move(cell));
     }
     const std::vector<std::u16string>& columns() const override { return columns_; }
+    bool columns_are_known() const override { return true; }
     bool Next(exchange::SourceRow& row) override {
         if (is_done_) return false;
         is_done_ = true;
@@ -125,7 +110,7 @@ int RunUpdate(Program& program) {
 }
 
 int RunCrc(Program& program) {
-    NoEvents events;
+    platform::NoUserEvents events;
     return RunChange(program, [&](OpenedCatalogue& opened) {
         return checksum::RefreshCrcs(
             opened.get(), events, [](const QString&) {}, ProgressOf(program));
@@ -137,14 +122,14 @@ int RunSet(Program& program) {
     Assignments assignments(program.arguments.operands.front());
     const base::Status taken =
         id.ok() ? TakeAssignments(program.arguments, assignments) : id.status();
-    if (!taken.ok()) return FailUsage(program.console, QString::fromStdString(taken.message()));
-    return RunChange(program, [&](OpenedCatalogue& opened) -> base::Status {
-        ASSIGN_OR_RETURN(
-            const exchange::ImportReport report,
-            exchange::ImportRows(opened.connection(), assignments, {.update_only = true}));
-        if (report.passed_over > 0) return NoSuchTable(*id);
-        return FirstProblem(report);
-    });
+    if (!taken.ok()) return FailUsage(program.console, taken);
+    auto opened = OpenedCatalogue::Open(program, AccessForChanges(program));
+    if (!opened.ok()) return Fail(program, opened.status());
+    const auto report =
+        ImportAndTell(program, (*opened)->connection(), assignments, {.update_only = true});
+    base::Status done = report.ok() ? FirstProblem(*report) : report.status();
+    if (report.ok() && report->passed_over > 0) done = NoSuchTable(*id);
+    return Finish(program, {done, (*opened)->Close()});
 }
 
 int RunBackup(Program& program) {

@@ -6,8 +6,19 @@
 
 namespace cli {
 
+bool TellsCells(const Program& program) {
+    return program.is_dry_run() || program.arguments.Has("verbose");
+}
+
+void TellSummary(Program& program, std::int64_t added, std::int64_t changed) {
+    const QString what = QStringLiteral("%1 added, %2 changed").arg(added).arg(changed);
+    program.console.WriteError(
+        ((program.is_dry_run() ? QStringLiteral("dry run: ") : QString()) + what + u'\n')
+            .toStdString());
+}
+
 ChangeReport::ChangeReport(Program& program)
-    : program_(program), tells_cells_(program.is_dry_run() || program.arguments.Has("verbose")) {}
+    : program_(program), tells_cells_(TellsCells(program)) {}
 
 base::Result<ChangeReport> ChangeReport::Begin(Program& program, jet::Connection& connection) {
     ChangeReport report(program);
@@ -50,7 +61,7 @@ base::Status ChangeReport::Finish(jet::Connection& connection) {
         ++(before == nullptr ? added : changed);
         if (tells_cells_) TellCells(id, before, row);
     }
-    TellSummary(added, changed);
+    TellSummary(program_, added, changed);
     return {};
 }
 
@@ -62,13 +73,6 @@ void ChangeReport::TellCells(std::int64_t id, const Row* before, const Row& afte
         lines += std::to_string(id) + "\t" + names_[i] + "\t" + old + "\t" + after.cells[i] + "\n";
     }
     program_.console.Write(lines).Ignore();
-}
-
-void ChangeReport::TellSummary(std::int64_t added, std::int64_t changed) {
-    const QString what = QStringLiteral("%1 added, %2 changed").arg(added).arg(changed);
-    program_.console.WriteError(
-        ((program_.is_dry_run() ? QStringLiteral("dry run: ") : QString()) + what + u'\n')
-            .toStdString());
 }
 
 }  // namespace cli

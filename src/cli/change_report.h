@@ -1,6 +1,6 @@
-// ChangeReport: what a command has changed in the catalogue, found by comparing its rows before and
-// after. The summary goes to the messages; with --dry-run or --verbose every changed cell is a line
-// of the results.
+// What a command has changed in the catalogue. The summary goes to the messages; with --dry-run or
+// --verbose every changed cell is a line of the results. ChangeReport finds it out by comparing the
+// rows before and after.
 #pragma once
 
 #include "base/status.h"
@@ -13,6 +13,11 @@
 #include <vector>
 
 namespace cli {
+
+// Whether the program is to tell the changed cells.
+bool TellsCells(const Program& program);
+// "2 added, 1 changed".
+void TellSummary(Program& program, std::int64_t added, std::int64_t changed);
 
 class ChangeReport {
 public:
@@ -31,7 +36,6 @@ private:
     explicit ChangeReport(Program& program);
     base::Result<Rows> Read(jet::Connection& connection);
     void TellCells(std::int64_t id, const Row* before, const Row& after);
-    void TellSummary(std::int64_t added, std::int64_t changed);
 
     Program& program_;
     bool tells_cells_;

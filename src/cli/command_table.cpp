@@ -1,5 +1,7 @@
 #include "cli/command_table.h"
 
+#include "catalogue/filter_kinds.h"
+#include "catalogue/selection.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
 
@@ -11,12 +13,38 @@ namespace {
 
 using enum Completes;
 
-constexpr std::string_view kFilters[] = {"All",          "VPinMAME",  "Favorites", "VP Only",
-                                         "Author",       "Company",   "Year",      "File Date",
-                                         "Times Played", "Date Added"};
-constexpr std::string_view kOperators[] = {"=", "<>", "<", ">"};
-constexpr std::string_view kOrders[] = {"Table Name", "Year",       "Author",
-                                        "Company",    "Date Added", "Times Played"};
+// The texts of the window's boxes, which are ASCII, as this table has them.
+template <std::size_t Count>
+struct Letters {
+    static constexpr std::size_t kMost = 16;
+    char text[Count][kMost] = {};
+};
+template <std::size_t Count, typename Entry, typename TextOf>
+consteval Letters<Count> LettersOf(const std::array<Entry, Count>& entries, TextOf text_of) {
+    Letters<Count> letters;
+    for (std::size_t i = 0; i < Count; ++i) {
+        const QStringView text = text_of(entries[i]);
+        for (qsizetype at = 0; at < text.size(); ++at)
+            letters.text[i][at] = static_cast<char>(text.utf16()[at]);
+    }
+    return letters;
+}
+template <std::size_t Count>
+consteval std::array<std::string_view, Count> Views(const Letters<Count>& letters) {
+    std::array<std::string_view, Count> views;
+    for (std::size_t i = 0; i < Count; ++i)
+        views[i] = letters.text[i];
+    return views;
+}
+constexpr auto kFilterLetters = LettersOf(
+    catalogue::kFilterKinds, [](const catalogue::FilterKind& filter) { return filter.text; });
+constexpr auto kOperatorLetters =
+    LettersOf(catalogue::OperatorSymbols, [](QStringView symbol) { return symbol; });
+constexpr auto kOrderLetters = LettersOf(
+    catalogue::kOrderColumns, [](const catalogue::OrderColumn& order) { return order.caption; });
+constexpr auto kFilters = Views(kFilterLetters);
+constexpr auto kOperators = Views(kOperatorLetters);
+constexpr auto kOrders = Views(kOrderLetters);
 constexpr std::string_view kFormats[] = {"csv", "json", "jsonl"};
 constexpr std::string_view kMatches[] = {"id", "file", "crc"};
 
@@ -155,7 +183,7 @@ constexpr Option kImportOptions[] = {
     kVerboseOption};
 constexpr Example kImportExamples[] = {
     {"tavolo-cli import --dry-run tables.csv", "tells what importing the file would change"},
-    {"tavolo-cli export | tavolo-cli import --match=file -",
+    {"tavolo-cli export | tavolo-cli import -",
      "sends the whole catalogue through a pipe and changes nothing"}};
 
 constexpr Option kCommonOptions[] = {

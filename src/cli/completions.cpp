@@ -179,19 +179,27 @@ _tavolo_cli_words() {
     local IFS=$'\n' word
     COMPREPLY=()
     for word in $1; do
-        [[ $word == "$current"* ]] && COMPREPLY+=("$(printf %q "$word")")
+        [[ $word == "$current"* ]] && COMPREPLY+=("$prefix$(printf %q "$word")")
     done
 }
 _tavolo_cli_files() {
     compopt -o filenames 2>/dev/null
-    mapfile -t COMPREPLY < <(compgen "$1" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -P "$prefix" "$1" -- "$current")
 }
 _tavolo_cli() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} command= i
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} prefix= command= i
     COMPREPLY=()
+    # --name=value: three words where = separates words, as it usually does, else one.
+    if [[ $current == = ]]; then
+        current=
+    elif [[ $previous == = ]]; then
+        previous=${COMP_WORDS[COMP_CWORD-2]}
+    elif [[ $current == --*=* ]]; then
+        previous=${current%%=*} prefix=${current%%=*}= current=${current#*=}
+    fi
     for ((i = 1; i < COMP_CWORD; i++)); do
         case ${COMP_WORDS[i]} in
-            --folder|-C) ((i++)) ;;
+            --folder|-C) ((i++)); [[ ${COMP_WORDS[i]} == = ]] && ((i++)) ;;
             -*) ;;
             *) command=${COMP_WORDS[i]}; break ;;
         esac

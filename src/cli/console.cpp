@@ -2,6 +2,7 @@
 
 #include "base/file_names.h"
 #include "catalogue/error_report.h"
+#include "cli/terminal_text.h"
 #include "platform/standard_streams.h"
 #include "platform/text_view.h"
 
@@ -31,11 +32,11 @@ std::string Bytes(const QString& text) {
 }  // namespace
 
 void Console::Print(const QString& line) {
-    Write(Bytes(line) + "\n").Ignore();
+    Write(Bytes(OutIsTerminal() ? ShownText(line) : line) + "\n").Ignore();
 }
 
 void Console::Complain(const QString& message) {
-    WriteError("tavolo-cli: " + Bytes(message) + "\n");
+    WriteError("tavolo-cli: " + Bytes(ShownText(message)) + "\n");
 }
 
 void Console::Complain(const base::Status& failure) {

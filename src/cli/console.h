@@ -25,9 +25,9 @@ public:
     virtual bool OutIsTerminal() const = 0;
     virtual bool ErrorShowsProgress() const = 0;
 
-    // A line of results.
+    // A line of results. On a terminal, characters that it would obey are written as escapes.
     void Print(const QString& line);
-    // "tavolo-cli: message".
+    // "tavolo-cli: message", with such escapes in any case: messages quote cells and file names.
     void Complain(const QString& message);
     void Complain(const base::Status& failure);
     // Results as they are.

@@ -114,6 +114,17 @@ std::string RoffOptions(std::span<const Option> options) {
     return text;
 }
 
+// "tavolo-cli list [OPTION]...".
+std::string Usage(const Command& command) {
+    std::string usage = "tavolo-cli " + std::string(command.name);
+    if (!command.options.empty()) usage += " [OPTION]...";
+    for (const Operand& operand : command.operands) {
+        const std::string name = std::string(operand.name) + (operand.repeats ? "..." : "");
+        usage += operand.is_optional ? " [" + name + "]" : " " + name;
+    }
+    return usage;
+}
+
 std::string RoffUsage(const Command& command) {
     std::string usage = "\\fBtavolo\\-cli " + Roff(command.name) + "\\fR";
     if (!command.options.empty()) usage += " [\\fIOPTION\\fR]...";
@@ -136,16 +147,6 @@ std::string RoffCommand(const Command& command) {
 
 std::string VersionText() {
     return "tavolo-cli (" + dialogs::ApplicationTitle().toStdString() + ") " + Version() + "\n";
-}
-
-std::string Usage(const Command& command) {
-    std::string usage = "tavolo-cli " + std::string(command.name);
-    if (!command.options.empty()) usage += " [OPTION]...";
-    for (const Operand& operand : command.operands) {
-        const std::string name = std::string(operand.name) + (operand.repeats ? "..." : "");
-        usage += operand.is_optional ? " [" + name + "]" : " " + name;
-    }
-    return usage;
 }
 
 std::string GeneralHelp() {
@@ -197,7 +198,7 @@ std::string ManPage() {
     for (const Command& command : Commands())
         for (const Example& example : command.examples)
             page += ".TP\n\\fB" + Roff(example.line) + "\\fR\n" + Roff(example.what) + ".\n";
-    return page + ".SH SEE ALSO\nThe help of \\fBtavolo\\fR(1), by F1 in its window.\n";
+    return page + ".SH SEE ALSO\n\\fBtavolo\\fR(1)\n";
 }
 
 std::string ExampleLines() {

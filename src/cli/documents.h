@@ -10,8 +10,6 @@ namespace cli {
 std::string VersionText();
 std::string GeneralHelp();
 std::string CommandHelp(const Command& command);
-// "tavolo-cli list [OPTION]...".
-std::string Usage(const Command& command);
 
 // The manual page, for man(7)'s macros.
 std::string ManPage();

@@ -10,6 +10,9 @@
 #include "exchange/row_writer.h"
 #include "platform/files.h"
 
+#include <optional>
+#include <utility>
+
 namespace cli {
 namespace {
 
@@ -37,21 +40,47 @@ base::Result<catalogue::Selection> SelectionToExport(const Arguments& arguments)
     return selection;
 }
 
+// Rows of a catalogue and how many they are, if somebody watches their progress, else 0.
+struct RowsToWrite {
+    jet::Recordset rows;
+    std::int64_t count = 0;
+};
+
+base::Result<RowsToWrite> OpenRowsToWrite(Program& program, jet::Connection& connection,
+                                          const catalogue::Selection& selection) {
+    RowsToWrite opened;
+    if (!program.console.ErrorShowsProgress()) {
+        ASSIGN_OR_RETURN(opened.rows, OpenRows(connection, selection));
+        return opened;
+    }
+    RETURN_IF_ERROR(opened.rows.Open(catalogue::SelectionStatement(selection).toStdU16String(),
+                                     connection, jet::CursorType::kStatic));
+    opened.count = opened.rows.RecordCount();
+    return opened;
+}
+
 // To the standard output piece by piece; to a file in one go, so that a full disk leaves an older
 // one as it was.
-base::Result<std::int64_t> Export(Program& program, jet::Recordset& rows, const QString& file,
+base::Result<std::int64_t> Export(Program& program, RowsToWrite& opened, const QString& file,
                                   const exchange::WriteOptions& options) {
     const bool keeps = !program.is_dry_run();
-    if (file == kStandardStream)
-        return exchange::WriteRows(rows, options, [&](std::string_view bytes) {
-            return keeps ? program.console.Write(bytes) : base::Status();
-        });
+    const bool goes_to_file = file != kStandardStream;
     QByteArray content;
+    const auto take = [&](std::string_view bytes) {
+        if (!goes_to_file) return keeps ? program.console.Write(bytes) : base::Status();
+        content.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
+        return base::Status();
+    };
+    const catalogue::Progress progress = [&](std::int64_t done, std::int64_t total) {
+        program.console.ShowProgress(done, total);
+    };
+    // Where the rows themselves are shown nobody wants a line between them.
+    const bool shows_progress = goes_to_file || !program.console.OutIsTerminal();
     ASSIGN_OR_RETURN(const std::int64_t count,
-                     exchange::WriteRows(rows, options, [&](std::string_view bytes) {
-                         content.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
-                         return base::Status();
-                     }));
+                     exchange::WriteRows(opened.rows, options, take,
+                                         shows_progress ? progress : catalogue::Progress(),
+                                         opened.count));
+    if (!goes_to_file) return count;
     if (keeps) RETURN_IF_ERROR(platform::SaveFile(platform::AbsolutePath(file), content));
     return count;
 }
@@ -72,17 +101,12 @@ exchange::ImportOptions OptionsOf(const Arguments& arguments) {
 }
 
 int Import(Program& program, OpenedCatalogue& opened, exchange::RowSource& source) {
-    auto changes = ChangeReport::Begin(program, opened.connection());
-    if (!changes.ok()) return Fail(program, changes.status());
     const auto report =
-        exchange::ImportRows(opened.connection(), source, OptionsOf(program.arguments));
-    if (!report.ok()) return Fail(program, report.status());
-    TellProblems(program.console, program.arguments.operands.front(), *report);
-    if (!report->accepted()) return kFailed;
-    const base::Status told = changes->Finish(opened.connection());
+        ImportAndTell(program, opened.connection(), source, OptionsOf(program.arguments));
     const base::Status closed = opened.Close();
-    for (const base::Status& status : {told, closed})
-        if (!status.ok()) return Fail(program, status);
+    if (report.ok()) TellProblems(program.console, program.arguments.operands.front(), *report);
+    if (!report.ok() || !closed.ok()) return Finish(program, {report.status(), closed});
+    if (!report->accepted()) return kFailed;
     if (report->passed_over > 0)
         program.console.WriteError(std::to_string(report->passed_over) + " passed over\n");
     return kDone;
@@ -93,16 +117,19 @@ int Import(Program& program, OpenedCatalogue& opened, exchange::RowSource& sourc
 int RunExport(Program& program) {
     const Arguments& arguments = program.arguments;
     const auto selection = SelectionToExport(arguments);
-    if (!selection.ok())
-        return FailUsage(program.console, QString::fromStdString(selection.status().message()));
+    const auto columns = ColumnsOf(arguments);
+    for (const base::Status& wrong : {selection.status(), columns.status()})
+        if (!wrong.ok()) return FailUsage(program.console, wrong);
     const QString file = arguments.operands.value(0, kStandardStream.toString());
     auto opened = OpenedCatalogue::Open(program, Access::kRead);
     if (!opened.ok()) return Fail(program, opened.status());
-    auto rows = OpenRows((*opened)->connection(), *selection);
+    auto rows = OpenRowsToWrite(program, (*opened)->connection(), *selection);
     if (!rows.ok()) return Fail(program, rows.status());
+    if (const auto places = exchange::ColumnPlaces(rows->rows, *columns); !places.ok())
+        return FailUsage(program.console, places.status());
     const auto count = Export(program, *rows, file,
                               {.format = FormatOf(arguments, file),
-                               .columns = ColumnsOf(arguments),
+                               .columns = *columns,
                                .escape_formulas = arguments.Has("escape-formulas")});
     if (!count.ok()) return Fail(program, count.status());
     if (program.is_dry_run() || file != kStandardStream)
@@ -122,6 +149,24 @@ int RunImport(Program& program) {
     const auto source = exchange::MakeRowSource(content, FormatOf(program.arguments, file),
                                                 program.arguments.Has("unescape-formulas"));
     return Import(program, **opened, *source);
+}
+
+base::Result<exchange::ImportReport> ImportAndTell(Program& program, jet::Connection& connection,
+                                                   exchange::RowSource& source,
+                                                   const exchange::ImportOptions& options) {
+    std::optional<ChangeReport> changes;
+    if (TellsCells(program)) {
+        ASSIGN_OR_RETURN(ChangeReport begun, ChangeReport::Begin(program, connection));
+        changes.emplace(std::move(begun));
+    }
+    ASSIGN_OR_RETURN(exchange::ImportReport report,
+                     exchange::ImportRows(connection, source, options));
+    if (!report.accepted()) return report;
+    if (changes)
+        RETURN_IF_ERROR(changes->Finish(connection));
+    else
+        TellSummary(program, report.added, report.changed);
+    return report;
 }
 
 base::Status FirstProblem(const exchange::ImportReport& report) {

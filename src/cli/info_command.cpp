@@ -106,10 +106,10 @@ void PrintText(Console& console, const TableFileInfo& info) {
                           .arg(picture.bytes.size()));
 }
 
-base::Status WriteNewFile(const QString& path, const QByteArray& bytes) {
+base::Status CheckIsNew(const QString& path) {
     if (platform::FileExists(path) || platform::FolderExists(path))
         return {base::StatusCode::kAlreadyExists, path.toStdString() + ": it is there already"};
-    return platform::SaveFile(path, bytes);
+    return {};
 }
 
 base::Status Extract(Program& program, const QString& table, const TableFileInfo& info) {
@@ -120,7 +120,8 @@ base::Status Extract(Program& program, const QString& table, const TableFileInfo
         const QString name =
             discovery::BaseName(table) + u'-' + picture.stream + u'.' + picture.extension;
         const QString path = platform::FileIn(folder, name);
-        if (!program.is_dry_run()) RETURN_IF_ERROR(WriteNewFile(path, picture.bytes));
+        RETURN_IF_ERROR(CheckIsNew(path));
+        if (!program.is_dry_run()) RETURN_IF_ERROR(platform::SaveFile(path, picture.bytes));
         if (!program.arguments.Has("json")) program.console.Print(path);
     }
     return {};

@@ -25,20 +25,22 @@ std::vector<std::size_t> ListedPlaces(const jet::Recordset& rows) {
     return places;
 }
 
-QString HeadLine(const jet::Recordset& rows, const std::vector<std::size_t>& places, bool is_bold) {
-    QStringList names;
-    for (const std::size_t place : places)
-        names.append(QString::fromStdU16String(rows.FieldName(place)));
-    const QString line = names.join(u'\t');
-    return is_bold ? QStringLiteral("\033[1m") + line + QStringLiteral("\033[0m") : line;
+std::string HeadLine(const jet::Recordset& rows, const std::vector<std::size_t>& places,
+                     bool is_bold) {
+    std::string line;
+    for (const std::size_t place : places) {
+        if (!line.empty()) line += '\t';
+        AppendTerminalText(line, rows.FieldName(place));
+    }
+    return is_bold ? "\033[1m" + line + "\033[0m\n" : line + "\n";
 }
 
 base::Status PrintRows(Program& program, jet::Recordset& rows, const QStringList& columns) {
     Console& console = program.console;
     ASSIGN_OR_RETURN(std::vector<std::size_t> places, exchange::ColumnPlaces(rows, columns));
     if (columns.isEmpty()) places = ListedPlaces(rows);
-    if (console.OutIsTerminal()) console.Print(HeadLine(rows, places, console.OutIsColoured()));
     std::string lines;
+    if (console.OutIsTerminal()) lines = HeadLine(rows, places, console.OutIsColoured());
     while (!rows.Eof()) {
         for (std::size_t i = 0; i < places.size(); ++i) {
             ASSIGN_OR_RETURN(const jet::Value value, rows.Fields(places[i]));
@@ -64,12 +66,16 @@ base::Status Write(Program& program, jet::Recordset& rows, const QStringList& co
 enum class Nothing { kIsFine, kIsTold };
 
 int ListSelection(Program& program, const catalogue::Selection& selection, Nothing nothing) {
+    const auto columns = ColumnsOf(program.arguments);
+    if (!columns.ok()) return FailUsage(program.console, columns.status());
     auto opened = OpenedCatalogue::Open(program, Access::kRead);
     if (!opened.ok()) return Fail(program, opened.status());
     auto rows = OpenRows((*opened)->connection(), selection);
     if (!rows.ok()) return Fail(program, rows.status());
+    if (const auto places = exchange::ColumnPlaces(*rows, *columns); !places.ok())
+        return FailUsage(program.console, places.status());
     const bool is_empty = rows->Eof();
-    const base::Status written = Write(program, *rows, ColumnsOf(program.arguments));
+    const base::Status written = Write(program, *rows, *columns);
     if (!written.ok()) return Fail(program, written);
     if (!is_empty || nothing == Nothing::kIsFine) return kDone;
     program.console.Complain(QStringLiteral("No matching records found"));
@@ -84,14 +90,13 @@ int RunList(Program& program) {
 
 int RunFind(Program& program) {
     const auto selection = SelectionOfOperands(program.arguments);
-    if (!selection.ok())
-        return FailUsage(program.console, QString::fromStdString(selection.status().message()));
+    if (!selection.ok()) return FailUsage(program.console, selection.status());
     return ListSelection(program, *selection, Nothing::kIsTold);
 }
 
 int RunShow(Program& program) {
     const auto id = IdOf(program.arguments.operands.front());
-    if (!id.ok()) return FailUsage(program.console, QString::fromStdString(id.status().message()));
+    if (!id.ok()) return FailUsage(program.console, id.status());
     auto opened = OpenedCatalogue::Open(program, Access::kRead);
     if (!opened.ok()) return Fail(program, opened.status());
     const QString sql = QStringLiteral("Select * from Tables where ID = ") + QString::number(*id);

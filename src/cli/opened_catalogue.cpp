@@ -24,10 +24,14 @@ base::Result<std::unique_ptr<OpenedCatalogue>> OpenedCatalogue::Open(Program& pr
     case Access::kRead:
         RETURN_IF_ERROR(opened->OpenForReading(files));
         break;
-    case Access::kTrial:
-        RETURN_IF_ERROR(opened->OpenCopy(files));
+    case Access::kTrial: {
+        const QString first = catalogue::CatalogueOfFirstStart(opened->values_.ApplicationFolder,
+                                                               program.outside.folders);
+        RETURN_IF_ERROR(opened->OpenCopy(
+            files, first.isEmpty() ? catalogue::CataloguePath(opened->catalogue_) : first));
         catalogue::UpgradeCatalogue(opened->catalogue_);
         break;
+    }
     case Access::kWrite:
         catalogue::PrepareFirstStart(opened->values_.ApplicationFolder, program.outside.folders);
         RETURN_IF_ERROR(catalogue::Main(opened->catalogue_));
@@ -40,11 +44,11 @@ base::Status OpenedCatalogue::OpenForReading(jet::FileSystem& files) {
     const QString path = catalogue::CataloguePath(catalogue_);
     base::Status opened = connection_->Open(
         u"Data Source=" + catalogue::DataSourceValue(path.toStdU16String()) + u";Mode=Read");
-    return opened.code() == base::StatusCode::kBusy ? OpenCopy(files) : opened;
+    return opened.code() == base::StatusCode::kBusy ? OpenCopy(files, path) : opened;
 }
 
-base::Status OpenedCatalogue::OpenCopy(jet::FileSystem& files) {
-    const std::filesystem::path path = platform::ToPath(catalogue::CataloguePath(catalogue_));
+base::Status OpenedCatalogue::OpenCopy(jet::FileSystem& files, const QString& name) {
+    const std::filesystem::path path = platform::ToPath(name);
     ASSIGN_OR_RETURN(auto pages, jet::CopyPages(files, path));
     ASSIGN_OR_RETURN(auto database, jet::OpenDatabase(std::move(pages), path.string()));
     connection_ = std::make_unique<jet::Connection>(std::move(database));

@@ -13,7 +13,7 @@ namespace cli {
 enum class Access {
     kRead,   // as it is; beside a program that has it open, what was committed last
     kWrite,  // as the program opens it: missing columns are added, a first start gets an empty one
-    kTrial,  // a copy in memory, brought up to date; what is changed in it is lost
+    kTrial,  // a copy in memory of what kWrite would open, brought up to date; changes are lost
 };
 
 class OpenedCatalogue {
@@ -29,7 +29,7 @@ public:
 private:
     explicit OpenedCatalogue(Program& program);
     base::Status OpenForReading(jet::FileSystem& files);
-    base::Status OpenCopy(jet::FileSystem& files);
+    base::Status OpenCopy(jet::FileSystem& files, const QString& name);
 
     catalogue::ProcessValues values_;
     std::unique_ptr<jet::Connection> connection_;

@@ -123,10 +123,8 @@ int Play(Program& program, OpenedCatalogue& opened, const Table& table) {
          prompts},
         {[] { return Qt::WindowStates(); }, [] {}, [](Qt::WindowStates) {}, [] {}});
     launcher.PlayTable(table.path, table.name, table.id.toLongLong());
-    const base::Status closed = opened.Close();
-    for (const base::Status& failure : {events.closed(), closed})
-        if (!failure.ok()) return Fail(program, failure);
-    return prompts.has_complained() ? kFailed : kDone;
+    const int ended = Finish(program, {events.closed(), opened.Close()});
+    return ended == kDone && prompts.has_complained() ? kFailed : ended;
 }
 
 }  // namespace

@@ -11,6 +11,8 @@
 #include "platform/settings_store.h"
 #include "platform/window_control.h"
 
+#include <initializer_list>
+
 namespace cli {
 
 // Interfaces to the world outside. Borrowed.
@@ -36,7 +38,11 @@ int Run(const QStringList& words, Outside& outside, Console& console);
 
 // Tells a failure and answers the exit status that stands for it.
 int Fail(Program& program, const base::Status& failure);
+// Tells each of several outcomes that is a failure, the same text once. The answer is the exit
+// status of the first; kDone: all are well.
+int Finish(Program& program, std::initializer_list<base::Status> outcomes);
 // "option '--x' ..." or the like, and how to get help.
 int FailUsage(Console& console, const QString& text);
+int FailUsage(Console& console, const base::Status& wrong);
 
 }  // namespace cli

@@ -1,6 +1,7 @@
 #include "cli/documents.h"
 #include "cli/program.h"
 
+#include "catalogue/error_report.h"
 #include "platform/standard_streams.h"
 
 namespace cli {
@@ -38,6 +39,23 @@ int Fail(Program& program, const base::Status& failure) {
     if (!program.console.write_failure().ok()) return kFailed;
     program.console.Complain(failure);
     return failure.code() == base::StatusCode::kBusy ? kInUse : kFailed;
+}
+
+int Finish(Program& program, std::initializer_list<base::Status> outcomes) {
+    int status = kDone;
+    QStringList told;
+    for (const base::Status& outcome : outcomes) {
+        const QString text = catalogue::FailureText(outcome);
+        if (outcome.ok() || told.contains(text)) continue;
+        told.append(text);
+        const int its_status = Fail(program, outcome);
+        if (status == kDone) status = its_status;
+    }
+    return status;
+}
+
+int FailUsage(Console& console, const base::Status& wrong) {
+    return FailUsage(console, catalogue::FailureText(wrong));
 }
 
 int FailUsage(Console& console, const QString& text) {

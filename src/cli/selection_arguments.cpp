@@ -1,7 +1,6 @@
 #include "cli/selection_arguments.h"
 
 #include "catalogue/filter_kinds.h"
-#include "catalogue/quoting.h"
 #include "catalogue/selection.h"
 
 #include <algorithm>
@@ -25,6 +24,13 @@ QString FilterKeyOf(const QString& name) {
 bool IsOperator(const QString& word) {
     const auto& symbols = catalogue::OperatorSymbols;
     return std::find(symbols.begin(), symbols.end(), QStringView(word)) != symbols.end();
+}
+
+QString OperatorList() {
+    QStringList symbols;
+    for (const QStringView symbol : catalogue::OperatorSymbols)
+        symbols.append(symbol.toString());
+    return symbols.join(QStringLiteral(", "));
 }
 
 void SetFilter(catalogue::Selection& selection, const QString& name) {
@@ -66,27 +72,26 @@ base::Result<catalogue::Selection> SelectionOfOperands(const Arguments& argument
 
 base::Status CheckSelection(const catalogue::Selection& selection) {
     if (!IsOperator(selection.comparison))
-        return Wrong(QStringLiteral("unknown operator '%1': it is one of =, <>, <, >")
-                         .arg(selection.comparison));
+        return Wrong(QStringLiteral("unknown operator '%1': it is one of %2")
+                         .arg(selection.comparison, OperatorList()));
     if (const auto wrong = catalogue::WrongValue(selection)) return Wrong(*wrong);
     return {};
 }
 
-QStringList ColumnsOf(const Arguments& arguments) {
+base::Result<QStringList> ColumnsOf(const Arguments& arguments) {
     QStringList columns;
     for (const QString& names : arguments.Values("columns"))
-        for (const QString& name : names.split(u',', Qt::SkipEmptyParts))
+        for (const QString& name : names.split(u',')) {
+            if (name.trimmed().isEmpty())
+                return Wrong(QStringLiteral("--columns=%1 names no column").arg(names));
             columns.append(name.trimmed());
+        }
     return columns;
 }
 
 base::Result<jet::Recordset> OpenRows(jet::Connection& connection,
                                       const catalogue::Selection& selection) {
-    const QString sql = catalogue::FilterQueryText(selection.filter_key,
-                                                   catalogue::QuoteSqlExpr(selection.filter_value),
-                                                   selection.comparison) +
-                        catalogue::ComposeOrderClause(selection.order_caption, selection.direction);
-    return connection.Execute(sql.toStdU16String());
+    return connection.Execute(catalogue::SelectionStatement(selection).toStdU16String());
 }
 
 base::Result<std::int64_t> IdOf(const QString& word) {

@@ -18,8 +18,8 @@ base::Result<catalogue::Selection> SelectionOfOperands(const Arguments& argument
 // What is wrong with the selection's value, operator or filter; ok: nothing.
 base::Status CheckSelection(const catalogue::Selection& selection);
 
-// Of --columns; empty: not given.
-QStringList ColumnsOf(const Arguments& arguments);
+// Of --columns; empty: not given. kInvalidArgument: a name is empty.
+base::Result<QStringList> ColumnsOf(const Arguments& arguments);
 
 // The rows, for reading from the first to the last; none is no failure.
 base::Result<jet::Recordset> OpenRows(jet::Connection& connection,

@@ -26,6 +26,7 @@ struct FileFinding {
     Verdict verdict = Verdict::kSound;
     QString id;
     QString path;
+    std::string reason = {};  // why an unreadable one is so
     bool is_fault() const { return verdict != Verdict::kSound && verdict != Verdict::kNoChecksum; }
 };
 
@@ -57,14 +58,22 @@ struct Report {
 };
 
 // Texts of checksums are compared as the database compares them: without regard to letter case.
-Verdict Judge(checksum::clsCRC& crc, const QString& path, const QString& known, bool is_quick) {
-    if (!platform::FileExists(path)) return Verdict::kMissing;
-    if (is_quick) return Verdict::kSound;
-    if (known.isEmpty()) return Verdict::kNoChecksum;
-    const auto value = crc.CalculateFile(platform::ToPath(path));
-    if (!value.ok()) return Verdict::kUnreadable;
-    const QString now = QString::fromStdU16String(checksum::ChecksumText(*value));
-    return now.compare(known, Qt::CaseInsensitive) == 0 ? Verdict::kSound : Verdict::kChanged;
+void Judge(checksum::clsCRC& crc, FileFinding& finding, const QString& known, bool is_quick) {
+    if (!platform::FileExists(finding.path)) {
+        finding.verdict = Verdict::kMissing;
+    } else if (!is_quick && known.isEmpty()) {
+        finding.verdict = Verdict::kNoChecksum;
+    } else if (!is_quick) {
+        const auto value = crc.CalculateFile(platform::ToPath(finding.path));
+        if (!value.ok()) {
+            finding.verdict = Verdict::kUnreadable;
+            finding.reason = value.status().message();
+            return;
+        }
+        const QString now = QString::fromStdU16String(checksum::ChecksumText(*value));
+        const bool is_same = now.compare(known, Qt::CaseInsensitive) == 0;
+        finding.verdict = is_same ? Verdict::kSound : Verdict::kChanged;
+    }
 }
 
 base::Status CheckFiles(Program& program, jet::Connection& connection, Report& report) {
@@ -86,7 +95,7 @@ base::Status CheckFiles(Program& program, jet::Connection& connection, Report& r
         if (has_checksums) {
             ASSIGN_OR_RETURN(known, catalogue::FieldText(rows, u"CRC"));
         }
-        finding.verdict = Judge(crc, finding.path, known, is_quick);
+        Judge(crc, finding, known, is_quick);
         if (finding.verdict != Verdict::kSound) report.files.push_back(finding);
         ++report.tables;
         meter.Step();
@@ -102,6 +111,10 @@ void PrintText(Console& console, const Report& report) {
     for (const FileFinding& finding : report.files) {
         std::string line = finding.id.toStdString() + "\t" + NameOf(finding.verdict) + "\t";
         AppendTerminalText(line, platform::View(finding.path));
+        if (!finding.reason.empty()) {
+            line += '\t';
+            AppendTerminalText(line, platform::View(QString::fromStdString(finding.reason)));
+        }
         console.Write(line + "\n").Ignore();
     }
     std::int64_t faults = 0;
@@ -139,7 +152,10 @@ void PrintJson(Console& console, const Report& report) {
     for (const FileFinding& finding : report.files) {
         json += separator + std::string("{\"ID\": ") + finding.id.toStdString() +
                 ", \"state\": \"" + NameOf(finding.verdict) +
-                "\", \"FileName\": " + Json(platform::View(finding.path)) + "}";
+                "\", \"FileName\": " + Json(platform::View(finding.path));
+        if (!finding.reason.empty())
+            json += ", \"reason\": " + Json(platform::View(QString::fromStdString(finding.reason)));
+        json += "}";
         separator = ",\n";
     }
     console.Write(json + "]}\n").Ignore();

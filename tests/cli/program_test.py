@@ -113,6 +113,15 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(self.completions("list", "--o"), ["--order"])
         self.assertEqual(self.completions("export", "--format", "j"), ["json", "jsonl"])
         self.assertEqual(self.completions("scan", "a"), ["a folder"])
+        # Where = separates words, and where it does not.
+        self.assertEqual(self.completions("export", "--format", "=", "j"), ["json", "jsonl"])
+        self.assertEqual(self.completions("export", "--format", "="), ["csv", "json", "jsonl"])
+        self.assertEqual(self.completions("export", "--format=j"), ["--format=json", "--format=jsonl"])
+        self.assertEqual(self.completions("--folder", "=", "x", "se"), ["set"])
+        self.assertEqual(self.completions("--folder=x", "se"), ["set"])
+        self.assertEqual(self.completions("--folder", "=", "x", "list", "--o"), ["--order"])
+        self.assertEqual(self.completions("--folder", "=", "a"), ["a folder"])
+        self.assertEqual(self.completions("list", "--order", "=", "T"), ["Table\\ Name", "Times\\ Played"])
         self.assertEqual(self.completions("import", "a"), ["a file.csv", "a folder"])
 
     def test_list_is_what_mdb_export_says(self):

@@ -1,4 +1,5 @@
 #include "cli/cli_fixture.h"
+#include "support/as_nobody.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -65,6 +66,32 @@ TEST_F(ReadingCommandsTest, ControlCharactersAreNotObeyed) {
     EXPECT_THAT(console.out, Not(HasSubstr("\033")));
 }
 
+// U+009B alone begins a command to a terminal, too.
+TEST_F(ReadingCommandsTest, NoResultOnATerminalIsObeyed) {
+    Sql("UPDATE Tables SET DisplayName = 'a' & chr(27) & '[2J', Author = 'b' & chrw(155) & 'c', "
+        "FileName = FileName & chr(7) WHERE ID = 1");
+    QFile::copy(QString::fromStdString(TablePath("Attack")),
+                QString::fromStdString(TablePath("Attack") + "\a"));
+    console.is_terminal = true;
+    settings.values[S("TAVOLO/GENERAL/VPEXE")] = S("/vp/vp.exe");
+    for (const char* words : {"list", "list --json", "show 1", "show --json 1", "play 1",
+                              "play --dry-run 1", "verify --json", "set -v 1 Author=x"}) {
+        Run(words);
+        EXPECT_FALSE(console.out.empty()) << words;
+        for (const char* control : {"\033[2J", "\xC2\x9B", "\a"})
+            EXPECT_THAT(console.out, Not(HasSubstr(control))) << words;
+    }
+}
+
+TEST_F(ReadingCommandsTest, NoMessageIsObeyed) {
+    console.in = "ID,TimesPlayed\n1,\"\033[2J\xC2\x9B\"\n";
+    EXPECT_EQ(Run("import -"), kFailed);
+    EXPECT_THAT(console.error, HasSubstr("\\x1b[2J\\x9b"));
+    EXPECT_THAT(console.error, Not(HasSubstr("\033")));
+    EXPECT_EQ(Run(QStringList{S("info"), S("/no\a/such\033")}), kFailed);
+    EXPECT_EQ(console.error, "tavolo-cli: /no\\x07/such\\x1b: there is no such file\n");
+}
+
 TEST_F(ReadingCommandsTest, ListJsonHasEveryColumnByItsName) {
     EXPECT_EQ(Run("list --json"), kDone);
     const QJsonObject document = Json();
@@ -80,9 +107,22 @@ TEST_F(ReadingCommandsTest, ListJsonHasEveryColumnByItsName) {
 }
 
 TEST_F(ReadingCommandsTest, UnknownColumnsAreRefused) {
-    EXPECT_EQ(Run("list -c ID,Colour"), kFailed);
-    EXPECT_EQ(console.error, "tavolo-cli: there is no column \"Colour\"\n");
-    EXPECT_TRUE(console.out.empty());
+    for (const char* words : {"list -c ID,Colour", "list --json -c Colour", "find All -c Colour",
+                              "export -c Colour", "export --dry-run -c Colour"}) {
+        EXPECT_EQ(Run(words), kWrongUsage) << words;
+        EXPECT_THAT(console.error,
+                    testing::StartsWith("tavolo-cli: there is no column \"Colour\"\n"));
+        EXPECT_TRUE(console.out.empty());
+    }
+}
+
+TEST_F(ReadingCommandsTest, ColumnsAreNamed) {
+    for (const char* words : {"list --columns=", "list --columns=,", "find All --columns=ID,,CRC",
+                              "export --columns=ID,"}) {
+        EXPECT_EQ(Run(words), kWrongUsage) << words;
+        EXPECT_THAT(console.error, HasSubstr("names no column"));
+        EXPECT_TRUE(console.out.empty());
+    }
 }
 
 TEST_F(ReadingCommandsTest, EveryFilterFinds) {
@@ -127,7 +167,7 @@ TEST_F(ReadingCommandsTest, FindRefusesWhatMakesNoSense) {
     EXPECT_EQ(refused({S("Year"), S("=")}),
               "tavolo-cli: the filter 'Year' needs an operator and a value");
     EXPECT_EQ(refused({S("Year"), S("like"), S("1")}),
-              "tavolo-cli: unknown operator 'like': it is one of =, <>, <, >");
+              "tavolo-cli: unknown operator 'like': it is one of >, <, <>, =");
     EXPECT_EQ(refused({S("FileDate"), S("="), S("soon")}), "tavolo-cli: Please enter a valid date");
     EXPECT_EQ(refused({S("TimesPlayed"), S("="), S("often")}),
               "tavolo-cli: Please enter a valid number");
@@ -208,8 +248,10 @@ TEST_F(ReadingCommandsTest, InfoExtractsPictures) {
     EXPECT_EQ(Run(words), kDone);
     EXPECT_EQ(console.out, picture.toStdString() + "\n");
     EXPECT_EQ(QFile(picture).size(), 11);
-    EXPECT_EQ(Run(words), kFailed);
-    EXPECT_THAT(console.error, HasSubstr("it is there already"));
+    for (const QStringList& again : {words, words + QStringList{S("-n")}}) {
+        EXPECT_EQ(Run(again), kFailed);
+        EXPECT_THAT(console.error, HasSubstr("it is there already"));
+    }
     EXPECT_EQ(Run(QStringList{S("info"), file, S("-x"), folder.filePath(S("none"))}), kFailed);
 }
 
@@ -218,6 +260,22 @@ TEST_F(ReadingCommandsTest, InfoOfOtherFilesIsToldSo) {
     EXPECT_EQ(console.error, "tavolo-cli: There is no table Information for this table\n");
     EXPECT_EQ(Run(QStringList{S("info"), S("/none.vpt")}), kFailed);
     EXPECT_EQ(console.error, "tavolo-cli: /none.vpt: there is no such file\n");
+}
+
+TEST_F(ReadingCommandsTest, VerifySaysWhyAFileCannotBeRead) {
+    Run("crc");
+    const QString path = QString::fromStdString(TablePath("Attack"));
+    ASSERT_TRUE(QFile::setPermissions(path, {}));
+    for (const QString& open : {folder.path(), folder.filePath(S("tables"))})
+        ASSERT_TRUE(QFile::setPermissions(open, QFile::Permissions(0x7755)));
+    ASSERT_TRUE(QFile::setPermissions(DatabasePath(), QFile::Permissions(0x6644)));
+    const test_support::AsNobody nobody;
+    EXPECT_EQ(Run("verify"), kFailed);
+    EXPECT_THAT(console.out, HasSubstr("1\tunreadable\t" + TablePath("Attack") +
+                                       "\tAttack.vpt: cannot be read\n"));
+    EXPECT_EQ(Run("verify --json"), kFailed);
+    const QJsonObject file = Json()[S("files")].toArray()[0].toObject();
+    EXPECT_EQ(file[S("reason")].toString(), S("Attack.vpt: cannot be read"));
 }
 
 TEST_F(ReadingCommandsTest, VerifySeesEachKindOfTrouble) {
