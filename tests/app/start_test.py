@@ -2,6 +2,7 @@
 
 import hashlib
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -16,6 +17,7 @@ EMPTY = BUILD / "share" / "tavolo" / "pinball.mdb"
 ALL_COLUMNS = ["ID", "DisplayName", "FileName", "Author", "Company", "Year", "Version", "ImageFile", "FlyerFile", "Notes",
                "PinMame", "Favorite", "RulesFile", "FileDate", "RulesText", "TimesPlayed", "LastPlayed", "DateAdded", "CRC"]
 NOBODY = 65534
+ROOT = Path(__file__).resolve().parent.parent.parent
 
 
 def digest(path):
@@ -202,6 +204,12 @@ def command_line():
 
     check(output("--help").stdout.startswith("usage: tavolo [--folder DIR]"), "--help")
     check_equal(output("--version").stdout, "Tavolo 1.6.0\n", "--version")
+    page = ROOT / "packaging" / "tavolo.1"
+    rendered = subprocess.run(["groff", "-man", "-Tascii", "-ww", "-P-cbou", page], capture_output=True, text=True)
+    check_equal((rendered.returncode, rendered.stderr), (0, ""), "the manual page")
+    for word in re.findall(r"--[a-z]+", output("--help").stdout):
+        check(word in rendered.stdout, f"{word} in the manual page")
+    check("\nExec=tavolo %f\n" in (ROOT / "packaging" / "tavolo.desktop").read_text(), "the file in the desktop's entry")
     wrong = output("--fast")
     check_equal(wrong.returncode, 2, "status of an unknown argument")
     check("unknown argument: --fast" in wrong.stderr, "the complaint about it")
