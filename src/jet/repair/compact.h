@@ -24,6 +24,9 @@ struct CompactReport {
     std::uint64_t rows = 0;
     // Rows of system tables about objects that are no longer there.
     std::uint64_t rows_left_out = 0;
+    // File marks, for who keeps something beside the file that is bound to it by its mark.
+    std::uint64_t mark_before = 0;
+    std::uint64_t mark_after = 0;
 
     std::uint64_t bytes_before() const { return std::uint64_t{pages_before} * page_size; }
     std::uint64_t bytes_after() const { return std::uint64_t{pages_after} * page_size; }

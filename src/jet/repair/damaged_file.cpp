@@ -76,17 +76,19 @@ std::uint32_t KeyOf(const Page& first_page, bool jet4) {
 }
 
 bool LooksLikeDefinition(std::span<const std::byte> page, bool jet4) {
-    return HasType(page, PageType::kDefinition) && page[kSecondByteAt] == kSecondByte &&
-           (!jet4 ||
-            base::LoadLittle<std::uint32_t>(page.data() + kDefinitionMarkAt) == kDefinitionMark);
+    if (!HasType(page, PageType::kDefinition) || page[kSecondByteAt] != kSecondByte) return false;
+    return jet4
+               ? base::LoadLittle<std::uint32_t>(page.data() + kDefinitionMarkAt) == kDefinitionMark
+               : base::LoadLittle<std::uint16_t>(page.data() + kDefinitionFreeBytes) ==
+                     kJet3HeadText;
 }
 
-// How many of the system tables' definitions are where they belong when the pages are read so.
-int Likelihood(const File& file, bool jet4, std::uint32_t key) {
+// How many definitions are on the pages from `first` to `last` when they are read so.
+int Likelihood(const File& file, bool jet4, std::uint32_t key, PageNumber first, PageNumber last) {
     const std::uint32_t page_size = FormatOf(jet4 ? 4 : 3).page_size;
     const PageEncoding encoding(key);
     int found = 0;
-    for (PageNumber number = kObjectsPage; number <= kRelationsPage; ++number) {
+    for (PageNumber number = first; number <= last; ++number) {
         Page page(page_size);
         if (!file.ReadAt(std::uint64_t{number} * page_size, page).ok()) continue;
         encoding.Apply(number, page);
@@ -101,16 +103,27 @@ struct Reading {
     int likelihood = 0;
 };
 
-Reading BestReading(const File& file) {
+// By the definitions on the pages from 2 to `last`.
+Reading BestReading(const File& file, PageNumber last) {
     Reading best;
     for (const bool jet4 : {true, false}) {
         Page first(FormatOf(jet4 ? 4 : 3).page_size);
         file.ReadAt(0, first).Ignore();  // zeros then
         for (const std::uint32_t key : {KeyOf(first, jet4), 0U})
-            if (const int found = Likelihood(file, jet4, key); found > best.likelihood)
+            if (const int found = Likelihood(file, jet4, key, kObjectsPage, last);
+                found > best.likelihood)
                 best = {jet4, key, found};
     }
     return best;
+}
+
+// The definitions of the system tables are where they belong, or at least some definition is
+// somewhere.
+Reading BestReading(const File& file) {
+    const Reading by_system_tables = BestReading(file, kRelationsPage);
+    if (by_system_tables.likelihood > 0) return by_system_tables;
+    const std::uint64_t size = std::min(file.Size().value_or(0), FormatOf(4).max_file_bytes);
+    return BestReading(file, static_cast<PageNumber>(size / FormatOf(3).page_size));
 }
 
 // All pages; what cannot be read is zeros. The last one may be cut.

@@ -2,6 +2,7 @@
 
 #include "jet/check/check.h"
 #include "jet/errors.h"
+#include "jet/pages/file_mark.h"
 #include "jet/repair/object_ids.h"
 #include "jet/repair/table_builder.h"
 #include "jet/rows/table_scan.h"
@@ -153,6 +154,9 @@ base::Result<std::unique_ptr<NewFile>> CopyDatabase(PageStore& source, CompactRe
     ASSIGN_OR_RETURN(auto target, NewFile::Make({page.bytes().begin(), page.bytes().end()}));
     FileContext context(source, header);
     RETURN_IF_ERROR(DatabaseCopy(context, *target, report, progress).Run());
+    report.mark_before = ReadFileMark(page.bytes());
+    ASSIGN_OR_RETURN(const PageView new_page, target->store().Read(0));
+    report.mark_after = ReadFileMark(new_page.bytes());
     report.page_size = source.page_size();
     report.pages_before = source.page_count();
     report.pages_after = target->page_count();

@@ -39,6 +39,8 @@ constexpr Standard kStandard[] = {
 
 bool IsStandard(const TableDefinition& table, const TableDefinition& standard) {
     if (table.columns.size() != standard.columns.size() ||
+        table.columns_ever != standard.columns_ever ||
+        table.variables_ever != standard.variables_ever ||
         table.real_indexes.size() != standard.real_indexes.size())
         return false;
     for (std::size_t i = 0; i < table.real_indexes.size(); ++i)

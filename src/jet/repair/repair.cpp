@@ -36,6 +36,9 @@ public:
         for (const auto& table : tables_)
             RETURN_IF_ERROR(FillTable(*table));
         ReportOwnersWithoutDefinition();
+        for (const PageNumber page : UnexplainedPages(source_, survey_))
+            report_.Add(
+                {"", page, -1, "", "the page is damaged, and nothing tells what was on it"});
         KeepRelations();
         for (const auto& table : tables_) {
             RETURN_IF_ERROR(table->builder().BuildIndexes());

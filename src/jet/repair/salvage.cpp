@@ -56,7 +56,9 @@ bool ColumnsAreUsable(const TableDefinition& table, const Format& format) {
         if (column.is_fixed())
             ranges.emplace_back(column.fixed_offset, column.fixed_offset + column.length);
         for (std::size_t other = 0; other < i; ++other)
-            if (SameName(table.columns[other].name, column.name)) return false;
+            if (table.columns[other].number == column.number ||
+                SameName(table.columns[other].name, column.name))
+                return false;
     }
     std::ranges::sort(ranges);
     for (std::size_t i = 1; i < ranges.size(); ++i)
@@ -165,7 +167,7 @@ Survey SurveyPages(FileContext& file) {
     for (PageNumber number = kObjectsPage; number < file.store.page_count(); ++number) {
         const auto view = file.store.Read(number);
         if (!view.ok()) {
-            survey.has_unreadable_pages = true;
+            survey.damaged_pages.push_back(number);
             continue;
         }
         const std::span<const std::byte> bytes = view->bytes();
@@ -179,13 +181,43 @@ Survey SurveyPages(FileContext& file) {
             if (const auto page = DataPage::Parse(bytes, file.format))
                 survey.data_pages[page->owner()].push_back(number);
             else
-                survey.has_unreadable_pages = true;
+                survey.damaged_pages.push_back(number);
         } else if (!HasType(bytes, PageType::kIndexNode) && !HasType(bytes, PageType::kIndexLeaf) &&
                    !HasType(bytes, PageType::kBitmap) && !IsGivenBack(file, number)) {
-            survey.has_unreadable_pages = true;
+            survey.damaged_pages.push_back(number);
         }
     }
     return survey;
+}
+
+std::vector<PageNumber> UnexplainedPages(FileContext& file, const Survey& survey) {
+    std::set<PageNumber> unexplained(survey.damaged_pages.begin(), survey.damaged_pages.end());
+    const auto explain = [&](RowPointer map, const auto& is_right_kind) {
+        const auto members = file.Map(map).Members();
+        if (!members.ok()) return;
+        const bool is_trusted = std::ranges::all_of(*members, [&](PageNumber page) {
+            const auto view = file.store.Read(page);
+            return std::ranges::binary_search(survey.damaged_pages, page) ||
+                   (view.ok() && is_right_kind(view->bytes()));
+        });
+        for (const PageNumber page : *members)
+            if (is_trusted) unexplained.erase(page);
+    };
+    for (const auto& entry : survey.definitions) {
+        const TableDefinition& table = entry.second;
+        explain(table.owned, [&](std::span<const std::byte> page) {
+            return HasType(page, PageType::kData) && LoadOwner(page) == table.page;
+        });
+        for (const LongValueMaps& maps : table.long_values)
+            explain(maps.owned, [](std::span<const std::byte> page) {
+                return HasType(page, PageType::kData) && LoadOwner(page) == kLongValueOwner;
+            });
+        for (const RealIndex& index : table.real_indexes)
+            explain(index.map, [](std::span<const std::byte> page) {
+                return HasType(page, PageType::kIndexLeaf) || HasType(page, PageType::kIndexNode);
+            });
+    }
+    return {unexplained.begin(), unexplained.end()};
 }
 
 bool RowSalvage::Spend(std::uint64_t bytes) {
@@ -221,9 +253,12 @@ bool RowSalvage::ReportMissingPages(const std::set<PageNumber>& members) {
 }
 
 base::Status RowSalvage::ReadPage(PageNumber number, const Visitor& visit) {
-    ASSIGN_OR_RETURN(const PageView view, file_.store.Read(number));
-    const auto page = DataPage::Parse(view.bytes(), file_.format);
-    if (!page) return {};
+    const auto view = file_.store.Read(number);
+    const auto page = view.ok() ? DataPage::Parse(view->bytes(), file_.format) : std::nullopt;
+    if (!page) {
+        Lose(number, -1, "", "the page cannot be read again");
+        return {};
+    }
     for (std::size_t slot = 0; slot < page->slot_count(); ++slot) {
         const RowId at{number, static_cast<std::uint8_t>(slot)};
         const std::uint16_t flags = page->Flags(slot);
@@ -249,11 +284,11 @@ base::Status RowSalvage::ReadPage(PageNumber number, const Visitor& visit) {
 // Rows that were moved, and whose own places are lost. In a file without such damage they are left
 // from rows deleted long ago.
 base::Status RowSalvage::ReadLeftTargets(const Visitor& visit) {
-    if (!survey_.has_unreadable_pages) return {};
+    if (survey_.damaged_pages.empty()) return {};
     for (const RowId at : targets_) {
         if (reached_.contains(at)) continue;
-        ASSIGN_OR_RETURN(const PageView view, file_.store.Read(at.page));
-        const auto page = DataPage::Parse(view.bytes(), file_.format);
+        const auto view = file_.store.Read(at.page);
+        const auto page = view.ok() ? DataPage::Parse(view->bytes(), file_.format) : std::nullopt;
         const auto bytes = page ? page->Bytes(at.slot) : std::nullopt;
         if (bytes) RETURN_IF_ERROR(ReadRow(at, *bytes, visit));
     }

@@ -16,10 +16,16 @@ struct Survey {
     // Pages on which some definition goes on, or says so: its link may be damaged.
     std::set<PageNumber> continuations;
     std::map<PageNumber, std::vector<PageNumber>> data_pages;  // by owner; ascending
-    bool has_unreadable_pages = false;
+    // In use, but of no known kind or unreadable. Ascending.
+    std::vector<PageNumber> damaged_pages;
 };
 
 Survey SurveyPages(FileContext& file);
+
+// The damaged pages of which nothing tells what was on them. What tells it is the page map of an
+// index, of long values or of rows (these are told with their table), if all else that it lists is
+// of that kind.
+std::vector<PageNumber> UnexplainedPages(FileContext& file, const Survey& survey);
 
 // Whether the map of free pages has it. That map may be damaged: one witness alone does not count.
 bool IsGivenBack(FileContext& file, PageNumber page);

@@ -10,10 +10,20 @@
 namespace jet {
 namespace {
 
+// Whether the counts and places are those of a table that never lost a column.
+bool IsDense(const TableDefinition& table) {
+    const auto variables = std::ranges::count_if(table.columns, &ColumnDefinition::is_variable);
+    return table.columns.size() == table.columns_ever && variables == table.variables_ever &&
+           std::ranges::all_of(table.columns, [&](const ColumnDefinition& column) {
+               return column.number < table.columns_ever &&
+                      (!column.is_variable() || column.variable_index < table.variables_ever);
+           });
+}
+
 // Gives the columns the numbers and places that they would have in a table made today. Those of the
 // engine's own tables are fixed.
 void Renumber(TableDefinition& table) {
-    if (table.page <= kRelationsPage || table.columns.size() == table.columns_ever) return;
+    if (table.page <= kRelationsPage || IsDense(table)) return;
     std::vector<ColumnDefinition*> by_number;
     for (ColumnDefinition& column : table.columns)
         by_number.push_back(&column);

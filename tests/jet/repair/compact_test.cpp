@@ -3,6 +3,7 @@
 
 #include "jet/connection.h"
 #include "jet/errors.h"
+#include "jet/pages/file_mark.h"
 #include "jet/repair/same_content.h"
 #include "jet/tables/database.h"
 #include "jet/tables/storage_support.h"
@@ -38,6 +39,11 @@ protected:
         EXPECT_EQ(original->page_count(), report->pages_before);
         EXPECT_EQ(copy->page_count(), report->pages_after);
         ExpectSameContent(*original, *copy);
+    }
+
+    static std::uint64_t MarkOf(const std::filesystem::path& path) {
+        const auto bytes = ReadWholeFile(path);
+        return ReadFileMark(std::span(bytes).first(4096));
     }
 
     // A table of which most rows are gone, another one that is gone, and a column that is gone.
@@ -172,8 +178,12 @@ TEST_F(CompactTest, InPlaceALinkStaysALinkAndTheFileIsWhoseItWas) {
     const auto mode = std::filesystem::perms{0640};
     std::filesystem::permissions(file, mode);
     std::filesystem::create_symlink("file.mdb", link);
+    const std::uint64_t mark = MarkOf(file);
     const auto report = CompactInPlace(*files_, link);
     ASSERT_TRUE(report.ok()) << report.status().message();
+    EXPECT_EQ(report->mark_before, mark);
+    EXPECT_EQ(report->mark_after, MarkOf(file));
+    EXPECT_NE(report->mark_after, mark);
     EXPECT_TRUE(std::filesystem::is_symlink(link));
     EXPECT_EQ(std::filesystem::status(file).permissions(), mode);
     EXPECT_EQ(std::filesystem::file_size(file), report->pages_after * 4096U);

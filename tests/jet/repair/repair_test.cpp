@@ -225,8 +225,45 @@ TEST_P(RepairTest, MapsAndIndexesAreNotNeeded) {
     }
     const Repaired repaired = RepairBytes(damaged);
     ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+    for (const RepairLoss& loss : repaired.report.losses)
+        EXPECT_EQ(loss.reason, "the page is damaged, and nothing tells what was on it");
+    EXPECT_GT(repaired.report.loss_count, 0U);
+    ExpectSoundRows(bytes, bytes, repaired.bytes);
+}
+
+TEST_P(RepairTest, ADamagedIndexIsNoLossWhileItsMapTellsWhatItWas) {
+    const FileBytes bytes = UsedFile(GetParam());
+    const std::uint32_t page_size = PageSizeOf(bytes);
+    FileBytes damaged = bytes;
+    for (std::size_t at = page_size; at < damaged.size(); at += page_size) {
+        const auto page = std::span(damaged).subspan(at, page_size);
+        if (HasType(page, PageType::kIndexLeaf) || HasType(page, PageType::kIndexNode))
+            std::ranges::fill(page, std::byte{0xDD});
+    }
+    const Repaired repaired = RepairBytes(damaged);
+    ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
     EXPECT_EQ(repaired.report.loss_count, 0U);
     ExpectSoundRows(bytes, bytes, repaired.bytes);
+}
+
+TEST_P(RepairTest, ADamagedPageOfRowsIsToldWithItsTable) {
+    const FileBytes bytes = UsedFile(GetParam());
+    const std::uint32_t page_size = PageSizeOf(bytes);
+    std::map<std::string, std::set<PageNumber>> definitions;
+    ReadTables(*MakeMemoryPageStore(page_size, bytes), &definitions);
+    const PageNumber games = *definitions.at("Games").begin();
+    FileBytes damaged = bytes;
+    std::size_t at = page_size;
+    while (!HasType(std::span(damaged).subspan(at, page_size), PageType::kData) ||
+           LoadOwner(std::span(damaged).subspan(at, page_size)) != games)
+        at += page_size;
+    std::ranges::fill(std::span(damaged).subspan(at, page_size), std::byte{0xDD});
+    const Repaired repaired = RepairBytes(damaged);
+    ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+    ASSERT_EQ(repaired.report.loss_count, 1U);
+    EXPECT_EQ(repaired.report.losses[0].table, "Games");
+    EXPECT_EQ(repaired.report.losses[0].page, at / page_size);
+    ExpectSoundRows(bytes, damaged, repaired.bytes);
 }
 
 TEST_P(RepairTest, ADamagedFirstPageIsMadeAnew) {
@@ -239,6 +276,16 @@ TEST_P(RepairTest, ADamagedFirstPageIsMadeAnew) {
         EXPECT_GE(repaired.report.loss_count, 1U);
         ExpectSoundRows(bytes, bytes, repaired.bytes);
     }
+}
+
+TEST_P(RepairTest, DefinitionsOfTheEngineAreNotNeeded) {
+    const FileBytes bytes = UsedFile(GetParam());
+    const std::uint32_t page_size = PageSizeOf(bytes);
+    FileBytes damaged = bytes;
+    std::fill_n(damaged.begin(), (kRelationsPage + 1) * page_size, std::byte{0xDD});
+    const Repaired repaired = RepairBytes(damaged);
+    ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+    ExpectSoundRows(bytes, damaged, repaired.bytes);
 }
 
 TEST_P(RepairTest, ALostPageOfTheCatalogueCostsNamesOnly) {
@@ -266,6 +313,21 @@ TEST_P(RepairTest, ADefinitionThatAnotherOneClaimsForItsOwnStays) {
     const Repaired repaired = RepairBytes(damaged);
     ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
     ExpectSoundRows(bytes, damaged, repaired.bytes);
+}
+
+TEST_P(RepairTest, NoByteOfADefinitionOfTheEngineCostsATable) {
+    const FileBytes bytes = UsedFile(GetParam());
+    const std::uint32_t page_size = PageSizeOf(bytes);
+    for (PageNumber page = kObjectsPage; page <= kRelationsPage; ++page)
+        for (std::size_t i = 0; i < 64; ++i) {
+            SCOPED_TRACE("page " + std::to_string(page) + " byte " + std::to_string(i));
+            FileBytes damaged = bytes;
+            damaged[page * page_size + i] ^= std::byte{0x15};
+            const Repaired repaired = RepairBytes(damaged);
+            ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+            ExpectSoundRows(bytes, damaged, repaired.bytes);
+            if (HasFailure()) return;
+        }
 }
 
 // Type, id, parent, name, whatever it is: the table is there, though under another name perhaps.
