@@ -15,6 +15,18 @@
 
 namespace {
 
+// Takes what is handed on; checks that its order is that of the journal.
+class Notes final : public jet::CommitNotes {
+public:
+    void Bind(std::vector<std::uint64_t>) override {}
+    void Keep(std::vector<jet::CommitNote> notes, std::uint64_t mark) override {
+        if (mark == 0) std::abort();
+        for (std::size_t i = 1; i < notes.size(); ++i)
+            if (notes[i].journal == notes[i - 1].journal && notes[i].offset <= notes[i - 1].offset)
+                std::abort();
+    }
+};
+
 using Bytes = std::vector<std::byte>;
 using test_support::FaultyFileSystem;
 
@@ -51,8 +63,10 @@ void ReadEverything(jet::PageStore& store) {
         (void)store.Read(page);
 }
 
-std::unique_ptr<jet::PageStore> Open(FaultyFileSystem& files, bool read_only) {
+std::unique_ptr<jet::PageStore> Open(FaultyFileSystem& files, bool read_only,
+                                     jet::CommitNotes* notes = nullptr) {
     jet::PageStoreOptions options;
+    options.notes = notes;
     options.read_only = read_only;
     options.flush_delay = {};
     auto store = jet::OpenPageStore(files, kPath, options);
@@ -83,13 +97,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         pages = reader->page_count();
     }
     if (files.Get(kPath) != file) std::abort();  // a reader writes nothing
-    const auto writer = Open(files, false);
+    Notes notes;
+    const auto writer = Open(files, false, &notes);
     if (writer == nullptr) return 0;
     if (writer->page_count() != pages) std::abort();
     ReadEverything(*writer);
     if (writer->Begin().ok()) {
         if (const auto page = writer->Change(1); page.ok()) (*page)[9] = std::byte{9};
-        if (!writer->Commit().ok()) std::abort();
+        if (!writer->Commit(Bytes(rest.begin(), rest.end())).ok()) std::abort();
     }
     if (!writer->Close().ok()) std::abort();
     return 0;

@@ -80,11 +80,12 @@ base::Status PageWorkload::RunOpen(jet::PageStore& store, const Step& step) {
     return {};
 }
 
-base::Status PageWorkload::Run(jet::PageStore& store, std::size_t number) {
+base::Status PageWorkload::Run(jet::PageStore& store, std::size_t number,
+                               std::vector<std::byte> note) {
     ContentAfter(number + 1);
     RETURN_IF_ERROR(store.Begin());
     const base::Status changed = RunOpen(store, steps_.at(number));
-    if (changed.ok()) return store.Commit();
+    if (changed.ok()) return store.Commit(std::move(note));
     store.Rollback();
     return changed;
 }

@@ -33,7 +33,7 @@ public:
 
     // Makes transaction number `number` (from 0) in the store, from Begin to Commit. On failure
     // rolls back.
-    base::Status Run(jet::PageStore& store, std::size_t number);
+    base::Status Run(jet::PageStore& store, std::size_t number, std::vector<std::byte> note = {});
 
     // What `store` holds now, with the file's mark of its last checkpoint blanked.
     static Content Read(jet::PageStore& store);

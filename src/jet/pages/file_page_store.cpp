@@ -82,10 +82,11 @@ base::Status EngineStatus(const base::Status& status) {
 FilePageStore::FilePageStore(FileSystem& files, const std::filesystem::path& path, Parts parts,
                              const PageStoreOptions& options)
     : path_(path), page_size_(parts.page_size), encoding_(parts.encoding),
-      read_only_(options.read_only), committed_count_(parts.page_count), prefetch_(parts.page_size),
-      file_(std::move(parts.file)), owner_(std::move(parts.owner)),
-      journal_(files, Journal::PathFor(path)), cache_(options.cache_bytes / parts.page_size),
-      pages_in_file_(parts.page_count) {}
+      read_only_(options.read_only),
+      notes_(read_only_ || !encoding_.is_plain() ? nullptr : options.notes),
+      committed_count_(parts.page_count), prefetch_(parts.page_size), file_(std::move(parts.file)),
+      owner_(std::move(parts.owner)), journal_(files, Journal::PathFor(path)),
+      cache_(options.cache_bytes / parts.page_size), pages_in_file_(parts.page_count) {}
 
 FilePageStore::~FilePageStore() {
     Close().Ignore();
@@ -214,19 +215,21 @@ base::Result<PageNumber> FilePageStore::Extend() {
     return transaction_.Extend(page_size_);
 }
 
-base::Status FilePageStore::Commit() {
+base::Status FilePageStore::Commit(std::vector<std::byte> note) {
     assert(transaction_.open());
     base::Status done = CheckUsable();
-    if (done.ok() && !transaction_.pages().empty()) done = CommitPages();
+    if (!takes_notes()) note.clear();
+    if (done.ok() && !(transaction_.pages().empty() && note.empty()))
+        done = CommitPages(std::move(note));
     transaction_.End();
     return EngineStatus(done);
 }
 
-base::Status FilePageStore::CommitPages() {
+base::Status FilePageStore::CommitPages(std::vector<std::byte> note) {
     std::uint64_t journal_size = 0;
     {
         const std::lock_guard lock(mutex_);
-        RETURN_IF_ERROR(AppendToJournal());
+        RETURN_IF_ERROR(AppendToJournal(std::move(note)));
         TakeIntoPending();
         journal_size = journal_.size_bytes();
     }
@@ -236,14 +239,14 @@ base::Status FilePageStore::CommitPages() {
     return {};
 }
 
-base::Status FilePageStore::AppendToJournal() {
+base::Status FilePageStore::AppendToJournal(std::vector<std::byte> note) {
     JournalHeader header;
     if (journal_.empty()) {
         ASSIGN_OR_RETURN(header, MakeJournalHeader());
     }
     base::Status added =
         journal_.AddTransaction(encoding_.is_plain() ? transaction_.pages() : EncodedPages(),
-                                transaction_.page_count(), header);
+                                transaction_.page_count(), header, std::move(note));
     is_in_doubt_ = !added.ok() && journal_.is_in_doubt();
     return added;
 }
@@ -307,6 +310,7 @@ base::Status FilePageStore::Checkpoint() {
     ASSIGN_OR_RETURN(const std::optional<Snapshot> snapshot, BeginCheckpoint());
     if (!snapshot) return {};
     RETURN_IF_ERROR(journal_.Sync());
+    HandNotesOn(*snapshot);
     RETURN_IF_ERROR(WriteSnapshot(*snapshot));
     RETURN_IF_ERROR(file_->Sync());
     return EndCheckpoint(*snapshot);
@@ -316,9 +320,19 @@ base::Status FilePageStore::Checkpoint() {
 base::Result<std::optional<FilePageStore::Snapshot>> FilePageStore::BeginCheckpoint() {
     const std::lock_guard lock(mutex_);
     if (journal_.empty()) return std::optional<Snapshot>();
-    Snapshot snapshot{pending_, MakeFileMark()};
+    Snapshot snapshot{pending_, MakeFileMark(), journal_.note_count()};
     RETURN_IF_ERROR(journal_.AddMark(snapshot.mark));
     return std::optional<Snapshot>(std::move(snapshot));
+}
+
+// Those of later commits wait for their own checkpoint: the journal on the disk may not have them.
+void FilePageStore::HandNotesOn(const Snapshot& snapshot) {
+    std::vector<CommitNote> taken;
+    {
+        const std::lock_guard lock(mutex_);
+        taken = journal_.TakeNotes(snapshot.notes);
+    }
+    if (takes_notes()) notes_->Keep(std::move(taken), snapshot.mark);
 }
 
 base::Status FilePageStore::WriteSnapshot(const Snapshot& snapshot) {
@@ -365,7 +379,8 @@ base::Status FilePageStore::EndCheckpoint(const Snapshot& snapshot) {
         if (number != 0) cache_.Put(number, written.page);  // page 0 has another mark now
     }
     cache_.Erase(0);
-    return pending_.empty() ? journal_.Reset() : base::Status();
+    const bool is_done = pending_.empty() && journal_.note_count() == 0;
+    return is_done ? journal_.Reset() : base::Status();
 }
 
 base::Status FilePageStore::Close() {

@@ -5,7 +5,7 @@
 // to the journal and puts its pages into `pending_`. A checkpoint, which the flusher runs half a
 // second after a commit, works in this order:
 //  1. append a fresh file mark to the journal;
-//  2. sync the journal;
+//  2. sync the journal, then hand the notes of its commits on, and the mark;
 //  3. write the pending pages and the mark into the database file;
 //  4. sync the database file;
 //  5. forget the pages written; if none was committed meanwhile, empty the journal.
@@ -66,7 +66,9 @@ public:
     bool in_transaction() const override { return transaction_.open(); }
     base::Result<PageView> Read(PageNumber page) override;
     base::Status Begin() override;
-    base::Status Commit() override;
+    using PageStore::Commit;
+    base::Status Commit(std::vector<std::byte> note) override;
+    bool takes_notes() const override { return notes_ != nullptr; }
     void Rollback() override { transaction_.End(); }
     base::Result<std::span<std::byte>> Change(PageNumber page) override;
     base::Result<PageNumber> Extend() override;
@@ -86,6 +88,7 @@ private:
     struct Snapshot {
         PendingPages pages;
         std::uint64_t mark = 0;
+        std::size_t notes = 0;  // so many notes belong to commits up to here
     };
     class Writer;
 
@@ -96,14 +99,15 @@ private:
     SharedPage FindInMemory(PageNumber page);
     base::Result<JournalHeader> MakeJournalHeader();
     base::Status GiveFirstMark(PageBytes& first_page);
-    base::Status CommitPages();
+    base::Status CommitPages(std::vector<std::byte> note);
     // These two: under mutex_.
-    base::Status AppendToJournal();
+    base::Status AppendToJournal(std::vector<std::byte> note);
     PageTransaction::ChangedPages EncodedPages() const;
     void TakeIntoPending();
 
     base::Status Checkpoint();
     base::Result<std::optional<Snapshot>> BeginCheckpoint();
+    void HandNotesOn(const Snapshot& snapshot);
     base::Status WriteSnapshot(const Snapshot& snapshot);
     base::Status WritePage(PageNumber number, const PendingPage& pending, std::uint64_t mark,
                            Writer& writer) const;
@@ -113,6 +117,7 @@ private:
     const std::uint32_t page_size_;
     const PageEncoding encoding_;
     const bool read_only_;
+    CommitNotes* const notes_;  // null: nobody takes notes
     bool closed_ = false;
     bool is_in_doubt_ = false;  // a failed commit may come back at the next opening
     PageTransaction transaction_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <iterator>
 
 namespace jet {
 namespace {
@@ -11,6 +12,14 @@ namespace {
 // A page whose changes have taken so large a part of it is told as a whole: what comes then can be
 // told by moves, which need a page that the journal has.
 constexpr std::size_t kPartWorthAWholePage = 4;
+
+// The answer: its checksum.
+std::uint64_t AppendNote(std::vector<std::byte>& out, std::span<const std::byte> note,
+                         std::uint64_t chain) {
+    const std::size_t record = BeginRecord(out);
+    out.insert(out.end(), note.begin(), note.end());
+    return FinishRecord(out, record, RecordKind::kNote, 0, chain);
+}
 
 }  // namespace
 
@@ -37,11 +46,17 @@ base::Status Journal::EnsureOpen() {
 }
 
 base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
-                                     PageNumber page_count, const JournalHeader& header) {
+                                     PageNumber page_count, const JournalHeader& header,
+                                     std::vector<std::byte> note) {
     RETURN_IF_ERROR(EnsureOpen());
     std::vector<std::byte> bytes;
     std::uint64_t chain = empty() ? AppendJournalHeader(bytes, header) : end_.chain;
-    if (empty()) end_.first_new_page = header.page_count;
+    if (empty()) {
+        end_.first_new_page = header.page_count;
+        end_.salt = header.salt;
+    }
+    const std::uint64_t note_at = end_.offset + bytes.size();
+    if (!note.empty()) chain = AppendNote(bytes, note, chain);
     const std::size_t record = BeginRecord(bytes);
     std::vector<std::pair<PageNumber, std::size_t>> told;
     told.reserve(pages.size());
@@ -54,6 +69,7 @@ base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
         return added;
     }
     in_doubt_ = false;
+    if (!note.empty()) end_.notes.push_back({end_.salt, note_at, std::move(note)});
     for (const auto& [number, bytes_told] : told)
         end_.pages[number] = bytes_told;
     return {};
@@ -90,6 +106,14 @@ base::Status Journal::AddMark(std::uint64_t mark) {
     base::AppendLittle(bytes, mark);
     const std::uint64_t chain = FinishRecord(bytes, record, RecordKind::kMark, 0, end_.chain);
     return Append(bytes, chain);  // one that failed does no harm, whether it is found or not
+}
+
+std::vector<CommitNote> Journal::TakeNotes(std::size_t count) {
+    const auto end = end_.notes.begin() + static_cast<std::ptrdiff_t>(count);
+    std::vector<CommitNote> taken(std::make_move_iterator(end_.notes.begin()),
+                                  std::make_move_iterator(end));
+    end_.notes.erase(end_.notes.begin(), end);
+    return taken;
 }
 
 base::Status Journal::Append(std::span<const std::byte> bytes, std::uint64_t chain) {

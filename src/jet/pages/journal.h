@@ -6,6 +6,7 @@
 // may run beside them.
 #pragma once
 
+#include "jet/pages/commit_notes.h"
 #include "jet/pages/file_system.h"
 #include "jet/pages/journal_format.h"
 
@@ -23,6 +24,8 @@ struct JournalEnd {
     std::unordered_map<PageNumber, std::size_t> pages;
     static constexpr std::size_t kWhole = 0;
     PageNumber first_new_page = 0;  // pages below were in the database file when it was begun
+    std::uint64_t salt = 0;         // of the journal; 0: it is empty
+    std::vector<CommitNote> notes;  // that no checkpoint has taken yet
 };
 
 class Journal {
@@ -37,13 +40,18 @@ public:
     bool empty() const { return end_.offset == 0; }
     std::uint64_t size_bytes() const { return end_.offset; }
 
-    // Appends one transaction. `header` names the database file and is written when the journal is
-    // empty. On failure the journal is as before, unless is_in_doubt().
+    // Appends one transaction and in front of it its note, if that is not empty. `header` names the
+    // database file and is written when the journal is empty. On failure the journal is as before,
+    // unless is_in_doubt().
     base::Status AddTransaction(const PageTransaction::ChangedPages& pages, PageNumber page_count,
-                                const JournalHeader& header);
+                                const JournalHeader& header, std::vector<std::byte> note);
     // Appends a record: a checkpoint begins that gives the database file this mark. Requires:
     // !empty().
     base::Status AddMark(std::uint64_t mark);
+
+    // The notes that were not taken yet, the oldest first.
+    std::size_t note_count() const { return end_.notes.size(); }
+    std::vector<CommitNote> TakeNotes(std::size_t count);
 
     // The last AddTransaction failed and could not be taken back: recovery may or may not find it.
     bool is_in_doubt() const { return in_doubt_; }

@@ -14,8 +14,9 @@ namespace {
 
 constexpr char kMagic[] = "Jet page journal";
 constexpr std::size_t kMagicSize = sizeof kMagic - 1;
-constexpr std::uint32_t kVersion = 3;
-constexpr std::uint32_t kOldestVersion = 1;  // without moves; 2: without changes in the file
+constexpr std::uint32_t kVersion = 4;
+// Without moves; 2: without changes in the file; 3: without notes.
+constexpr std::uint32_t kOldestVersion = 1;
 constexpr std::size_t kHeaderChecksumAt = 40;
 constexpr std::size_t kRecordChecksumAt = 16;
 

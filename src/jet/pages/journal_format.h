@@ -23,6 +23,7 @@ inline constexpr std::size_t kRecordHeadSize = 24;
 enum class RecordKind : std::uint32_t {
     kTransaction = 1,  // payload: page changes
     kMark = 2,         // payload: the file mark (u64) of the checkpoint that begins here
+    kNote = 3,         // payload: the note of the transaction that is the next record
 };
 
 struct JournalHeader {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace jet {
 namespace {
@@ -27,9 +28,12 @@ public:
         if (!parsed || parsed->header.page_size != page_size) return false;
         header_ = parsed->header;
         found_.page_count = header_.page_count;
-        found_.end = {wanted, parsed->checksum, {}};
+        found_.end.offset = wanted;
+        found_.end.chain = parsed->checksum;
+        found_.end.salt = header_.salt;
+        next_ = {wanted, parsed->checksum};
         first_pages_.push_back(std::make_shared<PageBytes>(header_.first_page));
-        marks_.push_back(ReadFileMark(header_.first_page));
+        found_.marks.push_back(ReadFileMark(header_.first_page));
         return true;
     }
 
@@ -51,7 +55,8 @@ public:
         PageBytes first_page(header_.page_size);
         RETURN_IF_ERROR(database_.ReadAt(0, first_page));
         const std::uint64_t mark = ReadFileMark(first_page);
-        return mark != 0 && std::ranges::count(marks_, mark) != 0 && IsKnownFirstPage(first_page);
+        return mark != 0 && std::ranges::count(found_.marks, mark) != 0 &&
+               IsKnownFirstPage(first_page);
     }
 
     RecoveredJournal Take() && { return std::move(found_); }
@@ -59,28 +64,37 @@ public:
 private:
     // false: the good part ends here.
     base::Result<bool> ReadRecord() {
-        const std::uint64_t left = size_ - found_.end.offset;
+        const std::uint64_t left = size_ - next_.offset;
         if (left < kRecordHeadSize) return false;
         std::vector<std::byte> record(kRecordHeadSize);
-        RETURN_IF_ERROR(journal_.ReadAt(found_.end.offset, record));
+        RETURN_IF_ERROR(journal_.ReadAt(next_.offset, record));
         const RecordHead head = ParseRecordHead(record);
         if (head.payload_size > left - kRecordHeadSize) return false;
         record.resize(kRecordHeadSize + head.payload_size);
-        RETURN_IF_ERROR(journal_.ReadAt(found_.end.offset + kRecordHeadSize,
+        RETURN_IF_ERROR(journal_.ReadAt(next_.offset + kRecordHeadSize,
                                         std::span(record).subspan(kRecordHeadSize)));
-        if (!RecordIsWhole(record, found_.end.chain)) return false;
-        ASSIGN_OR_RETURN(const bool is_right,
-                         Apply(head, std::span(record).subspan(kRecordHeadSize)));
-        if (!is_right) return false;
-        found_.end.offset += record.size();
-        found_.end.chain = head.checksum;
+        if (!RecordIsWhole(record, next_.chain)) return false;
+        const auto payload = std::span(record).subspan(kRecordHeadSize);
+        if (head.kind == RecordKind::kNote) {
+            note_ = {header_.salt, next_.offset, {payload.begin(), payload.end()}};
+        } else {
+            ASSIGN_OR_RETURN(const bool is_right, Apply(head, payload));
+            if (!is_right) return false;
+            note_.reset();
+        }
+        next_ = {next_.offset + record.size(), head.checksum};
+        // A note without its transaction never happened.
+        if (!note_) {
+            found_.end.offset = next_.offset;
+            found_.end.chain = next_.chain;
+        }
         return true;
     }
 
     base::Result<bool> Apply(const RecordHead& head, std::span<const std::byte> payload) {
         if (head.kind == RecordKind::kMark) {
             const auto mark = base::LittleAt<std::uint64_t>(payload, 0);
-            if (mark) marks_.push_back(*mark);
+            if (mark) found_.marks.push_back(*mark);
             return mark.has_value();
         }
         if (head.kind != RecordKind::kTransaction || head.page_count < found_.page_count)
@@ -92,6 +106,7 @@ private:
         for (const auto& [number, page] : *changed)
             found_.pages[number] = page;
         found_.page_count = head.page_count;
+        if (note_) found_.end.notes.push_back(std::move(*note_));
         has_transactions_ = true;
         RememberFirstPage();
         return true;
@@ -133,8 +148,13 @@ private:
     const File& database_;
     JournalHeader header_;
     RecoveredJournal found_;
+    struct Place {
+        std::uint64_t offset = 0;
+        std::uint64_t chain = 0;
+    };
+    Place next_;                      // behind the last record that was read
+    std::optional<CommitNote> note_;  // that record, if it was a note
     bool has_transactions_ = false;
-    std::vector<std::uint64_t> marks_;
     std::vector<SharedPage> first_pages_;
     JournalPages pages_of_file_;  // that transactions build on
 };

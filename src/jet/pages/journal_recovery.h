@@ -9,7 +9,8 @@ namespace jet {
 struct RecoveredJournal {
     JournalPages pages;         // content after the last complete transaction
     PageNumber page_count = 0;  // pages of the database file then
-    JournalEnd end;             // where the journal can be continued
+    JournalEnd end;             // where the journal can be continued; the notes of all transactions
+    std::vector<std::uint64_t> marks;  // that the database file can carry
 };
 
 enum class JournalOwner : std::uint8_t {

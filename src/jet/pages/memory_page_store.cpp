@@ -42,7 +42,8 @@ public:
         return {};
     }
 
-    base::Status Commit() override {
+    using PageStore::Commit;
+    base::Status Commit(std::vector<std::byte>) override {
         if (closed_) return Closed();
         assert(transaction_.open());
         pages_.resize(transaction_.page_count());

@@ -3,6 +3,7 @@
 
 #include "base/byte_reader.h"
 #include "jet/errors.h"
+#include "jet/pages/file_mark.h"
 #include "jet/pages/file_page_store.h"
 #include "jet/pages/page_header.h"
 #include "jet/pages/page_header_layout.h"
@@ -91,6 +92,19 @@ base::Result<FoundJournal> FindJournal(FileSystem& files, const std::filesystem:
     return journal;
 }
 
+// Tells who takes notes which marks the file can carry.
+base::Status BindNotes(CommitNotes& notes, const FilePageStore::Parts& parts,
+                       const FoundJournal& journal) {
+    std::vector<std::uint64_t> marks = journal.left_over.content.marks;
+    if (!journal.is_ours()) {
+        std::vector<std::byte> first_page(parts.page_size);
+        RETURN_IF_ERROR(parts.file->ReadAt(0, first_page));
+        marks.assign(1, ReadFileMark(first_page));
+    }
+    notes.Bind(std::move(marks));
+    return {};
+}
+
 }  // namespace
 
 base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
@@ -124,6 +138,11 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
     if (!size.ok()) return EngineStatus(size.status());
     if (!journal->is_ours() && *size % parts.page_size != 0) return Unrecognized(path);
     parts.page_count = static_cast<PageNumber>(*size / parts.page_size);
+
+    if (options.notes != nullptr && !options.read_only && parts.encoding.is_plain()) {
+        const base::Status bound = BindNotes(*options.notes, parts, *journal);
+        if (!bound.ok()) return EngineStatus(bound);
+    }
 
     auto store = std::make_unique<FilePageStore>(files, path, std::move(parts), options);
     if (journal->is_ours()) {

@@ -12,6 +12,7 @@
 
 #include "base/status.h"
 #include "jet/ids.h"
+#include "jet/pages/commit_notes.h"
 #include "jet/pages/file_system.h"
 
 #include <chrono>
@@ -46,6 +47,9 @@ struct PageStoreOptions {
     // Delay after which a thread of the store makes a commit durable. 0: no thread; only Flush and
     // Close do it.
     std::chrono::milliseconds flush_delay{500};
+    // Takes the notes of commits on; null: nobody does. Borrowed; outlives the store. An encoded
+    // file has no notes, as they would lie in the clear.
+    CommitNotes* notes = nullptr;
 };
 
 class PageStore {
@@ -62,7 +66,11 @@ public:
 
     // Requires: no open transaction. kPermissionDenied: the store is read only.
     virtual base::Status Begin() = 0;
-    virtual base::Status Commit() = 0;
+    // `note` comes into the journal with the transaction, even if that changes no page, and is
+    // handed on to CommitNotes later; empty: none. Dropped unless takes_notes().
+    virtual base::Status Commit(std::vector<std::byte> note) = 0;
+    base::Status Commit() { return Commit({}); }
+    virtual bool takes_notes() const { return false; }
     // Puts memory back to the state before Begin. Nothing happens without an open transaction.
     virtual void Rollback() = 0;
     virtual bool in_transaction() const = 0;
