@@ -3,6 +3,7 @@
 #include "jet/connection_impl.h"
 #include "jet/connection_string.h"
 #include "jet/errors.h"
+#include "jet/pages/file_mark.h"
 #include "jet/pages/page_store.h"
 #include "jet/recordset_impl.h"
 #include "jet/sql/plans/query.h"
@@ -27,8 +28,9 @@ Status Closed() {
 }
 
 Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesystem::path& path,
-                                           bool read_only) {
+                                           bool read_only, CommitNotes* notes) {
     PageStoreOptions options;
+    options.notes = notes;
     options.read_only = read_only;
     auto pages = OpenPageStore(files, path, options);
     // A file that cannot be written can still be read.
@@ -43,7 +45,8 @@ Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesys
 
 }  // namespace
 
-Connection::Impl::Impl(FileSystem* files, Clock clock) : files_(files) {
+Connection::Impl::Impl(FileSystem* files, Clock clock)
+    : files_(files), last_change_id_(MakeFileMark()) {
     session_.prepare_select = sql::PrepareSubselect;
     session_.clock = clock ? std::move(clock) : Clock(SystemNow);
 }
@@ -57,7 +60,7 @@ Status Connection::Impl::Open(std::u16string_view connection_string) {
     ASSIGN_OR_RETURN(const ConnectionSettings settings, ParseConnectionString(connection_string));
     const std::filesystem::path path = base::PathOf(settings.data_source);
     ASSIGN_OR_RETURN(std::unique_ptr<Database> database,
-                     OpenFile(*files_, path, settings.read_only));
+                     OpenFile(*files_, path, settings.read_only, notes_));
     Adopt(std::move(database));
     return Status::Ok();
 }
@@ -66,9 +69,19 @@ void Connection::Impl::Adopt(std::unique_ptr<Database> database) {
     database_ = std::move(database);
     session_.database = database_.get();
     database_->UseRowRules(std::make_unique<const sql::RuleMaker>(session_.clock));
+    database_->UseLabels([this] { return named_depth_ > 0 ? named_ : LabelOf({}, 0); });
     session_.identity = 0;
     session_.StartStatement();
     NoteChange();
+}
+
+// Ids begin at a random number, so that those of other connections are not met.
+ChangeLabel Connection::Impl::LabelOf(std::u16string name, std::uint64_t undoes) {
+    return {++last_change_id_, undoes, session_.clock(), std::move(name)};
+}
+
+void Connection::Impl::BeginNamed(std::u16string name, std::uint64_t undoes) {
+    if (named_depth_++ == 0) named_ = LabelOf(std::move(name), undoes);
 }
 
 Status Connection::Impl::Close() {
@@ -127,6 +140,19 @@ Connection::Connection(std::unique_ptr<Database> database, Clock clock)
 }
 
 Connection::~Connection() = default;
+
+void Connection::UseNotes(CommitNotes* notes) {
+    impl_->UseNotes(notes);
+}
+
+NamedChange::NamedChange(Connection& connection, std::u16string name, std::uint64_t undoes)
+    : connection_(connection) {
+    connection_.impl_->BeginNamed(std::move(name), undoes);
+}
+
+NamedChange::~NamedChange() {
+    connection_.impl_->EndNamed();
+}
 
 Status Connection::Open(std::u16string_view connection_string, std::u16string_view,
                         std::u16string_view, int) {

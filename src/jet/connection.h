@@ -15,6 +15,7 @@
 
 namespace jet {
 
+class CommitNotes;
 class Database;
 
 class Connection {
@@ -29,6 +30,10 @@ public:
     ~Connection();  // closes
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
+
+    // Who keeps the notes of changed rows (jet/tables/change_note.h); nullptr: nobody, and nothing
+    // is recorded. Borrowed; outlives the connection. Requires: the connection is closed.
+    void UseNotes(CommitNotes* notes);
 
     // "Provider=...;Data Source=path[;Mode=Read]"; the provider is not looked at. User, password
     // and options are accepted as the callers give them (empty, empty, -1). A file that cannot be
@@ -56,9 +61,26 @@ public:
     Database* database();
 
 private:
+    friend class NamedChange;
     friend class Recordset;
     class Impl;
     std::unique_ptr<Impl> impl_;
+};
+
+// As long as it lives, whatever changes rows through the connection belongs to one change of this
+// name, in the notes of changed rows. Inside of another one it does nothing: the outermost names
+// the change.
+class NamedChange {
+public:
+    // `undoes`: the id of the change that this one takes back; 0: none. The connection outlives the
+    // object.
+    NamedChange(Connection& connection, std::u16string name, std::uint64_t undoes = 0);
+    ~NamedChange();
+    NamedChange(const NamedChange&) = delete;
+    NamedChange& operator=(const NamedChange&) = delete;
+
+private:
+    Connection& connection_;
 };
 
 }  // namespace jet

@@ -30,6 +30,11 @@ public:
     void Register(Recordset::Impl& recordset) { recordsets_.insert(&recordset); }
     void Unregister(Recordset::Impl& recordset) { recordsets_.erase(&recordset); }
 
+    void UseNotes(CommitNotes* notes) { notes_ = notes; }
+    // Changes inside of each other; the outermost one gives the label.
+    void BeginNamed(std::u16string name, std::uint64_t undoes);
+    void EndNamed() { --named_depth_; }
+
     Database* database() { return database_.get(); }
     sql::Session& session() { return session_; }
     const ChangeCounter& changes() const { return changes_; }
@@ -38,7 +43,14 @@ public:
 private:
     base::Result<std::int64_t> RunDesign(sql::Statement& statement);
 
+    // Of a transaction that begins now.
+    ChangeLabel LabelOf(std::u16string name, std::uint64_t undoes);
+
     FileSystem* files_;
+    CommitNotes* notes_ = nullptr;
+    ChangeLabel named_;  // while named_depth_ > 0
+    int named_depth_ = 0;
+    std::uint64_t last_change_id_;
     std::unique_ptr<Database> database_;
     sql::Session session_;
     std::set<Recordset::Impl*> recordsets_;

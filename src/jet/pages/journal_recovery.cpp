@@ -55,8 +55,8 @@ public:
         PageBytes first_page(header_.page_size);
         RETURN_IF_ERROR(database_.ReadAt(0, first_page));
         const std::uint64_t mark = ReadFileMark(first_page);
-        return mark != 0 && std::ranges::count(found_.marks, mark) != 0 &&
-               IsKnownFirstPage(first_page);
+        const bool is_marked = mark != 0 && std::ranges::count(found_.marks, mark) != 0;
+        return is_marked && IsKnownFirstPage(first_page);
     }
 
     RecoveredJournal Take() && { return std::move(found_); }

@@ -31,15 +31,9 @@ Value DecodeNumeric(Field field, std::uint8_t scale) {
     return Value::Decimal(numeric);
 }
 
-Value DecodeBinary(const FileContext& file, const ColumnDefinition& column, Field field) {
-    Bytes bytes(field.begin(), field.end());
-    if ((column.flags & kColumnScrambled) != 0) Scramble(file, bytes);
-    return Value::Binary(std::move(bytes));
-}
-
 // Texts and long values excepted. Requires: field.size() == FixedSize(column.type) where that is
 // not 0.
-Value DecodePlain(const FileContext& file, const ColumnDefinition& column, Field field) {
+Value DecodePlain(const ColumnDefinition& column, Field field) {
     const std::byte* at = field.data();
     switch (column.type) {
     case ColumnType::kByte:
@@ -61,7 +55,7 @@ Value DecodePlain(const FileContext& file, const ColumnDefinition& column, Field
     case ColumnType::kNumeric:
         return DecodeNumeric(field, column.scale);
     default:
-        return DecodeBinary(file, column, field);
+        return Value::Binary(Bytes(field.begin(), field.end()));
     }
 }
 
@@ -136,9 +130,19 @@ base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
                                                  : Value::Binary(std::move(bytes));
         return {};
     }
+    if ((column.flags & kColumnScrambled) != 0) {
+        Bytes bytes(field.begin(), field.end());
+        Scramble(file, bytes);
+        return DecodePlainField(column, bytes, value);
+    }
+    return DecodePlainField(column, field, value);
+}
+
+base::Status DecodePlainField(const ColumnDefinition& column, std::span<const std::byte> field,
+                              Value& value) {
     const std::size_t size = FixedSize(column.type);
     if (field.size() < size) return Damaged("a field is shorter than its type");
-    value = DecodePlain(file, column, size == 0 ? field : field.first(size));
+    value = DecodePlain(column, size == 0 ? field : field.first(size));
     return {};
 }
 

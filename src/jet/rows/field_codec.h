@@ -16,6 +16,10 @@ base::Status DecodeField(FileContext& file, const ColumnDefinition& column, cons
 base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
                               std::span<const std::byte> field, Value& value);
 
+// The same for types whose content alone is the value: not texts, long values and booleans.
+base::Status DecodePlainField(const ColumnDefinition& column, std::span<const std::byte> field,
+                              Value& value);
+
 // Bytes in the row of a value of a type of fixed size; 0: the size varies, or nothing is stored
 // (boolean).
 std::size_t FixedSize(ColumnType type);

@@ -9,6 +9,7 @@
 #include "base/status.h"
 #include "jet/ids.h"
 #include "jet/pages/page_store.h"
+#include "jet/tables/change_note.h"
 #include "jet/tables/row_rules.h"
 #include "jet/values/schema.h"
 #include "jet/values/value.h"
@@ -139,6 +140,14 @@ public:
     virtual base::Status Commit() = 0;
     virtual void Rollback() = 0;
     virtual bool in_transaction() const = 0;
+    // Who names the changes that are recorded (only where the page store takes notes); asked at the
+    // commit of each transaction. Without one they have no label.
+    virtual void UseLabels(std::function<ChangeLabel()>) {}
+    // How many rows the open transaction has changed so far, and what it has recorded of them: rows
+    // as in a note, without its head. Empty where nothing is recorded.
+    virtual std::size_t recorded_rows() const { return 0; }
+    virtual std::span<const std::byte> recorded() const { return {}; }
+
     // Goes up with every transaction: what was read at the same number, outside of transactions, is
     // what is stored.
     virtual std::uint64_t changes() const = 0;

@@ -27,6 +27,8 @@ base::Result<StoredTable*> StoredDatabase::OpenTable(const CatalogEntry& entry) 
     ASSIGN_OR_RETURN(auto table, StoredTable::Open(file_, *this, page, entry.name, properties));
     StoredTable* opened = table.get();
     opened->UseRules(rule_maker_.get());
+    // The catalog's own rows follow from changes of designs.
+    if (entry.is_user_table()) opened->UseRecorder(recorder_.get());
     tables_[page] = std::move(table);
     return opened;
 }
@@ -59,16 +61,29 @@ base::Status StoredDatabase::Begin() {
 }
 
 base::Status StoredDatabase::Commit() {
-    base::Status status = pages_->Commit();
-    if (status.ok())
-        changed_.clear();
-    else
+    base::Status status = pages_->Commit(MakeNote());
+    if (!status.ok()) {
         Rollback();
+        return status;
+    }
+    changed_.clear();
+    if (recorder_) recorder_->Clear();
     return status;
+}
+
+// A change that takes another one back is told even when it changes no row.
+Bytes StoredDatabase::MakeNote() {
+    if (!recorder_) return {};
+    const ChangeLabel label = labels_ ? labels_() : ChangeLabel();
+    if (recorder_->empty() && label.undoes == 0) return {};
+    Bytes note = NoteHead(label, file_.text, recorder_->missed());
+    note.insert(note.end(), recorder_->rows().begin(), recorder_->rows().end());
+    return note;
 }
 
 void StoredDatabase::Rollback() {
     pages_->Rollback();
+    if (recorder_) recorder_->Clear();
     file_.allocator.Forget();
     if (!changed_.empty()) catalog_.Forget();
     for (const PageNumber page : changed_)

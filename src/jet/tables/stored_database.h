@@ -15,7 +15,8 @@ namespace jet {
 class StoredDatabase final : public Database, private TableSource {
 public:
     StoredDatabase(std::unique_ptr<PageStore> pages, const PageHeader& header)
-        : pages_(std::move(pages)), file_(*pages_, header), catalog_(file_) {}
+        : pages_(std::move(pages)), file_(*pages_, header), catalog_(file_),
+          recorder_(pages_->takes_notes() ? std::make_unique<ChangeRecorder>() : nullptr) {}
     ~StoredDatabase() override = default;
 
     // Looks at the definition of the catalog. Damage is an error.
@@ -31,6 +32,11 @@ public:
     void Rollback() override;
     bool in_transaction() const override { return pages_->in_transaction(); }
     std::uint64_t changes() const override { return changes_; }
+    void UseLabels(std::function<ChangeLabel()> labels) override { labels_ = std::move(labels); }
+    std::size_t recorded_rows() const override { return recorder_ ? recorder_->row_count() : 0; }
+    std::span<const std::byte> recorded() const override {
+        return recorder_ ? std::span(recorder_->rows()) : std::span<const std::byte>();
+    }
 
     base::Status CreateTable(const TableDesign& design) override;
     base::Status DropTable(std::u16string_view table) override;
@@ -51,6 +57,8 @@ public:
 private:
     base::Result<StoredTable*> OpenTable(const CatalogEntry& entry);
     base::Result<StoredTable*> TableAt(PageNumber definition) override;
+    // What the open transaction says of its rows; empty: nothing.
+    Bytes MakeNote();
 
     // The steps that changes of a design share. `RequireTable`: 3078; 3027 for the engine's own
     // tables.
@@ -107,7 +115,9 @@ private:
     std::unique_ptr<PageStore> pages_;
     FileContext file_;
     Catalog catalog_;
-    std::unique_ptr<const RowRuleMaker> rule_maker_;             // nullptr: not known yet
+    std::unique_ptr<ChangeRecorder> recorder_;        // nullptr: changes are not recorded
+    std::function<ChangeLabel()> labels_;             // empty: changes have no label
+    std::unique_ptr<const RowRuleMaker> rule_maker_;  // nullptr: not known yet
     std::map<PageNumber, std::unique_ptr<StoredTable>> tables_;  // by definition page
     std::uint64_t changes_ = 0;
     std::set<PageNumber> changed_;  // tables whose design the open transaction has changed

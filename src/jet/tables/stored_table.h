@@ -4,6 +4,7 @@
 
 #include "jet/index/index_set.h"
 #include "jet/rows/row_writer.h"
+#include "jet/tables/change_recorder.h"
 #include "jet/tables/database.h"
 #include "jet/tables/property_blob.h"
 #include "jet/tables/table_cursors.h"
@@ -48,6 +49,8 @@ public:
     // `maker` makes the tests of the design's validation rules; nullptr: there is no maker. A rule
     // that cannot be tested makes the table read only.
     void UseRules(const RowRuleMaker* maker);
+    // Who is told of each row that changes; nullptr: nobody. Borrowed.
+    void UseRecorder(ChangeRecorder* recorder) { recorder_ = recorder; }
     // 3201: one of `rows` refers by the relation `name` to a row that is not there.
     base::Status CheckRelation(std::u16string_view name, const std::vector<RowId>& rows);
     // Drops what is cached of pages; to be called after a rollback.
@@ -79,6 +82,13 @@ private:
     bool AreMany(std::size_t rows) const;
     // Whether rows of other tables, or of this one, may refer to rows here.
     bool IsReferredTo() const;
+
+    // What is told to the recorder. Nothing without one.
+    RecordedTable Recorded() const { return {file_, definition_, design_.name}; }
+    void RecordRow(RowChange change, RowId row);
+    void RecordRows(const RowSet& gone);
+    void RecordBefore(RowId row, std::span<const std::size_t> columns);
+    void RecordAfter(RowId row, std::span<const std::size_t> columns);
 
     // An update of many rows, page by page.
     struct BulkUpdate;
@@ -132,6 +142,7 @@ private:
     TableDesign design_;
     std::optional<base::Status> read_only_reason_;
     std::unique_ptr<const RowRules> rules_;  // nullptr: none
+    ChangeRecorder* recorder_ = nullptr;     // nullptr: nobody records
     int cascade_depth_ = 0;
     bool counter_is_checked_ = false;  // the autonumber's counter is not behind its values
 };

@@ -35,6 +35,7 @@ base::Status StoredTable::Delete(std::span<const RowId> rows) {
         return {};
     }
     const RowSet gone(rows);
+    RecordRows(gone);
     for (std::size_t index = 0; index < indexes_.size(); ++index)
         RETURN_IF_ERROR(indexes_.tree(index).Remove(gone));
     ASSIGN_OR_RETURN(const std::size_t count, rows_.Delete(gone));
@@ -141,13 +142,21 @@ base::Status StoredTable::UpdateOnPage(std::span<const RowId> rows, const RowUpd
         const auto row = place ? RowView::Parse(*place, file_.format) : std::nullopt;
         RETURN_IF_ERROR(MakeValues(at, row, update, bulk));
         NoteKeys(at, bulk);
+        if (recorder_ != nullptr && row)
+            recorder_->BeginUpdate(Recorded(), *row, bulk.columns);
+        else
+            RecordBefore(at, bulk.columns);
         bool is_done = false;
         if (row && !bulk.reads_other_pages) {
             const auto start = static_cast<std::size_t>(place->data() - bytes.data());
             ASSIGN_OR_RETURN(is_done, rows_.Patch(bytes.subspan(start, place->size()), bulk.columns,
                                                   bulk.new_values));
         }
-        if (is_done) continue;
+        if (is_done) {
+            // `row` shows what its bytes are now.
+            if (recorder_ != nullptr) recorder_->FinishUpdate(Recorded(), *row, bulk.columns);
+            continue;
+        }
         std::vector<Value> values(definition_.columns.size());
         std::vector<bool> changed(values.size());
         for (std::size_t i = 0; i < bulk.columns.size(); ++i) {
@@ -155,6 +164,7 @@ base::Status StoredTable::UpdateOnPage(std::span<const RowId> rows, const RowUpd
             changed[bulk.columns[i]] = true;
         }
         RETURN_IF_ERROR(rows_.Update(at, values, changed));
+        RecordAfter(at, bulk.columns);
         bytes = {};
     }
     return {};

@@ -123,6 +123,7 @@ base::Result<RowId> StoredTable::Insert(std::span<Value> values) {
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Insert(index, keys[index], row));
     RETURN_IF_ERROR(CountRows(1, values));
+    RecordRow(RowChange::kInserted, row);
     return row;
 }
 
@@ -166,7 +167,12 @@ base::Status StoredTable::UpdateColumns(RowId row, std::vector<Value> values,
     RETURN_IF_ERROR(CheckParents(row, values, &changed));
     ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, before, values));
 
+    std::vector<std::size_t> recorded;
+    for (std::size_t i = 0; recorder_ != nullptr && i < changed.size(); ++i)
+        if (changed[i]) recorded.push_back(i);
+    RecordBefore(row, recorded);
     RETURN_IF_ERROR(rows_.Update(row, values, changed));
+    RecordAfter(row, recorded);
     for (std::size_t index = 0; index < keys.size(); ++index) {
         if (keys[index] == old_keys[index]) continue;
         RETURN_IF_ERROR(indexes_.Remove(index, old_keys[index], row));
@@ -187,12 +193,47 @@ base::Status StoredTable::Delete(RowId row) {
     RETURN_IF_ERROR(CheckWritable());
     ASSIGN_OR_RETURN(const std::vector<Value> values, ReadKeyColumns(row));
     ASSIGN_OR_RETURN(const auto dependants, FindDependants(row, values, {}));
+    RecordRow(RowChange::kDeleted, row);
     const IndexSet::Keys keys = indexes_.KeysOf(values);
     for (std::size_t index = 0; index < keys.size(); ++index)
         RETURN_IF_ERROR(indexes_.Remove(index, keys[index], row));
     RETURN_IF_ERROR(rows_.Delete(row));
     RETURN_IF_ERROR(CountRows(-1, {}));
     return ChangeDependants(dependants);
+}
+
+// ---------------------------------------------------------------------------------- recording
+
+void StoredTable::RecordRow(RowChange change, RowId row) {
+    if (recorder_ == nullptr) return;
+    const auto stored = FetchRow(file_, definition_.page, row);
+    const auto view = stored.ok() ? RowView::Parse(stored->bytes, file_.format) : std::nullopt;
+    view ? recorder_->AddRow(Recorded(), change, *view) : recorder_->Miss();
+}
+
+void StoredTable::RecordRows(const RowSet& gone) {
+    if (recorder_ == nullptr) return;
+    RowFetcher fetcher(file_, definition_.page);
+    for (const RowId row : gone.rows()) {
+        const auto stored = fetcher.Fetch(row);
+        if (Is(stored.status(), ErrorNumber::kRecordDeleted)) continue;
+        const auto view = stored.ok() ? RowView::Parse(stored->bytes, file_.format) : std::nullopt;
+        view ? recorder_->AddRow(Recorded(), RowChange::kDeleted, *view) : recorder_->Miss();
+    }
+}
+
+void StoredTable::RecordBefore(RowId row, std::span<const std::size_t> columns) {
+    if (recorder_ == nullptr) return;
+    const auto stored = FetchRow(file_, definition_.page, row);
+    const auto view = stored.ok() ? RowView::Parse(stored->bytes, file_.format) : std::nullopt;
+    if (view) recorder_->BeginUpdate(Recorded(), *view, columns);
+}
+
+void StoredTable::RecordAfter(RowId row, std::span<const std::size_t> columns) {
+    if (recorder_ == nullptr) return;
+    const auto stored = FetchRow(file_, definition_.page, row);
+    const auto view = stored.ok() ? RowView::Parse(stored->bytes, file_.format) : std::nullopt;
+    view ? recorder_->FinishUpdate(Recorded(), *view, columns) : recorder_->Miss();
 }
 
 }  // namespace jet
