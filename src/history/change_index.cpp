@@ -1,0 +1,77 @@
+#include "history/change_index.h"
+
+#include "jet/pages/journal_format.h"
+
+#include <algorithm>
+
+namespace history {
+namespace {
+
+// Tells rows of one change from each other; that two fall together is as likely as one in 2^64.
+std::uint64_t KeyHash(const jet::NotedRow& row, const jet::NoteTable& table) {
+    std::uint64_t hash = std::hash<std::u16string>()(table.name);
+    const auto add = [&hash](const jet::NotedCell& cell) {
+        hash = jet::JournalChecksum(hash, cell.value_or(std::span<const std::byte>()));
+    };
+    if (row.change == jet::RowChange::kUpdated) {
+        for (const jet::NotedCell& cell : row.key)
+            add(cell);
+        for (std::size_t i = 0; table.key.empty() && i < row.cells.size(); ++i)
+            add(row.cells[i].before);
+        return hash;
+    }
+    const auto& whole = row.change == jet::RowChange::kInserted ? &jet::NotedRow::Cell::after
+                                                                : &jet::NotedRow::Cell::before;
+    for (const std::size_t column : table.key)
+        add(row.cells[column].*whole);
+    for (std::size_t i = 0; table.key.empty() && i < row.cells.size(); ++i)
+        add(row.cells[i].*whole);
+    return hash;
+}
+
+}  // namespace
+
+std::uint64_t Change::rows() const {
+    std::uint64_t sum = 0;
+    for (const TableCount& count : tables)
+        sum += count.rows;
+    return sum;
+}
+
+void ChangeIndex::Count(const jet::NotedRow& row, const jet::NoteTable& table, Change& change) {
+    if (row.change == jet::RowChange::kUpdated)
+        change.fields += static_cast<std::uint64_t>(
+            std::ranges::count_if(row.cells, [](const jet::NotedRow::Cell& cell) {
+                return !jet::SameCell(cell.before, cell.after);
+            }));
+    if (!met_.insert(KeyHash(row, table)).second) return;
+    auto known = std::ranges::find(change.tables, table.name, &Change::TableCount::table);
+    if (known == change.tables.end())
+        known = change.tables.insert(known, Change::TableCount{table.name, 0});
+    ++known->rows;
+}
+
+bool ChangeIndex::Add(std::span<const std::byte> note, Place place) {
+    auto reader = jet::NoteReader::Open(note);
+    if (!reader.ok()) return false;
+    if (changes_.empty() || changes_.back().label.id != reader->label().id) {
+        met_.clear();
+        Change change;
+        change.number = next_number_++;
+        change.label = reader->label();
+        changes_.push_back(std::move(change));
+        places_.emplace_back();
+    }
+    Change& change = changes_.back();
+    places_.back().push_back(place);
+    change.missed += reader->missed_rows();
+    jet::NotedRow row;
+    for (;;) {
+        const auto more = reader->Next(row);
+        if (!more.ok()) return false;
+        if (!*more) return true;
+        Count(row, reader->tables()[row.table], change);
+    }
+}
+
+}  // namespace history

@@ -1,0 +1,257 @@
+#include "history/frmHistory.h"
+
+#include "catalogue/error_report.h"
+#include "history/change_names.h"
+#include "history/refusals_text.h"
+#include "jet/connection.h"
+#include "jet/text/names.h"
+
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QTableView>
+#include <QtWidgets/QVBoxLayout>
+
+#include <map>
+#include <memory>
+
+namespace history {
+namespace {
+
+QString Text(std::u16string_view text) {
+    return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// What the pinball tables are called now, by the noted bytes of their ID.
+using NamesById = std::map<std::int32_t, std::u16string>;
+
+NamesById DisplayNames(jet::Connection& connection) {
+    NamesById names;
+    auto rows = connection.Execute(u"Select ID, DisplayName from Tables");
+    for (; rows.ok() && !rows->Eof(); rows->MoveNext().Ignore()) {
+        const auto id = rows->Fields(std::size_t{0});
+        const auto name = rows->Fields(std::size_t{1});
+        if (id.ok() && name.ok() && id->is<std::int32_t>())
+            names[id->as<std::int32_t>()] = jet::ToText(*name);
+    }
+    return names;
+}
+
+// The name that the change itself tells; empty: it does not.
+std::u16string NotedName(const jet::NoteTable& table, const FoldedRow& row) {
+    for (const FoldedRow::Cell& cell : row.cells)
+        if (jet::SameName(table.columns[cell.column].name, u"DisplayName"))
+            return CellText(table, cell.column,
+                            row.change == jet::RowChange::kInserted ? cell.after : cell.before);
+    return {};
+}
+
+}  // namespace
+
+frmHistory::frmHistory(catalogue::Catalogue& catalogue, HistoryFile& file,
+                       platform::UserPrompts& prompts, std::function<void()> rows_changed,
+                       QWidget* parent)
+    : QDialog(parent), catalogue_(catalogue), file_(file), prompts_(prompts),
+      rows_changed_(std::move(rows_changed)) {
+    setObjectName(QStringLiteral("frmHistory"));
+    setWindowTitle(QStringLiteral("History"));
+    BuildControls();
+    BuildLayout();
+    connect(changes_view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this] { ShowChosen(); });
+    connect(lines_view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this] { EnableButtons(); });
+    connect(txtFilter_, &QLineEdit::textChanged, this, [this] { ApplyFilter(); });
+    connect(cboField_, &QComboBox::currentIndexChanged, this, [this] { ApplyFilter(); });
+    connect(cmdField_, &QPushButton::clicked, this, [this] { PutFieldBack(); });
+    connect(cmdTable_, &QPushButton::clicked, this, [this] { PutTableBack(); });
+    connect(cmdAll_, &QPushButton::clicked, this,
+            [this] { PutBackPart({}, QStringLiteral("Put back all of this change?")); });
+    connect(cmdClose_, &QPushButton::clicked, this, &QDialog::reject);
+    ShowChanges();
+}
+
+QTableView* frmHistory::MakeView(const char* object_name, const QString& title,
+                                 QAbstractItemModel& model) {
+    auto* view = new QTableView(this);
+    view->setObjectName(QLatin1String(object_name));
+    view->setAccessibleName(title);
+    view->setModel(&model);
+    view->setSelectionBehavior(QAbstractItemView::SelectRows);
+    view->setSelectionMode(QAbstractItemView::SingleSelection);
+    view->setTabKeyNavigation(false);
+    view->setWordWrap(false);
+    view->verticalHeader()->hide();
+    // All lines are of one height, so that none of them is asked for it.
+    view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    view->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    view->horizontalHeader()->setHighlightSections(false);
+    return view;
+}
+
+QPushButton* frmHistory::MakeButton(const char* object_name, const QString& caption) {
+    auto* button = new QPushButton(caption, this);
+    button->setObjectName(QLatin1String(object_name));
+    button->setAutoDefault(false);
+    return button;
+}
+
+void frmHistory::BuildControls() {
+    changes_view_ = MakeView("tblChanges", QStringLiteral("Changes"), changes_);
+    const int width = fontMetrics().averageCharWidth();
+    changes_view_->setColumnWidth(ChangeListModel::kWhen, 24 * width);
+    changes_view_->horizontalHeader()->setSectionResizeMode(ChangeListModel::kWhat,
+                                                            QHeaderView::Stretch);
+    lines_view_ = MakeView("tblFields", QStringLiteral("Fields of the change"), lines_);
+    lines_view_->setColumnWidth(ChangeLinesModel::kTable, 28 * width);
+    lines_view_->setColumnWidth(ChangeLinesModel::kField, 16 * width);
+    lines_view_->setColumnWidth(ChangeLinesModel::kBefore, 36 * width);
+    lines_view_->horizontalHeader()->setStretchLastSection(true);
+    txtFilter_ = new QLineEdit(this);
+    txtFilter_->setObjectName(QStringLiteral("txtFilter"));
+    txtFilter_->setPlaceholderText(QStringLiteral("Only lines with this text"));
+    txtFilter_->setClearButtonEnabled(true);
+    cboField_ = new QComboBox(this);
+    cboField_->setObjectName(QStringLiteral("cboField"));
+    cboField_->setAccessibleName(QStringLiteral("Field"));
+    lblCount_ = new QLabel(this);
+    lblCount_->setObjectName(QStringLiteral("lblCount"));
+    lblCount_->setTextFormat(Qt::PlainText);
+    cmdField_ = MakeButton("cmdField", QStringLiteral("Put &Field Back..."));
+    cmdTable_ = MakeButton("cmdTable", QStringLiteral("Put &Table Back..."));
+    cmdAll_ = MakeButton("cmdAll", QStringLiteral("Put &All Back..."));
+    cmdClose_ = MakeButton("cmdClose", QStringLiteral("&Close"));
+}
+
+void frmHistory::BuildLayout() {
+    auto* filter = new QHBoxLayout;
+    filter->addWidget(txtFilter_, 1);
+    filter->addWidget(cboField_);
+    filter->addWidget(lblCount_);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    for (QPushButton* button : {cmdField_, cmdTable_, cmdAll_, cmdClose_})
+        buttons->addWidget(button);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(changes_view_, 2);
+    column->addLayout(filter);
+    column->addWidget(lines_view_, 3);
+    column->addLayout(buttons);
+    resize(fontMetrics().averageCharWidth() * 130, fontMetrics().height() * 36);
+}
+
+// What was changed last is not in the file before a checkpoint.
+void frmHistory::ShowChanges() {
+    catalogue::ShowError(prompts_, catalogue_.CatalogueConnection->Flush());
+    auto changes = file_.Changes();
+    catalogue::ShowError(prompts_, changes.status());
+    changes_.Show(changes.ok() ? std::move(changes).value() : std::vector<Change>());
+    if (changes_.rowCount() > 0) changes_view_->selectRow(0);
+    ShowChosen();
+}
+
+base::Result<FoldedChange> frmHistory::ReadChange(std::uint64_t number) {
+    ASSIGN_OR_RETURN(std::vector<jet::Bytes> notes, file_.NotesOf(number));
+    return FoldedChange::Fold(std::move(notes));
+}
+
+// A table is called by its name, as it is now or as the change tells it.
+ChangeLines::RowNames frmHistory::NamesOfRows() {
+    auto names = std::make_shared<NamesById>(DisplayNames(*catalogue_.CatalogueConnection));
+    return [names](const jet::NoteTable& table, const FoldedRow& row) -> std::u16string {
+        if (!jet::SameName(table.name, u"Tables") || table.key.size() != 1) return {};
+        std::u16string noted = NotedName(table, row);
+        if (!noted.empty()) return noted;
+        const auto& key = row.change == jet::RowChange::kInserted ? row.key_after : row.key_before;
+        const auto id = table.Decode(table.key.front(), key.front());
+        if (!id.ok() || !id->is<std::int32_t>()) return {};
+        const auto known = names->find(id->as<std::int32_t>());
+        return known != names->end() ? known->second : std::u16string();
+    };
+}
+
+int frmHistory::ChosenRow(const QTableView& view) const {
+    return view.currentIndex().isValid() ? view.currentIndex().row() : -1;
+}
+
+void frmHistory::ShowChosen() {
+    std::unique_ptr<ChangeLines> lines;
+    if (const auto number = changes_.NumberOf(ChosenRow(*changes_view_))) {
+        auto change = ReadChange(*number);
+        catalogue::ShowError(prompts_, change.status());
+        if (change.ok())
+            lines = std::make_unique<ChangeLines>(std::move(change).value(), NamesOfRows());
+    }
+    {
+        const QSignalBlocker block_text(txtFilter_);
+        const QSignalBlocker block_field(cboField_);
+        txtFilter_->clear();
+        cboField_->clear();
+        cboField_->addItem(QStringLiteral("All fields"));
+        if (lines)
+            for (const std::u16string& field : lines->fields())
+                cboField_->addItem(Text(field));
+    }
+    lines_.Show(std::move(lines));
+    ApplyFilter();
+}
+
+void frmHistory::ApplyFilter() {
+    lines_.Filter(txtFilter_->text(),
+                  cboField_->currentIndex() > 0 ? cboField_->currentText() : QString());
+    const auto count = static_cast<std::uint64_t>(lines_.rowCount());
+    lblCount_->setText(Text(GroupedNumber(count)) +
+                       (count == 1 ? QStringLiteral(" field") : QStringLiteral(" fields")));
+    EnableButtons();
+}
+
+void frmHistory::EnableButtons() {
+    const bool has_line = ChosenRow(*lines_view_) >= 0 && lines_.rowCount() > 0;
+    cmdField_->setEnabled(has_line);
+    cmdTable_->setEnabled(has_line);
+    cmdAll_->setEnabled(lines_.lines() != nullptr);
+}
+
+void frmHistory::PutFieldBack() {
+    const auto line = static_cast<std::size_t>(ChosenRow(*lines_view_));
+    const std::size_t row = lines_.lines()->RowOf(line);
+    const ChangeLine texts = lines_.lines()->Line(line);
+    const bool is_field = lines_.lines()->change().rows()[row].change == jet::RowChange::kUpdated;
+    // Of a table that was added or removed there is no single field to be put back.
+    if (!is_field) return PutTableBack();
+    PutBackPart({.row = row, .column = lines_.lines()->ColumnOf(line)},
+                QStringLiteral("Put back %1 of %2?").arg(Text(texts.field), Text(texts.row)));
+}
+
+void frmHistory::PutTableBack() {
+    const auto line = static_cast<std::size_t>(ChosenRow(*lines_view_));
+    PutBackPart({.row = lines_.lines()->RowOf(line), .column = {}},
+                QStringLiteral("Put back all that this change did to %1?")
+                    .arg(Text(lines_.lines()->Line(line).row)));
+}
+
+void frmHistory::PutBackPart(const PartOfChange& part, const QString& what) {
+    const Change* const change = changes_.ChangeOf(ChosenRow(*changes_view_));
+    if (change == nullptr) return;
+    platform::Message question;
+    question.text = what;
+    question.title = windowTitle();
+    question.buttons = platform::MessageButtons::kYesNo;
+    if (prompts_.Ask(question) != platform::MessageAnswer::kYes) return;
+    const std::u16string verb = part.is_all() ? u"Undo " : u"Put Back ";
+    const auto done = PutBack(*catalogue_.CatalogueConnection, file_, change->number,
+                              verb + change->label.name, part);
+    catalogue::ShowError(prompts_, done.status());
+    if (!done.ok()) return;
+    const QString refusals = RefusalsText(done->refusals);
+    if (!refusals.isEmpty())
+        prompts_.Ask({refusals, windowTitle(), platform::MessageIcon::kInformation,
+                      platform::MessageButtons::kOk});
+    if (rows_changed_) rows_changed_();
+    ShowChanges();
+}
+
+}  // namespace history
