@@ -144,6 +144,17 @@ constexpr Example kSetExamples[] = {{"tavolo-cli set 1 Favorite=true Notes='mult
 constexpr Option kBackupOptions[] = {kDryRunOption};
 constexpr Example kBackupExamples[] = {{"tavolo-cli backup", "makes the backup"}};
 
+constexpr Option kCompactOptions[] = {kJsonOption, kDryRunOption};
+constexpr Example kCompactExamples[] = {
+    {"tavolo-cli compact --dry-run", "tells what compacting the catalogue would bring"}};
+
+constexpr Operand kRepairOperands[] = {{.name = "FILE", .completes = kFiles},
+                                       {.name = "OUTPUT", .completes = kFiles}};
+constexpr Option kRepairOptions[] = {kJsonOption, kDryRunOption};
+constexpr Example kRepairExamples[] = {
+    {"tavolo-cli repair damaged.mdb repaired.mdb",
+     "writes what can still be read in a damaged file into a new one"}};
+
 constexpr Operand kPlayOperands[] = {{.name = "NAME|ID"}};
 constexpr Option kPlayOptions[] = {kDryRunOption};
 constexpr Example kPlayExamples[] = {
@@ -198,7 +209,7 @@ constexpr Option kCommonOptions[] = {
 constexpr StatusMeaning kStatusMeanings[] = {
     {kDone, "everything was done"},
     {kFailed, "something failed, or find found nothing, verify found a fault, import met a row "
-              "that it cannot take"},
+              "that it cannot take, repair lost something"},
     {kWrongUsage, "the command line is wrong; nothing was done"},
     {kInUse, "another program has the catalogue; nothing was done"},
     {kPipeClosed, "the program that read the results has ended"}};
@@ -295,6 +306,22 @@ constexpr Command kCommands[] = {
      kBackupOptions,
      kBackupExamples,
      RunBackup},
+    {"compact",
+     "write the catalogue anew without unused space",
+     "Writes pinball.mdb anew with the same tables, rows, IDs and indexes and without the space "
+     "that deleted and changed rows have left. The new file is checked before it takes the place "
+     "of the old one, in one step. Nobody may have the catalogue open, and the disk needs room "
+     "for both. A file in which verify finds a fault is left as it is; see repair.",
+     {},
+     kCompactOptions,
+     kCompactExamples,
+     RunCompact},
+    {"repair", "save what a damaged database file still holds",
+     "Writes all that can still be read in the database FILE into the new file OUTPUT, page by "
+     "page and without the structures that may be damaged. FILE is only read, and OUTPUT must not "
+     "be there yet. Tells what could not be brought over, a line each, and ends with status 1 if "
+     "there is anything. Put OUTPUT in the place of pinball.mdb while nobody has it open.",
+     kRepairOperands, kRepairOptions, kRepairExamples, RunRepair},
     {"info", "show what a table file says of itself",
      "Shows the texts in a table file, those that its author added by other names, and its "
      "pictures. Needs no catalogue. --extract writes the pictures as files that are named after "

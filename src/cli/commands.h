@@ -16,6 +16,8 @@ int RunUpdate(Program& program);
 int RunCrc(Program& program);
 int RunSet(Program& program);
 int RunBackup(Program& program);
+int RunCompact(Program& program);
+int RunRepair(Program& program);
 int RunPlay(Program& program);
 int RunExport(Program& program);
 int RunImport(Program& program);

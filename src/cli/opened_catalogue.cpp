@@ -56,6 +56,13 @@ base::Status OpenedCatalogue::OpenCopy(jet::FileSystem& files, const QString& na
     return {};
 }
 
+QString CataloguePath(const Program& program) {
+    catalogue::ProcessValues values;
+    values.ApplicationFolder = catalogue::ChooseApplicationFolder(program.arguments.Value("folder"),
+                                                                  program.outside.folders);
+    return catalogue::CataloguePath({nullptr, &values, nullptr, nullptr});
+}
+
 Access AccessForChanges(const Program& program) {
     return program.is_dry_run() ? Access::kTrial : Access::kWrite;
 }

@@ -36,6 +36,8 @@ private:
     catalogue::Catalogue catalogue_;
 };
 
+// The catalogue's file in the chosen folder, be it there or not.
+QString CataloguePath(const Program& program);
 // The access for a command that changes rows: a trial with --dry-run.
 Access AccessForChanges(const Program& program);
 

@@ -152,6 +152,73 @@ TEST_F(ChangingCommandsTest, BackupCopiesTheCatalogue) {
     EXPECT_EQ(copy.readAll(), DatabaseBytes());
 }
 
+TEST_F(ChangingCommandsTest, CompactGivesBackWhatIsNotUsed) {
+    for (int i = 0; i < 60; ++i)
+        Sql("INSERT INTO Tables (DisplayName, Notes) VALUES ('Gone', String(1500, 'n'))");
+    Sql("DELETE FROM Tables WHERE DisplayName = 'Gone'");
+    const auto told = [](const QByteArray& database) {
+        return std::to_string(database.size()) + " bytes";
+    };
+    const QByteArray before = DatabaseBytes();
+    EXPECT_EQ(Run("compact --dry-run"), kDone) << console.error;
+    EXPECT_EQ(DatabaseBytes(), before);
+    const std::string dry = console.out;
+    EXPECT_EQ(Run("compact"), kDone) << console.error;
+    const QByteArray after = DatabaseBytes();
+    EXPECT_LT(after.size(), before.size());
+    EXPECT_EQ(console.out, told(before) + " before, " + told(after) + " now\n");
+    EXPECT_EQ(dry, told(before) + " before, " + told(after) + " when compacted\n");
+    EXPECT_EQ(Run("compact --json"), kDone);
+    EXPECT_THAT(console.out,
+                StartsWith("{\"schema\": 1, \"bytes_before\": " + std::to_string(after.size())));
+    Sql("INSERT INTO Tables (DisplayName) VALUES ('Next')");
+    EXPECT_EQ(Scalar("Select ID from Tables where DisplayName = 'Next'"), "64");
+    EXPECT_EQ(Scalar("Select Author from Tables where ID = 1"), "Some One");
+}
+
+TEST_F(ChangingCommandsTest, CompactLeavesACatalogueInUseAlone) {
+    WithConnection([&](jet::Connection&) {
+        const QByteArray before = DatabaseBytes();
+        EXPECT_EQ(Run("compact"), kInUse);
+        EXPECT_EQ(DatabaseBytes(), before);
+        EXPECT_EQ(Run("compact --dry-run"), kDone);
+    });
+}
+
+TEST_F(ChangingCommandsTest, RepairTellsWhatIsLost) {
+    const QString output = folder.filePath(S("repaired.mdb"));
+    EXPECT_EQ(Run({S("repair"), DatabasePath(), output}), kDone) << console.error;
+    EXPECT_THAT(console.out, HasSubstr(" 0 losses\n"));
+    EXPECT_EQ(Run({S("repair"), DatabasePath(), output}), kFailed);
+    EXPECT_THAT(console.error, HasSubstr("already exists"));
+    QFile::remove(output);
+
+    QByteArray damaged = DatabaseBytes();
+    const QByteArray author = QByteArray::fromHex("fffe536f6d65204f6e65");  // Some One
+    const qsizetype at = damaged.indexOf(author);
+    ASSERT_GT(at, 0);
+    const qsizetype page = at / 4096 * 4096;
+    damaged[page + 18] = '\xff';  // where the third of its rows begins
+    damaged[page + 19] = '\x1f';
+    QFile file(DatabasePath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(damaged);
+    file.close();
+    EXPECT_EQ(Run("compact"), kFailed);
+    EXPECT_EQ(Run({S("repair"), S("-n"), DatabasePath(), output}), kFailed);
+    EXPECT_FALSE(QFile::exists(output));
+    EXPECT_EQ(DatabaseBytes(), damaged);
+    EXPECT_EQ(Run({S("repair"), DatabasePath(), output}), kFailed);
+    EXPECT_THAT(console.out, HasSubstr(", row 2, table Tables: "));
+    EXPECT_EQ(Run({S("repair"), S("-nj"), DatabasePath(), S("other.mdb")}), kFailed);
+    EXPECT_THAT(console.out, HasSubstr("\"row\": 2, \"table\": \"Tables\""));
+    ASSERT_TRUE(QFile::remove(DatabasePath()) && QFile::rename(output, DatabasePath()));
+    EXPECT_EQ(Run("verify --quick"), kDone) << console.out;
+    EXPECT_EQ(Scalar("Select Count(*) from Tables"), "2");
+    EXPECT_EQ(Run({S("repair"), S("/no/such.mdb"), output}), kFailed);
+    EXPECT_EQ(Run("repair one.mdb"), kWrongUsage);
+}
+
 TEST_F(ChangingCommandsTest, PlayStartsTheSimulator) {
     settings.values[S("TAVOLO/GENERAL/VPEXE")] = S("/vp/vp.exe");
     const std::string line = "\"/vp/vp.exe\" /Play -\"" + TablePath("Attack") + "\"";

@@ -83,6 +83,7 @@ class ProgramTest(unittest.TestCase):
         examples = (DOCUMENTS / "examples").read_text().splitlines()
         self.assertGreater(len(examples), 15)
         self.run_cli("export", "tables.csv")
+        shutil.copy(EMPTY, self.root / "damaged.mdb")
         for example in examples:
             with self.subTest(example=example):
                 done = subprocess.run(["bash", "-c", "set -o pipefail; " + example], capture_output=True, env=self.environment,
@@ -165,6 +166,35 @@ class ProgramTest(unittest.TestCase):
                     self.run_cli("import", out)
                     self.run_cli("export", "--columns", names, again)
                     self.assertEqual(out.read_bytes(), again.read_bytes())
+
+    def exported(self, database):
+        """Every table of the catalogue as another program reads it."""
+        names = subprocess.run(["mdb-tables", "-1", database], check=True, capture_output=True, text=True).stdout.split("\n")
+        return {name: subprocess.run(["mdb-export", database, name], check=True, capture_output=True).stdout for name in names if name}
+
+    def test_compact_and_repair_are_what_mdb_export_says(self):
+        for source in old_catalogues():
+            with self.subTest(source=source.name):
+                shutil.copy(source, self.catalogue)
+                before = self.exported(source)
+                told = json.loads(self.run_cli("compact", "--json").stdout)
+                self.assertEqual(told["bytes_before"], source.stat().st_size)
+                self.assertEqual(told["bytes_after"], self.catalogue.stat().st_size)
+                self.assertEqual(self.exported(self.catalogue), before)
+                self.run_cli("verify", "--quick", status=None)
+                # Without its indexes.
+                damaged, repaired = self.root / "damaged.mdb", self.root / "repaired.mdb"
+                content = bytearray(source.read_bytes())
+                page = 2048 if content[0x14] == 0 else 4096
+                for at in range(page, len(content), page):
+                    if content[at] in (3, 4):
+                        content[at:at + page] = b"\xdd" * page
+                damaged.write_bytes(content)
+                repaired.unlink(missing_ok=True)
+                self.run_cli("repair", damaged, repaired)
+                self.assertEqual(damaged.read_bytes(), content)
+                self.assertEqual(self.exported(repaired), before)
+                self.assertEqual(subprocess.run([BUILD / "bin" / "tavolo-dbcheck", repaired], capture_output=True).returncode, 0)
 
     def test_a_reader_that_ends_early(self):
         self.fill(5000)
