@@ -12,6 +12,7 @@
 #include "discovery/frmsearch.h"
 #include "exchange/table_exchange.h"
 #include "maintenance/backup.h"
+#include "maintenance/compact.h"
 #include "maintenance/file_dates.h"
 #include "maintenance/frmImport.h"
 #include "maintenance/frmUtility.h"
@@ -62,8 +63,8 @@ void Commands::TakeTables(const QString& path) {
 }
 
 bool Commands::MayTakeTables() const {
-    return !held_back_events_.is_processing() && QApplication::activeModalWidget() == nullptr &&
-           !window_.details().record_changed();
+    return !held_back_events_.is_processing() && !window_.shows_progress() &&
+           QApplication::activeModalWidget() == nullptr && !window_.details().record_changed();
 }
 
 maintenance::CommandContext Commands::Context() {
@@ -95,6 +96,11 @@ browser::CommandActions Commands::Actions() {
         .export_tables =
             [this] { exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()); },
         .import_tables = [this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); },
+        .compact =
+            [this] {
+                maintenance::CompactData(
+                    Context(), [this](const QString& result) { window_.TellResult(result); });
+            },
     };
 }
 

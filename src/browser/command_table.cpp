@@ -53,6 +53,10 @@ constexpr MenuItem kData[] = {
     {u"mnuImportTables", u"&Import...", &A::import_tables, EnabledWhen::kRulesTextIsNotShown},
 };
 
+constexpr MenuItem kEdit[] = {
+    {u"mnuCompact", u"&Compact...", &A::compact},
+};
+
 constexpr MenuItem kPopup[] = {
     {u"mnumnu", u"Menu"},
     kSeparator,
@@ -68,7 +72,8 @@ constexpr MenuItem kPopup[] = {
 constexpr MenuLayout kMenus[] = {
     {kFileMenu, u"&File", kFile},          {kUtilitiesMenu, u"&Utilities", kUtilities},
     {kOptionsMenu, u"&Options", kOptions}, {kHelpMenu, u"&Help", kHelp},
-    {kDataMenu, u"&Data", kData},          {kPopupMenu, u"Popup", kPopup},
+    {kDataMenu, u"&Data", kData},          {kEditMenu, u"&Edit", kEdit},
+    {kPopupMenu, u"Popup", kPopup},
 };
 
 }  // namespace

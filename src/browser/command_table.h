@@ -38,6 +38,7 @@ struct CommandActions {
     Action view_table_info{};
     Action export_tables{};
     Action import_tables{};
+    Action compact{};
 };
 
 // Identifies a command by its action; nullptr: no command.
@@ -79,6 +80,7 @@ inline constexpr QStringView kUtilitiesMenu = u"mnuUtilities";
 inline constexpr QStringView kOptionsMenu = u"mnuOptions";
 inline constexpr QStringView kHelpMenu = u"mnuHelp";
 inline constexpr QStringView kDataMenu = u"mnuData";
+inline constexpr QStringView kEditMenu = u"mnuEdit";
 inline constexpr QStringView kPopupMenu = u"mnufavorites";  // the tree's
 
 // The menus of the menu bar in their order, followed by the tree's pop-up menu.

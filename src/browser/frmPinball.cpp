@@ -282,8 +282,16 @@ void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
     status_->Advance(done);
 }
 
+bool frmPinball::shows_progress() const {
+    return status_->in_progress();
+}
+
 void frmPinball::TellInPassing(const base::Status& failure) {
-    if (!failure.ok()) status_->ShowFailureInPassing(failure);
+    if (!failure.ok()) status_->ShowInPassing(catalogue::FailureText(failure));
+}
+
+void frmPinball::TellResult(const QString& text) {
+    status_->ShowInPassing(text);
 }
 
 void frmPinball::RememberSelectedNode() {
@@ -315,6 +323,7 @@ void frmPinball::LockForEdit(bool changed) {
     cmdPlay_->setEnabled(enabled);
     menu_->SetMenuEnabled(kFileMenu, enabled);
     menu_->SetMenuEnabled(kUtilitiesMenu, enabled);
+    menu_->SetMenuEnabled(kEditMenu, enabled);
     menu_->SetMenuEnabled(kDataMenu, enabled);
 }
 

@@ -65,9 +65,13 @@ public:
     DetailPanel& details() { return *details_; }
     // Shows the progress of a command in the status bar, until `done` equals `total`.
     void ShowProgress(std::int64_t done, std::int64_t total);
+    // A command is at work; what it has to paint lets events through.
+    bool shows_progress() const;
     // Shows a failure that stops nothing in the status bar for 15 seconds. Does nothing when it is
     // ok.
     void TellInPassing(const base::Status& failure);
+    // Shows what a command has done, there and for the same time.
+    void TellResult(const QString& text);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

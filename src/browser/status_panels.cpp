@@ -52,8 +52,8 @@ void StatusPanels::ShowFailure(const base::Status& failure) {
     SetPanelText(kNamePanel, catalogue::FailureText(failure));
 }
 
-void StatusPanels::ShowFailureInPassing(const base::Status& failure) {
-    showMessage(catalogue::FailureText(failure), kInPassingMs);
+void StatusPanels::ShowInPassing(const QString& text) {
+    showMessage(text, kInPassingMs);
 }
 
 void StatusPanels::StartProgress(std::int64_t steps) {

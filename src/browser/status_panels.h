@@ -31,8 +31,8 @@ public:
     void SetPanelText(int panel, const QString& text);
     // Shows a failure in place of the table's name, until the next table is shown.
     void ShowFailure(const base::Status& failure);
-    // Shows a failure over all panels for 15 seconds.
-    void ShowFailureInPassing(const base::Status& failure);
+    // Shows a text over all panels for 15 seconds.
+    void ShowInPassing(const QString& text);
 
     // Shows the progress bar instead of the panels; `steps` is the total number of steps.
     void StartProgress(std::int64_t steps);

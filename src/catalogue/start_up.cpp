@@ -34,12 +34,6 @@ void FillProcessValues(ProcessValues& values) {
     values.StatusColours = kStatusColours;
 }
 
-base::Status OpenCatalogue(Catalogue& catalogue) {
-    return catalogue.CatalogueConnection->Open(
-        u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
-        DataSourceValue(CataloguePath(catalogue).toStdU16String()));
-}
-
 void AddMissingColumns(jet::Connection& connection) {
     for (const std::u16string_view statement : kAddColumns)
         connection.Execute(statement).status().Ignore();
@@ -56,6 +50,12 @@ void StampUndatedRows(jet::Connection& connection, const QString& today) {
 void PrepareValues(Catalogue& catalogue) {
     FillProcessValues(*catalogue.values);
     catalogue.values->VisualPinballExe = ReadSetting(*catalogue.settings, kExecutableKey);
+}
+
+base::Status OpenCatalogue(Catalogue& catalogue) {
+    return catalogue.CatalogueConnection->Open(
+        u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
+        DataSourceValue(CataloguePath(catalogue).toStdU16String()));
 }
 
 void UpgradeCatalogue(Catalogue& catalogue) {

@@ -17,6 +17,8 @@ base::Status Main(Catalogue& catalogue);
 // The steps of Main, for who opens the catalogue in another way.
 // Everything before the opening of the database.
 void PrepareValues(Catalogue& catalogue);
+// The opening itself, of `ApplicationFolder`/pinball.mdb.
+base::Status OpenCatalogue(Catalogue& catalogue);
 // Everything after it; failures are ignored. Requires: CatalogueConnection is open.
 void UpgradeCatalogue(Catalogue& catalogue);
 // The catalogue's file in the application folder, spelled as on the disk.

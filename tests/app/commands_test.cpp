@@ -419,6 +419,11 @@ TEST_F(GivenTablesTest, TheyWaitForACommandThatIsAtWork) {
     QTimer::singleShot(0, window.get(), [&] { may_take = commands->MayTakeTables(); });
     commands->TakeTables(QFileInfo(file).path());
     EXPECT_FALSE(may_take);
+    // Painting its progress lets events through.
+    window->ShowProgress(1, 10);
+    EXPECT_FALSE(commands->MayTakeTables());
+    window->ShowProgress(10, 10);
+    EXPECT_TRUE(commands->MayTakeTables());
 }
 
 TEST(GivenPathsTest, EachIsTakenAsSoonAsItMayBeInItsOrder) {
@@ -498,6 +503,26 @@ TEST_F(CommandsTest, AnEmptyTreeIsNotExported) {
     Run(u"mnuExportTables");
     EXPECT_EQ(prompts.messages.back().text, S(u"There is no table to export"));
     EXPECT_TRUE(prompts.dialogs.empty());
+}
+
+TEST_F(CommandsTest, CompactTellsWhatItHasBroughtInTheStatusBar) {
+    auto* bar = window->findChild<QStatusBar*>(S(u"sbrDB"));
+    ASSERT_NE(bar, nullptr);
+    for (int i = 0; i < 40; ++i)
+        Execute(S(u"Insert into Tables (DisplayName, Notes) values ('Gone', String(1800, 'n'))"));
+    Execute(S(u"Delete from Tables where DisplayName = 'Gone'"));
+    prompts.answers = {platform::MessageAnswer::kNo};
+    Run(u"mnuCompact");
+    EXPECT_EQ(bar->currentMessage(), QString());
+    prompts.answers = {platform::MessageAnswer::kYes};
+    Run(u"mnuCompact");
+    EXPECT_TRUE(bar->currentMessage().startsWith(S(u"Catalogue compacted: ")))
+        << bar->currentMessage().toStdString();
+    // The window goes on with the new file.
+    window->RefreshTree();
+    EXPECT_EQ(Tree()->model()->rowCount(Tree()->model()->index(0, 0)), 2);
+    Select(0);
+    EXPECT_EQ(window->SelectedText(), S(u"Alpha"));
 }
 
 TEST_F(CommandsTest, BackupMakesItsCopy) {

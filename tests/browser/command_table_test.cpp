@@ -21,13 +21,13 @@ QStringList Lines(const MenuLayout& menu) {
     return lines;
 }
 
-TEST(CommandTableTest, TheBarHoldsFiveMenusAndTheTreeOne) {
+TEST(CommandTableTest, TheBarHoldsSixMenusAndTheTreeOne) {
     QStringList titles;
     for (const MenuLayout& menu : Menus())
         titles.append(menu.name.toString() + u' ' + menu.caption.toString());
     EXPECT_EQ(titles.join(u'\n').toStdString(),
               "mnuFile &File\nmnuUtilities &Utilities\nmnuOptions &Options\nmnuHelp &Help\n"
-              "mnuData &Data\nmnufavorites Popup");
+              "mnuData &Data\nmnuEdit &Edit\nmnufavorites Popup");
 }
 
 TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
@@ -62,6 +62,7 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuAbout &About\n"
                                              "mnuExportTables &Export...\n"
                                              "mnuImportTables &Import...\n"
+                                             "mnuCompact &Compact...\n"
                                              "mnumnu Menu\n"
                                              "-\n"
                                              "mnuPlay &Play\n"

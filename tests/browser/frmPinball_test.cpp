@@ -649,6 +649,7 @@ TEST_F(MainWindowWithTables, AChangedRecordLocksWhatCouldMoveTheSelectionAway) {
         EXPECT_FALSE(Find<QWidget>(name)->isEnabled()) << S(name).toStdString();
     EXPECT_FALSE(Find<QMenu>(u"mnuFile")->menuAction()->isEnabled());
     EXPECT_FALSE(Find<QMenu>(u"mnuUtilities")->menuAction()->isEnabled());
+    EXPECT_FALSE(Find<QMenu>(u"mnuEdit")->menuAction()->isEnabled());
     EXPECT_FALSE(Find<QMenu>(u"mnuData")->menuAction()->isEnabled());
     window->details().Save();
     EXPECT_TRUE(Find<QWidget>(u"tvwDB")->isEnabled());

@@ -171,6 +171,47 @@ def backup(program, catalogue, folder):
     restored.unlink()
 
 
+def come_and_go(program, catalogue, work):
+    """Many tables that are imported and purged again: their space stays in the file."""
+    gone = work / "gone.csv"
+    gone.write_text("\n".join(["DisplayName,FileName,Notes"] + [f"Gone {i},/gone/{i}.vpt,{'n' * 1500}" for i in range(100)]))
+    program.menu("mnuData", "mnuImportTables")
+    wait_for(lambda: program.visible("fileNameEdit"), "the file dialog")
+    program.choose_file(gone)
+    check(program.message().startswith("100 tables will be added"), "the question before the import")
+    program.answer("alt+y")
+    catalogue.wait(lambda rows: len(rows) == 103, "the imported rows")
+    utility(program, "mnuPurge")
+    program.message()
+    program.answer("alt+y")
+    catalogue.wait(lambda rows: len(rows) == 3, "the rows that are left")
+
+
+def compact(program, catalogue, work):
+    come_and_go(program, catalogue, work)
+    rows = export_rows(catalogue.database)
+    before = catalogue.database.stat().st_size
+    program.menu("mnuEdit", "mnuCompact")
+    check(program.message().startswith("The catalogue takes "), "what compacting will bring")
+    program.picture("compact")
+    program.answer("alt+n")
+    check_equal(catalogue.database.stat().st_size, before, "the size after No")
+    program.menu("mnuEdit", "mnuCompact")
+    program.message()
+    program.answer("alt+y")
+    wait_for(lambda: catalogue.database.stat().st_size < before, "the smaller file")
+    wait_for(lambda: program.visible("tvwDB") and "Bob's Table" in program.items(), "the tree")
+    program.picture("compacted")
+    check_equal(export_rows(catalogue.database), rows, "the rows of the compacted catalogue")
+    check_equal(sorted(p.name for p in catalogue.database.parent.glob("pinball.mdb*")), ["pinball.mdb"], "files left beside it")
+    # The program goes on writing to the new file.
+    program.click_item("Bob's Table")
+    utility(program, "mnuResetTimes")
+    program.message()
+    program.answer("alt+y")
+    catalogue.wait(lambda rows: all(r["TimesPlayed"] == "0" for r in rows.values()), "a change of the new file")
+
+
 def main():
     with tempfile.TemporaryDirectory(prefix="tavolo-maintenance-") as temporary, Desktop("maintenance_e2e") as desktop:
         work = Path(temporary)
@@ -190,6 +231,7 @@ def main():
             import_launcher_data(program, catalogue, folder, work)
             purge(program, catalogue, work)
             backup(program, catalogue, folder)
+            compact(program, catalogue, work)
             program.picture("end")
             program.close()
         restore(desktop, folder)

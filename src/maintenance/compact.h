@@ -1,0 +1,27 @@
+// Compact: the catalogue written anew without the space that nothing uses.
+#pragma once
+
+#include "base/status.h"
+#include "jet/pages/file_system.h"
+#include "jet/repair/compact.h"
+#include "maintenance/command_context.h"
+
+#include <QtCore/QString>
+
+namespace maintenance {
+
+// Closes the catalogue, compacts its file in place and opens it again. Recordsets of the connection
+// end. A failure leaves the file as it was; when it cannot even be opened again, because another
+// program has taken it meanwhile, the catalogue is closed and the text says so.
+base::Result<jet::CompactReport> CompactCatalogue(catalogue::Catalogue& catalogue,
+                                                  jet::FileSystem& files,
+                                                  const catalogue::Progress& progress);
+
+// Says what compacting would bring, asks, does it and hands the result to `tell`. Failures are
+// shown in a box.
+void CompactData(const CommandContext& context, jet::FileSystem& files,
+                 const std::function<void(const QString&)>& tell);
+// The same on this system's files.
+void CompactData(const CommandContext& context, const std::function<void(const QString&)>& tell);
+
+}  // namespace maintenance
