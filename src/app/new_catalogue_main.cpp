@@ -1,5 +1,6 @@
 // tavolo-new-catalogue FILE: creates the empty catalogue that is delivered with the program. Run by
-// the build.
+// the build. Its date is the time in SOURCE_DATE_EPOCH (seconds since 1970, UTC), so that a package
+// is the same whenever it is built; now when that is not set.
 #include "app/print_failure.h"
 #include "base/status.h"
 #include "catalogue/date_texts.h"
@@ -10,6 +11,18 @@
 #include <cstdio>
 #include <filesystem>
 
+namespace {
+
+QDateTime CreationTime() {
+    bool is_set = false;
+    const qlonglong seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&is_set);
+    if (is_set) return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+    platform::SystemClock clock;
+    return clock.Now();
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
     if (argc != 2) {
         std::fputs(
@@ -18,9 +31,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const auto files = platform::MakeFileSystem();
-    platform::SystemClock clock;
     const base::Status made = catalogue::CreateEmptyCatalogue(
-        *files, std::filesystem::path(argv[1]), catalogue::ToOleDate(clock.Now()));
+        *files, std::filesystem::path(argv[1]), catalogue::ToOleDate(CreationTime()));
     if (made.ok()) return 0;
     app::PrintFailure(argv[1], made);
     return 1;

@@ -1,7 +1,7 @@
 #include "catalogue/new_catalogue.h"
 
 #include "base/file_names.h"
-#include "catalogue/data_source.h"
+#include "base/unicode.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
 
@@ -27,24 +27,17 @@ constexpr std::u16string_view kStatements[] = {
     u"CREATE INDEX FileName ON Tables (FileName)",
 };
 
-base::Status MakeTables(jet::FileSystem& files, const std::filesystem::path& path, double now) {
-    jet::Connection connection(files, [now] { return now; });
-    RETURN_IF_ERROR(connection.Open(u"Data Source=" + DataSourceValue(base::TextOf(path))));
-    for (const std::u16string_view statement : kStatements) {
-        auto done = connection.Execute(statement);
-        if (!done.ok()) return done.status();
-    }
-    return connection.Close();
-}
-
 }  // namespace
 
 base::Status CreateEmptyCatalogue(jet::FileSystem& files, const std::filesystem::path& path,
                                   double now) {
-    RETURN_IF_ERROR(jet::CreateDatabaseFile(files, path, now));
-    base::Status made = MakeTables(files, path, now);
-    if (!made.ok()) files.Remove(path).Ignore();
-    return made;
+    ASSIGN_OR_RETURN(auto pages, jet::MakeEmptyDatabase(now));
+    ASSIGN_OR_RETURN(auto database,
+                     jet::OpenDatabase(std::move(pages), base::ToUtf8(base::TextOf(path))));
+    jet::Connection connection(std::move(database), [now] { return now; });
+    for (const std::u16string_view statement : kStatements)
+        RETURN_IF_ERROR(connection.Execute(statement).status());
+    return jet::WriteDatabaseFile(files, path, connection.database()->pages());
 }
 
 }  // namespace catalogue

@@ -174,26 +174,12 @@ base::Status FillPages(FileContext& file, double now) {
     return {};
 }
 
-base::Result<std::vector<std::byte>> MakeEmptyDatabase(double now, int version) {
-    const Format& format = FormatOf(version);
-    std::vector<std::byte> bytes = MakePageHeader(version, now);
-    ASSIGN_OR_RETURN(const PageHeader header, ReadPageHeader(bytes, ""));
-    bytes.resize(std::size_t{SystemPagesOf(version).page_count} * format.page_size);
-    const auto store = MakeMemoryPageStore(format.page_size, bytes);
-    FileContext file(*store, header);
-    RETURN_IF_ERROR(store->Begin());
-    RETURN_IF_ERROR(FillPages(file, now));
-    RETURN_IF_ERROR(store->Commit());
-    std::vector<std::byte> all;
-    for (PageNumber page = 0; page < store->page_count(); ++page) {
-        ASSIGN_OR_RETURN(const PageView view, store->Read(page));
-        all.insert(all.end(), view.bytes().begin(), view.bytes().end());
+base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path, PageStore& pages) {
+    std::vector<std::byte> bytes;
+    for (PageNumber page = 0; page < pages.page_count(); ++page) {
+        ASSIGN_OR_RETURN(const PageView view, pages.Read(page));
+        bytes.insert(bytes.end(), view.bytes().begin(), view.bytes().end());
     }
-    return all;
-}
-
-base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path,
-                          std::span<const std::byte> bytes) {
     ASSIGN_OR_RETURN(const auto file, files.Open(path, OpenMode::kCreate));
     RETURN_IF_ERROR(file->WriteAt(0, bytes));
     RETURN_IF_ERROR(file->Sync());
@@ -202,13 +188,32 @@ base::Status WriteNewFile(FileSystem& files, const std::filesystem::path& path,
 
 }  // namespace
 
+base::Result<std::unique_ptr<PageStore>> MakeEmptyDatabase(double now, int version) {
+    const Format& format = FormatOf(version);
+    std::vector<std::byte> bytes = MakePageHeader(version, now);
+    ASSIGN_OR_RETURN(const PageHeader header, ReadPageHeader(bytes, ""));
+    bytes.resize(std::size_t{SystemPagesOf(version).page_count} * format.page_size);
+    auto store = MakeMemoryPageStore(format.page_size, bytes);
+    FileContext file(*store, header);
+    RETURN_IF_ERROR(store->Begin());
+    RETURN_IF_ERROR(FillPages(file, now));
+    RETURN_IF_ERROR(store->Commit());
+    return store;
+}
+
+base::Status WriteDatabaseFile(FileSystem& files, const std::filesystem::path& path,
+                               PageStore& pages) {
+    if (files.Exists(path)) return JetError(ErrorNumber::kDatabaseExists);
+    base::Status written = WriteNewFile(files, path, pages);
+    if (!written.ok()) files.Remove(path).Ignore();
+    return written;
+}
+
 base::Status CreateDatabaseFile(FileSystem& files, const std::filesystem::path& path, double now,
                                 int version) {
     if (files.Exists(path)) return JetError(ErrorNumber::kDatabaseExists);
-    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, MakeEmptyDatabase(now, version));
-    base::Status written = WriteNewFile(files, path, bytes);
-    if (!written.ok()) files.Remove(path).Ignore();
-    return written;
+    ASSIGN_OR_RETURN(const auto pages, MakeEmptyDatabase(now, version));
+    return WriteDatabaseFile(files, path, *pages);
 }
 
 }  // namespace jet
