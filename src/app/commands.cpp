@@ -9,6 +9,7 @@
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmSettings.h"
 #include "dialogs/help.h"
+#include "dialogs/help_window.h"
 #include "discovery/frmsearch.h"
 #include "exchange/table_exchange.h"
 #include "maintenance/backup.h"
@@ -89,7 +90,10 @@ browser::CommandActions Commands::Actions() {
         .purge_missing_tables = [this] { maintenance::PurgeMissingTables(Context()); },
         .back_up = [this] { maintenance::BackupData(Context(), window_.windowTitle()); },
         .show_help =
-            [this] { dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder); },
+            [this] {
+                dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder,
+                                  platform::ProgramFolder(), dialogs::ShowInHelpWindow);
+            },
         .show_about = [this] { ShowAbout(); },
         .load_picture = [this] { LoadPicture(); },
         .view_table_info = [this] { ViewTableInfo(); },

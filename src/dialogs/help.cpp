@@ -6,42 +6,72 @@
 #include "platform/files.h"
 
 #include <QtCore/QDir>
-
-#include <optional>
+#include <QtCore/QStringList>
 
 namespace dialogs {
 namespace {
 
-// nullopt when there is no help file: desktops show a message of their own for a missing file.
-std::optional<QString> PresentHelpFile(const QString& application_folder,
-                                       const QString& program_folder) {
-    const QString file = HelpFile(application_folder, program_folder);
-    if (platform::FileExists(file)) return file;
-    return std::nullopt;
+// Where the help can be, the first that has it counting: names of files and folders in them.
+QStringList HelpPlaces(const QString& application_folder, const QString& program_folder) {
+    return {application_folder, program_folder,
+            QDir::cleanPath(program_folder + QStringLiteral("/../share/tavolo"))};
+}
+
+QString FirstPresent(const QStringList& places, const QString& name) {
+    for (const QString& place : places)
+        if (const QString file = platform::FileIn(place, name); platform::FileExists(file))
+            return file;
+    return {};
+}
+
+struct Opening {
+    platform::Shell& shell;
+    QString help_file;  // empty: there is none; desktops show a message of their own for that
+    QString page_file;  // the same
+    const ShowHelpPage& own_viewer;
+    std::function<base::Status()> open_file;
+};
+
+void Open(const Opening& opening) {
+    const bool has_own = opening.own_viewer && !opening.page_file.isEmpty();
+    if (!opening.help_file.isEmpty() && (!has_own || opening.shell.HasHelpViewer()) &&
+        opening.open_file().ok())
+        return;
+    if (has_own) opening.own_viewer(opening.page_file);
 }
 
 }  // namespace
 
 QString HelpFile(const QString& application_folder, const QString& program_folder) {
+    const QStringList places = HelpPlaces(application_folder, program_folder);
     const QString name = catalogue::kHelpFile.toString();
-    QString own = platform::FileIn(application_folder, name);
-    const QString shared = QDir::cleanPath(program_folder + QStringLiteral("/../share/tavolo"));
-    for (const QString& file :
-         {own, platform::FileIn(program_folder, name), platform::FileIn(shared, name)})
-        if (platform::FileExists(file)) return file;
-    return own;
+    const QString present = FirstPresent(places, name);
+    return present.isEmpty() ? platform::FileIn(places.front(), name) : present;
+}
+
+QString HelpPageFile(const QString& application_folder, const QString& program_folder,
+                     const QString& page) {
+    return FirstPresent(HelpPlaces(application_folder, program_folder),
+                        QStringLiteral("help/") + page);
 }
 
 void OpenHelp(platform::Shell& shell, const QString& application_folder,
-              const QString& program_folder) {
-    if (const auto file = PresentHelpFile(application_folder, program_folder))
-        shell.Open(*file).Ignore();
+              const QString& program_folder, const ShowHelpPage& own_viewer) {
+    const QString file = FirstPresent(HelpPlaces(application_folder, program_folder),
+                                      catalogue::kHelpFile.toString());
+    Open({shell, file,
+          HelpPageFile(application_folder, program_folder, QStringLiteral("index.html")),
+          own_viewer, [&] { return shell.Open(file); }});
 }
 
 void OpenHelpAtWindow(platform::Shell& shell, const QString& application_folder,
-                      const QString& window, const QString& program_folder) {
-    if (const auto file = PresentHelpFile(application_folder, program_folder))
-        shell.OpenHelp(*file, HelpPageOf(window)).Ignore();
+                      const QString& window, const QString& program_folder,
+                      const ShowHelpPage& own_viewer) {
+    const QString file = FirstPresent(HelpPlaces(application_folder, program_folder),
+                                      catalogue::kHelpFile.toString());
+    const QString page = HelpPageOf(window);
+    Open({shell, file, HelpPageFile(application_folder, program_folder, page), own_viewer,
+          [&] { return shell.OpenHelp(file, page); }});
 }
 
 }  // namespace dialogs

@@ -2,6 +2,7 @@
 
 #include "dialogs/help.h"
 #include "dialogs/help_pages.h"
+#include "dialogs/help_window.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
@@ -37,7 +38,8 @@ bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
     // An unhandled key press is sent to the widget with the focus and then to its parents; it is
     // consumed here at the first of them.
     if (!watched->isWidgetType() || !IsHelpKey(*event)) return QObject::eventFilter(watched, event);
-    OpenHelpAtWindow(shell_, application_folder_, ActiveWindow());
+    OpenHelpAtWindow(shell_, application_folder_, ActiveWindow(), platform::ProgramFolder(),
+                     ShowInHelpWindow);
     return true;
 }
 

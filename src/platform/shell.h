@@ -21,6 +21,8 @@ public:
     virtual base::Status OpenHelp(const QString& file, const QString& /*page*/) {
         return Open(file);
     }
+    // Whether the desktop has a viewer for help files. May take a second.
+    virtual bool HasHelpViewer() { return true; }
     // Path of the desktop's system-information tool; empty when none is installed.
     virtual QString SystemInformationTool() = 0;
 };

@@ -76,6 +76,72 @@ TEST(HelpTest, AShellThatCannotOpenItIsIgnored) {
     EXPECT_EQ(shell.opened.size(), 1U);
 }
 
+// The pages beside the help file, for desktops without a viewer of help files.
+class HelpWithoutAViewerTest : public testing::Test {
+protected:
+    HelpWithoutAViewerTest() {
+        QDir(application.path()).mkpath(QStringLiteral("help"));
+        for (const char* const name : {"index.html", "settings.html"}) {
+            QFile page(application.filePath(QStringLiteral("help/") + QString::fromLatin1(name)));
+            EXPECT_TRUE(page.open(QIODevice::WriteOnly));
+        }
+    }
+    void OpenAtSettings() {
+        OpenHelpAtWindow(shell, application.path(), QStringLiteral("frmSettings"), program.path(),
+                         viewer);
+    }
+
+    QTemporaryDir application;
+    QTemporaryDir program;
+    test_support::FakeShell shell;
+    std::vector<QString> shown;
+    ShowHelpPage viewer = [this](const QString& page) { shown.push_back(page); };
+    QString settings_page = application.filePath(QStringLiteral("help/settings.html"));
+};
+
+TEST_F(HelpWithoutAViewerTest, AreShownWhereTheDesktopHasNoViewer) {
+    MakeHelpFile(application);
+    shell.has_help_viewer = false;
+    OpenAtSettings();
+    EXPECT_TRUE(shell.opened.empty());
+    EXPECT_EQ(shown, std::vector{settings_page});
+    OpenHelp(shell, application.path(), program.path(), viewer);
+    EXPECT_EQ(shown.back(), application.filePath(QStringLiteral("help/index.html")));
+}
+
+TEST_F(HelpWithoutAViewerTest, AreShownWhereThereIsNoHelpFile) {
+    OpenAtSettings();
+    EXPECT_TRUE(shell.opened.empty());
+    EXPECT_EQ(shown, std::vector{settings_page});
+}
+
+TEST_F(HelpWithoutAViewerTest, AreShownWhereTheViewerDoesNotStart) {
+    MakeHelpFile(application);
+    shell.answer = base::Status(base::StatusCode::kNotFound, "gone");
+    OpenAtSettings();
+    EXPECT_EQ(shell.opened.size(), 1U);
+    EXPECT_EQ(shown, std::vector{settings_page});
+}
+
+TEST_F(HelpWithoutAViewerTest, LeaveTheHelpFileToTheDesktopsViewer) {
+    MakeHelpFile(application);
+    OpenAtSettings();
+    EXPECT_EQ(shell.help_pages, std::vector{QStringLiteral("settings.html")});
+    EXPECT_TRUE(shown.empty());
+}
+
+TEST_F(HelpWithoutAViewerTest, OfTheInstalledProgramAreInTheSharedFolder) {
+    QDir(program.path()).mkpath(QStringLiteral("bin"));
+    QDir(program.path()).mkpath(QStringLiteral("share/tavolo/help"));
+    QFile page(program.filePath(QStringLiteral("share/tavolo/help/crc.html")));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    EXPECT_EQ(HelpPageFile(application.path(), program.filePath(QStringLiteral("bin")),
+                           QStringLiteral("crc.html")),
+              page.fileName());
+    EXPECT_EQ(HelpPageFile(application.path(), program.path(), QStringLiteral("none.html")),
+              QString());
+}
+
 class SystemInformationTest : public testing::Test {
 protected:
     void ExpectUnavailable() {

@@ -241,6 +241,11 @@ class Tavolo:
     def wait_window(self, title, timeout=TIMEOUT):
         return wait_for(lambda: self.window(title), f"the window {title!r}", timeout)
 
+    def wait_front(self, title):
+        """Waits until the window gets what is typed."""
+        self.wait_window(title)
+        wait_for(lambda: self.desktop.active_window() == (self.window(title) or {}).get("id"), f"the window {title!r} in front")
+
     def wait_window_gone(self, title, timeout=TIMEOUT):
         wait_for(lambda: not self.window(title), f"the end of the window {title!r}", timeout)
 

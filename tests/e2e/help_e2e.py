@@ -55,14 +55,14 @@ def main():
 
 
 def start(program, programs, help_file, work):
-    program.wait_window("Find New Visual Pinball Tables")
+    program.wait_front("Find New Visual Pinball Tables")
     program.press("F1")
     programs.wait_call(f"viewer 3 -showPage /scan.html {help_file}")
     program.click("cmdgo")
     program.choose_file(work / "tables")
     program.wait_text("Label2", "Process Complete")
     program.click("cmdExit")
-    program.wait_window("Settings")
+    program.wait_front("Settings")
     program.press("F1")
     programs.wait_call(f"viewer 3 -showPage /settings.html {help_file}")
     program.type_into("txtDet_0", str(work / "simulator"))
@@ -79,7 +79,7 @@ def help_of_windows(program, programs, help_file):
     for action, title, page in (("mnuRest", "Global Path Change", "reset-paths"),
                                 ("mnuImport", "Import VPLauncher Data", "import-launcher")):
         program.menu("mnuUtilities", action)
-        program.wait_window(title)
+        program.wait_front(title)
         program.press("F1")
         programs.wait_call(f"viewer 3 -showPage /{page}.html {help_file}")
         program.press("Escape")

@@ -91,6 +91,8 @@ public:
     std::vector<QString> help_pages;
     base::Status answer;
     QString tool;
+    bool has_help_viewer = true;
+    bool HasHelpViewer() override { return has_help_viewer; }
     base::Status Open(const QString& target) override {
         opened.push_back(target);
         return answer;

@@ -104,6 +104,8 @@ public:
         return program.isEmpty() ? Open(file) : Run(program, viewer->arguments);
     }
 
+    bool HasHelpViewer() override { return !DefaultHelpViewer().isEmpty(); }
+
     QString SystemInformationTool() override {
         for (const char* name : kInformationTools)
             if (QString tool = FindProgram(name); !tool.isEmpty()) return tool;
