@@ -109,9 +109,14 @@ int main(int argc, char** argv) {
     if (!arguments.error.isEmpty()) return Complain(arguments.error);
     if (arguments.help) return Print(app::HelpText());
     if (arguments.version) return Print(app::VersionLine());
-    QApplication application(argc, argv);
+    // Desktops find the entry of a window by its name: on X11 Qt takes that from its option -name.
+    char name_option[] = "-name";
+    char name[] = "org.tavolo.tavolo";
+    char* qt_arguments[] = {argv[0], name_option, name, nullptr};
+    int qt_argument_count = 3;
+    QApplication application(qt_argument_count, qt_arguments);
     QApplication::setApplicationName(dialogs::ApplicationTitle());
-    QApplication::setDesktopFileName(QStringLiteral("tavolo"));
+    QApplication::setDesktopFileName(QString::fromLatin1(name));
     SetAppearance();
     return RunProgram(arguments);
 }
