@@ -14,8 +14,8 @@ MOST_CHARACTERS = 190
 def notes(changes):
     """The newest section's items, each one sentence in plain text."""
     newest = changes.split('\n## ')[1]
-    for item in re.findall(r'^- (.*)$', newest, re.MULTILINE):
-        text = re.sub(r'[`*]', '', item).strip()
+    for item in re.findall(r'^- (.*(?:\n  .*)*)$', newest, re.MULTILINE):
+        text = ' '.join(re.sub(r'[`*]', '', item).split())
         if len(text) <= MOST_CHARACTERS:
             yield text.removesuffix('.')
 

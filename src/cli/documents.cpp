@@ -10,6 +10,9 @@ namespace {
 constexpr std::size_t kHelpColumn = 30;
 constexpr std::size_t kLineWidth = 79;
 
+// When the commands last changed.
+constexpr std::string_view kManualDate = "2026-11-22";
+
 std::string Version() {
     return dialogs::VersionText(dialogs::ProgramVersion()).toStdString();
 }
@@ -137,9 +140,9 @@ std::string RoffUsage(const Command& command) {
 }
 
 std::string RoffCommand(const Command& command) {
-    std::string text = ".SS " + Roff(command.name) + "\n" + RoffUsage(command) + "\n.PP\n";
+    std::string text = ".SS " + Roff(command.name) + "\n" + RoffUsage(command) + "\n";
     ForEachParagraph(command.description,
-                     [&](std::string_view paragraph) { text += Roff(paragraph) + "\n.PP\n"; });
+                     [&](std::string_view paragraph) { text += ".PP\n" + Roff(paragraph) + "\n"; });
     return text + RoffOptions(command.options);
 }
 
@@ -173,7 +176,8 @@ std::string CommandHelp(const Command& command) {
 }
 
 std::string ManPage() {
-    std::string page = ".TH TAVOLO\\-CLI 1 \"\" \"Tavolo " + Version() +
+    std::string page = ".TH TAVOLO\\-CLI 1 \"" + std::string(kManualDate) + "\" \"Tavolo " +
+                       Version() +
                        "\" \"User Commands\"\n.SH NAME\ntavolo\\-cli \\- the catalogue of Visual "
                        "Pinball tables on the command line\n.SH SYNOPSIS\n"
                        "\\fBtavolo\\-cli\\fR \\fICOMMAND\\fR [\\fIOPTION\\fR]... "

@@ -36,21 +36,7 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* owner)
     BuildLayout();
 }
 
-void HelpWindow::BuildLayout() {
-    text_ = new QTextBrowser;
-    text_->setObjectName(QStringLiteral("txtHelp"));
-    text_->setAccessibleName(QStringLiteral("Page"));
-    text_->setSearchPaths({folder_});
-    text_->setOpenExternalLinks(true);
-    words_ = new QLineEdit;
-    words_->setObjectName(QStringLiteral("txtHelpSearch"));
-    words_->setPlaceholderText(QStringLiteral("Search the help"));
-    words_->setAccessibleName(QStringLiteral("Search the help"));
-    words_->setClearButtonEnabled(true);
-    found_ = new QListWidget;
-    found_->setObjectName(QStringLiteral("lstHelpFound"));
-    found_->setAccessibleName(QStringLiteral("Pages found"));
-
+QWidget* HelpWindow::MakeTools() {
     auto* const bar = new QToolBar;
     const auto go = [&](const char* name, const char* text, const QKeySequence& key, auto slot) {
         QAction* const action =
@@ -76,6 +62,23 @@ void HelpWindow::BuildLayout() {
         });
     connect(AddTo(*bar, QStringLiteral("actHelpClose"), QStringLiteral("Close"), Qt::Key_Escape),
             &QAction::triggered, this, &QWidget::close);
+    return bar;
+}
+
+void HelpWindow::BuildLayout() {
+    text_ = new QTextBrowser;
+    text_->setObjectName(QStringLiteral("txtHelp"));
+    text_->setAccessibleName(QStringLiteral("Page"));
+    text_->setSearchPaths({folder_});
+    text_->setOpenExternalLinks(true);
+    words_ = new QLineEdit;
+    words_->setObjectName(QStringLiteral("txtHelpSearch"));
+    words_->setPlaceholderText(QStringLiteral("Search the help"));
+    words_->setAccessibleName(QStringLiteral("Search the help"));
+    words_->setClearButtonEnabled(true);
+    found_ = new QListWidget;
+    found_->setObjectName(QStringLiteral("lstHelpFound"));
+    found_->setAccessibleName(QStringLiteral("Pages found"));
 
     auto* const left = new QWidget;
     auto* const column = new QVBoxLayout(left);
@@ -88,7 +91,7 @@ void HelpWindow::BuildLayout() {
     both->setSizes({kListWidth, kFirstSize.width() - kListWidth});
     both->setStretchFactor(1, 1);
     auto* const all = new QVBoxLayout(this);
-    all->addWidget(bar);
+    all->addWidget(MakeTools());
     all->addWidget(both);
 
     connect(words_, &QLineEdit::textChanged, this, &HelpWindow::Search);

@@ -27,6 +27,8 @@ public:
 
 private:
     void BuildLayout();
+    // Back, forward and the like. Works on text_ and words_.
+    QWidget* MakeTools();
     void Search();
     void ShowFound(int row);
     void MarkWords();

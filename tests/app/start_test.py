@@ -209,7 +209,7 @@ def command_line():
     check_equal((rendered.returncode, rendered.stderr), (0, ""), "the manual page")
     for word in re.findall(r"--[a-z]+", output("--help").stdout):
         check(word in rendered.stdout, f"{word} in the manual page")
-    check("\nExec=tavolo %f\n" in (ROOT / "packaging" / "tavolo.desktop").read_text(), "the file in the desktop's entry")
+    check("\nExec=tavolo %f\n" in (ROOT / "packaging" / "org.tavolo.tavolo.desktop").read_text(), "the file in the desktop's entry")
     wrong = output("--fast")
     check_equal(wrong.returncode, 2, "status of an unknown argument")
     check("unknown argument: --fast" in wrong.stderr, "the complaint about it")

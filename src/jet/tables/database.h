@@ -184,8 +184,8 @@ base::Result<std::unique_ptr<Database>> OpenDatabase(std::unique_ptr<PageStore> 
 // The pages of a new, empty database of version 4 or 3, in memory (`now`: the creation date, days
 // since 1899-12-30). The same arguments give the same bytes.
 base::Result<std::unique_ptr<PageStore>> MakeEmptyDatabase(double now, int version = 4);
-// Writes all pages as a new file. kAlreadyExists (3204): there is such a file. After another failure
-// there is none.
+// Writes all pages as a new file. kAlreadyExists (3204): there is such a file. After another
+// failure there is none.
 base::Status WriteDatabaseFile(FileSystem& files, const std::filesystem::path& path,
                                PageStore& pages);
 // Both.
