@@ -11,8 +11,8 @@ namespace exchange {
 // More than any catalogue has: a database file has 2 GB at most. Bytes.
 inline constexpr qint64 kMaxFileBytes = qint64{1} << 30;
 
-// The whole file. kUnsupported: it is larger than kMaxFileBytes. kIoError: not all of it can be
-// read.
+// The whole file, or what comes out of a pipe. kUnsupported: it is larger than kMaxFileBytes.
+// kIoError: not all of it can be read.
 base::Result<QByteArray> ReadFile(const QString& path);
 
 }  // namespace exchange

@@ -125,6 +125,12 @@ class ProgramTest(unittest.TestCase):
         self.assertEqual(self.completions("list", "--order", "=", "T"), ["Table\\ Name", "Times\\ Played"])
         self.assertEqual(self.completions("import", "a"), ["a file.csv", "a folder"])
 
+    def test_import_reads_what_another_program_writes(self):
+        self.fill()
+        done = subprocess.run(["bash", "-c", "tavolo-cli import <(printf 'ID,Author\\n1,Piped\\n')"], capture_output=True,
+                              env=self.environment, cwd=self.root, timeout=TIMEOUT)
+        self.assertEqual((done.returncode, done.stderr), (0, b"0 added, 1 changed\n"))
+
     def test_list_is_what_mdb_export_says(self):
         for source in old_catalogues():
             with self.subTest(source=source.name):

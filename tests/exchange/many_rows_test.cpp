@@ -93,13 +93,15 @@ protected:
         std::vector<std::string> differences;
         auto rows = connection->Execute(u"Select * from Tables order by ID");
         EXPECT_TRUE(rows.ok());
+        std::vector<std::u16string> names;
+        for (std::size_t field = 0; field < rows->FieldCount(); ++field)
+            names.push_back(rows->FieldName(field));
         std::int32_t row = 0;
         for (; !rows->Eof() && differences.size() < 10; ++row) {
-            for (std::size_t field = 0; field < rows->FieldCount(); ++field) {
-                const std::u16string name = rows->FieldName(field);
+            for (std::size_t field = 0; field < names.size(); ++field) {
                 const auto value = rows->Fields(field);
-                if (!value.ok() || *value != CellOf(name, row))
-                    differences.push_back(QString::fromStdU16String(name).toStdString() +
+                if (!value.ok() || *value != CellOf(names[field], row))
+                    differences.push_back(QString::fromStdU16String(names[field]).toStdString() +
                                           " of row " + std::to_string(row));
             }
             if (!rows->MoveNext().ok()) differences.emplace_back("cannot be read on");
