@@ -21,6 +21,7 @@
 #include "maintenance/purge.h"
 #include "pictures/frmPicture.h"
 #include "platform/application_folder.h"
+#include "platform/files.h"
 
 #include <QtWidgets/QApplication>
 
@@ -53,7 +54,10 @@ void Commands::ExpectTables(const QString& path) {
 }
 
 void Commands::TakeTables(const QString& path) {
+    const base::ScopedFlag taking(is_taking_tables_);
+    if (platform::FolderExists(path)) splash_.Show(QStringLiteral("Adding new tables..."));
     const auto added = AddGivenTables(catalogue_, path, held_back_events_, Context().progress);
+    splash_.Unload();
     // What was added before a failure is there, too; an empty tree is filled by SelectTable.
     const bool may_be_new = !added.ok() || *added > 0;
     if (may_be_new && window_.TreeSelection()) window_.RefreshTree();
@@ -64,7 +68,7 @@ void Commands::TakeTables(const QString& path) {
 }
 
 bool Commands::MayTakeTables() const {
-    return !held_back_events_.is_processing() && !window_.shows_progress() &&
+    return !is_taking_tables_ && !held_back_events_.is_processing() && !window_.shows_progress() &&
            QApplication::activeModalWidget() == nullptr && !window_.details().record_changed();
 }
 

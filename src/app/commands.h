@@ -86,6 +86,7 @@ private:
     browser::SplashDisplay splash_;
     dialogs::QtUserEvents events_;
     PaintEvents held_back_events_;
+    bool is_taking_tables_ = false;
     dialogs::HelpKey help_key_{outside_.shell, catalogue_.values->ApplicationFolder};
     QPointer<dialogs::frmSettings> settings_;  // as long as it is open
     launcher::Launcher launcher_;

@@ -4,6 +4,7 @@
 
 #include "app/given_paths.h"
 #include "browser/command_table.h"
+#include "browser/frmSplash.h"
 #include "browser/tree_fixture.h"
 #include "catalogue/program_files.h"
 #include "dialogs/frmSettings.h"
@@ -23,6 +24,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTreeView>
 
@@ -415,10 +417,22 @@ TEST_F(GivenTablesTest, TheyWaitForTheRecordToBeStoredAndDialogsToBeClosed) {
 
 TEST_F(GivenTablesTest, TheyWaitForACommandThatIsAtWork) {
     const QString file = MakeTable(u"New.vpt", u"Brand new");
-    bool may_take = true;
-    QTimer::singleShot(0, window.get(), [&] { may_take = commands->MayTakeTables(); });
+    MakeTable(u"Newer.vpt", u"Brand newer");
+    bool was_told_to_wait = false;
+    QString shown;
+    const auto look = [&] {
+        was_told_to_wait = was_told_to_wait || !commands->MayTakeTables();
+        if (const auto* splash = window->findChild<browser::frmSplash*>())
+            shown = splash->findChild<QLabel*>(S(u"lblStat"))->text();
+    };
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, look);
+    timer.start(0);
     commands->TakeTables(QFileInfo(file).path());
-    EXPECT_FALSE(may_take);
+    timer.stop();
+    EXPECT_TRUE(was_told_to_wait);
+    EXPECT_EQ(shown, S(u"Adding new tables..."));
+    EXPECT_FALSE(window->findChild<browser::frmSplash*>());
     // Painting its progress lets events through.
     window->ShowProgress(1, 10);
     EXPECT_FALSE(commands->MayTakeTables());
