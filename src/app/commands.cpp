@@ -4,6 +4,7 @@
 #include "base/scope_guards.h"
 #include "browser/table_info_command.h"
 #include "catalogue/error_report.h"
+#include "catalogue/start_up.h"
 #include "checksum/frmCRC.h"
 #include "dialogs/about_text.h"
 #include "dialogs/frmAbout.h"
@@ -12,6 +13,7 @@
 #include "dialogs/help_window.h"
 #include "discovery/frmsearch.h"
 #include "exchange/table_exchange.h"
+#include "history/history_file.h"
 #include "maintenance/backup.h"
 #include "maintenance/compact.h"
 #include "maintenance/file_dates.h"
@@ -21,6 +23,7 @@
 #include "maintenance/purge.h"
 #include "pictures/frmPicture.h"
 #include "platform/application_folder.h"
+#include "platform/file_system.h"
 #include "platform/files.h"
 
 #include <QtWidgets/QApplication>
@@ -104,12 +107,18 @@ browser::CommandActions Commands::Actions() {
         .export_tables =
             [this] { exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()); },
         .import_tables = [this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); },
-        .compact =
-            [this] {
-                maintenance::CompactData(
-                    Context(), [this](const QString& result) { window_.TellResult(result); });
-            },
+        .compact = [this] { Compact(); },
     };
+}
+
+void Commands::Compact() {
+    const auto files = platform::MakeFileSystem();
+    const std::filesystem::path path = platform::ToPath(catalogue::CataloguePath(catalogue_));
+    const auto keep_history = [&](const jet::CompactReport& report) {
+        return history::HistoryFile::Rebind(*files, path, report.mark_before, report.mark_after);
+    };
+    maintenance::CompactData(Context(), *files, keep_history,
+                             [this](const QString& result) { window_.TellResult(result); });
 }
 
 void Commands::UpdateCrcs() {

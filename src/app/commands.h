@@ -63,6 +63,7 @@ private:
     browser::CommandActions Actions();
     void AttachPlay();
 
+    void Compact();
     void UpdateCrcs();
     void ImportFromTableFiles();
     void ImportLauncherData();

@@ -6,6 +6,7 @@
 #include "catalogue/start_up.h"
 #include "exchange/cell.h"
 #include "exchange/row_writer.h"
+#include "history/history_file.h"
 #include "jet/repair/compact.h"
 #include "jet/repair/repair.h"
 #include "jet/tables/database.h"
@@ -27,8 +28,12 @@ base::Result<jet::CompactReport> Compact(Program& program) {
         ASSIGN_OR_RETURN(const auto opened, OpenedCatalogue::Open(program, Access::kRead));
         return jet::MeasureCompact(opened->connection().database()->pages(), ProgressOf(program));
     }
-    return jet::CompactInPlace(program.outside.files, platform::ToPath(CataloguePath(program)),
-                               ProgressOf(program));
+    jet::FileSystem& files = program.outside.files;
+    const std::filesystem::path path = platform::ToPath(CataloguePath(program));
+    const auto keep_history = [&](const jet::CompactReport& report) {
+        return history::HistoryFile::Rebind(files, path, report.mark_before, report.mark_after);
+    };
+    return jet::CompactInPlace(files, path, ProgressOf(program), keep_history);
 }
 
 void PrintJson(Console& console, const jet::CompactReport& report) {

@@ -37,7 +37,8 @@ struct HistoryFile::Loaded {
     std::unique_ptr<jet::File> file;  // null: there is none
     std::uint64_t end = 0;
     std::uint64_t chain = 0;
-    std::uint64_t last_mark = 0;
+    // That the database file may carry, as told behind the last note.
+    std::vector<std::uint64_t> last_marks;
     // The note taken last.
     std::uint64_t journal = 0;
     std::uint64_t offset = 0;
@@ -125,6 +126,15 @@ private:
     std::vector<std::byte> bytes_;
 };
 
+// Of the record of a mark: one, or one and that before it.
+std::vector<std::uint64_t> MarksOf(std::span<const std::byte> payload) {
+    std::vector<std::uint64_t> marks;
+    for (std::size_t at = 0; at + sizeof(std::uint64_t) <= payload.size();
+         at += sizeof(std::uint64_t))
+        marks.push_back(base::LoadLittle<std::uint64_t>(payload.data() + at));
+    return marks;
+}
+
 CommitNote NoteOf(std::span<const std::byte> payload) {
     const auto bytes = payload.subspan(kNoteHead);
     return {base::LoadLittle<std::uint64_t>(payload.data()),
@@ -201,13 +211,13 @@ Status HistoryFile::Load() {
             for (const auto& [note, place] : notes)
                 found.Take(note, place);
             notes.clear();
-            found.last_mark = base::LoadLittle<std::uint64_t>(record.payload().data());
+            found.last_marks = MarksOf(record.payload());
             found.end = walk.at();
             found.chain = walk.chain();
         }
     }
-    const bool is_ours =
-        is_bound && found.end > 0 && std::ranges::count(*marks_, found.last_mark) != 0;
+    const bool is_ours = is_bound && found.end > 0 &&
+                         std::ranges::find_first_of(*marks_, found.last_marks) != marks_->end();
     if (is_bound && !is_ours) {
         found.file.reset();
         return SetAside();
@@ -274,7 +284,7 @@ Status HistoryFile::Append(const std::vector<CommitNote>& notes, std::uint64_t m
         loaded_->Take(notes[i], places[i]);
     loaded_->end = end;
     loaded_->chain = chain;
-    loaded_->last_mark = mark;
+    loaded_->last_marks = {mark};
     return {};
 }
 
@@ -331,7 +341,7 @@ Status HistoryFile::DropOldest(std::size_t first, std::uint64_t mark) {
                 RETURN_IF_ERROR(writer.WriteWhenLarge());
             }
         fresh.chain = AppendMark(writer.bytes(), mark, fresh.chain);
-        fresh.last_mark = mark;
+        fresh.last_marks = {mark};
         fresh.end = writer.end();
         RETURN_IF_ERROR(writer.Write());
         RETURN_IF_ERROR(file->Sync());
@@ -346,18 +356,15 @@ Status HistoryFile::Rebind(jet::FileSystem& files, const std::filesystem::path& 
                            std::uint64_t before, std::uint64_t after) {
     HistoryFile history(files, database);
     if (!files.Exists(history.path_)) return {};
-    history.Bind({before});
-    {
-        const std::lock_guard lock(history.mutex_);
-        // Not by EnsureLoaded alone: what is not ours stays where it is.
-        history.marks_.reset();
-        RETURN_IF_ERROR(history.EnsureLoaded());
-        if (history.loaded_->last_mark != before) return {};
-        history.loaded_.reset();
-        history.marks_ = {before};
-    }
-    history.Keep({}, after);
-    return history.TakeFailure();
+    const std::lock_guard lock(history.mutex_);
+    // Not bound yet: what is not ours stays where it is.
+    RETURN_IF_ERROR(history.EnsureLoaded());
+    if (std::ranges::count(history.loaded_->last_marks, before) == 0) return {};
+    std::vector<std::byte> mark;
+    AppendMark(mark, after, history.loaded_->chain, before);
+    ASSIGN_OR_RETURN(const auto file, files.Open(history.path_, jet::OpenMode::kReadWrite));
+    RETURN_IF_ERROR(file->WriteAt(history.loaded_->end, mark));
+    return file->Sync();
 }
 
 // -------------------------------------------------------------------------------------- reading

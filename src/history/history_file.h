@@ -45,8 +45,9 @@ public:
     // nothing to tell.
     base::Status TakeFailure();
 
-    // The database file carries the mark `after` now in place of `before` and holds the same rows:
-    // its history goes on. Does nothing when there is no history of a file with the mark `before`.
+    // The database file with the mark `before` is about to be replaced by one with the mark `after`
+    // and the same rows, as compaction does it: its history goes on, whether that happens or not.
+    // Does nothing when there is no history of a file with the mark `before`.
     static base::Status Rebind(jet::FileSystem& files, const std::filesystem::path& database,
                                std::uint64_t before, std::uint64_t after);
 

@@ -53,9 +53,11 @@ std::uint64_t AppendNote(std::vector<std::byte>& out, const jet::CommitNote& not
     return jet::FinishRecord(out, record, jet::RecordKind::kNote, 0, chain);
 }
 
-std::uint64_t AppendMark(std::vector<std::byte>& out, std::uint64_t mark, std::uint64_t chain) {
+std::uint64_t AppendMark(std::vector<std::byte>& out, std::uint64_t mark, std::uint64_t chain,
+                         std::optional<std::uint64_t> or_before) {
     const std::size_t record = jet::BeginRecord(out);
     base::AppendLittle(out, mark);
+    if (or_before) base::AppendLittle(out, *or_before);
     return jet::FinishRecord(out, record, jet::RecordKind::kMark, 0, chain);
 }
 

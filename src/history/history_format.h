@@ -27,7 +27,9 @@ struct Header {
 std::uint64_t AppendHeader(std::vector<std::byte>& out, const Header& header);
 std::uint64_t AppendNote(std::vector<std::byte>& out, const jet::CommitNote& note,
                          std::uint64_t chain);
-std::uint64_t AppendMark(std::vector<std::byte>& out, std::uint64_t mark, std::uint64_t chain);
+// `or_before`: the file may still carry this one.
+std::uint64_t AppendMark(std::vector<std::byte>& out, std::uint64_t mark, std::uint64_t chain,
+                         std::optional<std::uint64_t> or_before = std::nullopt);
 
 struct ParsedHeader {
     Header header;

@@ -4,7 +4,6 @@
 #include "catalogue/start_up.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
-#include "platform/file_system.h"
 #include "platform/files.h"
 
 #include <QtCore/QLocale>
@@ -83,11 +82,12 @@ base::Result<bool> Ask(const CommandContext& context) {
 
 base::Result<jet::CompactReport> CompactCatalogue(catalogue::Catalogue& catalogue,
                                                   jet::FileSystem& files,
-                                                  const catalogue::Progress& progress) {
+                                                  const catalogue::Progress& progress,
+                                                  const jet::BeforeReplacing& before_replacing) {
     ShownProgress shown(progress);
     const std::filesystem::path path = platform::ToPath(catalogue::CataloguePath(catalogue));
     base::Status closed = catalogue.CatalogueConnection->Close();
-    auto report = closed.ok() ? jet::CompactInPlace(files, path, shown.Steps())
+    auto report = closed.ok() ? jet::CompactInPlace(files, path, shown.Steps(), before_replacing)
                               : base::Result<jet::CompactReport>(std::move(closed));
     const base::Status opened = catalogue::OpenCatalogue(catalogue);
     if (!opened.ok()) return CannotOpenAgain(opened);
@@ -95,18 +95,16 @@ base::Result<jet::CompactReport> CompactCatalogue(catalogue::Catalogue& catalogu
 }
 
 void CompactData(const CommandContext& context, jet::FileSystem& files,
+                 const jet::BeforeReplacing& before_replacing,
                  const std::function<void(const QString&)>& tell) {
     const auto is_wanted = Ask(context);
     if (!is_wanted.ok()) return catalogue::ShowError(context.prompts, is_wanted.status());
     if (!*is_wanted) return;
-    const auto report = CompactCatalogue(context.catalogue, files, context.progress);
+    const auto report =
+        CompactCatalogue(context.catalogue, files, context.progress, before_replacing);
     if (!report.ok()) return catalogue::ShowError(context.prompts, report.status());
     tell(QStringLiteral("Catalogue compacted: %1 before, %2 now")
              .arg(SizeText(report->bytes_before()), SizeText(report->bytes_after())));
-}
-
-void CompactData(const CommandContext& context, const std::function<void(const QString&)>& tell) {
-    CompactData(context, *platform::MakeFileSystem(), tell);
 }
 
 }  // namespace maintenance

@@ -10,18 +10,19 @@
 
 namespace maintenance {
 
-// Closes the catalogue, compacts its file in place and opens it again. Recordsets of the connection
-// end. A failure leaves the file as it was; when it cannot even be opened again, because another
-// program has taken it meanwhile, the catalogue is closed and the text says so.
+// Closes the catalogue, compacts its file in place (jet::CompactInPlace) and opens it again.
+// Recordsets of the connection end. A failure leaves the file as it was; when it cannot even be
+// opened again, because another program has taken it meanwhile, the catalogue is closed and the
+// text says so.
 base::Result<jet::CompactReport> CompactCatalogue(catalogue::Catalogue& catalogue,
                                                   jet::FileSystem& files,
-                                                  const catalogue::Progress& progress);
+                                                  const catalogue::Progress& progress,
+                                                  const jet::BeforeReplacing& before_replacing);
 
 // Says what compacting would bring, asks, does it and hands the result to `tell`. Failures are
 // shown in a box.
 void CompactData(const CommandContext& context, jet::FileSystem& files,
+                 const jet::BeforeReplacing& before_replacing,
                  const std::function<void(const QString&)>& tell);
-// The same on this system's files.
-void CompactData(const CommandContext& context, const std::function<void(const QString&)>& tell);
 
 }  // namespace maintenance

@@ -2,6 +2,7 @@
 #include "history_fixture.h"
 
 #include "jet/pages/file_mark.h"
+#include "jet/repair/compact.h"
 
 #include <gtest/gtest.h>
 
@@ -83,21 +84,53 @@ TEST_F(HistoryFileTest, ACopyOfTheDatabaseAloneHasNone) {
     EXPECT_EQ(Rows().size(), 2U);
 }
 
-TEST_F(HistoryFileTest, GoesOnUnderANewMark) {
+TEST_F(HistoryFileTest, GoesOnUnderANewMarkAndUnderTheOldOneIfThatStays) {
     InsertMany(2);
     Close();
     const std::uint64_t before = Mark();
-    std::vector<std::byte> file = files_->Get(kPath);
+    const std::vector<std::byte> old_file = files_->Get(kPath);
+    std::vector<std::byte> file = old_file;
     jet::StoreFileMark(std::span(file).subspan(jet::FileMarkOffset(4096), jet::kFileMarkBytes),
                        4711);
-    files_->Put(kPath, file);
     ASSERT_TRUE(HistoryFile::Rebind(*files_, kPath, before, 4711).ok());
-    Open();
-    EXPECT_EQ(Changes().size(), 1U);
-    Close();
     const std::vector<std::byte> history = files_->Get(kHistoryPath);
+    // The new file came, or something stopped it.
+    for (const auto& present : {file, old_file}) {
+        files_->Put(kPath, present);
+        files_->Put(kHistoryPath, history);
+        Open();
+        EXPECT_EQ(Changes().size(), 1U);
+        EXPECT_TRUE(history_->TakeFailure().ok());
+        Run(u"UPDATE Games SET Points = 2");
+        Close();
+        Open();
+        EXPECT_EQ(Changes().size(), 2U);
+        Close();
+    }
+    const std::vector<std::byte> later = files_->Get(kHistoryPath);
     ASSERT_TRUE(HistoryFile::Rebind(*files_, kPath, before, 4712).ok());
-    EXPECT_EQ(files_->Get(kHistoryPath), history);
+    EXPECT_EQ(files_->Get(kHistoryPath), later);
+}
+
+TEST_F(HistoryFileTest, ACompactedDatabaseKeepsIt) {
+    InsertMany(2);
+    Run(u"DELETE FROM Games WHERE ID = 1");
+    const std::vector<Change> changes = Changes();
+    Close();
+    const auto done =
+        jet::CompactInPlace(*files_, kPath, {}, [&](const jet::CompactReport& report) {
+            return HistoryFile::Rebind(*files_, kPath, report.mark_before, report.mark_after);
+        });
+    ASSERT_TRUE(done.ok()) << done.status().message();
+    Open();
+    EXPECT_EQ(Changes(), changes);
+    EXPECT_TRUE(history_->TakeFailure().ok());
+    Close();
+    // One that nobody told of it is set aside.
+    ASSERT_TRUE(jet::CompactInPlace(*files_, kPath).ok());
+    Open();
+    EXPECT_TRUE(Changes().empty());
+    EXPECT_FALSE(history_->TakeFailure().ok());
 }
 
 TEST_F(HistoryFileTest, ATornEndIsCut) {

@@ -24,7 +24,8 @@ protected:
 
     void Compact() { Compact(*files); }
     void Compact(jet::FileSystem& other_files) {
-        CompactData(Context(), other_files, [this](const QString& text) { results.append(text); });
+        CompactData(Context(), other_files, {},
+                    [this](const QString& text) { results.append(text); });
     }
     qint64 Size() { return QFileInfo(DatabasePath()).size(); }
     QByteArray Content() {

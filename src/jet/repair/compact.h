@@ -42,11 +42,16 @@ base::Result<CompactReport> Compact(FileSystem& files, const std::filesystem::pa
 // What compacting an open file would come to, found out in memory; nothing is written.
 base::Result<CompactReport> MeasureCompact(PageStore& source, const CompactProgress& progress = {});
 
+// Called when the new file is on the disk and sound, before it takes the place of the old one. A
+// failure leaves the old one. What is kept beside the file can follow it so.
+using BeforeReplacing = std::function<base::Status(const CompactReport&)>;
+
 // The same in the place of the old file, which is replaced in one step when the new one is on the
 // disk and sound. Holds the lock of a writer all the while (3045, 3356: somebody has the file
 // open). Whatever stops it, there is the old file or the new one. A failure leaves the old one,
 // except that of the very last sync, of the folder: then the new one is in place.
 base::Result<CompactReport> CompactInPlace(FileSystem& files, const std::filesystem::path& path,
-                                           const CompactProgress& progress = {});
+                                           const CompactProgress& progress = {},
+                                           const BeforeReplacing& before_replacing = {});
 
 }  // namespace jet

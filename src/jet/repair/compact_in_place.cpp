@@ -7,7 +7,8 @@
 namespace jet {
 
 base::Result<CompactReport> CompactInPlace(FileSystem& files, const std::filesystem::path& path,
-                                           const CompactProgress& progress) {
+                                           const CompactProgress& progress,
+                                           const BeforeReplacing& before_replacing) {
     PageStoreOptions options;
     options.flush_delay = std::chrono::milliseconds(0);  // nothing is committed here
     ASSIGN_OR_RETURN(const auto store, OpenPageStore(files, path, options));
@@ -15,6 +16,7 @@ base::Result<CompactReport> CompactInPlace(FileSystem& files, const std::filesys
     CompactReport report;
     ASSIGN_OR_RETURN(const auto content, CopyDatabase(*store, report, progress));
     ASSIGN_OR_RETURN(const auto finished, FinishedFile::Write(files, *content, path));
+    if (before_replacing) RETURN_IF_ERROR(before_replacing(report));
     RETURN_IF_ERROR(finished->PutInPlace());
     RETURN_IF_ERROR(store->Close());
     return report;

@@ -162,6 +162,20 @@ TEST_P(CompactFaultTest, WhatWasDoneSurvivesAPowerCut) {
 INSTANTIATE_TEST_SUITE_P(Starts, CompactFaultTest, testing::Bool(),
                          [](const auto& param) { return param.param ? "WithAJournal" : "Closed"; });
 
+TEST(CompactedFileTest, WhoIsToldBeforeCanStillPreventIt) {
+    FaultyFileSystem files;
+    ASSERT_TRUE(CreateDatabaseFile(files, kPath, 40000.25).ok());
+    const auto before = files.Get(kPath);
+    const auto refused = CompactInPlace(files, kPath, {}, [&](const CompactReport& report) {
+        EXPECT_EQ(files.Get(kPath), before);
+        EXPECT_EQ(files.Get(kNewPath).size(), report.bytes_after());
+        return base::Status(base::StatusCode::kNoSpace, "no room");
+    });
+    EXPECT_EQ(refused.status().code(), base::StatusCode::kNoSpace);
+    EXPECT_EQ(files.Get(kPath), before);
+    EXPECT_FALSE(files.Exists(kNewPath));
+}
+
 TEST(CompactedFileTest, AJournalOfTheOldFileIsNoneOfTheNewOne) {
     FaultyFileSystem files;
     ASSERT_TRUE(CreateDatabaseFile(files, kPath, 40000.25).ok());
