@@ -301,4 +301,20 @@ Status FaultyFileSystem::SyncFolder(const std::filesystem::path&) {
     return verdict.status;
 }
 
+Result<std::vector<std::string>> FaultyFileSystem::FileNames(const std::filesystem::path& folder) {
+    const std::lock_guard lock(mutex_);
+    const Verdict verdict = Count();
+    if (!verdict.status.ok()) return verdict.status;
+    std::vector<std::string> names;
+    for (const auto& [path, inode] : live_)
+        if (path.parent_path() == folder) names.push_back(path.filename().string());
+    if (names.empty()) return Status(StatusCode::kNotFound, folder.string());
+    return names;
+}
+
+Status FaultyFileSystem::MakeFolder(const std::filesystem::path&) {
+    const std::lock_guard lock(mutex_);
+    return Count().status;
+}
+
 }  // namespace test_support

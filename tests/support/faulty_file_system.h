@@ -67,6 +67,9 @@ public:
     base::Status Rename(const std::filesystem::path& from,
                         const std::filesystem::path& to) override;
     base::Status SyncFolder(const std::filesystem::path& folder) override;
+    // A folder is there as soon as a file is in it.
+    base::Result<std::vector<std::string>> FileNames(const std::filesystem::path& folder) override;
+    base::Status MakeFolder(const std::filesystem::path& folder) override;
     std::string OwnerName() override { return "tester@bench"; }
 
 private:

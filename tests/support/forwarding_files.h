@@ -46,6 +46,12 @@ public:
     base::Status SyncFolder(const std::filesystem::path& folder) override {
         return system_.SyncFolder(folder);
     }
+    base::Result<std::vector<std::string>> FileNames(const std::filesystem::path& folder) override {
+        return system_.FileNames(folder);
+    }
+    base::Status MakeFolder(const std::filesystem::path& folder) override {
+        return system_.MakeFolder(folder);
+    }
     std::string OwnerName() override { return system_.OwnerName(); }
 
 private:

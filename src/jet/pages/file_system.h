@@ -12,6 +12,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace jet {
 
@@ -55,6 +56,15 @@ public:
                                 const std::filesystem::path& to) = 0;
     // Makes creations, removals and renames in `folder` permanent.
     virtual base::Status SyncFolder(const std::filesystem::path& folder) = 0;
+    // For what is kept beside a database; the engine itself needs none of these. The names of
+    // the files in `folder`, in no order. kNotFound: no such folder.
+    virtual base::Result<std::vector<std::string>> FileNames(const std::filesystem::path& folder) {
+        return base::Status(base::StatusCode::kUnsupported, folder.string() + " cannot be listed.");
+    }
+    // ok when there is such a folder already.
+    virtual base::Status MakeFolder(const std::filesystem::path& folder) {
+        return {base::StatusCode::kUnsupported, folder.string() + " cannot be made."};
+    }
     // "user@computer", for the message that says who holds a file. UTF-8.
     virtual std::string OwnerName() = 0;
 };

@@ -2,8 +2,10 @@
 
 #include "jet/errors.h"
 #include "jet/pages/file_page_store.h"
+#include "jet/pages/format.h"
 #include "jet/pages/journal.h"
 #include "jet/pages/page_encoding.h"
+#include "jet/pages/page_header_layout.h"
 
 #include <algorithm>
 #include <cstring>
@@ -65,6 +67,8 @@ public:
     }
     base::Status SyncFolder(const std::filesystem::path&) override { return Refused(); }
     std::string OwnerName() override { return {}; }
+    // Requires: no file is open.
+    FileBytes TakeDatabase() && { return std::move(database_bytes_); }
 
 private:
     static base::Status Refused() {
@@ -133,24 +137,44 @@ base::Result<FileBytes> BytesOf(PageStore& store) {
 
 }  // namespace
 
-base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
-                                                   const std::filesystem::path& path) {
+base::Result<FileBytes> CopyFileBytes(FileSystem& files, const std::filesystem::path& path) {
     PageStoreOptions options;
     options.read_only = true;
     base::Status failure = JetError(ErrorNumber::kFileInUse, path.string());
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
         auto read = TryToRead(files, path);
         // A file that shrinks while it is read cannot be told from one that cannot be read.
-        if (read.status().code() == base::StatusCode::kIoError) failure = read.status();
-        // The ordinary way says best what is wrong with the file.
-        else if (!read.ok())
-            return OpenPageStore(files, path, options);
+        if (read.status().code() == base::StatusCode::kIoError) {
+            failure = read.status();
+        } else if (!read.ok()) {
+            // The ordinary way says best what is wrong with the file.
+            const auto opened = OpenPageStore(files, path, options);
+            return opened.ok() ? read.status() : opened.status();
+        }
         if (!read.ok() || !*read) continue;
-        ASSIGN_OR_RETURN(const auto store, OpenPageStore(**read, path, options));
-        ASSIGN_OR_RETURN(const FileBytes bytes, BytesOf(*store));
-        return MakeMemoryPageStore(store->page_size(), bytes);
+        {
+            ASSIGN_OR_RETURN(const auto store, OpenPageStore(**read, path, options));
+            if ((*read)->Exists(Journal::PathFor(path))) return BytesOf(*store);
+        }
+        return std::move(**read).TakeDatabase();
     }
     return EngineStatus(failure);
+}
+
+base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
+                                                   const std::filesystem::path& path) {
+    ASSIGN_OR_RETURN(const FileBytes bytes, CopyFileBytes(files, path));
+    ASSIGN_OR_RETURN(const std::uint32_t page_size, PageSizeOf(bytes));
+    return MakeMemoryPageStore(page_size, bytes);
+}
+
+base::Result<std::uint32_t> PageSizeOf(std::span<const std::byte> file) {
+    const auto version = base::LittleAt<std::uint32_t>(file, kVersionAt);
+    if (version && *version <= kVersionJet4) {
+        const std::uint32_t page_size = FormatOf(*version == kVersionJet3 ? 3 : 4).page_size;
+        if (!file.empty() && file.size() % page_size == 0) return page_size;
+    }
+    return base::Status(base::StatusCode::kCorruption, "These are not the pages of a database.");
 }
 
 }  // namespace jet

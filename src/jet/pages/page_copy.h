@@ -18,4 +18,12 @@ namespace jet {
 base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
                                                    const std::filesystem::path& path);
 
+// The same as the bytes that the database file would have if a checkpoint came now; the same
+// errors.
+base::Result<std::vector<std::byte>> CopyFileBytes(FileSystem& files,
+                                                   const std::filesystem::path& path);
+
+// Of a whole database file in memory. kCorruption: these are not whole pages of one.
+base::Result<std::uint32_t> PageSizeOf(std::span<const std::byte> file);
+
 }  // namespace jet

@@ -197,6 +197,23 @@ public:
         return done == 0 || error == EINVAL ? Status() : Failure(error, name);
     }
 
+    Result<std::vector<std::string>> FileNames(const std::filesystem::path& folder) override {
+        std::error_code error;
+        std::vector<std::string> names;
+        std::filesystem::directory_iterator entry(folder, error);
+        for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error))
+            if (entry->is_regular_file(error) && !error)
+                names.push_back(entry->path().filename().string());
+        if (error) return Failure(error.value(), folder.string());
+        return names;
+    }
+
+    Status MakeFolder(const std::filesystem::path& folder) override {
+        const bool is_made = ::mkdir(folder.c_str(), 0777) == 0;
+        if (is_made || errno == EEXIST) return {};
+        return Failure(errno, folder.string());
+    }
+
     // The list of users is read once.
     std::string OwnerName() override {
         static const std::string name = FindOwnerName();
