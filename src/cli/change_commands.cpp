@@ -4,6 +4,7 @@
 #include "cli/import_report.h"
 #include "cli/opened_catalogue.h"
 #include "cli/selection_arguments.h"
+#include "cli/snapshot_before.h"
 
 #include "catalogue/program_files.h"
 #include "checksum/crc_refresh.h"
@@ -26,10 +27,13 @@ catalogue::Progress ProgressOf(Program& program) {
     };
 }
 
-// Opens the catalogue, runs `change` and tells what it has changed.
-int RunChange(Program& program, const std::function<base::Status(OpenedCatalogue&)>& change) {
+// Opens the catalogue, runs `change` and tells what it has changed. `command`: whose name goes with
+// the snapshot that is made before.
+int RunChange(Program& program, const char* command,
+              const std::function<base::Status(OpenedCatalogue&)>& change) {
     auto opened = OpenedCatalogue::Open(program, AccessForChanges(program));
     if (!opened.ok()) return Fail(program, opened.status());
+    SnapshotBefore(program, **opened, command);
     jet::Connection& connection = (*opened)->connection();
     auto report = ChangeReport::Begin(program, connection);
     if (!report.ok()) return Fail(program, report.status());
@@ -99,19 +103,19 @@ int RunScan(Program& program) {
     if (!platform::FolderExists(folder))
         return Fail(program, {base::StatusCode::kNotFound,
                               folder.toStdString() + ": there is no such folder"});
-    return RunChange(program,
+    return RunChange(program, "scan",
                      [&](OpenedCatalogue& opened) { return Scan(program, opened, folder); });
 }
 
 int RunUpdate(Program& program) {
-    return RunChange(program, [&](OpenedCatalogue& opened) {
+    return RunChange(program, "update", [&](OpenedCatalogue& opened) {
         return tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr, ProgressOf(program));
     });
 }
 
 int RunCrc(Program& program) {
     platform::NoUserEvents events;
-    return RunChange(program, [&](OpenedCatalogue& opened) {
+    return RunChange(program, "crc", [&](OpenedCatalogue& opened) {
         return checksum::RefreshCrcs(
             opened.get(), events, [](const QString&) {}, ProgressOf(program));
     });

@@ -155,6 +155,15 @@ constexpr Example kRepairExamples[] = {
     {"tavolo-cli repair damaged.mdb repaired.mdb",
      "writes what can still be read in a damaged file into a new one"}};
 
+constexpr Example kSnapshotExamples[] = {
+    {"tavolo-cli snapshot", "makes a snapshot of the catalogue as it is now"}};
+
+constexpr Operand kRestoreOperands[] = {{.name = "NAME", .is_optional = true}};
+constexpr Option kRestoreOptions[] = {kDryRunOption};
+constexpr Example kRestoreExamples[] = {
+    {"tavolo-cli restore", "lists what can be restored"},
+    {"tavolo-cli restore --dry-run 1", "tells how the first snapshot differs from today"}};
+
 constexpr Operand kPlayOperands[] = {{.name = "NAME|ID"}};
 constexpr Option kPlayOptions[] = {kDryRunOption};
 constexpr Example kPlayExamples[] = {
@@ -322,6 +331,25 @@ constexpr Command kCommands[] = {
      "be there yet. Tells what could not be brought over, a line each, and ends with status 1 if "
      "there is anything. Put OUTPUT in the place of pinball.mdb while nobody has it open.",
      kRepairOperands, kRepairOptions, kRepairExamples, RunRepair},
+
+    {"snapshot",
+     "make a snapshot of the catalogue",
+     "Stores the state of the catalogue in the folder pinball.mdb-snapshots beside it, also while "
+     "the program is running, reads it back and checks it, and prints its line of the list that "
+     "restore shows. It takes the room of what differs from the snapshot before; when nothing does "
+     "none is made. The newest of 24 hours, 7 days, 4 weeks and 12 months are kept, and the last "
+     "24 that were made by hand or before a command.",
+     {},
+     {},
+     kSnapshotExamples,
+     RunSnapshot},
+    {"restore", "list the snapshots, or restore one",
+     "Without a name lists the snapshots and pinball.BU, the newest first, one a line: name, time, "
+     "occasion, bytes and state, with tabs between them.\n\nWith a name tells how many rows of "
+     "each table that state has more and fewer than today and how many are different, and makes it "
+     "the catalogue. Today's state is kept: as a snapshot or, when the catalogue is damaged, as a "
+     "file of its own. scan, update, crc and import make a snapshot before they begin.",
+     kRestoreOperands, kRestoreOptions, kRestoreExamples, RunRestore},
     {"info", "show what a table file says of itself",
      "Shows the texts in a table file, those that its author added by other names, and its "
      "pictures. Needs no catalogue. --extract writes the pictures as files that are named after "

@@ -18,6 +18,8 @@ int RunSet(Program& program);
 int RunBackup(Program& program);
 int RunCompact(Program& program);
 int RunRepair(Program& program);
+int RunSnapshot(Program& program);
+int RunRestore(Program& program);
 int RunPlay(Program& program);
 int RunExport(Program& program);
 int RunImport(Program& program);

@@ -4,6 +4,7 @@
 #include "cli/import_report.h"
 #include "cli/opened_catalogue.h"
 #include "cli/selection_arguments.h"
+#include "cli/snapshot_before.h"
 
 #include "exchange/exchange_file.h"
 #include "exchange/row_import.h"
@@ -101,6 +102,7 @@ exchange::ImportOptions OptionsOf(const Arguments& arguments) {
 }
 
 int Import(Program& program, OpenedCatalogue& opened, exchange::RowSource& source) {
+    SnapshotBefore(program, opened, "import");
     const auto report =
         ImportAndTell(program, opened.connection(), source, OptionsOf(program.arguments));
     const base::Status closed = opened.Close();
