@@ -25,19 +25,25 @@
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
+#include "snapshots/restore_dialog.h"
 
 #include <QtWidgets/QApplication>
 
 namespace app {
 
 Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                   const OutsideWorld& outside, browser::frmPinball& window)
-    : catalogue_(catalogue), prompts_(prompts), outside_(outside), window_(window),
+                   const OutsideWorld& outside, snapshots::SnapshotKeeper& keeper,
+                   browser::frmPinball& window)
+    : catalogue_(catalogue), prompts_(prompts), outside_(outside), keeper_(keeper), window_(window),
       refresh_tree_([this] { window_.RefreshTree(); }), splash_(&window),
       launcher_({catalogue, outside_.windows, outside_.programs, outside_.sounds, events_, splash_,
                  prompts},
                 WindowActions()) {
-    window_.SetActions(Actions());
+    browser::CommandActions actions = Actions();
+    MakeSnapshotsBefore(actions);
+    window_.SetActions(actions);
+    QObject::connect(&keeper_, &snapshots::SnapshotKeeper::Failed, &window_,
+                     &browser::frmPinball::TellInPassing);
     AttachPlay();
     window_.SetBeforeUnload([this] {
         launcher_.EndWatches();
@@ -59,6 +65,7 @@ void Commands::ExpectTables(const QString& path) {
 void Commands::TakeTables(const QString& path) {
     const base::ScopedFlag taking(is_taking_tables_);
     if (platform::FolderExists(path)) splash_.Show(QStringLiteral("Adding new tables..."));
+    keeper_.MakeBefore(browser::NameOf(&browser::CommandActions::scan_for_tables));
     const auto added = AddGivenTables(catalogue_, path, held_back_events_, Context().progress);
     splash_.Unload();
     // What was added before a failure is there, too; an empty tree is filled by SelectTable.
@@ -107,6 +114,7 @@ browser::CommandActions Commands::Actions() {
         .export_tables =
             [this] { exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()); },
         .import_tables = [this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); },
+        .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
     };
 }
@@ -119,6 +127,22 @@ void Commands::Compact() {
     };
     maintenance::CompactData(Context(), *files, keep_history,
                              [this](const QString& result) { window_.TellResult(result); });
+}
+
+void Commands::MakeSnapshotsBefore(browser::CommandActions& actions) {
+    using A = browser::CommandActions;
+    for (const browser::CommandId command :
+         {&A::scan_for_tables, &A::reset_file_dates, &A::reset_times_played, &A::reset_paths,
+          &A::update_crcs, &A::import_from_table_files, &A::import_launcher_data,
+          &A::purge_missing_tables, &A::import_tables, &A::compact})
+        actions.*command = [this, name = browser::NameOf(command), run = actions.*command] {
+            keeper_.MakeBefore(name);
+            run();
+        };
+}
+
+void Commands::Restore() {
+    snapshots::RestoreDialog({catalogue_, keeper_, prompts_, refresh_tree_}, &window_).exec();
 }
 
 void Commands::UpdateCrcs() {

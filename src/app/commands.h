@@ -14,6 +14,7 @@
 #include "platform/shell.h"
 #include "platform/sound_player.h"
 #include "platform/window_control.h"
+#include "snapshots/snapshot_keeper.h"
 
 #include <QtCore/QPointer>
 
@@ -38,7 +39,8 @@ public:
     // All arguments are borrowed. `catalogue` and `prompts` outlive the commands, and the commands
     // outlive the use of `window`.
     Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-             const OutsideWorld& outside, browser::frmPinball& window);
+             const OutsideWorld& outside, snapshots::SnapshotKeeper& keeper,
+             browser::frmPinball& window);
 
     // Shows the window to somebody who has handed tables over; says so if they have to wait.
     void ExpectTables(const QString& path);
@@ -61,6 +63,8 @@ private:
     };
 
     browser::CommandActions Actions();
+    // Lets the commands that change many rows make a snapshot before they begin.
+    void MakeSnapshotsBefore(browser::CommandActions& actions);
     void AttachPlay();
 
     void Compact();
@@ -70,6 +74,7 @@ private:
     void ShowAbout();
     void ViewTableInfo();
     void LoadPicture();
+    void Restore();
     // Opens the settings and returns when they are closed.
     void AskForExecutable();
     // Opens the settings and returns at once.
@@ -82,6 +87,7 @@ private:
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;
     OutsideWorld outside_;
+    snapshots::SnapshotKeeper& keeper_;
     browser::frmPinball& window_;
     std::function<void()> refresh_tree_;
     browser::SplashDisplay splash_;

@@ -19,6 +19,8 @@
 #include "platform/files.h"
 #include "platform/hand_over.h"
 #include "platform/settings_store.h"
+#include "snapshots/restore_catalogue.h"
+#include "snapshots/snapshot_keeper.h"
 
 #include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
@@ -59,6 +61,16 @@ bool IsTakenOver(const base::Status& opened, const QString& folder, const QStrin
            platform::HandPathOver(folder, given, kTimeoutMs).ok();
 }
 
+// False: it cannot be opened, which is told, nor replaced by an earlier state.
+bool IsOpen(catalogue::Catalogue& catalogue, jet::FileSystem& files, platform::UserPrompts& prompts,
+            const base::Status& opened) {
+    catalogue::ShowError(prompts, opened);
+    if (!opened.ok() && !snapshots::OfferNewestSnapshot(catalogue, files, prompts, opened))
+        return false;
+    snapshots::RemoveRestoreLeftovers(files, snapshots::DatabaseOf(catalogue));
+    return true;
+}
+
 int RunProgram(const app::Arguments& arguments) {
     const catalogue::KnownFolders folders = catalogue::FoldersOfThisProgram();
     catalogue::ProcessValues values;
@@ -71,24 +83,24 @@ int RunProgram(const app::Arguments& arguments) {
     jet::Connection connection(*files);
     catalogue::Catalogue catalogue{&connection, &values, settings.get(), &clock};
     dialogs::QtUserPrompts prompts;
-    const base::Status opened = catalogue::Main(catalogue);
     const QString given =
         arguments.tables.isEmpty() ? QString() : platform::AbsolutePath(arguments.tables);
-    if (!opened.ok()) {
-        if (IsTakenOver(opened, values.ApplicationFolder, given)) return 0;
-        catalogue::ShowError(prompts, opened);
-        return 1;
-    }
+    const base::Status opened = catalogue::Main(catalogue);
+    if (IsTakenOver(opened, values.ApplicationFolder, given)) return 0;
+    if (!IsOpen(catalogue, *files, prompts, opened)) return 1;
 
+    snapshots::SnapshotKeeper keeper(*files, snapshots::DatabaseOf(catalogue), clock);
     browser::frmPinball window(catalogue, prompts);
     prompts.SetOwner(&window);
     const auto shell = platform::MakeShell();
     const auto programs = platform::MakeProcessStarter();
     const auto sounds = platform::MakeSoundPlayer();
     const auto windows = platform::MakeWindowControl();
-    app::Commands commands(catalogue, prompts, {*shell, *programs, *sounds, *windows}, window);
+    app::Commands commands(catalogue, prompts, {*shell, *programs, *sounds, *windows}, keeper,
+                           window);
     window.Load();
     window.show();
+    keeper.StartClock();
     app::GivenPaths given_paths([&] { return commands.MayTakeTables(); },
                                 [&](const QString& path) { commands.TakeTables(path); });
     const auto receiver =

@@ -54,6 +54,8 @@ constexpr MenuItem kData[] = {
 };
 
 constexpr MenuItem kEdit[] = {
+    {u"mnuRestoreSnapshot", u"&Restore...", &A::restore, EnabledWhen::kRulesTextIsNotShown},
+    kSeparator,
     {u"mnuCompact", u"&Compact...", &A::compact},
 };
 
@@ -92,6 +94,19 @@ bool IsAllowed(EnabledWhen rule, const MainWindowState& state) {
 
 std::span<const MenuLayout> Menus() {
     return kMenus;
+}
+
+QString NameOf(CommandId command) {
+    if (command == nullptr) return {};
+    for (const MenuLayout& menu : kMenus)
+        for (const MenuItem& item : menu.items)
+            if (item.action == command) {
+                QString name = item.caption.toString().remove(u'&');
+                while (name.endsWith(u'.'))
+                    name.chop(1);
+                return name;
+            }
+    return {};
 }
 
 CommandId CommandOfKey(int key) {

@@ -3,6 +3,7 @@
 // there, a member to CommandActions, and the action.
 #pragma once
 
+#include <QtCore/QString>
 #include <QtCore/QStringView>
 #include <QtCore/Qt>
 
@@ -38,6 +39,7 @@ struct CommandActions {
     Action view_table_info{};
     Action export_tables{};
     Action import_tables{};
+    Action restore{};
     Action compact{};
 };
 
@@ -85,6 +87,9 @@ inline constexpr QStringView kPopupMenu = u"mnufavorites";  // the tree's
 
 // The menus of the menu bar in their order, followed by the tree's pop-up menu.
 std::span<const MenuLayout> Menus();
+
+// The caption of a command without the marks for keys and boxes: "Purge Missing Tables".
+QString NameOf(CommandId command);
 
 // The command of a Qt::Key; nullptr: none.
 CommandId CommandOfKey(int key);

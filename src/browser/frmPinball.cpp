@@ -156,9 +156,11 @@ void frmPinball::ConnectCommands() {
     connect(details_, &DetailPanel::ViewTableInfoClicked, this,
             [this] { menu_->Run(&CommandActions::view_table_info); });
     connect(menu_->Menu(kFileMenu), &QMenu::aboutToShow, this, [this] { SetComments({}); });
-    connect(menu_->Menu(kUtilitiesMenu), &QMenu::aboutToShow, this, [this] {
-        menu_->ApplyRules({.current_tab = details_->CurrentTab(), .window_is_normal = IsNormal()});
-    });
+    for (const QStringView menu : {kUtilitiesMenu, kEditMenu, kDataMenu})
+        connect(menu_->Menu(menu), &QMenu::aboutToShow, this, [this] {
+            menu_->ApplyRules(
+                {.current_tab = details_->CurrentTab(), .window_is_normal = IsNormal()});
+        });
 }
 
 void frmPinball::SetActions(const CommandActions& actions) {

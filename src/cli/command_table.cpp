@@ -348,7 +348,7 @@ constexpr Command kCommands[] = {
      "occasion, bytes and state, with tabs between them.\n\nWith a name tells how many rows of "
      "each table that state has more and fewer than today and how many are different, and makes it "
      "the catalogue. Today's state is kept: as a snapshot or, when the catalogue is damaged, as a "
-     "file of its own. scan, update, crc and import make a snapshot before they begin.",
+     "file of its own. scan, update, crc, import and compact make a snapshot before they begin.",
      kRestoreOperands, kRestoreOptions, kRestoreExamples, RunRestore},
     {"info", "show what a table file says of itself",
      "Shows the texts in a table file, those that its author added by other names, and its "

@@ -1,6 +1,7 @@
 // compact and repair.
 #include "cli/commands.h"
 #include "cli/opened_catalogue.h"
+#include "cli/snapshot_before.h"
 #include "cli/terminal_text.h"
 
 #include "catalogue/start_up.h"
@@ -86,6 +87,7 @@ void PrintJson(Console& console, const jet::RepairReport& report) {
 }  // namespace
 
 int RunCompact(Program& program) {
+    SnapshotBefore(program, "compact");
     const auto report = Compact(program);
     if (!report.ok()) return Fail(program, report.status());
     if (program.arguments.Has("json"))

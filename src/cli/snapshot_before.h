@@ -9,4 +9,7 @@ namespace cli {
 // failure is told, and the command goes on. It is checked when something is to be restored.
 void SnapshotBefore(Program& program, OpenedCatalogue& opened, const char* command);
 
+// The same for the command that needs the catalogue closed.
+void SnapshotBefore(Program& program, const char* command);
+
 }  // namespace cli

@@ -89,14 +89,24 @@ base::Status MakeBefore(Program& program, const catalogue::Catalogue& catalogue,
     return store.Keep();
 }
 
-}  // namespace
-
-void SnapshotBefore(Program& program, OpenedCatalogue& opened, const char* command) {
+// A failure is told, and stops nothing.
+void TryMakeBefore(Program& program, const catalogue::Catalogue& catalogue, const char* command) {
     if (program.is_dry_run()) return;
-    const base::Status made = MakeBefore(program, opened.get(), command);
+    const base::Status made = MakeBefore(program, catalogue, command);
     if (!made.ok())
         program.console.Complain(QStringLiteral("no snapshot was made: ") +
                                  QString::fromStdString(made.message()));
+}
+
+}  // namespace
+
+void SnapshotBefore(Program& program, OpenedCatalogue& opened, const char* command) {
+    TryMakeBefore(program, opened.get(), command);
+}
+
+void SnapshotBefore(Program& program, const char* command) {
+    Place place(program);
+    TryMakeBefore(program, place.get(), command);
 }
 
 int RunSnapshot(Program& program) {

@@ -11,7 +11,7 @@ struct WindowPage {
     QStringView page;
 };
 
-constexpr std::array<WindowPage, 10> kWindowPages = {{
+constexpr std::array<WindowPage, 11> kWindowPages = {{
     {u"frmPinball", u"main-window.html"},
     {u"frmsearch", u"scan.html"},
     {u"frmReadVPT", u"table-information.html"},
@@ -22,6 +22,7 @@ constexpr std::array<WindowPage, 10> kWindowPages = {{
     {u"frmCRC", u"crc.html"},
     {u"frmImport", u"import-launcher.html"},
     {u"frmAbout", u"about.html"},
+    {u"RestoreDialog", u"snapshots.html"},
 }};
 
 const WindowPage* Find(const QString& window) {

@@ -10,6 +10,7 @@
 #include "dialogs/frmSettings.h"
 #include "pictures/frmPicture.h"
 #include "platform/files.h"
+#include "snapshots/restore_dialog.h"
 #include "support/as_nobody.h"
 #include "support/vpt_builder.h"
 
@@ -25,6 +26,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTreeView>
 
@@ -50,8 +52,10 @@ protected:
         AddTable(S(u"Alpha"), alpha);
         AddTable(S(u"Beta"), {});
         window = std::make_unique<browser::frmPinball>(catalogue, prompts);
+        keeper = std::make_unique<snapshots::SnapshotKeeper>(
+            *files, snapshots::DatabaseOf(catalogue), clock);
         commands = std::make_unique<Commands>(
-            catalogue, prompts, OutsideWorld{shell, programs, sounds, windows}, *window);
+            catalogue, prompts, OutsideWorld{shell, programs, sounds, windows}, *keeper, *window);
         window->Load();
         window->show();
     }
@@ -91,6 +95,7 @@ protected:
     test_support::FakeSound sounds;
     test_support::FakeWindows windows;
     QString alpha;
+    std::unique_ptr<snapshots::SnapshotKeeper> keeper;
     std::unique_ptr<browser::frmPinball> window;
     std::unique_ptr<Commands> commands;
 };
@@ -104,6 +109,37 @@ TEST_F(CommandsTest, EveryItemOfTheMenusDoesSomething) {
                 << item.name.toString().toStdString();
         }
     }
+}
+
+// Snapshots.
+
+TEST_F(CommandsTest, BeforeACommandThatChangesManyTablesASnapshotIsMade) {
+    Run(u"mnuPurge");
+    keeper->WaitUntilIdle();
+    EXPECT_EQ(Scalar(S(u"Select Count(*) from Tables")), S(u"1"));
+    const auto list = keeper->store().List();
+    ASSERT_TRUE(list.ok() && list->size() == 1U);
+    EXPECT_EQ(list->front().head.label, "Purge Missing Tables");
+    EXPECT_EQ(list->front().state, snapshots::SnapshotState::kGood);
+    Execute(S(u"Update Tables set TimesPlayed = 4"));
+    Run(u"mnuResetTimes");
+    EXPECT_EQ(keeper->store().List()->size(), 2U);
+}
+
+TEST_F(CommandsTest, RestoreBringsBackWhatACommandHasTakenAndShowsIt) {
+    Run(u"mnuPurge");
+    ASSERT_EQ(Tree()->model()->rowCount(Tree()->model()->index(0, 0)), 1);
+    QTimer::singleShot(0, window.get(), [] {
+        auto* const dialog =
+            qobject_cast<snapshots::RestoreDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        auto* const restore = dialog->findChild<QPushButton*>(S(u"cmdRestore"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return restore->isEnabled(); }));
+        restore->click();
+    });
+    Run(u"mnuRestoreSnapshot");
+    EXPECT_EQ(Scalar(S(u"Select Count(*) from Tables")), S(u"2"));
+    EXPECT_EQ(Tree()->model()->rowCount(Tree()->model()->index(0, 0)), 2);
 }
 
 // Playing.

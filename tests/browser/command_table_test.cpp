@@ -62,6 +62,8 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuAbout &About\n"
                                              "mnuExportTables &Export...\n"
                                              "mnuImportTables &Import...\n"
+                                             "mnuRestoreSnapshot &Restore...\n"
+                                             "-\n"
                                              "mnuCompact &Compact...\n"
                                              "mnumnu Menu\n"
                                              "-\n"
@@ -72,6 +74,12 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuClip &Load Picture From Clipboard\n"
                                              "-\n"
                                              "mnuTI View Table  &Info");
+}
+
+TEST(CommandTableTest, ACommandIsNamedByItsCaption) {
+    EXPECT_EQ(NameOf(&CommandActions::purge_missing_tables).toStdString(), "Purge Missing Tables");
+    EXPECT_EQ(NameOf(&CommandActions::import_tables).toStdString(), "Import");
+    EXPECT_TRUE(NameOf(nullptr).isEmpty());
 }
 
 // True if the rule of the command with this name allows it in this state.
@@ -104,7 +112,8 @@ TEST(CommandTableTest, NothingElseDependsOnTheWindow) {
     for (const MenuLayout& menu : Menus())
         for (const MenuItem& item : menu.items)
             if (!IsAllowed(item.enabled_when, state)) refused.append(item.name.toString());
-    EXPECT_EQ(refused.join(u' ').toStdString(), "mnuDates mnuRest mnuSize mnuImportTables");
+    EXPECT_EQ(refused.join(u' ').toStdString(),
+              "mnuDates mnuRest mnuSize mnuImportTables mnuRestoreSnapshot");
 }
 
 // An action without a command would never run.

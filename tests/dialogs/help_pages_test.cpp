@@ -23,6 +23,7 @@ TEST(HelpPagesTest, EveryWindowsPageIsAmongTheSourcesOfTheHelpFile) {
         {"frmCRC", "crc.html"},
         {"frmImport", "import-launcher.html"},
         {"frmAbout", "about.html"},
+        {"RestoreDialog", "snapshots.html"},
     };
     QStringList windows;
     for (const auto& [window, page] : pages) {
