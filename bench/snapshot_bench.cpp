@@ -34,7 +34,8 @@ void Fill(bench::BenchCatalogue& made, int tables) {
                 if (columns[c].name == u"DisplayName")
                     row[c] = jet::Value::Text(name.toStdU16String());
                 if (columns[c].name == u"FileName")
-                    row[c] = jet::Value::Text((u"/tables/" + name + u".vpt").toStdU16String());
+                    row[c] = jet::Value::Text(
+                        QStringLiteral("/tables/%1.vpt").arg(name).toStdU16String());
                 if (columns[c].name == u"Notes") row[c] = jet::Value::Text(notes.toStdU16String());
             }
             RETURN_IF_ERROR(table->Insert(row).status());
