@@ -162,6 +162,16 @@ TEST_P(CompactFaultTest, WhatWasDoneSurvivesAPowerCut) {
 INSTANTIATE_TEST_SUITE_P(Starts, CompactFaultTest, testing::Bool(),
                          [](const auto& param) { return param.param ? "WithAJournal" : "Closed"; });
 
+TEST(CompactedFileTest, ASpareFileOfAnotherSizeIsReplaced) {
+    FaultyFileSystem files;
+    ASSERT_TRUE(CreateDatabaseFile(files, kPath, 40000.25).ok());
+    files.Put(kNewPath, FaultyFileSystem::Bytes(100 * 4096, std::byte{1}));
+    const auto report = CompactInPlace(files, kPath);
+    ASSERT_TRUE(report.ok()) << report.status().message();
+    EXPECT_EQ(files.Get(kPath).size(), report->bytes_after());
+    EXPECT_FALSE(files.Exists(kNewPath));
+}
+
 TEST(CompactedFileTest, WhoIsToldBeforeCanStillPreventIt) {
     FaultyFileSystem files;
     ASSERT_TRUE(CreateDatabaseFile(files, kPath, 40000.25).ok());

@@ -345,7 +345,8 @@ TEST_P(RepairTest, NoByteOfACataloguesRowCostsATable) {
         const auto page = DataPage::Parse(view.bytes(), file.format).value();
         for (std::size_t slot = 0; slot < page.slot_count(); ++slot) {
             const auto row = page.Bytes(slot).value();
-            if (std::ranges::search(row, name).begin() == row.end()) continue;
+            if (std::search(row.begin(), row.end(), name.begin(), name.end()) == row.end())
+                continue;
             ++rows;
             const std::size_t at = std::size_t{number} * PageSizeOf(bytes) +
                                    static_cast<std::size_t>(row.data() - view.bytes().data());
@@ -361,6 +362,84 @@ TEST_P(RepairTest, NoByteOfACataloguesRowCostsATable) {
         }
     }
     EXPECT_EQ(rows, 1);
+}
+
+TEST_P(RepairTest, ARowThatWasMovedFromALostPageComesBack) {
+    const FileBytes bytes = UsedFile(GetParam());
+    const std::uint32_t page_size = PageSizeOf(bytes);
+    const auto store = MakeMemoryPageStore(page_size, bytes);
+    // Both places are sound in the original; only the first is lost.
+    const auto rows = ReadTables(*store, nullptr).at("Games");
+    const FileContext file(*store, ReadPageHeader(store->Read(0).value().bytes(), "").value());
+    int moved_rows = 0;
+    for (PageNumber home = kRelationsPage + 1; home < store->page_count(); ++home) {
+        const PageView view = store->Read(home).value();
+        const auto page = HasType(view.bytes(), PageType::kData)
+                              ? DataPage::Parse(view.bytes(), file.format)
+                              : std::nullopt;
+        for (std::size_t slot = 0; page && slot < page->slot_count(); ++slot) {
+            if (page->Flags(slot) != kSlotMoved) continue;
+            const RowPointer to = LoadRowPointer(page->Bytes(slot)->data());
+            FileBytes damaged = bytes;
+            std::ranges::fill(std::span(damaged).subspan(std::size_t{home} * page_size, page_size),
+                              std::byte{0xDD});
+            const Repaired repaired = RepairBytes(damaged);
+            ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+            const auto found =
+                ReadTables(*MakeMemoryPageStore(page_size, repaired.bytes), nullptr).at("Games");
+            EXPECT_GT(rows.size(), found.size());
+            for (const TextOfRow& row : rows)
+                if (row.pages.contains(home) && row.pages.contains(to.page)) {
+                    ++moved_rows;
+                    EXPECT_TRUE(std::ranges::any_of(found, [&](const TextOfRow& other) {
+                        return other.text == row.text;
+                    })) << row.text.substr(0, 100);
+                }
+        }
+    }
+    EXPECT_GT(moved_rows, 0);
+}
+
+TEST_P(RepairTest, RowsWithoutADefinitionAreTold) {
+    const FileBytes bytes = UsedFile(GetParam());
+    const std::uint32_t page_size = PageSizeOf(bytes);
+    std::map<std::string, std::set<PageNumber>> definitions;
+    ReadTables(*MakeMemoryPageStore(page_size, bytes), &definitions);
+    const PageNumber games = *definitions.at("Games").begin();
+    FileBytes damaged = bytes;
+    std::ranges::fill(std::span(damaged).subspan(std::size_t{games} * page_size, page_size),
+                      std::byte{0xDD});
+    const Repaired repaired = RepairBytes(damaged);
+    ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+    const std::string told = "whose definition on page " + std::to_string(games);
+    EXPECT_TRUE(std::ranges::any_of(repaired.report.losses, [&](const RepairLoss& loss) {
+        return loss.reason.find(told) != std::string::npos;
+    }));
+}
+
+TEST_P(RepairTest, DamagedPropertiesAreTakenAwayAndTold) {
+    FaultyFileSystem files;
+    ASSERT_TRUE(CreateDatabaseFile(files, kFrom, 40000.25, GetParam()).ok());
+    Connection connection(files);
+    ASSERT_TRUE(connection.Open(u"Data Source=folder/damaged.mdb").ok());
+    ASSERT_TRUE(
+        connection.Execute(u"CREATE TABLE T (ID COUNTER PRIMARY KEY, N LONG DEFAULT 7)").ok());
+    ASSERT_TRUE(connection.Execute(u"INSERT INTO T (N) VALUES (5)").ok());
+    ASSERT_TRUE(connection.Close().ok());
+    FileBytes damaged = files.Get(kFrom);
+    const std::string_view signature = GetParam() == 4 ? "MR2" : "KKD";
+    const auto at = std::search(damaged.begin(), damaged.end(), signature.begin(), signature.end(),
+                                [](std::byte a, char b) { return a == static_cast<std::byte>(b); });
+    ASSERT_NE(at, damaged.end());
+    *at = std::byte{'X'};
+    const Repaired repaired = RepairBytes(damaged);
+    ASSERT_TRUE(repaired.status.ok()) << repaired.status.message();
+    ASSERT_EQ(repaired.report.loss_count, 1U);
+    EXPECT_EQ(repaired.report.losses[0].field, "LvProp");
+    EXPECT_EQ(ReadTables(*MakeMemoryPageStore(PageSizeOf(damaged), repaired.bytes), nullptr)
+                  .at("T")
+                  .size(),
+              1U);
 }
 
 TEST_P(RepairTest, ABrokenLongValueCostsItsFieldOnly) {
