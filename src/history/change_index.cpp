@@ -1,6 +1,7 @@
 #include "history/change_index.h"
 
 #include "jet/pages/journal_format.h"
+#include "jet/tables/automatic_change.h"
 
 #include <algorithm>
 
@@ -52,24 +53,34 @@ void ChangeIndex::Count(const jet::NotedRow& row, const jet::NoteTable& table, C
 }
 
 bool ChangeIndex::Add(std::span<const std::byte> note, Place place) {
-    auto reader = jet::NoteReader::Open(note);
+    auto reader = jet::NoteReader::Open(note, std::move(tables_));
     if (!reader.ok()) return false;
-    if (changes_.empty() || changes_.back().label.id != reader->label().id) {
+    const jet::ChangeLabel label = reader->label();
+    if (label.id != last_id_) {
+        reader = jet::NoteReader::Open(note);
+        if (!reader.ok()) return false;
+    }
+    const bool follows = !changes_.empty() && label.undoes == jet::kAutomaticChange;
+    if (label.id != last_id_ && !follows) {
         met_.clear();
-        Change change;
-        change.number = next_number_++;
-        change.label = reader->label();
-        changes_.push_back(std::move(change));
+        Change begun;
+        begun.number = next_number_++;
+        begun.label = label;
+        if (label.undoes == jet::kAutomaticChange) begun.label.undoes = 0;
+        changes_.push_back(std::move(begun));
         places_.emplace_back();
     }
+    last_id_ = label.id;
     Change& change = changes_.back();
     places_.back().push_back(place);
     change.missed += reader->missed_rows();
     jet::NotedRow row;
     for (;;) {
         const auto more = reader->Next(row);
-        if (!more.ok()) return false;
-        if (!*more) return true;
+        if (!more.ok() || !*more) {
+            tables_ = std::move(*reader).TakeTables();
+            return more.ok();
+        }
         Count(row, reader->tables()[row.table], change);
     }
 }

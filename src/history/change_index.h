@@ -38,7 +38,8 @@ public:
 
     explicit ChangeIndex(std::uint64_t first_number = 1) : next_number_(first_number) {}
 
-    // Takes a note in; notes of one change follow each other. False: it is damaged, and left out.
+    // Takes a note in; notes of one change follow each other, and what the program did by itself
+    // belongs to the change before. False: it is damaged, and left out.
     bool Add(std::span<const std::byte> note, Place place);
     // The oldest first.
     const std::vector<Change>& changes() const { return changes_; }
@@ -52,6 +53,8 @@ private:
     std::uint64_t next_number_;
     std::vector<Change> changes_;
     std::vector<std::vector<Place>> places_;
+    std::uint64_t last_id_ = 0;           // in the label of the newest note
+    std::vector<jet::NoteTable> tables_;  // that the notes with this id have told
     std::unordered_set<std::uint64_t>
         met_;  // rows of the newest change, by a checksum of their key
 };

@@ -44,18 +44,27 @@ void DropEqualCells(FoldedRow& row, bool has_key) {
 base::Result<FoldedChange> FoldedChange::Fold(std::vector<jet::Bytes> notes) {
     FoldedChange folded;
     folded.notes_ = std::move(notes);
+    std::vector<jet::NoteTable> told;
     for (const jet::Bytes& note : folded.notes_)
-        RETURN_IF_ERROR(folded.Add(note));
+        RETURN_IF_ERROR(folded.Add(note, told));
     return folded;
 }
 
-base::Status FoldedChange::Add(std::span<const std::byte> note) {
-    ASSIGN_OR_RETURN(jet::NoteReader reader, jet::NoteReader::Open(note));
+// `told`: the tables of the notes before, and then those of this one as well.
+base::Status FoldedChange::Add(std::span<const std::byte> note, std::vector<jet::NoteTable>& told) {
+    ASSIGN_OR_RETURN(jet::NoteReader reader, jet::NoteReader::Open(note, std::move(told)));
+    // What the program did by itself afterwards tells its tables anew.
+    if (std::exchange(last_id_, reader.label().id) != reader.label().id) {
+        ASSIGN_OR_RETURN(reader, jet::NoteReader::Open(note));
+    }
     std::vector<Place> places;
     jet::NotedRow row;
     for (;;) {
         ASSIGN_OR_RETURN(const bool more, reader.Next(row));
-        if (!more) return {};
+        if (!more) {
+            told = std::move(reader).TakeTables();
+            return {};
+        }
         while (places.size() < reader.tables().size())
             places.push_back(PlaceOf(reader.tables()[places.size()]));
         AddRow(row, places[row.table]);

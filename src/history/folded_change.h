@@ -58,7 +58,7 @@ private:
     using Rows = std::unordered_map<std::string, std::size_t>;  // by key, positions in rows_
 
     FoldedChange() = default;
-    base::Status Add(std::span<const std::byte> note);
+    base::Status Add(std::span<const std::byte> note, std::vector<jet::NoteTable>& told);
     Place PlaceOf(const jet::NoteTable& table);
     void AddRow(const jet::NotedRow& row, const Place& place);
     void Insert(FoldedRow row);
@@ -67,6 +67,7 @@ private:
     void AddNew(FoldedRow row);
 
     std::vector<jet::Bytes> notes_;  // that all cells point into
+    std::uint64_t last_id_ = 0;      // in the label of the note read last
     std::vector<jet::NoteTable> tables_;
     std::vector<FoldedRow> rows_;
     Rows present_;  // by the key that the row has now

@@ -26,6 +26,7 @@ protected:
         TreeFixture::SetUp();
         AddTable(S(u"Alpha"), S(u"/tables/alpha.vpt"));
         AddTable(S(u"Beta"), S(u"/tables/beta.vpt"));
+        catalogue::UpgradeCatalogue(catalogue);  // gives them their dates
         ASSERT_TRUE(connection->Close().ok());
         history = std::make_unique<HistoryFile>(*files, DatabasePath().toStdU16String());
         connection->UseNotes(history.get());
@@ -75,7 +76,7 @@ TEST_F(HistoryWindowTest, WithoutChangesThereIsNothingToPutBack) {
 }
 
 TEST_F(HistoryWindowTest, ShowsTheNewestChangeFieldByField) {
-    RunNamed(u"Edit", u"Update Tables set [Year] = '1988', Author = 'Me' where ID = 2");
+    RunNamed(u"Edit", u"Update Tables set Author = 'Me', [Year] = '1988' where ID = 2");
     RunNamed(u"Purge", u"Delete from Tables where ID = 1");
     Open();
     ASSERT_EQ(Lines(u"tblChanges"), 2);
@@ -89,7 +90,7 @@ TEST_F(HistoryWindowTest, ShowsTheNewestChangeFieldByField) {
 }
 
 TEST_F(HistoryWindowTest, TextAndFieldNarrowTheLinesDown) {
-    RunNamed(u"Edit", u"Update Tables set [Year] = '1988', Author = 'Me'");
+    RunNamed(u"Edit", u"Update Tables set Author = 'Me', [Year] = '1988'");
     Open();
     EXPECT_EQ(Lines(u"tblFields"), 4);
     auto* const field = window->findChild<QComboBox*>(S(u"cboField"));
@@ -102,7 +103,7 @@ TEST_F(HistoryWindowTest, TextAndFieldNarrowTheLinesDown) {
 }
 
 TEST_F(HistoryWindowTest, PutsBackAFieldATableOrAll) {
-    RunNamed(u"Edit", u"Update Tables set [Year] = '1988', Author = 'Me'");
+    RunNamed(u"Edit", u"Update Tables set Author = 'Me', [Year] = '1988'");
     Open();
     View(u"tblFields").selectRow(1);
     Click(u"cmdField");

@@ -1,6 +1,8 @@
 // Putting changes back, one fact each.
 #include "history_fixture.h"
 
+#include "jet/tables/automatic_change.h"
+
 namespace history::test {
 namespace {
 
@@ -282,6 +284,29 @@ TEST_F(PutBackTest, AChangeThatIsNotThereIsNotFound) {
     InsertMany(1);
     EXPECT_EQ(PutBack(*connection_, *history_, 99, u"Undo").status().code(),
               base::StatusCode::kNotFound);
+}
+
+// As the start of the program dates new rows: undone with what it follows, never by itself.
+TEST_F(PutBackTest, WhatTheProgramDoesByItselfBelongsToTheChangeBefore) {
+    InsertMany(1);
+    const Content before = Rows();
+    InsertMany(3);
+    const auto stamp = [this] {
+        const jet::NamedChange named(*connection_, u"Stamp", jet::kAutomaticChange);
+        Run(u"UPDATE Games SET Notes = 'stamped' WHERE Notes IS NULL AND ID > 1");
+    };
+    stamp();
+    const Content after = Rows();
+    ASSERT_EQ(Changes().size(), 2U);
+    EXPECT_EQ(Changes().back().rows(), 3U);
+    EXPECT_TRUE(UndoLast().refusals.empty());
+    EXPECT_EQ(Rows(), before);
+    stamp();
+    EXPECT_EQ(OrderOf(Changes()).redo.size(), 1U);
+    EXPECT_TRUE(UndoLast().refusals.empty());
+    EXPECT_EQ(Rows(), after);
+    Reopen();
+    EXPECT_EQ(Changes().size(), 4U);
 }
 
 TEST_F(PutBackTest, HistorySurvivesARestart) {

@@ -75,8 +75,10 @@ base::Result<Value> NoteTable::Decode(std::size_t column, const NotedCell& cell)
 
 // ------------------------------------------------------------------------------------- reading
 
-base::Result<NoteReader> NoteReader::Open(std::span<const std::byte> note) {
+base::Result<NoteReader> NoteReader::Open(std::span<const std::byte> note,
+                                          std::vector<NoteTable> known) {
     NoteReader reader(note);
+    reader.tables_ = std::move(known);
     RETURN_IF_ERROR(reader.ReadHead());
     return reader;
 }
@@ -193,11 +195,8 @@ base::Result<bool> NoteReader::Next(NotedRow& row) {
         std::uint64_t table = 0;
         if (!ReadNumber(table)) return DamagedNote();
         if (is_table) {
-            // Met again after Seek.
-            const bool is_known = table < tables_.size();
-            if (table > tables_.size()) return DamagedNote();
+            if (table != tables_.size()) return DamagedNote();
             RETURN_IF_ERROR(ReadTable());
-            if (is_known) tables_.pop_back();
             continue;
         }
         if (table >= tables_.size()) return DamagedNote();

@@ -68,22 +68,23 @@ struct NotedRow {
 // Reads the rows of one note in their order. The bytes must outlive the reader and what it gives.
 class NoteReader {
 public:
-    // kCorruption: not a note.
-    static base::Result<NoteReader> Open(std::span<const std::byte> note);
+    // `known`: the tables that earlier notes of the same change have told, as their readers had
+    // them at the end. kCorruption: not a note.
+    static base::Result<NoteReader> Open(std::span<const std::byte> note,
+                                         std::vector<NoteTable> known = {});
 
     const ChangeLabel& label() const { return label_; }
     // Rows whose content could not be read when they were changed; nothing is known of them.
     std::uint32_t missed_rows() const { return missed_rows_; }
-    // Those met so far.
+    // Those met so far, the known ones first.
     const std::vector<NoteTable>& tables() const { return tables_; }
+    // To be called at the end: for the next note of the change.
+    std::vector<NoteTable> TakeTables() && { return std::move(tables_); }
 
     // False: the end. kCorruption: the rest cannot be read.
     base::Result<bool> Next(NotedRow& row);
-    // Where the next row is; a reader may be put back there.
+    // How many bytes of the note have been read.
     std::size_t position() const { return note_.size() - rest_.size(); }
-    // Requires: `position` was answered by position() of a reader of this note that had met no more
-    // tables than this one.
-    void Seek(std::size_t position) { rest_ = note_.subspan(position); }
 
 private:
     explicit NoteReader(std::span<const std::byte> note) : note_(note), rest_(note) {}
@@ -108,7 +109,7 @@ enum class NoteTag : std::uint8_t {
     kInserted = 1,  // as RowChange
     kDeleted = 2,
     kUpdated = 3,
-    kTable = 4,  // a table that was not met before
+    kTable = 4,  // a table that no note of the change has told yet
 };
 
 // A number in groups of seven bits, the lowest first, the highest bit of each byte set but in the

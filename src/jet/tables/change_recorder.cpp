@@ -101,7 +101,7 @@ const ChangeRecorder::Known& ChangeRecorder::TableOf(const RecordedTable& table)
     const auto [found, is_new] = tables_.try_emplace(table.definition.page);
     Known& known = found->second;
     if (!is_new) return known;
-    known.number = tables_.size() - 1;
+    known.number = next_number_++;
     known.key = PrimaryKeyOf(table.definition);
     known.every.resize(table.definition.columns.size());
     std::iota(known.every.begin(), known.every.end(), std::size_t{0});
@@ -175,9 +175,28 @@ void ChangeRecorder::AppendDifferences(const Known& known, std::span<const std::
 void ChangeRecorder::Clear() {
     rows_.clear();
     if (rows_.capacity() > (1U << 20)) rows_.shrink_to_fit();
-    tables_.clear();
     count_ = 0;
     missed_ = 0;
+}
+
+void ChangeRecorder::Begin(std::uint64_t change) {
+    if (change == change_) return;
+    change_ = change;
+    tables_.clear();
+    next_number_ = told_numbers_ = 0;
+}
+
+void ChangeRecorder::NoteCommitted() {
+    told_numbers_ = next_number_;
+    Clear();
+}
+
+// The numbers that no note tells are given out again.
+void ChangeRecorder::Forget() {
+    std::erase_if(tables_,
+                  [this](const auto& entry) { return entry.second.number >= told_numbers_; });
+    next_number_ = told_numbers_;
+    Clear();
 }
 
 }  // namespace jet

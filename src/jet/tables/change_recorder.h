@@ -43,22 +43,32 @@ public:
     // The rows so far, as they stand in a note behind its head.
     const Bytes& rows() const { return rows_; }
     std::uint32_t missed() const { return missed_; }
-    // Forgets everything: the transaction has ended.
-    void Clear();
+    // A transaction of the change with this id begins. Notes of one change tell each table once.
+    void Begin(std::uint64_t change);
+    // The note with what there is has been committed.
+    void NoteCommitted();
+    // The transaction has ended without a note.
+    void Forget();
+    // The table's design has changed.
+    void ForgetTable(PageNumber definition) { tables_.erase(definition); }
 
 private:
     struct Known {
-        std::uint64_t number = 0;        // in this note
+        std::uint64_t number = 0;        // in the notes of this change
         std::vector<std::size_t> key;    // positions in definition.columns
         std::vector<std::size_t> every;  // all positions, where there is no key
     };
     const Known& TableOf(const RecordedTable& table);
     std::span<const std::size_t> Looked(const Known& known,
                                         std::span<const std::size_t> columns) const;
+    void Clear();
     void AppendDifferences(const Known& known, std::span<const std::size_t> columns);
 
     Bytes rows_;
+    std::uint64_t change_ = 0;
     std::map<PageNumber, Known> tables_;  // by definition page
+    std::uint64_t next_number_ = 0;
+    std::uint64_t told_numbers_ = 0;  // those below are told by notes that were committed
     std::size_t count_ = 0;
     std::uint32_t missed_ = 0;
     // Of the update that was begun: key cells, then the cells of its columns; whether they could be

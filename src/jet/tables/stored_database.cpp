@@ -1,6 +1,7 @@
 #include "jet/tables/stored_database.h"
 
 #include "jet/errors.h"
+#include "jet/tables/automatic_change.h"
 
 namespace jet {
 
@@ -57,33 +58,41 @@ void StoredDatabase::UseRowRules(std::unique_ptr<const RowRuleMaker> maker) {
 base::Status StoredDatabase::Begin() {
     changed_.clear();
     ++changes_;
+    if (recorder_) {
+        label_ = labels_ ? labels_() : ChangeLabel();
+        recorder_->Begin(label_.id);
+    }
     return pages_->Begin();
 }
 
 base::Status StoredDatabase::Commit() {
-    base::Status status = pages_->Commit(MakeNote());
+    Bytes note = MakeNote();
+    const bool has_note = !note.empty();
+    base::Status status = pages_->Commit(std::move(note));
     if (!status.ok()) {
         Rollback();
         return status;
     }
     changed_.clear();
-    if (recorder_) recorder_->Clear();
+    if (has_note)
+        recorder_->NoteCommitted();
+    else if (recorder_)
+        recorder_->Forget();
     return status;
 }
 
 // A change that takes another one back is told even when it changes no row.
 Bytes StoredDatabase::MakeNote() {
-    if (!recorder_) return {};
-    const ChangeLabel label = labels_ ? labels_() : ChangeLabel();
-    if (recorder_->empty() && label.undoes == 0) return {};
-    Bytes note = NoteHead(label, file_.text, recorder_->missed());
+    const bool is_undo = label_.undoes != 0 && label_.undoes != kAutomaticChange;
+    if (!recorder_ || (recorder_->empty() && !is_undo)) return {};
+    Bytes note = NoteHead(label_, file_.text, recorder_->missed());
     note.insert(note.end(), recorder_->rows().begin(), recorder_->rows().end());
     return note;
 }
 
 void StoredDatabase::Rollback() {
     pages_->Rollback();
-    if (recorder_) recorder_->Clear();
+    if (recorder_) recorder_->Forget();
     file_.allocator.Forget();
     if (!changed_.empty()) catalog_.Forget();
     for (const PageNumber page : changed_)

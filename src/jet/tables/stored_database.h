@@ -117,6 +117,7 @@ private:
     Catalog catalog_;
     std::unique_ptr<ChangeRecorder> recorder_;        // nullptr: changes are not recorded
     std::function<ChangeLabel()> labels_;             // empty: changes have no label
+    ChangeLabel label_;                               // of the open transaction, if it is recorded
     std::unique_ptr<const RowRuleMaker> rule_maker_;  // nullptr: not known yet
     std::map<PageNumber, std::unique_ptr<StoredTable>> tables_;  // by definition page
     std::uint64_t changes_ = 0;

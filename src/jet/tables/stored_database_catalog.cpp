@@ -32,6 +32,7 @@ base::Result<TableDefinition> StoredDatabase::ReadDefinition(const CatalogEntry&
 }
 
 void StoredDatabase::ForgetTable(PageNumber definition) {
+    if (recorder_) recorder_->ForgetTable(definition);
     tables_.erase(definition);
     changed_.insert(definition);
 }

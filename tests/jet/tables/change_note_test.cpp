@@ -31,15 +31,18 @@ std::string TextOf(const NoteTable& table, std::size_t column, const NotedCell& 
 }
 
 // A line for each row: "Games -(1) Name=Taxi ...", "Games *(1) Name=Taxi>Fathom".
-std::vector<std::string> Told(const Bytes& note) {
+std::vector<std::string> Told(const Bytes& note, std::vector<NoteTable>* known = nullptr) {
     std::vector<std::string> lines;
-    auto reader = NoteReader::Open(note);
+    auto reader = NoteReader::Open(note, known != nullptr ? *known : std::vector<NoteTable>());
     if (!reader.ok()) return {reader.status().message()};
     NotedRow row;
     for (;;) {
         const auto more = reader->Next(row);
         if (!more.ok()) lines.push_back(more.status().message());
-        if (!more.ok() || !*more) return lines;
+        if (!more.ok() || !*more) {
+            if (known != nullptr) *known = std::move(*reader).TakeTables();
+            return lines;
+        }
         const NoteTable& table = reader->tables()[row.table];
         std::string line = base::ToUtf8(table.name) + " ";
         line += row.change == RowChange::kUpdated   ? "*"
@@ -203,6 +206,33 @@ TEST_F(ChangeNoteTest, TheOutermostNameNamesTheChange) {
     EXPECT_EQ(labels[1], labels[0]);
     EXPECT_EQ(labels[2], (ChangeLabel{labels[2].id, 0, 46000.25, u""}));
     EXPECT_NE(labels[2].id, labels[0].id);
+}
+
+// Notes of one change tell each table once, as it is then; a note that was not committed tells
+// none.
+TEST_F(ChangeNoteTest, EachTableIsToldOnceInAChange) {
+    Run(u"CREATE UNIQUE INDEX ByName ON Games (Name)");
+    {
+        const NamedChange named(connection_, u"Insert");
+        EXPECT_FALSE(connection_.Execute(u"INSERT INTO Games (ID) VALUES ('no')").ok());
+        Run(u"INSERT INTO Games (Name) VALUES ('a')");
+        EXPECT_FALSE(connection_.Execute(u"INSERT INTO Games (Name) VALUES ('a')").ok());
+        Run(u"INSERT INTO Games (Name) VALUES ('b')");
+        Run(u"ALTER TABLE Games ADD COLUMN Extra LONG");
+        Run(u"UPDATE Games SET Extra = 1");
+        Run(u"UPDATE Games SET Extra = 2 WHERE Name = 'a'");
+    }
+    ASSERT_TRUE(connection_.Flush().ok());
+    ASSERT_EQ(kept_.notes.size(), 4U);
+    EXPECT_LT(kept_.notes[1].size() + 30, kept_.notes[0].size());
+    std::vector<NoteTable> known;
+    std::vector<std::string> lines;
+    for (const Bytes& note : kept_.notes)
+        for (std::string& line : Told(note, &known))
+            lines.push_back(std::move(line));
+    ASSERT_EQ(lines.size(), 5U);
+    EXPECT_EQ(lines[4], "Games *(1) Extra=1>2");
+    EXPECT_EQ(known.size(), 2U);
 }
 
 // A note cut at any place, and one with any byte changed, gives rows or a status.
