@@ -14,6 +14,7 @@
 #include "discovery/frmsearch.h"
 #include "exchange/table_exchange.h"
 #include "history/history_file.h"
+#include "jet/connection.h"
 #include "maintenance/backup.h"
 #include "maintenance/compact.h"
 #include "maintenance/file_dates.h"
@@ -90,7 +91,11 @@ maintenance::CommandContext Commands::Context() {
 browser::CommandActions Commands::Actions() {
     return {
         .scan_for_tables =
-            [this] { discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec(); },
+            [this] {
+                Watched([this] {
+                    discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec();
+                });
+            },
         .set_executable = [this] { AskForExecutable(); },
         .reset_file_dates = [this] { maintenance::UpdateFileDates(Context()); },
         .reset_times_played = [this] { maintenance::ResetTimesPlayed(Context()); },
@@ -99,8 +104,8 @@ browser::CommandActions Commands::Actions() {
                 maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
             },
         .update_crcs = [this] { UpdateCrcs(); },
-        .import_from_table_files = [this] { ImportFromTableFiles(); },
-        .import_launcher_data = [this] { ImportLauncherData(); },
+        .import_from_table_files = [this] { Watched([this] { ImportFromTableFiles(); }); },
+        .import_launcher_data = [this] { Watched([this] { ImportLauncherData(); }); },
         .purge_missing_tables = [this] { maintenance::PurgeMissingTables(Context()); },
         .back_up = [this] { maintenance::BackupData(Context(), window_.windowTitle()); },
         .show_help =
@@ -113,7 +118,10 @@ browser::CommandActions Commands::Actions() {
         .view_table_info = [this] { ViewTableInfo(); },
         .export_tables =
             [this] { exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()); },
-        .import_tables = [this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); },
+        .import_tables =
+            [this] {
+                Watched([this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); });
+            },
         .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
     };
@@ -145,6 +153,12 @@ void Commands::Restore() {
     snapshots::RestoreDialog({catalogue_, keeper_, prompts_, refresh_tree_}, &window_).exec();
 }
 
+void Commands::Watched(const std::function<void()>& run) {
+    if (watch_.before) watch_.before();
+    run();
+    if (watch_.after) watch_.after();
+}
+
 void Commands::UpdateCrcs() {
     window_.TellInPassing(checksum::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
 }
@@ -173,6 +187,7 @@ void Commands::ViewTableInfo() {
 void Commands::LoadPicture() {
     if (!window_.TableIsSelected()) return;
     const auto assign = [this](const QString& path) {
+        const jet::NamedChange named(*catalogue_.CatalogueConnection, u"Load Picture");
         window_.details().SetDetailText(catalogue::kImageFile, path);
         window_.details().Save();
     };

@@ -50,6 +50,14 @@ public:
     // False: a command is at work, a dialog is open, or a record is changed and not yet stored.
     bool MayTakeTables() const;
 
+    // What is called before and after the commands that replace fields of many tables: scan and
+    // imports.
+    struct Watch {
+        std::function<void()> before;
+        std::function<void()> after;
+    };
+    void SetWatch(Watch watch) { watch_ = std::move(watch); }
+
 private:
     // Lets windows be painted while a command works on the catalogue.
     class PaintEvents final : public platform::UserEvents {
@@ -62,6 +70,8 @@ private:
         bool is_processing_ = false;
     };
 
+    // `run` between the two calls of the watch.
+    void Watched(const std::function<void()>& run);
     browser::CommandActions Actions();
     // Lets the commands that change many rows make a snapshot before they begin.
     void MakeSnapshotsBefore(browser::CommandActions& actions);
@@ -90,6 +100,7 @@ private:
     snapshots::SnapshotKeeper& keeper_;
     browser::frmPinball& window_;
     std::function<void()> refresh_tree_;
+    Watch watch_;
     browser::SplashDisplay splash_;
     dialogs::QtUserEvents events_;
     PaintEvents held_back_events_;

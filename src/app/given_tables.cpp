@@ -2,6 +2,7 @@
 
 #include "catalogue/path_names.h"
 #include "discovery/folder_scan.h"
+#include "jet/connection.h"
 #include "platform/error_numbers.h"
 #include "platform/files.h"
 #include "tableinfo/update_from_table_files.h"
@@ -11,6 +12,7 @@ namespace app {
 base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
                                           platform::UserEvents& events,
                                           const catalogue::Progress& progress) {
+    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Add Tables");
     discovery::UnwatchedScan observer;
     discovery::FolderScan scan(catalogue, events, observer);
     if (platform::FolderExists(path))

@@ -1,6 +1,7 @@
 // tavolo: creates the program's objects and connects them.
 #include "app/arguments.h"
 #include "app/commands.h"
+#include "app/edit_commands.h"
 #include "app/given_paths.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
@@ -27,6 +28,7 @@
 #include <QtWidgets/QStyleFactory>
 
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -80,9 +82,13 @@ int RunProgram(const app::Arguments& arguments) {
     const auto files = platform::MakeFileSystem();
     const auto settings = platform::MakeSettingsStore();
     platform::SystemClock clock;
+    // The connection tells it what changes.
+    std::optional<history::HistoryFile> history;
     jet::Connection connection(*files);
     catalogue::Catalogue catalogue{&connection, &values, settings.get(), &clock};
     dialogs::QtUserPrompts prompts;
+    history.emplace(*files, platform::ToPath(catalogue::CataloguePath(catalogue)));
+    connection.UseNotes(&*history);
     const QString given =
         arguments.tables.isEmpty() ? QString() : platform::AbsolutePath(arguments.tables);
     const base::Status opened = catalogue::Main(catalogue);
@@ -98,6 +104,9 @@ int RunProgram(const app::Arguments& arguments) {
     const auto windows = platform::MakeWindowControl();
     app::Commands commands(catalogue, prompts, {*shell, *programs, *sounds, *windows}, keeper,
                            window);
+    app::EditCommands edit_commands(catalogue, *history, prompts, window);
+    commands.SetWatch(
+        {[&] { edit_commands.RememberNewest(); }, [&] { edit_commands.TellReplaced(); }});
     window.Load();
     window.show();
     keeper.StartClock();

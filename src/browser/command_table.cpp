@@ -54,6 +54,11 @@ constexpr MenuItem kData[] = {
 };
 
 constexpr MenuItem kEdit[] = {
+    {u"mnuUndo", u"&Undo", &A::undo, kAlways, false, 0, u"Ctrl+Z"},
+    {u"mnuRedo", u"Re&do", &A::redo, kAlways, false, 0, u"Ctrl+Shift+Z"},
+    kSeparator,
+    {u"mnuHistory", u"&History...", &A::show_history},
+    kSeparator,
     {u"mnuRestoreSnapshot", u"&Restore...", &A::restore, EnabledWhen::kRulesTextIsNotShown},
     kSeparator,
     {u"mnuCompact", u"&Compact...", &A::compact},

@@ -39,6 +39,9 @@ struct CommandActions {
     Action view_table_info{};
     Action export_tables{};
     Action import_tables{};
+    Action undo{};
+    Action redo{};
+    Action show_history{};
     Action restore{};
     Action compact{};
 };
@@ -68,6 +71,8 @@ struct MenuItem {
     EnabledWhen enabled_when = EnabledWhen::kAlways;
     bool checkable = false;
     int key = 0;  // the Qt::Key whose release runs the command; 0: none
+    // Keys that run it unless the focus has its own use for them; empty: none.
+    QStringView shortcut{};
 };
 
 struct MenuLayout {

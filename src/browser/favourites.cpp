@@ -19,6 +19,7 @@ base::Result<FavoritesToggle> ToggleFavorites(jet::Connection& connection,
                                               const ShownSelection& shown) {
     if (shown.tree_is_empty || shown.tag == kDetailTag) return FavoritesToggle{};
     const QString sql = ToggleStatement(shown.favorite_checked, shown.text);
+    const jet::NamedChange named(connection, u"Toggle Favorites");
     const auto updated = connection.Execute(sql.toStdU16String());
     if (!updated.ok()) return updated.status();
     return FavoritesToggle{.done = true,

@@ -161,6 +161,39 @@ void frmPinball::ConnectCommands() {
             menu_->ApplyRules(
                 {.current_tab = details_->CurrentTab(), .window_is_normal = IsNormal()});
         });
+    ConnectEditMenu();
+}
+
+// Undo and redo say what they would take back. Closed, the menu leaves them to their keys, which
+// tell when there is nothing.
+void frmPinball::ConnectEditMenu() {
+    const auto offer = [this](CommandId command, const QString& verb, const QString& caption,
+                              bool is_offered) {
+        QString shown = caption;
+        shown.replace(u'&', QLatin1String("&&"));
+        const QString text = caption.isEmpty() ? verb : verb + u' ' + shown;
+        menu_->Offer(command, text, is_offered);
+    };
+    connect(menu_->Menu(kEditMenu), &QMenu::aboutToShow, this, [this, offer] {
+        const UndoCaptions captions = undo_captions_ ? undo_captions_() : UndoCaptions();
+        offer(&CommandActions::undo, QStringLiteral("&Undo"), captions.undo,
+              !captions.undo.isEmpty());
+        offer(&CommandActions::redo, QStringLiteral("Re&do"), captions.redo,
+              !captions.redo.isEmpty());
+    });
+    connect(menu_->Menu(kEditMenu), &QMenu::aboutToHide, this, [this] {
+        // The entry that was chosen is triggered behind this.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                menu_->ApplyRules({details_->CurrentTab(), IsNormal()});
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void frmPinball::SetUndoCaptions(std::function<UndoCaptions()> captions) {
+    undo_captions_ = std::move(captions);
 }
 
 void frmPinball::SetActions(const CommandActions& actions) {
@@ -243,6 +276,13 @@ void frmPinball::RefreshTree() {
     selection_->RefreshTree();
 }
 
+void frmPinball::ShowChangedRows() {
+    const QString selected = TableIsSelected() ? SelectedTag() : QString();
+    RefreshTree();
+    if (!selected.isNull())
+        tree_->SelectTable([&](const QString& file_name) { return file_name == selected; });
+}
+
 QString frmPinball::SelectedTag() const {
     return tree_->SelectedTag();
 }
@@ -292,8 +332,8 @@ void frmPinball::TellInPassing(const base::Status& failure) {
     if (!failure.ok()) status_->ShowInPassing(catalogue::FailureText(failure));
 }
 
-void frmPinball::TellResult(const QString& text) {
-    status_->ShowInPassing(text);
+void frmPinball::TellResult(const QString& text, std::function<void()> clicked) {
+    status_->ShowInPassing(text, std::move(clicked));
 }
 
 void frmPinball::RememberSelectedNode() {

@@ -26,6 +26,12 @@ class OrderBar;
 class SelectionController;
 class StatusPanels;
 
+// What the Edit menu offers to undo and to redo, "Purge (3,412 tables)"; empty: nothing.
+struct UndoCaptions {
+    QString undo;
+    QString redo;
+};
+
 class frmPinball : public QMainWindow, private DetailHost {
     Q_OBJECT
 
@@ -45,6 +51,8 @@ public:
     // Set how a table is played, and how the sound of the play button is played.
     void SetPlayTable(TreeController::PlayTable play);
     void SetPlaySound(launcher::PlayButton::Sound sound);
+    // `captions` is asked each time the Edit menu opens.
+    void SetUndoCaptions(std::function<UndoCaptions()> captions);
     // `unload` is called when the window closes, before the catalogue is closed.
     void SetBeforeUnload(std::function<void()> unload);
 
@@ -67,11 +75,15 @@ public:
     void ShowProgress(std::int64_t done, std::int64_t total);
     // A command is at work; what it has to paint lets events through.
     bool shows_progress() const;
+    // Runs the selection again, as rows were changed behind it, and selects the same table if it is
+    // still there.
+    void ShowChangedRows();
     // Shows a failure that stops nothing in the status bar for 15 seconds. Does nothing when it is
     // ok.
     void TellInPassing(const base::Status& failure);
-    // Shows what a command has done, there and for the same time.
-    void TellResult(const QString& text);
+    // Shows what a command has done, there and for the same time; a click on it calls `clicked`, if
+    // that is not empty.
+    void TellResult(const QString& text, std::function<void()> clicked = {});
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -86,6 +98,7 @@ private:
     QWidget* CreateTreePane();
     void CreateControllers();
     void ConnectCommands();
+    void ConnectEditMenu();
     CommandActions OwnActions();
 
     // Steps of Load.
@@ -127,6 +140,7 @@ private:
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;
     std::function<void()> before_unload_;
+    std::function<UndoCaptions()> undo_captions_;
     bool unloaded_ = false;
 };
 

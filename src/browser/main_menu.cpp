@@ -34,6 +34,7 @@ void MainMenu::Add(QMenu& menu, const MenuItem& item) {
     action->setObjectName(item.name.toString());
     if (action->isSeparator()) return;
     action->setCheckable(item.checkable);
+    if (!item.shortcut.isEmpty()) action->setShortcut(QKeySequence(item.shortcut.toString()));
     action->setEnabled(false);
     if (item.action == nullptr) return;  // a heading
     entries_.push_back({&item, action});
@@ -84,6 +85,13 @@ bool MainMenu::IsEnabled(CommandId command) const {
 
 void MainMenu::UpdateEnabled(const Entry& entry) {
     entry.action->setEnabled(entry.run && entry.allowed);
+}
+
+void MainMenu::Offer(CommandId command, const QString& caption, bool is_offered) {
+    Entry& entry = Find(command);
+    entry.action->setText(caption);
+    entry.allowed = is_offered;
+    UpdateEnabled(entry);
 }
 
 void MainMenu::SetChecked(CommandId command, bool checked) {

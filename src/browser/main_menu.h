@@ -38,6 +38,10 @@ public:
     void ApplyRules(const MainWindowState& state);
     bool IsEnabled(CommandId command) const;
 
+    // Another caption than that of the table, and whether the command is offered now (until the
+    // rules are applied again).
+    void Offer(CommandId command, const QString& caption, bool is_offered);
+
     void SetChecked(CommandId command, bool checked);
     bool IsChecked(CommandId command) const;
 

@@ -40,6 +40,10 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     prgLoad_->setMaximumHeight(14);
     addWidget(prgLoad_, 1);
     prgLoad_->hide();
+    connect(this, &QStatusBar::messageChanged, this, [this] {
+        clicked_ = {};
+        unsetCursor();
+    });
 }
 
 void StatusPanels::SetPanelText(int panel, const QString& text) {
@@ -52,8 +56,16 @@ void StatusPanels::ShowFailure(const base::Status& failure) {
     SetPanelText(kNamePanel, catalogue::FailureText(failure));
 }
 
-void StatusPanels::ShowInPassing(const QString& text) {
+void StatusPanels::ShowInPassing(const QString& text, std::function<void()> clicked) {
     showMessage(text, kInPassingMs);
+    clicked_ = std::move(clicked);
+    if (clicked_) setCursor(Qt::PointingHandCursor);
+}
+
+void StatusPanels::mouseReleaseEvent(QMouseEvent* event) {
+    QStatusBar::mouseReleaseEvent(event);
+    // A copy: what is called may show another message.
+    if (const auto clicked = clicked_; clicked && !currentMessage().isEmpty()) clicked();
 }
 
 void StatusPanels::StartProgress(std::int64_t steps) {

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 
 class QLabel;
 class QProgressBar;
@@ -31,8 +32,9 @@ public:
     void SetPanelText(int panel, const QString& text);
     // Shows a failure in place of the table's name, until the next table is shown.
     void ShowFailure(const base::Status& failure);
-    // Shows a text over all panels for 15 seconds.
-    void ShowInPassing(const QString& text);
+    // Shows a text over all panels for 15 seconds; a click on it meanwhile calls `clicked`, if that
+    // is not empty.
+    void ShowInPassing(const QString& text, std::function<void()> clicked = {});
 
     // Shows the progress bar instead of the panels; `steps` is the total number of steps.
     void StartProgress(std::int64_t steps);
@@ -42,7 +44,11 @@ public:
     void EndProgress();
     bool in_progress() const { return in_progress_; }
 
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
 private:
+    std::function<void()> clicked_;  // while its message is shown
     std::array<QLabel*, kPanelCount> panels_{};
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;

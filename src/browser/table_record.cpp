@@ -2,6 +2,7 @@
 
 #include "catalogue/field_text.h"
 #include "catalogue/quoting.h"
+#include "jet/connection.h"
 #include "jet/errors.h"
 #include "platform/files.h"
 
@@ -110,6 +111,7 @@ std::optional<DetailField> FirstMissingFile(const TableRecord& record) {
 }
 
 base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& record) {
+    const jet::NamedChange named(connection, u"Edit");
     jet::Recordset rows;
     RETURN_IF_ERROR(OpenById(connection, record.fields[kId], rows));
     return WriteRow(rows, [&](EmptyText empty) {
@@ -119,6 +121,7 @@ base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& rec
 }
 
 base::Status SaveRulesText(jet::Connection& connection, const QString& id, const QString& text) {
+    const jet::NamedChange named(connection, u"Edit Rules");
     jet::Recordset rows;
     RETURN_IF_ERROR(OpenById(connection, id, rows));
     return WriteRow(rows, [&](EmptyText empty) {
@@ -127,6 +130,7 @@ base::Status SaveRulesText(jet::Connection& connection, const QString& id, const
 }
 
 base::Status DeleteRecord(jet::Connection& connection, const QString& id) {
+    const jet::NamedChange named(connection, u"Delete");
     const QString sql = QStringLiteral("Delete from tables where ID = ") + id;
     const auto done = connection.Execute(sql.toStdU16String());
     return done.ok() ? base::Status() : done.status();

@@ -7,6 +7,7 @@
 #include "catalogue/program_settings.h"
 #include "catalogue/quoting.h"
 #include "jet/connection.h"
+#include "jet/tables/automatic_change.h"
 #include "platform/application_folder.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -40,6 +41,7 @@ void AddMissingColumns(jet::Connection& connection) {
 }
 
 void StampUndatedRows(jet::Connection& connection, const QString& today) {
+    const jet::NamedChange named(connection, u"Date New Tables", jet::kAutomaticChange);
     const QString statement = QStringLiteral("Update tables set DateAdded = '") + QuoteSql(today) +
                               QStringLiteral("' Where (isNull(DateAdded) or DateAdded = '')");
     connection.Execute(statement.toStdU16String()).status().Ignore();

@@ -4,6 +4,7 @@
 #include "catalogue/progress_meter.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
+#include "jet/connection.h"
 #include "jet/recordset.h"
 #include "platform/files.h"
 
@@ -55,6 +56,7 @@ bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                          const std::function<void(const QString& line)>& show,
                          const catalogue::Progress& progress) {
+    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Update CRC's");
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
                               *catalogue.CatalogueConnection, jet::CursorType::kKeyset,

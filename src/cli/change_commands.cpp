@@ -40,12 +40,17 @@ int RunChange(Program& program, const char* command,
     const base::Status changed = change(**opened);
     // What was done before a failure stays, and is told.
     const base::Status told = report->Finish(connection);
-    return Finish(program, {changed, told, (*opened)->Close()});
+    const base::Status closed = (*opened)->Close();
+    // Stops nothing.
+    const base::Status kept = (*opened)->history().TakeFailure();
+    if (!kept.ok()) program.console.Complain(kept);
+    return Finish(program, {changed, told, closed});
 }
 
 base::Status Scan(Program& program, OpenedCatalogue& opened, const QString& folder) {
     platform::NoUserEvents events;
     discovery::UnwatchedScan observer;
+    const jet::NamedChange named(opened.connection(), discovery::kScanName);
     discovery::FolderScan scan(opened.get(), events, observer);
     RETURN_IF_ERROR(scan.Run(folder));
     RETURN_IF_ERROR(scan.start_listing());
@@ -129,6 +134,7 @@ int RunSet(Program& program) {
     if (!taken.ok()) return FailUsage(program.console, taken);
     auto opened = OpenedCatalogue::Open(program, AccessForChanges(program));
     if (!opened.ok()) return Fail(program, opened.status());
+    const jet::NamedChange named((*opened)->connection(), u"Edit");
     const auto report =
         ImportAndTell(program, (*opened)->connection(), assignments, {.update_only = true});
     base::Status done = report.ok() ? FirstProblem(*report) : report.status();

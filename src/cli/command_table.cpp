@@ -206,6 +206,14 @@ constexpr Example kImportExamples[] = {
     {"tavolo-cli export | tavolo-cli import -",
      "sends the whole catalogue through a pipe and changes nothing"}};
 
+constexpr Option kHistoryOptions[] = {kJsonOption};
+constexpr Example kHistoryExamples[] = {
+    {"tavolo-cli history | tail -n 5", "lists the five newest changes"}};
+constexpr Operand kUndoOperands[] = {{.name = "NUMBER", .is_optional = true}};
+constexpr Option kUndoOptions[] = {{.name = "redo", .help = "take the last undo back instead"}};
+constexpr Example kUndoExamples[] = {{"tavolo-cli undo", "takes back what was changed last"},
+                                     {"tavolo-cli undo --redo", "makes that change again"}};
+
 constexpr Option kCommonOptions[] = {
     {.name = "folder",
      .letter = 'C',
@@ -307,6 +315,23 @@ constexpr Command kCommands[] = {
      "--ignore-unknown is given.\n\nA dry run works on a copy in memory and tells every cell that "
      "would be changed.",
      kImportOperands, kImportOptions, kImportExamples, RunImport},
+    {"history",
+     "list what was changed",
+     "Lists the changes of the catalogue, the oldest first, one a line: number, time, name, rows "
+     "and changed fields, with tabs between them. Every command of the program that changes tables "
+     "is a change; the newest changes that fit into 200 MB are kept.\n\nJSON is one object: "
+     "\"schema\" is 1, and \"changes\" has an object for each change.",
+     {},
+     kHistoryOptions,
+     kHistoryExamples,
+     RunHistory},
+    {"undo", "take a change back",
+     "Takes back the change that was made last and was not taken back yet, or the one with this "
+     "number of history. A field gets what it held before only if it still holds what the change "
+     "wrote; a table that was removed comes back with its ID if that is free; one that was added "
+     "goes only if nothing in it was changed since. What stays as it is is told, with status 1. An "
+     "undo is a change, too.",
+     kUndoOperands, kUndoOptions, kUndoExamples, RunUndo},
     {"backup",
      "copy the catalogue to pinball.BU",
      "Copies pinball.mdb to pinball.BU beside it, as \"Backup Data\" does. The backup before is "

@@ -23,5 +23,7 @@ int RunRestore(Program& program);
 int RunPlay(Program& program);
 int RunExport(Program& program);
 int RunImport(Program& program);
+int RunHistory(Program& program);
+int RunUndo(Program& program);
 
 }  // namespace cli

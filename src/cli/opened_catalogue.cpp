@@ -20,6 +20,10 @@ base::Result<std::unique_ptr<OpenedCatalogue>> OpenedCatalogue::Open(Program& pr
     std::unique_ptr<OpenedCatalogue> opened(new OpenedCatalogue(program));
     jet::FileSystem& files = program.outside.files;
     catalogue::PrepareValues(opened->catalogue_);
+    if (access == Access::kWrite)
+        catalogue::PrepareFirstStart(opened->values_.ApplicationFolder, program.outside.folders);
+    opened->history_ = std::make_unique<history::HistoryFile>(
+        files, platform::ToPath(catalogue::CataloguePath(opened->catalogue_)));
     switch (access) {
     case Access::kRead:
         RETURN_IF_ERROR(opened->OpenForReading(files));
@@ -33,7 +37,7 @@ base::Result<std::unique_ptr<OpenedCatalogue>> OpenedCatalogue::Open(Program& pr
         break;
     }
     case Access::kWrite:
-        catalogue::PrepareFirstStart(opened->values_.ApplicationFolder, program.outside.folders);
+        opened->connection_->UseNotes(opened->history_.get());
         RETURN_IF_ERROR(catalogue::Main(opened->catalogue_));
         break;
     }

@@ -4,6 +4,7 @@
 #include "catalogue/catalogue.h"
 #include "catalogue/process_values.h"
 #include "cli/program.h"
+#include "history/history_file.h"
 #include "jet/connection.h"
 
 #include <memory>
@@ -23,6 +24,8 @@ public:
 
     catalogue::Catalogue& get() { return catalogue_; }
     jet::Connection& connection() { return *connection_; }
+    // What was changed in it; kWrite: by this command as well.
+    history::HistoryFile& history() { return *history_; }
     // Makes everything durable.
     base::Status Close() { return connection_->Close(); }
 
@@ -32,6 +35,7 @@ private:
     base::Status OpenCopy(jet::FileSystem& files, const QString& name);
 
     catalogue::ProcessValues values_;
+    std::unique_ptr<history::HistoryFile> history_;  // outlives the connection
     std::unique_ptr<jet::Connection> connection_;
     catalogue::Catalogue catalogue_;
 };

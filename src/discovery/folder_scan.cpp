@@ -21,6 +21,7 @@ FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& ev
       known_(*catalogue.CatalogueConnection) {}
 
 base::Status FolderScan::Run(const QString& folder) {
+    const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     found_count_ = 0;
     added_ids_.clear();
     queue_.clear();

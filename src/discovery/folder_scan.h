@@ -48,6 +48,9 @@ public:
     void TableAdded(const QString&, const QString&) override {}
 };
 
+// What a scan is called among the changes, with the update from the table files that follows it.
+inline constexpr const char16_t* kScanName = u"Scan for New Tables";
+
 class FolderScan {
 public:
     // All three are borrowed and outlive the scan.

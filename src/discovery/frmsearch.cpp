@@ -1,6 +1,7 @@
 #include "discovery/frmsearch.h"
 
 #include "catalogue/error_report.h"
+#include "jet/connection.h"
 #include "tableinfo/update_from_table_files.h"
 
 #include <QtCore/QCoreApplication>
@@ -90,6 +91,7 @@ void frmsearch::Scan() {
     idle_ = false;
     found_count_ = 0;
     cmdgo_->hide();
+    const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     base::Status done = WalkFolders();
     idle_ = true;
     if (done.ok()) done = ReadTableInformation();

@@ -2,6 +2,7 @@
 
 #include "base/unicode.h"
 #include "catalogue/error_report.h"
+#include "jet/connection.h"
 #include "jet/sql/expressions/bind.h"
 #include "jet/tables/database.h"
 #include "jet/values/coerce.h"
@@ -271,6 +272,7 @@ Result<ImportReport> ImportRows(jet::Connection& connection, RowSource& source,
         return Status(base::StatusCode::kInvalidArgument, "The catalogue is closed.");
     ASSIGN_OR_RETURN(jet::Table * table, connection.database()->FindTable(u"Tables"));
     std::vector<jet::Value> defaults = Defaults(connection, table->design());
+    const jet::NamedChange named(connection, u"Import");
     Status outcome = Status(base::StatusCode::kInvalidArgument, "not begun");
     ImportReport report;
     const Status done = connection.Change([&](jet::Database&) -> Status {

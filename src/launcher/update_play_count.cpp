@@ -5,6 +5,7 @@
 namespace launcher {
 
 base::Status UpdatePlayCount(jet::Connection& connection, qint64 id) {
+    const jet::NamedChange named(connection, u"Play");
     const QString statement =
         QStringLiteral("UPDATE Tables SET Tables.TimesPlayed = [Tables]![TimesPlayed]+1, "
                        "Tables.LastPlayed = Format(Now(),'mm/dd/yyyy hh:nn:ss') "

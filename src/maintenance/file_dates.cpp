@@ -31,6 +31,7 @@ base::Status StoreFileDate(jet::Recordset& rows) {
 
 void UpdateFileDates(CommandContext context) {
     if (!UserAgrees(context.prompts)) return;
+    const jet::NamedChange named(*context.catalogue.CatalogueConnection, u"Reset File Dates");
     // Catalogues of early versions hold the column with another type; on all others this fails or
     // changes nothing.
     if (const auto altered = context.catalogue.CatalogueConnection->Execute(

@@ -5,6 +5,7 @@
 #include "catalogue/path_names.h"
 #include "catalogue/process_values.h"
 #include "catalogue/typed_values.h"
+#include "jet/connection.h"
 #include "maintenance/launcher_statements.h"
 #include "maintenance/match_index.h"
 #include "maintenance/text_lines.h"
@@ -111,6 +112,7 @@ void LauncherImport::ReadFile(const QString& path, const QString& date_condition
         catalogue::ShowError(prompts_, lines.status());
         return;
     }
+    const jet::NamedChange named(*catalogue_.CatalogueConnection, u"Import VPLauncher Data");
     const MatchIndex index(*catalogue_.CatalogueConnection, date_condition);
     while (const auto line = lines->Next())
         ImportLine(*line, index, date_condition);

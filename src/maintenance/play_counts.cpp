@@ -15,6 +15,7 @@ constexpr QStringView kQuestion =
 
 void ResetTimesPlayed(CommandContext context) {
     if (!ConfirmChange(context.prompts, kQuestion.toString())) return;
+    const jet::NamedChange named(*context.catalogue.CatalogueConnection, u"Reset Times Played");
     const auto done = context.catalogue.CatalogueConnection->Execute(
         u"UPDATE Tables SET Tables.TimesPlayed = 0, lastplayed = NULL ");
     catalogue::ShowError(context.prompts, done.status());

@@ -2,6 +2,7 @@
 
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
+#include "jet/connection.h"
 #include "maintenance/confirm_change.h"
 #include "maintenance/row_walk.h"
 #include "platform/files.h"
@@ -24,6 +25,7 @@ base::Status DeleteWhenMissing(jet::Recordset& rows) {
 
 void PurgeMissingTables(CommandContext context) {
     if (!ConfirmChange(context.prompts, kQuestion.toString())) return;
+    const jet::NamedChange named(*context.catalogue.CatalogueConnection, u"Purge");
     catalogue::ShowError(context.prompts, WalkRows(context, QStringLiteral("Select * from Tables"),
                                                    DeleteWhenMissing));
     context.refresh_tree();

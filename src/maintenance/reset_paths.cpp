@@ -2,6 +2,7 @@
 
 #include "catalogue/field_text.h"
 #include "catalogue/path_names.h"
+#include "jet/connection.h"
 #include "jet/recordset.h"
 
 namespace maintenance {
@@ -48,6 +49,7 @@ base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& 
     const QString column = PathColumn(kind);
     if (column.isEmpty())
         return {base::StatusCode::kInvalidArgument, "Unknown kind of path: " + kind.toStdString()};
+    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Reset Paths");
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * from tables", *catalogue.CatalogueConnection,
                               jet::CursorType::kStatic, jet::LockType::kOptimistic));

@@ -4,6 +4,7 @@
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
 #include "catalogue/quoting.h"
+#include "jet/connection.h"
 #include "jet/recordset.h"
 #include "tableinfo/storage_tools.h"
 
@@ -115,6 +116,7 @@ base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_prog
                                   platform::StatusDisplay* status,
                                   const catalogue::Progress& progress) {
     const bool shows = show_progress == 1;
+    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Import Data from VPTs");
     base::Status done = UpdateRows(*catalogue.CatalogueConnection, shows ? status : nullptr,
                                    shows ? progress : catalogue::Progress());
     if (status) status->Unload();

@@ -2,6 +2,7 @@
 // fake world outside.
 #include "app/commands.h"
 
+#include "app/edit_commands.h"
 #include "app/given_paths.h"
 #include "browser/command_table.h"
 #include "browser/frmSplash.h"
@@ -56,6 +57,7 @@ protected:
             *files, snapshots::DatabaseOf(catalogue), clock);
         commands = std::make_unique<Commands>(
             catalogue, prompts, OutsideWorld{shell, programs, sounds, windows}, *keeper, *window);
+        edit_commands = std::make_unique<EditCommands>(catalogue, history, prompts, *window);
         window->Load();
         window->show();
     }
@@ -98,6 +100,8 @@ protected:
     std::unique_ptr<snapshots::SnapshotKeeper> keeper;
     std::unique_ptr<browser::frmPinball> window;
     std::unique_ptr<Commands> commands;
+    history::HistoryFile history{*files, "no.mdb"};
+    std::unique_ptr<EditCommands> edit_commands;
 };
 
 TEST_F(CommandsTest, EveryItemOfTheMenusDoesSomething) {

@@ -1,0 +1,105 @@
+#include "app/edit_commands.h"
+
+#include "browser/detail_tabs.h"
+#include "catalogue/error_report.h"
+#include "history/change_names.h"
+#include "history/frmHistory.h"
+#include "history/refusals_text.h"
+
+namespace app {
+namespace {
+
+constexpr int kFailuresEveryMs = 1000;
+QString Text(const std::u16string& text) {
+    return QString::fromStdU16String(text);
+}
+
+}  // namespace
+
+EditCommands::EditCommands(catalogue::Catalogue& catalogue, history::HistoryFile& file,
+                           platform::UserPrompts& prompts, browser::frmPinball& window)
+    : catalogue_(catalogue), file_(file), undo_redo_(*catalogue.CatalogueConnection, file),
+      prompts_(prompts), window_(window) {
+    browser::CommandActions actions;
+    actions.undo = [this] { Undo(); };
+    actions.redo = [this] { Redo(); };
+    actions.show_history = [this] { ShowHistory(); };
+    window_.SetActions(actions);
+    window_.SetUndoCaptions([this] { return Captions(); });
+    QObject::connect(&failures_, &QTimer::timeout, &window_, [this] { TellFailure(); });
+    failures_.start(kFailuresEveryMs);
+}
+
+void EditCommands::TellFailure() {
+    window_.TellInPassing(file_.TakeFailure());
+}
+
+// 0: there is none.
+std::uint64_t EditCommands::Newest() {
+    if (!catalogue_.CatalogueConnection->Flush().ok()) return 0;
+    const auto changes = file_.Changes();
+    return changes.ok() && !changes->empty() ? changes->back().number : 0;
+}
+
+void EditCommands::RememberNewest() {
+    newest_ = Newest();
+}
+
+void EditCommands::TellReplaced() {
+    if (Newest() <= newest_) return;
+    const auto changes = file_.Changes();
+    if (!changes.ok() || changes->empty() || changes->back().fields == 0) return;
+    const history::Change& change = changes->back();
+    window_.TellResult(Text(history::DisplayName(change)) + QStringLiteral(": ") +
+                           Text(history::GroupedNumber(change.fields)) +
+                           (change.fields == 1
+                                ? QStringLiteral(" field replaced. Click to see it.")
+                                : QStringLiteral(" fields replaced. Click to see them.")),
+                       [this] { ShowHistory(); });
+}
+
+browser::UndoCaptions EditCommands::Captions() {
+    const auto ahead = undo_redo_.LookAhead();
+    if (!ahead.ok()) {
+        window_.TellInPassing(ahead.status());
+        return {};
+    }
+    const auto caption = [](const auto& next) { return next ? Text(next->caption) : QString(); };
+    return {caption(ahead->undo), caption(ahead->redo)};
+}
+
+// A text that is being written would be lost when the details are shown anew.
+bool EditCommands::MayChangeRows() {
+    if (window_.details().CurrentTab() != browser::kRulesTextTab) return true;
+    window_.TellResult(QStringLiteral("Not while the rules text is shown"));
+    return false;
+}
+
+void EditCommands::Undo() {
+    if (MayChangeRows()) Show(undo_redo_.Undo(), QStringLiteral("There is nothing to undo"));
+}
+
+void EditCommands::Redo() {
+    if (MayChangeRows()) Show(undo_redo_.Redo(), QStringLiteral("There is nothing to redo"));
+}
+
+void EditCommands::ShowHistory() {
+    if (!MayChangeRows()) return;
+    history::frmHistory(
+        catalogue_, file_, prompts_, [this] { window_.ShowChangedRows(); }, &window_)
+        .exec();
+}
+
+void EditCommands::Show(const base::Result<std::optional<history::UndoRedo::Done>>& done,
+                        const QString& nothing) {
+    if (!done.ok()) return catalogue::ShowError(prompts_, done.status());
+    if (!*done) return window_.TellResult(nothing);
+    window_.ShowChangedRows();
+    window_.TellResult(Text((*done)->caption));
+    const QString refusals = history::RefusalsText((*done)->result.refusals);
+    if (refusals.isEmpty()) return;
+    prompts_.Ask({refusals, Text((*done)->caption), platform::MessageIcon::kInformation,
+                  platform::MessageButtons::kOk});
+}
+
+}  // namespace app
