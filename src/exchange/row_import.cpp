@@ -191,11 +191,12 @@ private:
             if (places_[i] == all_columns_.size() || row.cells[i].kind == Cell::Kind::kAbsent)
                 continue;
             auto value = ValueOf(row.cells[i], table_.design().columns[places_[i]]);
-            if (value.ok())
-                given_[places_[i]] = std::move(value).value();
-            else
+            if (!value.ok()) {
                 Note({row.line, value.status().message()});
-            fits = fits && value.ok();
+                fits = false;
+                continue;
+            }
+            given_[places_[i]] = std::move(value).value();
         }
         return fits;
     }
