@@ -170,7 +170,7 @@ base::Result<Restored> Restore(jet::FileSystem& files, SnapshotStore& store, Byt
     GiveNewMark(state, page_size);
     const std::filesystem::path written = NewName(database);
     base::Status done = WriteState(files, written, state);
-    base::Result<Restored> kept = done;
+    base::Result<Restored> kept = Restored();
     if (done.ok()) {
         kept = KeepToday(files, store, today, now);
         done = kept.status();
