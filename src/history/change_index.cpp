@@ -60,8 +60,8 @@ bool ChangeIndex::Add(std::span<const std::byte> note, Place place) {
         reader = jet::NoteReader::Open(note);
         if (!reader.ok()) return false;
     }
-    const bool follows = !changes_.empty() && label.undoes == jet::kAutomaticChange;
-    if (label.id != last_id_ && !follows) {
+    const bool continues = label.id == last_id_ || label.undoes == jet::kAutomaticChange;
+    if (changes_.empty() || !continues) {
         met_.clear();
         Change begun;
         begun.number = next_number_++;
