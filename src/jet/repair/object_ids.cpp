@@ -10,8 +10,6 @@
 namespace jet {
 namespace {
 
-constexpr std::uint32_t kRootContainer = 0x0F000000;
-
 // Tables in which Access keeps more about objects, by columns of these names.
 constexpr std::array<std::u16string_view, 2> kTablesAboutObjects = {u"MSysNavPaneObjectIDs",
                                                                     u"MSysNameMap"};
@@ -63,7 +61,7 @@ bool ObjectIds::RenewPermission(CopiedField& id) const {
     if (RenewTableId(id)) return true;
     if (!id.set || id.bytes.size() != sizeof(PageNumber)) return false;
     const auto object = base::LoadLittle<std::uint32_t>(id.bytes.data());
-    return object == kRootContainer || objects_.contains(object);
+    return object == static_cast<std::uint32_t>(kRootContainer) || objects_.contains(object);
 }
 
 bool ObjectIds::Renew(const TableDefinition& table, std::u16string_view name,

@@ -13,30 +13,6 @@
 namespace jet {
 namespace {
 
-constexpr std::int32_t kRootContainer = 0x0F000000;
-constexpr std::int32_t kDatabasesContainer = 0x0F000002;
-constexpr std::int16_t kContainer = 3;
-constexpr auto kEngineObject = static_cast<std::int32_t>(0x80000000);
-
-struct Standard {
-    std::int32_t id;
-    std::int32_t parent;
-    const char16_t* name;
-    std::int16_t type;
-};
-
-// What every file has.
-constexpr Standard kStandard[] = {
-    {kTablesContainer, kRootContainer, u"Tables", kContainer},
-    {kDatabasesContainer, kRootContainer, u"Databases", kContainer},
-    {kRelationsContainer, kRootContainer, u"Relationships", kContainer},
-    {0x10000000, kDatabasesContainer, u"MSysDb", 2},
-    {kObjectsPage, kTablesContainer, u"MSysObjects", kObjectIsTable},
-    {kAccessPage, kTablesContainer, u"MSysACEs", kObjectIsTable},
-    {kQueriesPage, kTablesContainer, u"MSysQueries", kObjectIsTable},
-    {kRelationsPage, kTablesContainer, u"MSysRelationships", kObjectIsTable},
-};
-
 bool IsStandard(const TableDefinition& table, const TableDefinition& standard) {
     if (table.columns.size() != standard.columns.size() ||
         table.columns_ever != standard.columns_ever ||
@@ -70,7 +46,7 @@ public:
             Take(at, std::move(row));
             return base::Status();
         }));
-        for (const Standard& object : kStandard)
+        for (const StandardObject& object : StandardObjects())
             if (!ids_.contains(object.id))
                 Make(object.id, object.parent, object.name, object.type, kEngineObject);
         NameForgottenTables();
@@ -99,7 +75,7 @@ private:
         if (object.type == kObjectIsTable && !HasDefinition(object.id))
             return Lose(at, text + ": the definition of the table cannot be used");
         const bool is_standard = std::ranges::any_of(
-            kStandard, [&](const Standard& known) { return known.id == object.id; });
+            StandardObjects(), [&](const StandardObject& known) { return known.id == object.id; });
         if (object.name.empty() || IsNameTaken(object) || (is_standard && !IsAsStandard(object)))
             return Lose(at, text + ": its name is damaged or taken");
         if (!ids_.insert(object.id).second) return Lose(at, text + ": another one has its id");
@@ -121,7 +97,7 @@ private:
                !IsGivenBack(file_, page);
     }
     static bool IsAsStandard(const Object& object) {
-        return std::ranges::any_of(kStandard, [&](const Standard& known) {
+        return std::ranges::any_of(StandardObjects(), [&](const StandardObject& known) {
             return known.id == object.id && known.parent == object.parent &&
                    known.type == object.type && SameName(known.name, object.name);
         });
@@ -132,7 +108,7 @@ private:
                    SameName(other.name, object.name);
         };
         return std::ranges::any_of(catalogue_.objects, same) ||
-               std::ranges::any_of(kStandard, same);
+               std::ranges::any_of(StandardObjects(), same);
     }
 
     CopiedField& Field(CopiedRow& row, std::uint16_t column) const {

@@ -17,33 +17,6 @@
 namespace jet {
 namespace {
 
-constexpr std::int32_t kRootContainer = 0x0F000000;
-constexpr std::int32_t kDatabasesContainer = 0x0F000002;
-constexpr std::int32_t kDatabaseDocument = 0x10000000;
-constexpr auto kEngineObject = static_cast<std::int32_t>(0x80000000);
-
-struct ObjectRow {
-    std::int32_t id;
-    std::int32_t parent;
-    const char16_t* name;
-    std::int16_t type;
-    std::uint16_t owner;
-};
-
-constexpr std::int16_t kContainer = 3;
-constexpr std::int16_t kDocument = 2;
-
-constexpr ObjectRow kObjects[] = {
-    {kTablesContainer, kRootContainer, u"Tables", kContainer, kSidEngine},
-    {kDatabasesContainer, kRootContainer, u"Databases", kContainer, kSidEngine},
-    {kRelationsContainer, kRootContainer, u"Relationships", kContainer, kSidEngine},
-    {kDatabaseDocument, kDatabasesContainer, u"MSysDb", kDocument, kSidAdmin},
-    {kObjectsPage, kTablesContainer, u"MSysObjects", kObjectIsTable, kSidEngine},
-    {kAccessPage, kTablesContainer, u"MSysACEs", kObjectIsTable, kSidEngine},
-    {kQueriesPage, kTablesContainer, u"MSysQueries", kObjectIsTable, kSidEngine},
-    {kRelationsPage, kTablesContainer, u"MSysRelationships", kObjectIsTable, kSidEngine},
-};
-
 struct AccessRow {
     std::int32_t object;
     std::uint16_t sid;
@@ -162,7 +135,7 @@ base::Status FillPages(FileContext& file, double now) {
                                page == pages.objects_rows ? kObjectsPage : kAccessPage);
     }
     Filler objects(file, tables[0]);
-    for (const ObjectRow& row : kObjects)
+    for (const StandardObject& row : StandardObjects())
         RETURN_IF_ERROR(
             objects.Insert({Value::Long(row.id), Value::Long(row.parent), Value::Text(row.name),
                             Value::Short(row.type), Value::DateTime(now), Value::DateTime(now),

@@ -1,6 +1,7 @@
 #include "jet/tables/system_tables.h"
 
 #include "jet/rows/field_codec.h"
+#include "jet/tables/catalog.h"
 
 namespace jet {
 namespace {
@@ -177,6 +178,22 @@ Bytes SidBytes(std::uint16_t sid) {
     Bytes bytes(2);
     base::StoreLittle(bytes.data(), sid);
     return bytes;
+}
+
+std::span<const StandardObject> StandardObjects() {
+    constexpr std::int16_t kContainer = 3;
+    constexpr std::int16_t kDocument = 2;
+    static constexpr StandardObject kObjects[] = {
+        {kTablesContainer, kRootContainer, u"Tables", kContainer, kSidEngine},
+        {kDatabasesContainer, kRootContainer, u"Databases", kContainer, kSidEngine},
+        {kRelationsContainer, kRootContainer, u"Relationships", kContainer, kSidEngine},
+        {kDatabaseDocument, kDatabasesContainer, u"MSysDb", kDocument, kSidAdmin},
+        {kObjectsPage, kTablesContainer, u"MSysObjects", kObjectIsTable, kSidEngine},
+        {kAccessPage, kTablesContainer, u"MSysACEs", kObjectIsTable, kSidEngine},
+        {kQueriesPage, kTablesContainer, u"MSysQueries", kObjectIsTable, kSidEngine},
+        {kRelationsPage, kTablesContainer, u"MSysRelationships", kObjectIsTable, kSidEngine},
+    };
+    return kObjects;
 }
 
 }  // namespace jet

@@ -45,6 +45,22 @@ enum RelationColumn : std::uint16_t {
 // MSysObjects, MSysACEs, MSysQueries, MSysRelationships of a new file of the version: no rows yet.
 std::vector<TableDefinition> SystemTables(int version);
 
+inline constexpr std::int32_t kRootContainer = 0x0F000000;
+inline constexpr std::int32_t kDatabasesContainer = 0x0F000002;
+inline constexpr std::int32_t kDatabaseDocument = 0x10000000;
+// The flags of objects that are the engine's own.
+inline constexpr auto kEngineObject = static_cast<std::int32_t>(0x80000000);
+
+// What MSysObjects of every file has.
+struct StandardObject {
+    std::int32_t id;
+    std::int32_t parent;
+    const char16_t* name;
+    std::int16_t type;
+    std::uint16_t owner;  // a user, below
+};
+std::span<const StandardObject> StandardObjects();
+
 // The two-byte names of the users every file knows.
 inline constexpr std::uint16_t kSidEngine = 0x0302;  // bytes 02 03
 inline constexpr std::uint16_t kSidCreator = 0x0402;
