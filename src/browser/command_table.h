@@ -44,6 +44,9 @@ struct CommandActions {
     Action show_history{};
     Action restore{};
     Action compact{};
+    Action find{};
+    Action find_next{};
+    Action find_previous{};
 };
 
 // Identifies a command by its action; nullptr: no command.
@@ -71,7 +74,7 @@ struct MenuItem {
     EnabledWhen enabled_when = EnabledWhen::kAlways;
     bool checkable = false;
     int key = 0;  // the Qt::Key whose release runs the command; 0: none
-    // Keys that run it unless the focus has its own use for them; empty: none.
+    // Keys that run it unless the focus has its own use for them, separated by "; "; empty: none.
     QStringView shortcut{};
 };
 

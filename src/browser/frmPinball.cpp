@@ -1,5 +1,7 @@
 #include "browser/frmPinball.h"
 
+#include "browser/find_bar.h"
+#include "browser/find_controller.h"
 #include "browser/order_bar.h"
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
@@ -96,6 +98,7 @@ QWidget* frmPinball::CreateTopBar() {
 
 QWidget* frmPinball::CreateTreePane() {
     auto* pane = new QWidget(this);
+    find_bar_ = new FindBar(pane);
     tvwDB_ = new TableTreeView(model_, pane);
     cmdPlay_ = new launcher::PlayButton(*catalogue_.values, pane);
     auto* caption = new QLabel(QStringLiteral("Notes:"), pane);
@@ -111,6 +114,7 @@ QWidget* frmPinball::CreateTreePane() {
     auto* rows = new QVBoxLayout(pane);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(kMargin / 2);
+    rows->addWidget(find_bar_);
     rows->addWidget(tvwDB_, 1);
     rows->addWidget(caption);
     rows->addWidget(lblComments_);
@@ -128,6 +132,26 @@ void frmPinball::CreateControllers() {
                                                                    *tvwDB_, *details_, *filter_bar_,
                                                                    *menu_->Menu(kPopupMenu)},
                                              host);
+    CreateFind();
+}
+
+void frmPinball::CreateFind() {
+    const auto select = [this](std::size_t table) {
+        tree_->SelectTableNode(NumberOf({table, std::nullopt}));
+    };
+    const auto may_select = [this] {
+        return !details_->record_changed() && !shows_progress() &&
+               QApplication::activeModalWidget() == nullptr;
+    };
+    find_ = std::make_unique<FindController>(
+        FindController::Parts{model_, *tvwDB_, *find_bar_},
+        FindController::Actions{select, [this] { menu_->Run(&CommandActions::play); }, may_select});
+}
+
+CommandActions frmPinball::FindActions() {
+    return {.find = [this] { find_->Open(); },
+            .find_next = [this] { find_->Next(); },
+            .find_previous = [this] { find_->Previous(); }};
 }
 
 // The other actions are set by SetActions.
@@ -152,6 +176,7 @@ CommandActions frmPinball::OwnActions() {
 // Connects buttons and menus to the commands; eventFilter does it for keys.
 void frmPinball::ConnectCommands() {
     menu_->SetActions(OwnActions());
+    menu_->SetActions(FindActions());
     connect(cmdPlay_, &QPushButton::clicked, this, [this] { menu_->Run(&CommandActions::play); });
     connect(details_, &DetailPanel::ViewTableInfoClicked, this,
             [this] { menu_->Run(&CommandActions::view_table_info); });
@@ -361,6 +386,7 @@ void frmPinball::LockForEdit(bool changed) {
     const bool enabled = !changed;
     filter_bar_->setEnabled(enabled);
     order_bar_->LockRefresh(changed);
+    find_bar_->setEnabled(enabled);
     tvwDB_->setEnabled(enabled);
     cmdPlay_->setEnabled(enabled);
     menu_->SetMenuEnabled(kFileMenu, enabled);

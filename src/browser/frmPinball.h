@@ -22,6 +22,8 @@ class QSplitter;
 
 namespace browser {
 
+class FindBar;
+class FindController;
 class OrderBar;
 class SelectionController;
 class StatusPanels;
@@ -97,9 +99,11 @@ private:
     QWidget* CreateTopBar();
     QWidget* CreateTreePane();
     void CreateControllers();
+    void CreateFind();
     void ConnectCommands();
     void ConnectEditMenu();
     CommandActions OwnActions();
+    CommandActions FindActions();
 
     // Steps of Load.
     void RestoreWindow(const MainWindowSettings& settings);
@@ -131,6 +135,7 @@ private:
     std::unique_ptr<MainMenu> menu_;
     FilterBar* filter_bar_ = nullptr;
     OrderBar* order_bar_ = nullptr;
+    FindBar* find_bar_ = nullptr;
     TableTreeView* tvwDB_ = nullptr;
     QLabel* lblComments_ = nullptr;
     launcher::PlayButton* cmdPlay_ = nullptr;
@@ -139,6 +144,7 @@ private:
     QSplitter* splitter_ = nullptr;
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;
+    std::unique_ptr<FindController> find_;
     std::function<void()> before_unload_;
     std::function<UndoCaptions()> undo_captions_;
     bool unloaded_ = false;

@@ -34,7 +34,8 @@ void MainMenu::Add(QMenu& menu, const MenuItem& item) {
     action->setObjectName(item.name.toString());
     if (action->isSeparator()) return;
     action->setCheckable(item.checkable);
-    if (!item.shortcut.isEmpty()) action->setShortcut(QKeySequence(item.shortcut.toString()));
+    if (!item.shortcut.isEmpty())
+        action->setShortcuts(QKeySequence::listFromString(item.shortcut.toString()));
     action->setEnabled(false);
     if (item.action == nullptr) return;  // a heading
     entries_.push_back({&item, action});

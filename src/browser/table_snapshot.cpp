@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <optional>
+#include <limits>
 
 namespace browser {
 namespace {
@@ -23,6 +23,13 @@ constexpr std::array<DetailColumn, kDetailCount> kDetails = {{
     {u"Date Added: ", u"DateAdded"},
 }};
 
+std::int32_t CountOf(const jet::Value& value) {
+    if (value.is_null()) return 0;
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(jet::ToInteger(value), Limits::min(), Limits::max()));
+}
+
 }  // namespace
 
 // Indexes of the columns in the query's rows; nullopt for a column that an old read-only catalogue
@@ -33,7 +40,8 @@ struct TableSnapshot::Columns {
     explicit Columns(const jet::Recordset& rows)
         : id(Find(rows, u"ID")), display_name(Find(rows, u"DisplayName")),
           file_name(Find(rows, u"FileName")), favorite(Find(rows, u"Favorite")),
-          pinmame(Find(rows, u"PinMame")) {
+          pinmame(Find(rows, u"PinMame")), version(Find(rows, u"Version")),
+          times_played(Find(rows, u"TimesPlayed")) {
         for (std::size_t detail = 0; detail < details.size(); ++detail)
             details[detail] = Find(rows, kDetails[detail].column);
     }
@@ -56,6 +64,8 @@ struct TableSnapshot::Columns {
     Place file_name;
     Place favorite;
     Place pinmame;
+    Place version;
+    Place times_played;
     std::array<Place, kDetailCount> details;
 };
 
@@ -86,19 +96,28 @@ void TableSnapshot::KeepDetail(Row& row, int detail, const jet::Value& value) {
                                                   (static_cast<unsigned>(kind) << (2 * detail)));
 }
 
-QString TableSnapshot::DetailLine(std::size_t table, int detail) const {
+QString TableSnapshot::DetailText(std::size_t table, int detail) const {
     const Row& row = rows_[table];
     const std::uint64_t kept = row.details[static_cast<std::size_t>(detail)];
-    QString label = DetailLabel(detail);
-    switch (static_cast<DetailKind>((row.detail_kinds >> (2 * detail)) & 3)) {
+    switch (KindOf(row, detail)) {
     case DetailKind::kDate:
-        return label + catalogue::FieldText(jet::Value::DateTime(std::bit_cast<double>(kept)));
+        return catalogue::FieldText(jet::Value::DateTime(std::bit_cast<double>(kept)));
     case DetailKind::kText:
-        return label + Text(std::bit_cast<TextStore::Reference>(kept));
+        return Text(std::bit_cast<TextStore::Reference>(kept));
     case DetailKind::kNull:
         break;
     }
-    return label;
+    return {};
+}
+
+std::optional<double> TableSnapshot::DetailDate(std::size_t table, int detail) const {
+    const Row& row = rows_[table];
+    if (KindOf(row, detail) != DetailKind::kDate) return std::nullopt;
+    return std::bit_cast<double>(row.details[static_cast<std::size_t>(detail)]);
+}
+
+QString TableSnapshot::DetailLine(std::size_t table, int detail) const {
+    return DetailLabel(detail) + DetailText(table, detail);
 }
 
 base::Status TableSnapshot::AddRow(jet::Recordset& rows, const Columns& columns) {
@@ -108,7 +127,11 @@ base::Status TableSnapshot::AddRow(jet::Recordset& rows, const Columns& columns)
     ASSIGN_OR_RETURN(const jet::Value file, Columns::ValueOf(rows, columns.file_name));
     ASSIGN_OR_RETURN(const jet::Value favorite, Columns::ValueOf(rows, columns.favorite));
     ASSIGN_OR_RETURN(const jet::Value pinmame, Columns::ValueOf(rows, columns.pinmame));
+    ASSIGN_OR_RETURN(const jet::Value version, Columns::ValueOf(rows, columns.version));
+    ASSIGN_OR_RETURN(const jet::Value times_played, Columns::ValueOf(rows, columns.times_played));
     row.id = static_cast<std::int32_t>(jet::ToInteger(id));
+    row.times_played = CountOf(times_played);
+    row.version = KeepText(version);
     row.display_name = KeepText(name);
     row.file_name = KeepText(file);
     row.favorite = jet::ToBool(favorite);

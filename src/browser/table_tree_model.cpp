@@ -25,7 +25,8 @@ QVariant RootFont() {
 
 TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* parent)
     : QAbstractItemModel(parent), icons_(std::move(icons)),
-      files_(file_test ? std::move(file_test) : FileTest(platform::FileExists)) {
+      files_(file_test ? std::move(file_test) : FileTest(platform::FileExists)),
+      tables_(std::make_shared<const TableSnapshot>()) {
     connect(&files_, &FileLookup::Answered, this, &TableTreeModel::KeepAnswer);
     connect(&files_, &FileLookup::AllAnswered, this, &TableTreeModel::TellAnswers);
 }
@@ -33,7 +34,7 @@ TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* pa
 void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
                           const QString& root_icon) {
     beginResetModel();
-    tables_ = std::move(tables);
+    tables_ = std::make_shared<const TableSnapshot>(std::move(tables));
     has_nodes_ = true;
     root_text_ = root_text;
     root_icon_ = root_icon;
@@ -41,13 +42,13 @@ void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
     file_name_overrides_.clear();
     files_.Forget();
     answered_.clear();
-    file_states_.assign(tables_.size(), FileState::kUnknown);
+    file_states_.assign(tables_->size(), FileState::kUnknown);
     endResetModel();
 }
 
 void TableTreeModel::Clear() {
     beginResetModel();
-    tables_ = {};
+    tables_ = std::make_shared<const TableSnapshot>();
     has_nodes_ = false;
     icon_overrides_.clear();
     file_name_overrides_.clear();
@@ -86,6 +87,11 @@ Node TableTreeModel::NodeOf(const QModelIndex& index) {
     return {static_cast<std::size_t>(index.internalId() - kFirstTable), index.row()};
 }
 
+std::optional<std::size_t> TableTreeModel::TableOf(const QModelIndex& index) {
+    if (!index.isValid() || index.internalId() != kUnderRoot) return std::nullopt;
+    return static_cast<std::size_t>(index.row());
+}
+
 QModelIndex TableTreeModel::IndexOf(const Node& node) const {
     if (!node.table) return RootIndex();
     if (node.detail) return createIndex(*node.detail, 0, kFirstTable + *node.table);
@@ -94,7 +100,7 @@ QModelIndex TableTreeModel::IndexOf(const Node& node) const {
 
 QModelIndex TableTreeModel::IndexOfNode(std::int64_t number) const {
     if (!has_nodes_) return {};
-    const auto node = NodeAt(number, tables_.size());
+    const auto node = NodeAt(number, tables_->size());
     return node ? IndexOf(*node) : QModelIndex();
 }
 
@@ -119,7 +125,7 @@ QModelIndex TableTreeModel::parent(const QModelIndex& child) const {
 int TableTreeModel::rowCount(const QModelIndex& parent) const {
     if (!parent.isValid()) return has_nodes_ ? 1 : 0;
     const Node node = NodeOf(parent);
-    if (!node.table) return static_cast<int>(tables_.size());
+    if (!node.table) return static_cast<int>(tables_->size());
     return node.detail ? 0 : kDetailCount;
 }
 
@@ -154,7 +160,7 @@ QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
         return IconKeyOf(node);
     case kNodeKeyRole:
         if (!node.table || node.detail) return {};
-        return NodeKey(QString::number(tables_.Id(*node.table)));
+        return NodeKey(QString::number(tables_->Id(*node.table)));
     default:
         return {};
     }
@@ -162,8 +168,8 @@ QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
 
 QString TableTreeModel::TextOf(const Node& node) const {
     if (!node.table) return root_text_;
-    return node.detail ? tables_.DetailLine(*node.table, *node.detail)
-                       : tables_.DisplayName(*node.table);
+    return node.detail ? tables_->DetailLine(*node.table, *node.detail)
+                       : tables_->DisplayName(*node.table);
 }
 
 QString TableTreeModel::TagOf(const Node& node) const {
@@ -181,13 +187,13 @@ QString TableTreeModel::TableIconKey(std::size_t table) const {
     if (const auto chosen = icon_overrides_.constFind(table); chosen != icon_overrides_.cend())
         return *chosen;
     if (FileIsMissing(table)) return QStringLiteral("stop");
-    if (tables_.Favorite(table)) return QStringLiteral("favorite");
-    return tables_.PinMame(table) ? QStringLiteral("mame") : QStringLiteral("pinball");
+    if (tables_->Favorite(table)) return QStringLiteral("favorite");
+    return tables_->PinMame(table) ? QStringLiteral("mame") : QStringLiteral("pinball");
 }
 
 QString TableTreeModel::FileNameOf(std::size_t table) const {
     const auto changed = file_name_overrides_.constFind(table);
-    return changed != file_name_overrides_.cend() ? *changed : tables_.FileName(table);
+    return changed != file_name_overrides_.cend() ? *changed : tables_->FileName(table);
 }
 
 // False as long as the file has not been tested.

@@ -13,6 +13,7 @@
 #include <QtCore/QHash>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace browser {
@@ -39,6 +40,19 @@ public:
     void Show(TableSnapshot tables, const QString& root_text, const QString& root_icon);
     void Clear();
     bool has_nodes() const { return has_nodes_; }
+    // What the tree shows; never null. Each Show and Clear has its own.
+    const TableSnapshotPointer& tables() const { return tables_; }
+    // The table (from 0) of its node; nullopt for any other node.
+    static std::optional<std::size_t> TableOf(const QModelIndex& index);
+    // False also as long as the file has not been looked for.
+    bool IsKnownMissing(std::size_t table) const {
+        return file_states_[table] == FileState::kMissing;
+    }
+    // Has the file looked for, unless that was done; dataChanged tells when it is known.
+    void LookForFile(std::size_t table) const { FileIsMissing(table); }
+    bool IsFileKnown(std::size_t table) const {
+        return file_states_[table] == FileState::kThere || IsKnownMissing(table);
+    }
 
     // Sets the key of the root's icon: "open" or "closed".
     void SetRootIcon(const QString& icon_key);
@@ -81,7 +95,7 @@ private:
 
     IconSource icons_;
     mutable FileLookup files_;
-    TableSnapshot tables_;
+    TableSnapshotPointer tables_;  // never null
     bool has_nodes_ = false;
     QString root_text_;
     QString root_icon_;
