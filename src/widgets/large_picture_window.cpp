@@ -1,6 +1,6 @@
 #include "widgets/large_picture_window.h"
 
-#include "widgets/picture_box.h"
+#include "widgets/zoom_view.h"
 
 #include <QtCore/QFileInfo>
 #include <QtGui/QScreen>
@@ -32,6 +32,14 @@ QString Title(const PictureSource& source) {
                                  : QFileInfo(source.path).fileName();
 }
 
+// The scale in percent, unless the picture fits the window.
+QString Title(const PictureSource& source, const ZoomView& picture) {
+    if (picture.fits()) return Title(source);
+    const double percent = picture.Scale() * picture.devicePixelRatioF() * 100;
+    return Title(source) + QStringLiteral(" - ") + QString::number(qRound(percent)) +
+           QStringLiteral(" %");
+}
+
 }  // namespace
 
 void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* parent) {
@@ -42,13 +50,15 @@ void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* pare
     // Modal, so that the window receives clicks also above a modal dialog.
     window->setWindowModality(Qt::WindowModal);
 
-    auto* picture = new PictureBox(window, PictureBox::Role::kLarge);
-    picture->SetPicture(source).Ignore();
+    auto* picture = new ZoomView(source, own_size, window);
+    QObject::connect(picture, &ZoomView::ScaleChanged, window, [window, picture, source] {
+        window->setWindowTitle(Title(source, *picture));
+    });
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(picture);
 
-    QObject::connect(picture, &PictureBox::Clicked, window, &QWidget::close);
+    QObject::connect(picture, &ZoomView::Clicked, window, &QWidget::close);
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), window);
     QObject::connect(escape, &QShortcut::activated, window, &QWidget::close);
 
@@ -56,6 +66,7 @@ void ShowPictureLarge(const PictureSource& source, QSize own_size, QWidget* pare
     const QSize size = WindowSize(own_size, screen.size());
     window->resize(size);
     window->move(screen.center() - QPoint(size.width() / 2, size.height() / 2));
+    picture->setFocus();
     window->show();
 }
 

@@ -1,5 +1,6 @@
 // The window that shows a picture large: in its own size, reduced to what the screen holds, or
-// enlarged when it is small. A click into it or Escape closes it.
+// enlarged when it is small; from there it can be zoomed and moved (zoom_view.h). A click into it
+// or Escape closes it.
 #pragma once
 
 #include "widgets/picture_loader.h"

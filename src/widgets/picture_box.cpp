@@ -29,7 +29,7 @@ void DrawPlaceholder(QPainter& painter, const QRectF& box) {
 
 }  // namespace
 
-PictureBox::PictureBox(QWidget* parent, Role role) : QWidget(parent), role_(role) {
+PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     decode_again_.setSingleShot(true);
     decode_again_.setInterval(kResizePauseMs);
@@ -73,8 +73,7 @@ void PictureBox::SetSource(const PictureSource& source) {
     decoded_ = {};
     is_outgrown_ = false;
     decode_again_.stop();
-    const bool opens = role_ == Role::kPreview && !source_.is_empty();
-    setCursor(opens ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    setCursor(!source_.is_empty() ? Qt::PointingHandCursor : Qt::ArrowCursor);
     update();
 }
 
@@ -124,13 +123,12 @@ void PictureBox::paintEvent(QPaintEvent*) {
     if (image.isNull()) return DrawPlaceholder(painter, rect());
     const QSizeF natural =
         QSizeF(own_size_.isEmpty() ? image.size() : own_size_) / devicePixelRatioF();
-    painter.drawImage(Centred(natural, rect(), role_ == Role::kLarge), image);
+    painter.drawImage(Centred(natural, rect(), false), image);
 }
 
 void PictureBox::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
-    if (role_ == Role::kPreview) ShowLarge();
-    Q_EMIT Clicked();
+    ShowLarge();
 }
 
 void PictureBox::ShowLarge() {

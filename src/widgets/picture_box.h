@@ -17,11 +17,7 @@ class PictureBox : public QWidget {
     Q_OBJECT
 
 public:
-    // What a box is for: to show a picture among other things, never enlarged, and large after a
-    // click; or to be the large one, which fills its window and emits Clicked.
-    enum class Role { kPreview, kLarge };
-
-    explicit PictureBox(QWidget* parent = nullptr, Role role = Role::kPreview);
+    explicit PictureBox(QWidget* parent = nullptr);
 
     // Looks at the picture's header and shows it. On failure the box shows the placeholder.
     base::Status SetPicture(const PictureSource& source);
@@ -41,9 +37,6 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
-Q_SIGNALS:
-    void Clicked();
-
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -55,7 +48,6 @@ private:
     void ShowLarge();
     void SetSource(const PictureSource& source);
 
-    Role role_;
     PictureSource source_;
     bool waits_ = false;
     QSize own_size_;            // of the picture; empty: not known before decoding
