@@ -4,6 +4,7 @@
 #include "base/scope_guards.h"
 #include "browser/table_info_command.h"
 #include "catalogue/error_report.h"
+#include "catalogue/program_files.h"
 #include "catalogue/start_up.h"
 #include "checksum/frmCRC.h"
 #include "dialogs/about_text.h"
@@ -24,6 +25,7 @@
 #include "maintenance/purge.h"
 #include "pictures/frmPicture.h"
 #include "platform/application_folder.h"
+#include "platform/command_line.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
 #include "snapshots/restore_dialog.h"
@@ -43,6 +45,7 @@ Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& promp
     browser::CommandActions actions = Actions();
     MakeSnapshotsBefore(actions);
     window_.SetActions(actions);
+    window_.SetWelcomeActions({[this] { OpenExample(); }, [this] { OpenFolder(); }});
     QObject::connect(&keeper_, &snapshots::SnapshotKeeper::Failed, &window_,
                      &browser::frmPinball::TellInPassing);
     AttachPlay();
@@ -151,6 +154,31 @@ void Commands::MakeSnapshotsBefore(browser::CommandActions& actions) {
 
 void Commands::Restore() {
     snapshots::RestoreDialog({catalogue_, keeper_, prompts_, refresh_tree_}, &window_).exec();
+}
+
+void Commands::OpenExample() {
+    const QString program = platform::QuoteProgramName(QCoreApplication::applicationFilePath());
+    const auto started = outside_.programs.Start(program + QStringLiteral(" --demo"));
+    catalogue::ShowError(prompts_, started.status());
+}
+
+// That of this program is empty, so its window goes when the other one comes.
+void Commands::OpenFolder() {
+    const QString folder =
+        prompts_.ChooseFolder(QStringLiteral("Select the folder of the catalogue."));
+    if (folder.isEmpty()) return;
+    const QString name = catalogue::kCatalogueFile.toString();
+    if (!platform::FileExists(platform::FileIn(folder, name))) {
+        prompts_.Ask({QStringLiteral("There is no ") + name + QStringLiteral(" in ") + folder,
+                      {},
+                      platform::MessageIcon::kInformation});
+        return;
+    }
+    const QString program = platform::QuoteProgramName(QCoreApplication::applicationFilePath());
+    const auto started = outside_.programs.Start(program + QStringLiteral(" --folder ") +
+                                                 platform::QuoteForCommandLine(folder));
+    catalogue::ShowError(prompts_, started.status());
+    if (started.ok()) window_.close();
 }
 
 void Commands::Watched(const std::function<void()>& run) {

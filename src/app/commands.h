@@ -85,6 +85,9 @@ private:
     void ViewTableInfo();
     void LoadPicture();
     void Restore();
+    // Start the program again, for another application folder.
+    void OpenExample();
+    void OpenFolder();
     // Opens the settings and returns when they are closed.
     void AskForExecutable();
     // Opens the settings and returns at once.

@@ -6,6 +6,7 @@
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
 #include "browser/wait_until_shown.h"
+#include "browser/welcome_page.h"
 #include "catalogue/error_report.h"
 #include "catalogue/filter_kinds.h"
 #include "catalogue/process_values.h"
@@ -115,7 +116,10 @@ QWidget* frmPinball::CreateTreePane() {
     rows->setContentsMargins(0, 0, 0, 0);
     rows->setSpacing(kMargin / 2);
     rows->addWidget(find_bar_);
+    welcome_ = new WelcomePage(pane);
+    welcome_->hide();
     rows->addWidget(tvwDB_, 1);
+    rows->addWidget(welcome_, 1);
     rows->addWidget(caption);
     rows->addWidget(lblComments_);
     rows->addWidget(cmdPlay_);
@@ -133,6 +137,30 @@ void frmPinball::CreateControllers() {
                                                                    *menu_->Menu(kPopupMenu)},
                                              host);
     CreateFind();
+    ConnectWelcome();
+}
+
+void frmPinball::ConnectWelcome() {
+    // Behind the selection's own slot.
+    connect(order_bar_, &OrderBar::RefreshClicked, this, &frmPinball::ShowTreeOrWelcome);
+    connect(welcome_, &WelcomePage::LookForTables, this,
+            [this] { menu_->Run(&CommandActions::scan_for_tables); });
+    connect(welcome_, &WelcomePage::OpenExample, this, [this] {
+        if (welcome_actions_.open_example) welcome_actions_.open_example();
+    });
+    connect(welcome_, &WelcomePage::OpenFolder, this, [this] {
+        if (welcome_actions_.open_folder) welcome_actions_.open_folder();
+    });
+}
+
+void frmPinball::ShowTreeOrWelcome() {
+    const bool has_no_tables = !model_.has_nodes() && CatalogueIsEmpty().value_or(false);
+    welcome_->setVisible(has_no_tables);
+    tvwDB_->setVisible(!has_no_tables);
+}
+
+void frmPinball::SetWelcomeActions(const WelcomeActions& actions) {
+    welcome_actions_ = actions;
 }
 
 void frmPinball::CreateFind() {
@@ -277,7 +305,7 @@ void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
         catalogue::ShowError(prompts_, is_empty.status());
         return;
     }
-    if (*is_empty) return;
+    if (*is_empty) return ShowTreeOrWelcome();
     selection_->RestoreFilter({settings.filter, settings.sub, settings.comparison});
     RefreshTree();
     if (settings.last_play != 0) tree_->SelectTableNode(settings.last_play);
@@ -299,6 +327,7 @@ void frmPinball::AskForWhatIsMissing() {
 
 void frmPinball::RefreshTree() {
     selection_->RefreshTree();
+    ShowTreeOrWelcome();
 }
 
 void frmPinball::ShowChangedRows() {

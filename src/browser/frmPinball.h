@@ -27,6 +27,13 @@ class FindController;
 class OrderBar;
 class SelectionController;
 class StatusPanels;
+class WelcomePage;
+
+// What the page of an empty catalogue offers beside the scan.
+struct WelcomeActions {
+    std::function<void()> open_example;
+    std::function<void()> open_folder;
+};
 
 // What the Edit menu offers to undo and to redo, "Purge (3,412 tables)"; empty: nothing.
 struct UndoCaptions {
@@ -50,6 +57,7 @@ public:
 
     // Sets the actions that reach beyond this window; empty ones are not changed.
     void SetActions(const CommandActions& actions);
+    void SetWelcomeActions(const WelcomeActions& actions);
     // Set how a table is played, and how the sound of the play button is played.
     void SetPlayTable(TreeController::PlayTable play);
     void SetPlaySound(launcher::PlayButton::Sound sound);
@@ -100,6 +108,9 @@ private:
     QWidget* CreateTreePane();
     void CreateControllers();
     void CreateFind();
+    void ConnectWelcome();
+    // The tree, or the page in its place.
+    void ShowTreeOrWelcome();
     void ConnectCommands();
     void ConnectEditMenu();
     CommandActions OwnActions();
@@ -137,6 +148,8 @@ private:
     OrderBar* order_bar_ = nullptr;
     FindBar* find_bar_ = nullptr;
     TableTreeView* tvwDB_ = nullptr;
+    WelcomePage* welcome_ = nullptr;
+    WelcomeActions welcome_actions_;
     QLabel* lblComments_ = nullptr;
     launcher::PlayButton* cmdPlay_ = nullptr;
     DetailPanel* details_ = nullptr;

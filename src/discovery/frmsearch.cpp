@@ -51,6 +51,10 @@ void frmsearch::BuildControls() {
     lstdirs_->setUniformItemSizes(true);
     lstdirs_->setFocusPolicy(Qt::NoFocus);
     lstdirs_->setAccessibleName(QStringLiteral("Folders still to be searched"));
+    lblHint_ = MakeLabel("lblHint", this);
+    lblHint_->setWordWrap(true);
+    lblHint_->setText(QStringLiteral("Press Search and choose the folder that holds your tables. "
+                                     "Folders below it are searched, too."));
     lbltime_ = MakeLabel("lbltime", this);
     Label2_ = MakeLabel("Label2", this);
     lblCRC_ = MakeLabel("lblCRC", this);
@@ -65,6 +69,7 @@ void frmsearch::BuildLayout() {
     buttons->addWidget(cmdgo_);
     buttons->addWidget(cmdExit_);
     auto* column = new QVBoxLayout(this);
+    column->addWidget(lblHint_);
     column->addWidget(lbltime_);
     column->addWidget(lstdirs_, 1);
     column->addWidget(Label2_);
@@ -91,6 +96,7 @@ void frmsearch::Scan() {
     idle_ = false;
     found_count_ = 0;
     cmdgo_->hide();
+    lblHint_->hide();
     const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     base::Status done = WalkFolders();
     idle_ = true;

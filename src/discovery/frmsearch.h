@@ -49,6 +49,7 @@ private:
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;
     std::function<void()> refresh_tree_;
+    QLabel* lblHint_ = nullptr;  // until a scan begins
     QPushButton* cmdgo_ = nullptr;
     QPushButton* cmdExit_ = nullptr;
     QListWidget* lstdirs_ = nullptr;

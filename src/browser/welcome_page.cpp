@@ -1,0 +1,71 @@
+#include "browser/welcome_page.h"
+
+#include "widgets/object_names.h"
+
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
+
+namespace browser {
+namespace {
+
+constexpr int kMargin = 6;
+constexpr int kSpacing = 10;
+// Room for the longest caption.
+constexpr int kMinimumWidth = 215;
+constexpr double kTitleScale = 1.5;  // of the letters
+
+QLabel* Text(const QString& text) {
+    auto* const label = new QLabel(text);
+    label->setWordWrap(true);
+    return label;
+}
+
+QLabel* Title() {
+    QLabel* const title = Text(QStringLiteral("Welcome to Tavolo"));
+    QFont font = title->font();
+    font.setPointSizeF(font.pointSizeF() * kTitleScale);
+    font.setBold(true);
+    title->setFont(font);
+    return title;
+}
+
+}  // namespace
+
+WelcomePage::WelcomePage(QWidget* parent) : QScrollArea(parent) {
+    setObjectName(QStringLiteral("WelcomePage"));
+    setWidgetResizable(true);
+    setMinimumWidth(kMinimumWidth);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    auto* const page = new QWidget;
+    auto* const column = new QVBoxLayout(page);
+    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    column->setSpacing(kSpacing);
+    column->addWidget(Title());
+    column->addWidget(Text(QStringLiteral(
+        "It keeps a catalogue of your Visual Pinball tables, shows their pictures, notes and "
+        "rules, and starts them. There are no tables in it yet.")));
+    AddOffer(*column, "cmdWelcomeScan", QStringLiteral("Look for tables..."),
+             QStringLiteral("Finds the tables in a folder and below it"),
+             &WelcomePage::LookForTables);
+    AddOffer(
+        *column, "cmdWelcomeExample", QStringLiteral("Open the example collection"),
+        QStringLiteral("A dozen invented tables to try everything with, in a window of its own"),
+        &WelcomePage::OpenExample);
+    AddOffer(*column, "cmdWelcomeFolder", QStringLiteral("Open an old catalogue..."),
+             QStringLiteral("Of an earlier installation: choose the folder of its pinball.mdb"),
+             &WelcomePage::OpenFolder);
+    column->addStretch();
+    setWidget(page);
+}
+
+void WelcomePage::AddOffer(QVBoxLayout& column, const char* name, const QString& caption,
+                           const QString& description, Signal chosen) {
+    auto* const offer = widgets::Named(new QPushButton(caption), name);
+    offer->setToolTip(description);
+    offer->setAccessibleDescription(description);
+    connect(offer, &QAbstractButton::clicked, this, chosen);
+    column.addWidget(offer);
+}
+
+}  // namespace browser
