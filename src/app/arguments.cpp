@@ -30,6 +30,8 @@ Arguments ParseArguments(const QStringList& words) {
             arguments.help = true;
         else if (word == u"--version" || word == u"-v")
             arguments.version = true;
+        else if (word == u"--demo")
+            arguments.demo = true;
         else if (word == u"--folder" && i + 1 < words.size())
             arguments.folder = words[++i];
         else if (word.startsWith(folder_equals))
@@ -44,7 +46,7 @@ Arguments ParseArguments(const QStringList& words) {
 
 QString HelpText() {
     return QStringLiteral(
-        "usage: tavolo [--folder DIR] [FILE|DIR]\n"
+        "usage: tavolo [--demo] [--folder DIR] [FILE|DIR]\n"
         "Catalogue manager and front end for Visual Pinball tables.\n"
         "\n"
         "  --folder DIR  use DIR as the application folder: the catalogue pinball.mdb, its "
@@ -52,6 +54,7 @@ QString HelpText() {
         "                the sounds and the help file are there. An empty DIR gets new ones.\n"
         "                Without it: the program's own folder, or, where that cannot be written,\n"
         "                the user's data folder.\n"
+        "  --demo        open the example collection, in a folder of its own\n"
         "  FILE|DIR      add this table file, or those of this folder, and select the first\n"
         "  --help        show this text\n"
         "  --version     show the version\n");

@@ -7,11 +7,12 @@
 namespace app {
 
 struct Arguments {
-    QString folder;  // empty: not given
-    QString tables;  // a table file or a folder of them; empty: not given
+    QString folder{};   // empty: not given
+    bool demo = false;  // the example collection
+    QString tables{};   // a table file or a folder of them; empty: not given
     bool help = false;
     bool version = false;
-    QString error;  // what is wrong with the arguments; empty when they are valid
+    QString error{};  // what is wrong with the arguments; empty when they are valid
     bool operator==(const Arguments&) const = default;
 };
 

@@ -2,6 +2,7 @@
 #include "app/arguments.h"
 #include "app/commands.h"
 #include "app/edit_commands.h"
+#include "app/first_start.h"
 #include "app/given_paths.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
@@ -13,6 +14,7 @@
 #include "catalogue/start_up.h"
 #include "dialogs/program_version.h"
 #include "dialogs/qt_user_prompts.h"
+#include "example/example_folder.h"
 #include "jet/connection.h"
 #include "platform/application_folder.h"
 #include "platform/clock.h"
@@ -76,17 +78,19 @@ bool IsOpen(catalogue::Catalogue& catalogue, jet::FileSystem& files, platform::U
 int RunProgram(const app::Arguments& arguments) {
     const catalogue::KnownFolders folders = catalogue::FoldersOfThisProgram();
     catalogue::ProcessValues values;
-    values.ApplicationFolder = catalogue::ChooseApplicationFolder(arguments.folder, folders);
-    catalogue::PrepareFirstStart(values.ApplicationFolder, folders);
+    values.ApplicationFolder = app::FolderOf(arguments, folders);
+    dialogs::QtUserPrompts prompts;
+    if (!app::PrepareFolder(values.ApplicationFolder, arguments, folders, prompts)) return 1;
 
     const auto files = platform::MakeFileSystem();
-    const auto settings = platform::MakeSettingsStore();
+    // What the example collection shows last is nothing to the user's own.
+    const auto settings =
+        platform::MakeSettingsStore(arguments.demo ? values.ApplicationFolder : QString());
     platform::SystemClock clock;
     // The connection tells it what changes.
     std::optional<history::HistoryFile> history;
     jet::Connection connection(*files);
     catalogue::Catalogue catalogue{&connection, &values, settings.get(), &clock};
-    dialogs::QtUserPrompts prompts;
     history.emplace(*files, platform::ToPath(catalogue::CataloguePath(catalogue)));
     connection.UseNotes(&*history);
     const QString given =
@@ -94,6 +98,9 @@ int RunProgram(const app::Arguments& arguments) {
     const base::Status opened = catalogue::Main(catalogue);
     if (IsTakenOver(opened, values.ApplicationFolder, given)) return 0;
     if (!IsOpen(catalogue, *files, prompts, opened)) return 1;
+    if (arguments.demo)
+        catalogue::ShowError(prompts,
+                             example::SetExamplePaths(connection, values.ApplicationFolder));
 
     snapshots::SnapshotKeeper keeper(*files, snapshots::DatabaseOf(catalogue), clock);
     browser::frmPinball window(catalogue, prompts);
@@ -119,7 +126,8 @@ int RunProgram(const app::Arguments& arguments) {
         });
     window.TellInPassing(receiver.status());
     if (!given.isEmpty()) commands.TakeTables(given);
-    window.AskForWhatIsMissing();
+    // The example collection is looked at without a simulator.
+    if (!arguments.demo) window.AskForWhatIsMissing();
     return QApplication::exec();
 }
 

@@ -64,6 +64,19 @@ QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folde
     return folders.user_data;
 }
 
+QStringList MissingForFirstStart(const QString& application_folder, const KnownFolders& folders) {
+    const bool is_user_data = application_folder == folders.user_data;
+    const bool will_be_made = is_user_data && !platform::FolderExists(application_folder);
+    const bool is_first = will_be_made || IsFirstStart(application_folder, is_user_data);
+    QStringList missing;
+    if (!is_first || Holds(folders.delivered, CatalogueName())) return missing;
+    for (const QString& name : QStringList(CatalogueName()) + CompanionNames())
+        if (!Holds(folders.delivered, name) &&
+            (name == CatalogueName() || !Holds(folders.program, name)))
+            missing.append(platform::FileIn(folders.delivered, name));
+    return missing;
+}
+
 void PrepareFirstStart(const QString& application_folder, const KnownFolders& folders) {
     const bool is_user_data = application_folder == folders.user_data;
     // A failure shows when the catalogue is opened.

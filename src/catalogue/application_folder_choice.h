@@ -20,6 +20,11 @@ KnownFolders FoldersOfThisProgram();
 // installed, that is, there is a catalogue among the delivered files and none beside the program.
 QString ChooseApplicationFolder(const QString& wanted, const KnownFolders& folders);
 
+// The delivered files that are not there and without which the program cannot work in
+// `application_folder` for the first time, with their paths; empty when nothing is missing or it is
+// no first start.
+QStringList MissingForFirstStart(const QString& application_folder, const KnownFolders& folders);
+
 // Copies the delivered files into the application folder at a first start: into the user's data
 // folder (which is created if it is missing) when it contains none of the program's files, into any
 // other folder when it is empty. The conditions are strict so that a lost catalogue is never

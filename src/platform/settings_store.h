@@ -22,6 +22,7 @@ public:
                                      const QString& key, const QString& value) = 0;
 };
 
-std::unique_ptr<SettingsStore> MakeSettingsStore();
+// The settings in `folder`, or the user's own if that is empty.
+std::unique_ptr<SettingsStore> MakeSettingsStore(const QString& folder = {});
 
 }  // namespace platform

@@ -19,6 +19,12 @@ TEST(ArgumentsTest, AFolderComesInTwoForms) {
     EXPECT_EQ(Parse("--folder=/srv/tables").folder, QStringLiteral("/srv/tables"));
 }
 
+TEST(ArgumentsTest, TheExampleCollectionCanBeAskedFor) {
+    EXPECT_TRUE(Parse("--demo").demo);
+    EXPECT_EQ(Parse("--demo --folder /srv/example").folder, QStringLiteral("/srv/example"));
+    EXPECT_FALSE(Parse("--folder /srv/tables").demo);
+}
+
 TEST(ArgumentsTest, AFolderWithoutANameIsAnError) {
     EXPECT_EQ(Parse("--folder").error, QStringLiteral("--folder needs the name of a folder"));
 }

@@ -43,14 +43,14 @@ def first_start(desktop, folder):
     check_equal(columns(folder / "pinball.mdb"), ALL_COLUMNS, "columns after the first start")
 
 
-def refused(desktop, folder, label):
-    """Starts the program on a folder whose catalogue cannot be opened; the text of the message box."""
+def refused(desktop, folder, label, key="Return"):
+    """Starts the program on a folder whose catalogue cannot be opened; the text of the message box, which is answered with `key`."""
     before = {path.name: digest(path) for path in folder.iterdir()} if folder.exists() else None
     with Tavolo(desktop, folder) as program:
         text = program.message()
         wait_for(lambda: "Tavolo" in desktop.window_titles(), "the box on the screen")
         program.picture(label)
-        program.press("Return")
+        program.press(key)
         program.process.wait(30)
         check_equal(program.process.returncode, 1, f"{label}: exit status")
     after = {path.name: digest(path) for path in folder.iterdir()} if folder.exists() else None
@@ -64,7 +64,43 @@ def missing(desktop, work):
     folder.mkdir()
     (folder / "note.txt").write_text("there was a catalogue here")
     check("pinball.mdb" in refused(desktop, folder, "missing"), "the message names the file")
-    refused(desktop, work / "no such folder", "no folder")
+    check("no such folder" in refused(desktop, work / "no such folder", "no folder", "alt+n"), "the question names the folder")
+
+
+def made(desktop, work):
+    """A folder that is named and not there is made after a question."""
+    folder = work / "a new folder"
+    with Tavolo(desktop, folder) as program:
+        program.message()
+        program.answer("alt+y")
+        program.wait_window("Find New Visual Pinball Tables")
+        program.click("cmdExit")
+        program.wait_window("Settings")
+        program.click("CancelButton")
+        program.wait_window_gone("Settings")
+        check(program.visible("WelcomePage"), "the page of an empty catalogue")
+        check(not program.visible("tvwDB"), "the tree is not shown")
+        program.picture("welcome")
+        program.close()
+    check((folder / "pinball.mdb").exists(), "the new catalogue")
+
+
+def example(desktop):
+    """The example collection, in the user's folder, and once more in the same."""
+    for _ in range(2):
+        with Tavolo(desktop, None, ["--demo"]) as program:
+            wait_for(lambda: program.text("sbrDB_1") == "12 Tables in list.  ", "a dozen tables")
+            check(not program.messages(), "a message over the example collection")
+            program.wait_front("Tavolo -    v. 1.6 - RC 1")
+            program.wait_item_painted("Harbour Lights")
+            program.click_item("Harbour Lights")
+            program.wait_text("txtDet_4", "In\u00e8s Perrault")
+            program.picture("example collection")
+            program.close()
+    folder = desktop.home / "data" / "tavolo" / "Example Collection"
+    check_equal(len(export_rows(folder / "pinball.mdb")), 12, "rows of the example collection")
+    check((folder / "TAVOLO.ini").exists(), "settings of its own")
+    shutil.rmtree(desktop.home / "data" / "tavolo")
 
 
 def lost(desktop, work):
@@ -202,7 +238,7 @@ def command_line():
     def output(*arguments):
         return subprocess.run([program, *arguments], env=environment, capture_output=True, text=True, timeout=30)
 
-    check(output("--help").stdout.startswith("usage: tavolo [--folder DIR]"), "--help")
+    check(output("--help").stdout.startswith("usage: tavolo [--demo] [--folder DIR]"), "--help")
     check_equal(output("--version").stdout, "Tavolo 1.6.0\n", "--version")
     page = ROOT / "packaging" / "tavolo.1"
     rendered = subprocess.run(["groff", "-man", "-Tascii", "-ww", "-P-cbou", page], capture_output=True, text=True)
@@ -222,6 +258,8 @@ def main():
         (work / "first").mkdir()
         first_start(desktop, work / "first")
         missing(desktop, work)
+        made(desktop, work)
+        example(desktop)
         lost(desktop, work)
         raw_names(desktop, work)
         not_a_catalogue(desktop, work)

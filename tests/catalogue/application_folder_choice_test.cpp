@@ -102,6 +102,26 @@ TEST_F(ApplicationFolderTest, AFolderThatHoldsAnythingIsLeftAlone) {
     EXPECT_EQ(Read(folder + QStringLiteral("/pinball.mdb")), "<missing>");
 }
 
+TEST_F(ApplicationFolderTest, AHalfInstalledProgramSaysWhatIsMissing) {
+    const QString chosen = Made(QStringLiteral("chosen"));
+    Write(folders.delivered + QStringLiteral("/Pinball.wav"), "sound");
+    Write(folders.program + QStringLiteral("/slingshot.wav"), "beside the program");
+    const QStringList missing = {folders.delivered + QStringLiteral("/pinball.mdb"),
+                                 folders.delivered + QStringLiteral("/tavolo.chm")};
+    EXPECT_EQ(MissingForFirstStart(chosen, folders), missing);
+    EXPECT_EQ(MissingForFirstStart(folders.user_data, folders), missing);
+    EXPECT_FALSE(QDir(folders.user_data).exists());
+    Deliver();
+    EXPECT_TRUE(MissingForFirstStart(chosen, folders).isEmpty());
+}
+
+TEST_F(ApplicationFolderTest, AFolderInUseNeedsNothingDelivered) {
+    const QString chosen = Made(QStringLiteral("chosen"));
+    Write(chosen + QStringLiteral("/pinball.mdb"), "mine");
+    EXPECT_TRUE(MissingForFirstStart(chosen, folders).isEmpty());
+    EXPECT_TRUE(MissingForFirstStart(root.filePath(QStringLiteral("nowhere")), folders).isEmpty());
+}
+
 TEST_F(ApplicationFolderTest, AFolderThatDoesNotExistIsNotMade) {
     Deliver();
     const QString folder = root.filePath(QStringLiteral("nowhere"));

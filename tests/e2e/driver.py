@@ -160,7 +160,7 @@ class Tavolo:
 
     def __init__(self, desktop, folder, arguments=(), env=None, program=None):
         self.desktop = desktop
-        self.folder = Path(folder)
+        self.folder = Path(folder) if folder else None  # None: the program chooses
         self.arguments = list(arguments)
         self.extra_env = env or {}
         self.program = program or BUILD / "bin" / "tavolo"
@@ -185,8 +185,11 @@ class Tavolo:
         self.socket_name = str(self.desktop.home / f"probe-{os.getpid()}-{time.monotonic_ns()}")
         env = dict(self.desktop.env, QT_QPA_PLATFORM="xcb", QT_PLUGIN_PATH=str(BUILD / "plugins"),
                    QT_QPA_GENERIC_PLUGINS="tavolo_probe", TAVOLO_PROBE_SOCKET=self.socket_name, **self.extra_env)
-        self.process = subprocess.Popen([str(self.program), "--folder", str(self.folder), *self.arguments], env=env)
+        self.process = subprocess.Popen([str(self.program), *self._folder(), *self.arguments], env=env)
         self.connection = wait_for(self._connect, "the probe inside the program")
+
+    def _folder(self):
+        return ["--folder", str(self.folder)] if self.folder else []
 
     def _connect(self):
         if self.process.poll() is not None:

@@ -46,7 +46,8 @@ class InstalledTreeTest(unittest.TestCase):
         for name in ("bin/tavolo", "bin/tavolo-cli", "bin/tavolo-dbcheck", "share/tavolo/pinball.mdb", "share/tavolo/Pinball.wav",
                      "share/tavolo/slingshot.wav", "share/tavolo/tavolo.chm", "share/tavolo/help/index.html", "share/tavolo/help/help.css",
                      "share/tavolo/help/images/main-window.png", f"share/icons/hicolor/scalable/apps/{ID}.svg",
-                     "share/bash-completion/completions/tavolo-cli"):
+                     "share/tavolo/example/pinball.mdb", "share/tavolo/example/tables/Harbour Lights.vpt",
+                     "share/tavolo/example/pictures/Hollow Hills flyer.jpg", "share/bash-completion/completions/tavolo-cli"):
             with self.subTest(name=name):
                 self.assertTrue((self.root / name).is_file())
 

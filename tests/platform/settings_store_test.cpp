@@ -48,6 +48,17 @@ TEST_F(SettingsStoreTest, AValueIsInTheFileAtOnce) {
     EXPECT_TRUE(FileText().contains("VPEXE=/opt/vp")) << FileText().toStdString();
 }
 
+TEST_F(SettingsStoreTest, AFolderOfItsOwnKeepsItsSettingsApart) {
+    QTemporaryDir own;
+    const auto store = platform::MakeSettingsStore(own.path());
+    EXPECT_TRUE(
+        store->SaveSetting(kApplication, kSection, QStringLiteral("SUB"), QStringLiteral("1"))
+            .ok());
+    EXPECT_EQ(store_->GetSetting(kApplication, kSection, QStringLiteral("SUB")), QString());
+    EXPECT_TRUE(QFile::exists(own.filePath(QStringLiteral("TAVOLO.ini"))));
+    EXPECT_TRUE(FileText().isEmpty());
+}
+
 class SettingsText : public SettingsStoreTest, public testing::WithParamInterface<const char*> {};
 
 // A new store stands for the next run of the program; the file is moved away and back so that it is

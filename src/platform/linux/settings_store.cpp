@@ -10,10 +10,16 @@
 namespace platform {
 namespace {
 
-// A file <user's configuration folder>/<application>.ini for each application, a group for each
-// section. Values are written to the file at once.
+QString UsersFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+}
+
+// A file <folder>/<application>.ini for each application, a group for each section. Values are
+// written to the file at once.
 class IniSettingsStore final : public SettingsStore {
 public:
+    explicit IniSettingsStore(const QString& folder) : folder_(folder) {}
+
     QString GetSetting(const QString& application, const QString& section, const QString& key,
                        const QString& fallback) override {
         const QVariant value = FileOf(application).value(Name(section, key));
@@ -59,21 +65,21 @@ private:
     QSettings& FileOf(const QString& application) {
         auto& file = files_[application];
         if (!file) {
-            const QString folder =
-                QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+            const QString folder = folder_.isEmpty() ? UsersFolder() : folder_;
             file = std::make_unique<QSettings>(FileIn(folder, application + QStringLiteral(".ini")),
                                                QSettings::IniFormat);
         }
         return *file;
     }
 
+    QString folder_;  // empty: the user's configuration folder
     std::map<QString, std::unique_ptr<QSettings>> files_;
 };
 
 }  // namespace
 
-std::unique_ptr<SettingsStore> MakeSettingsStore() {
-    return std::make_unique<IniSettingsStore>();
+std::unique_ptr<SettingsStore> MakeSettingsStore(const QString& folder) {
+    return std::make_unique<IniSettingsStore>(folder);
 }
 
 }  // namespace platform
