@@ -19,8 +19,7 @@ QStringList HelpPlaces(const QString& application_folder, const QString& program
 
 QString FirstPresent(const QStringList& places, const QString& name) {
     for (const QString& place : places)
-        if (const QString file = platform::FileIn(place, name); platform::FileExists(file))
-            return file;
+        if (QString file = platform::FileIn(place, name); platform::FileExists(file)) return file;
     return {};
 }
 

@@ -141,7 +141,7 @@ base::Result<QString> FolderScan::ChecksumOf(const QString& path) {
 base::Status FolderScan::Store(const QString& path, const QString& checksum_text) {
     const QString display_name = BaseName(path);
     known_.BeginAttempt();
-    const base::Status stored = Insert(path, display_name, checksum_text);
+    base::Status stored = Insert(path, display_name, checksum_text);
     if (!stored.ok()) {
         known_.NoteRefused();
         return stored;

@@ -42,9 +42,8 @@ Result<PutBackResult> PutBack(jet::Connection& connection, HistoryFile& file, st
     const jet::NamedChange named(connection, std::move(name), is_undo ? undone->label.id : 0);
     PutBackResult result;
     RETURN_IF_ERROR(connection.Change([&](jet::Database& database) -> Status {
-        auto done = PutBackIn(database, change, part);
-        if (done.ok()) result = std::move(done).value();
-        return done.status();
+        ASSIGN_OR_RETURN(result, PutBackIn(database, change, part));
+        return Status::Ok();
     }));
     return result;
 }

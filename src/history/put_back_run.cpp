@@ -254,7 +254,7 @@ Status PutBackRun::UpdateGroup(const Group& group) {
         rows.push_back(item.at);
     std::size_t next = 0;
     const std::size_t recorded = database_.recorded_rows();
-    const Status done = target.table->Update(
+    Status done = target.table->Update(
         rows, {columns, values, columns, [&](std::span<Value> chosen) {
                    return ChooseValues(group, group.items[next++].row, values, chosen, &refusals_);
                }});
@@ -279,7 +279,7 @@ Status PutBackRun::UpdateRow(const Group& group, const Item& item) {
         if (chosen[i] != now[i]) changes.push_back({columns[i], chosen[i]});
     const std::size_t recorded = database_.recorded_rows();
     const std::size_t bytes = database_.recorded().size();
-    const Status done = changes.empty() ? Status() : target.table->Update(item.at, changes);
+    Status done = changes.empty() ? Status() : target.table->Update(item.at, changes);
     const std::size_t touched = database_.recorded_rows() - recorded;
     if (done.ok()) {
         refusals_.insert(refusals_.end(), refusals.begin(), refusals.end());
@@ -342,7 +342,7 @@ Status PutBackRun::DeleteInserted() {
         for (const Item& item : inserted)
             rows.push_back(item.at);
         const std::size_t recorded = database_.recorded_rows();
-        const Status done = targets_[table].table->Delete(rows);
+        Status done = targets_[table].table->Delete(rows);
         if (!done.ok() && !IsRefusal(done)) return done;
         if (!done.ok() || database_.recorded_rows() - recorded > rows.size()) {
             outcome_ = Outcome::kAgainOneByOne;
@@ -356,7 +356,7 @@ Status PutBackRun::DeleteOneByOne(const std::vector<Item>& items) {
     for (const Item& item : items) {
         const std::size_t recorded = database_.recorded_rows();
         const std::size_t bytes = database_.recorded().size();
-        const Status done = targets_[RowAt(item.row).table].table->Delete(item.at);
+        Status done = targets_[RowAt(item.row).table].table->Delete(item.at);
         if (jet::Is(done, jet::ErrorNumber::kRecordDeleted)) continue;  // with another one
         const std::size_t touched = database_.recorded_rows() - recorded;
         if (!done.ok() && !IsRefusal(done)) return done;

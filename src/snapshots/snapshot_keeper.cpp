@@ -69,7 +69,7 @@ void SnapshotKeeper::Tell(const base::Status& status) {
     QMetaObject::invokeMethod(
         this,
         [this, status] {
-            const std::string text = status.message();
+            const std::string& text = status.message();
             if (text == told_) return;
             told_ = text;
             if (!status.ok()) Q_EMIT Failed(status);

@@ -171,7 +171,7 @@ base::Result<DamagedFile> OpenDamagedFile(FileSystem& files, const std::filesyst
     ASSIGN_OR_RETURN(Page bytes, ReadAll(*file, format.page_size, format.max_file_bytes));
     if (bytes.size() < format.page_size) bytes.resize(format.page_size);
     std::ranges::copy(damaged.first_page, bytes.begin());
-    damaged.pages = MakeMemoryPageStore(format.page_size, std::move(bytes));
+    damaged.pages = MakeMemoryPageStore(format.page_size, bytes);
     return damaged;
 }
 

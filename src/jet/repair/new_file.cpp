@@ -19,8 +19,7 @@ base::Result<std::unique_ptr<NewFile>> NewFile::Make(std::vector<std::byte> firs
     const auto page_size = static_cast<std::uint32_t>(first_page.size());
     StoreFileMark(std::span(first_page).subspan(FileMarkOffset(page_size), kFileMarkBytes),
                   MakeFileMark());
-    std::unique_ptr<NewFile> file(
-        new NewFile(MakeMemoryPageStore(page_size, std::move(first_page)), header));
+    std::unique_ptr<NewFile> file(new NewFile(MakeMemoryPageStore(page_size, first_page), header));
     RETURN_IF_ERROR(file->MakeFixedPages());
     return file;
 }

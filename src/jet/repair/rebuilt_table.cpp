@@ -113,7 +113,7 @@ void RebuiltTable::NoteNumbers(const CopiedRow& row) {
             greatest_ = std::max(greatest_, base::LoadLittle<std::int32_t>(row[i].bytes.data()));
 }
 
-base::Status RebuiltTable::Add(RowId at, CopiedRow row) {
+base::Status RebuiltTable::Add(RowId at, const CopiedRow& row) {
     ASSIGN_OR_RETURN(IndexSet::Keys keys, builder_.KeysOf(row));
     if (Judge(at, row, keys, true) != Verdict::kFine) return {};
     return Store(at, row, std::move(keys));

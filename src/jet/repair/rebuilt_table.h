@@ -25,7 +25,7 @@ public:
     bool is_own() const { return source_.page <= kRelationsPage; }
 
     // `at`: where the row was. A row that cannot be stored is told.
-    base::Status Add(RowId at, CopiedRow row);
+    base::Status Add(RowId at, const CopiedRow& row);
     // After the last row: those whose numbers were taken.
     base::Status AddDeferred();
     // The index is gone with all its names, which is told.

@@ -87,7 +87,7 @@ private:
         RowSalvage rows(source_, survey_, table.source(), base::ToUtf8(table.name()), report_,
                         budget_);
         RETURN_IF_ERROR(rows.Run([&](RowId at, CopiedRow row) {
-            return MayStay(table, at, row) ? table.Add(at, std::move(row)) : base::Status();
+            return MayStay(table, at, row) ? table.Add(at, row) : base::Status();
         }));
         return table.AddDeferred();
     }

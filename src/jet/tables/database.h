@@ -142,7 +142,7 @@ public:
     virtual bool in_transaction() const = 0;
     // Who names the changes that are recorded (only where the page store takes notes); asked at the
     // commit of each transaction. Without one they have no label.
-    virtual void UseLabels(std::function<ChangeLabel()>) {}
+    virtual void UseLabels(const std::function<ChangeLabel()>&) {}
     // How many rows the open transaction has changed so far, and what it has recorded of them: rows
     // as in a note, without its head. Empty where nothing is recorded.
     virtual std::size_t recorded_rows() const { return 0; }

@@ -32,7 +32,7 @@ public:
     void Rollback() override;
     bool in_transaction() const override { return pages_->in_transaction(); }
     std::uint64_t changes() const override { return changes_; }
-    void UseLabels(std::function<ChangeLabel()> labels) override { labels_ = std::move(labels); }
+    void UseLabels(const std::function<ChangeLabel()>& labels) override { labels_ = labels; }
     std::size_t recorded_rows() const override { return recorder_ ? recorder_->row_count() : 0; }
     std::span<const std::byte> recorded() const override {
         return recorder_ ? std::span(recorder_->rows()) : std::span<const std::byte>();

@@ -220,6 +220,7 @@ Result<std::int64_t> Execute(UpdateStatement& update, Session& session) {
     values[0].resize(source.columns.size());
     EvalContext context{&session, &values, nullptr};
     std::vector<std::size_t> columns;
+    columns.reserve(assignments.size());
     for (const BoundAssignment& assignment : assignments)
         columns.push_back(assignment.column);
     const auto make = [&](std::span<Value> new_values) -> Status {
