@@ -6,7 +6,7 @@ namespace cli {
 namespace {
 
 // In single quotes, for a shell.
-std::string Quoted(std::string_view text) {
+std::string ShellQuoted(std::string_view text) {
     std::string quoted = "'";
     for (const char c : text)
         quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
@@ -44,7 +44,7 @@ std::string BashValue(Completes completes, std::span<const std::string_view> cho
     case Completes::kFolders:
         return "_tavolo_cli_files -d";
     case Completes::kChoices:
-        return "_tavolo_cli_words " + Quoted(Joined(choices));
+        return "_tavolo_cli_words " + ShellQuoted(Joined(choices));
     case Completes::kNothing:
         break;
     }
@@ -66,7 +66,7 @@ std::string BashOptions(const Command& command) {
     names.pop_back();
     return "        case $previous in\n" + values +
            "        esac\n        if [[ $current == -* ]]; then _tavolo_cli_words " +
-           Quoted(names) + "; return; fi\n";
+           ShellQuoted(names) + "; return; fi\n";
 }
 
 // Zsh.
@@ -103,13 +103,14 @@ std::string ZshOption(const Option& option) {
         option.value.empty() ? "" : ZshValue(option.value, option.completes, option.choices);
     const std::string repeats = option.repeats ? "*" : "";
     std::string text = "            " +
-                       Quoted(repeats + "--" + std::string(option.name) +
-                              (value.empty() ? "" : "=") + help + value) +
+                       ShellQuoted(repeats + "--" + std::string(option.name) +
+                                   (value.empty() ? "" : "=") + help + value) +
                        " \\\n";
     if (option.letter != 0)
-        text += "            " +
-                Quoted(repeats + "-" + option.letter + (value.empty() ? "" : "+") + help + value) +
-                " \\\n";
+        text +=
+            "            " +
+            ShellQuoted(repeats + "-" + option.letter + (value.empty() ? "" : "+") + help + value) +
+            " \\\n";
     return text;
 }
 
@@ -119,8 +120,8 @@ std::string ZshOperands(const Command& command) {
     for (const Operand& operand : command.operands) {
         const std::string place = operand.repeats ? "*" : std::to_string(number++);
         text += "            " +
-                Quoted(place + (operand.is_optional && !operand.repeats ? ":" : "") +
-                       ZshValue(operand.name, operand.completes, operand.choices)) +
+                ShellQuoted(place + (operand.is_optional && !operand.repeats ? ":" : "") +
+                            ZshValue(operand.name, operand.completes, operand.choices)) +
                 " \\\n";
     }
     return text;
@@ -137,7 +138,7 @@ std::string FishValue(Completes completes, std::span<const std::string_view> cho
     case Completes::kChoices: {
         std::string words;
         for (const std::string_view choice : choices)
-            words += (words.empty() ? "" : " ") + Quoted(choice);
+            words += (words.empty() ? "" : " ") + ShellQuoted(choice);
         // What is in double quotes is evaluated again.
         return " -x -a \"" + words + "\"";
     }
@@ -151,7 +152,7 @@ std::string FishOption(const std::string& condition, const Option& option) {
     std::string line = "complete -c tavolo-cli" + condition + " -l " + std::string(option.name);
     if (option.letter != 0) line += std::string(" -s ") + option.letter;
     if (!option.value.empty()) line += FishValue(option.completes, option.choices);
-    return line + " -d " + Quoted(option.help) + "\n";
+    return line + " -d " + ShellQuoted(option.help) + "\n";
 }
 
 std::string FishCommand(const Command& command) {
@@ -222,8 +223,8 @@ _tavolo_cli() {
         if (c == ' ') c = '\n';
     text += "    *)\n        case $previous in --folder|-C) _tavolo_cli_files -d; return ;; esac\n"
             "        if [[ $current == -* ]]; then _tavolo_cli_words " +
-            Quoted("--folder\n--help\n--version") + "; else _tavolo_cli_words " + Quoted(names) +
-            "; fi ;;\n    esac\n}\ncomplete -F _tavolo_cli tavolo-cli\n";
+            ShellQuoted("--folder\n--help\n--version") + "; else _tavolo_cli_words " +
+            ShellQuoted(names) + "; fi ;;\n    esac\n}\ncomplete -F _tavolo_cli tavolo-cli\n";
     return text;
 }
 
@@ -238,7 +239,7 @@ std::string ZshCompletion() {
             "    case $state in\n    command)\n        local -a commands\n        commands=(\n";
     for (const Command& command : Commands())
         text += "            " +
-                Quoted(std::string(command.name) + ":" + ZshText(command.summary)) + "\n";
+                ShellQuoted(std::string(command.name) + ":" + ZshText(command.summary)) + "\n";
     text += "        )\n        _describe command commands ;;\n    argument)\n"
             "        case $line[1] in\n";
     for (const Command& command : Commands()) {
@@ -255,7 +256,7 @@ std::string FishCompletion() {
                        "table of commands.\ncomplete -c tavolo-cli -f\n";
     for (const Command& command : Commands())
         text += "complete -c tavolo-cli -n __fish_use_subcommand -a " + std::string(command.name) +
-                " -d " + Quoted(command.summary) + "\n";
+                " -d " + ShellQuoted(command.summary) + "\n";
     for (const Option& option : CommonOptions())
         text += FishOption("", option);
     for (const Command& command : Commands())

@@ -1,14 +1,10 @@
 #include "exchange/csv_reader.h"
 
+#include "exchange/wtf8.h"
+
 #include <algorithm>
 
 namespace exchange {
-namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-}  // namespace
-
 CsvReader::CsvReader(std::string_view bytes) : bytes_(bytes) {
     if (bytes_.starts_with(kByteOrderMark)) bytes_.remove_prefix(kByteOrderMark.size());
 }

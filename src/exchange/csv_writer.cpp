@@ -1,12 +1,12 @@
 #include "exchange/csv_writer.h"
 
+#include "exchange/wtf8.h"
+
 namespace exchange {
 namespace {
 
-// At the start of a file it would be taken for a byte order mark.
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-// Blanks at the ends are kept by every reader only inside quotes.
+// Blanks at the ends are kept by every reader only inside quotes; a byte order mark at the start of
+// a file would not be taken for text.
 bool NeedsQuotes(std::string_view text) {
     return text.empty() || text.starts_with(kByteOrderMark) ||
            text.find_first_of(",\"\r\n") != std::string_view::npos || text.front() == ' ' ||

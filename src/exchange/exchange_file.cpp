@@ -5,7 +5,7 @@
 namespace exchange {
 namespace {
 
-constexpr qint64 kPieceBytes = qint64{1} << 20;
+constexpr qint64 kReadAtOnce = qint64{1} << 20;
 
 }  // namespace
 
@@ -21,7 +21,7 @@ base::Result<QByteArray> ReadFile(const QString& path) {
     QByteArray bytes;
     QByteArray piece;
     do {
-        piece = file.read(kPieceBytes);
+        piece = file.read(kReadAtOnce);
         bytes += piece;
         if (bytes.size() > kMaxFileBytes) return too_large;
     } while (!piece.isEmpty());

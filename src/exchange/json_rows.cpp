@@ -1,5 +1,7 @@
 #include "exchange/json_rows.h"
 
+#include "exchange/wtf8.h"
+
 #include <algorithm>
 #include <charconv>
 #include <string>
@@ -8,7 +10,6 @@
 namespace exchange {
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r\n";
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace exchange {
 namespace {
 
-constexpr std::size_t kPieceBytes = std::size_t{256} << 10;
+constexpr std::size_t kWrittenAtOnce = std::size_t{256} << 10;
 
 // A format's way of writing rows. Everything is appended to `bytes`.
 class RowFormat {
@@ -144,7 +144,7 @@ base::Result<std::int64_t> WriteRows(jet::Recordset& rows, const WriteOptions& o
             format->AddCell(bytes, column, value);
         }
         format->EndRow(bytes);
-        if (bytes.size() >= kPieceBytes) {
+        if (bytes.size() >= kWrittenAtOnce) {
             RETURN_IF_ERROR(sink(bytes));
             bytes.clear();
         }

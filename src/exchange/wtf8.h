@@ -10,6 +10,9 @@
 
 namespace exchange {
 
+// What some programs put before a text in UTF-8; no character of it.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // Appends the bytes of `text`.
 void AppendWtf8(std::string& bytes, std::u16string_view text);
 

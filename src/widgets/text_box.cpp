@@ -5,14 +5,14 @@ namespace {
 
 // Far more than any column holds: a text that is too long is refused by the database, not cut by
 // the box.
-constexpr int kMaxLineLength = 1 << 24;
+constexpr int kMaxTextLength = 1 << 24;
 
 }  // namespace
 
 TextBox TextBox::OneLine(QWidget* parent) {
     TextBox box;
     box.line_ = new QLineEdit(parent);
-    box.line_->setMaxLength(kMaxLineLength);
+    box.line_->setMaxLength(kMaxTextLength);
     return box;
 }
 

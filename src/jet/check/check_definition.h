@@ -25,7 +25,7 @@ struct Column {
     bool fixed() const { return (flags & 0x01) != 0; }
     bool autonumber() const { return (flags & 0x04) != 0; }
     bool is_long_value() const { return type == ColumnType::kMemo || type == ColumnType::kOle; }
-    bool is_text() const { return type == ColumnType::kMemo || type == ColumnType::kText; }
+    bool is_text() const { return IsTextType(type); }
 };
 
 struct IndexPart {

@@ -2,6 +2,7 @@
 
 #include "jet/pages/format.h"
 #include "jet/pages/page_header_layout.h"
+#include "jet/pages/sectors.h"
 
 #include <algorithm>
 #include <random>
@@ -10,7 +11,6 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kCommitWordsBytes = 2 * kCommitWordCount;
-constexpr std::size_t kSectorSize = 512;
 constexpr std::byte kNeutralHighByte{1};
 
 }  // namespace

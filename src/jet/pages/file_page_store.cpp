@@ -13,7 +13,6 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kMaxBytesAtOnce = 1U << 20;
-constexpr std::size_t kSectorSize = 512;
 // Above this size a commit waits for a checkpoint, so that the journal cannot grow without end.
 constexpr std::uint64_t kMaxJournalBytes = 64U << 20;
 
@@ -31,12 +30,12 @@ std::shared_ptr<PageBytes> Encoded(const PageEncoding& encoding, PageNumber numb
 }
 
 // A new page differs from whatever the file has.
-std::uint8_t DifferentSectors(const PageTransaction::ChangedPage& page) {
-    if (page.before == nullptr) return 0xFF;
-    std::uint8_t sectors = 0;
+Sectors DifferentSectors(const PageTransaction::ChangedPage& page) {
+    if (page.before == nullptr) return kAllSectors;
+    Sectors sectors = 0;
     for (std::size_t at = 0; at < page.after->size(); at += kSectorSize)
         if (std::memcmp(page.before->data() + at, page.after->data() + at, kSectorSize) != 0)
-            sectors |= static_cast<std::uint8_t>(1U << (at / kSectorSize));
+            sectors |= static_cast<Sectors>(1U << (at / kSectorSize));
     return sectors;
 }
 

@@ -31,6 +31,7 @@
 #include "jet/pages/page_transaction.h"
 #include "jet/pages/prefetch.h"
 #include "jet/pages/read_ahead.h"
+#include "jet/pages/sectors.h"
 
 #include <map>
 #include <memory>
@@ -76,9 +77,6 @@ public:
     base::Status Close() override;
 
 private:
-    // A bit for each sector of a page, the first one lowest.
-    using Sectors = std::uint8_t;
-    static constexpr Sectors kAllSectors = 0xFF;
     // A committed page, and where it differs from the one in the file.
     struct PendingPage {
         SharedPage page;

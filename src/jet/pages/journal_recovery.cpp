@@ -2,6 +2,7 @@
 
 #include "base/byte_reader.h"
 #include "jet/pages/file_mark.h"
+#include "jet/pages/sectors.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +10,6 @@
 
 namespace jet {
 namespace {
-
-constexpr std::size_t kSectorSize = 512;
 
 // Reads the records in order and collects the result.
 class JournalReader {

@@ -13,9 +13,6 @@ namespace {
 using base::LoadLittle;
 using Field = std::span<const std::byte>;
 
-constexpr std::size_t kNumericBytes = 17;
-constexpr std::byte kNumericMinus{0x80};
-
 Value DecodeGuid(Field field) {
     Guid guid;
     std::memcpy(guid.bytes.data(), field.data(), guid.bytes.size());

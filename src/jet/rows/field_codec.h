@@ -8,6 +8,10 @@
 
 namespace jet {
 
+// A numeric field: a byte with the sign in its highest bit, then the digits as a 16-byte number.
+inline constexpr std::size_t kNumericBytes = 17;
+inline constexpr std::byte kNumericMinus{0x80};
+
 // The value of `column` in `row`; reads long values from their pages.
 base::Status DecodeField(FileContext& file, const ColumnDefinition& column, const RowView& row,
                          Value& value);

@@ -8,7 +8,6 @@ namespace jet {
 namespace {
 
 constexpr std::uint8_t kCompressedText = 0x01;
-constexpr std::byte kNumericMinus{0x80};
 // Memos above this are never stored compressed.
 constexpr std::size_t kMaxCompressedMemo = 1024;
 
@@ -33,7 +32,7 @@ base::Result<Bytes> EncodeText(const FileContext& file, const ColumnDefinition& 
 }
 
 Bytes EncodeNumeric(const Numeric& numeric) {
-    Bytes bytes(17);
+    Bytes bytes(kNumericBytes);
     if (numeric.negative) bytes[0] = kNumericMinus;
     for (std::size_t i = 0; i < 4; ++i)
         base::StoreLittle(bytes.data() + 1 + 4 * i, numeric.magnitude[i]);

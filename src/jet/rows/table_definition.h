@@ -43,7 +43,7 @@ struct ColumnDefinition {
     bool is_fixed() const { return (flags & kColumnFixed) != 0 && type != ColumnType::kBoolean; }
     bool is_variable() const { return (flags & kColumnFixed) == 0 && type != ColumnType::kBoolean; }
     bool is_long_value() const { return type == ColumnType::kMemo || type == ColumnType::kOle; }
-    bool is_text() const { return type == ColumnType::kText || type == ColumnType::kMemo; }
+    bool is_text() const { return IsTextType(type); }
     bool is_autonumber() const {
         return (flags & kColumnAutonumber) != 0 ||
                (type == ColumnType::kGuid && (flags & kColumnGuidAutonumber) != 0);

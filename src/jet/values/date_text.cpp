@@ -19,7 +19,7 @@ struct Piece {
 };
 
 constexpr std::size_t kMaxDateText = 100;
-constexpr std::size_t kMaxDigits = 4;
+constexpr std::size_t kMaxPartDigits = 4;
 
 // 1-based place of `word` among `names`, whole or as its first three letters; 0: none.
 template <std::size_t N>
@@ -49,7 +49,7 @@ std::size_t RunLength(std::u16string_view text, bool (*belongs)(char16_t)) {
 }
 
 std::optional<Piece> NumberPiece(std::u16string_view digits) {
-    if (digits.size() > kMaxDigits) return std::nullopt;
+    if (digits.size() > kMaxPartDigits) return std::nullopt;
     int value = 0;
     for (const char16_t c : digits)
         value = value * 10 + (c - u'0');

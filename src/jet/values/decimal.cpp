@@ -6,7 +6,7 @@
 namespace jet {
 namespace {
 
-constexpr int kMaxDigits = 28;  // what the engine's decimal type carries
+constexpr int kMaxDecimalDigits = 28;  // what the engine's decimal type carries
 
 using Words = std::array<std::uint32_t, 4>;  // most significant first
 
@@ -119,14 +119,15 @@ std::optional<Numeric> NumericFromText(std::string_view plain, std::uint8_t prec
     const long keep = number.point + scale;
     if (number.digits.empty() || keep < 0)
         number.digits.clear();
-    else if (keep > kMaxDigits + 1)
+    else if (keep > kMaxDecimalDigits + 1)
         return std::nullopt;
     else {
         const auto kept = static_cast<std::size_t>(keep);
         if (kept > number.digits.size()) number.digits.append(kept - number.digits.size(), '0');
         if (CutDigits(number.digits, kept)) RoundUp(number.digits);
     }
-    if (number.digits.size() > std::min<std::size_t>(precision, kMaxDigits)) return std::nullopt;
+    if (number.digits.size() > std::min<std::size_t>(precision, kMaxDecimalDigits))
+        return std::nullopt;
     Numeric numeric;
     numeric.scale = scale;
     for (const char c : number.digits)

@@ -34,6 +34,10 @@ enum class ColumnType : std::uint8_t {
     kFixedBinary = 0x11,
 };
 
+constexpr bool IsTextType(ColumnType type) {
+    return type == ColumnType::kText || type == ColumnType::kMemo;
+}
+
 struct Money {
     std::int64_t units = 0;  // 1/10000
     auto operator<=>(const Money&) const = default;

@@ -92,7 +92,7 @@ Result<Value> GenGuid(Arguments, EvalContext&) {
     return Value::OfGuid(guid);
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kConvertFunctions[] = {
     {u"CBool", 1, 1, FunctionKind::kStrict, Convert<ColumnType::kBoolean>},
     {u"CByte", 1, 1, FunctionKind::kStrict, Convert<ColumnType::kByte>},
     {u"CCur", 1, 1, FunctionKind::kStrict, Convert<ColumnType::kMoney>},
@@ -116,7 +116,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> ConvertFunctions() {
-    return kFunctions;
+    return kConvertFunctions;
 }
 
 }  // namespace jet::sql

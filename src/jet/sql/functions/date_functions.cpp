@@ -288,7 +288,7 @@ Result<Value> DatePart(Arguments a, EvalContext& context) {
     }
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kDateFunctions[] = {
     {u"Now", 0, 0, FunctionKind::kStrict, Now},
     {u"Date", 0, 0, FunctionKind::kStrict, DateToday},
     {u"Time", 0, 0, FunctionKind::kStrict, TimeNow},
@@ -311,7 +311,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> DateFunctions() {
-    return kFunctions;
+    return kDateFunctions;
 }
 
 }  // namespace jet::sql

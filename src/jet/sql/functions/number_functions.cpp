@@ -151,7 +151,7 @@ Result<Value> Partition(Arguments a, EvalContext&) {
     return Value::Text(padded(text(low)) + u":" + padded(text(high)));
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kNumberFunctions[] = {
     {u"Abs", 1, 1, FunctionKind::kStrict, Abs},
     {u"Atn", 1, 1, FunctionKind::kStrict, Real<Atn>},
     {u"Cos", 1, 1, FunctionKind::kStrict, Real<Cos>},
@@ -173,7 +173,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> NumberFunctions() {
-    return kFunctions;
+    return kNumberFunctions;
 }
 
 }  // namespace jet::sql

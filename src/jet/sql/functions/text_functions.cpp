@@ -244,7 +244,7 @@ Result<Value> Val(Arguments a, EvalContext&) {
     return Value::Double(0);
 }
 
-constexpr Function kFunctions[] = {
+constexpr Function kTextFunctions[] = {
     {u"Asc", 1, 1, FunctionKind::kStrict, Asc},
     {u"AscW", 1, 1, FunctionKind::kStrict, AscW},
     {u"Chr", 1, 1, FunctionKind::kStrict, Chr},
@@ -271,7 +271,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> TextFunctions() {
-    return kFunctions;
+    return kTextFunctions;
 }
 
 }  // namespace jet::sql

@@ -12,13 +12,9 @@ namespace {
 using base::Result;
 using base::Status;
 
-bool IsText(ColumnType type) {
-    return type == ColumnType::kText || type == ColumnType::kMemo;
-}
-
 // Jet 3 files sort texts by another table than expressions do.
 bool SortsAlike(const ColumnDesign& column, int jet_version) {
-    return !IsText(column.type) || jet_version >= 4;
+    return !IsTextType(column.type) || jet_version >= 4;
 }
 
 // In a descending column of decimals the keys of negative numbers come first.

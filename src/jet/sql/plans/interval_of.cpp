@@ -118,10 +118,6 @@ EqualValues DateValues(double days) {
     return Between(Value::DateTime(day - 2), Value::DateTime(day + 2));
 }
 
-bool IsText(ColumnType type) {
-    return type == ColumnType::kText || type == ColumnType::kMemo;
-}
-
 // The number that comparisons with a column of this type see in the constant.
 std::optional<double> NumberFor(const ColumnDesign& column, const Value& constant) {
     const auto* text = constant.get_if<std::u16string>();
@@ -171,7 +167,7 @@ bool Touches(const Interval& first, const Interval& second) {
 }  // namespace
 
 std::optional<EqualValues> ValuesEqualTo(const ColumnDesign& column, const Value& constant) {
-    if (IsText(column.type)) {
+    if (IsTextType(column.type)) {
         if (!constant.is<std::u16string>()) return std::nullopt;
         return Between(constant, constant, true);
     }

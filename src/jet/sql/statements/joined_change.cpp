@@ -15,7 +15,7 @@ namespace {
 using base::Result;
 using base::Status;
 
-struct BoundAssignment {
+struct JoinedAssignment {
     Scope::Place target;
     std::size_t slot = 0;  // of the target in its source's row
     const Expression* value = nullptr;
@@ -74,13 +74,13 @@ Status BindFrom(FromNode& from, Expression* where, Scope& scope, Session& sessio
     return where != nullptr ? Bind(*where, scope, session) : Status::Ok();
 }
 
-Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Scope& scope,
-                                                     Session& session) {
-    std::vector<BoundAssignment> bound;
+Result<std::vector<JoinedAssignment>> BindJoinedAssignments(UpdateStatement& update, Scope& scope,
+                                                            Session& session) {
+    std::vector<JoinedAssignment> bound;
     for (const Assignment& assignment : update.assignments) {
         const Expression& name = *assignment.target;
         ASSIGN_OR_RETURN(const Scope::Place place, scope.Find(name.qualifier, name.name));
-        for (const BoundAssignment& other : bound)
+        for (const JoinedAssignment& other : bound)
             if (other.target.source == place.source && other.target.column == place.column)
                 return JetError(ErrorNumber::kDuplicateDestination, name.name);
         RETURN_IF_ERROR(CheckWritable(session, *scope.sources()[place.source].table));
@@ -92,9 +92,9 @@ Result<std::vector<BoundAssignment>> BindAssignments(UpdateStatement& update, Sc
 }
 
 // The new values that one combination gives, for each source that has a row.
-Status CollectChanges(const std::vector<BoundAssignment>& assignments, const Scope& scope,
+Status CollectChanges(const std::vector<JoinedAssignment>& assignments, const Scope& scope,
                       EvalContext& context, const CombinedRows& found, RowChanges& changes) {
-    for (const BoundAssignment& assignment : assignments) {
+    for (const JoinedAssignment& assignment : assignments) {
         const std::size_t source = assignment.target.source;
         if (!found[source]) continue;
         Table& table = *scope.sources()[source].table;
@@ -118,7 +118,7 @@ Result<std::size_t> FindTarget(const DeleteStatement& erase, const Scope& scope)
 Result<std::int64_t> UpdateJoined(UpdateStatement& update, Session& session) {
     Scope scope;
     RETURN_IF_ERROR(BindFrom(*update.from, update.where.get(), scope, session));
-    ASSIGN_OR_RETURN(const auto assignments, BindAssignments(update, scope, session));
+    ASSIGN_OR_RETURN(const auto assignments, BindJoinedAssignments(update, scope, session));
     RowChanges changes;
     std::int64_t count = 0;
     ASSIGN_OR_RETURN(const std::unique_ptr<Joiner> joiner,
