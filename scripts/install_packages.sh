@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# install_packages.sh build|run|test ...: installs the Debian 12 packages that building, running or testing needs; what is
-# there is skipped, so a second call costs nothing. Uses sudo when not root.
+# install_packages.sh build|run|test|package ...: installs the Debian 12 packages that building, running, testing or packaging
+# needs; what is there is skipped, so a second call costs nothing. Uses sudo when not root.
 set -euo pipefail
 
 build="g++ cmake ninja-build ccache mold pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-multimedia-dev
@@ -10,6 +10,7 @@ run="xvfb openbox imagemagick x11-utils wmctrl xdotool fonts-dejavu-core libqt6s
 test="libgtest-dev libgmock-dev libgsf-1-dev libsqlite3-dev mdbtools mdbtools-dev zlib1g-dev xclip rhash libjpeg-turbo-progs
     libchm-bin git clang clang-format clang-tidy libclang-rt-14-dev groff-base zsh fish wine wine64 gcc-mingw-w64-x86-64 pulseaudio pulseaudio-utils sox dbus-x11 procps
     desktop-file-utils appstream mandoc shared-mime-info libglib2.0-bin strace"
+package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git xz-utils qt6-wayland"
 
 wanted=()
 for set in "$@"; do
@@ -17,7 +18,8 @@ for set in "$@"; do
         build) wanted+=($build) ;;
         run) wanted+=($run) ;;
         test) wanted+=($test) ;;
-        *) echo "usage: $0 build|run|test ..." >&2; exit 2 ;;
+        package) wanted+=($package) ;;
+        *) echo "usage: $0 build|run|test|package ..." >&2; exit 2 ;;
     esac
 done
 
