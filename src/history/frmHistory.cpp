@@ -102,7 +102,9 @@ QPushButton* frmHistory::MakeButton(const char* object_name, const QString& capt
 void frmHistory::BuildControls() {
     changes_view_ = MakeView("tblChanges", QStringLiteral("Changes"), changes_);
     const int width = fontMetrics().averageCharWidth();
-    changes_view_->setColumnWidth(ChangeListModel::kWhen, 24 * width);
+    const int widest_time =
+        fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00 PM"));
+    changes_view_->setColumnWidth(ChangeListModel::kWhen, widest_time + 4 * width);
     changes_view_->horizontalHeader()->setSectionResizeMode(ChangeListModel::kWhat,
                                                             QHeaderView::Stretch);
     lines_view_ = MakeView("tblFields", QStringLiteral("Fields of the change"), lines_);

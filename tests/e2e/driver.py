@@ -426,9 +426,10 @@ class Tavolo:
         """Answers the message box in front by a key ("Return", "alt+y", "alt+n", "Escape") and waits for its end."""
         before = [w for w in self.windows() if w["class"].endswith("MessageBox")]
         wait_for(lambda: self.desktop.active_window() in [w["id"] for w in before], "the keyboard in the message box")
+        front = self.desktop.active_window()
         self.press(key)
-        wait_for(lambda: len([w for w in self.windows() if w["class"].endswith("MessageBox")]) < max(1, len(before)),
-                 "the end of the message box")
+        # Another box may come up at once.
+        wait_for(lambda: front not in [w["id"] for w in self.windows() if w["class"].endswith("MessageBox")], "the end of the message box")
 
     def choose_file(self, path):
         """Types a path into the open file or folder dialog and accepts it."""

@@ -156,6 +156,54 @@ def purge(program, catalogue, work):
     program.check_tree_and_panels("All", "Bob's Table", "Deep Dive")
 
 
+def undo_and_redo(program, catalogue):
+    """The purge, taken back and done again; the window of all changes tells of it."""
+    program.press("ctrl+z")
+    catalogue.wait(lambda rows: len(rows) == 4, "the row that comes back")
+    wait_for(lambda: "Grüße aus Köln" in program.items(), "the table in the tree")
+    program.menu("mnuEdit", "mnuHistory")
+    program.wait_front("History")
+    wait_for(lambda: program.items("tblFields"), "the fields of the newest change")
+    program.picture("history")
+    program.press("Escape")
+    program.wait_window_gone("History")
+    program.press("ctrl+shift+z")
+    catalogue.wait(lambda rows: len(rows) == 3, "the row that goes again")
+
+
+def restore_snapshot(program, catalogue):
+    """The state before the purge, out of the snapshot that was made then."""
+    program.menu("mnuEdit", "mnuRestoreSnapshot")
+    program.wait_front("Restore")
+    program.wait_text("lblDifferences", "Compared with today:\nTables: 1 more, 0 fewer, 0 different")
+    program.picture("snapshots")
+    program.click("cmdRestore")
+    check(program.message().startswith("The catalogue becomes what it was on "), "the question before restoring")
+    program.answer("alt+n")
+    check_equal(len(catalogue.rows()), 3, "rows after No")
+    program.click("cmdRestore")
+    program.message()
+    program.answer("alt+y")
+    wait_for(lambda: any(text.startswith("The catalogue was restored.") for text in program.messages()), "the end of the restore")
+    program.picture("restored")
+    program.answer()
+    program.wait_window_gone("Restore")
+    catalogue.wait(lambda rows: len(rows) == 4, "the rows of the snapshot")
+    wait_for(lambda: "Grüße aus Köln" in program.items(), "the table in the tree")
+    # Undone by another restore, of the state that was saved before it.
+    program.menu("mnuEdit", "mnuRestoreSnapshot")
+    program.wait_front("Restore")
+    program.wait_text("lblDifferences", "Compared with today:\nTables: 0 more, 1 fewer, 0 different")
+    program.click("cmdRestore")
+    program.message()
+    program.answer("alt+y")
+    wait_for(lambda: any(text.startswith("The catalogue was restored.") for text in program.messages()), "the end of the restore")
+    program.answer()
+    program.wait_window_gone("Restore")
+    catalogue.wait(lambda rows: len(rows) == 3, "the rows after the purge")
+    wait_for(lambda: "Grüße aus Köln" not in program.items(), "the tree after the purge")
+
+
 def backup(program, catalogue, folder):
     utility(program, "mnuBackup")
     check_equal(program.message(), f"Database copied to:{folder}/pinball.BU\nRename to {folder}/pinball.mdb "
@@ -203,7 +251,7 @@ def compact(program, catalogue, work):
     wait_for(lambda: program.visible("tvwDB") and "Bob's Table" in program.items(), "the tree")
     program.picture("compacted")
     check_equal(export_rows(catalogue.database), rows, "the rows of the compacted catalogue")
-    check_equal(sorted(p.name for p in catalogue.database.parent.glob("pinball.mdb*")), ["pinball.mdb", "pinball.mdb-history", "pinball.mdb-snapshots"],
+    check_equal(sorted(p.name for p in catalogue.database.parent.glob("pinball.mdb*")), ["pinball.mdb", "pinball.mdb-history", "pinball.mdb-history.old", "pinball.mdb-snapshots"],
                 "files left beside it")
     # The program goes on writing to the new file.
     program.click_item("Bob's Table")
@@ -231,6 +279,8 @@ def main():
             update_crcs(program, catalogue, work)
             import_launcher_data(program, catalogue, folder, work)
             purge(program, catalogue, work)
+            undo_and_redo(program, catalogue)
+            restore_snapshot(program, catalogue)
             backup(program, catalogue, folder)
             compact(program, catalogue, work)
             program.picture("end")

@@ -1,0 +1,190 @@
+// A real process on real files is killed (SIGKILL) at random instants while it changes rows, undoes
+// and redoes, twice in a row, the second time soon after it has found what the first left behind.
+// Afterwards history and file must agree: every change taken back, the newest first, leads to the
+// rows that were there at the beginning, and nothing stands in the way of any.
+#include "history_fixture.h"
+
+#include "history/undo_redo.h"
+#include "platform/file_system.h"
+#include "support/check_database.h"
+
+#include <chrono>
+#include <csignal>
+#include <random>
+#include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace history::test {
+namespace {
+
+constexpr int kRounds = TAVOLO_KILLED_ROUNDS;
+constexpr int kRows = 40;
+constexpr int kMaxDelay = 25'000;       // microseconds
+constexpr int kMaxSecondDelay = 4'000;  // the same
+
+// A kill loses nothing of what the system's cache holds, so a file system in memory proves as much.
+std::filesystem::path FolderForManySyncs() {
+    const std::filesystem::path memory = "/dev/shm";
+    return ::access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+}
+
+std::u16string Number(std::size_t number) {
+    const std::string text = std::to_string(number);
+    return {text.begin(), text.end()};
+}
+
+class HistoryKillTest : public testing::Test {
+protected:
+    // The catalogue and its history, open.
+    struct Session {
+        Session(jet::FileSystem& files, const std::filesystem::path& path)
+            : history(files, path), connection(files) {
+            connection.UseNotes(&history);
+            opened = connection.Open(u"Data Source=" + path.u16string());
+        }
+        HistoryFile history;
+        jet::Connection connection;
+        base::Status opened;
+    };
+
+    void SetUp() override {
+        std::string name = (FolderForManySyncs() / "tavolo-history-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(name.data()), nullptr);
+        folder_ = name;
+        path_ = folder_ / "games.mdb";
+        as_made_ = folder_ / "as made";
+        ASSERT_TRUE(jet::CreateDatabaseFile(*files_, as_made_, 40000).ok());
+        jet::Connection connection(*files_);
+        ASSERT_TRUE(connection.Open(u"Data Source=" + as_made_.u16string()).ok());
+        const auto execute = [&](std::u16string_view sql) {
+            ASSERT_TRUE(connection.Execute(sql).ok());
+        };
+        execute(u"CREATE TABLE Games (ID COUNTER PRIMARY KEY, Name TEXT(50), Points LONG, Notes "
+                u"MEMO)");
+        execute(u"CREATE INDEX Name ON Games (Name)");
+        for (int i = 0; i < kRows; ++i)
+            execute(u"INSERT INTO Games (Name, Points, Notes) VALUES ('Game " + Number(i) +
+                    u"', 1, String(" + Number(i * 150) + u", 'n'))");
+        rows_ = RowsOf(connection);
+        ASSERT_TRUE(connection.Close().ok());
+    }
+    void TearDown() override {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+    static std::vector<std::u16string> RowsOf(jet::Connection& connection) {
+        std::vector<std::u16string> content;
+        auto rows = connection.Execute(u"SELECT * FROM Games ORDER BY ID");
+        EXPECT_TRUE(rows.ok()) << rows.status().message();
+        for (; rows.ok() && !rows->Eof(); rows->MoveNext().Ignore()) {
+            std::u16string row;
+            for (std::size_t i = 0; i < rows->FieldCount(); ++i)
+                row += jet::ToText(rows->Fields(i).value()) + u"|";
+            content.push_back(std::move(row));
+        }
+        return content;
+    }
+
+    static std::u16string Statement(std::mt19937& random) {
+        const std::u16string id = Number(1 + random() % kRows);
+        switch (random() % 4) {
+        case 0:
+            return u"UPDATE Games SET Points = Points + 1, Name = 'n' & Points";
+        case 1:
+            return u"UPDATE Games SET Notes = String(" + id + u"00, 'x') WHERE ID > " + id;
+        case 2:
+            return u"DELETE FROM Games WHERE ID > " + id;
+        default:
+            return u"INSERT INTO Games (Name, Points) SELECT Name, Points FROM Games WHERE ID <= " +
+                   id;
+        }
+    }
+
+    [[noreturn]] void WorkUntilKilled(std::uint32_t seed, int pipe) {
+        std::mt19937 random(seed);
+        if (::write(pipe, "+", 1) != 1) ::_exit(3);
+        Session session(*files_, path_);
+        if (!session.opened.ok()) ::_exit(4);
+        UndoRedo undo_redo(session.connection, session.history);
+        for (;;) {
+            const auto kind = random() % 5;
+            if (kind < 3) {
+                const jet::NamedChange named(session.connection, u"Change");
+                // A command of several transactions.
+                for (auto left = 1 + random() % 2; left > 0; --left)
+                    if (!session.connection.Execute(Statement(random)).ok()) ::_exit(5);
+                continue;
+            }
+            const auto done = kind == 3 ? undo_redo.Undo() : undo_redo.Redo();
+            if (!done.ok() || (*done && !(*done)->result.refusals.empty())) ::_exit(6);
+        }
+    }
+
+    void RunAndKill(std::uint32_t seed, std::chrono::microseconds delay) {
+        int ends[2];
+        ASSERT_EQ(::pipe(ends), 0);
+        const pid_t writer = ::fork();
+        if (writer == 0) WorkUntilKilled(seed, ends[1]);
+        ::close(ends[1]);
+        char begun = 0;
+        EXPECT_EQ(::read(ends[0], &begun, 1), 1);
+        std::this_thread::sleep_for(delay);
+        ::kill(writer, SIGKILL);
+        ::close(ends[0]);
+        int state = 0;
+        ::waitpid(writer, &state, 0);
+        EXPECT_TRUE(WIFSIGNALED(state)) << "the writer ended by itself with " << WEXITSTATUS(state);
+    }
+
+    void StartAgain() {
+        for (const auto& entry : std::filesystem::directory_iterator(folder_))
+            if (entry.path() != as_made_) std::filesystem::remove_all(entry.path());
+        std::filesystem::copy_file(as_made_, path_);
+    }
+
+    // How many changes there were.
+    std::size_t TakeAllBack() {
+        Session session(*files_, path_);
+        EXPECT_TRUE(session.opened.ok()) << session.opened.message();
+        EXPECT_TRUE(session.connection.Flush().ok());
+        const auto changes = session.history.Changes();
+        EXPECT_TRUE(changes.ok()) << changes.status().message();
+        if (!changes.ok()) return 0;
+        for (auto change = changes->rbegin(); change != changes->rend(); ++change) {
+            const auto done = PutBack(session.connection, session.history, change->number, u"Back");
+            EXPECT_TRUE(done.ok()) << done.status().message();
+            EXPECT_TRUE(done.ok() && done->refusals.empty()) << "change " << change->number;
+        }
+        EXPECT_EQ(RowsOf(session.connection), rows_);
+        EXPECT_TRUE(session.connection.Close().ok());
+        return changes->size();
+    }
+
+    std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
+    std::filesystem::path folder_, path_, as_made_;
+    std::vector<std::u16string> rows_;  // at the beginning
+};
+
+TEST_F(HistoryKillTest, AfterEachKillHistoryAndFileAgree) {
+    std::mt19937 random(11);
+    std::size_t changes = 0;
+    for (std::uint32_t i = 0; i < kRounds; ++i) {
+        SCOPED_TRACE("round " + std::to_string(i));
+        StartAgain();
+        const auto below = [&](int most) {
+            return std::chrono::microseconds(random() % static_cast<unsigned>(most));
+        };
+        ASSERT_NO_FATAL_FAILURE(RunAndKill(2 * i, below(kMaxDelay)));
+        ASSERT_NO_FATAL_FAILURE(RunAndKill(2 * i + 1, below(kMaxSecondDelay)));
+        changes += TakeAllBack();
+        ASSERT_TRUE(test_support::DatabaseIsSound(path_, test_support::kOwnFile));
+        ASSERT_FALSE(HasFailure());
+    }
+    EXPECT_GT(changes, static_cast<std::size_t>(kRounds));
+}
+
+}  // namespace
+}  // namespace history::test
