@@ -27,7 +27,7 @@ FindController::FindController(const Parts& parts, Actions actions)
     connect(&parts_.bar, &FindBar::EscapePressed, this, &FindController::Escape);
     connect(&parts_.bar, &FindBar::LeaveWanted, this, &FindController::Leave);
     connect(&parts_.tree, &TableTreeView::NodeClicked, this, &FindController::NodeClicked);
-    connect(&indexer_, &FindIndexer::Ready, this, [this] { Search(false); });
+    connect(&indexer_, &FindIndexer::Ready, this, [this] { TextChanged(parts_.bar.Text()); });
     connect(&parts_.model, &QAbstractItemModel::modelReset, this, &FindController::Forget);
     connect(&parts_.model, &QAbstractItemModel::dataChanged, this, [this] {
         if (query_.Asks(FindFlag::kMissing) && !search_again_.isActive()) search_again_.start();

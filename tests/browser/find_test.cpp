@@ -194,6 +194,18 @@ TEST_F(FindTest, AnotherSelectionIsSearchedAnew) {
     EXPECT_TRUE(WaitForCount(u"None"));
 }
 
+TEST_F(FindTest, MissingFilesAreLookedForAgainAfterARefresh) {
+    for (int i = 0; i < 60; ++i)  // most of them are out of sight
+        AddTable(QStringLiteral("Lost %1").arg(i), QStringLiteral("/gone/%1.vpt").arg(i));
+    OpenWindow();
+    OpenFind();
+    Type("is:missing");
+    ASSERT_TRUE(WaitForCount(u"1 of 61"));
+    Press(u"cmdGo");
+    EXPECT_EQ(Count(), S(u"..."));
+    EXPECT_TRUE(WaitForCount(u"1 of 61"));
+}
+
 TEST_F(FindTest, NothingIsSelectedDuringAnEdit) {
     OpenWindow();
     Click(Table(0));
