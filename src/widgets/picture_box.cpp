@@ -43,6 +43,7 @@ base::Status PictureBox::SetPicture(const PictureSource& source) {
     auto size = PictureSize(source);
     if (!size.ok()) {
         ShowPlaceholder();
+        setToolTip(QString::fromStdString(size.status().message()));
         return size.status();
     }
     SetSource(source);
@@ -73,6 +74,7 @@ void PictureBox::SetSource(const PictureSource& source) {
     decoded_ = {};
     is_outgrown_ = false;
     decode_again_.stop();
+    setToolTip({});
     setCursor(!source_.is_empty() ? Qt::PointingHandCursor : Qt::ArrowCursor);
     update();
 }
@@ -98,10 +100,12 @@ QSize PictureBox::SizeInPixels() const {
 void PictureBox::Decode() {
     is_outgrown_ = false;
     auto decoded = DecodePicture(source_, SizeInPixels());
-    if (decoded.ok())
+    if (decoded.ok()) {
         decoded_ = std::move(*decoded);
-    else if (decoded_.isNull())
+    } else if (decoded_.isNull()) {
         ShowPlaceholder();
+        setToolTip(QString::fromStdString(decoded.status().message()));
+    }
 }
 
 bool PictureBox::DecodedIsTooSmall() const {

@@ -72,6 +72,20 @@ bool IsRotated(const QImageReader& reader) {
     return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90);
 }
 
+// As Qt names them. No vector format is among them: the work of drawing one has no bound.
+bool IsShown(const QByteArray& format) {
+    static const QByteArrayList formats = {"bmp", "cur",    "gif",  "ico",    "jpeg",
+                                           "pbm", "pbmraw", "pgm",  "pgmraw", "png",
+                                           "ppm", "ppmraw", "webp", "xbm",    "xpm"};
+    return formats.contains(format);
+}
+
+// Its decoder takes the whole file into memory first.
+bool IsTooLongWebp(const QImageReader& reader) {
+    return reader.format() == "webp" &&
+           reader.device()->size() > qint64{kPictureMemoryMegabytes} * 1024 * 1024;
+}
+
 bool LimitMemory() {
     QImageReader::setAllocationLimit(kPictureMemoryMegabytes);
     return true;
@@ -85,7 +99,7 @@ base::Status Prepare(QImageReader& reader, const PictureSource& source) {
     reader.setAutoTransform(true);
     // Before the reader takes bytes from the device.
     if (IsCutBitmap(*reader.device())) return TooShort(source);
-    if (!reader.canRead() || reader.format().startsWith("svg"))
+    if (!reader.canRead() || !IsShown(reader.format()) || IsTooLongWebp(reader))
         return Failure(base::StatusCode::kUnsupported, source,
                        QStringLiteral("this is not a picture that can be shown"));
     return CheckSize(reader, source);

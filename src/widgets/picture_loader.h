@@ -1,6 +1,6 @@
 // Pictures of unknown origin: sizes read from their headers, pixels decoded at the size they are
-// shown in. Formats: BMP, JPEG, GIF and the others that Qt reads, except vector formats (the work
-// of drawing one has no bound). Files are not trusted: a picture that would need more than
+// shown in. Formats: BMP, JPEG, GIF, PNG, WebP, icons and the portable formats, and no other that
+// Qt has a plugin for. Files are not trusted: a picture that would need more than
 // kPictureMemoryMegabytes of memory, or that is shorter than its header says, is refused before the
 // memory is taken. Errors: kNotFound (no such file, no bytes), kUnsupported (not a picture, or too
 // large), kCorruption (its data is damaged). Nothing throws.

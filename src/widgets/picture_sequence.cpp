@@ -58,6 +58,7 @@ void PictureSequence::Take(std::uint64_t sequence, const base::Result<DecodedPic
         step.box->ShowDecoded(step.source, *decoded);
     } else {
         step.box->ShowPlaceholder();
+        step.box->setToolTip(QString::fromStdString(decoded.status().message()));
         if (step.failure_ends) return Stop();
     }
     ++next_;

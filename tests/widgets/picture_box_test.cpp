@@ -108,6 +108,16 @@ TEST(PictureBoxTest, GarbageLeavesThePlaceholder) {
     EXPECT_TRUE(box.ShownImage().isNull());
 }
 
+TEST(PictureBoxTest, APictureThatIsNotShownSaysWhy) {
+    PictureBox box;
+    box.SetPicture(PictureSource::Bytes("no picture")).Ignore();
+    EXPECT_TRUE(box.toolTip().contains(QStringLiteral("not a picture")));
+    ASSERT_TRUE(box.SetPicture(Png(10, 10)).ok());
+    EXPECT_TRUE(box.toolTip().isEmpty());
+    box.ShowPlaceholder();
+    EXPECT_TRUE(box.toolTip().isEmpty());
+}
+
 TEST(PictureBoxTest, ThePlaceholderIsPaintedInsideTheBoxWithItsProportions) {
     PictureBox box;
     box.resize(300, 100);

@@ -47,13 +47,21 @@ TEST_P(PictureFormatTest, AFileIsDecodedWhateverItsNameSays) {
     EXPECT_GT(qRed(picture->pixel(20, 15)), 250);
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, PictureFormatTest, testing::Values("bmp", "jpg", "png"),
+INSTANTIATE_TEST_SUITE_P(Formats, PictureFormatTest, testing::Values("bmp", "jpg", "png", "webp"),
                          [](const auto& test) { return std::string(test.param); });
 
 TEST(PictureLoaderTest, AGifIsDecoded) {
     const auto picture = DecodePicture(PictureSource::Bytes(OnePixelGif()), {10, 10});
     ASSERT_TRUE(picture.ok()) << picture.status().message();
     EXPECT_EQ(picture->size(), QSize(1, 1));
+}
+
+// More formats come with the plugin that reads WebP.
+TEST(PictureLoaderTest, AFormatThatIsNotOneOfOursIsRefused) {
+    const QByteArray bytes = Encoded(Painting(8, 8), "tiff");
+    ASSERT_FALSE(bytes.isEmpty());
+    EXPECT_EQ(PictureSize(PictureSource::Bytes(bytes)).status().code(),
+              base::StatusCode::kUnsupported);
 }
 
 // A JPEG of 64 x 32 pixels whose quarters are red, blue (above), green and white (below), and an
@@ -237,7 +245,7 @@ TEST_P(DamagedPictureTest, WithEveryByteFlippedItGivesAPictureOrAStatus) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictureTest, testing::Values("bmp", "jpg", "png"),
+INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictureTest, testing::Values("bmp", "jpg", "png", "webp"),
                          [](const auto& test) { return std::string(test.param); });
 
 }  // namespace
