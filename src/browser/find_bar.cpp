@@ -17,7 +17,7 @@ namespace {
 
 using widgets::Named;
 
-constexpr int kSpacing = 3;
+constexpr int kChipSpacing = 3;
 
 QString HowToFind() {
     return QStringLiteral("What to find in the tables that are shown, for example:\n"
@@ -34,7 +34,7 @@ FindBar::FindBar(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("FindBar"));
     auto* rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(kSpacing);
+    rows->setSpacing(kChipSpacing);
     BuildField();
     BuildChips();
 }
@@ -59,7 +59,7 @@ void FindBar::BuildField() {
     lblFindCount_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     auto* row = new QHBoxLayout;
-    row->setSpacing(kSpacing);
+    row->setSpacing(kChipSpacing);
     row->addWidget(txtFind_, 1);
     row->addWidget(lblFindCount_);
     auto* const leave = AddButton("cmdFindLeave", QStringLiteral("\u00d7"),
@@ -71,7 +71,7 @@ void FindBar::BuildField() {
 
 void FindBar::BuildChips() {
     chips_ = new QWidget(this);
-    chips_->setLayout(new widgets::FlowLayout(kSpacing));
+    chips_->setLayout(new widgets::FlowLayout(kChipSpacing));
     layout()->addWidget(chips_);
     AddBeginning("chipAuthor", QStringLiteral("Author"), QStringLiteral("author:"),
                  QStringLiteral("Part of the author's name"));

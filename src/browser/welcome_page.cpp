@@ -9,8 +9,8 @@
 namespace browser {
 namespace {
 
-constexpr int kMargin = 6;
-constexpr int kSpacing = 10;
+constexpr int kPageMargin = 6;
+constexpr int kOfferSpacing = 10;
 // Room for the longest caption.
 constexpr int kMinimumWidth = 215;
 constexpr double kTitleScale = 1.5;  // of the letters
@@ -39,8 +39,8 @@ WelcomePage::WelcomePage(QWidget* parent) : QScrollArea(parent) {
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* const page = new QWidget;
     auto* const column = new QVBoxLayout(page);
-    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
-    column->setSpacing(kSpacing);
+    column->setContentsMargins(kPageMargin, kPageMargin, kPageMargin, kPageMargin);
+    column->setSpacing(kOfferSpacing);
     column->addWidget(Title());
     column->addWidget(Text(QStringLiteral(
         "It keeps a catalogue of your Visual Pinball tables, shows their pictures, notes and "
