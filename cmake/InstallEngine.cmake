@@ -6,7 +6,7 @@ include(CMakePackageConfigHelpers)
 set(engine_libraries base jet_base jet_values jet_text jet_pages jet_rows jet_index jet_tables jet_check jet_repair
     jet_sql_syntax jet_sql_functions jet_sql_expressions jet_sql_plans jet_sql_statements jet platform_files)
 # What connection.h, database.h and check.h include, and the file system of this system.
-set(engine_headers base/byte_reader.h base/byte_writer.h base/status.h base/unicode.h
+set(engine_headers base/byte_reader.h base/byte_writer.h base/file_names.h base/status.h base/unicode.h
     jet/check/check.h jet/connection.h jet/ids.h jet/pages/commit_notes.h jet/pages/definition_layout.h jet/pages/file_system.h
     jet/pages/format.h jet/pages/page_store.h jet/recordset.h jet/repair/compact.h jet/repair/repair.h jet/rows/table_definition.h
     jet/tables/change_note.h jet/tables/database.h jet/tables/row_rules.h jet/text/text_codec.h jet/values/schema.h jet/values/value.h

@@ -17,6 +17,31 @@ bool IsLowSurrogate(char16_t c) {
     return c >= 0xDC00 && c < 0xE000;
 }
 
+// Templates, so that only the branch of this system is compiled.
+template <typename Char>
+std::basic_string<Char> NativeName(std::u16string_view name) {
+    if constexpr (std::is_same_v<Char, char>)
+        return EncodeFileName(name);
+    else
+        return {name.begin(), name.end()};
+}
+
+template <typename Char>
+std::u16string TextOfName(const std::basic_string<Char>& name) {
+    if constexpr (std::is_same_v<Char, char>)
+        return DecodeFileName(name);
+    else
+        return {name.begin(), name.end()};
+}
+
+template <typename Char>
+std::string Utf8OfName(const std::basic_string<Char>& name) {
+    if constexpr (std::is_same_v<Char, char>)
+        return name;
+    else
+        return ToUtf8(TextOfName(name));
+}
+
 }  // namespace
 
 std::u16string DecodeFileName(std::string_view bytes) {
@@ -63,17 +88,15 @@ std::string EncodeFileName(std::u16string_view name) {
 }
 
 std::filesystem::path PathOf(std::u16string_view name) {
-    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>)
-        return EncodeFileName(name);
-    else
-        return std::filesystem::path::string_type(name.begin(), name.end());
+    return NativeName<std::filesystem::path::value_type>(name);
 }
 
 std::u16string TextOf(const std::filesystem::path& path) {
-    if constexpr (std::is_same_v<std::filesystem::path::value_type, char>)
-        return DecodeFileName(path.native());
-    else
-        return {path.native().begin(), path.native().end()};
+    return TextOfName(path.native());
+}
+
+std::string Utf8Of(const std::filesystem::path& path) {
+    return Utf8OfName(path.native());
 }
 
 }  // namespace base

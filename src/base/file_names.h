@@ -25,5 +25,7 @@ constexpr bool IsEscapedByte(char16_t c) {
 // std::filesystem::path itself throw on a name that is not valid UTF.)
 std::filesystem::path PathOf(std::u16string_view name);
 std::u16string TextOf(const std::filesystem::path& path);
+// The path for a message: its bytes where names are bytes, UTF-8 elsewhere.
+std::string Utf8Of(const std::filesystem::path& path);
 
 }  // namespace base

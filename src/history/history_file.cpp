@@ -27,7 +27,7 @@ std::filesystem::path WithSuffix(std::filesystem::path path, const std::string& 
 Status SetAsideMessage(const std::filesystem::path& to) {
     return {base::StatusCode::kInvalidArgument,
             "The history of changes did not belong to this catalogue; it was set aside as " +
-                to.filename().string() + "."};
+                base::Utf8Of(to.filename()) + "."};
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesys
         if (readable.ok()) pages = std::move(readable);
     }
     if (!pages.ok()) return pages.status();
-    return OpenDatabase(std::move(pages).value(), path.string());
+    return OpenDatabase(std::move(pages).value(), base::Utf8Of(path));
 }
 
 }  // namespace

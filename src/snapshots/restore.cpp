@@ -1,5 +1,6 @@
 #include "snapshots/restore.h"
 
+#include "base/file_names.h"
 #include "jet/check/check.h"
 #include "jet/errors.h"
 #include "jet/pages/file_mark.h"
@@ -57,7 +58,7 @@ base::Status WriteState(jet::FileSystem& files, const std::filesystem::path& pat
         RETURN_IF_ERROR(file->ReadAt(at, chunk));
         if (!std::ranges::equal(chunk, std::span(state).subspan(at, chunk.size())))
             return {base::StatusCode::kIoError,
-                    path.string() + ": what was written is not what is read back"};
+                    base::Utf8Of(path) + ": what was written is not what is read back"};
     }
     return {};
 }
@@ -83,7 +84,8 @@ base::Result<Today> Hold(jet::FileSystem& files, const std::filesystem::path& da
     }
     pages = base::Status(base::StatusCode::kIoError, "not needed");
     ASSIGN_OR_RETURN(today.file, files.Open(database, jet::OpenMode::kReadWrite));
-    if (today.file->Lock(jet::FileLock::kExclusive).code() == base::StatusCode::kBusy)
+    if (today.file->Lock(jet::FileLock::kExclusive, jet::kBehindContent).code() ==
+        base::StatusCode::kBusy)
         return jet::LockFile::BusyStatus(files, database);
     ASSIGN_OR_RETURN(today.owner, jet::LockFile::Take(files, database));
     return today;
@@ -119,9 +121,9 @@ KeepDamaged(jet::FileSystem& files, const std::filesystem::path& database, Local
     const std::filesystem::path first = DamagedName(database, now);
     std::filesystem::path name = first;
     for (int i = 2; files.Exists(name); ++i) {
-        name = first;
-        name.replace_filename(first.stem().string() + "-" + std::to_string(i) +
-                              first.extension().string());
+        name = first.parent_path() / first.stem();
+        name += "-" + std::to_string(i);
+        name += first.extension();
     }
     base::Status kept = KeepCopy(files, database, name);
     const std::filesystem::path journal = jet::Journal::PathFor(database);
@@ -205,9 +207,9 @@ std::filesystem::path DamagedName(const std::filesystem::path& database, LocalSe
                   static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
                   static_cast<int>(clock.minutes().count()),
                   static_cast<int>(clock.seconds().count()));
-    std::filesystem::path path = database;
-    return path.replace_filename(database.stem().string() + text.data() +
-                                 database.extension().string());
+    std::filesystem::path path = database.parent_path() / database.stem();
+    path += text.data();
+    return path += database.extension();
 }
 
 }  // namespace snapshots

@@ -118,7 +118,7 @@ base::Result<std::unique_ptr<SnapshotStore::Session>> SnapshotStore::Begin(bool 
     // Who may not change the folder can still read what is in it.
     if (!file.ok() && makes_folder) return file.status();
     if (!file.ok()) return std::make_unique<Session>(std::move(held), nullptr);
-    const base::Status locked = (*file)->Lock(jet::FileLock::kExclusive);
+    const base::Status locked = (*file)->Lock(jet::FileLock::kExclusive, jet::kBehindContent);
     if (locked.code() == base::StatusCode::kBusy)
         return base::Status(base::StatusCode::kBusy,
                             "Another program is working on the snapshots of this catalogue.");

@@ -124,7 +124,7 @@ public:
                                                   jet::OpenMode mode) override {
         if (path == database_ && !holder_) {
             holder_ = system_.Open(path, jet::OpenMode::kReadWrite).value();
-            EXPECT_TRUE(holder_->Lock(jet::FileLock::kExclusive).ok());
+            EXPECT_TRUE(holder_->Lock(jet::FileLock::kExclusive, jet::kBehindContent).ok());
         }
         return ForwardingFiles::Open(path, mode);
     }

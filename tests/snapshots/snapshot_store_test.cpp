@@ -218,7 +218,7 @@ TEST_F(SnapshotStoreTest, AnotherProcessAtWorkIsTold) {
     Take();
     const auto lock =
         files_->Open(std::filesystem::path(kFolder) / "lock", jet::OpenMode::kReadWrite);
-    ASSERT_TRUE(lock.ok() && (*lock)->Lock(jet::FileLock::kExclusive).ok());
+    ASSERT_TRUE(lock.ok() && (*lock)->Lock(jet::FileLock::kExclusive, jet::kBehindContent).ok());
     EXPECT_EQ(store_->Make({}).status().code(), base::StatusCode::kBusy);
     EXPECT_EQ(store_->List().status().code(), base::StatusCode::kBusy);
 }

@@ -74,7 +74,7 @@ public:
         return verdict.status;
     }
 
-    Status Lock(jet::FileLock wanted) override {
+    Status Lock(jet::FileLock wanted, std::uint64_t) override {
         const std::lock_guard lock(files_.mutex_);
         for (const auto& [holder, held] : inode_->locks) {
             const bool conflicts =

@@ -21,7 +21,9 @@ public:
     }
     base::Status Truncate(std::uint64_t size) override { return file_->Truncate(size); }
     base::Status Sync() override { return file_->Sync(); }
-    base::Status Lock(jet::FileLock lock) override { return file_->Lock(lock); }
+    base::Status Lock(jet::FileLock lock, std::uint64_t from) override {
+        return file_->Lock(lock, from);
+    }
     bool IsAt(const std::filesystem::path& path) const override { return file_->IsAt(path); }
 
 private:

@@ -1,5 +1,6 @@
 #include "jet/pages/lock_file.h"
 
+#include "base/file_names.h"
 #include "jet/errors.h"
 
 #include <algorithm>
@@ -10,6 +11,8 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kNameSize = 32;
+// Other engines lock single bytes from 0x10000001 on, far behind the names, which everybody reads.
+constexpr std::uint64_t kFirstLockOfOthers = 0x10000000;
 using LockSlot = std::array<std::byte, 2 * kNameSize>;
 
 // Cuts at a whole UTF-8 character and leaves room for the final zero.
@@ -42,10 +45,11 @@ LockSlot MakeSlot(const std::string& user_at_computer) {
 
 std::filesystem::path LockFile::PathFor(const std::filesystem::path& database) {
     std::filesystem::path path = database;
-    std::string ending = database.extension().string();
-    std::ranges::transform(ending, ending.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; });
-    if (ending == ".mdb") return path.replace_extension(".ldb");
+    std::u16string ending = base::TextOf(database.extension());
+    std::ranges::transform(ending, ending.begin(), [](char16_t c) {
+        return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
+    });
+    if (ending == u".mdb") return path.replace_extension(".ldb");
     return path += ".ldb";
 }
 
@@ -60,8 +64,10 @@ LockFile::~LockFile() {
 base::Result<std::unique_ptr<LockFile>> LockFile::Take(FileSystem& files,
                                                        const std::filesystem::path& database) {
     std::filesystem::path path = PathFor(database);
-    ASSIGN_OR_RETURN(std::unique_ptr<File> file, files.Open(path, OpenMode::kOpenOrCreate));
-    const base::Status locked = file->Lock(FileLock::kExclusive);
+    auto opened = files.Open(path, OpenMode::kOpenOrCreate);
+    if (opened.status().code() == base::StatusCode::kBusy) return BusyStatus(files, database);
+    ASSIGN_OR_RETURN(std::unique_ptr<File> file, std::move(opened));
+    const base::Status locked = file->Lock(FileLock::kExclusive, kFirstLockOfOthers);
     if (locked.code() == base::StatusCode::kBusy) return BusyStatus(files, database);
     RETURN_IF_ERROR(locked);
     std::unique_ptr<LockFile> owner(new LockFile(files, std::move(path), std::move(file)));
@@ -76,8 +82,9 @@ base::Result<std::unique_ptr<LockFile>> LockFile::Take(FileSystem& files,
 
 base::Status LockFile::CheckFree(FileSystem& files, const std::filesystem::path& database) {
     auto file = files.Open(PathFor(database), OpenMode::kRead);
+    if (file.status().code() == base::StatusCode::kBusy) return BusyStatus(files, database);
     if (!file.ok()) return {};  // missing, or not readable
-    if (file.value()->Lock(FileLock::kShared).code() == base::StatusCode::kBusy)
+    if (file.value()->Lock(FileLock::kShared, kFirstLockOfOthers).code() == base::StatusCode::kBusy)
         return BusyStatus(files, database);
     return {};
 }
@@ -86,9 +93,10 @@ base::Status LockFile::BusyStatus(FileSystem& files, const std::filesystem::path
     LockSlot slot{};
     auto file = files.Open(PathFor(database), OpenMode::kRead);
     const bool is_held =
-        file.ok() && file.value()->Lock(FileLock::kShared).code() == base::StatusCode::kBusy;
+        file.ok() &&
+        file.value()->Lock(FileLock::kShared, kFirstLockOfOthers).code() == base::StatusCode::kBusy;
     if (!is_held || !file.value()->ReadAt(0, slot).ok())
-        return JetError(ErrorNumber::kFileInUse, database.string());
+        return JetError(ErrorNumber::kFileInUse, base::Utf8Of(database));
     return JetError(ErrorNumber::kOpenedExclusively, LoadName(slot.data() + kNameSize),
                     LoadName(slot.data()));
 }

@@ -1,8 +1,8 @@
 // LockFile: the sister file (the database's name with the ending .ldb) that says who has the
 // database open for writing: 32 bytes computer name, 32 bytes user name, zero padded, in its first
-// slot. Other engines of this format keep the same file and lock ranges of it, so it is locked as a
-// whole while it is ours, and a locked one means that the database is in use. An unlocked one
-// is left from a dead process and is taken over. Programs that use this engine exclude each
+// slot. Other engines of this format keep the same file and lock bytes of it, so all that they may
+// lock is locked while it is ours, and a locked one means that the database is in use. An unlocked
+// one is left from a dead process and is taken over. Programs that use this engine exclude each
 // other by a lock of the database file; this file only names the holder.
 #pragma once
 

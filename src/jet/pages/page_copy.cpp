@@ -1,5 +1,6 @@
 #include "jet/pages/page_copy.h"
 
+#include "base/file_names.h"
 #include "jet/errors.h"
 #include "jet/pages/file_page_store.h"
 #include "jet/pages/format.h"
@@ -35,7 +36,7 @@ public:
     base::Status WriteAt(std::uint64_t, std::span<const std::byte>) override { return Refused(); }
     base::Status Truncate(std::uint64_t) override { return Refused(); }
     base::Status Sync() override { return Refused(); }
-    base::Status Lock(FileLock) override { return {}; }
+    base::Status Lock(FileLock, std::uint64_t) override { return {}; }
 
 private:
     static base::Status Refused() {
@@ -140,7 +141,7 @@ base::Result<FileBytes> BytesOf(PageStore& store) {
 base::Result<FileBytes> CopyFileBytes(FileSystem& files, const std::filesystem::path& path) {
     PageStoreOptions options;
     options.read_only = true;
-    base::Status failure = JetError(ErrorNumber::kFileInUse, path.string());
+    base::Status failure = JetError(ErrorNumber::kFileInUse, base::Utf8Of(path));
     for (int attempt = 0; attempt < kMaxAttempts; ++attempt) {
         auto read = TryToRead(files, path);
         // A file that shrinks while it is read cannot be told from one that cannot be read.

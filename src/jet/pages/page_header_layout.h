@@ -17,8 +17,8 @@ inline constexpr std::uint32_t kVersionJet3 = 0;
 inline constexpr std::uint32_t kVersionJet4 = 1;
 
 // The bytes from kMaskStart on are XORed with the RC4 stream of kMaskKey.
-inline constexpr std::array kMaskKey = {std::byte{0xC7}, std::byte{0xDA}, std::byte{0x39},
-                                        std::byte{0x6B}};
+inline constexpr std::array<std::byte, 4> kMaskKey = {std::byte{0xC7}, std::byte{0xDA},
+                                                      std::byte{0x39}, std::byte{0x6B}};
 inline constexpr std::size_t kMaskStart = 0x18;
 inline constexpr std::size_t kMaskBytesJet4 = 128;
 inline constexpr std::size_t kMaskBytesJet3 = 126;

@@ -2,6 +2,7 @@
 #include "jet/pages/page_store.h"
 
 #include "base/byte_reader.h"
+#include "base/file_names.h"
 #include "jet/errors.h"
 #include "jet/pages/file_mark.h"
 #include "jet/pages/file_page_store.h"
@@ -16,7 +17,7 @@ namespace jet {
 namespace {
 
 base::Status Unrecognized(const std::filesystem::path& path) {
-    return JetError(ErrorNumber::kUnrecognizedFormat, path.string());
+    return JetError(ErrorNumber::kUnrecognizedFormat, base::Utf8Of(path));
 }
 
 // Says what the file is if that is known.
@@ -24,7 +25,7 @@ base::Status Unrecognized(const File& file, const std::filesystem::path& path) {
     std::array<std::byte, kMaskStart> head{};
     const auto size = file.Size();
     if (!size.ok() || *size < head.size() || !file.ReadAt(0, head).ok()) return Unrecognized(path);
-    return UnrecognizedFormat(head, path.string());
+    return UnrecognizedFormat(head, base::Utf8Of(path));
 }
 
 base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
@@ -33,10 +34,13 @@ base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
     switch (status.code()) {
     case base::StatusCode::kNotFound:
         if (!folder.empty() && !files.Exists(folder))
-            return JetError(ErrorNumber::kNotAValidPath, path.string());
-        return JetError(ErrorNumber::kNoSuchFile, path.string());
+            return JetError(ErrorNumber::kNotAValidPath, base::Utf8Of(path));
+        return JetError(ErrorNumber::kNoSuchFile, base::Utf8Of(path));
     case base::StatusCode::kPermissionDenied:
-        return JetError(ErrorNumber::kCannotOpenFile, path.string());
+        return JetError(ErrorNumber::kCannotOpenFile, base::Utf8Of(path));
+    case base::StatusCode::kBusy:
+        if (Is(status, ErrorNumber::kOpenedExclusively)) return status;
+        return JetError(ErrorNumber::kFileInUse, base::Utf8Of(path));
     default:
         return EngineStatus(status);
     }
@@ -44,7 +48,8 @@ base::Status CannotOpen(FileSystem& files, const std::filesystem::path& path,
 
 base::Status LockDatabase(FileSystem& files, const std::filesystem::path& path, File& file,
                           bool read_only) {
-    const base::Status locked = file.Lock(read_only ? FileLock::kShared : FileLock::kExclusive);
+    const base::Status locked =
+        file.Lock(read_only ? FileLock::kShared : FileLock::kExclusive, kBehindContent);
     if (locked.code() == base::StatusCode::kBusy) return LockFile::BusyStatus(files, path);
     // A medium without locks, a read-only one for instance, can still be read.
     if (read_only) return LockFile::CheckFree(files, path);
@@ -112,6 +117,7 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
                                                        const PageStoreOptions& options) {
     FilePageStore::Parts parts;
     auto file = files.Open(path, options.read_only ? OpenMode::kRead : OpenMode::kReadWrite);
+    if (file.status().code() == base::StatusCode::kBusy) return LockFile::BusyStatus(files, path);
     if (!file.ok()) return CannotOpen(files, path, file.status());
     parts.file = std::move(file).value();
     RETURN_IF_ERROR(LockDatabase(files, path, *parts.file, options.read_only));
@@ -131,7 +137,7 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
     }
     // Somebody held it and has put another file in its place (a compaction does): what is written
     // into this one would be lost.
-    if (!parts.file->IsAt(path)) return JetError(ErrorNumber::kFileInUse, path.string());
+    if (!parts.file->IsAt(path)) return JetError(ErrorNumber::kFileInUse, base::Utf8Of(path));
     auto journal = FindJournal(files, path, parts, options.read_only);
     if (!journal.ok()) return CannotOpen(files, path, journal.status());
     const auto size = parts.file->Size();

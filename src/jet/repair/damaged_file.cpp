@@ -1,5 +1,6 @@
 #include "jet/repair/damaged_file.h"
 
+#include "base/file_names.h"
 #include "jet/errors.h"
 #include "jet/pages/definition_layout.h"
 #include "jet/pages/page_encoding.h"
@@ -148,9 +149,10 @@ base::Result<DamagedFile> OpenDamagedFile(FileSystem& files, const std::filesyst
                          store.status().code() == base::StatusCode::kIoError;
     if (!is_ours) return store.status();
     ASSIGN_OR_RETURN(const auto file, files.Open(path, OpenMode::kRead));
-    RETURN_IF_ERROR(file->Lock(FileLock::kShared));
+    RETURN_IF_ERROR(file->Lock(FileLock::kShared, kBehindContent));
     const Reading reading = BestReading(*file);
-    if (reading.likelihood == 0) return JetError(ErrorNumber::kUnrecognizedFormat, path.string());
+    if (reading.likelihood == 0)
+        return JetError(ErrorNumber::kUnrecognizedFormat, base::Utf8Of(path));
     const Format& format = FormatOf(reading.jet4 ? 4 : 3);
     DamagedFile damaged;
     Page first(format.page_size);

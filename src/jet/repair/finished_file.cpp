@@ -1,5 +1,6 @@
 #include "jet/repair/finished_file.h"
 
+#include "base/file_names.h"
 #include "jet/check/check.h"
 #include "jet/errors.h"
 
@@ -36,10 +37,10 @@ base::Status FinishedFile::WriteAll(NewFile& content) {
     auto file = files_.Open(path_, OpenMode::kOpenOrCreate);
     is_written_ = !was_there;
     if (!file.ok()) return file.status();
-    const base::Status locked = (*file)->Lock(FileLock::kExclusive);
+    const base::Status locked = (*file)->Lock(FileLock::kExclusive, kBehindContent);
     if (locked.code() == base::StatusCode::kBusy) {
         is_written_ = false;
-        return JetError(ErrorNumber::kFileInUse, path_.string());
+        return JetError(ErrorNumber::kFileInUse, base::Utf8Of(path_));
     }
     RETURN_IF_ERROR(locked);
     is_written_ = true;

@@ -117,15 +117,15 @@ public:
         return done == 0 ? Status() : Failure(errno, name_);
     }
 
-    Status Lock(jet::FileLock lock) override {
-        struct flock whole_file {};
-        whole_file.l_whence = SEEK_SET;
+    Status Lock(jet::FileLock lock, std::uint64_t from) override {
+        struct flock range {};
+        range.l_whence = SEEK_SET;
+        range.l_start = static_cast<off_t>(from);
         const int type = lock == jet::FileLock::kNone     ? F_UNLCK
                          : lock == jet::FileLock::kShared ? F_RDLCK
                                                           : F_WRLCK;
-        whole_file.l_type = static_cast<short>(type);
-        const int done =
-            Uninterrupted([&] { return ::fcntl(descriptor_, F_OFD_SETLK, &whole_file); });
+        range.l_type = static_cast<short>(type);
+        const int done = Uninterrupted([&] { return ::fcntl(descriptor_, F_OFD_SETLK, &range); });
         if (done == 0) return {};
         if (errno == EAGAIN || errno == EACCES)
             return {StatusCode::kBusy, name_ + " is in use", errno};

@@ -714,7 +714,7 @@ TEST_F(FilePageStoreTest, ALockFileHeldByAnotherProgramMeansBusy) {
     std::memcpy(slot.data(), "OFFICE", 6);
     std::memcpy(slot.data() + 32, "Admin", 5);
     ASSERT_TRUE(ldb.value()->WriteAt(0, slot).ok());
-    ASSERT_TRUE(ldb.value()->Lock(jet::FileLock::kExclusive).ok());
+    ASSERT_TRUE(ldb.value()->Lock(jet::FileLock::kExclusive, jet::kBehindContent).ok());
     for (const bool read_only : {false, true}) {
         const auto status = OpenFails(files_, kPath, read_only);
         EXPECT_EQ(status.number(), 3356);
@@ -730,6 +730,35 @@ TEST_F(FilePageStoreTest, ALockFileHeldByAnotherProgramMeansBusy) {
     EXPECT_NE(ours, slot);
     ASSERT_TRUE(store->Close().ok());
     EXPECT_FALSE(files_.Exists("folder/tables.ldb"));
+}
+
+// Another program has one of the files to itself, as systems with sharing modes let it.
+class FilesKeptByAnother final : public test_support::ForwardingFiles {
+public:
+    FilesKeptByAnother(jet::FileSystem& files, std::filesystem::path kept)
+        : ForwardingFiles(files), kept_(std::move(kept)) {}
+    base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
+                                                  jet::OpenMode mode) override {
+        if (path == kept_) return base::Status(base::StatusCode::kBusy, "in use");
+        return ForwardingFiles::Open(path, mode);
+    }
+
+private:
+    std::filesystem::path kept_;
+};
+
+TEST_F(FilePageStoreTest, AFileThatAnotherProgramKeepsToItselfIsInUse) {
+    for (const char* kept : {kPath, "folder/tables.ldb", "folder/tables.mdb-journal"}) {
+        files_.Put(kPath, workload_.first_file());
+        files_.Put(kept, files_.Get(kept));
+        FilesKeptByAnother files(files_, kept);
+        for (const bool read_only : {false, true}) {
+            const auto status = OpenFails(files, kPath, read_only);
+            EXPECT_EQ(status.number(), 3045) << kept;
+            EXPECT_EQ(status.code(), base::StatusCode::kBusy) << kept;
+        }
+        ASSERT_TRUE(files_.Remove(kept).ok());
+    }
 }
 
 }  // namespace
