@@ -1,116 +1,102 @@
-// A real process on real files is killed (SIGKILL) at random instants while it commits numbered
-// transactions. What it had acknowledged over a pipe must be there after each kill, and nothing by
-// half.
+// A real process on real files is killed at random instants while it commits numbered transactions.
+// What it had acknowledged must be there after each kill, and nothing by half.
+#include "base/file_names.h"
+#include "base/unicode.h"
 #include "jet/pages/page_store.h"
 #include "platform/file_system.h"
 #include "support/page_workload.h"
+#include "support/temporary_folder.h"
+#include "support/worker_process.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <fstream>
 #include <random>
 #include <thread>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 namespace {
 
 using test_support::PageWorkload;
+using test_support::TemporaryFolder;
+using test_support::WorkerProcess;
 
 constexpr int kKills = 1000;
 constexpr std::size_t kMaxTransactions = 10'000'000;
 
-// A kill loses nothing of what the system's cache holds, so a file system in memory proves as much
-// and needs no minutes.
-std::filesystem::path FolderForManySyncs() {
-    const std::filesystem::path memory = "/dev/shm";
-    return ::access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+// One for the test and the workers: a forked one knows what has been made of it.
+PageWorkload& Workload() {
+    static PageWorkload workload(77);
+    return workload;
 }
+
+base::Result<std::unique_ptr<jet::PageStore>> Open(jet::FileSystem& files,
+                                                   const std::filesystem::path& path) {
+    jet::PageStoreOptions options;
+    options.flush_delay = std::chrono::milliseconds(3);  // so that kills hit checkpoints too
+    return jet::OpenPageStore(files, path, options);
+}
+
+// Goes on with the file words[0] after words[1] transactions and tells the number of each that was
+// committed.
+int WriteUntilKilled(const WorkerProcess::Words& words, const WorkerProcess::Tell& tell) {
+    const auto files = platform::MakeFileSystem();
+    const std::size_t done = std::stoull(words[1]);
+    Workload().Forget(done);
+    auto store = Open(*files, base::PathOf(base::ToUtf16(words[0])));
+    if (!store.ok()) return 3;
+    for (std::size_t i = done; i < kMaxTransactions; ++i) {
+        if (!Workload().Run(**store, i).ok()) return 4;
+        tell(static_cast<std::uint32_t>(i + 1));
+    }
+    return 5;
+}
+const test_support::KnownWork kWriter("writer", WriteUntilKilled);
 
 class KillTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string name = (FolderForManySyncs() / "tavolo-kill-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        folder_ = name;
-        path_ = folder_ / "tables.mdb";
         std::ofstream file(path_, std::ios::binary);
-        const auto bytes = workload_.first_file();
+        const auto bytes = Workload().first_file();
         file.write(reinterpret_cast<const char*>(bytes.data()),
                    static_cast<std::streamsize>(bytes.size()));
-        files_ = platform::MakeFileSystem();
-    }
-
-    void TearDown() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-
-    base::Result<std::unique_ptr<jet::PageStore>> Open() {
-        jet::PageStoreOptions options;
-        options.flush_delay = std::chrono::milliseconds(3);  // so that kills hit checkpoints too
-        return jet::OpenPageStore(*files_, path_, options);
-    }
-
-    // The writer: goes on after `done` transactions and tells the pipe the number of each that was
-    // committed.
-    [[noreturn]] void WriteUntilKilled(std::size_t done, int pipe) {
-        auto store = Open();
-        if (!store.ok()) ::_exit(3);
-        for (std::size_t i = done; i < kMaxTransactions; ++i) {
-            if (!workload_.Run(**store, i).ok()) ::_exit(4);
-            const auto number = static_cast<std::uint32_t>(i + 1);
-            if (::write(pipe, &number, sizeof number) != sizeof number) ::_exit(5);
-        }
-        ::_exit(6);
     }
 
     // Runs the writer, kills it after `delay`; the answer is the last transaction it acknowledged.
     std::size_t RunAndKill(std::size_t done, std::chrono::microseconds delay) {
-        int ends[2];
-        EXPECT_EQ(::pipe(ends), 0);
-        const pid_t writer = ::fork();
-        if (writer == 0) WriteUntilKilled(done, ends[1]);
-        ::close(ends[1]);
-        std::uint32_t acknowledged = 0;
+        WorkerProcess writer("writer", {base::Utf8Of(path_), std::to_string(done)});
         // The instant counts from the first commit on, so every run gets that far.
-        if (::read(ends[0], &acknowledged, sizeof acknowledged) == sizeof acknowledged)
-            std::this_thread::sleep_for(delay);
-        ::kill(writer, SIGKILL);
-        for (std::uint32_t number = 0; ::read(ends[0], &number, sizeof number) == sizeof number;)
-            acknowledged = number;
-        ::close(ends[0]);
-        int state = 0;
-        ::waitpid(writer, &state, 0);
-        EXPECT_TRUE(WIFSIGNALED(state)) << "the writer ended by itself with " << WEXITSTATUS(state);
+        std::uint32_t acknowledged = writer.Next().value_or(0);
+        if (acknowledged != 0) std::this_thread::sleep_for(delay);
+        const auto ended = writer.Kill();
+        EXPECT_FALSE(ended) << "the writer ended by itself with " << ended.value_or(0);
+        while (const auto number = writer.Next())
+            acknowledged = *number;
         return acknowledged;
     }
 
-    PageWorkload workload_{77};
-    std::filesystem::path folder_;
-    std::filesystem::path path_;
-    std::unique_ptr<jet::FileSystem> files_;
+    // A kill loses nothing of what the system's cache holds, so files in memory prove as much.
+    TemporaryFolder folder_{TemporaryFolder::On::kMemory};
+    std::filesystem::path path_ = folder_.path() / "tables.mdb";
+    std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
 };
 
 TEST_F(KillTest, AcknowledgedTransactionsSurviveKillsAtRandomInstants) {
     std::mt19937 random(1);
     std::size_t done = 0;
-    for (int i = 0; i < kKills; ++i) {
+    const int kills = test_support::WorkersToKill(kKills);
+    for (int i = 0; i < kills; ++i) {
         SCOPED_TRACE("kill " + std::to_string(i));
         const std::size_t acknowledged =
             RunAndKill(done, std::chrono::microseconds(random() % 9000));
         ASSERT_GT(acknowledged, done);
-        auto store = Open();
+        auto store = Open(*files_, path_);
         ASSERT_TRUE(store.ok()) << store.status().message();
         const int seen =
-            workload_.Recognize(PageWorkload::Read(**store), acknowledged, acknowledged + 1);
+            Workload().Recognize(PageWorkload::Read(**store), acknowledged, acknowledged + 1);
         ASSERT_GE(seen, 0);
         done = static_cast<std::size_t>(seen);
-        workload_.Forget(done);
+        Workload().Forget(done);
         ASSERT_TRUE((*store)->Close().ok());
     }
     RecordProperty("transactions", static_cast<int>(done));

@@ -1,5 +1,7 @@
-// A real process on a real file is killed (SIGKILL) at random instants while it compacts the file
-// in its place: there is the old file or the new one, and the next attempt succeeds.
+// A real process on a real file is killed at random instants while it compacts the file in its
+// place: there is the old file or the new one, and the next attempt succeeds.
+#include "base/file_names.h"
+#include "base/unicode.h"
 #include "jet/connection.h"
 #include "jet/pages/file_mark.h"
 #include "jet/repair/compact.h"
@@ -7,35 +9,32 @@
 #include "jet/tables/storage_support.h"
 #include "platform/file_system.h"
 #include "support/check_database.h"
+#include "support/worker_process.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <random>
 #include <thread>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace jet::test {
 namespace {
 
+using test_support::WorkerProcess;
+
 constexpr int kKills = 300;
 
-// A kill loses nothing of what the system's cache holds, so a file system in memory proves as much.
-std::filesystem::path FolderForManySyncs() {
-    const std::filesystem::path memory = "/dev/shm";
-    return ::access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+// Tells when it begins with the file words[0].
+int Compact(const WorkerProcess::Words& words, const WorkerProcess::Tell& tell) {
+    const auto files = platform::MakeFileSystem();
+    tell(1);
+    return CompactInPlace(*files, base::PathOf(base::ToUtf16(words[0]))).ok() ? 0 : 4;
 }
+const test_support::KnownWork kCompact("compact", Compact);
 
 class CompactKillTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string name = (FolderForManySyncs() / "tavolo-kill-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        folder_ = name;
-        path_ = folder_ / "a.mdb";
         ASSERT_TRUE(CreateDatabaseFile(*files_, path_, 40000.25).ok());
         Connection connection(*files_);
         ASSERT_TRUE(connection.Open(u"Data Source=" + path_.u16string()).ok());
@@ -50,11 +49,6 @@ protected:
         before_ = WithoutMark(ReadWholeFile(path_));
     }
 
-    void TearDown() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-
     static std::vector<std::byte> WithoutMark(std::vector<std::byte> bytes) {
         StoreFileMark(std::span(bytes).subspan(FileMarkOffset(4096), kFileMarkBytes), 1);
         return bytes;
@@ -63,29 +57,20 @@ protected:
     // Compacts in a process of its own and kills that `delay` after it has begun. Whether it came
     // to its end before.
     bool CompactAndKill(std::chrono::microseconds delay) {
-        int ends[2];
-        EXPECT_EQ(::pipe(ends), 0);
-        const pid_t writer = ::fork();
-        if (writer == 0) {
-            const char ready = 'r';
-            if (::write(ends[1], &ready, 1) != 1) ::_exit(3);
-            ::_exit(CompactInPlace(*files_, path_).ok() ? 0 : 4);
-        }
-        ::close(ends[1]);
-        char ready = 0;
-        EXPECT_EQ(::read(ends[0], &ready, 1), 1);
-        ::close(ends[0]);
+        WorkerProcess worker("compact", {base::Utf8Of(path_)});
+        EXPECT_EQ(worker.Next(), 1U);
         std::this_thread::sleep_for(delay);
-        ::kill(writer, SIGKILL);
-        int state = 0;
-        ::waitpid(writer, &state, 0);
-        EXPECT_TRUE(WIFSIGNALED(state) || WEXITSTATUS(state) == 0) << WEXITSTATUS(state);
-        return !WIFSIGNALED(state);
+        const auto ended = worker.Kill();
+        EXPECT_EQ(ended.value_or(0), 0);
+        // Whoever asks for the file finds it, however far the exchange had come.
+        EXPECT_TRUE(files_->Exists(path_));
+        return ended.has_value();
     }
 
     std::unique_ptr<FileSystem> files_ = platform::MakeFileSystem();
-    std::filesystem::path folder_;
-    std::filesystem::path path_;
+    // A kill loses nothing of what the system's cache holds, so files in memory prove as much.
+    TemporaryFolder folder_{TemporaryFolder::On::kMemory};
+    std::filesystem::path path_ = folder_.path() / "a.mdb";
     std::vector<std::byte> before_;
 };
 
@@ -101,7 +86,8 @@ TEST_F(CompactKillTest, AKillAtAnyInstantLeavesTheOldFileOrTheNewOne) {
     std::mt19937 random(1);
     int old_files = 0;
     int spares = 0;
-    for (int i = 0; i < kKills; ++i) {
+    const int kills = test_support::WorkersToKill(kKills);
+    for (int i = 0; i < kills; ++i) {
         SCOPED_TRACE("kill " + std::to_string(i));
         WriteWholeFile(path_, original);
         const bool ended =
@@ -110,16 +96,16 @@ TEST_F(CompactKillTest, AKillAtAnyInstantLeavesTheOldFileOrTheNewOne) {
         const bool is_old = bytes == before_;
         ASSERT_TRUE(bytes == after || (is_old && !ended));
         old_files += is_old ? 1 : 0;
-        spares += std::filesystem::exists(path_.string() + "-new") ? 1 : 0;
+        spares += std::filesystem::exists(folder_.path() / "a.mdb-new") ? 1 : 0;
         if (i % 8 != 0) continue;
         // What the process has left is in nobody's way.
         ASSERT_TRUE(CompactInPlace(*files_, path_).ok());
         ASSERT_EQ(WithoutMark(ReadWholeFile(path_)), after);
-        ASSERT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 1);
+        ASSERT_EQ(std::distance(std::filesystem::directory_iterator(folder_.path()), {}), 1);
     }
     EXPECT_TRUE(test_support::DatabaseIsSound(path_, test_support::kOwnFile));
     EXPECT_GT(old_files, 0);
-    EXPECT_LT(old_files, kKills);
+    EXPECT_LT(old_files, kills);
     RecordProperty("old_files", old_files);
     RecordProperty("spares", spares);
 }

@@ -58,7 +58,7 @@ std::string AnswerOfMdbSql(const std::filesystem::path& file, const std::string&
 
 class SqlOverSamples : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(HasProgram("mdb-sql")) << "mdbtools are not installed"; }
+    void SetUp() override { ASSERT_TRUE(HasTool("mdb-sql")) << "mdbtools are not installed"; }
 };
 
 // Neither program promises an order.
@@ -216,7 +216,7 @@ protected:
 };
 
 TEST_F(SqlOnDisk, WhatIsWrittenIsReadByMdbExport) {
-    ASSERT_TRUE(HasProgram("mdb-export")) << "mdbtools are not installed";
+    ASSERT_TRUE(HasTool("mdb-export")) << "mdbtools are not installed";
     EXPECT_EQ(Ask(u"Alter Table TABLES ADD TimesPlayed INT DEFAULT 0 NULL"), "0");
     EXPECT_EQ(Ask(u"Alter Table TABLES ADD LastPlayed DATE NULL"), "0");
     EXPECT_EQ(
@@ -284,7 +284,7 @@ TEST_F(SqlOnDisk, RecordsetEditsAreStored) {
 }
 
 TEST_F(SqlOnDisk, ATableMadeOfRowsIsReadByMdbExport) {
-    ASSERT_TRUE(HasProgram("mdb-export")) << "mdbtools are not installed";
+    ASSERT_TRUE(HasTool("mdb-export")) << "mdbtools are not installed";
     for (const std::u16string_view name : {u"b", u"a", u"c"})
         Ask(u"INSERT INTO Tables (DisplayName, Notes) VALUES ('" + std::u16string(name) +
             u"', String(3000, 'n'))");

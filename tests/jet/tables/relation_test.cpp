@@ -351,7 +351,7 @@ TEST_P(RelationTest, RelationsWithoutANameGetOneEach) {
 }
 
 TEST_P(RelationTest, OtherProgramsReadTheRelation) {
-    ASSERT_TRUE(HasProgram("mdb-export")) << "mdbtools are not installed";
+    ASSERT_TRUE(HasTool("mdb-export")) << "mdbtools are not installed";
     MakeGames(u"ON UPDATE CASCADE ON DELETE CASCADE");
     ASSERT_TRUE(connection_.Flush().ok());
     const auto rows = ExportedRows(path_, "MSysRelationships");

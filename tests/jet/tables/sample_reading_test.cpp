@@ -15,7 +15,7 @@ namespace {
 
 class SampleReadingTest : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(HasProgram("mdb-export")) << "mdbtools are not installed"; }
+    void SetUp() override { ASSERT_TRUE(HasTool("mdb-export")) << "mdbtools are not installed"; }
 };
 
 TEST_F(SampleReadingTest, EveryCellIsWhatMdbExportPrints) {

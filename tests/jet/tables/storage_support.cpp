@@ -1,5 +1,6 @@
 #include "jet/tables/storage_support.h"
 
+#include "base/file_names.h"
 #include "base/unicode.h"
 #include "jet/values/conversions.h"
 
@@ -20,13 +21,6 @@ namespace {
 const std::string kFieldEnd = "<~F~>";
 const std::string kRowEnd = "<~R~>";
 const std::string kNullMark = "<~N~>";
-
-std::string ShellQuoted(const std::string& word) {
-    std::string quoted = "'";
-    for (const char c : word)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
 
 // The pieces of `text` that `end` ends.
 std::vector<std::string> SplitEnded(const std::string& text, const std::string& end) {
@@ -136,7 +130,7 @@ std::unique_ptr<PageStore> LoadIntoMemory(const std::filesystem::path& path) {
 }
 
 base::Result<std::unique_ptr<Database>> OpenCopy(const std::filesystem::path& path) {
-    return OpenDatabase(LoadIntoMemory(path), path.string());
+    return OpenDatabase(LoadIntoMemory(path), base::Utf8Of(path));
 }
 
 std::vector<std::byte> AllBytes(PageStore& pages) {
@@ -149,39 +143,11 @@ std::vector<std::byte> AllBytes(PageStore& pages) {
     return bytes;
 }
 
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "jet-test-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-bool HasProgram(const std::string& name) {
-    return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
-}
-
-std::optional<std::string> OutputOf(const std::vector<std::string>& command) {
-    std::string line;
-    for (const std::string& word : command)
-        line += ShellQuoted(word) + " ";
-    FILE* pipe = popen((line + "2>/dev/null").c_str(), "r");
-    if (pipe == nullptr) return std::nullopt;
-    std::string output;
-    std::array<char, 65536> buffer{};
-    while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        output.append(buffer.data(), size);
-    if (pclose(pipe) != 0) return std::nullopt;
-    return output;
-}
-
 std::optional<std::vector<TextRow>> ExportedRows(const std::filesystem::path& file,
                                                  const std::string& table) {
     const auto output = OutputOf({"mdb-export", "-H", "-Q", "-b", "hex", "-d", kFieldEnd, "-R",
                                   kRowEnd, "-0", kNullMark, "-D", "%Y-%m-%d %H:%M:%S", "-T",
-                                  "%Y-%m-%d %H:%M:%S", file.string(), table});
+                                  "%Y-%m-%d %H:%M:%S", base::Utf8Of(file), table});
     if (!output) return std::nullopt;
     std::vector<TextRow> rows;
     for (const std::string& line : SplitEnded(*output, kRowEnd)) {
@@ -195,7 +161,7 @@ std::optional<std::vector<TextRow>> ExportedRows(const std::filesystem::path& fi
 std::vector<std::string> ExportedNames(const std::filesystem::path& file,
                                        const std::string& table) {
     const auto output =
-        OutputOf({"mdb-export", "-Q", "-d", kFieldEnd, "-R", kRowEnd, file.string(), table});
+        OutputOf({"mdb-export", "-Q", "-d", kFieldEnd, "-R", kRowEnd, base::Utf8Of(file), table});
     const auto lines = SplitEnded(output.value_or(""), kRowEnd);
     return lines.empty() ? std::vector<std::string>() : SplitEnded(lines[0] + kFieldEnd, kFieldEnd);
 }

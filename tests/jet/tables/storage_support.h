@@ -3,6 +3,8 @@
 #pragma once
 
 #include "jet/tables/database.h"
+#include "support/programs.h"
+#include "support/temporary_folder.h"
 #include "support/test_data.h"
 
 #include <filesystem>
@@ -13,9 +15,12 @@
 namespace jet::test {
 
 using test_support::DataFolder;
+using test_support::HasTool;
 using test_support::NameOfFile;
 using test_support::OurFilesAndReal;
+using test_support::OutputOf;
 using test_support::SampleFolder;
+using test_support::TemporaryFolder;
 
 // All databases of tests/data, and the real ones where there are some.
 std::vector<std::filesystem::path> WholeDatabases();
@@ -29,23 +34,6 @@ void WriteWholeFile(const std::filesystem::path& path, std::span<const std::byte
 std::unique_ptr<PageStore> LoadIntoMemory(const std::filesystem::path& path);
 base::Result<std::unique_ptr<Database>> OpenCopy(const std::filesystem::path& path);
 std::vector<std::byte> AllBytes(PageStore& pages);
-
-// A new folder, removed with everything in it at the end.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
-
-bool HasProgram(const std::string& name);
-// Standard output of a program; nullopt: it failed.
-std::optional<std::string> OutputOf(const std::vector<std::string>& command);
 
 // The rows of a table as mdb-export prints them; nullopt for a null field. Dates as "YYYY-MM-DD
 // HH:MM:SS", binary as hexadecimal.

@@ -39,7 +39,7 @@ TEST_F(TableWritingTest, RowsComeBackAfterReopening) {
 }
 
 TEST_F(TableWritingTest, MdbExportReadsWhatWasWritten) {
-    ASSERT_TRUE(HasProgram("mdb-export")) << "mdbtools are not installed";
+    ASSERT_TRUE(HasTool("mdb-export")) << "mdbtools are not installed";
     CreateGames();
     for (int i = 0; i < 500; ++i)
         ASSERT_TRUE(InsertGame(u"Gäme " + std::u16string(1, char16_t(u'A' + i % 26)),

@@ -162,7 +162,7 @@ TEST_F(RulesOnDisk, KeepTheColumnsThatTheyNeed) {
 }
 
 TEST_F(RulesOnDisk, AreSeenByMdbProp) {
-    ASSERT_TRUE(HasProgram("mdb-prop")) << "mdbtools are not installed";
+    ASSERT_TRUE(HasTool("mdb-prop")) << "mdbtools are not installed";
     const std::string printed =
         OutputOf({"mdb-prop", path.string(), "Games"}).value_or("<mdb-prop failed>");
     EXPECT_NE(printed.find("ValidationRule: Between 1 And 4"), std::string::npos) << printed;
