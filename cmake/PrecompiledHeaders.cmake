@@ -43,7 +43,9 @@ function(use_precompiled_headers target kind)
         if(kind MATCHES "test")
             # Test programs are compiled as programs, not as libraries: the compiler refuses a header made the other way.
             set_target_properties(${holder} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
-            target_compile_options(${holder} PRIVATE -fPIE)
+            if(NOT WIN32)  # where no code is told from other code that way
+                target_compile_options(${holder} PRIVATE -fPIE)
+            endif()
             target_link_libraries(${holder} PRIVATE test_code)
         endif()
         target_precompile_headers(${holder} PRIVATE ${precompiled_${kind}})

@@ -16,7 +16,7 @@ endif()
 
 # The fast linker where there is one: some sixty programs of tests are linked.
 find_program(MOLD_PROGRAM mold)
-if(MOLD_PROGRAM)
+if(MOLD_PROGRAM AND NOT WIN32)  # which it does not link for
     add_link_options(-fuse-ld=mold)
 endif()
 

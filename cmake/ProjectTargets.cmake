@@ -78,6 +78,14 @@ function(add_unit_test name)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
         use_precompiled_headers(${name} test)
     endif()
+    if(WIN32)
+        # Through Wine, where every start of a program takes a while: all tests of a program are one ctest.
+        set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/tests/support/with_wine.sh)
+        add_test(NAME ${name} COMMAND ${name})
+        set_tests_properties(${name} PROPERTIES TIMEOUT 900 FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
+            ENVIRONMENT "WINEPREFIX=${CMAKE_BINARY_DIR}/wine")
+        return()
+    endif()
     # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
     set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0)
     set(labels)

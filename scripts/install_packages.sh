@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# install_packages.sh build|run|test|package ...: installs the Debian 12 packages that building, running, testing or packaging
-# needs; what is there is skipped, so a second call costs nothing. Uses sudo when not root.
+# install_packages.sh build|run|test|package|windows ...: installs the Debian 12 packages that building, running, testing or packaging
+# needs, or building and testing for Windows; what is there is skipped, so a second call costs nothing. Uses sudo when not root.
 set -euo pipefail
 
 build="g++ cmake ninja-build ccache mold pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-multimedia-dev
@@ -11,6 +11,7 @@ test="libgtest-dev libgmock-dev libgsf-1-dev libsqlite3-dev mdbtools mdbtools-de
     libchm-bin git clang clang-format clang-tidy libclang-rt-14-dev groff-base zsh fish wine wine64 gcc-mingw-w64-x86-64 pulseaudio pulseaudio-utils sox dbus-x11 procps
     desktop-file-utils appstream mandoc shared-mime-info libglib2.0-bin strace"
 package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git xz-utils qt6-wayland"
+windows="g++-mingw-w64-x86-64-posix googletest cmake ninja-build ccache wine wine64 mdbtools python3"
 
 wanted=()
 for set in "$@"; do
@@ -19,7 +20,8 @@ for set in "$@"; do
         run) wanted+=($run) ;;
         test) wanted+=($test) ;;
         package) wanted+=($package) ;;
-        *) echo "usage: $0 build|run|test|package ..." >&2; exit 2 ;;
+        windows) wanted+=($windows) ;;
+        *) echo "usage: $0 build|run|test|package|windows ..." >&2; exit 2 ;;
     esac
 done
 

@@ -2,14 +2,17 @@
 // 2 the file cannot be checked. With --compact it makes the file smaller, with --repair a new one
 // out of a damaged one: 0 done, 1 repaired with losses, 2 not done.
 #include "app/print_failure.h"
+#include "base/file_names.h"
 #include "jet/check/check.h"
 #include "jet/repair/compact.h"
 #include "jet/repair/repair.h"
 #include "platform/file_system.h"
+#include "platform/program_arguments.h"
 
 #include <cstdio>
-#include <cstring>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -88,48 +91,52 @@ void PrintJson(const std::string& file, const jet::CheckReport& report) {
 }
 
 struct Arguments {
-    const char* file = nullptr;      // nullptr: none, or the arguments are wrong
-    const char* new_file = nullptr;  // of a repair
+    std::optional<std::string> file;      // nullopt: none, or the arguments are wrong
+    std::optional<std::string> new_file;  // of a repair
     bool compact = false;
     bool repair = false;
     bool json = false;
     bool help = false;
 };
 
-Arguments ParseArguments(int argc, char** argv) {
+Arguments ParseArguments(const std::vector<std::string>& words) {
     Arguments arguments;
-    for (int i = 1; i < argc && !arguments.help; ++i) {
-        if (std::strcmp(argv[i], "--help") == 0)
+    for (const std::string& word : words) {
+        if (word == "--help")
             arguments.help = true;
-        else if (std::strcmp(argv[i], "--json") == 0)
+        else if (word == "--json")
             arguments.json = true;
-        else if (std::strcmp(argv[i], "--compact") == 0)
+        else if (word == "--compact")
             arguments.compact = true;
-        else if (std::strcmp(argv[i], "--repair") == 0)
+        else if (word == "--repair")
             arguments.repair = true;
-        else if (std::strncmp(argv[i], "--", 2) == 0 || arguments.new_file != nullptr)
+        else if (word.starts_with("--") || arguments.new_file)
             return {};
         else
-            (arguments.file == nullptr ? arguments.file : arguments.new_file) = argv[i];
+            (arguments.file ? arguments.new_file : arguments.file) = word;
+        if (arguments.help) return arguments;
     }
-    if (arguments.help) return arguments;
     const int orders = int{arguments.json} + int{arguments.compact} + int{arguments.repair};
-    if (orders > 1 || arguments.repair != (arguments.new_file != nullptr)) return {};
+    if (orders > 1 || arguments.repair != arguments.new_file.has_value()) return {};
     return arguments;
+}
+
+std::filesystem::path PathOf(const std::string& word) {
+    return base::PathOf(base::DecodeFileName(word));
 }
 
 int Check(const Arguments& arguments) {
     const auto files = platform::MakeFileSystem();
     jet::PageStoreOptions options;
     options.read_only = true;
-    const auto store = jet::OpenPageStore(*files, arguments.file, options);
+    const auto store = jet::OpenPageStore(*files, PathOf(*arguments.file), options);
     if (!store.ok()) {
         app::PrintFailure("tavolo-dbcheck", store.status());
         return kCannotCheck;
     }
     const jet::CheckReport report = jet::CheckIntegrity(*store.value());
     if (arguments.json)
-        PrintJson(arguments.file, report);
+        PrintJson(*arguments.file, report);
     else
         PrintText(report);
     return report.sound() ? kSound : kFaults;
@@ -137,7 +144,7 @@ int Check(const Arguments& arguments) {
 
 int Compact(const Arguments& arguments) {
     const auto files = platform::MakeFileSystem();
-    const auto report = jet::CompactInPlace(*files, arguments.file);
+    const auto report = jet::CompactInPlace(*files, PathOf(*arguments.file));
     if (!report.ok()) {
         app::PrintFailure("tavolo-dbcheck", report.status());
         return kCannotCheck;
@@ -151,7 +158,8 @@ int Compact(const Arguments& arguments) {
 int Repair(const Arguments& arguments) {
     const auto files = platform::MakeFileSystem();
     jet::RepairReport report;
-    const base::Status done = jet::Repair(*files, arguments.file, arguments.new_file, report);
+    const base::Status done =
+        jet::Repair(*files, PathOf(*arguments.file), PathOf(*arguments.new_file), report);
     for (const jet::RepairLoss& loss : report.losses)
         Print(jet::Describe(loss) + "\n");
     if (!done.ok()) {
@@ -166,12 +174,12 @@ int Repair(const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const Arguments arguments = ParseArguments(argc, argv);
+    const Arguments arguments = ParseArguments(platform::ProgramArguments(argc, argv));
     if (arguments.help) {
         Print(kUsage);
         return kSound;
     }
-    if (arguments.file == nullptr) {
+    if (!arguments.file) {
         std::fputs(kUsage, stderr);
         return kCannotCheck;
     }

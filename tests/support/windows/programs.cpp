@@ -1,0 +1,83 @@
+// The tools are those of the Debian system around Wine, which starts its programs too. Such a
+// program is no process of Windows: it cannot be waited for, so a shell says behind its output what
+// it ended with.
+#include "support/programs.h"
+
+#include "support/shell_words.h"
+#include "support/windows/child_process.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace test_support {
+namespace {
+
+constexpr const char* kStatusMark = "\n<status>";
+
+// How the system around Wine calls a file of this one.
+std::string NameOutside(const std::string& word) {
+    using GetName = char*(CDECL*)(const wchar_t*);
+    static const auto get_name = reinterpret_cast<GetName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
+    std::error_code failed;
+    if (get_name == nullptr || word.find('\\') == std::string::npos) return word;
+    const std::filesystem::path full = std::filesystem::absolute(Wide(word), failed);
+    if (failed || !std::filesystem::exists(full, failed)) return word;
+    char* const name = get_name(full.c_str());
+    if (name == nullptr) return word;
+    const std::string copy = name;
+    HeapFree(GetProcessHeap(), 0, name);
+    return copy;
+}
+
+ProgramRun RunOutside(const std::string& line) {
+    ProgramRun run;
+    const Pipe pipe = MakePipe();
+    const std::string script = "{ " + line + "; } 2>/dev/null; printf '\\n<status>%d' $?";
+    const Child child =
+        StartChild(L"\\\\?\\unix\\bin\\sh", CommandLine({"/bin/sh", "-c", script}), pipe.write);
+    CloseHandle(pipe.write);
+    if (child.started) run.output = ReadAll(pipe.read);
+    CloseHandle(pipe.read);
+    const std::size_t mark = run.output.rfind(kStatusMark);
+    if (mark == std::string::npos) return run;
+    run.status = std::atoi(run.output.c_str() + mark + std::string_view(kStatusMark).size());
+    run.output.resize(mark);
+    return run;
+}
+
+}  // namespace
+
+const char* const kHardFileName = "name 'quoted' %PATH% & ^.mdb";
+
+ProgramRun RunProgram(const std::vector<std::string>& command) {
+    ProgramRun run;
+    const Pipe pipe = MakePipe();
+    const Child child = StartChild(nullptr, CommandLine(command), pipe.write);
+    CloseHandle(pipe.write);
+    if (child.process != nullptr) {
+        run.output = ReadAll(pipe.read);
+        WaitForSingleObject(child.process, INFINITE);
+        DWORD status = 0;
+        if (GetExitCodeProcess(child.process, &status)) run.status = static_cast<int>(status);
+        CloseHandle(child.process);
+    }
+    CloseHandle(pipe.read);
+    std::erase(run.output, '\r');
+    return run;
+}
+
+bool HasTool(const std::string& name) {
+    return RunOutside("command -v " + name).status == 0;
+}
+
+std::optional<std::string> OutputOf(const std::vector<std::string>& command) {
+    std::vector<std::string> words;
+    for (const std::string& word : command)
+        words.push_back(NameOutside(word));
+    ProgramRun run = RunOutside(ShellCommand(words));
+    if (run.status != 0) return std::nullopt;
+    return std::move(run.output);
+}
+
+}  // namespace test_support
