@@ -3,7 +3,7 @@
 # needs, or building and testing for Windows; what is there is skipped, so a second call costs nothing. Uses sudo when not root.
 set -euo pipefail
 
-build="g++ cmake ninja-build ccache mold pkg-config qt6-base-dev qt6-base-dev-tools libqt6svg6-dev qt6-multimedia-dev
+build="g++ cmake ninja-build ccache mold pkg-config qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev
     libgl1-mesa-dev libx11-dev libxcb1-dev libxcb-ewmh-dev libxcb-icccm4-dev libjpeg62-turbo-dev libdeflate-dev libzstd-dev
     python3 fp-utils"
 run="xvfb openbox imagemagick x11-utils wmctrl xdotool fonts-dejavu-core libqt6svg6 qt6-image-formats-plugins qt6-qpa-plugins xdg-utils"
