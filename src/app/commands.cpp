@@ -95,9 +95,9 @@ browser::CommandActions Commands::Actions() {
     return {
         .scan_for_tables =
             [this] {
-                Watched([this] {
-                    discovery::frmsearch(catalogue_, prompts_, refresh_tree_, &window_).exec();
-                });
+                base::Status passed_over;
+                Watched([&] { passed_over = Scan(); });
+                window_.TellInPassing(passed_over);
             },
         .set_executable = [this] { AskForExecutable(); },
         .reset_file_dates = [this] { maintenance::UpdateFileDates(Context()); },
@@ -110,7 +110,7 @@ browser::CommandActions Commands::Actions() {
         .import_from_table_files = [this] { Watched([this] { ImportFromTableFiles(); }); },
         .import_launcher_data = [this] { Watched([this] { ImportLauncherData(); }); },
         .purge_missing_tables = [this] { maintenance::PurgeMissingTables(Context()); },
-        .back_up = [this] { maintenance::BackupData(Context(), window_.windowTitle()); },
+        .back_up = [this] { BackUp(); },
         .show_help =
             [this] {
                 dialogs::OpenHelp(outside_.shell, catalogue_.values->ApplicationFolder,
@@ -128,6 +128,18 @@ browser::CommandActions Commands::Actions() {
         .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
     };
+}
+
+base::Status Commands::Scan() {
+    discovery::frmsearch dialog(catalogue_, prompts_, refresh_tree_, &window_);
+    dialog.exec();
+    return dialog.passed_over();
+}
+
+void Commands::BackUp() {
+    const base::Status made = maintenance::BackupData(Context(), window_.windowTitle());
+    if (!made.ok())
+        window_.TellInPassing({made.code(), "No backup was made: " + made.message()});
 }
 
 void Commands::Compact() {

@@ -77,6 +77,9 @@ private:
     void MakeSnapshotsBefore(browser::CommandActions& actions);
     void AttachPlay();
 
+    // What the scan has skipped; ok: nothing.
+    base::Status Scan();
+    void BackUp();
     void Compact();
     void UpdateCrcs();
     void ImportFromTableFiles();

@@ -75,6 +75,15 @@ bool IsOpen(catalogue::Catalogue& catalogue, jet::FileSystem& files, platform::U
     return true;
 }
 
+// Why the catalogue could not be brought up to date; ok: it was.
+base::Status UpgradeFailure(const catalogue::Catalogue& catalogue) {
+    const base::Status& failure = catalogue.values->UpgradeFailure;
+    if (failure.ok()) return failure;
+    const QString text = catalogue::FailureText(QStringLiteral("New columns or dates are missing in"),
+                                                catalogue::CataloguePath(catalogue), failure);
+    return {failure.code(), text.toStdString(), failure.number()};
+}
+
 int RunProgram(const app::Arguments& arguments) {
     const catalogue::KnownFolders folders = catalogue::FoldersOfThisProgram();
     catalogue::ProcessValues values;
@@ -125,6 +134,7 @@ int RunProgram(const app::Arguments& arguments) {
             return given_paths.Add(path);
         });
     window.TellInPassing(receiver.status());
+    window.TellInPassing(UpgradeFailure(catalogue));
     if (!given.isEmpty()) commands.TakeTables(given);
     // The example collection is looked at without a simulator.
     if (!arguments.demo) window.AskForWhatIsMissing();

@@ -28,7 +28,7 @@ public:
     virtual void RefreshTree() = 0;
     // `panel` of the status bar, see status_panels.h.
     virtual void SetStatusText(int panel, const QString& text) = 0;
-    // Shows a failure in the status bar, instead of a box.
+    // Shows in the status bar, instead of a box, that the table cannot be read.
     virtual void ShowFailure(const base::Status& failure) = 0;
     // Sets the text of lblComments, the label under the tree.
     virtual void SetComments(const QString& text) = 0;

@@ -12,8 +12,10 @@
 #include "catalogue/process_values.h"
 #include "catalogue/program_files.h"
 #include "catalogue/selection.h"
+#include "catalogue/start_up.h"
 #include "dialogs/program_version.h"
 #include "jet/connection.h"
+#include "jet/tables/database.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
@@ -276,7 +278,15 @@ void frmPinball::Load() {
     const MainWindowSettings settings = ReadSettings(*catalogue_.settings);
     RestoreWindow(settings);
     RestoreControls(settings);
+    ShowWhetherReadOnly();
     ShowCatalogue(settings);
+}
+
+// Not only at the start: the file may have been exchanged.
+void frmPinball::ShowWhetherReadOnly() {
+    const jet::Database* const database = catalogue_.CatalogueConnection->database();
+    const bool is_read_only = database != nullptr && database->read_only();
+    status_->ShowReadOnly(is_read_only ? catalogue::CataloguePath(catalogue_) : QString());
 }
 
 void frmPinball::RestoreWindow(const MainWindowSettings& settings) {
@@ -326,6 +336,7 @@ void frmPinball::AskForWhatIsMissing() {
 }
 
 void frmPinball::RefreshTree() {
+    ShowWhetherReadOnly();
     selection_->RefreshTree();
     ShowTreeOrWelcome();
 }
@@ -403,7 +414,8 @@ void frmPinball::SetStatusText(int panel, const QString& text) {
 }
 
 void frmPinball::ShowFailure(const base::Status& failure) {
-    status_->ShowFailure(failure);
+    status_->ShowFailure(catalogue::FailureText(QStringLiteral("The table cannot be read from"),
+                                                catalogue::CataloguePath(catalogue_), failure));
 }
 
 void frmPinball::SetComments(const QString& text) {

@@ -120,6 +120,7 @@ private:
     void RestoreWindow(const MainWindowSettings& settings);
     void RestoreControls(const MainWindowSettings& settings);
     void ShowCatalogue(const MainWindowSettings& settings);
+    void ShowWhetherReadOnly();
     void SetTitle();
 
     // Steps of closing.

@@ -1,7 +1,9 @@
 #include "browser/selection_controller.h"
 
+#include "catalogue/error_report.h"
 #include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
+#include "catalogue/start_up.h"
 
 #include <algorithm>
 
@@ -44,7 +46,9 @@ SelectionController::SelectionController(const Parts& parts, std::function<void(
     connect(&parts_.order_bar, &OrderBar::Changed, this, mark);
     connect(&parts_.order_bar, &OrderBar::RefreshClicked, this, &SelectionController::RefreshTree);
     connect(&parts_.filter_bar, &FilterBar::ValuesNotRead, this,
-            [this](const base::Status& failure) { parts_.status.ShowFailure(failure); });
+            [this](const base::Status& failure) {
+                TellFailure(QStringLiteral("The values cannot be read from"), failure);
+            });
 }
 
 Selection SelectionController::Current() const {
@@ -65,19 +69,24 @@ void SelectionController::RestoreFilter(const AppliedSelection& saved) {
 void SelectionController::RefreshTree() {
     clear_details_();
     parts_.model.Clear();
+    parts_.status.SetPanelText(kCountPanel, {});  // no count beside an empty tree
     shown_.reset();
     const Selection selection = Current();
     if (const auto wrong = WrongValue(selection))
         ReportWrongValue(*wrong);
-    else
-        ShowFailure(ShowSelection(selection));
+    else if (const base::Status shown = ShowSelection(selection); !shown.ok())
+        ShowFailure(shown);
     parts_.order_bar.SetRefreshPending(false);
 }
 
 void SelectionController::ShowFailure(const base::Status& failure) {
-    if (failure.ok()) return;
     parts_.status.SetPanelText(kCountPanel, {});  // the tree is empty
-    parts_.status.ShowFailure(failure);
+    TellFailure(QStringLiteral("The tables cannot be read from"), failure);
+}
+
+void SelectionController::TellFailure(const QString& what, const base::Status& failure) {
+    parts_.status.ShowFailure(
+        catalogue::FailureText(what, catalogue::CataloguePath(parts_.catalogue), failure));
 }
 
 void SelectionController::ReportWrongValue(const QString& message) {
@@ -98,7 +107,6 @@ base::Status SelectionController::ShowSelection(const Selection& selection) {
 void SelectionController::ReportNothingFound() {
     parts_.prompts.Ask(
         {QStringLiteral("No matching records found"), {}, platform::MessageIcon::kInformation});
-    parts_.status.SetPanelText(kCountPanel, {});
 }
 
 void SelectionController::Apply(const Selection& selection) {

@@ -61,6 +61,7 @@ private:
     base::Status BuildTree(jet::Recordset& rows, const Selection& selection);
     void ReportNothingFound();
     void ShowFailure(const base::Status& failure);
+    void TellFailure(const QString& what, const base::Status& failure);
     void ReportWrongValue(const QString& message);
 
     Parts parts_;

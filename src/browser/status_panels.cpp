@@ -1,6 +1,6 @@
 #include "browser/status_panels.h"
 
-#include "catalogue/error_report.h"
+#include "browser/status_label.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtWidgets/QLabel>
@@ -27,10 +27,11 @@ constexpr int kInPassingMs = 15'000;
 StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     setObjectName(QStringLiteral("sbrDB"));
     for (int panel = kCountPanel; panel <= kPanelCount; ++panel) {
-        auto* const label = new QLabel(this);
+        // The name is cut rather than the others.
+        auto* const label = new StatusLabel(panel == kNamePanel ? StatusLabel::Room::kWhatIsLeft
+                                                                : StatusLabel::Room::kOfItsText,
+                                            panel == kCountPanel, this);
         label->setObjectName(QStringLiteral("sbrDB_") + QString::number(panel));
-        if (panel == kNamePanel) label->setMinimumWidth(1);  // cut rather than widen the window
-        label->setTextFormat(Qt::PlainText);
         addWidget(label, panel == kNamePanel ? 1 : 0);
         panels_.at(static_cast<std::size_t>(panel - 1)) = label;
     }
@@ -40,6 +41,10 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     prgLoad_->setMaximumHeight(14);
     addWidget(prgLoad_, 1);
     prgLoad_->hide();
+    read_only_ = new QLabel(QStringLiteral("Read-only"), this);
+    read_only_->setObjectName(QStringLiteral("lblReadOnly"));
+    addPermanentWidget(read_only_);
+    read_only_->hide();
     connect(this, &QStatusBar::messageChanged, this, [this] {
         clicked_ = {};
         unsetCursor();
@@ -52,8 +57,16 @@ void StatusPanels::SetPanelText(int panel, const QString& text) {
     label->setToolTip(text.trimmed());
 }
 
-void StatusPanels::ShowFailure(const base::Status& failure) {
-    SetPanelText(kNamePanel, catalogue::FailureText(failure));
+void StatusPanels::ShowReadOnly(const QString& file) {
+    read_only_->setToolTip(file.isEmpty()
+                               ? QString()
+                               : file + QStringLiteral(" is open for reading only: changes cannot "
+                                                       "be stored."));
+    read_only_->setVisible(!file.isEmpty());
+}
+
+void StatusPanels::ShowFailure(const QString& text) {
+    SetPanelText(kNamePanel, text);
 }
 
 void StatusPanels::ShowInPassing(const QString& text, std::function<void()> clicked) {

@@ -2,8 +2,6 @@
 // replaces them during long work.
 #pragma once
 
-#include "base/status.h"
-
 #include <QtCore/QElapsedTimer>
 #include <QtWidgets/QStatusBar>
 
@@ -30,8 +28,11 @@ public:
     explicit StatusPanels(QWidget* parent = nullptr);
 
     void SetPanelText(int panel, const QString& text);
-    // Shows a failure in place of the table's name, until the next table is shown.
-    void ShowFailure(const base::Status& failure);
+    // Says for as long as nothing else is called that `file` is open for reading only; empty: it
+    // is not.
+    void ShowReadOnly(const QString& file);
+    // Shows what has failed in place of the table's name, until the next table is shown.
+    void ShowFailure(const QString& text);
     // Shows a text over all panels for 15 seconds; a click on it meanwhile calls `clicked`, if that
     // is not empty.
     void ShowInPassing(const QString& text, std::function<void()> clicked = {});
@@ -50,6 +51,7 @@ protected:
 private:
     std::function<void()> clicked_;  // while its message is shown
     std::array<QLabel*, kPanelCount> panels_{};
+    QLabel* read_only_ = nullptr;
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;
     int hundredths_ = 0;

@@ -21,6 +21,12 @@ inline QString FailureText(const base::Status& failure) {
     return QString::fromStdString(failure.message());
 }
 
+// The same behind what was not done, and with which file: "The tables cannot be read from
+// /a/pinball.mdb: The disk cannot be read."
+inline QString FailureText(const QString& what, const QString& file, const base::Status& failure) {
+    return what + u' ' + file + QStringLiteral(": ") + FailureText(failure);
+}
+
 // A box with FailureText, the program's title and the exclamation icon. Does
 // nothing when `status` is ok.
 inline void ShowError(platform::UserPrompts& prompts, const base::Status& status) {

@@ -1,6 +1,8 @@
 // The values that every part of the program shares; filled by Main.
 #pragma once
 
+#include "base/status.h"
+
 #include <QtCore/QString>
 
 #include <array>
@@ -18,6 +20,7 @@ struct ProcessValues {
     bool SoundOn = false;
     bool MinimiseOnPlay = false;
     QString LastPictureDir;
+    base::Status UpgradeFailure;  // why the catalogue could not be brought up to date; ok: it was
 };
 
 }  // namespace catalogue

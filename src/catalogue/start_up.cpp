@@ -7,7 +7,9 @@
 #include "catalogue/program_settings.h"
 #include "catalogue/quoting.h"
 #include "jet/connection.h"
+#include "jet/errors.h"
 #include "jet/tables/automatic_change.h"
+#include "jet/tables/database.h"
 #include "platform/application_folder.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -35,16 +37,24 @@ void FillProcessValues(ProcessValues& values) {
     values.StatusColours = kStatusColours;
 }
 
-void AddMissingColumns(jet::Connection& connection) {
-    for (const std::u16string_view statement : kAddColumns)
-        connection.Execute(statement).status().Ignore();
+bool IsExpected(const base::Status& done) {
+    return done.ok() || jet::Is(done, jet::ErrorNumber::kFieldExists);
 }
 
-void StampUndatedRows(jet::Connection& connection, const QString& today) {
+base::Status AddMissingColumns(jet::Connection& connection) {
+    base::Status first;
+    for (const std::u16string_view statement : kAddColumns) {
+        const base::Status added = connection.Execute(statement).status();
+        if (first.ok() && !IsExpected(added)) first = added;
+    }
+    return first;
+}
+
+base::Status StampUndatedRows(jet::Connection& connection, const QString& today) {
     const jet::NamedChange named(connection, u"Date New Tables", jet::kAutomaticChange);
     const QString statement = QStringLiteral("Update tables set DateAdded = '") + QuoteSql(today) +
                               QStringLiteral("' Where (isNull(DateAdded) or DateAdded = '')");
-    connection.Execute(statement.toStdU16String()).status().Ignore();
+    return connection.Execute(statement.toStdU16String()).status();
 }
 
 }  // namespace
@@ -60,10 +70,13 @@ base::Status OpenCatalogue(Catalogue& catalogue) {
         DataSourceValue(CataloguePath(catalogue).toStdU16String()));
 }
 
-void UpgradeCatalogue(Catalogue& catalogue) {
+base::Status UpgradeCatalogue(Catalogue& catalogue) {
     const QString today = StoredDate(catalogue.clock->Now());
-    AddMissingColumns(*catalogue.CatalogueConnection);
-    StampUndatedRows(*catalogue.CatalogueConnection, today);
+    const base::Status added = AddMissingColumns(*catalogue.CatalogueConnection);
+    const base::Status stamped = StampUndatedRows(*catalogue.CatalogueConnection, today);
+    const jet::Database* const database = catalogue.CatalogueConnection->database();
+    if (database != nullptr && database->read_only()) return {};  // known, and shown elsewhere
+    return added.ok() ? stamped : added;
 }
 
 QString CataloguePath(const Catalogue& catalogue) {
@@ -74,7 +87,7 @@ QString CataloguePath(const Catalogue& catalogue) {
 base::Status Main(Catalogue& catalogue) {
     PrepareValues(catalogue);
     RETURN_IF_ERROR(OpenCatalogue(catalogue));
-    UpgradeCatalogue(catalogue);
+    catalogue.values->UpgradeFailure = UpgradeCatalogue(catalogue);
     return {};
 }
 

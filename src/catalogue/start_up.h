@@ -10,7 +10,8 @@ namespace catalogue {
 
 // Fills the process-wide values, opens `ApplicationFolder`/pinball.mdb, adds missing columns,
 // stamps undated rows with today's date. A failure up to the opening of the database is returned,
-// its message the engine's own description; later ones are ignored. Requires:
+// its message the engine's own description; later ones end nothing, the first of them is
+// kept in values->UpgradeFailure. Requires:
 // values->ApplicationFolder is set and CatalogueConnection is closed.
 base::Status Main(Catalogue& catalogue);
 
@@ -19,8 +20,10 @@ base::Status Main(Catalogue& catalogue);
 void PrepareValues(Catalogue& catalogue);
 // The opening itself, of `ApplicationFolder`/pinball.mdb.
 base::Status OpenCatalogue(Catalogue& catalogue);
-// Everything after it; failures are ignored. Requires: CatalogueConnection is open.
-void UpgradeCatalogue(Catalogue& catalogue);
+// Everything after it. Each step is tried, whatever came of the one before; the first failure is
+// returned. A column that is there already and a catalogue for reading only are none. Requires:
+// CatalogueConnection is open.
+base::Status UpgradeCatalogue(Catalogue& catalogue);
 // The catalogue's file in the application folder, spelled as on the disk.
 QString CataloguePath(const Catalogue& catalogue);
 

@@ -13,18 +13,21 @@
 namespace checksum {
 namespace {
 
-// nullopt: the file is missing or cannot be read.
-std::optional<std::u16string> ChecksumTextOf(clsCRC& crc, const QString& path) {
+// nullopt: the file is missing, or cannot be read, which is noted.
+std::optional<std::u16string> ChecksumTextOf(clsCRC& crc, const QString& path,
+                                             catalogue::PassedOver& passed_over) {
     if (!platform::FileExists(path)) return std::nullopt;
     const auto value = crc.CalculateFile(platform::ToPath(path));
-    if (!value.ok()) return std::nullopt;
-    return ChecksumText(*value);
+    if (value.ok()) return ChecksumText(*value);
+    passed_over.Note(path, value.status());
+    return std::nullopt;
 }
 
 base::Status RefreshRow(jet::Recordset& rows, clsCRC& crc,
-                        const std::function<void(const QString&)>& show) {
+                        const std::function<void(const QString&)>& show,
+                        catalogue::PassedOver& passed_over) {
     ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
-    const auto text = ChecksumTextOf(crc, path);
+    const auto text = ChecksumTextOf(crc, path, passed_over);
     if (!text) return base::Status::Ok();
     ASSIGN_OR_RETURN(const QString display_name, catalogue::FieldText(rows, u"DisplayName"));
     show(QStringLiteral("Processing: ") + display_name + QStringLiteral("  ") +
@@ -55,17 +58,18 @@ bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
 
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                          const std::function<void(const QString& line)>& show,
-                         const catalogue::Progress& progress) {
+                         const catalogue::Progress& progress, catalogue::PassedOver* passed_over) {
     const jet::NamedChange named(*catalogue.CatalogueConnection, u"Update CRC's");
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
                               *catalogue.CatalogueConnection, jet::CursorType::kKeyset,
                               jet::LockType::kOptimistic, jet::CursorLocation::kServer));
     clsCRC crc;
+    catalogue::PassedOver unasked;
     catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         events.ProcessEvents();
-        RETURN_IF_ERROR(RefreshRow(rows, crc, show));
+        RETURN_IF_ERROR(RefreshRow(rows, crc, show, passed_over ? *passed_over : unasked));
         RETURN_IF_ERROR(rows.MoveNext());
         meter.Step();
     }

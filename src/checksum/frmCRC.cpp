@@ -63,8 +63,11 @@ void frmCRC::Refresh() {
     if (busy_) return;
     {
         const base::ScopedFlag busy(busy_);
+        catalogue::PassedOver passed_over;
         outcome_ = RefreshCrcs(
-            catalogue_, *this, [this](const QString& line) { ShowLine(line); }, progress_);
+            catalogue_, *this, [this](const QString& line) { ShowLine(line); }, progress_,
+            &passed_over);
+        if (outcome_.ok()) outcome_ = passed_over.Summary();
         ShowLine(QStringLiteral("Task Complete!"));
     }
     accept();

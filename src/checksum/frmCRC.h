@@ -23,7 +23,7 @@ public:
     explicit frmCRC(catalogue::Catalogue& catalogue, QWidget* parent = nullptr,
                     catalogue::Progress progress = {});
 
-    // Why the refresh ended early; ok when it did not.
+    // Why the refresh ended early, or which files it could not read; ok: neither.
     const base::Status& outcome() const { return outcome_; }
 
     // Every way of closing the window calls this; ignored while the refresh runs.
@@ -49,7 +49,8 @@ private:
 };
 
 // The whole command: asks, and on OK shows the window until the refresh is over. `owner`: the main
-// window. A failure ends the refresh without a message box; it is returned.
+// window. A failure ends the refresh without a message box; it is returned, as is that files could
+// not be read.
 base::Status UpdateCrcs(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                         QWidget* owner, catalogue::Progress progress = {});
 

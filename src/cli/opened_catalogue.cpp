@@ -33,7 +33,7 @@ base::Result<std::unique_ptr<OpenedCatalogue>> OpenedCatalogue::Open(Program& pr
                                                                program.outside.folders);
         RETURN_IF_ERROR(opened->OpenCopy(
             files, first.isEmpty() ? catalogue::CataloguePath(opened->catalogue_) : first));
-        catalogue::UpgradeCatalogue(opened->catalogue_);
+        catalogue::UpgradeCatalogue(opened->catalogue_).Ignore();
         break;
     }
     case Access::kWrite:

@@ -29,6 +29,7 @@ base::Status FolderScan::Run(const QString& folder) {
     met_folders_.clear();
     met_linked_files_.clear();
     start_listing_ = {};
+    passed_over_ = {};
     const QString real = platform::RealPath(ListedFolder(folder));
     Queue({folder, real != platform::AbsolutePath(ListedFolder(folder))});
     while (!queue_.empty()) {
@@ -90,6 +91,7 @@ base::Status FolderScan::ListFolder(const Folder& folder) {
             if (failure.ok()) failure = HandleEntry(folder, entry);
         });
     if (is_start) start_listing_ = listed;
+    if (!listed.ok()) passed_over_.Note(folder.path, listed);
     return failure;
 }
 
@@ -123,14 +125,16 @@ base::Status FolderScan::HandleLinkedFile(const QString& path) {
 }
 
 // Recycle-bin folders are scanned like any other. A file that cannot be read, or whose path is too
-// long, is skipped silently; the next scan tries it again.
+// long, is skipped; the next scan tries it again.
 base::Status FolderScan::HandleFile(const QString& path) {
     ASSIGN_OR_RETURN(const bool is_known, known_.Contains(path));
     if (is_known) return {};
     const auto checksum_text = ChecksumOf(path);
-    if (!checksum_text.ok()) return {};
-    const base::Status stored = Store(path, *checksum_text);
-    return catalogue::IsValueTrouble(stored) ? base::Status() : stored;
+    const base::Status stored =
+        checksum_text.ok() ? Store(path, *checksum_text) : checksum_text.status();
+    if (stored.ok() || (checksum_text.ok() && !catalogue::IsValueTrouble(stored))) return stored;
+    passed_over_.Note(path, stored);
+    return {};
 }
 
 base::Result<QString> FolderScan::ChecksumOf(const QString& path) {

@@ -12,6 +12,7 @@
 
 #include "base/status.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/passed_over.h"
 #include "checksum/clsCRC.h"
 #include "discovery/known_names.h"
 #include "platform/files.h"
@@ -70,6 +71,8 @@ public:
     // Why the folder of the last run could not be listed itself, which Run passes over as it does
     // with any other; ok: it was.
     const base::Status& start_listing() const { return start_listing_; }
+    // Folders and files that the last run has skipped as they cannot be read, or not be stored.
+    const catalogue::PassedOver& passed_over() const { return passed_over_; }
 
 private:
     struct Folder {
@@ -104,6 +107,7 @@ private:
     std::int64_t found_count_ = 0;
     std::vector<std::int64_t> added_ids_;
     base::Status start_listing_;
+    catalogue::PassedOver passed_over_;
 };
 
 // The name of a file without its folder and its last extension: "Game.final" for

@@ -16,6 +16,8 @@
 namespace discovery {
 namespace {
 
+constexpr QStringView kDoneCaption = u"&Done";
+
 // For names from the disk: plain text, and long ones do not widen the dialog.
 QLabel* MakeLabel(const char* object_name, QWidget* parent) {
     auto* label = new QLabel(parent);
@@ -60,7 +62,7 @@ void frmsearch::BuildControls() {
     lblCRC_ = MakeLabel("lblCRC", this);
     cmdgo_ = MakeButton("cmdgo", QStringLiteral("&Search"), this);
     cmdgo_->setDefault(true);
-    cmdExit_ = MakeButton("cmdExit", QStringLiteral("&Done"), this);
+    cmdExit_ = MakeButton("cmdExit", kDoneCaption.toString(), this);
 }
 
 void frmsearch::BuildLayout() {
@@ -97,11 +99,13 @@ void frmsearch::Scan() {
     found_count_ = 0;
     cmdgo_->hide();
     lblHint_->hide();
+    cmdExit_->setText(QStringLiteral("Scanning..."));
     const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     base::Status done = WalkFolders();
     idle_ = true;
     if (done.ok()) done = ReadTableInformation();
     ShowResult(done);
+    cmdExit_->setText(kDoneCaption.toString());
     if (refresh_tree_) refresh_tree_();
 }
 
@@ -109,6 +113,7 @@ base::Status frmsearch::WalkFolders() {
     FolderScan scan(catalogue_, *this, *this);
     base::Status done = scan.Run(prompts_.ChooseFolder());
     found_count_ = scan.found_count();
+    passed_over_ = scan.passed_over().Summary();
     return done;
 }
 

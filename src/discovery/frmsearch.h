@@ -27,6 +27,9 @@ public:
     frmsearch(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
               std::function<void()> refresh_tree, QWidget* parent = nullptr);
 
+    // What the scan has skipped; ok: nothing.
+    const base::Status& passed_over() const { return passed_over_; }
+
     // Every way of closing the dialog calls this; ignored while a scan runs.
     void done(int result) override;
 
@@ -59,6 +62,7 @@ private:
     bool idle_ = true;
     int run_count_ = 0;  // scans since the dialog was loaded
     std::int64_t found_count_ = 0;
+    base::Status passed_over_;
 };
 
 }  // namespace discovery

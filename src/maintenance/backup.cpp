@@ -72,17 +72,18 @@ base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files)
                         platform::FileIn(folder, catalogue::kBackupFile.toString()));
 }
 
-void BackupData(CommandContext context, jet::FileSystem& files, const QString& caption) {
-    if (!MakeBackup(context.catalogue, files).ok()) return;
+base::Status BackupData(CommandContext context, jet::FileSystem& files, const QString& caption) {
+    RETURN_IF_ERROR(MakeBackup(context.catalogue, files));
     platform::Message message;
     message.text = SuccessText(context.catalogue.values->ApplicationFolder);
     message.title = caption;
     message.icon = platform::MessageIcon::kInformation;
     context.prompts.Ask(message);
+    return {};
 }
 
-void BackupData(CommandContext context, const QString& caption) {
-    BackupData(std::move(context), *platform::MakeFileSystem(), caption);
+base::Status BackupData(CommandContext context, const QString& caption) {
+    return BackupData(std::move(context), *platform::MakeFileSystem(), caption);
 }
 
 }  // namespace maintenance

@@ -17,9 +17,9 @@ base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const
 // Copies the open pinball.mdb of the application folder to pinball.BU, all changes so far included.
 base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files);
 
-// The same, confirmed in a box titled `caption`. A failure ends the command silently.
-void BackupData(CommandContext context, jet::FileSystem& files, const QString& caption);
+// The same, confirmed in a box titled `caption`; of a failure nothing is shown.
+base::Status BackupData(CommandContext context, jet::FileSystem& files, const QString& caption);
 // The same on this system's files.
-void BackupData(CommandContext context, const QString& caption);
+base::Status BackupData(CommandContext context, const QString& caption);
 
 }  // namespace maintenance

@@ -146,6 +146,15 @@ TEST_F(CommandsTest, RestoreBringsBackWhatACommandHasTakenAndShowsIt) {
     EXPECT_EQ(Tree()->model()->rowCount(Tree()->model()->index(0, 0)), 2);
 }
 
+TEST_F(CommandsTest, ABackupThatFailsIsSaidInTheStatusBar) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir(S(u"pinball.BU.new")));  // in the way of the copy
+    Run(u"mnuBackup");
+    EXPECT_TRUE(prompts.messages.empty());
+    const QString told = window->statusBar()->currentMessage();
+    EXPECT_TRUE(told.startsWith(S(u"No backup was made: "))) << told.toStdString();
+    EXPECT_TRUE(told.contains(S(u"pinball.BU"))) << told.toStdString();
+}
+
 // Playing.
 
 TEST_F(CommandsTest, APlayCountsStartsMinimisesAndRestores) {

@@ -33,7 +33,7 @@ protected:
         values.VisualPinballExe = S(u"/bin/vp");
         AddTable(S(u"Alpha"), S(u"/tables/alpha.vpt"));
         AddTable(S(u"Beta"), S(u"/tables/beta.vpt"));
-        catalogue::UpgradeCatalogue(catalogue);  // gives them their dates
+        ASSERT_TRUE(catalogue::UpgradeCatalogue(catalogue).ok());  // gives them their dates
         Execute(S(u"Update Tables set TimesPlayed = 5"));
         ASSERT_TRUE(connection->Close().ok());
         history = std::make_unique<history::HistoryFile>(*files, DatabasePath().toStdU16String());

@@ -201,6 +201,7 @@ TEST_F(MainWindowWithTables, AWrongDateIsReportedAndTheTreeStaysEmpty) {
     ASSERT_EQ(prompts.messages.size(), 1U);
     EXPECT_EQ(prompts.messages[0].text, S(u"Please enter a valid date"));
     EXPECT_EQ(Tree()->model()->rowCount(), 0);
+    EXPECT_EQ(Panel(1), QString());  // no count of tables that are not there
     EXPECT_EQ(Find<QComboBox>(u"cboFilterDet")->lineEdit()->selectedText(), S(u"soon"));
     EXPECT_FALSE(RefreshPending());
 }
@@ -236,15 +237,33 @@ TEST_F(MainWindowWithTables, ACatalogueThatFailsInARefreshIsSaidInTheStatusBar) 
     Press(u"cmdGo");
     EXPECT_EQ(Tree()->model()->rowCount(), 0);
     EXPECT_EQ(Panel(1), QString());
-    EXPECT_NE(Panel(2), QString());
+    EXPECT_TRUE(Panel(2).startsWith(S(u"The tables cannot be read from ") + DatabasePath() +
+                                    S(u": ")))
+        << Panel(2).toStdString();
     EXPECT_TRUE(prompts.messages.empty());
+}
+
+TEST_F(MainWindowWithTables, ACatalogueForReadingOnlyShowsASign) {
+    Open();
+    auto* sign = Find<QLabel>(u"lblReadOnly");
+    EXPECT_FALSE(sign->isVisible());
+    ASSERT_TRUE(connection->Close().ok());
+    ASSERT_TRUE(connection
+                    ->Open((S(u"Mode=Read;Data Source=") + DatabasePath()).toStdU16String())
+                    .ok());
+    window->RefreshTree();
+    EXPECT_TRUE(sign->isVisible());
+    EXPECT_EQ(sign->text(), S(u"Read-only"));
+    EXPECT_TRUE(sign->toolTip().startsWith(DatabasePath())) << sign->toolTip().toStdString();
+    EXPECT_EQ(Panel(1), S(u"3 Tables in list.  ")) << "it can be read all the same";
 }
 
 TEST_F(MainWindowWithTables, ValuesThatCannotBeReadAreSaidInTheStatusBar) {
     Open();
     connection->Close().Ignore();
     PickFilter(u"Author");
-    EXPECT_NE(Panel(2), QString());
+    EXPECT_TRUE(Panel(2).startsWith(S(u"The values cannot be read from ") + DatabasePath()))
+        << Panel(2).toStdString();
     EXPECT_TRUE(Find<QWidget>(u"fraFilter")->isHidden());
     EXPECT_TRUE(prompts.messages.empty());
 }
@@ -254,8 +273,8 @@ TEST_F(MainWindowWithTables, ATableThatCannotBeReadIsSaidInTheStatusBar) {
     connection->Close().Ignore();
     Click(Table(0));
     EXPECT_EQ(FieldText(2), QString());
-    EXPECT_NE(Panel(2), QString());
-    EXPECT_FALSE(Panel(2).startsWith(S(u"Current Table")));
+    EXPECT_TRUE(Panel(2).startsWith(S(u"The table cannot be read from ") + DatabasePath()))
+        << Panel(2).toStdString();
     EXPECT_TRUE(prompts.messages.empty());
 }
 

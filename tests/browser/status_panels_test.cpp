@@ -1,5 +1,6 @@
 #include "browser/status_panels.h"
 
+#include "browser/status_label.h"
 #include "support/event_counter.h"
 #include "support/wait_for.h"
 
@@ -117,6 +118,63 @@ TEST_F(StatusPanelsTest, ALongTextInTheNamePanelDoesNotWidenTheWindow) {
     const int before = panels.minimumSizeHint().width();
     panels.SetPanelText(kNamePanel, QString(2000, QLatin1Char('x')));
     EXPECT_EQ(panels.minimumSizeHint().width(), before);
+}
+
+TEST_F(StatusPanelsTest, ANameWithLineBreaksStaysOnOneLine) {
+    auto* const name = qobject_cast<StatusLabel*>(Panel(kNamePanel));
+    ASSERT_TRUE(name);
+    panels.SetPanelText(kNamePanel, QStringLiteral("one"));
+    const int height = panels.sizeHint().height();
+    panels.SetPanelText(kNamePanel, QStringLiteral("one\r\ntwo\u2029three"));
+    EXPECT_EQ(panels.sizeHint().height(), height);
+    window.resize(900, 100);
+    EXPECT_EQ(name->ShownText(), QStringLiteral("one  two three"));
+}
+
+TEST_F(StatusPanelsTest, WhatDoesNotFitEndsInAnEllipsis) {
+    auto* const name = qobject_cast<StatusLabel*>(Panel(kNamePanel));
+    ASSERT_TRUE(name);
+    window.resize(300, 100);
+    panels.SetPanelText(kCountPanel, QStringLiteral("100000 Tables in list.  "));
+    panels.SetPanelText(kNamePanel, QStringLiteral("Current Table: Table 19290 of many more"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    EXPECT_TRUE(name->ShownText().endsWith(QChar(0x2026))) << name->ShownText().toStdString();
+    window.resize(1200, 100);
+    EXPECT_EQ(name->ShownText(), name->text());
+}
+
+TEST_F(StatusPanelsTest, NoTextIsCutWhereThereIsRoom) {
+    window.resize(900, 100);
+    auto* const count = qobject_cast<StatusLabel*>(Panel(kCountPanel));
+    ASSERT_TRUE(count);
+    for (int tables = 0; tables < 300; ++tables) {
+        panels.SetPanelText(kCountPanel, QStringLiteral("%1 Tables in list.  ").arg(tables));
+        count->resize(count->sizeHint());
+        EXPECT_EQ(count->ShownText(), count->text());
+    }
+}
+
+TEST_F(StatusPanelsTest, PanelsDoNotRunTogether) {
+    window.resize(900, 100);
+    panels.SetPanelText(kTimesPlayedPanel, QStringLiteral("Times Played: 3"));
+    panels.SetPanelText(kLastPlayedPanel, QStringLiteral("Last Played: 5/6/2007"));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    auto* const last = Panel(kLastPlayedPanel);
+    const QImage seen = last->grab().toImage();
+    const QColor ground = last->palette().color(QPalette::Window);
+    const int middle = seen.height() / 2;
+    EXPECT_NE(seen.pixelColor(0, middle), ground) << "a line in front of the panel";
+    for (int x = 2; x < 5; ++x)
+        EXPECT_EQ(seen.pixelColor(x, middle), ground) << "room between line and text, at " << x;
+}
+
+TEST_F(StatusPanelsTest, ReadOnlyStaysBesideAPassingText) {
+    auto* const sign = panels.findChild<QLabel*>(QStringLiteral("lblReadOnly"));
+    panels.ShowReadOnly(QStringLiteral("/a/pinball.mdb"));
+    panels.ShowInPassing(QStringLiteral("done"));
+    EXPECT_TRUE(sign->isVisible());
+    panels.ShowReadOnly({});
+    EXPECT_FALSE(sign->isVisible());
 }
 
 }  // namespace

@@ -288,6 +288,24 @@ TEST_F(StartUpTest, TheUpgradeStoresTheTypesAndSizesItNames) {
                                            is("CRC", jet::ColumnType::kText, 50)}));
 }
 
+TEST_F(StartUpTest, AnUpgradeThatFailsEndsNothingAndIsKnown) {
+    EXPECT_TRUE(values.UpgradeFailure.ok());
+    ASSERT_TRUE(StartAgain().ok());
+    EXPECT_TRUE(values.UpgradeFailure.ok()) << "the columns are there: that is no failure";
+    connection->Close().Ignore();
+    EXPECT_FALSE(UpgradeCatalogue(catalogue).ok());
+}
+
+TEST_F(StartUpTest, ThatNobodyMayChangeTheCatalogueIsNoFailureOfItsUpgrade) {
+    Execute(QStringLiteral("Alter Table Tables drop column CRC"));
+    ASSERT_TRUE(connection->Close().ok());
+    ASSERT_TRUE(
+        connection
+            ->Open((QStringLiteral("Mode=Read;Data Source=") + DatabasePath()).toStdU16String())
+            .ok());
+    EXPECT_TRUE(UpgradeCatalogue(catalogue).ok());
+}
+
 // A catalogue that was copied from another system: its name may be written in capitals.
 TEST_F(FreshFolder, ACatalogueWhoseNameIsInCapitalsIsOpened) {
     MakeCatalogue();

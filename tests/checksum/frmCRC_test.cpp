@@ -1,5 +1,6 @@
 #include "checksum/frmCRC.h"
 
+#include "support/as_nobody.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
 
@@ -10,6 +11,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
+
+#include <sys/stat.h>
 
 namespace checksum {
 namespace {
@@ -121,6 +124,21 @@ TEST_F(FrmCrcTest, AFailureIsKeptForTheStatusBar) {
     ASSERT_TRUE(connection->Close().ok());
     EXPECT_FALSE(UpdateCrcs(catalogue, prompts, nullptr).ok());
     EXPECT_EQ(prompts.messages.size(), 1U) << "the question only";
+}
+
+TEST_F(FrmCrcTest, AFileThatCannotBeReadIsNamedAtTheEnd) {
+    AddTables(2);
+    ASSERT_EQ(chmod(QFile::encodeName(folder.path()).constData(), 0755), 0);
+    for (const auto* name : {"t0.vpt", "t1.vpt"})
+        ASSERT_EQ(chmod(QFile::encodeName(folder.filePath(QLatin1String(name))).constData(), 0), 0);
+    base::Status done;
+    {
+        const test_support::AsNobody nobody;
+        done = UpdateCrcs(catalogue, prompts, nullptr);
+    }
+    EXPECT_EQ(done.message().rfind("2 could not be read. The first: ", 0), 0U) << done.message();
+    EXPECT_NE(done.message().find("t0.vpt"), std::string::npos) << done.message();
+    EXPECT_EQ(Refreshed(), QStringLiteral("0"));
 }
 
 }  // namespace

@@ -71,6 +71,25 @@ TEST_F(FrmSearchTest, AScanAddsTheTablesAndReportsTheirNumber) {
     EXPECT_EQ(Scalar(QStringLiteral("Select count(*) from Tables")), QStringLiteral("2"));
 }
 
+TEST_F(FrmSearchTest, WhatCouldNotBeAddedIsKnownAfterwards) {
+    Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
+    const QString deep = QStringLiteral("a").repeated(200) + u'/' + QStringLiteral("b").repeated(200);
+    ASSERT_TRUE(QDir(tables.path()).mkpath(deep));
+    const QString path = Build(deep + QStringLiteral("/long.vpt"), VptBuilder().Filler(1000));
+    dialog->show();
+    Search();
+    EXPECT_EQ(TextOf("lbltime"), QStringLiteral("New Tables Found and added to your database: 1"));
+    const std::string told = dialog->passed_over().message();
+    EXPECT_NE(told.find(path.toStdString() + ": "), std::string::npos) << told;
+    dialog->close();
+    Find<QPushButton>("cmdgo")->show();
+    ASSERT_TRUE(QFile::remove(path));
+    prompts.folders = {tables.path()};
+    dialog->show();
+    Search();
+    EXPECT_TRUE(dialog->passed_over().ok());
+}
+
 TEST_F(FrmSearchTest, ASecondScanOfTheSameTreeReportsNone) {
     Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
     dialog->show();
@@ -141,6 +160,7 @@ TEST_F(FrmSearchTest, ClosingIsRefusedWithAMessageWhileScanning) {
     bool escape_refused = false;
     QTimer::singleShot(0, dialog.get(), [&] {
         stayed_open = !dialog->close() && dialog->isVisible();
+        EXPECT_EQ(Find<QPushButton>("cmdExit")->text(), QStringLiteral("Scanning..."));
         QTest::keyClick(dialog.get(), Qt::Key_Escape);
         Find<QPushButton>("cmdExit")->click();
         escape_refused = dialog->isVisible();
@@ -155,6 +175,7 @@ TEST_F(FrmSearchTest, ClosingIsRefusedWithAMessageWhileScanning) {
                                               platform::MessageIcon::kInformation,
                                               platform::MessageButtons::kOk}));
     EXPECT_EQ(TextOf("lbltime"), QStringLiteral("New Tables Found and added to your database: 5"));
+    EXPECT_EQ(Find<QPushButton>("cmdExit")->text(), QStringLiteral("&Done"));
     EXPECT_TRUE(dialog->close());
 }
 

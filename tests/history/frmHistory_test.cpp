@@ -26,7 +26,7 @@ protected:
         TreeFixture::SetUp();
         AddTable(S(u"Alpha"), S(u"/tables/alpha.vpt"));
         AddTable(S(u"Beta"), S(u"/tables/beta.vpt"));
-        catalogue::UpgradeCatalogue(catalogue);  // gives them their dates
+        ASSERT_TRUE(catalogue::UpgradeCatalogue(catalogue).ok());  // gives them their dates
         ASSERT_TRUE(connection->Close().ok());
         history = std::make_unique<HistoryFile>(*files, DatabasePath().toStdU16String());
         connection->UseNotes(history.get());

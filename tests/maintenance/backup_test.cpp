@@ -14,7 +14,11 @@ namespace {
 class BackupTest : public test_support::CommandFixture {
 protected:
     QString BackupPath() const { return folder.filePath(QStringLiteral("pinball.BU")); }
-    void Backup() { BackupData(Context(), QStringLiteral("the caption")); }
+    base::Status TryBackup() { return BackupData(Context(), QStringLiteral("the caption")); }
+    void Backup() {
+        const auto made = TryBackup();
+        EXPECT_TRUE(made.ok()) << made.message();
+    }
 
     // Number of rows of the backup, opened as a database of its own.
     QString RowsOfBackup() {
@@ -69,9 +73,9 @@ TEST_F(BackupTest, ASecondBackupReplacesTheFirst) {
     EXPECT_EQ(Entries(), QStringList{QStringLiteral("pinball.BU")});
 }
 
-TEST_F(BackupTest, AFolderInItsPlaceEndsItSilently) {
+TEST_F(BackupTest, AFolderInItsPlaceEndsItWithoutABox) {
     QDir(folder.path()).mkpath(QStringLiteral("pinball.BU/inside"));
-    Backup();
+    EXPECT_FALSE(TryBackup().ok());
     EXPECT_TRUE(prompts.messages.empty());
     EXPECT_TRUE(QFileInfo(BackupPath()).isDir());
     EXPECT_EQ(Entries(), QStringList{QStringLiteral("pinball.BU")});
@@ -86,7 +90,8 @@ TEST_F(BackupTest, WhicheverCallFailsTheOldBackupStaysGood) {
     int allowed = 0;
     for (;; ++allowed) {
         test_support::FailingFiles failing(*files, allowed);
-        BackupData(Context(), failing, QString());
+        const base::Status made = BackupData(Context(), failing, QString());
+        EXPECT_EQ(made.ok(), !failing.failed()) << made.message();
         if (!failing.failed()) break;
         EXPECT_TRUE(prompts.messages.empty()) << allowed;
         EXPECT_EQ(Content(BackupPath()), before) << allowed;
@@ -98,9 +103,9 @@ TEST_F(BackupTest, WhicheverCallFailsTheOldBackupStaysGood) {
     EXPECT_EQ(RowsOfBackup(), QStringLiteral("2000"));
 }
 
-TEST_F(BackupTest, AClosedCatalogueEndsItSilently) {
+TEST_F(BackupTest, AClosedCatalogueEndsItWithoutABox) {
     ASSERT_TRUE(connection->Close().ok());
-    Backup();
+    EXPECT_FALSE(TryBackup().ok());
     EXPECT_TRUE(prompts.messages.empty());
     EXPECT_FALSE(QFile::exists(BackupPath()));
 }
@@ -156,7 +161,7 @@ private:
 
 TEST_F(BackupTest, TheCopyIsOnTheDiskBeforeItTakesThePlaceOfTheOldOne) {
     RecordingFiles recording(*files);
-    BackupData(Context(), recording, QString());
+    EXPECT_TRUE(BackupData(Context(), recording, QString()).ok());
     EXPECT_EQ(recording.calls,
               (std::vector<std::string>{"write pinball.BU.new", "sync pinball.BU.new",
                                         "close pinball.BU.new",

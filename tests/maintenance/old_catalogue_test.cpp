@@ -107,7 +107,7 @@ TEST_P(OldCatalogueTest, PlayCountsAreReset) {
 
 TEST_P(OldCatalogueTest, TheBackupHoldsWhatTheCatalogueHolds) {
     Execute(QStringLiteral("update Tables set Notes = 'changed' where ID < 50"));
-    BackupData(Context(), QString());
+    EXPECT_TRUE(BackupData(Context(), QString()).ok());
     ASSERT_EQ(prompts.messages.size(), 1U);
     const QString backup = folder.filePath(QStringLiteral("pinball.BU"));
     EXPECT_EQ(ExportedRows(backup), ExportedRows(DatabasePath()));

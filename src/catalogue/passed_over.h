@@ -1,0 +1,39 @@
+// PassedOver: what a long run has left out because it could not be read. Such a run goes on; that
+// something is missing is said once at its end.
+#pragma once
+
+#include "base/status.h"
+
+#include <QtCore/QString>
+
+#include <cstdint>
+
+namespace catalogue {
+
+class PassedOver {
+public:
+    // `failure` is not ok; `path` is put in front of its message unless that names it.
+    void Note(const QString& path, const base::Status& failure) {
+        if (count_++ > 0) return;
+        const std::string name = path.toStdString();
+        const bool is_named = failure.message().find(name) != std::string::npos;
+        first_ = is_named ? failure
+                          : base::Status(failure.code(), name + ": " + failure.message(),
+                                         failure.number());
+    }
+    std::int64_t count() const { return count_; }
+
+    // ok: nothing was left out. Otherwise how much, and the first of it with its reason.
+    base::Status Summary() const {
+        if (count_ <= 1) return first_;
+        return {first_.code(),
+                std::to_string(count_) + " could not be read. The first: " + first_.message(),
+                first_.number()};
+    }
+
+private:
+    std::int64_t count_ = 0;
+    base::Status first_;
+};
+
+}  // namespace catalogue
