@@ -10,6 +10,7 @@
 #include "jet/errors.h"
 #include "platform/files.h"
 #include "tableinfo/storage_tools.h"
+#include "widgets/object_names.h"
 
 namespace browser {
 namespace {
@@ -32,6 +33,7 @@ platform::Message DeleteQuestion() {
     question.text = QStringLiteral("Delete the current table?");
     question.title = QStringLiteral("Warning");
     question.buttons = platform::MessageButtons::kYesNo;
+    question.no_is_default = true;
     return question;
 }
 
@@ -43,6 +45,7 @@ DetailPanel::DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts&
       controls_(BuildDetailControls(this)) {
     ConnectFields();
     ConnectButtons();
+    EnableFields();
 }
 
 void DetailPanel::ConnectFields() {
@@ -73,9 +76,30 @@ void DetailPanel::ConnectButtons() {
 }
 
 void DetailPanel::ShowTableDetails(const QString& file_name) {
-    ClearTableDetails();
-    if (!FillFields(file_name)) return;
-    ShowPictures();
+    EmptyControls();
+    const bool is_filled = FillFields(file_name);
+    EnableFields();
+    if (is_filled) ShowPictures();
+}
+
+// Without a record nothing can be typed that would then be lost. Not before the new record is there,
+// as the field with the focus would lose it.
+void DetailPanel::EnableFields() {
+    const bool has_record = !controls_.txtDet[kId].Text().isEmpty();
+    if (has_record) {
+        const FieldLimits limits = LimitsOfFields(connection());
+        for (std::size_t i = 0; i < limits.size(); ++i)
+            controls_.txtDet[i].LimitTyping(limits[i]);
+    }
+    for (const TextBox& box : controls_.txtDet)
+        box.widget()->setEnabled(has_record);
+    // Not the Cancel buttons: they are the way out of every edit.
+    const std::initializer_list<QWidget*> others = {
+        controls_.chkFavorite, controls_.chkPinMame, controls_.Command2,
+        controls_.Command3,    controls_.Command4,   controls_.cmdChange,
+        controls_.cmdDelete,   controls_.cmdReadRule, controls_.cmdSaveRules};
+    for (QWidget* other : others)
+        other->setEnabled(has_record);
 }
 
 bool DetailPanel::FillFields(const QString& file_name) {
@@ -149,6 +173,11 @@ void DetailPanel::ShowPictures() {
 }
 
 void DetailPanel::ClearTableDetails() {
+    EmptyControls();
+    EnableFields();
+}
+
+void DetailPanel::EmptyControls() {
     const base::ScopedFlag loading(LoadingDetails);
     for (TextBox& box : controls_.txtDet)
         box.SetText({});
@@ -208,9 +237,25 @@ void DetailPanel::Save() {
         return GoToField(*field);
     }
     if (const auto saved = SaveTableRecord(connection(), record); !saved.ok())
-        return catalogue::ShowError(prompts_, saved);
+        return ShowSaveFailure(record, saved);
     host_.FileNameStored(record.fields[kId], record.fields[kFileName]);
     EndEdit(record.fields[kFileName]);
+}
+
+// Of a text that is too long, it says in which field.
+void DetailPanel::ShowSaveFailure(const TableRecord& record, const base::Status& failure) {
+    const auto field = jet::Is(failure, jet::ErrorNumber::kFieldTooSmall)
+                           ? FirstTooLong(record, LimitsOfFields(connection()))
+                           : std::nullopt;
+    if (!field) return catalogue::ShowError(prompts_, failure);
+    const std::string text = FieldCaption(*field).toStdString() + ": " + failure.message();
+    catalogue::ShowError(prompts_, {failure.code(), text, failure.number()});
+    GoToField(*field);
+}
+
+QString DetailPanel::FieldCaption(DetailField field) const {
+    const auto* const label = findChild<QLabel*>(widgets::ElementName("Label2", field));
+    return label == nullptr ? QString() : label->text().remove(u':');
 }
 
 void DetailPanel::SaveRules() {

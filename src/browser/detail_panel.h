@@ -45,7 +45,7 @@ public:
     DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, DetailHost& host,
                 QWidget* parent = nullptr);
 
-    // Shows the first record with this FileName. Failures are shown in the status bar.
+    // Shows the first record with this FileName; without one the fields are disabled. Failures are shown in the status bar.
     void ShowTableDetails(const QString& file_name);
     void ClearTableDetails();
     // True: shows the warning, locks the window and the other tabs; false: frees them.
@@ -80,6 +80,8 @@ private:
 
     bool FillFields(const QString& file_name);
     bool ShowFailure(const base::Status& failure) const;
+    void EmptyControls();
+    void EnableFields();
     void ShowRecord(const TableRecord& record);
     void ShowPictures();
     widgets::PictureSource FileIn(DetailField field) const;
@@ -88,6 +90,8 @@ private:
 
     void MarkEdited();
     TableRecord EditedRecord() const;
+    void ShowSaveFailure(const TableRecord& record, const base::Status& failure);
+    QString FieldCaption(DetailField field) const;
     void GoToField(DetailField field);
     void EndEdit(const QString& file_name);
     void Cancel();

@@ -138,6 +138,8 @@ void frmPinball::CreateControllers() {
                                                                    *tvwDB_, *details_, *filter_bar_,
                                                                    *menu_->Menu(kPopupMenu)},
                                              host);
+    connect(selection_.get(), &SelectionController::PlaceKept, this,
+            [this](const QModelIndex& node) { tree_->ShowNode(node); });
     CreateFind();
     ConnectWelcome();
 }
@@ -342,10 +344,7 @@ void frmPinball::RefreshTree() {
 }
 
 void frmPinball::ShowChangedRows() {
-    const QString selected = TableIsSelected() ? SelectedTag() : QString();
     RefreshTree();
-    if (!selected.isNull())
-        tree_->SelectTable([&](const QString& file_name) { return file_name == selected; });
 }
 
 QString frmPinball::SelectedTag() const {

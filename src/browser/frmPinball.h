@@ -85,8 +85,7 @@ public:
     void ShowProgress(std::int64_t done, std::int64_t total);
     // A command is at work; what it has to paint lets events through.
     bool shows_progress() const;
-    // Runs the selection again, as rows were changed behind it, and selects the same table if it is
-    // still there.
+    // Runs the selection again, as rows were changed behind it.
     void ShowChangedRows();
     // Shows a failure that stops nothing in the status bar for 15 seconds. Does nothing when it is
     // ok.

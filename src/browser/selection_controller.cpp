@@ -67,6 +67,8 @@ void SelectionController::RestoreFilter(const AppliedSelection& saved) {
 }
 
 void SelectionController::RefreshTree() {
+    place_.Remember(parts_.model, parts_.tree);
+    const std::optional<Selection> before = shown_;
     clear_details_();
     parts_.model.Clear();
     parts_.status.SetPanelText(kCountPanel, {});  // no count beside an empty tree
@@ -77,6 +79,20 @@ void SelectionController::RefreshTree() {
     else if (const base::Status shown = ShowSelection(selection); !shown.ok())
         ShowFailure(shown);
     parts_.order_bar.SetRefreshPending(false);
+    if (shown_) KeepPlace(before);
+}
+
+// An order is none of the question.
+void SelectionController::KeepPlace(const std::optional<Selection>& before) {
+    const bool is_same = before && before->filter_key == shown_->filter_key &&
+                         before->filter_value == shown_->filter_value &&
+                         before->comparison == shown_->comparison;
+    const QModelIndex node =
+        place_.Find(parts_.model, is_same ? TreePlace::Gone::kTakesTheNeighbour
+                                          : TreePlace::Gone::kTakesNone);
+    if (!node.isValid()) return;
+    place_.Select(parts_.tree, node);
+    Q_EMIT PlaceKept(node);
 }
 
 void SelectionController::ShowFailure(const base::Status& failure) {

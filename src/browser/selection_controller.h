@@ -8,6 +8,7 @@
 #include "browser/status_panels.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
+#include "browser/tree_place.h"
 #include "browser/tree_query.h"
 #include "catalogue/catalogue.h"
 #include "jet/recordset.h"
@@ -43,7 +44,8 @@ public:
     // detail panel.
     SelectionController(const Parts& parts, std::function<void()> clear_details);
 
-    // Shows the selection of the controls. For an invalid value the user gets a message, for a
+    // Shows the selection of the controls, with the same table selected as before; where the
+    // question is the same and the table is gone, its neighbour. For an invalid value the user gets a message, for a
     // failure of the database the status bar shows it; the tree is empty then.
     void RefreshTree();
     // Sets applied() without showing anything.
@@ -54,11 +56,16 @@ public:
     // What the tree shows; nullopt: it is empty.
     const std::optional<Selection>& shown() const { return shown_; }
 
+Q_SIGNALS:
+    // The tree shows its new content, and `node` has been selected as the table from before.
+    void PlaceKept(const QModelIndex& node);
+
 private:
     Selection Current() const;
     void Apply(const Selection& selection);
     base::Status ShowSelection(const Selection& selection);
     base::Status BuildTree(jet::Recordset& rows, const Selection& selection);
+    void KeepPlace(const std::optional<Selection>& before);
     void ReportNothingFound();
     void ShowFailure(const base::Status& failure);
     void TellFailure(const QString& what, const base::Status& failure);
@@ -68,6 +75,7 @@ private:
     std::function<void()> clear_details_;
     AppliedSelection applied_;
     std::optional<Selection> shown_;
+    TreePlace place_;
 };
 
 }  // namespace browser

@@ -4,6 +4,7 @@
 #include "catalogue/quoting.h"
 #include "jet/connection.h"
 #include "jet/errors.h"
+#include "jet/tables/database.h"
 #include "platform/files.h"
 
 namespace browser {
@@ -106,6 +107,31 @@ std::optional<DetailField> FirstMissingFile(const TableRecord& record) {
     for (const DetailField field : {kImageFile, kFlyerFile, kRulesFile}) {
         const QString& path = record.fields[field];
         if (!path.trimmed().isEmpty() && !platform::FileExists(path)) return field;
+    }
+    return std::nullopt;
+}
+
+FieldLimits LimitsOfFields(jet::Connection& connection) {
+    FieldLimits limits{};
+    jet::Database* const database = connection.database();
+    if (database == nullptr) return limits;
+    const auto table = database->FindTable(u"Tables");
+    if (!table.ok()) return limits;
+    for (const jet::ColumnDesign& column : (*table)->design().columns) {
+        if (column.type != jet::ColumnType::kText) continue;
+        for (const FieldColumn& field : kColumns)
+            if (QStringView(column.name).compare(QStringView(field.column), Qt::CaseInsensitive) ==
+                0)
+                limits[static_cast<std::size_t>(field.field)] = column.size;
+    }
+    return limits;
+}
+
+std::optional<DetailField> FirstTooLong(const TableRecord& record, const FieldLimits& limits) {
+    for (const FieldColumn& field : kColumns) {
+        const auto at = static_cast<std::size_t>(field.field);
+        if (field.is_saved && limits[at] > 0 && record.fields[at].size() > limits[at])
+            return field.field;
     }
     return std::nullopt;
 }

@@ -37,6 +37,12 @@ base::Status LoadTableRecord(jet::Connection& connection, const QString& file_na
 // existing file; nullopt if there is none.
 std::optional<DetailField> FirstMissingFile(const TableRecord& record);
 
+// How many characters the columns of the fields take; 0: any number, or the column is missing.
+using FieldLimits = std::array<int, kDetailFieldCount>;
+FieldLimits LimitsOfFields(jet::Connection& connection);
+// The first field whose text is too long for its column; nullopt: all fit.
+std::optional<DetailField> FirstTooLong(const TableRecord& record, const FieldLimits& limits);
+
 // Writes the check boxes and all fields except id, file date and rules text into the row with the
 // record's id. On failure the row is unchanged. 3021: the row does not exist any more.
 base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& record);

@@ -144,6 +144,11 @@ Qt::ItemFlags TableTreeModel::flags(const QModelIndex& index) const {
     return flags;
 }
 
+std::optional<std::size_t> TableTreeModel::TableOfNode(const QModelIndex& index) const {
+    if (!index.isValid() || !has_nodes_) return std::nullopt;
+    return NodeOf(index).table;
+}
+
 QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     const Node node = NodeOf(index);

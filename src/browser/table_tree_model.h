@@ -67,6 +67,14 @@ public:
     // 0 for an invalid index.
     std::int64_t NodeNumber(const QModelIndex& index) const;
 
+    // Tables are counted from 0 in the order of the tree.
+    std::size_t table_count() const { return tables_ ? tables_->size() : 0; }
+    // The ID of its row. Requires: table < table_count().
+    std::int32_t Id(std::size_t table) const { return tables_->Id(table); }
+    // The table that an index is, or is a detail line of; nullopt: the root, or an invalid index.
+    std::optional<std::size_t> TableOfNode(const QModelIndex& index) const;
+    QModelIndex IndexOfTable(std::size_t table) const { return IndexOf({table, std::nullopt}); }
+
     // The key of the table with this id, see kNodeKeyRole.
     static QString NodeKey(const QString& id) { return u'X' + id; }
     static QString Tag(const QModelIndex& index) { return index.data(kTagRole).toString(); }

@@ -61,6 +61,9 @@ public:
     // The same with the first table that `is_wanted` takes by its FileName. False: there is none.
     bool SelectTable(const std::function<bool(const QString& file_name)>& is_wanted);
 
+    // What a click on a node does, for one that is selected already.
+    void ShowNode(const QModelIndex& index) { NodeClick(index); }
+
     // Plays the selected table, shows its details again and collapses its node.
     void DoubleClick();
     // Inverts the favourite flag of the selected table. A failure of the database is shown in a

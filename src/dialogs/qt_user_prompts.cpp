@@ -44,11 +44,12 @@ void AddButton(QMessageBox& box, QMessageBox::StandardButton button, const QStri
 }
 
 // Qt derives from the roles that Escape and the close button press No or Cancel, Return presses Ok.
-void AddButtons(QMessageBox& box, MessageButtons buttons) {
+void AddButtons(QMessageBox& box, const platform::Message& message) {
+    const MessageButtons buttons = message.buttons;
     if (buttons == MessageButtons::kYesNo) {
         AddButton(box, QMessageBox::Yes, QStringLiteral("cmdYes"));
         AddButton(box, QMessageBox::No, QStringLiteral("cmdNo"));
-        box.setDefaultButton(QMessageBox::Yes);
+        box.setDefaultButton(message.no_is_default ? QMessageBox::No : QMessageBox::Yes);
         return;
     }
     AddButton(box, QMessageBox::Ok, QStringLiteral("cmdOK"));
@@ -154,7 +155,7 @@ MessageAnswer QtUserPrompts::Ask(const platform::Message& message) {
     box.setTextFormat(Qt::PlainText);
     box.setText(WithLineFeeds(message.text));
     box.setIcon(QtIcon(message.icon));
-    AddButtons(box, message.buttons);
+    AddButtons(box, message);
     MakeRoomForTitle(box);
     return AnswerOf(box.exec(), message.buttons);
 }

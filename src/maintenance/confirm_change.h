@@ -12,6 +12,7 @@ inline bool ConfirmChange(platform::UserPrompts& prompts, const QString& text) {
     question.title = QStringLiteral("Warning");
     question.icon = platform::MessageIcon::kExclamation;
     question.buttons = platform::MessageButtons::kYesNo;
+    question.no_is_default = true;
     return prompts.Ask(question) == platform::MessageAnswer::kYes;
 }
 

@@ -16,6 +16,8 @@ struct Message {
     QString title;  // empty: the program's title
     MessageIcon icon = MessageIcon::kNone;
     MessageButtons buttons = MessageButtons::kOk;
+    // Of Yes and No, the one that Enter presses is No: what Yes does destroys something.
+    bool no_is_default = false;
     bool operator==(const Message&) const = default;
 };
 

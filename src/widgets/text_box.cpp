@@ -1,11 +1,34 @@
 #include "widgets/text_box.h"
 
+#include <QtGui/QValidator>
+#include <QtWidgets/QToolTip>
+
 namespace widgets {
 namespace {
 
 // Far more than any column holds: a text that is too long is refused by the database, not cut by
 // the box.
 constexpr int kMaxTextLength = 1 << 24;
+
+class LengthLimit final : public QValidator {
+public:
+    explicit LengthLimit(QLineEdit& line) : QValidator(&line), line_(line) {}
+    void SetMost(int most) { most_ = most; }
+
+    // The line takes back what would be invalid, but not what is shorter than a text that was
+    // invalid already.
+    State validate(QString& text, int&) const override {
+        return most_ == 0 || text.size() <= most_ ? Acceptable : Invalid;
+    }
+    void Tell() const {
+        QToolTip::showText(line_.mapToGlobal(QPoint(0, line_.height())),
+                           QStringLiteral("At most %1 characters").arg(most_), &line_);
+    }
+
+private:
+    QLineEdit& line_;
+    int most_ = 0;
+};
 
 }  // namespace
 
@@ -41,6 +64,18 @@ void TextBox::SetReadOnly() {
         line_->setReadOnly(true);
     else
         lines_->setReadOnly(true);
+}
+
+void TextBox::LimitTyping(int most) {
+    if (!line_) return;
+    auto* limit = const_cast<LengthLimit*>(  // NOLINT: ours
+        static_cast<const LengthLimit*>(line_->validator()));
+    if (limit == nullptr) {
+        limit = new LengthLimit(*line_);
+        line_->setValidator(limit);
+        QObject::connect(line_, &QLineEdit::inputRejected, line_, [limit] { limit->Tell(); });
+    }
+    limit->SetMost(most);
 }
 
 void TextBox::FocusAndSelectAll() {

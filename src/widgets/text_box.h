@@ -21,6 +21,9 @@ public:
     QString Text() const;
     void SetText(const QString& text);
     void SetReadOnly();
+    // From now on a user cannot type or paste more than `most` characters (0: any number) and is
+    // told so; SetText still can. Only of one line.
+    void LimitTyping(int most);
     // The focus, with the whole text selected.
     void FocusAndSelectAll();
     // Calls `action` after every change of the text while the widget lives.

@@ -186,11 +186,64 @@ TEST_F(DetailEditTest, ATextTooLongForItsColumnIsToldAndNothingIsLost) {
     Line(6)->setText(text);
     Click("cmdChange");
     ASSERT_EQ(prompts.messages.size(), 1u);
-    EXPECT_FALSE(prompts.messages[0].text.isEmpty());
+    EXPECT_TRUE(
+        prompts.messages[0].text.startsWith(QStringLiteral("Company: The field is too small")))
+        << prompts.messages[0].text.toStdString();
     EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
     EXPECT_TRUE(panel->record_changed());
     EXPECT_EQ(Line(6)->text(), text);
+    EXPECT_EQ(Line(6)->selectedText(), text);
     EXPECT_EQ(Stored(QStringLiteral("Author"), QStringLiteral("Attack")), QString());
+}
+
+TEST_F(DetailEditTest, NoMoreCanBeTypedThanTheColumnTakes) {
+    ShowTable(QStringLiteral("Attack"));
+    Line(1)->setFocus();
+    QTest::keyClicks(Line(1), QString(300, QLatin1Char('7')));
+    const auto most = Line(1)->text().size();
+    EXPECT_GT(most, 0);
+    EXPECT_LT(most, 300);
+    Click("cmdChange");
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(Stored(QStringLiteral("[Year]"), QStringLiteral("Attack")).size(), most);
+    QTest::keyClicks(Line(1), QStringLiteral("7"));
+    EXPECT_EQ(Line(1)->text().size(), most) << "not one more";
+}
+
+TEST_F(DetailEditTest, ATextThatIsTooLongCanBeMadeShorter) {
+    ShowTable(QStringLiteral("Attack"));
+    Line(6)->setText(QString(300, QLatin1Char('x')));
+    Line(6)->setFocus();
+    Line(6)->setCursorPosition(300);
+    QTest::keyClick(Line(6), Qt::Key_Backspace);
+    EXPECT_EQ(Line(6)->text().size(), 299);
+}
+
+TEST_F(DetailEditTest, WithoutARecordNothingCanBeTyped) {
+    const auto expect = [this](bool enabled) {
+        for (int field = 1; field <= 12; ++field)
+            EXPECT_EQ(Find<QWidget>(QStringLiteral("txtDet_%1").arg(field))->isEnabled(), enabled)
+                << field;
+        for (const char* name : {"chkFavorite", "chkPinMame", "Command2", "Command3", "Command4",
+                                 "cmdChange", "cmdDelete", "cmdReadRule", "cmdSaveRules"})
+            EXPECT_EQ(Find<QWidget>(QLatin1String(name))->isEnabled(), enabled) << name;
+    };
+    expect(false);
+    ShowTable(QStringLiteral("Attack"));
+    expect(true);
+    panel->ClearTableDetails();
+    expect(false);
+    panel->ShowTableDetails(QStringLiteral("/nowhere.vpt"));
+    expect(false);
+}
+
+TEST_F(DetailEditTest, AFieldKeepsTheFocusWhileItsRecordIsStored) {
+    ShowTable(QStringLiteral("Attack"));
+    panel->activateWindow();
+    Line(4)->setFocus();
+    QTest::keyClicks(Line(4), QStringLiteral("Anna"));
+    panel->Save();
+    EXPECT_EQ(panel->focusWidget(), Line(4));
 }
 
 TEST_F(DetailEditTest, ARowDeletedMeanwhileIsToldAndTheEditStays) {
@@ -227,6 +280,7 @@ TEST_F(DetailEditTest, DeleteAsksAndDeletesTheRowOnly) {
     EXPECT_EQ(prompts.messages[0].text, QStringLiteral("Delete the current table?"));
     EXPECT_EQ(prompts.messages[0].title, QStringLiteral("Warning"));
     EXPECT_EQ(prompts.messages[0].buttons, platform::MessageButtons::kYesNo);
+    EXPECT_TRUE(prompts.messages[0].no_is_default);
     EXPECT_EQ(Scalar(QStringLiteral("select FileName from tables")), file);
     EXPECT_FALSE(panel->record_changed());
     EXPECT_EQ(host.refreshes, 1);

@@ -489,7 +489,58 @@ TEST_F(MainWindowWithTables, ARefreshDuringAPlayDoesNoHarm) {
     Open();
     while_playing = [this] { window->RefreshTree(); };
     DoubleClick(Table(0));
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+    while_playing = [this] {
+        Execute(S(u"Delete from Tables"));
+        window->RefreshTree();
+    };
+    DoubleClick(Table(0));
     EXPECT_EQ(FieldText(2), QString());
+}
+
+// The place in the list.
+
+TEST_F(MainWindowWithTables, ARefreshKeepsTheSelectedTableAndItsPlaceInTheView) {
+    for (int i = 0; i < 200; ++i)
+        AddTable(QStringLiteral("Row %1").arg(i, 3, 10, QLatin1Char('0')));
+    Open();
+    Click(Table(100));
+    const int above = Tree()->visualRect(Table(100)).top();
+    const QString shown = FieldText(2);
+    Press(u"cmdGo");
+    EXPECT_EQ(Tree()->currentIndex(), Table(100));
+    EXPECT_EQ(FieldText(2), shown);
+    EXPECT_EQ(Tree()->visualRect(Table(100)).top(), above);
+    Press(u"lblDirection");
+    Press(u"cmdGo");
+    EXPECT_EQ(Tree()->currentIndex(), Table(102)) << "the same table in the new order";
+    EXPECT_EQ(FieldText(2), shown);
+    window->close();
+    EXPECT_EQ(Saved(u"LASTPLAY"), QString::number(2 + 102 * 7));
+}
+
+TEST_F(MainWindowWithTables, OfATableThatTheNewQuestionLeavesOutNothingIsSelected) {
+    Open();
+    Click(Table(0));
+    PickFilter(u"Favorites");
+    Press(u"cmdGo");
+    ASSERT_EQ(TableNames(), QStringList({S(u"Beta")}));
+    EXPECT_FALSE(Tree()->currentIndex().isValid());
+    EXPECT_EQ(FieldText(2), QString());
+    PickFilter(u"All");
+    Press(u"cmdGo");
+    EXPECT_EQ(Tree()->currentIndex(), Table(0)) << "and it is found again";
+}
+
+TEST_F(MainWindowWithTables, WhatMovesUpIsSelectedWhereARowHasGone) {
+    Open();
+    Click(Table(1));
+    Execute(S(u"Delete from Tables where DisplayName = 'Beta'"));
+    Press(u"cmdGo");
+    EXPECT_EQ(FieldText(2), S(u"Gamma"));
+    Execute(S(u"Delete from Tables where DisplayName = 'Gamma'"));
+    Press(u"cmdGo");
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
 }
 
 TEST_F(MainWindowWithTables, NotesOfAMegabyteAreCutWhereNobodySeesThem) {
@@ -583,7 +634,7 @@ TEST_F(MainWindowWithTables, ARecordSavedWhileTheRootIsSelectedStaysShown) {
     EXPECT_EQ(window->SelectedTag(), S(u"X1"));
 }
 
-TEST_F(MainWindowWithTables, AfterADeleteTheTreeIsRebuiltAndThePanelEmpty) {
+TEST_F(MainWindowWithTables, AfterADeleteTheTreeIsRebuiltAndTheNeighbourShown) {
     Open();
     Click(Table(0));
     Press(u"cmdDelete");
@@ -591,6 +642,12 @@ TEST_F(MainWindowWithTables, AfterADeleteTheTreeIsRebuiltAndThePanelEmpty) {
     EXPECT_EQ(prompts.messages[0].title, S(u"Warning"));
     EXPECT_EQ(TableNames(), QStringList({S(u"Beta"), S(u"Gamma")}));
     EXPECT_EQ(Panel(1), S(u"2 Tables in list.  "));
+    EXPECT_EQ(Tree()->currentIndex(), Table(0));
+    EXPECT_EQ(FieldText(2), S(u"Beta"));
+    EXPECT_EQ(Panel(2), S(u"Current Table: Beta"));
+    Press(u"cmdDelete");
+    Press(u"cmdDelete");
+    EXPECT_EQ(Tree()->model()->rowCount(), 0);
     for (int field = 0; field <= 12; ++field)
         EXPECT_EQ(FieldText(field), QString()) << field;
     EXPECT_EQ(Panel(2), QString());

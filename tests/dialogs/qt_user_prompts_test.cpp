@@ -74,6 +74,15 @@ TEST(MessageBoxTest, ReturnMeansYesOrOk) {
     }
 }
 
+TEST(MessageBoxTest, ReturnMeansNoWhereYesDestroysSomething) {
+    const Message question{
+        QStringLiteral("Sure?"), {}, MessageIcon::kNone, MessageButtons::kYesNo, true};
+    EXPECT_EQ(AnswerWhen(question, [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); }),
+              MessageAnswer::kNo);
+    EXPECT_EQ(AnswerWhen(question, [](QWidget& box) { Press(box, "cmdYes"); }),
+              MessageAnswer::kYes);
+}
+
 TEST(MessageBoxTest, EscapeMeansNoOrCancel) {
     EXPECT_EQ(AnswerOfEscape(MessageButtons::kYesNo), MessageAnswer::kNo);
     EXPECT_EQ(AnswerOfEscape(MessageButtons::kOkCancel), MessageAnswer::kCancel);

@@ -27,7 +27,7 @@ TEST_F(PlayCountsTest, TheQuestionIsAskedInItsOwnWordsAndNoChangesNothing) {
                   QStringLiteral("This function sets the number of times played for all tables "
                                  "back to 0\rAre you sure you want to continue?"),
                   QStringLiteral("Warning"), platform::MessageIcon::kExclamation,
-                  platform::MessageButtons::kYesNo})});
+                  platform::MessageButtons::kYesNo, true})});
     EXPECT_EQ(CountWhere(QStringLiteral("TimesPlayed = 4")), QStringLiteral("2"));
     EXPECT_EQ(refreshes, 0);
 }

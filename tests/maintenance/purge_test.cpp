@@ -19,7 +19,7 @@ TEST_F(PurgeTest, TheQuestionIsAskedInItsOwnWords) {
                       "Use the RESET PATHS function If you have simply moved your files to a new "
                       "location\rAre you sure you want to continue?"),
                   QStringLiteral("Warning"), platform::MessageIcon::kExclamation,
-                  platform::MessageButtons::kYesNo})});
+                  platform::MessageButtons::kYesNo, true})});
 }
 
 TEST_F(PurgeTest, NoChangesNothing) {
