@@ -1,32 +1,16 @@
 #include "browser/filter_bar.h"
 
+#include "browser/value_box.h"
 #include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
 
 #include <QtCore/QSignalBlocker>
-#include <QtCore/QStringListModel>
-#include <QtWidgets/QComboBox>
 #include <QtWidgets/QFrame>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QListView>
 #include <QtWidgets/QPushButton>
 
 namespace browser {
-namespace {
-
-// A column may have as many different values as there are tables; the list must neither measure
-// them all nor have an object for each.
-void PrepareForManyItems(QComboBox& combo, QStringListModel& values) {
-    auto* list = new QListView;
-    list->setUniformItemSizes(true);
-    combo.setModel(&values);
-    combo.setView(list);
-    combo.setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-}
-
-}  // namespace
-
 FilterBar::FilterBar(ValueSource values, platform::UserPrompts& prompts, IconList& icons,
                      QWidget* parent)
     : QWidget(parent), values_(std::move(values)), prompts_(prompts), icons_(icons) {
@@ -57,13 +41,7 @@ void FilterBar::BuildValue() {
     auto* row = new QHBoxLayout(fraFilter_);
     row->setContentsMargins(0, 0, 0, 0);
 
-    cboFilterDet_ = new QComboBox(fraFilter_);
-    cboFilterDet_->setObjectName(QStringLiteral("cboFilterDet"));
-    filter_values_ = new QStringListModel(this);
-    PrepareForManyItems(*cboFilterDet_, *filter_values_);
-    cboFilterDet_->setEditable(true);
-    cboFilterDet_->setInsertPolicy(QComboBox::NoInsert);
-    cboFilterDet_->setCompleter(nullptr);  // "19" must not be completed to "1990"
+    cboFilterDet_ = new ValueBox(fraFilter_);
     row->addWidget(cboFilterDet_);
     connect(cboFilterDet_, &QComboBox::editTextChanged, this, &FilterBar::Changed);
 
@@ -138,7 +116,7 @@ void FilterBar::KindChosen() {
 
 void FilterBar::FillFilterValues() {
     const QString key = FilterKey();
-    SetValues({});
+    cboFilterDet_->SetValues({});
     const auto values = values_(key);
     if (!values.ok()) {
         Q_EMIT ValuesNotRead(values.status());
@@ -150,28 +128,22 @@ void FilterBar::FillFilterValues() {
                       platform::MessageIcon::kInformation});
         return;
     }
-    SetValues(*values);
+    cboFilterDet_->SetValues(*values);
     fraFilter_->show();
     cmdOperator_->show();
-}
-
-void FilterBar::SetValues(const QStringList& values) {
-    const QSignalBlocker silent(cboFilterDet_);
-    const QString text = cboFilterDet_->currentText();
-    filter_values_->setStringList(values);
-    cboFilterDet_->setCurrentIndex(-1);
-    cboFilterDet_->setEditText(text);
 }
 
 void FilterBar::SetValueText(const QString& text) {
     const QSignalBlocker silent(cboFilterDet_);
     cboFilterDet_->setEditText(text);
+    cboFilterDet_->lineEdit()->setCursorPosition(0);
+    cboFilterDet_->setToolTip(text);
 }
 
 void FilterBar::HideValue() {
     fraFilter_->hide();
     cmdOperator_->hide();
-    SetValues({});
+    cboFilterDet_->SetValues({});
     SetValueText({});
 }
 

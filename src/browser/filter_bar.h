@@ -14,9 +14,10 @@
 class QComboBox;
 class QFrame;
 class QPushButton;
-class QStringListModel;
 
 namespace browser {
+
+class ValueBox;
 
 class FilterBar : public QWidget {
     Q_OBJECT
@@ -59,7 +60,6 @@ private:
     void SelectKey(const QString& filter_key);
     void KindChosen();
     void FillFilterValues();
-    void SetValues(const QStringList& values);
     void SetValueText(const QString& text);
     void HideValue();
     void NextOperator();
@@ -69,8 +69,7 @@ private:
     IconList& icons_;
     QComboBox* cboFilter_ = nullptr;
     QFrame* fraFilter_ = nullptr;
-    QComboBox* cboFilterDet_ = nullptr;
-    QStringListModel* filter_values_ = nullptr;  // what cboFilterDet offers
+    ValueBox* cboFilterDet_ = nullptr;
     QPushButton* cmdOperator_ = nullptr;
     std::size_t operator_clicks_ = 0;  // modulo the number of operators
 };

@@ -18,6 +18,7 @@
 #include "jet/tables/database.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
+#include "widgets/window_place.h"
 
 #include <QtGui/QCloseEvent>
 #include <QtGui/QKeyEvent>
@@ -293,6 +294,11 @@ void frmPinball::ShowWhetherReadOnly() {
 
 void frmPinball::RestoreWindow(const MainWindowSettings& settings) {
     resize(ToPixels(settings.width_twips), ToPixels(settings.height_twips));
+    const WindowLayout layout = ReadLayout(*catalogue_.settings);
+    if (layout.position)
+        move(widgets::OnAScreen(QRect(*layout.position, size()), widgets::Screens()));
+    widgets::FitToScreen(*this);
+    if (!layout.splitter.isEmpty()) splitter_->setSizes(layout.splitter);
     if (settings.window_state == WindowState::kMaximised)
         setWindowState(windowState() | Qt::WindowMaximized);
 }
@@ -483,7 +489,9 @@ bool frmPinball::QueryUnload() {
 void frmPinball::Unload() {
     unloaded_ = true;
     const base::Status closed = catalogue_.CatalogueConnection->Close();
-    const base::Status stored = WriteSettings(*catalogue_.settings, CurrentSettings());
+    base::Status stored = WriteSettings(*catalogue_.settings, CurrentSettings());
+    const base::Status laid_out = WriteLayout(*catalogue_.settings, CurrentLayout());
+    if (stored.ok()) stored = laid_out;
     RemoveWorkFiles();
     catalogue::ShowError(prompts_, closed);
     catalogue::ShowError(prompts_, stored);
@@ -508,6 +516,14 @@ MainWindowSettings frmPinball::CurrentSettings() const {
     settings.last_tab = details_->CurrentTab();
     settings.last_picture_folder = catalogue_.values->LastPictureDir;
     return settings;
+}
+
+// A window that fills the screen, or that was never shown, has no place of its own.
+WindowLayout frmPinball::CurrentLayout() const {
+    WindowLayout layout = ReadLayout(*catalogue_.settings);
+    if (IsNormal() && testAttribute(Qt::WA_WState_Created)) layout.position = pos();
+    layout.splitter = splitter_->sizes();
+    return layout;
 }
 
 // Removes the files that the capture window leaves.

@@ -8,6 +8,7 @@
 #include "browser/main_window_settings.h"
 #include "browser/tree_controller.h"
 #include "browser/tree_query.h"
+#include "browser/window_layout.h"
 #include "catalogue/catalogue.h"
 #include "launcher/play_button.h"
 
@@ -126,6 +127,7 @@ private:
     bool QueryUnload();
     void Unload();
     MainWindowSettings CurrentSettings() const;
+    WindowLayout CurrentLayout() const;
     void RemoveWorkFiles();
 
     void RestoreDefaultSize();

@@ -2,6 +2,7 @@
 
 #include "catalogue/selection.h"
 
+#include <QtCore/QEvent>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
@@ -60,7 +61,7 @@ void OrderBar::BuildRefresh() {
     cmdGo_->setObjectName(QStringLiteral("cmdGo"));
     cmdGo_->setToolTip(QStringLiteral("Click to Apply Selection(s)"));
     cmdGo_->setStyleSheet(QString::fromLatin1(kRefreshStyle));
-    SetRefreshPending(false);
+    ReserveRoom();
     connect(cmdGo_, &QPushButton::clicked, this, &OrderBar::RefreshClicked);
 }
 
@@ -89,6 +90,24 @@ void OrderBar::Describe(Selection& selection) const {
 void OrderBar::ToggleDirection() {
     SetDirection(Direction() == u"Asc" ? QStringLiteral("Desc") : QStringLiteral("Asc"));
     Q_EMIT Changed();
+}
+
+// The highlighted button is larger: nothing beside it must move when it changes.
+void OrderBar::ReserveRoom() {
+    const bool is_pending = cmdGo_->property(kTextEffect).toInt() == kEmphasised;
+    QSize most;
+    cmdGo_->setMinimumSize(0, 0);
+    for (const bool pending : {true, false}) {
+        SetRefreshPending(pending);
+        most = most.expandedTo(cmdGo_->sizeHint());
+    }
+    cmdGo_->setMinimumSize(most);
+    SetRefreshPending(is_pending);
+}
+
+void OrderBar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) ReserveRoom();
 }
 
 void OrderBar::SetRefreshPending(bool pending) {

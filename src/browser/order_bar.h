@@ -34,7 +34,11 @@ Q_SIGNALS:
     void Changed();
     void RefreshClicked();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void ReserveRoom();
     void BuildOrder();
     void BuildRefresh();
     void ToggleDirection();

@@ -10,6 +10,9 @@ namespace catalogue {
 inline constexpr QStringView kSettingsApplication = u"TAVOLO";
 inline constexpr QStringView kSettingsSection = u"GENERAL";
 
+// What the program remembers beyond those, each kind in a section of its own.
+inline constexpr QStringView kWindowSection = u"WINDOW";
+
 // The key of the simulator's executable.
 inline constexpr QStringView kExecutableKey = u"VPEXE";
 
@@ -25,6 +28,18 @@ inline base::Status WriteSetting(platform::SettingsStore& store, QStringView key
                                  const QString& value) {
     return store.SaveSetting(kSettingsApplication.toString(), kSettingsSection.toString(),
                              key.toString(), value);
+}
+
+inline QString ReadOwnSetting(platform::SettingsStore& store, QStringView section, QStringView key,
+                              const QString& fallback = {}) {
+    return store.GetSetting(kSettingsApplication.toString(), section.toString(), key.toString(),
+                            fallback);
+}
+
+inline base::Status WriteOwnSetting(platform::SettingsStore& store, QStringView section,
+                                    QStringView key, const QString& value) {
+    return store.SaveSetting(kSettingsApplication.toString(), section.toString(), key.toString(),
+                             value);
 }
 
 }  // namespace catalogue

@@ -1,5 +1,7 @@
 #include "pictures/frmPicture.h"
 
+#include "widgets/window_place.h"
+
 #include <QtCore/QMimeData>
 #include <QtGui/QActionGroup>
 #include <QtGui/QClipboard>
@@ -70,6 +72,7 @@ frmPicture::frmPicture(catalogue::ProcessValues& values, platform::UserPrompts& 
     setWindowTitle(QStringLiteral("Tavolo Capture"));
     BuildLayout();
     resize(900, 680);
+    widgets::FitToScreen(*this);
     connect(view_, &PictureView::SaveAndSetRequested, this, &frmPicture::SaveAndSet);
 }
 

@@ -4,6 +4,7 @@
 #include "widgets/object_names.h"
 #include "widgets/picture_box.h"
 #include "widgets/text_box.h"
+#include "widgets/window_place.h"
 
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGridLayout>
@@ -124,6 +125,7 @@ frmReadVPT::frmReadVPT(const QString& path, platform::UserPrompts& prompts, plat
     ConnectControls();
     LoadInformation();
     resize(kOpeningSize);
+    widgets::FitToScreen(*this);
 }
 
 frmReadVPT::~frmReadVPT() = default;

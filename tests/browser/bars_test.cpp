@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QtGui/QScreen>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
+#include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -166,6 +168,34 @@ TEST_F(FilterBarTest, TypedTextIsNotCompleted) {
     EXPECT_EQ(Find<QComboBox>(u"cboFilterDet")->count(), 1);
 }
 
+TEST_F(FilterBarTest, TheListIsAsWideAsItsValues) {
+    values = {S(u"11/20/2026 3:04:05 PM"), S(u"11/20/2026 3:04:06 PM"),
+              S(u"11/20/2026 3:04:07 PM of a longer kind")};
+    bar.resize(320, 30);
+    bar.show();
+    Pick(u"File Date");
+    auto* det = Find<QComboBox>(u"cboFilterDet");
+    det->showPopup();
+    const int needed = det->view()->fontMetrics().horizontalAdvance(values.back());
+    EXPECT_GT(needed, det->width()) << "or there is nothing to see";
+    EXPECT_GE(det->view()->viewport()->width(), needed);
+    EXPECT_LE(det->view()->window()->geometry().right(),
+              det->screen()->availableGeometry().right());
+    det->hidePopup();
+}
+
+TEST_F(FilterBarTest, APickedValueIsShownFromItsBeginning) {
+    Pick(u"File Date");
+    auto* det = Find<QComboBox>(u"cboFilterDet");
+    det->setCurrentIndex(1);
+    Q_EMIT det->activated(1);
+    EXPECT_EQ(det->lineEdit()->cursorPosition(), 0);
+    EXPECT_EQ(det->toolTip(), S(u"Stern")) << "all of it under the pointer";
+    bar.Restore(S(u"Company"), S(u"A very long name that does not fit"));
+    EXPECT_EQ(det->lineEdit()->cursorPosition(), 0);
+    EXPECT_EQ(det->toolTip(), S(u"A very long name that does not fit"));
+}
+
 TEST_F(FilterBarTest, HundredThousandValuesAreOffered) {
     values.clear();
     for (int i = 0; i < 100'000; ++i)
@@ -228,6 +258,27 @@ TEST_F(OrderBarTest, ThePendingMarkCanBeSeen) {
     const QImage plain = bar.grab().toImage();
     bar.SetRefreshPending(true);
     EXPECT_NE(bar.grab().toImage(), plain);
+}
+
+TEST_F(OrderBarTest, NothingMovesWhenThePendingMarkComesAndGoes) {
+    const auto places = [this] {
+        bar.resize(bar.sizeHint());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        std::vector<QRect> found = {bar.rect()};
+        for (const char16_t* name : {u"cboOrder", u"lblDirection", u"cmdGo"})
+            found.push_back(Find<QWidget>(name)->geometry());
+        return found;
+    };
+    bar.show();
+    const auto before = places();
+    bar.SetRefreshPending(true);
+    EXPECT_EQ(places(), before);
+    QFont larger = bar.font();
+    larger.setPointSizeF(larger.pointSizeF() * 2);
+    bar.setFont(larger);
+    const auto pending = places();
+    bar.SetRefreshPending(false);
+    EXPECT_EQ(places(), pending);
 }
 
 TEST_F(OrderBarTest, AnUnknownSavedOrderIsIgnored) {

@@ -6,7 +6,9 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtGui/QScreen>
 #include <QtWidgets/QProgressBar>
+#include <QtWidgets/QSplitter>
 #include <QtWidgets/QTabWidget>
 
 namespace browser {
@@ -63,11 +65,41 @@ TEST_F(MainWindowWithTables, TheFirstStartHasTheDefaultSize) {
 
 TEST_F(MainWindowWithTables, TheSavedSizeComesBack) {
     Save(u"WINDOWSTATE", u"1");  // minimised at the last close
-    Save(u"WIDTH", u"15000");
-    Save(u"HEIGHT", u"12000");
+    Save(u"WIDTH", u"10500");
+    Save(u"HEIGHT", u"9000");
     Open();
-    EXPECT_EQ(window->size(), QSize(1000, 800));
+    EXPECT_EQ(window->size(), QSize(700, 600));
     EXPECT_FALSE(window->isMinimized());
+}
+
+TEST_F(MainWindowWithTables, ASavedSizeLargerThanTheScreenIsFittedToIt) {
+    Save(u"WIDTH", u"150000");
+    Save(u"HEIGHT", u"120000");
+    Open();
+    const QRect screen = window->screen()->availableGeometry();
+    EXPECT_LT(window->width(), screen.width());
+    EXPECT_LT(window->height(), screen.height());
+}
+
+TEST_F(MainWindowWithTables, TheWindowReopensWhereItWasAsItWasLaidOut) {
+    Open();
+    auto* splitter = window->findChild<QSplitter*>();
+    window->resize(700, 500);
+    window->move(40, 60);
+    splitter->setSizes({300, 380});
+    const QList<int> sizes = splitter->sizes();
+    const QPoint place = window->pos();
+    window->close();
+    ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    Open();
+    EXPECT_EQ(window->pos(), place);
+    EXPECT_EQ(window->findChild<QSplitter*>()->sizes(), sizes);
+}
+
+TEST_F(MainWindowWithTables, APlaceThatNoScreenHasIsNotTaken) {
+    settings.values[S(u"TAVOLO/WINDOW/POSITION")] = S(u"20000 20000");
+    Open();
+    EXPECT_TRUE(window->screen()->geometry().contains(window->pos()));
 }
 
 TEST_F(MainWindowWithTables, AMaximisedWindowIsMaximisedAgain) {

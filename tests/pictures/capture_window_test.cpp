@@ -9,6 +9,7 @@
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QClipboard>
 #include <QtGui/QKeyEvent>
+#include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMenu>
@@ -51,6 +52,15 @@ TEST_F(CaptureWindowTest, CaptionsAreInPlace) {
               QStringLiteral("&File"));
     EXPECT_EQ(window.findChild<QMenu*>(QStringLiteral("MENU_SIZE"))->title(),
               QStringLiteral("&Scale"));
+}
+
+TEST_F(CaptureWindowTest, ItFitsASmallScreen) {
+    const QSize least = window.minimumSizeHint();
+    EXPECT_LE(least.width(), 1000);
+    EXPECT_LE(least.height(), 550);
+    const QRect screen = window.screen()->availableGeometry();
+    EXPECT_LT(window.width(), screen.width());
+    EXPECT_LT(window.height(), screen.height());
 }
 
 TEST_F(CaptureWindowTest, CaptionAndStatusShowTheReducedSize) {

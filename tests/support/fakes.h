@@ -58,7 +58,7 @@ private:
 class FakeSettings final : public platform::SettingsStore {
 public:
     QMap<QString, QString> values;  // "application/section/key"
-    std::vector<QString> written;   // keys in the order of writing
+    std::vector<QString> written;   // keys of the section GENERAL in the order of writing
     std::function<void()> on_save;
     base::Status failure;  // ok: writing succeeds
 
@@ -69,7 +69,7 @@ public:
     base::Status SaveSetting(const QString& application, const QString& section, const QString& key,
                              const QString& value) override {
         if (on_save) on_save();
-        written.push_back(key);
+        if (section == QLatin1String("GENERAL")) written.push_back(key);
         if (!failure.ok()) return failure;
         values[Name(application, section, key)] = value;
         return {};
