@@ -62,7 +62,7 @@ void Commands::PaintEvents::ProcessEvents() {
 
 void Commands::ExpectTables(const QString& path) {
     window_.Raise();
-    if (!MayTakeTables())
+    if (!path.isEmpty() && !MayTakeTables())
         window_.TellInPassing({base::StatusCode::kBusy, "Waiting to add " + path.toStdString()});
 }
 

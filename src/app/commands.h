@@ -42,7 +42,8 @@ public:
              const OutsideWorld& outside, snapshots::SnapshotKeeper& keeper,
              browser::frmPinball& window);
 
-    // Shows the window to somebody who has handed tables over; says so if they have to wait.
+    // Shows the window to somebody who has handed tables over, or nothing (an empty path); says so
+    // if they have to wait.
     void ExpectTables(const QString& path);
     // Adds the table file, or those of the folder, unless the catalogue has them, and selects the
     // first of them in the tree. `path` is absolute. Says what goes wrong.

@@ -58,10 +58,11 @@ void SetAppearance() {
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
 }
 
-// Gives what is to be added to the instance that has the catalogue; false: it does not take it.
+// Gives what is to be added, if anything, to the instance that has the catalogue and brings that to
+// the front; false: it does not answer.
 bool IsTakenOver(const base::Status& opened, const QString& folder, const QString& given) {
     constexpr int kTimeoutMs = 5000;
-    return opened.code() == base::StatusCode::kBusy && !given.isEmpty() &&
+    return opened.code() == base::StatusCode::kBusy &&
            platform::HandPathOver(folder, given, kTimeoutMs).ok();
 }
 
@@ -131,7 +132,7 @@ int RunProgram(const app::Arguments& arguments) {
     const auto receiver =
         platform::ReceivePaths(values.ApplicationFolder, [&](const QString& path) {
             commands.ExpectTables(path);
-            return given_paths.Add(path);
+            return path.isEmpty() || given_paths.Add(path);
         });
     window.TellInPassing(receiver.status());
     window.TellInPassing(UpgradeFailure(catalogue));

@@ -306,8 +306,10 @@ void DetailPanel::ReadRules() {
     dialog.name = QStringLiteral("ComDialog");
     dialog.title = QStringLiteral("Select Rules File");
     dialog.filter = QStringLiteral("Text (*.txt)|*.txt");
+    dialog.folder = catalogue_.values->last_folders.rules;
     const QString chosen = prompts_.ChooseFileToOpen(dialog);
     if (!platform::FileExists(chosen)) return;
+    catalogue_.values->last_folders.rules = catalogue::GetFolder(chosen);
     const auto text = ReadRulesFile(chosen);
     if (!text.ok()) return catalogue::ShowError(prompts_, text.status());
     controls_.txtDet[kRulesText].SetText(*text);

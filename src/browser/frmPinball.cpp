@@ -9,6 +9,7 @@
 #include "browser/welcome_page.h"
 #include "catalogue/error_report.h"
 #include "catalogue/filter_kinds.h"
+#include "catalogue/last_folders.h"
 #include "catalogue/process_values.h"
 #include "catalogue/program_files.h"
 #include "catalogue/selection.h"
@@ -312,6 +313,7 @@ void frmPinball::RestoreControls(const MainWindowSettings& settings) {
     catalogue_.values->SoundOn = settings.sound;
     catalogue_.values->MinimiseOnPlay = settings.minimise;
     catalogue_.values->LastPictureDir = settings.last_picture_folder;
+    catalogue_.values->last_folders = catalogue::ReadLastFolders(*catalogue_.settings);
     menu_->SetChecked(&CommandActions::toggle_minimise_on_play, settings.minimise);
     menu_->SetChecked(&CommandActions::toggle_sound, settings.sound);
     details_->SetCurrentTab(settings.last_tab);
@@ -490,8 +492,10 @@ void frmPinball::Unload() {
     unloaded_ = true;
     const base::Status closed = catalogue_.CatalogueConnection->Close();
     base::Status stored = WriteSettings(*catalogue_.settings, CurrentSettings());
-    const base::Status laid_out = WriteLayout(*catalogue_.settings, CurrentLayout());
-    if (stored.ok()) stored = laid_out;
+    for (const base::Status& own :
+         {WriteLayout(*catalogue_.settings, CurrentLayout()),
+          catalogue::WriteLastFolders(*catalogue_.settings, catalogue_.values->last_folders)})
+        if (stored.ok()) stored = own;
     RemoveWorkFiles();
     catalogue::ShowError(prompts_, closed);
     catalogue::ShowError(prompts_, stored);

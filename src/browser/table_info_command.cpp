@@ -13,8 +13,14 @@ public:
     void SetDetailText(DetailField field, const QString& text) override {
         panel_.SetDetailText(field, text);
     }
-    void Save() override { panel_.Save(); }
-    void SaveRules() override { panel_.SaveRules(); }
+    bool Save() override {
+        panel_.Save();
+        return !panel_.record_changed();
+    }
+    bool SaveRules() override {
+        panel_.SaveRules();
+        return !panel_.record_changed();
+    }
 
 private:
     DetailPanel& panel_;

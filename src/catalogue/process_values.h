@@ -13,6 +13,14 @@ namespace catalogue {
 // Colours of the play button, Windows 0x00BBGGRR; index 0 is not used.
 using StatusColourTable = std::array<std::uint32_t, 4>;
 
+// Where the dialogs of each purpose were last; empty: nowhere yet.
+struct LastFolders {
+    QString capture;
+    QString rules;
+    QString scan;
+    bool operator==(const LastFolders&) const = default;
+};
+
 struct ProcessValues {
     QString ApplicationFolder;  // without a trailing separator
     QString VisualPinballExe;
@@ -20,6 +28,7 @@ struct ProcessValues {
     bool SoundOn = false;
     bool MinimiseOnPlay = false;
     QString LastPictureDir;
+    LastFolders last_folders;
     base::Status UpgradeFailure;  // why the catalogue could not be brought up to date; ok: it was
 };
 

@@ -177,13 +177,14 @@ QString QtUserPrompts::ChooseFileToSave(const platform::FileDialog& dialog) {
     return window.Choose();
 }
 
-QString QtUserPrompts::ChooseFolder(const QString& title) {
+QString QtUserPrompts::ChooseFolder(const QString& title, const QString& start) {
     FileWindow window(Owner());
     window.setObjectName(QStringLiteral("FolderDialog"));
     window.setOption(QFileDialog::DontUseNativeDialog);
     window.setOption(QFileDialog::ShowDirsOnly);
     window.setFileMode(QFileDialog::Directory);
     window.setWindowTitle(title.isEmpty() ? QStringLiteral("Select a folder.") : title);
+    if (!start.isEmpty() && QDir(start).exists()) window.setDirectory(start);
     return window.Choose();
 }
 

@@ -20,7 +20,7 @@ public:
     platform::MessageAnswer Ask(const platform::Message& message) override;
     QString ChooseFileToOpen(const platform::FileDialog& dialog) override;
     QString ChooseFileToSave(const platform::FileDialog& dialog) override;
-    QString ChooseFolder(const QString& title) override;
+    QString ChooseFolder(const QString& title, const QString& start = {}) override;
 
 private:
     QWidget* Owner() const;

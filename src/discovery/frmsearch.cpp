@@ -1,6 +1,7 @@
 #include "discovery/frmsearch.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/process_values.h"
 #include "jet/connection.h"
 #include "tableinfo/update_from_table_files.h"
 
@@ -111,7 +112,10 @@ void frmsearch::Scan() {
 
 base::Status frmsearch::WalkFolders() {
     FolderScan scan(catalogue_, *this, *this);
-    base::Status done = scan.Run(prompts_.ChooseFolder());
+    QString& last = catalogue_.values->last_folders.scan;
+    const QString chosen = prompts_.ChooseFolder({}, last);
+    if (!chosen.isEmpty()) last = chosen;
+    base::Status done = scan.Run(chosen);
     found_count_ = scan.found_count();
     passed_over_ = scan.passed_over().Summary();
     return done;

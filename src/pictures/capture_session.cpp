@@ -30,6 +30,17 @@ bool IsJpegName(const QString& path) {
            (extension == u"jpg" || extension == u"jpe" || extension == u"jpeg");
 }
 
+QString ProposedName(const QString& table_name) {
+    constexpr qsizetype kMost = 100;
+    QString name;
+    for (const QChar c : table_name)
+        if (c.isPrint() && !QStringLiteral("\\/:*?\"<>|").contains(c)) name.append(c);
+    name = name.left(kMost).trimmed();
+    while (name.startsWith(u'.'))  // it would be hidden
+        name.remove(0, 1);
+    return name.isEmpty() ? QString() : name + QStringLiteral(".jpg");
+}
+
 CaptureSession::CaptureSession(catalogue::ProcessValues& values, platform::UserPrompts& prompts)
     : values_(values), prompts_(prompts) {}
 
@@ -80,17 +91,25 @@ bool CaptureSession::Show(const QString& path) {
     return true;
 }
 
-QString CaptureSession::Save() {
+// Not beside the work files in the application folder, where a dialog without a folder would open.
+QString CaptureSession::FolderToSaveIn() const {
+    if (!values_.LastPictureDir.isEmpty()) return values_.LastPictureDir;
+    const QString& last = values_.last_folders.capture;
+    return last.isEmpty() ? platform::PicturesFolder() : last;
+}
+
+QString CaptureSession::Save(const QString& table_name) {
     const QString path = prompts_.ChooseFileToSave(
         {.title = {},
          .filter = QStringLiteral("JPEG Files (*.jpg;*.jpe;*.jpeg)|*.jpg;*.jpe;*.jpeg|"),
-         .file_name = {},
-         .folder = values_.LastPictureDir,
+         .file_name = ProposedName(table_name),
+         .folder = FolderToSaveIn(),
          .default_extension = QStringLiteral(".jpg"),
          .name = QStringLiteral("FileDlg")});
     if (path.isEmpty()) return {};
     const auto saved = Helpers::SaveJPG(picture_, path, prompts_);
     if (!saved.ok()) ReportStatus(saved.status());
+    if (saved.value_or(false)) values_.last_folders.capture = catalogue::GetFolder(path);
     return saved.value_or(false) ? path : QString();
 }
 

@@ -17,6 +17,10 @@ namespace pictures {
 // "jpg", "jpe" or "jpeg" after the last ".", in any letter case.
 bool IsJpegName(const QString& path);
 
+// A name for the picture of a table: what no file name may hold is left out; empty if nothing is
+// left.
+QString ProposedName(const QString& table_name);
+
 class CaptureSession {
 public:
     // Both borrowed; they outlive the session.
@@ -28,9 +32,10 @@ public:
     void Paste(const QImage& clipboard);
     // 1, 2, 4 or 8; decodes and shows the current file again if there is one.
     void SetScale(int scale);
-    // Asks for a name and writes the picture there. Empty: cancelled, or it could not be written
+    // Asks for a name, for which it proposes that of the table, and writes the picture there.
+    // Empty: cancelled, or it could not be written
     // (reported).
-    QString Save();
+    QString Save(const QString& table_name = {});
     // What became of LastPictureDir after "Save and Set" and after "Save Only".
     void RememberFolderOf(const QString& path);
 
@@ -41,6 +46,7 @@ public:
     QString SizeText() const;
 
 private:
+    QString FolderToSaveIn() const;
     bool WriteTemporaryBmp(const QImage& image, const QString& path);
     bool Convert(const QString& bmp, const QString& jpeg);
     bool Show(const QString& path);

@@ -168,7 +168,7 @@ void frmPicture::ShowSession() {
 }
 
 void frmPicture::SaveAndSet() {
-    const QString path = session_.Save();
+    const QString path = session_.Save(table_name_);
     if (path.isEmpty()) return;
     session_.RememberFolderOf(path);
     assign_(path);
@@ -176,7 +176,7 @@ void frmPicture::SaveAndSet() {
 }
 
 void frmPicture::SaveOnly() {
-    const QString path = session_.Save();
+    const QString path = session_.Save(table_name_);
     if (!path.isEmpty()) {
         accept();
         return;

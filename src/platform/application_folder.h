@@ -11,6 +11,8 @@ namespace platform {
 QString ProgramFolder();
 // The program's folder for the data of this user; no trailing separator. It may not exist yet.
 QString UserDataFolder();
+// The user's folder for pictures; it may not exist.
+QString PicturesFolder();
 // A word of the command line as text: decoded as file names are, so that it can name any file.
 QString ArgumentText(const char* argument);
 // False also when there is no such folder.

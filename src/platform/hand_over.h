@@ -3,7 +3,7 @@
 // folder, in the user's folder for such things, which nobody else may enter. The second connects,
 // sends
 //   8 bytes   "tavolo1\n"
-//   4 bytes   how many bytes follow, least significant first; at most kMostPathBytes
+//   4 bytes   how many bytes follow, least significant first; at most kMostPathBytes; 0: no path
 //   n bytes   the path, UTF-16, least significant byte first
 // and is answered 'y' when the path was taken, 'n' when it was not. Paths are texts as the
 // catalogue stores them. Threads: the user-interface thread.
@@ -27,7 +27,8 @@ public:
     virtual ~PathReceiver() = default;
 };
 
-// Called with each path; only with an absolute one, without "." and "..". False: not now.
+// Called with each path; only with an absolute one, without "." and "..", or with an empty one: the
+// second start has nothing to give and wants the first to be seen. False: not now.
 using TakePath = std::function<bool(const QString& path)>;
 
 // Requires: `folder` exists, and this process has its catalogue. A socket that an instance has left
@@ -35,7 +36,7 @@ using TakePath = std::function<bool(const QString& path)>;
 // refuses.
 base::Result<std::unique_ptr<PathReceiver>> ReceivePaths(const QString& folder, TakePath take);
 
-// Gives the absolute path to the instance that listens for `folder`. Waits `timeout_ms` at most for
+// Gives the absolute path, or an empty one, to the instance that listens for `folder`. Waits `timeout_ms` at most for
 // each step. kNotFound: none listens; kBusy: it does not take the path; kIoError: it does not
 // answer.
 base::Status HandPathOver(const QString& folder, const QString& path, int timeout_ms);

@@ -41,8 +41,8 @@ public:
     virtual QString ChooseFileToOpen(const FileDialog& dialog) = 0;
     virtual QString ChooseFileToSave(const FileDialog& dialog) = 0;
     // Returns the chosen folder's full path; empty when the user cancels. An empty title stands for
-    // "Select a folder.".
-    virtual QString ChooseFolder(const QString& title = {}) = 0;
+    // "Select a folder.". `start`: where the dialog opens; empty: where it likes.
+    virtual QString ChooseFolder(const QString& title = {}, const QString& start = {}) = 0;
 };
 
 }  // namespace platform

@@ -51,6 +51,7 @@ struct frmReadVPT::Controls {
     QPushButton* cmdUpdateFace = Button("cmdUpdateFace", QStringLiteral("Update Tavolo Details"));
     QPushButton* cmdMail = Button("cmdMail", QStringLiteral("Send Mail"));
     QPushButton* cmdSite = Button("cmdSite", QStringLiteral("Go To Site"));
+    QLabel* lblResult = Named(new QLabel, "lblResult");
     QPushButton* Command1 = Button("Command1", QStringLiteral("Close"));
 
     // Columns of the grid: captions, boxes, buttons, picture. Rows: the boxes by index, then the
@@ -110,6 +111,7 @@ void frmReadVPT::Controls::PlaceCustomFields(QGridLayout* grid) {
 QLayout* frmReadVPT::Controls::Buttons() {
     auto* row = new QHBoxLayout;
     row->addWidget(cmdUpdateFace);
+    row->addWidget(lblResult);
     row->addStretch();
     row->addWidget(Command1);
     return row;
@@ -184,8 +186,11 @@ void frmReadVPT::UpdateDetails() {
     InfoTexts texts;
     for (int index = 0; index < kInfoBoxCount; ++index)
         texts[static_cast<std::size_t>(index)] = InfoText(index);
-    CopyIntoDetails(
+    controls_->lblResult->clear();
+    const bool is_stored = CopyIntoDetails(
         texts, [this](const QString& name) { return ReadStream(name); }, details_);
+    controls_->lblResult->setText(is_stored ? QStringLiteral("The details were updated.")
+                                            : QStringLiteral("The details were not updated."));
 }
 
 void frmReadVPT::SendMail() {

@@ -57,18 +57,18 @@ QString SiteAddress(const QString& address) {
     return is_complete ? address : QStringLiteral("http://") + address;
 }
 
-void CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream,
+bool CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream,
                      DetailTarget& target) {
     for (const auto& [box, field] : kCopies)
         if (const QString& text = TextOf(texts, box); !IsBlank(text))
             target.SetDetailText(field, text);
     CopyStream(read_stream, QStringLiteral("CompanyName"), catalogue::kCompany, target);
     CopyStream(read_stream, QStringLiteral("CompanyYear"), catalogue::kYear, target);
-    target.Save();
+    const bool is_saved = target.Save();
     const QString& rules = TextOf(texts, kRulesBox);
-    if (IsBlank(rules)) return;
+    if (IsBlank(rules)) return is_saved;
     target.SetDetailText(catalogue::kRulesText, rules);
-    target.SaveRules();
+    return target.SaveRules() && is_saved;
 }
 
 }  // namespace tableinfo

@@ -50,16 +50,16 @@ public:
     virtual ~DetailTarget() = default;
     // Counts as an edit of the user.
     virtual void SetDetailText(catalogue::DetailField field, const QString& text) = 0;
-    // The two Save commands; they show their errors themselves.
-    virtual void Save() = 0;
-    virtual void SaveRules() = 0;
+    // The two Save commands; they show their errors themselves. False: nothing was stored.
+    virtual bool Save() = 0;
+    virtual bool SaveRules() = 0;
 };
 
 // The text of a stream of the table file by its name; empty when there is none.
 using StreamReader = std::function<QString(const QString& stream_name)>;
 
 // "Update Tavolo Details": puts the texts that are not blank into the details and saves them, then
-// the rules.
-void CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream, DetailTarget& target);
+// the rules. False: not all of it was stored.
+bool CopyIntoDetails(const InfoTexts& texts, const StreamReader& read_stream, DetailTarget& target);
 
 }  // namespace tableinfo

@@ -34,6 +34,19 @@ TEST_F(ClosingTest, TheCatalogueIsClosedBeforeTheSettingsAreWritten) {
     EXPECT_EQ(open_at_a_setting, 0);
 }
 
+TEST_F(ClosingTest, FoldersOfTheDialogsAreKept) {
+    Open();
+    values.last_folders = {S(u"/captures/"), S(u"/rules/"), {}};
+    window->close();
+    EXPECT_EQ(settings.values.value(S(u"TAVOLO/FOLDERS/CAPTURE")), S(u"/captures/"));
+    EXPECT_FALSE(settings.values.contains(S(u"TAVOLO/FOLDERS/SCAN")));
+    values.last_folders = {};
+    ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    Open();
+    EXPECT_EQ(values.last_folders.capture, S(u"/captures/"));
+    EXPECT_EQ(values.last_folders.rules, S(u"/rules/"));
+}
+
 TEST_F(ClosingTest, AMinimisedWindowIsRememberedAsOne) {
     Open();
     window->showMinimized();

@@ -23,6 +23,9 @@ TEST_F(DetailRulesTest, ReadFromFileFillsTheFieldAndLocksTheOtherTabs) {
     EXPECT_EQ(panel->DetailText(12), QStringLiteral("Hit it.\r\nTwice.\r\n"));
     EXPECT_TRUE(panel->record_changed());
     EXPECT_EQ(EnabledTabs(), QList<int>({3}));
+    Click("cmdReadRule");
+    EXPECT_EQ(prompts.dialogs[0].folder, QString());
+    EXPECT_EQ(prompts.dialogs[1].folder, folder.path() + u'/') << "where the last one was";
 }
 
 TEST_F(DetailRulesTest, ACancelledChoiceOrAMissingFileChangesNothing) {

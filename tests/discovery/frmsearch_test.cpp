@@ -90,6 +90,16 @@ TEST_F(FrmSearchTest, WhatCouldNotBeAddedIsKnownAfterwards) {
     EXPECT_TRUE(dialog->passed_over().ok());
 }
 
+TEST_F(FrmSearchTest, TheFolderDialogOpensWhereTheLastScanWas) {
+    dialog->show();
+    Search();
+    dialog = std::make_unique<frmsearch>(catalogue, prompts, [this] { ++refreshes; });
+    prompts.folders = {tables.path()};
+    dialog->show();
+    Search();
+    EXPECT_EQ(prompts.folder_starts, (std::vector<QString>{QString(), tables.path()}));
+}
+
 TEST_F(FrmSearchTest, ASecondScanOfTheSameTreeReportsNone) {
     Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
     dialog->show();

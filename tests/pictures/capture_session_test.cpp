@@ -2,6 +2,7 @@
 
 #include "catalogue/process_values.h"
 #include "pictures/test_pictures.h"
+#include "platform/application_folder.h"
 #include "support/fakes.h"
 
 #include <gtest/gtest.h>
@@ -83,6 +84,31 @@ TEST_F(CaptureSessionTest, SaveDialogOpensInTheLastFolder) {
     EXPECT_EQ(prompts.dialogs[0].default_extension, QStringLiteral(".jpg"));
     EXPECT_EQ(prompts.dialogs[0].filter,
               QStringLiteral("JPEG Files (*.jpg;*.jpe;*.jpeg)|*.jpg;*.jpe;*.jpeg|"));
+}
+
+TEST_F(CaptureSessionTest, TheNameOfTheTableIsProposed) {
+    EXPECT_EQ(ProposedName(QStringLiteral("Attack From Space")),
+              QStringLiteral("Attack From Space.jpg"));
+    EXPECT_EQ(ProposedName(QStringLiteral("..a/b\\c:*?\"<>|\r\n\u00E4 ")),
+              QStringLiteral("abc\u00E4.jpg"));
+    EXPECT_EQ(ProposedName(QStringLiteral(" / ")), QString());
+    EXPECT_EQ(ProposedName(QString(500, u'x')).size(), 104);
+    session.Paste(test_pictures::Colourful(16, 16));
+    session.Save(QStringLiteral("Attack"));
+    ASSERT_EQ(prompts.dialogs.size(), 1U);
+    EXPECT_EQ(prompts.dialogs[0].file_name, QStringLiteral("Attack.jpg"));
+}
+
+TEST_F(CaptureSessionTest, TheDialogOpensWhereACaptureWasSavedLast) {
+    session.Paste(test_pictures::Colourful(16, 16));
+    session.Save();
+    EXPECT_EQ(prompts.dialogs[0].folder, platform::PicturesFolder()) << "not beside the work files";
+    EXPECT_NE(prompts.dialogs[0].folder, QString());
+    prompts.files = {In(u"shot.jpg")};
+    EXPECT_FALSE(session.Save().isEmpty());
+    session.Save();
+    EXPECT_EQ(prompts.dialogs[2].folder, folder.path() + u'/');
+    EXPECT_EQ(values.LastPictureDir, QString()) << "that is another folder";
 }
 
 TEST_F(CaptureSessionTest, UnwritableFolderIsReportedAndThePictureStays) {

@@ -114,6 +114,14 @@ TEST_F(ProcessStarterTest, AnEmptyLineStartsNothing) {
     EXPECT_FALSE(Start("").ok());
 }
 
+TEST_F(ProcessStarterTest, AScriptWhoseInterpreterIsMissingSaysSo) {
+    const auto script = Program("vp", "#! /nowhere/bash\t-e\necho\n");
+    const auto started = Start("\"" + script + "\"");
+    EXPECT_EQ(started.status().number(), 53);
+    EXPECT_EQ(started.status().message(),
+              "The program that this script needs, /nowhere/bash, is not installed: " + script);
+}
+
 TEST_F(ProcessStarterTest, AMissingFileIsNumber53) {
     const auto started = Start("\"" + Path("vp") + "\" /Play");
     EXPECT_EQ(started.status().code(), base::StatusCode::kNotFound);

@@ -23,6 +23,7 @@ public:
     std::vector<platform::Message> messages;
     std::vector<platform::FileDialog> dialogs;
     std::vector<QString> folder_titles;
+    std::vector<QString> folder_starts;
     // Answers, first one next; when none is left: Ok or Yes, and "cancelled" for files and folders.
     std::vector<platform::MessageAnswer> answers;
     std::vector<QString> files;
@@ -41,8 +42,9 @@ public:
     QString ChooseFileToSave(const platform::FileDialog& dialog) override {
         return ChooseFileToOpen(dialog);
     }
-    QString ChooseFolder(const QString& title) override {
+    QString ChooseFolder(const QString& title, const QString& start = {}) override {
         folder_titles.push_back(title);
+        folder_starts.push_back(start);
         return folders.empty() ? QString() : Take(folders);
     }
 

@@ -123,7 +123,8 @@ TEST_F(frmReadVPTTest, ButtonsAndTheOtherLabelsSayWhatTheyAreFor) {
     EXPECT_EQ(Find<QPushButton>(QStringLiteral("Command1"))->text(), QStringLiteral("Close"));
     QStringList others;
     for (const QLabel* label : dialog->findChildren<QLabel*>())
-        if (!label->objectName().startsWith(QLatin1String("lblInfo_"))) others << label->text();
+        if (!label->objectName().startsWith(QLatin1String("lblInfo_")) && !label->text().isEmpty())
+            others << label->text();
     others.sort();
     EXPECT_EQ(others, (QStringList{QStringLiteral("Custom:"), QStringLiteral("Picture Preview")}));
 }
@@ -187,6 +188,28 @@ TEST_F(frmReadVPTTest, UpdateCopiesWhatTheBoxesShow) {
     Click("cmdUpdateFace");
     EXPECT_EQ(details.steps.join(QLatin1Char('|')),
               QStringLiteral("2=Attack|4=Anna|6=Playmatic|Save|12=Hit it.|SaveRules"));
+}
+
+TEST_F(frmReadVPTTest, WhetherTheDetailsWereUpdatedIsSaid) {
+    Open(VptBuilder().Text(u"TableName", u"Attack").Text(u"TableRules", u"Hit it."));
+    auto* result = Find<QLabel>(QStringLiteral("lblResult"));
+    EXPECT_EQ(result->text(), QString());
+    Click("cmdUpdateFace");
+    EXPECT_EQ(result->text(), QStringLiteral("The details were updated."));
+    details.saves_rules = false;
+    Click("cmdUpdateFace");
+    EXPECT_EQ(result->text(), QStringLiteral("The details were not updated."));
+    details = {};
+    details.saves = false;
+    Click("cmdUpdateFace");
+    EXPECT_EQ(result->text(), QStringLiteral("The details were not updated."));
+}
+
+TEST_F(frmReadVPTTest, ItFitsASmallScreen) {
+    Open(VptBuilder().WithTableInfo());
+    const QSize least = dialog->minimumSizeHint();
+    EXPECT_LE(least.width(), 1000);
+    EXPECT_LE(least.height(), 550);
 }
 
 TEST_F(frmReadVPTTest, NothingIsCopiedUntilUpdate) {

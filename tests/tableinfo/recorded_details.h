@@ -10,13 +10,21 @@ namespace tableinfo {
 
 class RecordedDetails final : public DetailTarget {
 public:
+    bool saves = true;
+    bool saves_rules = true;
     QStringList steps;  // "2=Attack", "Save", "SaveRules"
 
     void SetDetailText(catalogue::DetailField index, const QString& text) override {
         steps << QString::number(index) + QLatin1Char('=') + text;
     }
-    void Save() override { steps << QStringLiteral("Save"); }
-    void SaveRules() override { steps << QStringLiteral("SaveRules"); }
+    bool Save() override {
+        steps << QStringLiteral("Save");
+        return saves;
+    }
+    bool SaveRules() override {
+        steps << QStringLiteral("SaveRules");
+        return saves_rules;
+    }
 };
 
 }  // namespace tableinfo

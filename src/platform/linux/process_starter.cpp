@@ -8,6 +8,8 @@
 #include "platform/linux/system_error.h"
 #include "platform/linux/windows_program.h"
 
+#include <QtCore/QFile>
+
 #include <cerrno>
 #include <sys/stat.h>
 #include <system_error>
@@ -15,9 +17,27 @@
 namespace platform {
 namespace {
 
+// What the first line of a script names as its interpreter; empty: it is none.
+QString InterpreterOf(const QString& program) {
+    constexpr qint64 kMostBytes = 512;  // the kernel reads fewer
+    QFile file;
+    if (!OpenFile(file, program, QIODevice::ReadOnly)) return {};
+    const QByteArray line = file.readLine(kMostBytes);
+    if (!line.startsWith("#!")) return {};
+    return QFile::decodeName(line.mid(2).trimmed().replace('\t', ' ').split(' ').constFirst());
+}
+
 base::Status CannotStart(int error_number, const QString& program) {
     switch (error_number) {
-    case ENOENT:  // also for a script whose interpreter is missing
+    case ENOENT:
+        // The system answers the same when it is the interpreter of a script that is missing.
+        if (const QString interpreter = InterpreterOf(program);
+            !interpreter.isEmpty() && !FileExists(interpreter))
+            return FileError(base::StatusCode::kNotFound,
+                             ("The program that this script needs, " + interpreter.toStdString() +
+                              ", is not installed")
+                                 .c_str(),
+                             program, kFileNotFound);
         return FileError(base::StatusCode::kNotFound, "File not found", program, kFileNotFound);
     case EACCES:
     case EPERM:

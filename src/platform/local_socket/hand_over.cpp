@@ -41,14 +41,13 @@ Heard Understand(const QByteArray& bytes) {
     if (!kGreeting.startsWith(bytes.left(kGreeting.size()))) return {.is_wrong = true, .path = {}};
     if (bytes.size() < kHeadBytes) return {};
     const auto length = qFromLittleEndian<quint32>(bytes.constData() + kGreeting.size());
-    if (length == 0 || length > kMostPathBytes || length % 2 != 0)
-        return {.is_wrong = true, .path = {}};
+    if (length > kMostPathBytes || length % 2 != 0) return {.is_wrong = true, .path = {}};
     const auto whole = kHeadBytes + static_cast<qsizetype>(length);
     if (bytes.size() > whole) return {.is_wrong = true, .path = {}};
     if (bytes.size() < whole) return {};
     QString path(static_cast<qsizetype>(length / 2), Qt::Uninitialized);
     qFromLittleEndian<char16_t>(bytes.constData() + kHeadBytes, path.size(), path.data());
-    if (path.contains(QChar(0)) || AbsolutePath(path) != path)
+    if (path.contains(QChar(0)) || (!path.isEmpty() && AbsolutePath(path) != path))
         return {.is_wrong = true, .path = {}};
     return {.is_wrong = false, .path = path};
 }
