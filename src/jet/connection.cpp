@@ -33,8 +33,11 @@ Result<std::unique_ptr<Database>> OpenFile(FileSystem& files, const std::filesys
     options.notes = notes;
     options.read_only = read_only;
     auto pages = OpenPageStore(files, path, options);
-    // A file that cannot be written can still be read.
-    if (!read_only && pages.status().code() == base::StatusCode::kPermissionDenied) {
+    // A file that cannot be written can still be read, also on a disk that has no room for its
+    // lock.
+    const base::StatusCode failed = pages.status().code();
+    if (!read_only &&
+        (failed == base::StatusCode::kPermissionDenied || failed == base::StatusCode::kNoSpace)) {
         options.read_only = true;
         auto readable = OpenPageStore(files, path, options);
         if (readable.ok()) pages = std::move(readable);

@@ -1,6 +1,7 @@
 // The main window when the disk under the catalogue fails while it is open.
 #include "browser/main_window_fixture.h"
 #include "support/breakable_files.h"
+#include "support/full_disk.h"
 
 namespace browser {
 namespace {
@@ -61,6 +62,51 @@ TEST_F(FailingDiskTest, AReadThatFailsWhileTheTreeIsBuiltIsSaidInTheStatusBar) {
         EXPECT_TRUE(prompts.messages.empty());
     }
     EXPECT_GT(failures, 3);
+}
+
+TEST_F(FailingDiskTest, AFullDiskLetsReadingGoOn) {
+    ASSERT_TRUE(connection->Close().ok());
+    test_support::FullDisk full(*files, 0);
+    connection =
+        std::make_unique<jet::Connection>(full, [this] { return catalogue::ToOleDate(clock.now); });
+    catalogue.CatalogueConnection = connection.get();
+    const auto opened = catalogue::Main(catalogue);
+    ASSERT_TRUE(opened.ok()) << opened.message();
+    EXPECT_TRUE(values.UpgradeFailure.ok()) << values.UpgradeFailure.message();
+    Open();
+    EXPECT_EQ(TableNames().size(), 3);
+    EXPECT_TRUE(Find<QLabel>(u"lblReadOnly")->isVisible());
+    Click(Table(0));
+    EXPECT_EQ(FieldText(2), S(u"Alpha"));
+    EditName();
+    window->details().Save();
+    ASSERT_EQ(prompts.messages.size(), 1U) << "it cannot be stored, which is said";
+    EXPECT_TRUE(window->details().record_changed());
+    window->details().Cancel();
+    window.reset();
+    connection.reset();
+}
+
+TEST_F(FailingDiskTest, ADiskThatFillsUpWhileTheCatalogueIsOpenLetsReadingGoOn) {
+    ASSERT_TRUE(connection->Close().ok());
+    test_support::FullDisk full(*files, 1);  // the lock
+    connection =
+        std::make_unique<jet::Connection>(full, [this] { return catalogue::ToOleDate(clock.now); });
+    catalogue.CatalogueConnection = connection.get();
+    ASSERT_TRUE(connection->Open((S(u"Data Source=") + DatabasePath()).toStdU16String()).ok());
+    Open();
+    Click(Table(0));
+    EditName();
+    window->details().Save();
+    EXPECT_TRUE(full.was_full());
+    EXPECT_EQ(prompts.messages.size(), 1U);
+    window->details().Cancel();
+    Click(Table(2));
+    EXPECT_EQ(FieldText(2), S(u"Gamma"));
+    Press(u"cmdGo");
+    EXPECT_EQ(TableNames().size(), 3);
+    window.reset();
+    connection.reset();
 }
 
 }  // namespace
