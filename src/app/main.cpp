@@ -26,8 +26,8 @@
 #include "snapshots/snapshot_keeper.h"
 
 #include <QtGui/QIcon>
+#include "widgets/program_style.h"
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyleFactory>
 
 #include <cstdio>
 #include <optional>
@@ -54,7 +54,7 @@ app::Arguments ArgumentsOf(int argc, char** argv) {
 
 void SetAppearance() {
     assets::Load();
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new widgets::ProgramStyle);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
 }
 
