@@ -266,7 +266,7 @@ void Commands::AttachPlay() {
 launcher::MainWindowActions Commands::WindowActions() {
     return {[this] { return window_.windowState(); }, [this] { window_.showMinimized(); },
             [this](Qt::WindowStates state) { window_.setWindowState(state); },
-            [this] { ShowSettings(); }};
+            [this] { ShowSettings(); }, [this](const QString& text) { window_.TellResult(text); }};
 }
 
 }  // namespace app

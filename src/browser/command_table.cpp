@@ -40,6 +40,8 @@ constexpr MenuItem kOptions[] = {
     {u"mnuMin", u"&Minimize on Play", &A::toggle_minimise_on_play, kAlways, true},
     kSeparator,
     {u"mnuSound", u"Toggle Sou&nd", &A::toggle_sound, kAlways, true},
+    kSeparator,
+    {u"mnuWait", u"&Wait for the Simulator", &A::toggle_wait, kAlways, true},
 };
 
 constexpr MenuItem kHelp[] = {

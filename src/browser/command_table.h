@@ -31,6 +31,7 @@ struct CommandActions {
     Action back_up{};
     Action toggle_minimise_on_play{};
     Action toggle_sound{};
+    Action toggle_wait{};
     Action show_help{};
     Action show_about{};
     Action play{};

@@ -202,6 +202,11 @@ CommandActions frmPinball::OwnActions() {
             [this] {
                 catalogue_.values->SoundOn = menu_->IsChecked(&CommandActions::toggle_sound);
             },
+        .toggle_wait =
+            [this] {
+                catalogue_.values->WaitForSimulator =
+                    menu_->IsChecked(&CommandActions::toggle_wait);
+            },
         .play = [this] { tree_->DoubleClick(); },
         .toggle_favorites = [this] { tree_->ToggleSelectedFavorite(); },
     };
@@ -409,6 +414,10 @@ void frmPinball::TellResult(const QString& text, std::function<void()> clicked) 
 }
 
 void frmPinball::RememberSelectedNode() {
+    catalogue_.values->WaitForSimulator =
+        catalogue::ReadOwnSetting(*catalogue_.settings, catalogue::kOptionSection,
+                                  catalogue::kWaitKey) == u"True";
+    menu_->SetChecked(&CommandActions::toggle_wait, catalogue_.values->WaitForSimulator);
     tree_->RememberSelectedNode();
 }
 
@@ -493,7 +502,7 @@ void frmPinball::Unload() {
     const base::Status closed = catalogue_.CatalogueConnection->Close();
     base::Status stored = WriteSettings(*catalogue_.settings, CurrentSettings());
     for (const base::Status& own :
-         {WriteLayout(*catalogue_.settings, CurrentLayout()),
+         {WriteLayout(*catalogue_.settings, CurrentLayout()), WriteOptions(),
           catalogue::WriteLastFolders(*catalogue_.settings, catalogue_.values->last_folders)})
         if (stored.ok()) stored = own;
     RemoveWorkFiles();
@@ -538,3 +547,9 @@ void frmPinball::RemoveWorkFiles() {
 }
 
 }  // namespace browser
+base::Status frmPinball::WriteOptions() {
+    return catalogue::WriteOwnSetting(
+        *catalogue_.settings, catalogue::kOptionSection, catalogue::kWaitKey,
+        catalogue_.values->WaitForSimulator ? QStringLiteral("True") : QStringLiteral("False"));
+}
+

@@ -153,6 +153,7 @@ private:
     WelcomePage* welcome_ = nullptr;
     WelcomeActions welcome_actions_;
     QLabel* lblComments_ = nullptr;
+    base::Status WriteOptions();
     launcher::PlayButton* cmdPlay_ = nullptr;
     DetailPanel* details_ = nullptr;
     StatusPanels* status_ = nullptr;

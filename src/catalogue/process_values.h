@@ -27,6 +27,7 @@ struct ProcessValues {
     StatusColourTable StatusColours{};
     bool SoundOn = false;
     bool MinimiseOnPlay = false;
+    bool WaitForSimulator = false;  // before the watch of a play
     QString LastPictureDir;
     LastFolders last_folders;
     base::Status UpgradeFailure;  // why the catalogue could not be brought up to date; ok: it was

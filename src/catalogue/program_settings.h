@@ -12,6 +12,10 @@ inline constexpr QStringView kSettingsSection = u"GENERAL";
 
 // What the program remembers beyond those, each kind in a section of its own.
 inline constexpr QStringView kWindowSection = u"WINDOW";
+inline constexpr QStringView kOptionSection = u"OPTIONS";
+
+// An option of the second of them: whether the watch of a play waits for the simulator.
+inline constexpr QStringView kWaitKey = u"WAIT";
 
 // The key of the simulator's executable.
 inline constexpr QStringView kExecutableKey = u"VPEXE";

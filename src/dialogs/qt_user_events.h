@@ -14,6 +14,7 @@ class QtUserEvents final : public platform::UserEvents {
 public:
     explicit QtUserEvents(UserInput input = UserInput::kDelivered) : input_(input) {}
     void ProcessEvents() override;
+    void ProcessEventsFor(int milliseconds) override;
 
 private:
     UserInput input_;

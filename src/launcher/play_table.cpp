@@ -74,6 +74,8 @@ base::Status Launcher::Run(Play& play) {
     ASSIGN_OR_RETURN(const QString title_key, TitleKey(play.path));
     play.state_before = main_window_.state();
     RETURN_IF_ERROR(Start(play));
+    if (parts_.catalogue.values->WaitForSimulator && !WaitForPlay(title_key, play.display_name))
+        return {};
     Watch(title_key);
     if (watching_) CloseSimulator(title_key);
     return {};
@@ -97,8 +99,31 @@ base::Status Launcher::Start(const Play& play) {
 }
 
 void Launcher::Watch(const QString& title_key) {
-    while (watching_ && parts_.windows.Find(kSimulatorClass, PlayingTitle(title_key)))
-        parts_.events.ProcessEvents();
+    const bool is_patient = parts_.catalogue.values->WaitForSimulator;
+    while (watching_ && IsPlaying(title_key))
+        if (is_patient)
+            parts_.events.ProcessEventsFor(kAskEveryMs);
+        else
+            parts_.events.ProcessEvents();
+}
+
+bool Launcher::IsPlaying(const QString& title_key) {
+    return parts_.windows.Find(kSimulatorClass, PlayingTitle(title_key)).has_value();
+}
+
+bool Launcher::WaitForPlay(const QString& title_key, const QString& display_name) {
+    const std::int64_t simulator = last_task_id_;
+    QString reason = QStringLiteral("The simulator shows no window of ");
+    for (int waited_ms = 0; watching_ && waited_ms < kPatienceMs; waited_ms += kAskEveryMs) {
+        if (IsPlaying(title_key)) return true;
+        if (!parts_.programs.IsRunning(simulator)) {
+            reason = QStringLiteral("The simulator has ended without playing ");
+            break;
+        }
+        parts_.events.ProcessEventsFor(kAskEveryMs);
+    }
+    if (watching_ && main_window_.tell) main_window_.tell(reason + display_name);
+    return false;
 }
 
 void Launcher::CloseSimulator(const QString& title_key) {

@@ -3,8 +3,10 @@
 // while the table is played, without the asterisk when the play is over. The watch looks for that
 // window in a loop and processes the program's pending events in between; a play that is started by
 // such an event is watched inside the watch of the first one. The watch does not wait for the
-// window to appear: a simulator whose window is not there yet is not watched. Threads: the
-// user-interface thread.
+// window to appear: a simulator whose window is not there yet is not watched. That is different
+// with ProcessValues::WaitForSimulator: the window is waited for as long as the simulator runs, at
+// most kPatienceMs, the system is asked every kAskEveryMs, and it is told when nothing was played.
+// Threads: the user-interface thread.
 #pragma once
 
 #include "base/status.h"
@@ -22,6 +24,9 @@
 
 namespace launcher {
 
+inline constexpr int kPatienceMs = 30'000;
+inline constexpr int kAskEveryMs = 100;
+
 // What a launch does to the main window.
 struct MainWindowActions {
     std::function<Qt::WindowStates()> state;
@@ -29,6 +34,8 @@ struct MainWindowActions {
     std::function<void(Qt::WindowStates)> restore;
     // Shows the dialog in which the simulator's executable is chosen; returns at once.
     std::function<void()> show_settings;
+    // Shows in passing how a play went; may be empty.
+    std::function<void(const QString& text)> tell = {};
 };
 
 // Borrowed; all live longer than the launcher.
@@ -72,6 +79,9 @@ private:
     base::Status Run(Play& play);
     base::Status Start(const Play& play);
     void Watch(const QString& title_key);
+    bool IsPlaying(const QString& title_key);
+    // Until the table is played. False: it never is; `display_name` is told with the reason.
+    bool WaitForPlay(const QString& title_key, const QString& display_name);
     void CloseSimulator(const QString& title_key);
     void ShowFailure(const base::Status& failure);
 

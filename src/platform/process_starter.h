@@ -22,6 +22,8 @@ public:
     virtual base::Result<std::int64_t> Start(const QString& command_line) = 0;
     // Starts a program without arguments, in a normal window; errors as of Start.
     virtual base::Result<std::int64_t> StartTool(const QString& program) = 0;
+    // Whether a program that was started is still there. Where that is not known, it is.
+    virtual bool IsRunning(std::int64_t /*process_id*/) { return true; }
 };
 
 std::unique_ptr<ProcessStarter> MakeProcessStarter();

@@ -11,6 +11,8 @@ class UserEvents {
 public:
     virtual ~UserEvents() = default;
     virtual void ProcessEvents() = 0;
+    // The same for as long as that, without keeping the processor busy.
+    virtual void ProcessEventsFor(int /*milliseconds*/) { ProcessEvents(); }
 };
 
 // For work in a program without windows.

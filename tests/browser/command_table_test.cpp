@@ -57,6 +57,8 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuMin &Minimize on Play\n"
                                              "-\n"
                                              "mnuSound Toggle Sou&nd\n"
+                                             "-\n"
+                                             "mnuWait &Wait for the Simulator\n"
                                              "mnuHelpContents &Contents\n"
                                              "-\n"
                                              "mnuAbout &About\n"

@@ -172,6 +172,20 @@ TEST_F(MainWindowWithTables, OptionsComeBackWithTheirCheckMarks) {
     EXPECT_EQ(Saved(u"LASTPICDIR"), S(u"/pictures/"));
 }
 
+TEST_F(MainWindowWithTables, WhetherToWaitForTheSimulatorIsKeptAndOffAtFirst) {
+    Open();
+    EXPECT_FALSE(values.WaitForSimulator);
+    EXPECT_FALSE(Action(u"mnuWait")->isChecked());
+    Action(u"mnuWait")->trigger();
+    EXPECT_TRUE(values.WaitForSimulator);
+    window->close();
+    values.WaitForSimulator = false;
+    ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    Open();
+    EXPECT_TRUE(values.WaitForSimulator);
+    EXPECT_TRUE(Action(u"mnuWait")->isChecked());
+}
+
 TEST_F(MainWindowWithTables, MinimisingOnPlayComesBackByItself) {
     Save(u"MIN", u"True");
     Open();

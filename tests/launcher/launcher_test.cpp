@@ -44,6 +44,11 @@ public:
     explicit RecordingPrograms(Steps& steps) : steps_(steps) {}
     base::Status failure;
     QString folder;  // the current one at the last start
+    bool is_running = true;
+    bool IsRunning(std::int64_t process_id) override {
+        EXPECT_EQ(process_id, 4711);
+        return is_running;
+    }
 
     base::Result<std::int64_t> Start(const QString& command_line) override {
         steps_ << QStringLiteral("start ") + command_line;
@@ -137,7 +142,8 @@ protected:
                     steps_ << QStringLiteral("restore");
                     state_ = state;
                 },
-                [this] { steps_ << QStringLiteral("settings"); }};
+                [this] { steps_ << QStringLiteral("settings"); },
+                [this](const QString& text) { told_ << text; }};
     }
 
     static QString Playing(const QString& name) {
@@ -153,6 +159,7 @@ protected:
 
     std::filesystem::path before_;
     Steps steps_;
+    QStringList told_;
     Qt::WindowStates state_ = Qt::WindowNoState;
     RecordingWindows windows_{steps_};
     RecordingPrograms programs_{steps_};
@@ -162,6 +169,50 @@ protected:
     Launcher launcher_{{catalogue, windows_, programs_, sounds_, events_, status_, prompts},
                        Actions()};
 };
+
+// With the option to wait.
+
+TEST_F(LauncherTest, ASimulatorThatNeedsLongerIsWaitedForAndWatched) {
+    values.WaitForSimulator = true;
+    values.MinimiseOnPlay = true;
+    events_.on_round = [this] {
+        if (events_.rounds == 20) windows_.open_titles = {Playing(QStringLiteral("Foo"))};
+        if (events_.rounds == 30) EndPlay(QStringLiteral("Foo"));
+        EXPECT_EQ(state_, Qt::WindowMinimized);
+    };
+    PlayFoo();
+    EXPECT_EQ(events_.rounds, 30);
+    EXPECT_EQ(events_.waited_ms, 30 * 100) << "ten times a second";
+    EXPECT_EQ(StepsOf(QStringLiteral("close")).size(), 1);
+    EXPECT_EQ(state_, Qt::WindowNoState);
+    EXPECT_TRUE(told_.isEmpty());
+}
+
+TEST_F(LauncherTest, ASimulatorThatEndsAtOnceIsTold) {
+    values.WaitForSimulator = true;
+    events_.on_round = [this] { programs_.is_running = events_.rounds < 5; };
+    PlayFoo();
+    EXPECT_EQ(events_.rounds, 5);
+    EXPECT_EQ(told_, QStringList{QStringLiteral("The simulator has ended without playing Foo")});
+    EXPECT_EQ(StepsOf(QStringLiteral("restore")).size(), 1);
+}
+
+TEST_F(LauncherTest, PatienceEndsAfterThirtySeconds) {
+    values.WaitForSimulator = true;
+    PlayFoo();
+    EXPECT_EQ(events_.waited_ms, 30'000);
+    EXPECT_EQ(told_, QStringList{QStringLiteral("The simulator shows no window of Foo")});
+}
+
+TEST_F(LauncherTest, TheEndOfTheProgramEndsTheWaiting) {
+    values.WaitForSimulator = true;
+    events_.on_round = [this] {
+        if (events_.rounds == 3) launcher_.EndWatches();
+    };
+    PlayFoo();
+    EXPECT_EQ(events_.rounds, 3);
+    EXPECT_TRUE(told_.isEmpty());
+}
 
 TEST_F(LauncherTest, APlayTakesItsStepsInOrder) {
     values.SoundOn = true;

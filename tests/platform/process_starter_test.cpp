@@ -75,6 +75,17 @@ TEST_F(ProcessStarterTest, TheResultIsTheIdOfTheProgram) {
     EXPECT_EQ(Output(), std::to_string(*started) + "\n");
 }
 
+TEST_F(ProcessStarterTest, WhetherAProgramStillRunsIsKnown) {
+    const auto started = Start(
+        "\"" +
+        Program("vp", "#!/bin/sh\nwhile [ ! -e '" + Path("end") + "' ]; do sleep 0.02; done\n") +
+        "\"");
+    ASSERT_TRUE(started.ok());
+    EXPECT_TRUE(starter_->IsRunning(*started));
+    std::ofstream(Path("end")) << "x";
+    EXPECT_TRUE(WaitFor([&] { return !starter_->IsRunning(*started); }));
+}
+
 TEST_F(ProcessStarterTest, TheProgramHasNoneOfOurFilesAndNoTerminal) {
     const int ours = open(Program("secret", "x").c_str(), O_RDONLY);  // stays open across exec()
     ASSERT_TRUE(Start("\"" + Script("vp", "ls -l /proc/$$/fd") + "\"").ok());

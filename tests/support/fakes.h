@@ -159,10 +159,15 @@ public:
 class FakeEvents final : public platform::UserEvents {
 public:
     int rounds = 0;
+    int waited_ms = 0;
     std::function<void()> on_round;
     void ProcessEvents() override {
         ++rounds;
         if (on_round) on_round();
+    }
+    void ProcessEventsFor(int milliseconds) override {
+        waited_ms += milliseconds;
+        ProcessEvents();
     }
 };
 

@@ -11,6 +11,7 @@
 #include <QtCore/QFile>
 
 #include <cerrno>
+#include <csignal>
 #include <sys/stat.h>
 #include <system_error>
 
@@ -104,6 +105,16 @@ base::Result<std::int64_t> StartWithWine(const QString& program, const QStringLi
     return StartProgram(wine, words, WineEnvironment());
 }
 
+// Ended, though nobody has asked for its exit code yet.
+bool IsZombie(std::int64_t process_id) {
+    QFile facts(QStringLiteral("/proc/%1/stat").arg(process_id));
+    if (!facts.open(QIODevice::ReadOnly)) return false;
+    const QByteArray line = facts.readAll();
+    // The name of the program, in parentheses, may hold anything; the state follows it.
+    const QByteArray behind_name = line.mid(line.lastIndexOf(')') + 1).trimmed();
+    return behind_name.startsWith('Z') || behind_name.startsWith('X');
+}
+
 class LinuxProcessStarter final : public ProcessStarter {
 public:
     base::Result<std::int64_t> Start(const QString& command_line) override {
@@ -112,6 +123,11 @@ public:
         RETURN_IF_ERROR(CheckProgram(program));
         if (IsWindowsProgram(program)) return StartWithWine(program, words);
         return StartProgram(program, words);
+    }
+
+    bool IsRunning(std::int64_t process_id) override {
+        const bool is_there = kill(static_cast<pid_t>(process_id), 0) == 0 || errno == EPERM;
+        return is_there && !IsZombie(process_id);
     }
 
     base::Result<std::int64_t> StartTool(const QString& program) override {
