@@ -82,11 +82,15 @@ void Commands::TakeTables(const QString& path) {
 }
 
 bool Commands::MayTakeTables() const {
-    return !is_taking_tables_ && !held_back_events_.is_processing() && !window_.shows_progress() &&
-           QApplication::activeModalWidget() == nullptr && !window_.details().record_changed();
+    return !is_at_work() && QApplication::activeModalWidget() == nullptr &&
+           !window_.details().record_changed();
 }
 
 maintenance::CommandContext Commands::Context() {
+bool Commands::is_at_work() const {
+    return is_taking_tables_ || held_back_events_.is_processing() || window_.shows_progress();
+}
+
     return {catalogue_, prompts_, held_back_events_, refresh_tree_,
             [this](std::int64_t done, std::int64_t total) { window_.ShowProgress(done, total); }};
 }

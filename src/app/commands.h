@@ -51,6 +51,8 @@ public:
     // False: a command is at work, a dialog is open, or a record is changed and not yet stored.
     bool MayTakeTables() const;
 
+    // A command is at work; dialogs apart.
+    bool is_at_work() const;
     // What is called before and after the commands that replace fields of many tables: scan and
     // imports.
     struct Watch {

@@ -4,6 +4,7 @@
 #include "app/edit_commands.h"
 #include "app/first_start.h"
 #include "app/given_paths.h"
+#include "app/session_end.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
@@ -22,6 +23,7 @@
 #include "platform/files.h"
 #include "platform/hand_over.h"
 #include "platform/settings_store.h"
+#include "platform/termination.h"
 #include "snapshots/restore_catalogue.h"
 #include "snapshots/snapshot_keeper.h"
 
@@ -135,7 +137,16 @@ int RunProgram(const app::Arguments& arguments) {
             return path.isEmpty() || given_paths.Add(path);
         });
     window.TellInPassing(receiver.status());
+    window.GoOnWithKeptEdit();
     window.TellInPassing(UpgradeFailure(catalogue));
+    app::SessionEnd session_end([&] { return commands.is_at_work(); },
+                                [&] {
+                                    window.CloseForGood();
+                                    QApplication::quit();
+                                });
+    const auto termination = platform::WatchTermination([&] { session_end.Request(); });
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window,
+                     [&] { session_end.Request(); });
     if (!given.isEmpty()) commands.TakeTables(given);
     // The example collection is looked at without a simulator.
     if (!arguments.demo) window.AskForWhatIsMissing();

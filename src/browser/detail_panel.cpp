@@ -278,6 +278,53 @@ void DetailPanel::Cancel() {
     SetRecordChanged(false);
 }
 
+void DetailPanel::SaveTab() {
+    if (CurrentTab() == kRulesTextTab)
+        SaveRules();
+    else
+        Save();
+}
+
+void DetailPanel::StartEdit() {
+    if (CurrentTab() == kRulesTextTab)
+        controls_.txtDet[kRulesText].widget()->setFocus();
+    else
+        GoToField(kDisplayName);
+}
+
+std::optional<KeptEdit> DetailPanel::CurrentEdit() const {
+    if (!record_changed() || !shows_record()) return std::nullopt;
+    return KeptEdit{EditedRecord(), CurrentTab()};
+}
+
+void DetailPanel::GoOnWith(const KeptEdit& edit) {
+    if (!shows_record() || edit.record.fields[kId] != controls_.txtDet[kId].Text()) return;
+    SetCurrentTab(edit.tab);
+    for (std::size_t i = 0; i < edit.record.fields.size(); ++i)
+        if (controls_.txtDet[i].Text() != edit.record.fields[i])
+            controls_.txtDet[i].SetText(edit.record.fields[i]);
+    controls_.chkPinMame->setChecked(edit.record.pin_mame);
+    controls_.chkFavorite->setChecked(edit.record.favorite);
+    SetRecordChanged(true);
+}
+
+base::Status DetailPanel::TakeFile(const QString& path, bool is_rules_text) {
+    const int tab = is_rules_text ? kRulesTextTab : kDetailsTab;
+    if (record_changed() && CurrentTab() != tab)
+        return {base::StatusCode::kBusy, "Save or cancel the edit first."};
+    QString text = path;
+    if (is_rules_text) {
+        ASSIGN_OR_RETURN(text, ReadRulesFile(path));
+    }
+    SetCurrentTab(tab);
+    SetDetailText(is_rules_text ? kRulesText : kImageFile, text);
+    return {};
+}
+
+bool DetailPanel::shows_record() const {
+    return !controls_.txtDet[kId].Text().isEmpty();
+}
+
 void DetailPanel::Delete() {
     const QString id = controls_.txtDet[kId].Text();
     if (id.isEmpty()) return;

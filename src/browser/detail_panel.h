@@ -4,6 +4,7 @@
 #pragma once
 
 #include "browser/detail_controls.h"
+#include "browser/kept_edit.h"
 #include "browser/status_panels.h"
 #include "browser/table_record.h"
 #include "catalogue/catalogue.h"
@@ -63,6 +64,19 @@ public:
     void SaveRules();
     void Delete();
 
+    void Cancel();
+    // Save or SaveRules, whichever belongs to the current tab.
+    void SaveTab();
+    // Puts the focus into the first field of the current tab, or of the details where it has none.
+    void StartEdit();
+    bool shows_record() const;
+    // The edit in progress, to be gone on with later; nullopt: there is none.
+    std::optional<KeptEdit> CurrentEdit() const;
+    // Goes on with an edit. Does nothing unless its record is shown.
+    void GoOnWith(const KeptEdit& edit);
+    // Puts a file that was dropped into the edit: the path of a picture as the screenshot, or the
+    // content of a text as the rules. kBusy: another tab is being edited. Requires: shows_record().
+    base::Status TakeFile(const QString& path, bool is_rules_text);
     int CurrentTab() const;
     void SetCurrentTab(int tab);
 

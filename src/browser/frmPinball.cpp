@@ -280,6 +280,49 @@ void frmPinball::SetTitle() {
     const dialogs::Version version = dialogs::ProgramVersion();
     setWindowTitle(QStringLiteral("Tavolo -    v. ") + QString::number(version.major) +
                    QStringLiteral(".") + QString::number(version.minor) +
+    AddRecentMenu();
+}
+
+// Before the last entries of the menu; asked for each time it opens.
+void frmPinball::AddRecentMenu() {
+    QMenu* const table_menu = menu_->Menu(kTableMenu);
+    auto* const recent = new QMenu(QStringLiteral("Recently &Played"), table_menu);
+    recent->setObjectName(QStringLiteral("mnuRecent"));
+    table_menu->insertMenu(table_menu->findChild<QAction*>(QStringLiteral("mnuRandom")), recent);
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
+}
+
+void frmPinball::FillRecentMenu(QMenu& menu) {
+    menu.clear();
+    const auto tables = RecentTables(*catalogue_.CatalogueConnection);
+    if (!tables.ok()) ShowFailure(tables.status());
+    if (!tables.ok() || tables->empty())
+        menu.addAction(QStringLiteral("None was played yet"))->setEnabled(false);
+    if (!tables.ok()) return;
+    for (const RecentTable& table : *tables) {
+        QString caption = table.display_name;
+        caption.replace(u'&', QLatin1String("&&"));
+        QAction* const action = menu.addAction(caption);
+        action->setEnabled(!details_->record_changed());
+        connect(action, &QAction::triggered, this,
+                [this, id = table.id] { SelectTableWithId(id); });
+    }
+}
+
+void frmPinball::SelectTableWithId(const QString& id) {
+    if (tree_->SelectTableWithId(id)) return;
+    filter_bar_->Choose(catalogue::kFilterAll.toString());
+    RefreshTree();
+    tree_->SelectTableWithId(id);
+}
+
+// While the menus are closed: a key may be pressed at any time, and its command looks for itself
+// whether a record is there.
+MainWindowState frmPinball::StateForKeys() const {
+    return {.current_tab = details_->CurrentTab(),
+            .window_is_normal = IsNormal(),
+            .record_is_shown = true,
+            .record_is_changed = details_->record_changed()};
                    QStringLiteral(" - RC 1"));
 }
 
@@ -551,5 +594,26 @@ base::Status frmPinball::WriteOptions() {
     return catalogue::WriteOwnSetting(
         *catalogue_.settings, catalogue::kOptionSection, catalogue::kWaitKey,
         catalogue_.values->WaitForSimulator ? QStringLiteral("True") : QStringLiteral("False"));
+}
+
+void frmPinball::CloseForGood() {
+    if (unloaded_) return;
+    if (const auto edit = details_->CurrentEdit()) {
+        const QString file = KeptEditFile(catalogue::CataloguePath(catalogue_));
+        catalogue::ShowError(prompts_, KeepEdit(file, *edit));
+    }
+    if (before_unload_) before_unload_();
+    Unload();
+    close();
+}
+
+void frmPinball::GoOnWithKeptEdit() {
+    const auto edit = TakeKeptEdit(KeptEditFile(catalogue::CataloguePath(catalogue_)));
+    if (!edit.ok()) return TellInPassing(edit.status());
+    if (!*edit) return;
+    if (tree_->SelectTableWithId((*edit)->record.fields[kId]))
+        details_->GoOnWith(**edit);
+    else
+        TellResult(QStringLiteral("The record that was being edited is not in the list"));
 }
 

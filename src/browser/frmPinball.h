@@ -59,6 +59,11 @@ public:
     // Sets the actions that reach beyond this window; empty ones are not changed.
     void SetActions(const CommandActions& actions);
     void SetWelcomeActions(const WelcomeActions& actions);
+    // Goes on with the edit that CloseForGood has kept, if there is one. Call after Load.
+    void GoOnWithKeptEdit();
+    // Closes the window without a question; an edit in progress is kept for the next start.
+    void CloseForGood();
+
     // Set how a table is played, and how the sound of the play button is played.
     void SetPlayTable(TreeController::PlayTable play);
     void SetPlaySound(launcher::PlayButton::Sound sound);
@@ -122,6 +127,16 @@ private:
     void ShowCatalogue(const MainWindowSettings& settings);
     void ShowWhetherReadOnly();
     void SetTitle();
+    MainWindowState StateForKeys() const;
+    void CopyAsText();
+    void CopyAsFile();
+    void SelectRandomTable();
+    void AddRecentMenu();
+    void FillRecentMenu(QMenu& menu);
+    // With the filter "All" if it must be.
+    void SelectTableWithId(const QString& id);
+    void Take(const DroppedFiles& dropped);
+    void SetTabOrders();
 
     // Steps of closing.
     bool QueryUnload();

@@ -79,6 +79,17 @@ bool TreeController::SelectTable(const std::function<bool(const QString&)>& is_w
 
 void TreeController::NodeClick(const QModelIndex& index) {
     const QString tag = TableTreeModel::Tag(index);
+bool TreeController::SelectTableWithId(const QString& id) {
+    for (std::size_t table = 0; table < parts_.model.table_count(); ++table) {
+        if (QString::number(parts_.model.Id(table)) != id) continue;
+        const QModelIndex index = parts_.model.IndexOfTable(table);
+        parts_.tree.SelectNode(index);
+        NodeClick(index);
+        return true;
+    }
+    return false;
+}
+
     if (tag == kRootTag) return;
     if (tag == kDetailTag) {
         parts_.details.ClearTableDetails();

@@ -64,6 +64,9 @@ public:
     // What a click on a node does, for one that is selected already.
     void ShowNode(const QModelIndex& index) { NodeClick(index); }
 
+    // The same with the table whose row has this id.
+    bool SelectTableWithId(const QString& id);
+
     // Plays the selected table, shows its details again and collapses its node.
     void DoubleClick();
     // Inverts the favourite flag of the selected table. A failure of the database is shown in a

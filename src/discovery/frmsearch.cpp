@@ -18,6 +18,8 @@ namespace discovery {
 namespace {
 
 constexpr QStringView kDoneCaption = u"&Done";
+// A property of the window, for whoever would close it: the scan answers that with a message.
+constexpr char kBusy[] = "busy";
 
 // For names from the disk: plain text, and long ones do not widen the dialog.
 QLabel* MakeLabel(const char* object_name, QWidget* parent) {
@@ -101,12 +103,14 @@ void frmsearch::Scan() {
     cmdgo_->hide();
     lblHint_->hide();
     cmdExit_->setText(QStringLiteral("Scanning..."));
+    setProperty(kBusy, true);
     const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     base::Status done = WalkFolders();
     idle_ = true;
     if (done.ok()) done = ReadTableInformation();
     ShowResult(done);
     cmdExit_->setText(kDoneCaption.toString());
+    setProperty(kBusy, false);
     if (refresh_tree_) refresh_tree_();
 }
 

@@ -36,9 +36,9 @@ using TakePath = std::function<bool(const QString& path)>;
 // refuses.
 base::Result<std::unique_ptr<PathReceiver>> ReceivePaths(const QString& folder, TakePath take);
 
-// Gives the absolute path, or an empty one, to the instance that listens for `folder`. Waits `timeout_ms` at most for
-// each step. kNotFound: none listens; kBusy: it does not take the path; kIoError: it does not
-// answer.
+// Gives the absolute path, or an empty one, to the instance that listens for `folder`. Waits
+// `timeout_ms` at most for each step. kNotFound: none listens; kBusy: it does not take the path;
+// kIoError: it does not answer.
 base::Status HandPathOver(const QString& folder, const QString& path, int timeout_ms);
 
 }  // namespace platform

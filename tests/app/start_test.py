@@ -178,6 +178,37 @@ def held(desktop, work):
             holder.process.send_signal(signal.SIGCONT)
 
 
+def asked_to_end(desktop, work):
+    """SIGTERM during an edit, with a dialog open: nothing is left behind but the edit, which goes on at the next start."""
+    folder = work / "asked to end"
+    folder.mkdir()
+    tables = work / "tables to end"
+    make_table_file(tables / "Attack.vpt", {"TableName": "Attack"})
+    with Tavolo(desktop, folder, [str(tables / "Attack.vpt")]) as program:
+        program.wait_window("Settings")
+        program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+        wait_for(lambda: program.text("txtDet_2") == "Attack", "the details")
+        program.type_into("txtDet_4", "Anna")
+        program.menu("mnuHelp", "mnuAbout")
+        wait_for(lambda: program.visible("cmdOK"), "the about box")
+        program.process.send_signal(signal.SIGTERM)
+        program.wait_end()
+    left = sorted(path.name for path in folder.iterdir())
+    check("pinball.mdb-edit" in left, f"the edit is kept: {left}")
+    check(not [name for name in left if name.endswith((".ldb", "-journal"))], f"no lock and no journal is left: {left}")
+    check_equal(export_rows(folder / "pinball.mdb")[0]["Author"], "", "what nobody has saved")
+    with Tavolo(desktop, folder) as program:
+        program.wait_window("Settings")
+        program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+        check_equal(program.text("txtDet_4"), "Anna", "the edit goes on")
+        program.picture("the edit goes on")
+        program.press("ctrl+s")
+        wait_for(lambda: export_rows(folder / "pinball.mdb")[0]["Author"] == "Anna", "the stored edit")
+        program.press("ctrl+q")
+        program.wait_end()
+    check(not (folder / "pinball.mdb-edit").exists(), "the edit is no longer kept")
+
+
 def old_catalogue(desktop, work, source):
     """A catalogue of the first versions gains its columns and keeps every cell."""
     folder = work / source.stem
@@ -264,6 +295,7 @@ def main():
         raw_names(desktop, work)
         not_a_catalogue(desktop, work)
         held(desktop, work)
+        asked_to_end(desktop, work)
         old_catalogue(desktop, work, DATA / "databases" / "catalogue-jet3.mdb")
         if SAMPLES:
             old_catalogue(desktop, work, SAMPLES / "catalogue" / "old-base-250.mdb")

@@ -135,6 +135,57 @@ TEST_F(ClosingTest, ClosingDuringAPlayIsClean) {
     EXPECT_EQ(settings.written.size(), 13U);
 }
 
+TEST_F(ClosingTest, AnEditIsKeptWhereNobodyCanAnswer) {
+    Open();
+    Click(Table(1));
+    window->details().SetDetailText(4, S(u"Some \u00C4uthor"));
+    window->details().SetDetailText(9, S(u"one\r\ntwo"));
+    window->CloseForGood();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_FALSE(connection->is_open());
+    EXPECT_EQ(settings.written.size(), 13U);
+    EXPECT_TRUE(prompts.messages.empty());
+    ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    EXPECT_EQ(Scalar(S(u"Select Author from Tables where DisplayName = 'Beta'")), S(u"Ann"))
+        << "nothing is stored that nobody has saved";
+    Open();
+    window->GoOnWithKeptEdit();
+    EXPECT_TRUE(window->details().record_changed());
+    EXPECT_EQ(FieldText(2), S(u"Beta"));
+    EXPECT_EQ(FieldText(4), S(u"Some \u00C4uthor"));
+    window->details().Save();
+    EXPECT_EQ(Scalar(S(u"Select Author from Tables where DisplayName = 'Beta'")),
+              S(u"Some \u00C4uthor"));
+    EXPECT_EQ(FieldText(9), S(u"one\r\ntwo"));
+    window->GoOnWithKeptEdit();
+    EXPECT_FALSE(window->details().record_changed()) << "once";
+}
+
+TEST_F(ClosingTest, WithoutAnEditNothingIsKept) {
+    Open();
+    Click(Table(1));
+    PickFilter(u"File Date");
+    TypeValue(u"soon");  // which would be asked about
+    window->CloseForGood();
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_FALSE(QFile::exists(DatabasePath() + S(u"-edit")));
+}
+
+TEST_F(ClosingTest, AKeptEditOfARowThatIsGoneIsToldAndForgotten) {
+    Open();
+    Click(Table(0));
+    EditName();
+    window->CloseForGood();
+    ASSERT_TRUE(catalogue::Main(catalogue).ok());
+    Execute(S(u"Delete from Tables where ID = 1"));
+    Open();
+    window->GoOnWithKeptEdit();
+    EXPECT_FALSE(window->details().record_changed());
+    EXPECT_NE(window->findChild<QStatusBar*>(S(u"sbrDB"))->currentMessage(), QString());
+    EXPECT_FALSE(QFile::exists(DatabasePath() + S(u"-edit")));
+}
+
 TEST_F(ClosingTest, WhatMustEndFirstEndsWhileTheCatalogueIsOpen) {
     Open();
     int calls = 0;
