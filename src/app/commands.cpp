@@ -4,6 +4,7 @@
 #include "base/scope_guards.h"
 #include "browser/table_info_command.h"
 #include "catalogue/error_report.h"
+#include "catalogue/path_names.h"
 #include "catalogue/program_files.h"
 #include "catalogue/start_up.h"
 #include "checksum/frmCRC.h"
@@ -49,6 +50,11 @@ Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& promp
     QObject::connect(&keeper_, &snapshots::SnapshotKeeper::Failed, &window_,
                      &browser::frmPinball::TellInPassing);
     AttachPlay();
+    window_.SetTakeTables([this](const QString& path) {
+        const bool may_take = MayTakeTables();
+        if (may_take) TakeTables(path);
+        return may_take;
+    });
     window_.SetBeforeUnload([this] {
         launcher_.EndWatches();
         splash_.Unload();
@@ -81,16 +87,16 @@ void Commands::TakeTables(const QString& path) {
             {base::StatusCode::kNotFound, "There is no table in " + path.toStdString()});
 }
 
+bool Commands::is_at_work() const {
+    return is_taking_tables_ || held_back_events_.is_processing() || window_.shows_progress();
+}
+
 bool Commands::MayTakeTables() const {
     return !is_at_work() && QApplication::activeModalWidget() == nullptr &&
            !window_.details().record_changed();
 }
 
 maintenance::CommandContext Commands::Context() {
-bool Commands::is_at_work() const {
-    return is_taking_tables_ || held_back_events_.is_processing() || window_.shows_progress();
-}
-
     return {catalogue_, prompts_, held_back_events_, refresh_tree_,
             [this](std::int64_t done, std::int64_t total) { window_.ShowProgress(done, total); }};
 }
@@ -131,7 +137,19 @@ browser::CommandActions Commands::Actions() {
             },
         .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
+        .show_in_folder = [this] { ShowInFolder(); },
     };
+}
+
+void Commands::ShowInFolder() {
+    if (!window_.TableIsSelected()) return;
+    const QString folder = catalogue::GetFolder(window_.SelectedTag());
+    base::Status shown;
+    if (!platform::FolderExists(folder))
+        shown = {base::StatusCode::kNotFound, "There is no folder " + folder.toStdString()};
+    else
+        shown = outside_.shell.Open(platform::ExistingName(folder));
+    window_.TellInPassing(shown);
 }
 
 base::Status Commands::Scan() {
@@ -142,8 +160,7 @@ base::Status Commands::Scan() {
 
 void Commands::BackUp() {
     const base::Status made = maintenance::BackupData(Context(), window_.windowTitle());
-    if (!made.ok())
-        window_.TellInPassing({made.code(), "No backup was made: " + made.message()});
+    if (!made.ok()) window_.TellInPassing({made.code(), "No backup was made: " + made.message()});
 }
 
 void Commands::Compact() {

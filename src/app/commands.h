@@ -15,6 +15,7 @@
 #include "platform/sound_player.h"
 #include "platform/window_control.h"
 #include "snapshots/snapshot_keeper.h"
+#include "widgets/enter_key.h"
 
 #include <QtCore/QPointer>
 
@@ -50,9 +51,9 @@ public:
     void TakeTables(const QString& path);
     // False: a command is at work, a dialog is open, or a record is changed and not yet stored.
     bool MayTakeTables() const;
-
     // A command is at work; dialogs apart.
     bool is_at_work() const;
+
     // What is called before and after the commands that replace fields of many tables: scan and
     // imports.
     struct Watch {
@@ -83,6 +84,8 @@ private:
     // What the scan has skipped; ok: nothing.
     base::Status Scan();
     void BackUp();
+    // Opens the folder of the selected table file.
+    void ShowInFolder();
     void Compact();
     void UpdateCrcs();
     void ImportFromTableFiles();
@@ -114,6 +117,7 @@ private:
     dialogs::QtUserEvents events_;
     PaintEvents held_back_events_;
     bool is_taking_tables_ = false;
+    widgets::EnterKey enter_key_;
     dialogs::HelpKey help_key_{outside_.shell, catalogue_.values->ApplicationFolder};
     QPointer<dialogs::frmSettings> settings_;  // as long as it is open
     launcher::Launcher launcher_;

@@ -26,12 +26,13 @@
 #include "platform/termination.h"
 #include "snapshots/restore_catalogue.h"
 #include "snapshots/snapshot_keeper.h"
+#include "widgets/program_style.h"
 
 #include <QtGui/QIcon>
-#include "widgets/program_style.h"
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 namespace {
@@ -82,9 +83,32 @@ bool IsOpen(catalogue::Catalogue& catalogue, jet::FileSystem& files, platform::U
 base::Status UpgradeFailure(const catalogue::Catalogue& catalogue) {
     const base::Status& failure = catalogue.values->UpgradeFailure;
     if (failure.ok()) return failure;
-    const QString text = catalogue::FailureText(QStringLiteral("New columns or dates are missing in"),
-                                                catalogue::CataloguePath(catalogue), failure);
+    const QString text =
+        catalogue::FailureText(QStringLiteral("New columns or dates are missing in"),
+                               catalogue::CataloguePath(catalogue), failure);
     return {failure.code(), text.toStdString(), failure.number()};
+}
+
+// An edit that goes on from the last time comes first.
+void TakeGiven(app::Commands& commands, app::GivenPaths& given_paths, const QString& given) {
+    if (given.isEmpty()) return;
+    if (commands.MayTakeTables())
+        commands.TakeTables(given);
+    else
+        given_paths.Add(given);
+}
+
+void EndWith(browser::frmPinball& window) {
+    window.CloseForGood();
+    QApplication::quit();
+}
+
+// As long as the result lives, logging out and signals ask `session_end`.
+std::unique_ptr<platform::TerminationWatch> WatchForTheEnd(app::SessionEnd& session_end,
+                                                           browser::frmPinball& window) {
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window,
+                     [&session_end] { session_end.Request(); });
+    return platform::WatchTermination([&session_end] { session_end.Request(); });
 }
 
 int RunProgram(const app::Arguments& arguments) {
@@ -127,7 +151,10 @@ int RunProgram(const app::Arguments& arguments) {
     commands.SetWatch(
         {[&] { edit_commands.RememberNewest(); }, [&] { edit_commands.TellReplaced(); }});
     window.Load();
+    window.GoOnWithKeptEdit();
     window.show();
+    app::SessionEnd session_end([&] { return commands.is_at_work(); }, [&] { EndWith(window); });
+    const auto termination = WatchForTheEnd(session_end, window);
     keeper.StartClock();
     app::GivenPaths given_paths([&] { return commands.MayTakeTables(); },
                                 [&](const QString& path) { commands.TakeTables(path); });
@@ -137,17 +164,8 @@ int RunProgram(const app::Arguments& arguments) {
             return path.isEmpty() || given_paths.Add(path);
         });
     window.TellInPassing(receiver.status());
-    window.GoOnWithKeptEdit();
     window.TellInPassing(UpgradeFailure(catalogue));
-    app::SessionEnd session_end([&] { return commands.is_at_work(); },
-                                [&] {
-                                    window.CloseForGood();
-                                    QApplication::quit();
-                                });
-    const auto termination = platform::WatchTermination([&] { session_end.Request(); });
-    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window,
-                     [&] { session_end.Request(); });
-    if (!given.isEmpty()) commands.TakeTables(given);
+    TakeGiven(commands, given_paths, given);
     // The example collection is looked at without a simulator.
     if (!arguments.demo) window.AskForWhatIsMissing();
     return QApplication::exec();

@@ -13,7 +13,7 @@ constexpr MenuItem kSeparator = {u"", u"-"};
 constexpr MenuItem kFile[] = {
     {u"mnuTblScan", u"&Scan for New Tables", &A::scan_for_tables},
     {u"mnusep1", u"-"},
-    {u"mnuExit", u"E&xit", &A::exit},
+    {u"mnuExit", u"E&xit", &A::exit, kAlways, false, 0, u"Ctrl+Q"},
 };
 
 constexpr MenuItem kUtilities[] = {
@@ -70,6 +70,27 @@ constexpr MenuItem kEdit[] = {
     {u"mnuCompact", u"&Compact...", &A::compact},
 };
 
+constexpr EnabledWhen kShown = EnabledWhen::kRecordIsShown;
+constexpr EnabledWhen kChanged = EnabledWhen::kRecordIsChanged;
+constexpr EnabledWhen kFree = EnabledWhen::kTreeIsFree;
+
+constexpr MenuItem kTable[] = {
+    {u"mnuEditDetails", u"&Edit Details", &A::edit_details, kShown, false, 0, u"Ctrl+E"},
+    {u"mnuSaveDetails", u"&Save", &A::save_details, kChanged, false, 0, u"Ctrl+S"},
+    {u"mnuCancelEdit", u"C&ancel", &A::cancel_edit, kChanged, false, 0, u"Esc"},
+    kSeparator,
+    {u"mnuDeleteTable", u"&Delete...", &A::delete_table, kShown, false, 0, u"Del", true},
+    kSeparator,
+    {u"mnuCopyText", u"&Copy as Text", &A::copy_as_text, kFree, false, 0, u"Ctrl+C"},
+    {u"mnuCopyFile", u"Copy as &File", &A::copy_file, kFree, false, 0, u"Ctrl+Shift+C"},
+    {u"mnuShowInFolder", u"Show in F&older", &A::show_in_folder, kShown},
+    kSeparator,
+    {u"mnuRefreshTree", u"&Refresh Tree", &A::refresh_tree, kFree, false, 0, u"F5"},
+    {u"mnuRandom", u"Select One at Rando&m", &A::select_random, kFree, false, 0, u"Ctrl+R"},
+    kSeparator,
+    {u"mnuKeys", u"&Keys...", &A::show_keys, kAlways, false, 0, u"Ctrl+/"},
+};
+
 constexpr MenuItem kPopup[] = {
     {u"mnumnu", u"Menu"},
     kSeparator,
@@ -86,7 +107,7 @@ constexpr MenuLayout kMenus[] = {
     {kFileMenu, u"&File", kFile},          {kUtilitiesMenu, u"&Utilities", kUtilities},
     {kOptionsMenu, u"&Options", kOptions}, {kHelpMenu, u"&Help", kHelp},
     {kDataMenu, u"&Data", kData},          {kEditMenu, u"&Edit", kEdit},
-    {kPopupMenu, u"Popup", kPopup},
+    {kTableMenu, u"&Table", kTable},       {kPopupMenu, u"Popup", kPopup},
 };
 
 }  // namespace
@@ -99,6 +120,12 @@ bool IsAllowed(EnabledWhen rule, const MainWindowState& state) {
         return state.current_tab != kRulesTextTab;
     case EnabledWhen::kWindowIsNormal:
         return state.window_is_normal;
+    case EnabledWhen::kRecordIsShown:
+        return state.record_is_shown && !state.record_is_changed;
+    case EnabledWhen::kRecordIsChanged:
+        return state.record_is_changed;
+    case EnabledWhen::kTreeIsFree:
+        return !state.record_is_changed;
     }
     return true;
 }

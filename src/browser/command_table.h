@@ -48,6 +48,16 @@ struct CommandActions {
     Action find{};
     Action find_next{};
     Action find_previous{};
+    Action edit_details{};
+    Action save_details{};
+    Action cancel_edit{};
+    Action delete_table{};
+    Action refresh_tree{};
+    Action show_in_folder{};
+    Action copy_as_text{};
+    Action copy_file{};
+    Action select_random{};
+    Action show_keys{};
 };
 
 // Identifies a command by its action; nullptr: no command.
@@ -57,12 +67,17 @@ enum class EnabledWhen {
     kAlways,
     kRulesTextIsNotShown,  // the command would discard a rules text that is being written
     kWindowIsNormal,
+    kRecordIsShown,    // and not changed
+    kRecordIsChanged,  // and not yet stored
+    kTreeIsFree,       // no changed record locks it
 };
 
 // The input of the rules.
 struct MainWindowState {
     int current_tab = 0;           // of the detail panel, see detail_tabs.h
     bool window_is_normal = true;  // neither minimised nor maximised
+    bool record_is_shown = true;
+    bool record_is_changed = false;
 };
 
 bool IsAllowed(EnabledWhen rule, const MainWindowState& state);
@@ -77,6 +92,7 @@ struct MenuItem {
     int key = 0;  // the Qt::Key whose release runs the command; 0: none
     // Keys that run it unless the focus has its own use for them, separated by "; "; empty: none.
     QStringView shortcut{};
+    bool tree_only = false;  // `shortcut` is a key of the tree, shown in the menu only
 };
 
 struct MenuLayout {
@@ -92,6 +108,7 @@ inline constexpr QStringView kOptionsMenu = u"mnuOptions";
 inline constexpr QStringView kHelpMenu = u"mnuHelp";
 inline constexpr QStringView kDataMenu = u"mnuData";
 inline constexpr QStringView kEditMenu = u"mnuEdit";
+inline constexpr QStringView kTableMenu = u"mnuTable";
 inline constexpr QStringView kPopupMenu = u"mnufavorites";  // the tree's
 
 // The menus of the menu bar in their order, followed by the tree's pop-up menu.

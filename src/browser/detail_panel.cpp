@@ -82,10 +82,10 @@ void DetailPanel::ShowTableDetails(const QString& file_name) {
     if (is_filled) ShowPictures();
 }
 
-// Without a record nothing can be typed that would then be lost. Not before the new record is there,
-// as the field with the focus would lose it.
+// Without a record nothing can be typed that would then be lost. Not before the new record is
+// there, as the field with the focus would lose it.
 void DetailPanel::EnableFields() {
-    const bool has_record = !controls_.txtDet[kId].Text().isEmpty();
+    const bool has_record = shows_record();
     if (has_record) {
         const FieldLimits limits = LimitsOfFields(connection());
         for (std::size_t i = 0; i < limits.size(); ++i)
@@ -95,8 +95,8 @@ void DetailPanel::EnableFields() {
         box.widget()->setEnabled(has_record);
     // Not the Cancel buttons: they are the way out of every edit.
     const std::initializer_list<QWidget*> others = {
-        controls_.chkFavorite, controls_.chkPinMame, controls_.Command2,
-        controls_.Command3,    controls_.Command4,   controls_.cmdChange,
+        controls_.chkFavorite, controls_.chkPinMame,  controls_.Command2,
+        controls_.Command3,    controls_.Command4,    controls_.cmdChange,
         controls_.cmdDelete,   controls_.cmdReadRule, controls_.cmdSaveRules};
     for (QWidget* other : others)
         other->setEnabled(has_record);

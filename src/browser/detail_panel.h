@@ -46,7 +46,8 @@ public:
     DetailPanel(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts, DetailHost& host,
                 QWidget* parent = nullptr);
 
-    // Shows the first record with this FileName; without one the fields are disabled. Failures are shown in the status bar.
+    // Shows the first record with this FileName; without one the fields are disabled. Failures are
+    // shown in the status bar.
     void ShowTableDetails(const QString& file_name);
     void ClearTableDetails();
     // True: shows the warning, locks the window and the other tabs; false: frees them.
@@ -59,11 +60,10 @@ public:
     void SetDetailText(int index, const QString& text);
     bool FavoriteChecked() const;
 
-    // The actions of cmdChange ("Save"), cmdSaveRules and cmdDelete.
+    // The actions of cmdChange ("Save"), cmdSaveRules, cmdDelete and the two Cancel buttons.
     void Save();
     void SaveRules();
     void Delete();
-
     void Cancel();
     // Save or SaveRules, whichever belongs to the current tab.
     void SaveTab();
@@ -77,6 +77,7 @@ public:
     // Puts a file that was dropped into the edit: the path of a picture as the screenshot, or the
     // content of a text as the rules. kBusy: another tab is being edited. Requires: shows_record().
     base::Status TakeFile(const QString& path, bool is_rules_text);
+
     int CurrentTab() const;
     void SetCurrentTab(int tab);
 
@@ -108,7 +109,6 @@ private:
     QString FieldCaption(DetailField field) const;
     void GoToField(DetailField field);
     void EndEdit(const QString& file_name);
-    void Cancel();
     void ChoosePicture(DetailField field, const QString& title);
     void ReadRules();
 

@@ -2,7 +2,10 @@
 
 #include "browser/find_bar.h"
 #include "browser/find_controller.h"
+#include "browser/frmKeys.h"
 #include "browser/order_bar.h"
+#include "browser/recent_tables.h"
+#include "browser/row_clipboard.h"
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
 #include "browser/wait_until_shown.h"
@@ -21,7 +24,10 @@
 #include "platform/files.h"
 #include "widgets/window_place.h"
 
+#include <QtCore/QRandomGenerator>
+#include <QtGui/QClipboard>
 #include <QtGui/QCloseEvent>
+#include <QtGui/QDragEnterEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
@@ -56,7 +62,9 @@ frmPinball::frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& p
     CreateControls();
     CreateControllers();
     ConnectCommands();
+    SetTabOrders();
     SetTitle();
+    setAcceptDrops(true);
     qApp->installEventFilter(this);
 }
 
@@ -209,7 +217,42 @@ CommandActions frmPinball::OwnActions() {
             },
         .play = [this] { tree_->DoubleClick(); },
         .toggle_favorites = [this] { tree_->ToggleSelectedFavorite(); },
+        .edit_details = [this] { details_->StartEdit(); },
+        .save_details = [this] { details_->SaveTab(); },
+        .cancel_edit = [this] { details_->Cancel(); },
+        .delete_table = [this] { details_->Delete(); },
+        .refresh_tree = [this] { RefreshTree(); },
+        .copy_as_text = [this] { CopyAsText(); },
+        .copy_file = [this] { CopyAsFile(); },
+        .select_random = [this] { SelectRandomTable(); },
+        .show_keys = [this] { frmKeys(this).exec(); },
     };
+}
+
+void frmPinball::CopyAsText() {
+    const auto tables = TablesOf(model_, tvwDB_->currentIndex());
+    if (!tables.empty()) QGuiApplication::clipboard()->setText(RowsAsText(model_, tables));
+}
+
+void frmPinball::CopyAsFile() {
+    const auto tables = TablesOf(model_, tvwDB_->currentIndex());
+    if (tables.empty()) return;
+    if (auto files = RowsAsFiles(model_, tables))
+        QGuiApplication::clipboard()->setMimeData(files.release());
+    else
+        TellResult(QStringLiteral("There is no table file to copy"));
+}
+
+// Not the one that is selected already, where there is another.
+void frmPinball::SelectRandomTable() {
+    const auto tables = static_cast<quint32>(model_.table_count());
+    if (tables == 0) return;
+    auto chosen = static_cast<std::size_t>(QRandomGenerator::global()->bounded(tables));
+    if (tables > 1 && model_.TableOfNode(tvwDB_->currentIndex()) == chosen)
+        chosen = (chosen + 1) % tables;
+    const QModelIndex node = model_.IndexOfTable(chosen);
+    tvwDB_->SelectNode(node);
+    tree_->ShowNode(node);
 }
 
 // Connects buttons and menus to the commands; eventFilter does it for keys.
@@ -220,66 +263,23 @@ void frmPinball::ConnectCommands() {
     connect(details_, &DetailPanel::ViewTableInfoClicked, this,
             [this] { menu_->Run(&CommandActions::view_table_info); });
     connect(menu_->Menu(kFileMenu), &QMenu::aboutToShow, this, [this] { SetComments({}); });
-    for (const QStringView menu : {kUtilitiesMenu, kEditMenu, kDataMenu})
+    connect(tvwDB_, &TableTreeView::DeletePressed, this, [this] {
+        if (TableIsSelected()) menu_->Run(&CommandActions::delete_table);
+    });
+    for (const QStringView menu : {kUtilitiesMenu, kEditMenu, kDataMenu, kTableMenu})
         connect(menu_->Menu(menu), &QMenu::aboutToShow, this, [this] {
-            menu_->ApplyRules(
-                {.current_tab = details_->CurrentTab(), .window_is_normal = IsNormal()});
+            MainWindowState state = StateForKeys();
+            state.record_is_shown = details_->shows_record();
+            menu_->ApplyRules(state);
         });
+    for (const QStringView menu : {kEditMenu, kTableMenu})
+        connect(menu_->Menu(menu), &QMenu::aboutToHide, this, [this] {
+            // The entry that was chosen is triggered behind this.
+            QMetaObject::invokeMethod(
+                this, [this] { menu_->ApplyRules(StateForKeys()); }, Qt::QueuedConnection);
+        });
+    menu_->ApplyRules(StateForKeys());
     ConnectEditMenu();
-}
-
-// Undo and redo say what they would take back. Closed, the menu leaves them to their keys, which
-// tell when there is nothing.
-void frmPinball::ConnectEditMenu() {
-    const auto offer = [this](CommandId command, const QString& verb, const QString& caption,
-                              bool is_offered) {
-        QString shown = caption;
-        shown.replace(u'&', QLatin1String("&&"));
-        const QString text = caption.isEmpty() ? verb : verb + u' ' + shown;
-        menu_->Offer(command, text, is_offered);
-    };
-    connect(menu_->Menu(kEditMenu), &QMenu::aboutToShow, this, [this, offer] {
-        const UndoCaptions captions = undo_captions_ ? undo_captions_() : UndoCaptions();
-        offer(&CommandActions::undo, QStringLiteral("&Undo"), captions.undo,
-              !captions.undo.isEmpty());
-        offer(&CommandActions::redo, QStringLiteral("Re&do"), captions.redo,
-              !captions.redo.isEmpty());
-    });
-    connect(menu_->Menu(kEditMenu), &QMenu::aboutToHide, this, [this] {
-        // The entry that was chosen is triggered behind this.
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                menu_->ApplyRules({details_->CurrentTab(), IsNormal()});
-            },
-            Qt::QueuedConnection);
-    });
-}
-
-void frmPinball::SetUndoCaptions(std::function<UndoCaptions()> captions) {
-    undo_captions_ = std::move(captions);
-}
-
-void frmPinball::SetActions(const CommandActions& actions) {
-    menu_->SetActions(actions);
-}
-
-void frmPinball::SetPlayTable(TreeController::PlayTable play) {
-    tree_->SetPlayTable(std::move(play));
-}
-
-void frmPinball::SetPlaySound(launcher::PlayButton::Sound sound) {
-    cmdPlay_->SetSound(std::move(sound));
-}
-
-void frmPinball::SetBeforeUnload(std::function<void()> unload) {
-    before_unload_ = std::move(unload);
-}
-
-void frmPinball::SetTitle() {
-    const dialogs::Version version = dialogs::ProgramVersion();
-    setWindowTitle(QStringLiteral("Tavolo -    v. ") + QString::number(version.major) +
-                   QStringLiteral(".") + QString::number(version.minor) +
     AddRecentMenu();
 }
 
@@ -323,6 +323,55 @@ MainWindowState frmPinball::StateForKeys() const {
             .window_is_normal = IsNormal(),
             .record_is_shown = true,
             .record_is_changed = details_->record_changed()};
+}
+
+// Undo and redo say what they would take back. Closed, the menu leaves them to their keys, which
+// tell when there is nothing.
+void frmPinball::ConnectEditMenu() {
+    const auto offer = [this](CommandId command, const QString& verb, const QString& caption,
+                              bool is_offered) {
+        QString shown = caption;
+        shown.replace(u'&', QLatin1String("&&"));
+        const QString text = caption.isEmpty() ? verb : verb + u' ' + shown;
+        menu_->Offer(command, text, is_offered);
+    };
+    connect(menu_->Menu(kEditMenu), &QMenu::aboutToShow, this, [this, offer] {
+        const UndoCaptions captions = undo_captions_ ? undo_captions_() : UndoCaptions();
+        offer(&CommandActions::undo, QStringLiteral("&Undo"), captions.undo,
+              !captions.undo.isEmpty());
+        offer(&CommandActions::redo, QStringLiteral("Re&do"), captions.redo,
+              !captions.redo.isEmpty());
+    });
+}
+
+void frmPinball::SetUndoCaptions(std::function<UndoCaptions()> captions) {
+    undo_captions_ = std::move(captions);
+}
+
+void frmPinball::SetActions(const CommandActions& actions) {
+    menu_->SetActions(actions);
+}
+
+void frmPinball::SetPlayTable(TreeController::PlayTable play) {
+    tree_->SetPlayTable(std::move(play));
+}
+
+void frmPinball::SetPlaySound(launcher::PlayButton::Sound sound) {
+    cmdPlay_->SetSound(std::move(sound));
+}
+
+void frmPinball::SetTakeTables(std::function<bool(const QString& path)> take) {
+    take_tables_ = std::move(take);
+}
+
+void frmPinball::SetBeforeUnload(std::function<void()> unload) {
+    before_unload_ = std::move(unload);
+}
+
+void frmPinball::SetTitle() {
+    const dialogs::Version version = dialogs::ProgramVersion();
+    setWindowTitle(QStringLiteral("Tavolo -    v. ") + QString::number(version.major) +
+                   QStringLiteral(".") + QString::number(version.minor) +
                    QStringLiteral(" - RC 1"));
 }
 
@@ -364,6 +413,10 @@ void frmPinball::RestoreControls(const MainWindowSettings& settings) {
     catalogue_.values->last_folders = catalogue::ReadLastFolders(*catalogue_.settings);
     menu_->SetChecked(&CommandActions::toggle_minimise_on_play, settings.minimise);
     menu_->SetChecked(&CommandActions::toggle_sound, settings.sound);
+    catalogue_.values->WaitForSimulator =
+        catalogue::ReadOwnSetting(*catalogue_.settings, catalogue::kOptionSection,
+                                  catalogue::kWaitKey) == u"True";
+    menu_->SetChecked(&CommandActions::toggle_wait, catalogue_.values->WaitForSimulator);
     details_->SetCurrentTab(settings.last_tab);
 }
 
@@ -457,10 +510,6 @@ void frmPinball::TellResult(const QString& text, std::function<void()> clicked) 
 }
 
 void frmPinball::RememberSelectedNode() {
-    catalogue_.values->WaitForSimulator =
-        catalogue::ReadOwnSetting(*catalogue_.settings, catalogue::kOptionSection,
-                                  catalogue::kWaitKey) == u"True";
-    menu_->SetChecked(&CommandActions::toggle_wait, catalogue_.values->WaitForSimulator);
     tree_->RememberSelectedNode();
 }
 
@@ -493,6 +542,9 @@ void frmPinball::LockForEdit(bool changed) {
     menu_->SetMenuEnabled(kUtilitiesMenu, enabled);
     menu_->SetMenuEnabled(kEditMenu, enabled);
     menu_->SetMenuEnabled(kDataMenu, enabled);
+    MainWindowState state = StateForKeys();
+    state.record_is_changed = changed;
+    menu_->ApplyRules(state);
 }
 
 bool frmPinball::IsNormal() const {
@@ -515,6 +567,49 @@ bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
     return true;
 }
 
+// From left to right and from the top to the bottom, as they are seen.
+void frmPinball::SetTabOrders() {
+    QWidget* before = nullptr;
+    for (const char* name :
+         {"cboFilter",   "cmdOperator", "cboFilterDet", "cboOrder",     "lblDirection",
+          "cmdGo",       "tvwDB",       "cmdPlay",      "DetTab",       "txtDet_2",
+          "txtDet_3",    "txtDet_4",    "txtDet_5",     "txtDet_6",     "txtDet_1",
+          "txtDet_7",    "Command2",    "txtDet_8",     "Command3",     "txtDet_10",
+          "Command4",    "txtDet_11",   "txtDet_9",     "chkFavorite",  "chkPinMame",
+          "cmdReadInfo", "txtDet_12",   "cmdReadRule",  "cmdSaveRules", "cmdCancelRules",
+          "cmdChange",   "cmdCancel",   "cmdDelete"}) {
+        auto* const next = findChild<QWidget*>(QLatin1String(name));
+        if (before != nullptr && next != nullptr) setTabOrder(before, next);
+        before = next;
+    }
+}
+
+void frmPinball::dragEnterEvent(QDragEnterEvent* event) {
+    if (!DroppedFilesOf(*event->mimeData()).is_empty()) event->acceptProposedAction();
+}
+
+void frmPinball::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    // Behind the drop: what is asked then would hold up the program that gives it.
+    QMetaObject::invokeMethod(
+        this, [this, dropped = DroppedFilesOf(*event->mimeData())] { Take(dropped); },
+        Qt::QueuedConnection);
+}
+
+// A picture and a text become part of the edit of the shown record, and can be cancelled as such.
+void frmPinball::Take(const DroppedFiles& dropped) {
+    for (const QString& path : dropped.tables)
+        if (!take_tables_ || !take_tables_(path)) TellResult(QStringLiteral("Not now: ") + path);
+    if (dropped.picture.isEmpty() && dropped.text.isEmpty()) return;
+    if (!details_->shows_record())
+        return TellResult(QStringLiteral("Select the table that it is for"));
+    const bool is_text = dropped.picture.isEmpty();
+    if (const base::Status taken =
+            details_->TakeFile(is_text ? dropped.text : dropped.picture, is_text);
+        !taken.ok())
+        catalogue::ShowError(prompts_, taken);
+}
+
 void frmPinball::closeEvent(QCloseEvent* event) {
     if (unloaded_) return;
     if (!QueryUnload()) {
@@ -523,6 +618,27 @@ void frmPinball::closeEvent(QCloseEvent* event) {
     }
     Unload();
     event->accept();
+}
+
+void frmPinball::CloseForGood() {
+    if (unloaded_) return;
+    if (const auto edit = details_->CurrentEdit()) {
+        const QString file = KeptEditFile(catalogue::CataloguePath(catalogue_));
+        catalogue::ShowError(prompts_, KeepEdit(file, *edit));
+    }
+    if (before_unload_) before_unload_();
+    Unload();
+    close();
+}
+
+void frmPinball::GoOnWithKeptEdit() {
+    const auto edit = TakeKeptEdit(KeptEditFile(catalogue::CataloguePath(catalogue_)));
+    if (!edit.ok()) return TellInPassing(edit.status());
+    if (!*edit) return;
+    if (tree_->SelectTableWithId((*edit)->record.fields[kId]))
+        details_->GoOnWith(**edit);
+    else
+        TellResult(QStringLiteral("The record that was being edited is not in the list"));
 }
 
 bool frmPinball::QueryUnload() {
@@ -574,6 +690,12 @@ MainWindowSettings frmPinball::CurrentSettings() const {
     return settings;
 }
 
+base::Status frmPinball::WriteOptions() {
+    return catalogue::WriteOwnSetting(
+        *catalogue_.settings, catalogue::kOptionSection, catalogue::kWaitKey,
+        catalogue_.values->WaitForSimulator ? QStringLiteral("True") : QStringLiteral("False"));
+}
+
 // A window that fills the screen, or that was never shown, has no place of its own.
 WindowLayout frmPinball::CurrentLayout() const {
     WindowLayout layout = ReadLayout(*catalogue_.settings);
@@ -590,30 +712,3 @@ void frmPinball::RemoveWorkFiles() {
 }
 
 }  // namespace browser
-base::Status frmPinball::WriteOptions() {
-    return catalogue::WriteOwnSetting(
-        *catalogue_.settings, catalogue::kOptionSection, catalogue::kWaitKey,
-        catalogue_.values->WaitForSimulator ? QStringLiteral("True") : QStringLiteral("False"));
-}
-
-void frmPinball::CloseForGood() {
-    if (unloaded_) return;
-    if (const auto edit = details_->CurrentEdit()) {
-        const QString file = KeptEditFile(catalogue::CataloguePath(catalogue_));
-        catalogue::ShowError(prompts_, KeepEdit(file, *edit));
-    }
-    if (before_unload_) before_unload_();
-    Unload();
-    close();
-}
-
-void frmPinball::GoOnWithKeptEdit() {
-    const auto edit = TakeKeptEdit(KeptEditFile(catalogue::CataloguePath(catalogue_)));
-    if (!edit.ok()) return TellInPassing(edit.status());
-    if (!*edit) return;
-    if (tree_->SelectTableWithId((*edit)->record.fields[kId]))
-        details_->GoOnWith(**edit);
-    else
-        TellResult(QStringLiteral("The record that was being edited is not in the list"));
-}
-

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "browser/detail_panel.h"
+#include "browser/dropped_files.h"
 #include "browser/icon_list.h"
 #include "browser/main_menu.h"
 #include "browser/main_window_settings.h"
@@ -19,6 +20,7 @@
 #include <optional>
 
 class QLabel;
+class QMenu;
 class QSplitter;
 
 namespace browser {
@@ -56,19 +58,22 @@ public:
     // executable if none is set. Call after the window is shown.
     void AskForWhatIsMissing();
 
-    // Sets the actions that reach beyond this window; empty ones are not changed.
-    void SetActions(const CommandActions& actions);
-    void SetWelcomeActions(const WelcomeActions& actions);
     // Goes on with the edit that CloseForGood has kept, if there is one. Call after Load.
     void GoOnWithKeptEdit();
     // Closes the window without a question; an edit in progress is kept for the next start.
     void CloseForGood();
 
+    // Sets the actions that reach beyond this window; empty ones are not changed.
+    void SetActions(const CommandActions& actions);
+    void SetWelcomeActions(const WelcomeActions& actions);
     // Set how a table is played, and how the sound of the play button is played.
     void SetPlayTable(TreeController::PlayTable play);
     void SetPlaySound(launcher::PlayButton::Sound sound);
     // `captions` is asked each time the Edit menu opens.
     void SetUndoCaptions(std::function<UndoCaptions()> captions);
+    // `take` gets the table files and folders that are dropped on the window, one after the other,
+    // and says whether it could.
+    void SetTakeTables(std::function<bool(const QString& path)> take);
     // `unload` is called when the window closes, before the catalogue is closed.
     void SetBeforeUnload(std::function<void()> unload);
 
@@ -104,6 +109,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     base::Result<bool> CatalogueIsEmpty() const;
@@ -120,13 +127,6 @@ private:
     void ConnectEditMenu();
     CommandActions OwnActions();
     CommandActions FindActions();
-
-    // Steps of Load.
-    void RestoreWindow(const MainWindowSettings& settings);
-    void RestoreControls(const MainWindowSettings& settings);
-    void ShowCatalogue(const MainWindowSettings& settings);
-    void ShowWhetherReadOnly();
-    void SetTitle();
     MainWindowState StateForKeys() const;
     void CopyAsText();
     void CopyAsFile();
@@ -138,11 +138,19 @@ private:
     void Take(const DroppedFiles& dropped);
     void SetTabOrders();
 
+    // Steps of Load.
+    void RestoreWindow(const MainWindowSettings& settings);
+    void RestoreControls(const MainWindowSettings& settings);
+    void ShowCatalogue(const MainWindowSettings& settings);
+    void ShowWhetherReadOnly();
+    void SetTitle();
+
     // Steps of closing.
     bool QueryUnload();
     void Unload();
     MainWindowSettings CurrentSettings() const;
     WindowLayout CurrentLayout() const;
+    base::Status WriteOptions();
     void RemoveWorkFiles();
 
     void RestoreDefaultSize();
@@ -168,7 +176,6 @@ private:
     WelcomePage* welcome_ = nullptr;
     WelcomeActions welcome_actions_;
     QLabel* lblComments_ = nullptr;
-    base::Status WriteOptions();
     launcher::PlayButton* cmdPlay_ = nullptr;
     DetailPanel* details_ = nullptr;
     StatusPanels* status_ = nullptr;
@@ -176,6 +183,7 @@ private:
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;
     std::unique_ptr<FindController> find_;
+    std::function<bool(const QString&)> take_tables_;
     std::function<void()> before_unload_;
     std::function<UndoCaptions()> undo_captions_;
     bool unloaded_ = false;

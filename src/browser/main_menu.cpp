@@ -36,6 +36,8 @@ void MainMenu::Add(QMenu& menu, const MenuItem& item) {
     action->setCheckable(item.checkable);
     if (!item.shortcut.isEmpty())
         action->setShortcuts(QKeySequence::listFromString(item.shortcut.toString()));
+    // Of a key of the tree the menu shows only that there is one.
+    if (item.tree_only) action->setShortcutContext(Qt::WidgetShortcut);
     action->setEnabled(false);
     if (item.action == nullptr) return;  // a heading
     entries_.push_back({&item, action});

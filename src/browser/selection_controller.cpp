@@ -87,9 +87,8 @@ void SelectionController::KeepPlace(const std::optional<Selection>& before) {
     const bool is_same = before && before->filter_key == shown_->filter_key &&
                          before->filter_value == shown_->filter_value &&
                          before->comparison == shown_->comparison;
-    const QModelIndex node =
-        place_.Find(parts_.model, is_same ? TreePlace::Gone::kTakesTheNeighbour
-                                          : TreePlace::Gone::kTakesNone);
+    const QModelIndex node = place_.Find(parts_.model, is_same ? TreePlace::Gone::kTakesTheNeighbour
+                                                               : TreePlace::Gone::kTakesNone);
     if (!node.isValid()) return;
     place_.Select(parts_.tree, node);
     Q_EMIT PlaceKept(node);

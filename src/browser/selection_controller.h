@@ -45,8 +45,8 @@ public:
     SelectionController(const Parts& parts, std::function<void()> clear_details);
 
     // Shows the selection of the controls, with the same table selected as before; where the
-    // question is the same and the table is gone, its neighbour. For an invalid value the user gets a message, for a
-    // failure of the database the status bar shows it; the tree is empty then.
+    // question is the same and the table is gone, its neighbour. For an invalid value the user gets
+    // a message, for a failure of the database the status bar shows it; the tree is empty then.
     void RefreshTree();
     // Sets applied() without showing anything.
     void Remember(const AppliedSelection& saved) { applied_ = saved; }

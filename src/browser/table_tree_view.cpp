@@ -77,6 +77,19 @@ void TableTreeView::showEvent(QShowEvent* event) {
 void TableTreeView::keyPressEvent(QKeyEvent* event) {
     const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (is_enter && event->isAutoRepeat()) return;  // holding the key must not play again
+    const bool is_menu = event->key() == Qt::Key_Menu ||
+                         (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
+    if (is_menu) {
+        const QRect node = visualRect(currentIndex());
+        Q_EMIT MenuPressed(viewport()->mapToGlobal(node.bottomLeft()));
+        return;
+    }
+    if (event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
+        if (!event->isAutoRepeat()) Q_EMIT DeletePressed();
+        return;
+    }
+    // The view's own answer would be to copy the name.
+    if (event->matches(QKeySequence::Copy)) return event->ignore();
     const bool is_character = is_enter || !event->text().isEmpty();
     if (is_enter)
         Q_EMIT EnterPressed();

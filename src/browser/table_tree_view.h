@@ -22,6 +22,9 @@ Q_SIGNALS:
     void NodeClicked(const QModelIndex& index);
     void DoubleClicked();
     void EnterPressed();
+    void DeletePressed();
+    // The menu key, or Shift+F10; `global_position` is beside the selected node.
+    void MenuPressed(const QPoint& global_position);
     // After each key that is a character, Enter included.
     void KeyPressed();
     // The right button was released at `x_twips` from the left edge.

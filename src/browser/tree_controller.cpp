@@ -25,6 +25,8 @@ void TreeController::ConnectTree() {
     connect(tree, &TableTreeView::EnterPressed, this, [this] { PlaySelected(); });
     connect(tree, &TableTreeView::KeyPressed, this, &TreeController::KeyPress);
     connect(tree, &TableTreeView::RightButtonUp, this, &TreeController::ShowPopup);
+    connect(tree, &TableTreeView::MenuPressed, this,
+            [this](const QPoint& position) { ShowPopup(0, position); });
     const auto root_icon = [this](const QString& icon) {
         return [this, icon](const QModelIndex& index) {
             if (parts_.model.NodeNumber(index) == kRootNode) parts_.model.SetRootIcon(icon);
@@ -77,8 +79,6 @@ bool TreeController::SelectTable(const std::function<bool(const QString&)>& is_w
     return false;
 }
 
-void TreeController::NodeClick(const QModelIndex& index) {
-    const QString tag = TableTreeModel::Tag(index);
 bool TreeController::SelectTableWithId(const QString& id) {
     for (std::size_t table = 0; table < parts_.model.table_count(); ++table) {
         if (QString::number(parts_.model.Id(table)) != id) continue;
@@ -90,6 +90,8 @@ bool TreeController::SelectTableWithId(const QString& id) {
     return false;
 }
 
+void TreeController::NodeClick(const QModelIndex& index) {
+    const QString tag = TableTreeModel::Tag(index);
     if (tag == kRootTag) return;
     if (tag == kDetailTag) {
         parts_.details.ClearTableDetails();

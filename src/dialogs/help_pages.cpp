@@ -11,7 +11,7 @@ struct WindowPage {
     QStringView page;
 };
 
-constexpr std::array<WindowPage, 11> kWindowPages = {{
+constexpr std::array<WindowPage, 12> kWindowPages = {{
     {u"frmPinball", u"main-window.html"},
     {u"frmsearch", u"scan.html"},
     {u"frmReadVPT", u"table-information.html"},
@@ -23,6 +23,7 @@ constexpr std::array<WindowPage, 11> kWindowPages = {{
     {u"frmImport", u"import-launcher.html"},
     {u"frmAbout", u"about.html"},
     {u"RestoreDialog", u"snapshots.html"},
+    {u"frmKeys", u"keys.html"},
 }};
 
 const WindowPage* Find(const QString& window) {

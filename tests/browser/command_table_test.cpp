@@ -21,13 +21,13 @@ QStringList Lines(const MenuLayout& menu) {
     return lines;
 }
 
-TEST(CommandTableTest, TheBarHoldsSixMenusAndTheTreeOne) {
+TEST(CommandTableTest, TheBarHoldsSevenMenusAndTheTreeOne) {
     QStringList titles;
     for (const MenuLayout& menu : Menus())
         titles.append(menu.name.toString() + u' ' + menu.caption.toString());
     EXPECT_EQ(titles.join(u'\n').toStdString(),
               "mnuFile &File\nmnuUtilities &Utilities\nmnuOptions &Options\nmnuHelp &Help\n"
-              "mnuData &Data\nmnuEdit &Edit\nmnufavorites Popup");
+              "mnuData &Data\nmnuEdit &Edit\nmnuTable &Table\nmnufavorites Popup");
 }
 
 TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
@@ -76,6 +76,20 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuRestoreSnapshot &Restore...\n"
                                              "-\n"
                                              "mnuCompact &Compact...\n"
+                                             "mnuEditDetails &Edit Details\n"
+                                             "mnuSaveDetails &Save\n"
+                                             "mnuCancelEdit C&ancel\n"
+                                             "-\n"
+                                             "mnuDeleteTable &Delete...\n"
+                                             "-\n"
+                                             "mnuCopyText &Copy as Text\n"
+                                             "mnuCopyFile Copy as &File\n"
+                                             "mnuShowInFolder Show in F&older\n"
+                                             "-\n"
+                                             "mnuRefreshTree &Refresh Tree\n"
+                                             "mnuRandom Select One at Rando&m\n"
+                                             "-\n"
+                                             "mnuKeys &Keys...\n"
                                              "mnumnu Menu\n"
                                              "-\n"
                                              "mnuPlay &Play\n"
@@ -119,12 +133,26 @@ TEST(CommandTableTest, TheDefaultSizeIsForANormalWindowOnly) {
 
 TEST(CommandTableTest, NothingElseDependsOnTheWindow) {
     const MainWindowState state{.current_tab = 3, .window_is_normal = false};
+    const EnabledWhen of_an_edit = EnabledWhen::kRecordIsChanged;
     QStringList refused;
     for (const MenuLayout& menu : Menus())
         for (const MenuItem& item : menu.items)
-            if (!IsAllowed(item.enabled_when, state)) refused.append(item.name.toString());
+            if (item.enabled_when != of_an_edit && !IsAllowed(item.enabled_when, state))
+                refused.append(item.name.toString());
     EXPECT_EQ(refused.join(u' ').toStdString(),
               "mnuDates mnuRest mnuSize mnuImportTables mnuRestoreSnapshot");
+}
+
+TEST(CommandTableTest, AnEditAllowsToEndItAndNothingThatWouldLoseIt) {
+    MainWindowState state{.record_is_shown = true, .record_is_changed = true};
+    for (const QStringView item : {u"mnuSaveDetails", u"mnuCancelEdit"})
+        EXPECT_TRUE(IsOffered(item, state));
+    for (const QStringView item : {u"mnuEditDetails", u"mnuDeleteTable", u"mnuRefreshTree"})
+        EXPECT_FALSE(IsOffered(item, state));
+    state = {.record_is_shown = false, .record_is_changed = false};
+    for (const QStringView item : {u"mnuSaveDetails", u"mnuCancelEdit", u"mnuDeleteTable"})
+        EXPECT_FALSE(IsOffered(item, state));
+    EXPECT_TRUE(IsOffered(u"mnuRefreshTree", state));
 }
 
 // An action without a command would never run.

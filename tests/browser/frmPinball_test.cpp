@@ -4,9 +4,9 @@
 #include "support/wait_for.h"
 
 #include <QtGui/QKeyEvent>
+#include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
-#include <QtGui/QScreen>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QTabWidget>
@@ -283,8 +283,8 @@ TEST_F(MainWindowWithTables, ACatalogueThatFailsInARefreshIsSaidInTheStatusBar) 
     Press(u"cmdGo");
     EXPECT_EQ(Tree()->model()->rowCount(), 0);
     EXPECT_EQ(Panel(1), QString());
-    EXPECT_TRUE(Panel(2).startsWith(S(u"The tables cannot be read from ") + DatabasePath() +
-                                    S(u": ")))
+    EXPECT_TRUE(
+        Panel(2).startsWith(S(u"The tables cannot be read from ") + DatabasePath() + S(u": ")))
         << Panel(2).toStdString();
     EXPECT_TRUE(prompts.messages.empty());
 }
@@ -294,9 +294,8 @@ TEST_F(MainWindowWithTables, ACatalogueForReadingOnlyShowsASign) {
     auto* sign = Find<QLabel>(u"lblReadOnly");
     EXPECT_FALSE(sign->isVisible());
     ASSERT_TRUE(connection->Close().ok());
-    ASSERT_TRUE(connection
-                    ->Open((S(u"Mode=Read;Data Source=") + DatabasePath()).toStdU16String())
-                    .ok());
+    ASSERT_TRUE(
+        connection->Open((S(u"Mode=Read;Data Source=") + DatabasePath()).toStdU16String()).ok());
     window->RefreshTree();
     EXPECT_TRUE(sign->isVisible());
     EXPECT_EQ(sign->text(), S(u"Read-only"));

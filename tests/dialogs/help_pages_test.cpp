@@ -24,6 +24,7 @@ TEST(HelpPagesTest, EveryWindowsPageIsAmongTheSourcesOfTheHelpFile) {
         {"frmImport", "import-launcher.html"},
         {"frmAbout", "about.html"},
         {"RestoreDialog", "snapshots.html"},
+        {"frmKeys", "keys.html"},
     };
     QStringList windows;
     for (const auto& [window, page] : pages) {

@@ -73,7 +73,8 @@ TEST_F(FrmSearchTest, AScanAddsTheTablesAndReportsTheirNumber) {
 
 TEST_F(FrmSearchTest, WhatCouldNotBeAddedIsKnownAfterwards) {
     Build(QStringLiteral("one.vpt"), VptBuilder().Filler(1000));
-    const QString deep = QStringLiteral("a").repeated(200) + u'/' + QStringLiteral("b").repeated(200);
+    const QString deep =
+        QStringLiteral("a").repeated(200) + u'/' + QStringLiteral("b").repeated(200);
     ASSERT_TRUE(QDir(tables.path()).mkpath(deep));
     const QString path = Build(deep + QStringLiteral("/long.vpt"), VptBuilder().Filler(1000));
     dialog->show();

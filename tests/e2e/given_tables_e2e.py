@@ -47,6 +47,17 @@ def from_behind(desktop, program, folder, tables):
     selected(program, "Second")
 
 
+def with_nothing(desktop, program, folder):
+    """A second start with nothing to give brings the window back from the task bar."""
+    window = program.main_window()
+    desktop.xdotool("windowminimize", window["id"])
+    wait_for(lambda: desktop.active_window() != window["id"], "the window to go")
+    done = subprocess.run([BUILD / "bin" / "tavolo", "--folder", folder], env=dict(desktop.env, QT_QPA_PLATFORM="xcb"),
+                          capture_output=True, text=True, timeout=60)
+    check_equal((done.returncode, done.stderr), (0, ""), "the second start with nothing")
+    wait_for(lambda: desktop.active_window() == window["id"], "the window to be in front")
+
+
 def behind_a_dialog(desktop, program, folder, tables):
     """What is handed over waits until the dialog is closed."""
     program.menu("mnuHelp", "mnuAbout")
@@ -94,6 +105,7 @@ def main():
         with Tavolo(desktop, folder, [str(tables / "First.vpt")]) as program:
             at_the_start(program)
             from_behind(desktop, program, folder, tables)
+            with_nothing(desktop, program, folder)
             behind_a_dialog(desktop, program, folder, tables)
             without_an_answer(desktop, program, folder, tables)
             wait_for(lambda: len(export_rows(folder / "pinball.mdb")) == 5, "the rows in the catalogue's file")

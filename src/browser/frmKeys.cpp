@@ -1,0 +1,41 @@
+#include "browser/frmKeys.h"
+
+#include "browser/key_sheet.h"
+#include "widgets/window_place.h"
+
+#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QTreeWidget>
+#include <QtWidgets/QVBoxLayout>
+
+namespace browser {
+
+frmKeys::frmKeys(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("frmKeys"));
+    setWindowTitle(QStringLiteral("Keys"));
+    auto* list = new QTreeWidget(this);
+    list->setObjectName(QStringLiteral("lstKeys"));
+    list->setAccessibleName(windowTitle());
+    list->setHeaderLabels(
+        {QStringLiteral("Key"), QStringLiteral("Where"), QStringLiteral("What it does")});
+    list->setRootIsDecorated(false);
+    list->setUniformRowHeights(true);
+    for (const KeyLine& line : KeySheet())
+        list->addTopLevelItem(new QTreeWidgetItem({line.keys, line.where, line.what}));
+    list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    auto* close = new QPushButton(QStringLiteral("&Close"), this);
+    close->setObjectName(QStringLiteral("cmdClose"));
+    close->setDefault(true);
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(close);
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(list, 1);
+    column->addLayout(buttons);
+    resize(fontMetrics().averageCharWidth() * 120, fontMetrics().lineSpacing() * 34);
+    widgets::FitToScreen(*this);
+}
+
+}  // namespace browser
