@@ -32,7 +32,7 @@ public:
         return dialog.file_name;
     }
     QString ChooseFileToSave(const platform::FileDialog&) override { return {}; }
-    QString ChooseFolder(const QString&) override { return {}; }
+    QString ChooseFolder(const QString&, const QString&) override { return {}; }
 };
 
 class NoEvents final : public platform::UserEvents {

@@ -9,7 +9,7 @@ namespace app {
 namespace {
 
 // Nothing tells when a command or a dialog has ended.
-constexpr int kAskAgainMs = 50;
+constexpr int kTryAgainMs = 50;
 
 }  // namespace
 
@@ -20,7 +20,7 @@ SessionEnd::SessionEnd(std::function<bool()> is_busy, std::function<void()> end)
 
 void SessionEnd::Request() {
     if (has_ended_) return;
-    timer_.start(kAskAgainMs);
+    timer_.start(kTryAgainMs);
     Try();
 }
 

@@ -13,7 +13,7 @@ namespace browser {
 namespace {
 
 // Far more than any notes and rules that are typed.
-constexpr qint64 kMostBytes = 64 << 20;
+constexpr qint64 kMaxBytes = 64 << 20;
 
 QString Name(std::size_t field) {
     return QString::number(field);
@@ -49,7 +49,7 @@ base::Result<std::optional<KeptEdit>> TakeKeptEdit(const QString& file) {
         if (!platform::OpenFile(opened, file, QIODevice::ReadOnly))
             return base::Status(base::StatusCode::kIoError,
                                 file.toStdString() + ": " + opened.errorString().toStdString());
-        bytes = opened.read(kMostBytes);
+        bytes = opened.read(kMaxBytes);
     }
     platform::RemoveFile(file);
     const QJsonObject all = QJsonDocument::fromJson(bytes).object();

@@ -1,6 +1,6 @@
 // KeptEdit: an edit that was in progress when the system ended the program, in a file beside the
 // catalogue until the next start, which goes on with it. The file may be lost without harm to the
-// catalogue. Format: JSON, the texts by the columns' names; a few hundred bytes and the texts.
+// catalogue. Format: JSON, the texts by the numbers of the detail fields.
 #pragma once
 
 #include "base/status.h"

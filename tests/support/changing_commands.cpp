@@ -61,7 +61,7 @@ public:
     QString ChooseFileToSave(const platform::FileDialog& dialog) override {
         return dialog.file_name;
     }
-    QString ChooseFolder(const QString&) override { return {}; }
+    QString ChooseFolder(const QString&, const QString&) override { return {}; }
 };
 
 class NoDisplay final : public maintenance::ImportDisplay {
@@ -199,7 +199,7 @@ void TablesFolder::MakeCatalogue() const {
     Require(connection.Open(u"Data Source=" + database().toStdU16String()));
     platform::SystemClock clock;
     catalogue::Catalogue made{&connection, &values, nullptr, &clock};
-    catalogue::UpgradeCatalogue(made);
+    Require(catalogue::UpgradeCatalogue(made));
     for (int i = 1; i <= rows_; ++i) {
         const QString sql =
             QStringLiteral("INSERT INTO Tables (DisplayName, FileName, Author, Notes, RulesText, "

@@ -17,12 +17,12 @@ QString ProgramFolder() {
     return DecodeFileName(program.parent_path().native());
 }
 
-// QStandardPaths would decode the variables in the locale's character set, which has not all names.
-// Source: the XDG base directories, freedesktop.org.
 QString PicturesFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
 }
 
+// QStandardPaths would decode the variables in the locale's character set, which has not all names.
+// Source: the XDG base directories, freedesktop.org.
 QString UserDataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
     const char* home = std::getenv("HOME");

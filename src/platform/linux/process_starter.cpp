@@ -20,10 +20,10 @@ namespace {
 
 // What the first line of a script names as its interpreter; empty: it is none.
 QString InterpreterOf(const QString& program) {
-    constexpr qint64 kMostBytes = 512;  // the kernel reads fewer
+    constexpr qint64 kMaxBytes = 512;  // the kernel reads fewer
     QFile file;
     if (!OpenFile(file, program, QIODevice::ReadOnly)) return {};
-    const QByteArray line = file.readLine(kMostBytes);
+    const QByteArray line = file.readLine(kMaxBytes);
     if (!line.startsWith("#!")) return {};
     return QFile::decodeName(line.mid(2).trimmed().replace('\t', ' ').split(' ').constFirst());
 }
