@@ -14,7 +14,7 @@ public:
     }
     QString ChooseFileToOpen(const platform::FileDialog&) override { return {}; }
     QString ChooseFileToSave(const platform::FileDialog&) override { return {}; }
-    QString ChooseFolder(const QString&) override { return {}; }
+    QString ChooseFolder(const QString&, const QString&) override { return {}; }
 };
 
 }  // namespace
