@@ -21,11 +21,9 @@ DroppedFiles DroppedFilesOf(const QMimeData& data) {
     for (const QUrl& url : data.urls()) {
         if (!url.isLocalFile()) continue;
         const QString path = platform::AbsolutePath(url.toLocalFile());
-        if (platform::FolderExists(path)) {
-            dropped.tables.append(path);
-        } else if (!platform::FileExists(path)) {
-            continue;
-        } else if (HasExtension(path, {u".vpt"})) {
+        const bool is_folder = platform::FolderExists(path);
+        if (!is_folder && !platform::FileExists(path)) continue;
+        if (is_folder || HasExtension(path, {u".vpt"})) {
             dropped.tables.append(path);
         } else if (HasExtension(path, {u".bmp", u".jpg", u".jpeg", u".gif"})) {
             if (dropped.picture.isEmpty()) dropped.picture = path;

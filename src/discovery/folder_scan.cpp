@@ -130,8 +130,7 @@ base::Status FolderScan::HandleFile(const QString& path) {
     ASSIGN_OR_RETURN(const bool is_known, known_.Contains(path));
     if (is_known) return {};
     const auto checksum_text = ChecksumOf(path);
-    const base::Status stored =
-        checksum_text.ok() ? Store(path, *checksum_text) : checksum_text.status();
+    base::Status stored = checksum_text.ok() ? Store(path, *checksum_text) : checksum_text.status();
     if (stored.ok() || (checksum_text.ok() && !catalogue::IsValueTrouble(stored))) return stored;
     passed_over_.Note(path, stored);
     return {};
