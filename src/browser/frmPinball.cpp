@@ -4,29 +4,20 @@
 #include "browser/find_controller.h"
 #include "browser/frmKeys.h"
 #include "browser/order_bar.h"
-#include "browser/recent_tables.h"
-#include "browser/row_clipboard.h"
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
+#include "browser/table_commands.h"
 #include "browser/wait_until_shown.h"
 #include "browser/welcome_page.h"
 #include "catalogue/error_report.h"
 #include "catalogue/filter_kinds.h"
-#include "catalogue/last_folders.h"
 #include "catalogue/process_values.h"
-#include "catalogue/program_files.h"
 #include "catalogue/selection.h"
 #include "catalogue/start_up.h"
 #include "dialogs/program_version.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
-#include "platform/application_folder.h"
-#include "platform/files.h"
-#include "widgets/window_place.h"
 
-#include <QtCore/QRandomGenerator>
-#include <QtGui/QClipboard>
-#include <QtGui/QCloseEvent>
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
@@ -151,7 +142,18 @@ void frmPinball::CreateControllers() {
     connect(selection_.get(), &SelectionController::PlaceKept, this,
             [this](const QModelIndex& node) { tree_->ShowNode(node); });
     CreateFind();
+    CreateTableCommands();
     ConnectWelcome();
+}
+
+void frmPinball::CreateTableCommands() {
+    table_commands_ = std::make_unique<TableCommands>(
+        TableCommands::Parts{catalogue_, model_, *tvwDB_, *menu_},
+        TableCommands::Actions{[this](const QModelIndex& node) { tree_->ShowNode(node); },
+                               [this](const QString& id) { SelectTableWithId(id); },
+                               [this] { return !details_->record_changed(); },
+                               [this](const QString& text) { TellResult(text); },
+                               [this](const base::Status& failure) { ShowFailure(failure); }});
 }
 
 void frmPinball::ConnectWelcome() {
@@ -222,37 +224,11 @@ CommandActions frmPinball::OwnActions() {
         .cancel_edit = [this] { details_->Cancel(); },
         .delete_table = [this] { details_->Delete(); },
         .refresh_tree = [this] { RefreshTree(); },
-        .copy_as_text = [this] { CopyAsText(); },
-        .copy_file = [this] { CopyAsFile(); },
-        .select_random = [this] { SelectRandomTable(); },
+        .copy_as_text = [this] { table_commands_->CopyAsText(); },
+        .copy_file = [this] { table_commands_->CopyAsFile(); },
+        .select_random = [this] { table_commands_->SelectRandomTable(); },
         .show_keys = [this] { frmKeys(this).exec(); },
     };
-}
-
-void frmPinball::CopyAsText() {
-    const auto tables = TablesOf(model_, tvwDB_->currentIndex());
-    if (!tables.empty()) QGuiApplication::clipboard()->setText(RowsAsText(model_, tables));
-}
-
-void frmPinball::CopyAsFile() {
-    const auto tables = TablesOf(model_, tvwDB_->currentIndex());
-    if (tables.empty()) return;
-    if (auto files = RowsAsFiles(model_, tables))
-        QGuiApplication::clipboard()->setMimeData(files.release());
-    else
-        TellResult(QStringLiteral("There is no table file to copy"));
-}
-
-// Not the one that is selected already, where there is another.
-void frmPinball::SelectRandomTable() {
-    const auto tables = static_cast<quint32>(model_.table_count());
-    if (tables == 0) return;
-    auto chosen = static_cast<std::size_t>(QRandomGenerator::global()->bounded(tables));
-    if (tables > 1 && model_.TableOfNode(tvwDB_->currentIndex()) == chosen)
-        chosen = (chosen + 1) % tables;
-    const QModelIndex node = model_.IndexOfTable(chosen);
-    tvwDB_->SelectNode(node);
-    tree_->ShowNode(node);
 }
 
 // Connects buttons and menus to the commands; eventFilter does it for keys.
@@ -280,33 +256,6 @@ void frmPinball::ConnectCommands() {
         });
     menu_->ApplyRules(StateForKeys());
     ConnectEditMenu();
-    AddRecentMenu();
-}
-
-// Before the last entries of the menu; asked for each time it opens.
-void frmPinball::AddRecentMenu() {
-    QMenu* const table_menu = menu_->Menu(kTableMenu);
-    auto* const recent = new QMenu(QStringLiteral("Recently &Played"), table_menu);
-    recent->setObjectName(QStringLiteral("mnuRecent"));
-    table_menu->insertMenu(table_menu->findChild<QAction*>(QStringLiteral("mnuRandom")), recent);
-    connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
-}
-
-void frmPinball::FillRecentMenu(QMenu& menu) {
-    menu.clear();
-    const auto tables = RecentTables(*catalogue_.CatalogueConnection);
-    if (!tables.ok()) ShowFailure(tables.status());
-    if (!tables.ok() || tables->empty())
-        menu.addAction(QStringLiteral("None was played yet"))->setEnabled(false);
-    if (!tables.ok()) return;
-    for (const RecentTable& table : *tables) {
-        QString caption = table.display_name;
-        caption.replace(u'&', QLatin1String("&&"));
-        QAction* const action = menu.addAction(caption);
-        action->setEnabled(!details_->record_changed());
-        connect(action, &QAction::triggered, this,
-                [this, id = table.id] { SelectTableWithId(id); });
-    }
 }
 
 void frmPinball::SelectTableWithId(const QString& id) {
@@ -375,49 +324,11 @@ void frmPinball::SetTitle() {
                    QStringLiteral(" - RC 1"));
 }
 
-void frmPinball::Load() {
-    const MainWindowSettings settings = ReadSettings(*catalogue_.settings);
-    RestoreWindow(settings);
-    RestoreControls(settings);
-    ShowWhetherReadOnly();
-    ShowCatalogue(settings);
-}
-
 // Not only at the start: the file may have been exchanged.
 void frmPinball::ShowWhetherReadOnly() {
     const jet::Database* const database = catalogue_.CatalogueConnection->database();
     const bool is_read_only = database != nullptr && database->read_only();
     status_->ShowReadOnly(is_read_only ? catalogue::CataloguePath(catalogue_) : QString());
-}
-
-void frmPinball::RestoreWindow(const MainWindowSettings& settings) {
-    resize(ToPixels(settings.width_twips), ToPixels(settings.height_twips));
-    const WindowLayout layout = ReadLayout(*catalogue_.settings);
-    if (layout.position)
-        move(widgets::OnAScreen(QRect(*layout.position, size()), widgets::Screens()));
-    widgets::FitToScreen(*this);
-    if (!layout.splitter.isEmpty()) splitter_->setSizes(layout.splitter);
-    if (settings.window_state == WindowState::kMaximised)
-        setWindowState(windowState() | Qt::WindowMaximized);
-}
-
-void frmPinball::RestoreControls(const MainWindowSettings& settings) {
-    order_bar_->SetDirection(settings.direction);
-    order_bar_->SetOrderCaption(settings.order_by);
-    tree_->SetSelectedNodeIndex(settings.last_play);
-    filter_bar_->SetComparison(settings.comparison);
-    selection_->Remember({settings.filter, settings.sub, settings.comparison});
-    catalogue_.values->SoundOn = settings.sound;
-    catalogue_.values->MinimiseOnPlay = settings.minimise;
-    catalogue_.values->LastPictureDir = settings.last_picture_folder;
-    catalogue_.values->last_folders = catalogue::ReadLastFolders(*catalogue_.settings);
-    menu_->SetChecked(&CommandActions::toggle_minimise_on_play, settings.minimise);
-    menu_->SetChecked(&CommandActions::toggle_sound, settings.sound);
-    catalogue_.values->WaitForSimulator =
-        catalogue::ReadOwnSetting(*catalogue_.settings, catalogue::kOptionSection,
-                                  catalogue::kWaitKey) == u"True";
-    menu_->SetChecked(&CommandActions::toggle_wait, catalogue_.values->WaitForSimulator);
-    details_->SetCurrentTab(settings.last_tab);
 }
 
 void frmPinball::ShowCatalogue(const MainWindowSettings& settings) {
@@ -608,107 +519,6 @@ void frmPinball::Take(const DroppedFiles& dropped) {
             details_->TakeFile(is_text ? dropped.text : dropped.picture, is_text);
         !taken.ok())
         catalogue::ShowError(prompts_, taken);
-}
-
-void frmPinball::closeEvent(QCloseEvent* event) {
-    if (unloaded_) return;
-    if (!QueryUnload()) {
-        event->ignore();
-        return;
-    }
-    Unload();
-    event->accept();
-}
-
-void frmPinball::CloseForGood() {
-    if (unloaded_) return;
-    if (const auto edit = details_->CurrentEdit()) {
-        const QString file = KeptEditFile(catalogue::CataloguePath(catalogue_));
-        catalogue::ShowError(prompts_, KeepEdit(file, *edit));
-    }
-    if (before_unload_) before_unload_();
-    Unload();
-    close();
-}
-
-void frmPinball::GoOnWithKeptEdit() {
-    const auto edit = TakeKeptEdit(KeptEditFile(catalogue::CataloguePath(catalogue_)));
-    if (!edit.ok()) return TellInPassing(edit.status());
-    if (!*edit) return;
-    if (tree_->SelectTableWithId((*edit)->record.fields[kId]))
-        details_->GoOnWith(**edit);
-    else
-        TellResult(QStringLiteral("The record that was being edited is not in the list"));
-}
-
-bool frmPinball::QueryUnload() {
-    if (filter_bar_->TakesValue()) {
-        const auto wrong =
-            catalogue::InvalidFilterValue(filter_bar_->FilterKey(), filter_bar_->FilterValue());
-        if (wrong) {
-            prompts_.Ask({*wrong, {}, platform::MessageIcon::kInformation});
-            filter_bar_->FocusValue();
-            return false;
-        }
-    }
-    if (!menu_->IsMenuEnabled(kFileMenu)) return false;
-    if (before_unload_) before_unload_();
-    return true;
-}
-
-void frmPinball::Unload() {
-    unloaded_ = true;
-    const base::Status closed = catalogue_.CatalogueConnection->Close();
-    base::Status stored = WriteSettings(*catalogue_.settings, CurrentSettings());
-    for (const base::Status& own :
-         {WriteLayout(*catalogue_.settings, CurrentLayout()), WriteOptions(),
-          catalogue::WriteLastFolders(*catalogue_.settings, catalogue_.values->last_folders)})
-        if (stored.ok()) stored = own;
-    RemoveWorkFiles();
-    catalogue::ShowError(prompts_, closed);
-    catalogue::ShowError(prompts_, stored);
-}
-
-MainWindowSettings frmPinball::CurrentSettings() const {
-    MainWindowSettings settings;
-    settings.window_state = isMinimized()   ? WindowState::kMinimised
-                            : isMaximized() ? WindowState::kMaximised
-                                            : WindowState::kNormal;
-    settings.width_twips = ToTwips(width());
-    settings.height_twips = ToTwips(height());
-    settings.scale_height_twips = ToTwips(height() - menuBar()->height());
-    settings.direction = order_bar_->Direction();
-    settings.order_by = order_bar_->OrderCaption();
-    settings.last_play = tree_->SelectedNodeIndex();
-    settings.filter = filter_bar_->FilterKey();
-    settings.sub = filter_bar_->FilterValue();
-    settings.comparison = selection_->applied().CurrentOperator;
-    settings.sound = catalogue_.values->SoundOn;
-    settings.minimise = catalogue_.values->MinimiseOnPlay;
-    settings.last_tab = details_->CurrentTab();
-    settings.last_picture_folder = catalogue_.values->LastPictureDir;
-    return settings;
-}
-
-base::Status frmPinball::WriteOptions() {
-    return catalogue::WriteOwnSetting(
-        *catalogue_.settings, catalogue::kOptionSection, catalogue::kWaitKey,
-        catalogue_.values->WaitForSimulator ? QStringLiteral("True") : QStringLiteral("False"));
-}
-
-// A window that fills the screen, or that was never shown, has no place of its own.
-WindowLayout frmPinball::CurrentLayout() const {
-    WindowLayout layout = ReadLayout(*catalogue_.settings);
-    if (IsNormal() && testAttribute(Qt::WA_WState_Created)) layout.position = pos();
-    layout.splitter = splitter_->sizes();
-    return layout;
-}
-
-// Removes the files that the capture window leaves.
-void frmPinball::RemoveWorkFiles() {
-    for (const QString& name :
-         {catalogue::kTemporaryJpeg.toString(), catalogue::kTemporaryBitmap.toString()})
-        platform::RemoveFile(platform::FileIn(catalogue_.values->ApplicationFolder, name));
 }
 
 }  // namespace browser

@@ -1,5 +1,6 @@
 // frmPinball: the main window: filter and order bars, the tree of tables with the detail panel
-// beside it, menus and status bar. This class creates the parts and connects them.
+// beside it, menus and status bar. This class creates the parts and connects them; what it restores
+// and stores from start to start stands in frmPinball_restore.cpp.
 #pragma once
 
 #include "browser/detail_panel.h"
@@ -20,7 +21,6 @@
 #include <optional>
 
 class QLabel;
-class QMenu;
 class QSplitter;
 
 namespace browser {
@@ -30,6 +30,7 @@ class FindController;
 class OrderBar;
 class SelectionController;
 class StatusPanels;
+class TableCommands;
 class WelcomePage;
 
 // What the page of an empty catalogue offers beside the scan.
@@ -120,6 +121,7 @@ private:
     QWidget* CreateTreePane();
     void CreateControllers();
     void CreateFind();
+    void CreateTableCommands();
     void ConnectWelcome();
     // The tree, or the page in its place.
     void ShowTreeOrWelcome();
@@ -128,11 +130,6 @@ private:
     CommandActions OwnActions();
     CommandActions FindActions();
     MainWindowState StateForKeys() const;
-    void CopyAsText();
-    void CopyAsFile();
-    void SelectRandomTable();
-    void AddRecentMenu();
-    void FillRecentMenu(QMenu& menu);
     // With the filter "All" if it must be.
     void SelectTableWithId(const QString& id);
     void Take(const DroppedFiles& dropped);
@@ -183,6 +180,7 @@ private:
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;
     std::unique_ptr<FindController> find_;
+    std::unique_ptr<TableCommands> table_commands_;
     std::function<bool(const QString&)> take_tables_;
     std::function<void()> before_unload_;
     std::function<UndoCaptions()> undo_captions_;

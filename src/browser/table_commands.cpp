@@ -1,0 +1,73 @@
+#include "browser/table_commands.h"
+
+#include "browser/command_table.h"
+#include "browser/main_menu.h"
+#include "browser/recent_tables.h"
+#include "browser/row_clipboard.h"
+#include "browser/table_tree_model.h"
+#include "browser/table_tree_view.h"
+
+#include <QtCore/QRandomGenerator>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
+#include <QtWidgets/QMenu>
+
+namespace browser {
+
+TableCommands::TableCommands(const Parts& parts, Actions actions)
+    : parts_(parts), actions_(std::move(actions)) {
+    AddRecentMenu();
+}
+
+void TableCommands::CopyAsText() {
+    const auto tables = TablesOf(parts_.model, parts_.tree.currentIndex());
+    if (!tables.empty()) QGuiApplication::clipboard()->setText(RowsAsText(parts_.model, tables));
+}
+
+void TableCommands::CopyAsFile() {
+    const auto tables = TablesOf(parts_.model, parts_.tree.currentIndex());
+    if (tables.empty()) return;
+    if (auto files = RowsAsFiles(parts_.model, tables))
+        QGuiApplication::clipboard()->setMimeData(files.release());
+    else
+        actions_.tell(QStringLiteral("There is no table file to copy"));
+}
+
+void TableCommands::SelectRandomTable() {
+    const auto tables = static_cast<quint32>(parts_.model.table_count());
+    if (tables == 0) return;
+    auto chosen = static_cast<std::size_t>(QRandomGenerator::global()->bounded(tables));
+    if (tables > 1 && parts_.model.TableOfNode(parts_.tree.currentIndex()) == chosen)
+        chosen = (chosen + 1) % tables;
+    const QModelIndex node = parts_.model.IndexOfTable(chosen);
+    parts_.tree.SelectNode(node);
+    actions_.show_node(node);
+}
+
+// Before the last entries of the menu; asked for each time it opens.
+void TableCommands::AddRecentMenu() {
+    QMenu* const table_menu = parts_.menu.Menu(kTableMenu);
+    auto* const recent = new QMenu(QStringLiteral("Recently &Played"), table_menu);
+    recent->setObjectName(QStringLiteral("mnuRecent"));
+    table_menu->insertMenu(table_menu->findChild<QAction*>(QStringLiteral("mnuRandom")), recent);
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
+}
+
+void TableCommands::FillRecentMenu(QMenu& menu) {
+    menu.clear();
+    const auto tables = RecentTables(*parts_.catalogue.CatalogueConnection);
+    if (!tables.ok()) actions_.tell_failure(tables.status());
+    if (!tables.ok() || tables->empty())
+        menu.addAction(QStringLiteral("None was played yet"))->setEnabled(false);
+    if (!tables.ok()) return;
+    for (const RecentTable& table : *tables) {
+        QString caption = table.display_name;
+        caption.replace(u'&', QLatin1String("&&"));
+        QAction* const action = menu.addAction(caption);
+        action->setEnabled(actions_.may_select());
+        connect(action, &QAction::triggered, this,
+                [this, id = table.id] { actions_.select_table_with_id(id); });
+    }
+}
+
+}  // namespace browser
