@@ -67,7 +67,7 @@ int main(int argc, char** argv) {
     const int rounds = bench::NumberOption(argc, argv, "--rounds", 5);
     const auto files = platform::MakeFileSystem();
     platform::SystemClock clock;
-    bench::NoSettings settings;
+    platform::NoSettings settings;
     catalogue::ProcessValues values;
     values.ApplicationFolder = words[at + 1];
     jet::Connection connection(*files);

@@ -23,18 +23,6 @@
 
 namespace bench {
 
-class NoSettings final : public platform::SettingsStore {
-public:
-    QString GetSetting(const QString&, const QString&, const QString&,
-                       const QString& fallback) override {
-        return fallback;
-    }
-    base::Status SaveSetting(const QString&, const QString&, const QString&,
-                             const QString&) override {
-        return {};
-    }
-};
-
 class BenchCatalogue {
 public:
     BenchCatalogue() {
@@ -56,7 +44,7 @@ private:
     std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
     jet::Connection connection_{*files_};
     platform::SystemClock clock_;
-    NoSettings settings_;
+    platform::NoSettings settings_;
     catalogue::ProcessValues values_;
     catalogue::Catalogue catalogue_;
 };

@@ -29,7 +29,7 @@ void RunOnce(const TablesFolder& folder, const ChangingCommand& command, bool re
     const auto files = platform::MakeFileSystem();
     history::HistoryFile history(*files, folder.database().toStdU16String());
     platform::SystemClock clock;
-    bench::NoSettings settings;
+    platform::NoSettings settings;
     catalogue::ProcessValues values;
     values.ApplicationFolder = folder.folder();
     jet::Connection connection(*files);

@@ -39,7 +39,7 @@ inline QString RowValues(const QString& root, int i) {
 inline void MakeManyTables(const QString& folder, const QString& root, int tables) {
     const auto files = platform::MakeFileSystem();
     platform::SystemClock clock;
-    NoSettings settings;
+    platform::NoSettings settings;
     catalogue::ProcessValues values;
     values.ApplicationFolder = folder;
     Require(catalogue::CreateEmptyCatalogue(

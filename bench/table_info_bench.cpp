@@ -159,18 +159,6 @@ void Run(Contender& contender, const QStringList& paths) {
     contender.best_seconds = std::min(contender.best_seconds, took.count());
 }
 
-class NoSettings final : public platform::SettingsStore {
-public:
-    QString GetSetting(const QString&, const QString&, const QString&,
-                       const QString& fallback) override {
-        return fallback;
-    }
-    base::Status SaveSetting(const QString&, const QString&, const QString&,
-                             const QString&) override {
-        return {};
-    }
-};
-
 // A catalogue whose rows name the files in turn.
 class BenchCatalogue {
 public:
@@ -194,7 +182,7 @@ private:
     std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
     jet::Connection connection_{*files_};
     platform::SystemClock clock_;
-    NoSettings settings_;
+    platform::NoSettings settings_;
     catalogue::ProcessValues values_;
 
 public:

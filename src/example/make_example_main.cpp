@@ -39,18 +39,6 @@ public:
     QDateTime Now() override { return QDateTime(QDate(2026, 5, 17), QTime(12, 0), Qt::UTC); }
 };
 
-class NoSettings final : public platform::SettingsStore {
-public:
-    QString GetSetting(const QString&, const QString&, const QString&,
-                       const QString& fallback) override {
-        return fallback;
-    }
-    base::Status SaveSetting(const QString&, const QString&, const QString&,
-                             const QString&) override {
-        return {};
-    }
-};
-
 QString Text(std::u16string_view text) {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -195,7 +183,7 @@ private:
     QString folder_;
     std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
     FixedClock clock_;
-    NoSettings settings_;
+    platform::NoSettings settings_;
     catalogue::ProcessValues values_;
     jet::Connection connection_{*files_, [this] { return catalogue::ToOleDate(clock_.Now()); }};
     catalogue::Catalogue catalogue_;

@@ -22,6 +22,19 @@ public:
                                      const QString& key, const QString& value) = 0;
 };
 
+// Stores nothing: for programs that must not depend on their user's settings.
+class NoSettings final : public SettingsStore {
+public:
+    QString GetSetting(const QString&, const QString&, const QString&,
+                       const QString& fallback) override {
+        return fallback;
+    }
+    base::Status SaveSetting(const QString&, const QString&, const QString&,
+                             const QString&) override {
+        return {};
+    }
+};
+
 // The settings in `folder`, or the user's own if that is empty.
 std::unique_ptr<SettingsStore> MakeSettingsStore(const QString& folder = {});
 
