@@ -45,11 +45,39 @@ void ChangeIndex::Count(const jet::NotedRow& row, const jet::NoteTable& table, C
             std::ranges::count_if(row.cells, [](const jet::NotedRow::Cell& cell) {
                 return !jet::SameCell(cell.before, cell.after);
             }));
-    if (!met_.insert(KeyHash(row, table)).second) return;
     auto known = std::ranges::find(change.tables, table.name, &Change::TableCount::table);
-    if (known == change.tables.end())
+    if (known == change.tables.end()) {
         known = change.tables.insert(known, Change::TableCount{table.name, 0});
-    ++known->rows;
+        met_.emplace_back();
+    }
+    met_[static_cast<std::size_t>(known - change.tables.begin())].Add(KeyHash(row, table));
+}
+
+// Rows that are changed again and again take no more memory than twice that of all rows, or 8 MB.
+void ChangeIndex::MetRows::Add(std::uint64_t hash) {
+    constexpr std::size_t kUnsettled = 1U << 20;
+    if (hashes.size() >= std::max(kUnsettled, 2 * sorted)) Settle();
+    hashes.push_back(hash);
+}
+
+void ChangeIndex::MetRows::Settle() {
+    if (sorted == hashes.size()) return;
+    std::ranges::sort(hashes);
+    hashes.erase(std::unique(hashes.begin(), hashes.end()), hashes.end());
+    sorted = hashes.size();
+}
+
+// Only the newest change still grows; the one before is settled when it begins.
+void ChangeIndex::SettleNewest() {
+    for (std::size_t i = 0; i < met_.size(); ++i) {
+        met_[i].Settle();
+        changes_.back().tables[i].rows = met_[i].hashes.size();
+    }
+}
+
+const std::vector<Change>& ChangeIndex::changes() {
+    SettleNewest();
+    return changes_;
 }
 
 bool ChangeIndex::Add(std::span<const std::byte> note, Place place) {
@@ -62,6 +90,7 @@ bool ChangeIndex::Add(std::span<const std::byte> note, Place place) {
     }
     const bool continues = label.id == last_id_ || label.undoes == jet::kAutomaticChange;
     if (changes_.empty() || !continues) {
+        SettleNewest();
         met_.clear();
         Change begun;
         begun.number = next_number_++;

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace history {
@@ -41,13 +40,24 @@ public:
     // Takes a note in; notes of one change follow each other, and what the program did by itself
     // belongs to the change before. False: it is damaged, and left out.
     bool Add(std::span<const std::byte> note, Place place);
-    // The oldest first.
-    const std::vector<Change>& changes() const { return changes_; }
+    // The oldest first. Counts the rows of the newest one, which takes some milliseconds for
+    // 100,000.
+    const std::vector<Change>& changes();
     // Goes with changes().
     const std::vector<std::vector<Place>>& places() const { return places_; }
     std::uint64_t next_number() const { return next_number_; }
 
 private:
+    // Rows that one change has met in one table, by checksums of their keys. Those from `sorted` on
+    // may stand there twice, as a command's time is no time to look for each of them.
+    struct MetRows {
+        std::vector<std::uint64_t> hashes;
+        std::size_t sorted = 0;
+        void Add(std::uint64_t hash);
+        // Afterwards each stands there once.
+        void Settle();
+    };
+    void SettleNewest();
     void Count(const jet::NotedRow& row, const jet::NoteTable& table, Change& change);
 
     std::uint64_t next_number_;
@@ -55,8 +65,7 @@ private:
     std::vector<std::vector<Place>> places_;
     std::uint64_t last_id_ = 0;           // in the label of the newest note
     std::vector<jet::NoteTable> tables_;  // that the notes with this id have told
-    std::unordered_set<std::uint64_t>
-        met_;  // rows of the newest change, by a checksum of their key
+    std::vector<MetRows> met_;            // goes with the tables of the newest change
 };
 
 }  // namespace history

@@ -15,6 +15,8 @@ using jet::CommitNote;
 
 // What failed to be kept waits in memory up to this size; then it is lost.
 constexpr std::size_t kMaxUnsavedBytes = 64U << 20;
+// What was kept and is not counted yet waits in memory up to this size.
+constexpr std::size_t kMaxUncountedBytes = 16U << 20;
 // A file beyond its limit is cut back so far, so that this is not done with every change.
 constexpr std::uint64_t kPartsOfLimit = 4;  // one of them is left free
 constexpr const char* kTemporary = ".new";
@@ -42,16 +44,35 @@ struct HistoryFile::Loaded {
     // The note taken last.
     std::uint64_t journal = 0;
     std::uint64_t offset = 0;
-    ChangeIndex index;
 
     bool IsKnown(const CommitNote& note) const {
         return note.journal == journal && note.offset <= offset;
     }
-    void Take(const CommitNote& note, ChangeIndex::Place place) {
+    // Notes are counted when somebody asks, which no command does before its end.
+    void Take(CommitNote note, ChangeIndex::Place place) {
         journal = note.journal;
         offset = note.offset;
-        index.Add(note.bytes, place);
+        uncounted_bytes_ += note.bytes.size();
+        uncounted_.emplace_back(std::move(note.bytes), place);
+        if (uncounted_bytes_ > kMaxUncountedBytes) CountAll();
     }
+    ChangeIndex& index() {
+        CountAll();
+        return index_;
+    }
+    void Begin(std::uint64_t first_number) { index_ = ChangeIndex(first_number); }
+
+private:
+    void CountAll() {
+        for (const auto& [note, place] : uncounted_)
+            index_.Add(note, place);
+        uncounted_.clear();
+        uncounted_bytes_ = 0;
+    }
+
+    ChangeIndex index_;
+    std::vector<std::pair<jet::Bytes, ChangeIndex::Place>> uncounted_;
+    std::size_t uncounted_bytes_ = 0;
 };
 
 namespace {
@@ -197,7 +218,7 @@ Status HistoryFile::Load() {
     std::vector<std::byte> head(std::min<std::uint64_t>(size, kHeaderSize));
     RETURN_IF_ERROR(found.file->ReadAt(0, head));
     if (const auto parsed = ParseHeader(head)) {
-        found.index = ChangeIndex(parsed->header.first_number);
+        found.Begin(parsed->header.first_number);
         RecordWalk walk(*found.file, size, kHeaderSize, parsed->checksum);
         RecordWalk::Record record;
         std::vector<std::pair<CommitNote, ChangeIndex::Place>> notes;
@@ -208,8 +229,8 @@ Status HistoryFile::Load() {
                 notes.push_back({NoteOf(record.payload()), {record.offset, record.bytes.size()}});
                 continue;
             }
-            for (const auto& [note, place] : notes)
-                found.Take(note, place);
+            for (auto& [note, place] : notes)
+                found.Take(std::move(note), place);
             notes.clear();
             found.last_marks = MarksOf(record.payload());
             found.end = walk.at();
@@ -259,12 +280,12 @@ void HistoryFile::Keep(std::vector<CommitNote> notes, std::uint64_t mark) {
         Fail(kept);
 }
 
-Status HistoryFile::Append(const std::vector<CommitNote>& notes, std::uint64_t mark) {
+Status HistoryFile::Append(std::vector<CommitNote>& notes, std::uint64_t mark) {
     const bool is_new = loaded_->file == nullptr;
     if (is_new && notes.empty()) return {};
     std::vector<std::byte> bytes;
     std::uint64_t chain = loaded_->chain;
-    if (is_new) chain = AppendHeader(bytes, {jet::MakeFileMark(), loaded_->index.next_number()});
+    if (is_new) chain = AppendHeader(bytes, {jet::MakeFileMark(), loaded_->index().next_number()});
     const std::uint64_t start = is_new ? 0 : loaded_->end;
     std::vector<ChangeIndex::Place> places;
     for (const CommitNote& note : notes) {
@@ -281,7 +302,7 @@ Status HistoryFile::Append(const std::vector<CommitNote>& notes, std::uint64_t m
         RETURN_IF_ERROR(loaded_->file->Sync());
     }
     for (std::size_t i = 0; i < notes.size(); ++i)
-        loaded_->Take(notes[i], places[i]);
+        loaded_->Take(std::move(notes[i]), places[i]);
     loaded_->end = end;
     loaded_->chain = chain;
     loaded_->last_marks = {mark};
@@ -308,7 +329,7 @@ Status HistoryFile::PutInPlace(const std::filesystem::path& temporary) {
 
 Status HistoryFile::TrimToLimit(std::uint64_t mark) {
     if (loaded_->end <= limit_) return {};
-    const auto& places = loaded_->index.places();
+    const auto& places = loaded_->index().places();
     std::uint64_t kept = 0;
     std::size_t first = places.size();
     while (first > 0) {
@@ -326,18 +347,18 @@ Status HistoryFile::TrimToLimit(std::uint64_t mark) {
 Status HistoryFile::DropOldest(std::size_t first, std::uint64_t mark) {
     const std::filesystem::path temporary = WithSuffix(path_, kTemporary);
     Loaded fresh;
-    fresh.index = ChangeIndex(loaded_->index.changes()[first].number);
+    const std::uint64_t first_number = loaded_->index().changes()[first].number;
+    fresh.Begin(first_number);
     {
         ASSIGN_OR_RETURN(const auto file, files_.Open(temporary, jet::OpenMode::kCreate));
         PieceWriter writer(*file);
-        fresh.chain = AppendHeader(writer.bytes(),
-                                   {jet::MakeFileMark(), loaded_->index.changes()[first].number});
-        for (std::size_t i = first; i < loaded_->index.places().size(); ++i)
-            for (const ChangeIndex::Place& place : loaded_->index.places()[i]) {
-                ASSIGN_OR_RETURN(const CommitNote note, ReadNote(*loaded_->file, place));
+        fresh.chain = AppendHeader(writer.bytes(), {jet::MakeFileMark(), first_number});
+        for (std::size_t i = first; i < loaded_->index().places().size(); ++i)
+            for (const ChangeIndex::Place& place : loaded_->index().places()[i]) {
+                ASSIGN_OR_RETURN(CommitNote note, ReadNote(*loaded_->file, place));
                 const std::uint64_t at = writer.end();
                 fresh.chain = AppendNote(writer.bytes(), note, fresh.chain);
-                fresh.Take(note, {at, writer.end() - at});
+                fresh.Take(std::move(note), {at, writer.end() - at});
                 RETURN_IF_ERROR(writer.WriteWhenLarge());
             }
         fresh.chain = AppendMark(writer.bytes(), mark, fresh.chain);
@@ -372,20 +393,20 @@ Status HistoryFile::Rebind(jet::FileSystem& files, const std::filesystem::path& 
 base::Result<std::vector<Change>> HistoryFile::Changes() {
     const std::lock_guard lock(mutex_);
     RETURN_IF_ERROR(EnsureLoaded());
-    return loaded_->index.changes();
+    return loaded_->index().changes();
 }
 
 base::Result<std::vector<jet::Bytes>> HistoryFile::NotesOf(std::uint64_t number) {
     const std::lock_guard lock(mutex_);
     RETURN_IF_ERROR(EnsureLoaded());
-    const std::vector<Change>& changes = loaded_->index.changes();
+    const std::vector<Change>& changes = loaded_->index().changes();
     const auto found = std::ranges::lower_bound(changes, number, {}, &Change::number);
     if (found == changes.end() || found->number != number)
         return Status(base::StatusCode::kNotFound,
                       "The history has no change " + std::to_string(number) + ".");
     std::vector<jet::Bytes> notes;
     for (const ChangeIndex::Place& place :
-         loaded_->index.places()[static_cast<std::size_t>(found - changes.begin())]) {
+         loaded_->index().places()[static_cast<std::size_t>(found - changes.begin())]) {
         ASSIGN_OR_RETURN(CommitNote note, ReadNote(*loaded_->file, place));
         notes.push_back(std::move(note.bytes));
     }

@@ -57,7 +57,8 @@ private:
     base::Status EnsureLoaded();
     base::Status Load();
     base::Status SetAside();
-    base::Status Append(const std::vector<jet::CommitNote>& notes, std::uint64_t mark);
+    // Takes the notes over when it succeeds, and leaves them as they are when it fails.
+    base::Status Append(std::vector<jet::CommitNote>& notes, std::uint64_t mark);
     base::Status WriteNew(std::span<const std::byte> bytes);
     base::Status PutInPlace(const std::filesystem::path& temporary);
     // The records of the changes from position `first` on in a file of their own.

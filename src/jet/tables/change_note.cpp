@@ -16,6 +16,9 @@ constexpr std::uint8_t kNoteVersion = 1;
 // version 1, engine's version 1, code page 2, id 8, undoes 8, time 8, missed rows 4; the name.
 constexpr std::size_t kFixedHead = 32;
 
+// Of 64 bits, seven to the byte.
+constexpr std::size_t kMaxNumberSize = 10;
+
 base::Status DamagedNote() {
     return {base::StatusCode::kCorruption, "A note of changed rows is damaged."};
 }
@@ -44,8 +47,10 @@ void AppendNoteCell(Bytes& out, const NotedCell& cell) {
     if (cell) out.insert(out.end(), cell->begin(), cell->end());
 }
 
-Bytes NoteHead(const ChangeLabel& label, const TextCodec& text, std::uint32_t missed_rows) {
+Bytes NoteHead(const ChangeLabel& label, const TextCodec& text, std::uint32_t missed_rows,
+               std::size_t rows_size) {
     Bytes head;
+    head.reserve(kFixedHead + kMaxNumberSize + 2 * label.name.size() + rows_size);
     base::AppendLittle(head, kNoteVersion);
     base::AppendLittle(head, static_cast<std::uint8_t>(text.jet4() ? 4 : 3));
     base::AppendLittle(head, text.code_page());
@@ -89,7 +94,12 @@ base::Status NoteReader::ReadHead() {
     const auto version = base::LoadLittle<std::uint8_t>(head);
     const auto engine = base::LoadLittle<std::uint8_t>(head + 1);
     if (version != kNoteVersion || (engine != 3 && engine != 4)) return DamagedNote();
-    text_ = std::make_shared<const TextCodec>(engine, base::LoadLittle<std::uint16_t>(head + 2));
+    const auto code_page = base::LoadLittle<std::uint16_t>(head + 2);
+    // The notes of a change come from one database.
+    if (!tables_.empty() && tables_.back().text->IsFor(engine, code_page))
+        text_ = tables_.back().text;
+    else
+        text_ = std::make_shared<const TextCodec>(engine, code_page);
     label_.id = base::LoadLittle<std::uint64_t>(head + 4);
     label_.undoes = base::LoadLittle<std::uint64_t>(head + 12);
     label_.time = base::LoadDouble(head + 20);

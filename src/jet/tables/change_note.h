@@ -120,7 +120,8 @@ void AppendNoteText(Bytes& out, std::u16string_view text);
 // A cell: 0 for Null, otherwise its size and one, and its bytes.
 void AppendNoteCell(Bytes& out, const NotedCell& cell);
 
-// What a note begins with.
-Bytes NoteHead(const ChangeLabel& label, const TextCodec& text, std::uint32_t missed_rows);
+// What a note begins with. Has room for `rows_size` bytes behind it.
+Bytes NoteHead(const ChangeLabel& label, const TextCodec& text, std::uint32_t missed_rows,
+               std::size_t rows_size = 0);
 
 }  // namespace jet

@@ -98,7 +98,9 @@ void AppendTable(Bytes& out, const RecordedTable& table, std::uint64_t number,
 }  // namespace
 
 const ChangeRecorder::Known& ChangeRecorder::TableOf(const RecordedTable& table) {
+    if (last_ != tables_.end() && last_->first == table.definition.page) return last_->second;
     const auto [found, is_new] = tables_.try_emplace(table.definition.page);
+    last_ = found;
     Known& known = found->second;
     if (!is_new) return known;
     known.number = next_number_++;
@@ -183,6 +185,7 @@ void ChangeRecorder::Begin(std::uint64_t change) {
     if (change == change_) return;
     change_ = change;
     tables_.clear();
+    last_ = tables_.end();
     next_number_ = told_numbers_ = 0;
 }
 
@@ -195,6 +198,7 @@ void ChangeRecorder::NoteCommitted() {
 void ChangeRecorder::Forget() {
     std::erase_if(tables_,
                   [this](const auto& entry) { return entry.second.number >= told_numbers_; });
+    last_ = tables_.end();
     next_number_ = told_numbers_;
     Clear();
 }

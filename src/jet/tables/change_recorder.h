@@ -22,6 +22,10 @@ struct RecordedTable {
 
 class ChangeRecorder {
 public:
+    ChangeRecorder() = default;
+    ChangeRecorder(const ChangeRecorder&) = delete;
+    ChangeRecorder& operator=(const ChangeRecorder&) = delete;
+
     // A row that is there, before it is deleted or after it was inserted.
     void AddRow(const RecordedTable& table, RowChange change, const RowView& row);
     // The two halves of an update of one row: before it is changed and after. `columns` are the
@@ -50,7 +54,10 @@ public:
     // The transaction has ended without a note.
     void Forget();
     // The table's design has changed.
-    void ForgetTable(PageNumber definition) { tables_.erase(definition); }
+    void ForgetTable(PageNumber definition) {
+        tables_.erase(definition);
+        last_ = tables_.end();
+    }
 
 private:
     struct Known {
@@ -66,7 +73,8 @@ private:
 
     Bytes rows_;
     std::uint64_t change_ = 0;
-    std::map<PageNumber, Known> tables_;  // by definition page
+    std::map<PageNumber, Known> tables_;                          // by definition page
+    std::map<PageNumber, Known>::iterator last_ = tables_.end();  // asked for last
     std::uint64_t next_number_ = 0;
     std::uint64_t told_numbers_ = 0;  // those below are told by notes that were committed
     std::size_t count_ = 0;

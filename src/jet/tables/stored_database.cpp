@@ -85,7 +85,7 @@ base::Status StoredDatabase::Commit() {
 Bytes StoredDatabase::MakeNote() {
     const bool is_undo = label_.undoes != 0 && label_.undoes != kAutomaticChange;
     if (!recorder_ || (recorder_->empty() && !is_undo)) return {};
-    Bytes note = NoteHead(label_, file_.text, recorder_->missed());
+    Bytes note = NoteHead(label_, file_.text, recorder_->missed(), recorder_->rows().size());
     note.insert(note.end(), recorder_->rows().begin(), recorder_->rows().end());
     return note;
 }

@@ -34,6 +34,10 @@ public:
 
     bool jet4() const { return version_ == 4; }
     std::uint16_t code_page() const { return code_page_; }
+    // Whether it is the codec of this version and code page.
+    bool IsFor(int version, std::uint16_t code_page) const {
+        return version == version_ && code_page == code_page_;
+    }
 
 private:
     void DecodeName(std::span<const std::byte> bytes, std::u16string& text) const;
