@@ -1,18 +1,25 @@
 // The tools are those of the Debian system around Wine, which starts its programs too. Such a
-// program is no process of Windows: it cannot be waited for, so a shell says behind its output what
-// it ended with.
+// program is no process of Windows: it is not given pipes, which are Wine's own, and cannot be
+// waited for. So a shell writes into a file, and says behind the output what the tool ended with.
 #include "support/programs.h"
 
 #include "support/shell_words.h"
+#include "support/temporary_folder.h"
+#include "support/wait_for.h"
 #include "support/windows/child_process.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string_view>
 
 namespace test_support {
 namespace {
 
-constexpr const char* kStatusMark = "\n<status>";
+constexpr std::string_view kStatusMark = "\n<status>";
+constexpr std::string_view kEndMark = "<end>";
+constexpr std::chrono::seconds kLongestRun{60};
 
 // How the system around Wine calls a file of this one.
 std::string NameOutside(const std::string& word) {
@@ -30,18 +37,33 @@ std::string NameOutside(const std::string& word) {
     return copy;
 }
 
+HANDLE OpenForChildren(const std::filesystem::path& path) {
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                       CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+std::string TextIn(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 ProgramRun RunOutside(const std::string& line) {
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder.path() / "output";
+    const std::string script = "{ " + line + "; } 2>/dev/null; printf '\\n<status>%d<end>' $?";
+    const HANDLE output = OpenForChildren(path);
+    const Child child = StartChild(L"Z:\\bin\\sh", CommandLine({"/bin/sh", "-c", script}), output);
+    CloseHandle(output);
     ProgramRun run;
-    const Pipe pipe = MakePipe();
-    const std::string script = "{ " + line + "; } 2>/dev/null; printf '\\n<status>%d' $?";
-    const Child child =
-        StartChild(L"\\\\?\\unix\\bin\\sh", CommandLine({"/bin/sh", "-c", script}), pipe.write);
-    CloseHandle(pipe.write);
-    if (child.started) run.output = ReadAll(pipe.read);
-    CloseHandle(pipe.read);
+    const auto is_done = [&] {
+        run.output = TextIn(path);
+        return run.output.ends_with(kEndMark);
+    };
+    if (!child.started || !WaitFor(is_done, kLongestRun)) return run;
     const std::size_t mark = run.output.rfind(kStatusMark);
     if (mark == std::string::npos) return run;
-    run.status = std::atoi(run.output.c_str() + mark + std::string_view(kStatusMark).size());
+    run.status = std::atoi(run.output.c_str() + mark + kStatusMark.size());
     run.output.resize(mark);
     return run;
 }
