@@ -1,103 +1,96 @@
-// A real process on real files is killed (SIGKILL) at random instants while it changes a catalogue,
+// A real process on real files is killed at random instants while it changes a catalogue,
 // makes, checks and thins out snapshots and restores them. The catalogue is then in one of its
 // states, every snapshot that counts is whole, and what was begun is cleared away by the next run.
+#include "base/file_names.h"
+#include "base/unicode.h"
 #include "jet/check/check.h"
 #include "jet/connection.h"
 #include "jet/pages/page_copy.h"
 #include "jet/tables/database.h"
 #include "platform/file_system.h"
 #include "snapshots/restore.h"
+#include "support/temporary_folder.h"
+#include "support/worker_process.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <cstdlib>
+#include <chrono>
 #include <random>
 #include <set>
 #include <thread>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
 using snapshots::SnapshotState;
 using snapshots::SnapshotStore;
+using test_support::TemporaryFolder;
+using test_support::WorkerProcess;
 
 constexpr int kKills = 300;
 constexpr int kRows = 60;
+constexpr int kMaxSteps = 12;     // that are waited for before the kill
+constexpr int kMaxDelay = 4'000;  // microseconds after them
 
-// A kill loses nothing of what the system's cache holds, so a file system in memory proves as much.
-std::filesystem::path FolderForManySyncs() {
-    const std::filesystem::path memory = "/dev/shm";
-    return ::access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+bool Execute(jet::FileSystem& files, const std::filesystem::path& path,
+             const std::vector<std::u16string>& statements) {
+    jet::Connection connection(files);
+    if (!connection.Open(u"Data Source=" + path.u16string()).ok()) return false;
+    for (const std::u16string& statement : statements)
+        if (!connection.Execute(statement).ok()) return false;
+    return connection.Close().ok();
 }
+
+// The writer, with the file words[0] and the seed words[1]: every state of the catalogue has one
+// number in all of its rows. Tells of each step before it takes it.
+int WorkUntilKilled(const WorkerProcess::Words& words, const WorkerProcess::Tell& tell) {
+    const auto files = platform::MakeFileSystem();
+    const std::filesystem::path path = base::PathOf(base::ToUtf16(words[0]));
+    const auto seed = static_cast<std::uint32_t>(std::stoul(words[1]));
+    std::mt19937 random(seed);
+    SnapshotStore store(*files, path);
+    for (snapshots::LocalSeconds time = seed * 7200;; time += 1000) {
+        tell(1);
+        const std::string text = std::to_string(1 + random() % 30000);
+        const std::u16string number(text.begin(), text.end());
+        if (!Execute(*files, path, {u"Update Tables set State = " + number})) return 4;
+        tell(2);
+        if (!store.Make({snapshots::Occasion::kClock, time, ""}).ok()) return 5;
+        tell(3);
+        if (!store.CheckAll().ok()) return 6;
+        if (!store.Keep().ok()) return 7;
+        if (random() % 2 != 0) continue;
+        tell(4);
+        const auto list = store.List();
+        if (!list.ok() || list->empty()) return 8;
+        const auto state = store.Read((*list)[random() % list->size()].number);
+        if (!state.ok()) return 9;
+        if (!snapshots::Restore(*files, store, *state, time).ok()) return 10;
+    }
+}
+const test_support::KnownWork kWriter("snapshots", WorkUntilKilled);
 
 class SnapshotKillTest : public testing::Test {
 protected:
     void SetUp() override {
-        std::string name = (FolderForManySyncs() / "tavolo-snapshots-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(name.data()), nullptr);
-        folder_ = name;
-        path_ = folder_ / "pinball.mdb";
         ASSERT_TRUE(jet::CreateDatabaseFile(*files_, path_, 40000).ok());
-        ASSERT_TRUE(Run({u"Create Table Tables (ID counter primary key, State int, Notes memo)"}));
+        ASSERT_TRUE(
+            Execute(*files_, path_,
+                    {u"Create Table Tables (ID counter primary key, State int, Notes memo)"}));
         std::vector<std::u16string> rows;
         for (int i = 0; i < kRows; ++i)
             rows.push_back(u"Insert into Tables (State, Notes) values (0, '" +
                            std::u16string(300, static_cast<char16_t>(u'a' + i % 26)) + u"')");
-        ASSERT_TRUE(Run(rows));
-    }
-    void TearDown() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
+        ASSERT_TRUE(Execute(*files_, path_, rows));
     }
 
-    bool Run(const std::vector<std::u16string>& statements) {
-        jet::Connection connection(*files_);
-        const std::string path = path_.string();
-        if (!connection.Open(u"Data Source=" + std::u16string(path.begin(), path.end())).ok())
-            return false;
-        for (const std::u16string& statement : statements)
-            if (!connection.Execute(statement).ok()) return false;
-        return connection.Close().ok();
-    }
-
-    // The writer: every state of the catalogue has one number in all of its rows.
-    [[noreturn]] void WorkUntilKilled(std::uint32_t seed, int pipe) {
-        std::mt19937 random(seed);
-        SnapshotStore store(*files_, path_);
-        if (::write(pipe, "+", 1) != 1) ::_exit(3);
-        for (snapshots::LocalSeconds time = seed * 7200;; time += 1000) {
-            const std::string text = std::to_string(1 + random() % 30000);
-            const std::u16string number(text.begin(), text.end());
-            if (!Run({u"Update Tables set State = " + number})) ::_exit(4);
-            if (!store.Make({snapshots::Occasion::kClock, time, ""}).ok()) ::_exit(5);
-            if (!store.CheckAll().ok()) ::_exit(6);
-            if (!store.Keep().ok()) ::_exit(7);
-            if (random() % 2 != 0) continue;
-            const auto list = store.List();
-            if (!list.ok() || list->empty()) ::_exit(8);
-            const auto state = store.Read((*list)[random() % list->size()].number);
-            if (!state.ok()) ::_exit(9);
-            if (!snapshots::Restore(*files_, store, *state, time).ok()) ::_exit(10);
-        }
-    }
-
-    void RunAndKill(std::uint32_t seed, std::chrono::microseconds delay) {
-        int ends[2];
-        ASSERT_EQ(::pipe(ends), 0);
-        const pid_t writer = ::fork();
-        if (writer == 0) WorkUntilKilled(seed, ends[1]);
-        ::close(ends[1]);
-        char begun = 0;
-        EXPECT_EQ(::read(ends[0], &begun, 1), 1);
+    // Kills it some time after it has made so many steps, however fast the machine is.
+    void RunAndKill(std::uint32_t seed, int steps, std::chrono::microseconds delay) {
+        WorkerProcess writer("snapshots", {base::Utf8Of(path_), std::to_string(seed)});
+        for (; steps >= 0; --steps)
+            EXPECT_TRUE(writer.Next());
         std::this_thread::sleep_for(delay);
-        ::kill(writer, SIGKILL);
-        ::close(ends[0]);
-        int state = 0;
-        ::waitpid(writer, &state, 0);
-        EXPECT_TRUE(WIFSIGNALED(state)) << "the writer ended by itself with " << WEXITSTATUS(state);
+        const auto ended = writer.Kill();
+        EXPECT_FALSE(ended) << "the writer ended by itself with " << ended.value_or(0);
     }
 
     // The number in all rows; -1: the rows are of several states, or not all are there.
@@ -121,16 +114,19 @@ protected:
     }
 
     std::unique_ptr<jet::FileSystem> files_ = platform::MakeFileSystem();
-    std::filesystem::path folder_;
-    std::filesystem::path path_;
+    // A kill loses nothing of what the system's cache holds, so files in memory prove as much.
+    TemporaryFolder folder_{TemporaryFolder::On::kMemory};
+    std::filesystem::path path_ = folder_.path() / "pinball.mdb";
 };
 
 TEST_F(SnapshotKillTest, AfterEachKillTheCatalogueIsInOneStateAndTheSnapshotsAreWhole) {
     std::mt19937 random(7);
     std::size_t most = 0;
-    for (std::uint32_t i = 0; i < kKills; ++i) {
+    const int kills = test_support::WorkersToKill(kKills);
+    for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(kills); ++i) {
         SCOPED_TRACE("kill " + std::to_string(i));
-        ASSERT_NO_FATAL_FAILURE(RunAndKill(i, std::chrono::microseconds(random() % 40'000)));
+        ASSERT_NO_FATAL_FAILURE(RunAndKill(i, static_cast<int>(random() % kMaxSteps),
+                                           std::chrono::microseconds(random() % kMaxDelay)));
         const auto now = jet::CopyFileBytes(*files_, path_);
         ASSERT_TRUE(now.ok()) << now.status().message();
         ASSERT_GE(StateOf(*now), 0);

@@ -9,26 +9,43 @@
 #include "jet/tables/storage_support.h"
 #include "platform/file_system.h"
 #include "support/check_database.h"
+#include "support/told_files.h"
 #include "support/worker_process.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <future>
+#include <optional>
 #include <random>
 #include <thread>
 
 namespace jet::test {
 namespace {
 
+using test_support::ToldFiles;
 using test_support::WorkerProcess;
 
 constexpr int kKills = 300;
+constexpr int kMaxDelay = 300;  // microseconds
 
-// Tells when it begins with the file words[0].
+void WaitToBeKilled() {
+    std::promise<void>().get_future().wait();
+}
+
+// Tells of each call that changes something while it compacts the file words[0]; before the call of
+// the number words[1] it stands still.
 int Compact(const WorkerProcess::Words& words, const WorkerProcess::Tell& tell) {
     const auto files = platform::MakeFileSystem();
-    tell(1);
-    return CompactInPlace(*files, base::PathOf(base::ToUtf16(words[0]))).ok() ? 0 : 4;
+    const auto last = static_cast<std::uint32_t>(std::stoul(words[1]));
+    std::atomic<std::uint32_t> calls = 0;
+    ToldFiles told(*files, [&] {
+        const std::uint32_t call = ++calls;
+        tell(call);
+        if (call == last) WaitToBeKilled();
+    });
+    return CompactInPlace(told, base::PathOf(base::ToUtf16(words[0]))).ok() ? 0 : 4;
 }
 const test_support::KnownWork kCompact("compact", Compact);
 
@@ -54,12 +71,16 @@ protected:
         return bytes;
     }
 
-    // Compacts in a process of its own and kills that `delay` after it has begun. Whether it came
-    // to its end before.
-    bool CompactAndKill(std::chrono::microseconds delay) {
-        WorkerProcess worker("compact", {base::Utf8Of(path_)});
-        EXPECT_EQ(worker.Next(), 1U);
-        std::this_thread::sleep_for(delay);
+    // Compacts in a process of its own and kills that when it has told of so many calls: right
+    // then, before the last of them is made, or after a delay, wherever it has come to. Whether it
+    // came to its end before.
+    bool CompactAndKill(int calls, std::optional<std::chrono::microseconds> delay) {
+        const std::string last = delay ? "0" : std::to_string(calls);
+        WorkerProcess worker("compact", {base::Utf8Of(path_), last});
+        EXPECT_TRUE(worker.Next());
+        for (int told = 1; told < calls && worker.Next(); ++told) {
+        }
+        std::this_thread::sleep_for(delay.value_or(std::chrono::microseconds(0)));
         const auto ended = worker.Kill();
         EXPECT_EQ(ended.value_or(0), 0);
         // Whoever asks for the file finds it, however far the exchange had come.
@@ -76,11 +97,11 @@ protected:
 
 TEST_F(CompactKillTest, AKillAtAnyInstantLeavesTheOldFileOrTheNewOne) {
     const auto original = ReadWholeFile(path_);
-    const auto start = std::chrono::steady_clock::now();
-    ASSERT_TRUE(CompactInPlace(*files_, path_).ok());
-    const auto whole = std::chrono::duration_cast<std::chrono::microseconds>(
-                           std::chrono::steady_clock::now() - start)
-                           .count();
+    std::atomic<int> counted = 0;
+    ToldFiles told(*files_, [&] { ++counted; });
+    ASSERT_TRUE(CompactInPlace(told, path_).ok());
+    const int calls = counted;
+    ASSERT_GT(calls, 5);
     const auto after = WithoutMark(ReadWholeFile(path_));
     ASSERT_LT(after.size(), before_.size());
     std::mt19937 random(1);
@@ -90,8 +111,12 @@ TEST_F(CompactKillTest, AKillAtAnyInstantLeavesTheOldFileOrTheNewOne) {
     for (int i = 0; i < kills; ++i) {
         SCOPED_TRACE("kill " + std::to_string(i));
         WriteWholeFile(path_, original);
-        const bool ended =
-            CompactAndKill(std::chrono::microseconds(random() % (whole * 5 / 4 + 1)));
+        // Every second one is on the run, and some of those are let come to their end.
+        const bool runs = i % 2 != 0;
+        const auto most = static_cast<unsigned>(runs ? calls * 5 / 4 : calls);
+        const auto until = static_cast<int>(1 + random() % most);
+        const std::chrono::microseconds delay(random() % kMaxDelay);
+        const bool ended = CompactAndKill(until, runs ? std::optional(delay) : std::nullopt);
         const auto bytes = WithoutMark(ReadWholeFile(path_));
         const bool is_old = bytes == before_;
         ASSERT_TRUE(bytes == after || (is_old && !ended));
