@@ -1,5 +1,5 @@
-// VptBuilder: writes table files for tests with libgsf, a library that knows the format from
-// another hand than ours.
+// VptBuilder: writes table files for tests, by another hand than ours
+// (support/other_compound_files.h).
 //
 //     VptBuilder().Text(u"TableName", u"Attack").Screenshot(jpeg).Filler(300000).Write(path);
 //
