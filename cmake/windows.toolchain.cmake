@@ -8,9 +8,11 @@ set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 
 # Programs are this machine's, everything else is the target's.
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../packaging/windows/build_libraries --where
+    OUTPUT_VARIABLE libraries OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${libraries})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(ENV{PKG_CONFIG_LIBDIR} /usr/x86_64-w64-mingw32/lib/pkgconfig)
+set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/lib/pkgconfig)

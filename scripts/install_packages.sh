@@ -11,7 +11,7 @@ test="libgtest-dev libgmock-dev libgsf-1-dev libsqlite3-dev mdbtools mdbtools-de
     libchm-bin git clang clang-format clang-tidy libclang-rt-14-dev groff-base zsh fish wine wine64 gcc-mingw-w64-x86-64 pulseaudio pulseaudio-utils sox dbus-x11 procps
     desktop-file-utils appstream mandoc shared-mime-info libglib2.0-bin strace"
 package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git xz-utils qt6-wayland"
-windows="g++-mingw-w64-x86-64-posix googletest cmake ninja-build ccache wine wine64 mdbtools python3"
+windows="g++-mingw-w64-x86-64-posix googletest cmake ninja-build ccache pkg-config dpkg-dev wine wine64 mdbtools rhash python3"
 
 wanted=()
 for set in "$@"; do

@@ -1,17 +1,16 @@
+#include "base/file_names.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
 #include "checksum/crc_16.h"
+#include "support/programs.h"
 
 #include <gtest/gtest.h>
 
-#include <span>
-
-#include <sstream>
-
 #include <array>
-#include <cstdlib>
 #include <fstream>
 #include <random>
+#include <span>
+#include <sstream>
 #include <string>
 
 namespace checksum {
@@ -213,16 +212,11 @@ TEST_F(FileCrcTest, AFileHasTheValueOfItsBytes) {
 }
 
 TEST_F(FileCrcTest, AnotherProgramComputesTheSame) {
-    ASSERT_EQ(std::system("rhash --version > /dev/null 2>&1"), 0) << "rhash is not installed";
+    ASSERT_TRUE(test_support::HasTool("rhash")) << "rhash is not installed";
     const auto path = Write("other.vpt", RandomBytes(777777));
-    const auto answer = folder_ / "answer";
-    ASSERT_EQ(
-        std::system(
-            ("rhash --printf=%C '" + path.string() + "' > '" + answer.string() + "'").c_str()),
-        0);
-    std::string theirs;
-    std::ifstream(answer) >> theirs;
-    std::uint32_t number = static_cast<std::uint32_t>(std::stoul(theirs, nullptr, 16));
+    const auto theirs = test_support::OutputOf({"rhash", "--printf=%C", base::Utf8Of(path)});
+    ASSERT_TRUE(theirs);
+    const auto number = static_cast<std::uint32_t>(std::stoul(*theirs, nullptr, 16));
     clsCRC crc;
     EXPECT_EQ(static_cast<std::uint32_t>(**crc.CalculateFile(path)), number);
 }
