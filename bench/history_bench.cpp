@@ -1,7 +1,9 @@
 // history_bench [rows]: what it costs to remember what commands change, and how long undo takes.
 // Each command runs on a copy of the same catalogue with and without a history, in turn, five
 // times; the fastest of each counts. The time ends when the last statement has returned; what a
-// checkpoint does afterwards is not in it. Then the command is undone once.
+// checkpoint does afterwards is not in it. Then the command is undone once. The last lines say how
+// long the history's window needs for a change of all rows, in its own thread for long work.
+#include "history/change_lines.h"
 #include "history/history_file.h"
 #include "history/undo_redo.h"
 #include "jet/connection.h"
@@ -81,6 +83,35 @@ public:
     }
 
     int rows() const { return rows_; }
+
+    // Of a DELETE of all rows, which notes every cell.
+    void MeasureShowing() {
+        std::filesystem::copy_file(full_, work_, std::filesystem::copy_options::overwrite_existing);
+        history::HistoryFile file(*files_, work_);
+        jet::Connection connection(*files_);
+        connection.UseNotes(&file);
+        Check(connection.Open(Source(work_)));
+        Run(connection, u"DELETE FROM Tables");
+        Check(connection.Close());
+        const auto changes = file.Changes();
+        Check(changes.status());
+        auto start = Clock::now();
+        const auto tell = [&start](const char* what) {
+            std::printf("%-28s %9.1f ms\n", what, MsSince(start));
+            start = Clock::now();
+        };
+        auto notes = file.NotesOf(changes->back().number);
+        Check(notes.status());
+        tell("read");
+        auto folded = history::FoldedChange::Fold(*std::move(notes));
+        Check(folded.status());
+        tell("fold");
+        const history::ChangeLines lines(*std::move(folded));
+        tell("list");
+        const auto shown = lines.Matching(u"table 9999", {});
+        tell("filter by a text");
+        std::printf("%zu lines of %zu\n", shown.size(), lines.all().size());
+    }
 
 private:
     void Make(const std::filesystem::path& path, int rows) {
@@ -167,4 +198,5 @@ int main(int argc, char** argv) {
                    [&](jet::Connection& connection) { InsertAll(connection, bench.rows()); }});
     bench.Measure({"Update, row by row", false, UpdateEach});
     bench.Measure({"Delete, row by row", false, DeleteEach});
+    bench.MeasureShowing();
 }

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "browser/find_index.h"
+#include "platform/latest_task.h"
 
 #include <QtCore/QObject>
 
 #include <memory>
-#include <thread>
 
 namespace browser {
 
@@ -16,8 +16,6 @@ class FindIndexer : public QObject {
 
 public:
     explicit FindIndexer(QObject* parent = nullptr) : QObject(parent) {}
-    // Waits for the thread, for as long as one table takes.
-    ~FindIndexer() override;
 
     // Begins another index; index() is null until Ready.
     void Make(const TableSnapshotPointer& tables);
@@ -25,18 +23,15 @@ public:
     void Forget();
     // nullptr: there is none, or not yet.
     const FindIndex* index() const { return index_.get(); }
-    bool is_at_work() const { return is_at_work_; }
+    bool is_at_work() const { return task_.is_at_work(); }
 
 Q_SIGNALS:
     void Ready();
 
 private:
-    void Take(std::shared_ptr<const FindIndex> index, unsigned order);
-
-    std::shared_ptr<const FindIndex> index_;  // shared with the event that brings it
-    bool is_at_work_ = false;
-    unsigned order_ = 0;  // of the last Make or Forget
-    std::jthread thread_;
+    using IndexPointer = std::shared_ptr<const FindIndex>;
+    IndexPointer index_;
+    platform::LatestTask<IndexPointer> task_;
 };
 
 }  // namespace browser

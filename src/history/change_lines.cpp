@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace history {
 namespace {
@@ -24,17 +25,18 @@ bool Holds(std::u16string_view text, std::u16string_view lowered) {
 ChangeLines::ChangeLines(FoldedChange change, RowNames names)
     : change_(std::move(change)), names_(std::move(names)) {
     std::set<std::u16string> fields;
+    std::set<std::pair<std::size_t, std::size_t>> met;  // tables and their columns
     for (std::size_t row = 0; row < change_.rows().size(); ++row) {
         const FoldedRow& changed = change_.rows()[row];
         if (!changed.change) continue;
         for (std::size_t cell = 0; cell < changed.cells.size(); ++cell) {
             if (jet::SameCell(changed.cells[cell].before, changed.cells[cell].after)) continue;
             all_.push_back({static_cast<std::uint32_t>(row), static_cast<std::uint32_t>(cell)});
-            fields.insert(FieldAt(all_.back()));
+            if (met.insert({changed.table, changed.cells[cell].column}).second)
+                fields.insert(FieldAt(all_.back()));
         }
     }
     fields_.assign(fields.begin(), fields.end());
-    shown_ = all_;
 }
 
 const std::u16string& ChangeLines::FieldAt(Place place) const {
@@ -42,11 +44,7 @@ const std::u16string& ChangeLines::FieldAt(Place place) const {
     return change_.tables()[row.table].columns[row.cells[place.cell].column].name;
 }
 
-std::size_t ChangeLines::ColumnOf(std::size_t line) const {
-    return CellAt(shown_[line]).column;
-}
-
-ChangeLine ChangeLines::LineAt(Place place) const {
+ChangeLine ChangeLines::Line(Place place) const {
     const FoldedRow& row = change_.rows()[place.row];
     const jet::NoteTable& table = change_.tables()[row.table];
     const FoldedRow::Cell& cell = CellAt(place);
@@ -61,23 +59,24 @@ ChangeLine ChangeLines::LineAt(Place place) const {
     return line;
 }
 
-ChangeLine ChangeLines::Line(std::size_t line) const {
-    return LineAt(shown_[line]);
-}
-
-void ChangeLines::Filter(std::u16string_view text, std::u16string_view field) {
+std::vector<ChangeLines::Place> ChangeLines::Matching(std::u16string_view text,
+                                                      std::u16string_view field,
+                                                      const std::stop_token& stop) const {
+    if (text.empty() && field.empty()) return all_;
     const std::u16string lowered = Lowered(text);
-    shown_.clear();
+    std::vector<Place> matching;
     for (const Place place : all_) {
+        if (stop.stop_requested()) break;
         if (!field.empty() && FieldAt(place) != field) continue;
         if (!lowered.empty()) {
-            const ChangeLine line = LineAt(place);
+            const ChangeLine line = Line(place);
             if (!Holds(line.row, lowered) && !Holds(line.before, lowered) &&
                 !Holds(line.after, lowered))
                 continue;
         }
-        shown_.push_back(place);
+        matching.push_back(place);
     }
+    return matching;
 }
 
 }  // namespace history

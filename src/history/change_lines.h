@@ -7,7 +7,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <stop_token>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace history {
@@ -20,32 +22,34 @@ struct ChangeLine {
     bool operator==(const ChangeLine&) const = default;
 };
 
+// Does not change: threads may share it.
 class ChangeLines {
 public:
-    // What a row is called; empty: by its key.
+    // What a row is called; empty: by its key. Called by whatever thread asks for lines.
     using RowNames = std::function<std::u16string(const jet::NoteTable&, const FoldedRow&)>;
+    // A line: a row of the change, and one of its cells.
+    struct Place {
+        std::uint32_t row = 0;
+        std::uint32_t cell = 0;
+    };
 
     explicit ChangeLines(FoldedChange change, RowNames names = {});
 
     // The names of all fields that the change has touched, in alphabetical order.
     const std::vector<std::u16string>& fields() const { return fields_; }
-    // Shows the lines of this field (empty: of all) in whose row's name or texts `text` occurs,
-    // letter case apart (empty: all).
-    void Filter(std::u16string_view text, std::u16string_view field);
+    // All lines, in the order in which the rows were changed.
+    const std::vector<Place>& all() const { return all_; }
+    // The lines of this field (empty: of all) in whose row's name or texts `text` occurs, letter
+    // case apart (empty: all). Ends early, with less, when a stop is requested.
+    std::vector<Place> Matching(std::u16string_view text, std::u16string_view field,
+                                const std::stop_token& stop = {}) const;
 
-    std::size_t size() const { return shown_.size(); }
-    ChangeLine Line(std::size_t line) const;
-    // Where the line comes from: a row of the change, and a column of its table.
-    std::size_t RowOf(std::size_t line) const { return shown_[line].row; }
-    std::size_t ColumnOf(std::size_t line) const;
+    ChangeLine Line(Place place) const;
+    // The column of its table that a line shows.
+    std::size_t ColumnOf(Place place) const { return CellAt(place).column; }
     const FoldedChange& change() const { return change_; }
 
 private:
-    struct Place {
-        std::uint32_t row = 0;
-        std::uint32_t cell = 0;
-    };
-    ChangeLine LineAt(Place place) const;
     const FoldedRow::Cell& CellAt(Place place) const {
         return change_.rows()[place.row].cells[place.cell];
     }
@@ -55,7 +59,6 @@ private:
     RowNames names_;
     std::vector<std::u16string> fields_;
     std::vector<Place> all_;
-    std::vector<Place> shown_;
 };
 
 }  // namespace history

@@ -41,17 +41,19 @@ void DropEqualCells(FoldedRow& row, bool has_key) {
 
 }  // namespace
 
-base::Result<FoldedChange> FoldedChange::Fold(std::vector<jet::Bytes> notes) {
+base::Result<FoldedChange> FoldedChange::Fold(std::vector<jet::Bytes> notes,
+                                              const std::stop_token& stop) {
     FoldedChange folded;
     folded.notes_ = std::move(notes);
     std::vector<jet::NoteTable> told;
     for (const jet::Bytes& note : folded.notes_)
-        RETURN_IF_ERROR(folded.Add(note, told));
+        RETURN_IF_ERROR(folded.Add(note, told, stop));
     return folded;
 }
 
 // `told`: the tables of the notes before, and then those of this one as well.
-base::Status FoldedChange::Add(std::span<const std::byte> note, std::vector<jet::NoteTable>& told) {
+base::Status FoldedChange::Add(std::span<const std::byte> note, std::vector<jet::NoteTable>& told,
+                               const std::stop_token& stop) {
     ASSIGN_OR_RETURN(jet::NoteReader reader, jet::NoteReader::Open(note, std::move(told)));
     // What the program did by itself afterwards tells its tables anew.
     if (std::exchange(last_id_, reader.label().id) != reader.label().id) {
@@ -60,6 +62,7 @@ base::Status FoldedChange::Add(std::span<const std::byte> note, std::vector<jet:
     std::vector<Place> places;
     jet::NotedRow row;
     for (;;) {
+        if (stop.stop_requested()) return {};
         ASSIGN_OR_RETURN(const bool more, reader.Next(row));
         if (!more) {
             told = std::move(reader).TakeTables();

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -35,8 +36,10 @@ struct FoldedRow {
 
 class FoldedChange {
 public:
-    // `notes`: those of one change, the oldest first. kCorruption: one is damaged.
-    static base::Result<FoldedChange> Fold(std::vector<jet::Bytes> notes);
+    // `notes`: those of one change, the oldest first. kCorruption: one is damaged. Ends early, with
+    // less, when a stop is requested.
+    static base::Result<FoldedChange> Fold(std::vector<jet::Bytes> notes,
+                                           const std::stop_token& stop = {});
     FoldedChange(FoldedChange&&) = default;
     FoldedChange& operator=(FoldedChange&&) = default;
 
@@ -58,7 +61,8 @@ private:
     using Rows = std::unordered_map<std::string, std::size_t>;  // by key, positions in rows_
 
     FoldedChange() = default;
-    base::Status Add(std::span<const std::byte> note, std::vector<jet::NoteTable>& told);
+    base::Status Add(std::span<const std::byte> note, std::vector<jet::NoteTable>& told,
+                     const std::stop_token& stop);
     Place PlaceOf(const jet::NoteTable& table);
     void AddRow(const jet::NotedRow& row, const Place& place);
     void Insert(FoldedRow row);

@@ -15,8 +15,9 @@
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
-#include <map>
 #include <memory>
+#include <unordered_map>
+#include <utility>
 
 namespace history {
 namespace {
@@ -26,7 +27,7 @@ QString Text(std::u16string_view text) {
 }
 
 // What the pinball tables are called now, by the noted bytes of their ID.
-using NamesById = std::map<std::int32_t, std::u16string>;
+using NamesById = std::unordered_map<std::int32_t, std::u16string>;
 
 NamesById DisplayNames(jet::Connection& connection) {
     NamesById names;
@@ -150,14 +151,12 @@ void frmHistory::ShowChanges() {
     catalogue::ShowError(prompts_, catalogue_.CatalogueConnection->Flush());
     auto changes = file_.Changes();
     catalogue::ShowError(prompts_, changes.status());
+    names_ = {};
     changes_.Show(changes.ok() ? std::move(changes).value() : std::vector<Change>());
-    if (changes_.rowCount() > 0) changes_view_->selectRow(0);
-    ShowChosen();
-}
-
-base::Result<FoldedChange> frmHistory::ReadChange(std::uint64_t number) {
-    ASSIGN_OR_RETURN(std::vector<jet::Bytes> notes, file_.NotesOf(number));
-    return FoldedChange::Fold(std::move(notes));
+    if (changes_.rowCount() > 0)
+        changes_view_->selectRow(0);  // which shows it
+    else
+        ShowLines(nullptr);
 }
 
 // A table is called by its name, as it is now or as the change tells it.
@@ -180,13 +179,26 @@ int frmHistory::ChosenRow(const QTableView& view) const {
 }
 
 void frmHistory::ShowChosen() {
-    std::unique_ptr<ChangeLines> lines;
-    if (const auto number = changes_.NumberOf(ChosenRow(*changes_view_))) {
-        auto change = ReadChange(*number);
-        catalogue::ShowError(prompts_, change.status());
-        if (change.ok())
-            lines = std::make_unique<ChangeLines>(std::move(change).value(), NamesOfRows());
-    }
+    filtering_.Stop();
+    ShowLines(nullptr);
+    const auto number = changes_.NumberOf(ChosenRow(*changes_view_));
+    if (!number) return reading_.Stop();
+    if (!names_) names_ = NamesOfRows();
+    lblCount_->setText(QStringLiteral("Reading..."));
+    using Read = base::Result<ChangeLinesModel::LinesPointer>;
+    reading_.Start(
+        [this, number = *number, names = names_](const std::stop_token& stop) -> Read {
+            ASSIGN_OR_RETURN(auto notes, file_.NotesOf(number));
+            ASSIGN_OR_RETURN(auto change, FoldedChange::Fold(std::move(notes), stop));
+            return std::make_shared<const ChangeLines>(std::move(change), names);
+        },
+        [this](Read lines) {
+            catalogue::ShowError(prompts_, lines.status());
+            ShowLines(lines.ok() ? *std::move(lines) : nullptr);
+        });
+}
+
+void frmHistory::ShowLines(ChangeLinesModel::LinesPointer lines) {
     {
         const QSignalBlocker block_text(txtFilter_);
         const QSignalBlocker block_field(cboField_);
@@ -198,12 +210,26 @@ void frmHistory::ShowChosen() {
                 cboField_->addItem(Text(field));
     }
     lines_.Show(std::move(lines));
-    ApplyFilter();
+    ShowCount();
 }
 
+// What was shown stays until the answer is there.
 void frmHistory::ApplyFilter() {
-    lines_.Filter(txtFilter_->text(),
-                  cboField_->currentIndex() > 0 ? cboField_->currentText() : QString());
+    if (!lines_.lines()) return;
+    lblCount_->setText(QStringLiteral("Searching..."));
+    filtering_.Start(
+        [lines = lines_.lines(), text = txtFilter_->text().toStdU16String(),
+         field = cboField_->currentIndex() > 0 ? cboField_->currentText().toStdU16String()
+                                               : std::u16string()](const std::stop_token& stop) {
+            return lines->Matching(text, field, stop);
+        },
+        [this](std::vector<ChangeLines::Place> shown) {
+            lines_.ShowOnly(std::move(shown));
+            ShowCount();
+        });
+}
+
+void frmHistory::ShowCount() {
     const auto count = static_cast<std::uint64_t>(lines_.rowCount());
     lblCount_->setText(Text(GroupedNumber(count)) +
                        (count == 1 ? QStringLiteral(" field") : QStringLiteral(" fields")));
@@ -218,21 +244,21 @@ void frmHistory::EnableButtons() {
 }
 
 void frmHistory::PutFieldBack() {
-    const auto line = static_cast<std::size_t>(ChosenRow(*lines_view_));
-    const std::size_t row = lines_.lines()->RowOf(line);
-    const ChangeLine texts = lines_.lines()->Line(line);
-    const bool is_field = lines_.lines()->change().rows()[row].change == jet::RowChange::kUpdated;
+    const ChangeLines& lines = *lines_.lines();
+    const ChangeLines::Place place = lines_.PlaceOf(ChosenRow(*lines_view_));
+    const bool is_field = lines.change().rows()[place.row].change == jet::RowChange::kUpdated;
     // Of a table that was added or removed there is no single field to be put back.
     if (!is_field) return PutTableBack();
-    PutBackPart({.row = row, .column = lines_.lines()->ColumnOf(line)},
+    const ChangeLine texts = lines.Line(place);
+    PutBackPart({.row = place.row, .column = lines.ColumnOf(place)},
                 QStringLiteral("Put back %1 of %2?").arg(Text(texts.field), Text(texts.row)));
 }
 
 void frmHistory::PutTableBack() {
-    const auto line = static_cast<std::size_t>(ChosenRow(*lines_view_));
-    PutBackPart({.row = lines_.lines()->RowOf(line), .column = {}},
+    const ChangeLines::Place place = lines_.PlaceOf(ChosenRow(*lines_view_));
+    PutBackPart({.row = place.row, .column = {}},
                 QStringLiteral("Put back all that this change did to %1?")
-                    .arg(Text(lines_.lines()->Line(line).row)));
+                    .arg(Text(lines_.lines()->Line(place).row)));
 }
 
 void frmHistory::PutBackPart(const PartOfChange& part, const QString& what) {

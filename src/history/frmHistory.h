@@ -7,6 +7,7 @@
 #include "history/history_file.h"
 #include "history/history_models.h"
 #include "history/put_back.h"
+#include "platform/latest_task.h"
 #include "platform/user_prompts.h"
 
 #include <QtWidgets/QDialog>
@@ -38,11 +39,13 @@ private:
 
     // Reads the changes; the newest is chosen.
     void ShowChanges();
+    // Reads the chosen change, and then filters its lines, in a thread of their own: 100,000 tables
+    // take some tenths of a second each.
     void ShowChosen();
-    base::Result<FoldedChange> ReadChange(std::uint64_t number);
+    void ShowLines(ChangeLinesModel::LinesPointer lines);
     ChangeLines::RowNames NamesOfRows();
-    void ShowFields(const ChangeLines& lines);
     void ApplyFilter();
+    void ShowCount();
     void EnableButtons();
     int ChosenRow(const QTableView& view) const;
     // Asks, and puts the chosen change back, or a part of it.
@@ -56,6 +59,7 @@ private:
     std::function<void()> rows_changed_;
     ChangeListModel changes_;
     ChangeLinesModel lines_;
+    ChangeLines::RowNames names_;  // empty: not asked for yet
     QTableView* changes_view_ = nullptr;
     QTableView* lines_view_ = nullptr;
     QLineEdit* txtFilter_ = nullptr;
@@ -65,6 +69,8 @@ private:
     QPushButton* cmdTable_ = nullptr;
     QPushButton* cmdAll_ = nullptr;
     QPushButton* cmdClose_ = nullptr;
+    platform::LatestTask<base::Result<ChangeLinesModel::LinesPointer>> reading_;
+    platform::LatestTask<std::vector<ChangeLines::Place>> filtering_;
 };
 
 }  // namespace history

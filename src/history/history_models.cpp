@@ -69,21 +69,21 @@ QVariant ChangeListModel::headerData(int section, Qt::Orientation orientation, i
     return kNames.at(static_cast<std::size_t>(section)).toString();
 }
 
-void ChangeLinesModel::Show(std::unique_ptr<ChangeLines> lines) {
+void ChangeLinesModel::Show(LinesPointer lines) {
     beginResetModel();
     lines_ = std::move(lines);
+    shown_ = lines_ ? lines_->all() : std::vector<ChangeLines::Place>();
     endResetModel();
 }
 
-void ChangeLinesModel::Filter(const QString& text, const QString& field) {
-    if (!lines_) return;
+void ChangeLinesModel::ShowOnly(std::vector<ChangeLines::Place> shown) {
     beginResetModel();
-    lines_->Filter(text.toStdU16String(), field.toStdU16String());
+    shown_ = std::move(shown);
     endResetModel();
 }
 
 int ChangeLinesModel::rowCount(const QModelIndex& parent) const {
-    return parent.isValid() || !lines_ ? 0 : static_cast<int>(lines_->size());
+    return parent.isValid() ? 0 : static_cast<int>(shown_.size());
 }
 
 int ChangeLinesModel::columnCount(const QModelIndex& parent) const {
@@ -92,7 +92,7 @@ int ChangeLinesModel::columnCount(const QModelIndex& parent) const {
 
 QVariant ChangeLinesModel::data(const QModelIndex& index, int role) const {
     if (role != Qt::DisplayRole || !index.isValid() || index.row() >= rowCount()) return {};
-    const ChangeLine line = lines_->Line(static_cast<std::size_t>(index.row()));
+    const ChangeLine line = lines_->Line(PlaceOf(index.row()));
     switch (index.column()) {
     case kTable:
         return OneLine(line.row);

@@ -42,10 +42,15 @@ public:
     enum Column { kTable, kField, kBefore, kAfter, kColumnCount };
     using QAbstractTableModel::QAbstractTableModel;
 
-    void Show(std::unique_ptr<ChangeLines> lines);
-    void Filter(const QString& text, const QString& field);
+    using LinesPointer = std::shared_ptr<const ChangeLines>;
+    // All lines of a change; null: none.
+    void Show(LinesPointer lines);
+    // Some of them.
+    void ShowOnly(std::vector<ChangeLines::Place> shown);
     // null: nothing is shown.
-    const ChangeLines* lines() const { return lines_.get(); }
+    const LinesPointer& lines() const { return lines_; }
+    // Requires: there is such a line.
+    ChangeLines::Place PlaceOf(int row) const { return shown_.at(static_cast<std::size_t>(row)); }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -53,7 +58,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
-    std::unique_ptr<ChangeLines> lines_;
+    LinesPointer lines_;
+    std::vector<ChangeLines::Place> shown_;
 };
 
 }  // namespace history

@@ -52,6 +52,26 @@ TEST_F(HistoryFileTest, TellsWhatWasDone) {
     EXPECT_EQ(Changes().back().number, 5U);
 }
 
+// Nobody asks in between, so that all is counted at once, at the end.
+TEST_F(HistoryFileTest, ARowThatACommandChangesTwiceCountsOnce) {
+    InsertMany(3);
+    {
+        const jet::NamedChange named(*connection_, u"Reset");
+        Run(u"UPDATE Games SET Points = 5");
+        Run(u"UPDATE Games SET Points = 6 WHERE ID > 1");
+        Run(u"UPDATE Games SET Name = 'x' WHERE ID = 3");
+    }
+    RunNamed(u"Edit", u"UPDATE Games SET Points = 7 WHERE ID = 1");
+    const std::vector<Change> changes = Changes();
+    ASSERT_EQ(changes.size(), 3U);
+    EXPECT_EQ(changes[0].rows(), 3U);
+    EXPECT_EQ(changes[1].rows(), 3U);
+    EXPECT_EQ(changes[1].fields, 6U);
+    EXPECT_EQ(changes[2].rows(), 1U);
+    Reopen();
+    EXPECT_EQ(Changes(), changes);
+}
+
 TEST_F(HistoryFileTest, OfAnotherFileIsSetAside) {
     const std::vector<std::byte> old_copy = files_->Get(kPath);
     InsertMany(2);
