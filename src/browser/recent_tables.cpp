@@ -9,7 +9,7 @@ base::Result<std::vector<RecentTable>> RecentTables(jet::Connection& connection)
                      connection.Execute(u"Select Top 10 ID, DisplayName from Tables where "
                                         u"LastPlayed is not null order by LastPlayed desc, ID"));
     std::vector<RecentTable> tables;
-    while (!rows.Eof() && tables.size() < kMostRecentTables) {
+    while (!rows.Eof() && tables.size() < kMaxRecentTables) {
         ASSIGN_OR_RETURN(const jet::Value id, rows.Fields(std::size_t{0}));
         ASSIGN_OR_RETURN(const jet::Value name, rows.Fields(std::size_t{1}));
         tables.push_back({catalogue::FieldText(id), catalogue::FieldText(name)});

@@ -10,7 +10,7 @@
 
 namespace browser {
 
-inline constexpr int kMostRecentTables = 10;
+inline constexpr int kMaxRecentTables = 10;
 
 struct RecentTable {
     QString id;
@@ -18,7 +18,7 @@ struct RecentTable {
     bool operator==(const RecentTable&) const = default;
 };
 
-// The last one first; at most kMostRecentTables.
+// The last one first; at most kMaxRecentTables.
 base::Result<std::vector<RecentTable>> RecentTables(jet::Connection& connection);
 
 }  // namespace browser

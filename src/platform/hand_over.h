@@ -3,7 +3,7 @@
 // folder, in the user's folder for such things, which nobody else may enter. The second connects,
 // sends
 //   8 bytes   "tavolo1\n"
-//   4 bytes   how many bytes follow, least significant first; at most kMostPathBytes; 0: no path
+//   4 bytes   how many bytes follow, least significant first; at most kMaxPathBytes; 0: no path
 //   n bytes   the path, UTF-16, least significant byte first
 // and is answered 'y' when the path was taken, 'n' when it was not. Paths are texts as the
 // catalogue stores them. Threads: the user-interface thread.
@@ -19,7 +19,7 @@
 namespace platform {
 
 // A path has at most 32767 UTF-16 units on the system that allows most.
-inline constexpr int kMostPathBytes = 65534;
+inline constexpr int kMaxPathBytes = 65534;
 
 // Listens as long as it lives.
 class PathReceiver {

@@ -171,7 +171,7 @@ TEST_F(HandOverTest, WhatIsNoMessageIsRefused) {
     EXPECT_EQ(Say("GET / HTTP/1.1\r\n\r\n"), 'n');
     EXPECT_EQ(Say(Message(3, path.left(3))), 'n');
     EXPECT_EQ(Say(Message(0xFFFFFFFF, path)), 'n');
-    EXPECT_EQ(Say(Message(kMostPathBytes + 2, path)), 'n');
+    EXPECT_EQ(Say(Message(kMaxPathBytes + 2, path)), 'n');
     EXPECT_EQ(Say(Message(4, path + path)), 'n') << "more than was said";
     EXPECT_EQ(Say(Message(4, QByteArray("a\0b\0", 4))), 'n') << "not absolute";
     EXPECT_EQ(Say(Message(8, QByteArray("/\0.\0.\0/\0", 8))), 'n') << "not plain";

@@ -21,7 +21,7 @@ constexpr char kYes = 'y';
 constexpr char kNo = 'n';
 // Whoever says nothing more is sent away.
 constexpr int kPatienceMs = 5000;
-constexpr int kMostCallers = 8;
+constexpr int kMaxCallers = 8;
 
 QByteArray MessageOf(const QString& path) {
     QByteArray message = kGreeting.toByteArray();
@@ -41,7 +41,7 @@ Heard Understand(const QByteArray& bytes) {
     if (!kGreeting.startsWith(bytes.left(kGreeting.size()))) return {.is_wrong = true, .path = {}};
     if (bytes.size() < kHeadBytes) return {};
     const auto length = qFromLittleEndian<quint32>(bytes.constData() + kGreeting.size());
-    if (length > kMostPathBytes || length % 2 != 0) return {.is_wrong = true, .path = {}};
+    if (length > kMaxPathBytes || length % 2 != 0) return {.is_wrong = true, .path = {}};
     const auto whole = kHeadBytes + static_cast<qsizetype>(length);
     if (bytes.size() > whole) return {.is_wrong = true, .path = {}};
     if (bytes.size() < whole) return {};
@@ -56,7 +56,7 @@ class LocalReceiver final : public PathReceiver {
 public:
     explicit LocalReceiver(TakePath take) : take_(std::move(take)) {
         server_.setSocketOptions(QLocalServer::UserAccessOption);
-        server_.setMaxPendingConnections(kMostCallers);
+        server_.setMaxPendingConnections(kMaxCallers);
         QObject::connect(&server_, &QLocalServer::newConnection, &server_, [this] { Welcome(); });
     }
 
@@ -76,11 +76,11 @@ private:
     void Welcome() {
         while (QLocalSocket* const caller = server_.nextPendingConnection()) {
             QObject::connect(caller, &QLocalSocket::disconnected, caller, &QObject::deleteLater);
-            if (server_.findChildren<QLocalSocket*>().size() > kMostCallers) {
+            if (server_.findChildren<QLocalSocket*>().size() > kMaxCallers) {
                 caller->abort();
                 continue;
             }
-            caller->setReadBufferSize(kHeadBytes + kMostPathBytes + 1);
+            caller->setReadBufferSize(kHeadBytes + kMaxPathBytes + 1);
             QObject::connect(caller, &QLocalSocket::readyRead, caller,
                              [this, caller] { Hear(*caller); });
             QTimer::singleShot(kPatienceMs, caller, [caller] { caller->abort(); });
@@ -90,7 +90,7 @@ private:
 
     // Nothing is taken from the socket before all is there: it holds no more than a message has.
     void Hear(QLocalSocket& caller) {
-        const Heard heard = Understand(caller.peek(kHeadBytes + kMostPathBytes + 1));
+        const Heard heard = Understand(caller.peek(kHeadBytes + kMaxPathBytes + 1));
         if (!heard.is_wrong && !heard.path) return;
         caller.disconnect(&caller, &QLocalSocket::readyRead, nullptr, nullptr);
         const bool is_taken = !heard.is_wrong && take_(*heard.path);
@@ -120,7 +120,7 @@ base::Result<std::unique_ptr<PathReceiver>> ReceivePaths(const QString& folder, 
 
 base::Status HandPathOver(const QString& folder, const QString& path, int timeout_ms) {
     const QString name = SocketName(folder);
-    if (path.size() * 2 > kMostPathBytes)
+    if (path.size() * 2 > kMaxPathBytes)
         return {base::StatusCode::kInvalidArgument, "the path is too long"};
     QLocalSocket socket;
     if (!name.isEmpty()) socket.connectToServer(name);

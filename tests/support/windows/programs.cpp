@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view kStatusMark = "\n<status>";
 constexpr std::string_view kEndMark = "<end>";
-constexpr std::chrono::seconds kLongestRun{60};
+constexpr std::chrono::seconds kMaxRunLength{60};
 
 // How the system around Wine calls a file of this one.
 std::string NameOutside(const std::string& word) {
@@ -60,7 +60,7 @@ ProgramRun RunOutside(const std::string& line) {
         run.output = TextIn(path);
         return run.output.ends_with(kEndMark);
     };
-    if (!child.started || !WaitFor(is_done, kLongestRun)) return run;
+    if (!child.started || !WaitFor(is_done, kMaxRunLength)) return run;
     const std::size_t mark = run.output.rfind(kStatusMark);
     if (mark == std::string::npos) return run;
     run.status = std::atoi(run.output.c_str() + mark + kStatusMark.size());
