@@ -73,6 +73,7 @@ constexpr MenuItem kEdit[] = {
 constexpr EnabledWhen kShown = EnabledWhen::kRecordIsShown;
 constexpr EnabledWhen kChanged = EnabledWhen::kRecordIsChanged;
 constexpr EnabledWhen kFree = EnabledWhen::kTreeIsFree;
+constexpr EnabledWhen kWall = EnabledWhen::kWallIsShown;
 
 constexpr MenuItem kTable[] = {
     {u"mnuEditDetails", u"&Edit Details", &A::edit_details, kShown, false, 0, u"Ctrl+E"},
@@ -87,6 +88,10 @@ constexpr MenuItem kTable[] = {
     kSeparator,
     {u"mnuRefreshTree", u"&Refresh Tree", &A::refresh_tree, kFree, false, 0, u"F5"},
     {u"mnuRandom", u"Select One at Rando&m", &A::select_random, kFree, false, 0, u"Ctrl+R"},
+    kSeparator,
+    {u"mnuWall", u"&Wall of Pictures", &A::toggle_wall, kAlways, true, 0, u"F9"},
+    {u"mnuLarger", u"Lar&ger Pictures", &A::larger_pictures, kWall, false, 0, u"Ctrl++; Ctrl+="},
+    {u"mnuSmaller", u"Sma&ller Pictures", &A::smaller_pictures, kWall, false, 0, u"Ctrl+-"},
     kSeparator,
     {u"mnuKeys", u"&Keys...", &A::show_keys, kAlways, false, 0, u"Ctrl+/"},
 };
@@ -126,6 +131,8 @@ bool IsAllowed(EnabledWhen rule, const MainWindowState& state) {
         return state.record_is_changed;
     case EnabledWhen::kTreeIsFree:
         return !state.record_is_changed;
+    case EnabledWhen::kWallIsShown:
+        return state.wall_is_shown;
     }
     return true;
 }

@@ -57,6 +57,9 @@ struct CommandActions {
     Action copy_as_text{};
     Action copy_file{};
     Action select_random{};
+    Action toggle_wall{};
+    Action larger_pictures{};
+    Action smaller_pictures{};
     Action show_keys{};
 };
 
@@ -70,6 +73,7 @@ enum class EnabledWhen {
     kRecordIsShown,    // and not changed
     kRecordIsChanged,  // and not yet stored
     kTreeIsFree,       // no changed record locks it
+    kWallIsShown,      // the tables are shown as pictures
 };
 
 // The input of the rules.
@@ -78,6 +82,7 @@ struct MainWindowState {
     bool window_is_normal = true;  // neither minimised nor maximised
     bool record_is_shown = true;
     bool record_is_changed = false;
+    bool wall_is_shown = true;
 };
 
 bool IsAllowed(EnabledWhen rule, const MainWindowState& state);

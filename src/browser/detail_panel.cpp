@@ -9,7 +9,7 @@
 #include "catalogue/process_values.h"
 #include "jet/errors.h"
 #include "platform/files.h"
-#include "tableinfo/storage_tools.h"
+#include "thumbnails/table_picture.h"
 #include "widgets/object_names.h"
 
 namespace browser {
@@ -145,17 +145,16 @@ void DetailPanel::ShowRecord(const TableRecord& record) {
 // The picture file that a field names; empty if it names none.
 PictureSource DetailPanel::FileIn(DetailField field) const {
     const QString path = controls_.txtDet[field].Text();
-    return IsUsablePictureFile(path) ? PictureSource::File(path) : PictureSource();
+    return thumbnails::IsUsablePictureFile(path) ? PictureSource::File(path) : PictureSource();
 }
 
 // Without an image file, the screenshot in the table file is shown; if that is damaged, the
 // sequence continues.
 widgets::PictureStep DetailPanel::ScreenshotStep() const {
-    if (auto file = FileIn(kImageFile); !file.is_empty())
-        return {controls_.imgShot, std::move(file), kLoadingScreenShot};
-    const auto bytes = tableinfo::LoadTableScreenshot(controls_.txtDet[kFileName].Text());
-    return {controls_.imgShot, PictureSource::Bytes(bytes.value_or(QByteArray())),
-            kLoadingScreenShot, false};
+    auto source = thumbnails::ScreenshotOf(
+        {controls_.txtDet[kImageFile].Text(), controls_.txtDet[kFileName].Text()});
+    const bool is_file = !source.path.isEmpty();
+    return {controls_.imgShot, std::move(source), kLoadingScreenShot, is_file};
 }
 
 // The size of a picture on a hidden tab, in device pixels: that of the current tab.
@@ -238,7 +237,7 @@ void DetailPanel::Save() {
     }
     if (const auto saved = SaveTableRecord(connection(), record); !saved.ok())
         return ShowSaveFailure(record, saved);
-    host_.FileNameStored(record.fields[kId], record.fields[kFileName]);
+    host_.RecordStored(record);
     EndEdit(record.fields[kFileName]);
 }
 

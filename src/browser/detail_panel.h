@@ -24,8 +24,8 @@ public:
     virtual QString SelectedText() const = 0;
     // Makes the selected node the one that the next start selects.
     virtual void RememberSelectedNode() = 0;
-    // Called when a FileName has been stored in the record with this id.
-    virtual void FileNameStored(const QString& id, const QString& file_name) = 0;
+    // Called when the record has been stored.
+    virtual void RecordStored(const TableRecord& record) = 0;
     virtual void RefreshTree() = 0;
     // `panel` of the status bar, see status_panels.h.
     virtual void SetStatusText(int panel, const QString& text) = 0;

@@ -111,16 +111,22 @@ void FindController::Search(bool stays) {
     }
     ShowCount();
     if (stays && here_ && before == found_[*here_])
-        parts_.tree.viewport()->update();
+        ShowMarks();
     else
         ShowPlace();
 }
 
-void FindController::ShowPlace() {
+void FindController::ShowMarks() {
     parts_.tree.viewport()->update();
+    Q_EMIT MarksChanged();
+}
+
+void FindController::ShowPlace() {
+    ShowMarks();
     rest_.stop();
     if (!here_) return;
     parts_.tree.scrollTo(parts_.model.IndexOfNode(NumberOf({found_[*here_], std::nullopt})));
+    Q_EMIT PlaceShown(found_[*here_]);
     rest_.start();
 }
 
@@ -177,7 +183,7 @@ void FindController::NodeClicked(const QModelIndex& index) {
     if (place != found_.end() && *place == *table)
         here_ = static_cast<std::size_t>(place - found_.begin());
     ShowCount();
-    parts_.tree.viewport()->update();
+    ShowMarks();
 }
 
 void FindController::SelectHere() {

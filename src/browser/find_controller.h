@@ -51,7 +51,14 @@ public:
     FindMark MarkOf(std::size_t table) const;
     const std::vector<std::uint32_t>& found() const { return found_; }
 
+Q_SIGNALS:
+    // Other tables are marked than before, or the user is at another one.
+    void MarksChanged();
+    // The table is to be seen.
+    void PlaceShown(std::size_t table);
+
 private:
+    void ShowMarks();
     void Leave();
     // Takes the text away, then leaves.
     void Escape();

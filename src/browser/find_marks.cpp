@@ -19,6 +19,21 @@ QColor Accent(const QStyleOptionViewItem& option) {
 
 }  // namespace
 
+void MarkFound(QStyleOptionViewItem& option) {
+    option.font.setUnderline(true);
+    QColor tint = Accent(option);
+    tint.setAlpha(kTintAlpha);
+    option.backgroundBrush = tint;
+}
+
+void DrawHereFrame(QPainter& painter, const QStyleOptionViewItem& option) {
+    painter.save();
+    painter.setPen(QPen(Accent(option), kFrameWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(option.rect.adjusted(1, 1, -1, -1));
+    painter.restore();
+}
+
 FindMarkDelegate::FindMarkDelegate(MarkOf mark_of, QObject* parent)
     : QStyledItemDelegate(parent), mark_of_(std::move(mark_of)) {}
 
@@ -30,21 +45,13 @@ FindMark FindMarkDelegate::MarkOfNode(const QModelIndex& index) const {
 void FindMarkDelegate::initStyleOption(QStyleOptionViewItem* option,
                                        const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
-    if (MarkOfNode(index) == FindMark::kNone) return;
-    option->font.setUnderline(true);
-    QColor tint = Accent(*option);
-    tint.setAlpha(kTintAlpha);
-    option->backgroundBrush = tint;
+    if (MarkOfNode(index) != FindMark::kNone) MarkFound(*option);
 }
 
 void FindMarkDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {
     QStyledItemDelegate::paint(painter, option, index);
-    if (MarkOfNode(index) != FindMark::kHere) return;
-    painter->save();
-    painter->setPen(QPen(Accent(option), kFrameWidth));
-    painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
-    painter->restore();
+    if (MarkOfNode(index) == FindMark::kHere) DrawHereFrame(*painter, option);
 }
 
 }  // namespace browser

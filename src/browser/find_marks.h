@@ -10,6 +10,11 @@ namespace browser {
 
 enum class FindMark { kNone, kFound, kHere };
 
+// How an item of a found table is told from others, before it is drawn.
+void MarkFound(QStyleOptionViewItem& option);
+// And behind that the item where the user is.
+void DrawHereFrame(QPainter& painter, const QStyleOptionViewItem& option);
+
 class FindMarkDelegate : public QStyledItemDelegate {
 public:
     // The mark of a table (from 0).

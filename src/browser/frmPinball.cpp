@@ -4,10 +4,13 @@
 #include "browser/find_controller.h"
 #include "browser/frmKeys.h"
 #include "browser/order_bar.h"
+#include "browser/picture_wall.h"
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
 #include "browser/table_commands.h"
 #include "browser/wait_until_shown.h"
+#include "browser/wall_controller.h"
+#include "browser/wall_model.h"
 #include "browser/welcome_page.h"
 #include "catalogue/error_report.h"
 #include "catalogue/filter_kinds.h"
@@ -17,6 +20,8 @@
 #include "dialogs/program_version.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
+#include "thumbnails/table_picture.h"
+#include "thumbnails/trim_folder.h"
 
 #include <QtGui/QDragEnterEvent>
 #include <QtGui/QKeyEvent>
@@ -104,6 +109,8 @@ QWidget* frmPinball::CreateTreePane() {
     auto* pane = new QWidget(this);
     find_bar_ = new FindBar(pane);
     tvwDB_ = new TableTreeView(model_, pane);
+    wall_model_ = std::make_unique<WallModel>(model_);
+    wall_view_ = new PictureWall(*wall_model_, pane);
     cmdPlay_ = new launcher::PlayButton(*catalogue_.values, pane);
     auto* caption = new QLabel(QStringLiteral("Notes:"), pane);
     caption->setObjectName(QStringLiteral("Label1"));
@@ -122,6 +129,7 @@ QWidget* frmPinball::CreateTreePane() {
     welcome_ = new WelcomePage(pane);
     welcome_->hide();
     rows->addWidget(tvwDB_, 1);
+    rows->addWidget(wall_view_, 1);
     rows->addWidget(welcome_, 1);
     rows->addWidget(caption);
     rows->addWidget(lblComments_);
@@ -142,6 +150,7 @@ void frmPinball::CreateControllers() {
     connect(selection_.get(), &SelectionController::PlaceKept, this,
             [this](const QModelIndex& node) { tree_->ShowNode(node); });
     CreateFind();
+    CreateWall();
     CreateTableCommands();
     ConnectWelcome();
 }
@@ -154,6 +163,33 @@ void frmPinball::CreateTableCommands() {
                                [this] { return !details_->record_changed(); },
                                [this](const QString& text) { TellResult(text); },
                                [this](const base::Status& failure) { ShowFailure(failure); }});
+}
+
+void frmPinball::CreateWall() {
+    const thumbnails::ThumbnailFolders folders = thumbnails::UserThumbnailFolders();
+    wall_ = std::make_unique<WallController>(
+        WallController::Parts{model_, *tvwDB_, *wall_model_, *wall_view_, imlSmallIcons_},
+        WallController::Actions{[this](const QModelIndex& node) { tree_->ShowNode(node); },
+                                [this](std::size_t table) { return find_->MarkOf(table); },
+                                [own = folders.own] { thumbnails::TrimThumbnails(own); }},
+        [folders](const thumbnails::TablePicture& picture, QSize box) {
+            return thumbnails::LoadThumbnail(picture, box, folders);
+        });
+    connect(find_.get(), &FindController::MarksChanged, wall_.get(), &WallController::ShowMarks);
+    connect(find_.get(), &FindController::PlaceShown, wall_.get(), &WallController::ShowPlace);
+}
+
+void frmPinball::ShowWall(bool wall) {
+    wall_->Show(wall);
+    wall_->ShowViews(welcome_->isHidden());
+    menu_->SetChecked(&CommandActions::toggle_wall, wall);
+    menu_->ApplyRules(StateForKeys());
+}
+
+CommandActions frmPinball::WallActions() {
+    return {.toggle_wall = [this] { ShowWall(menu_->IsChecked(&CommandActions::toggle_wall)); },
+            .larger_pictures = [this] { wall_->Step(1); },
+            .smaller_pictures = [this] { wall_->Step(-1); }};
 }
 
 void frmPinball::ConnectWelcome() {
@@ -172,7 +208,7 @@ void frmPinball::ConnectWelcome() {
 void frmPinball::ShowTreeOrWelcome() {
     const bool has_no_tables = !model_.has_nodes() && CatalogueIsEmpty().value_or(false);
     welcome_->setVisible(has_no_tables);
-    tvwDB_->setVisible(!has_no_tables);
+    wall_->ShowViews(!has_no_tables);
 }
 
 void frmPinball::SetWelcomeActions(const WelcomeActions& actions) {
@@ -235,6 +271,7 @@ CommandActions frmPinball::OwnActions() {
 void frmPinball::ConnectCommands() {
     menu_->SetActions(OwnActions());
     menu_->SetActions(FindActions());
+    menu_->SetActions(WallActions());
     connect(cmdPlay_, &QPushButton::clicked, this, [this] { menu_->Run(&CommandActions::play); });
     connect(details_, &DetailPanel::ViewTableInfoClicked, this,
             [this] { menu_->Run(&CommandActions::view_table_info); });
@@ -271,7 +308,8 @@ MainWindowState frmPinball::StateForKeys() const {
     return {.current_tab = details_->CurrentTab(),
             .window_is_normal = IsNormal(),
             .record_is_shown = true,
-            .record_is_changed = details_->record_changed()};
+            .record_is_changed = details_->record_changed(),
+            .wall_is_shown = wall_->is_wanted()};
 }
 
 // Undo and redo say what they would take back. Closed, the menu leaves them to their keys, which
@@ -424,8 +462,9 @@ void frmPinball::RememberSelectedNode() {
     tree_->RememberSelectedNode();
 }
 
-void frmPinball::FileNameStored(const QString& id, const QString& file_name) {
-    tree_->FileNameStored(id, file_name);
+void frmPinball::RecordStored(const TableRecord& record) {
+    tree_->RecordStored(record);
+    wall_->LookAgain();
 }
 
 void frmPinball::SetStatusText(int panel, const QString& text) {
@@ -448,6 +487,7 @@ void frmPinball::LockForEdit(bool changed) {
     order_bar_->LockRefresh(changed);
     find_bar_->setEnabled(enabled);
     tvwDB_->setEnabled(enabled);
+    wall_view_->setEnabled(enabled);
     cmdPlay_->setEnabled(enabled);
     menu_->SetMenuEnabled(kFileMenu, enabled);
     menu_->SetMenuEnabled(kUtilitiesMenu, enabled);
@@ -482,13 +522,13 @@ bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
 void frmPinball::SetTabOrders() {
     QWidget* before = nullptr;
     for (const char* name :
-         {"cboFilter",   "cmdOperator", "cboFilterDet", "cboOrder",     "lblDirection",
-          "cmdGo",       "tvwDB",       "cmdPlay",      "DetTab",       "txtDet_2",
-          "txtDet_3",    "txtDet_4",    "txtDet_5",     "txtDet_6",     "txtDet_1",
-          "txtDet_7",    "Command2",    "txtDet_8",     "Command3",     "txtDet_10",
-          "Command4",    "txtDet_11",   "txtDet_9",     "chkFavorite",  "chkPinMame",
-          "cmdReadInfo", "txtDet_12",   "cmdReadRule",  "cmdSaveRules", "cmdCancelRules",
-          "cmdChange",   "cmdCancel",   "cmdDelete"}) {
+         {"cboFilter",      "cmdOperator", "cboFilterDet", "cboOrder",    "lblDirection",
+          "cmdGo",          "tvwDB",       "PictureWall",  "cmdPlay",     "DetTab",
+          "txtDet_2",       "txtDet_3",    "txtDet_4",     "txtDet_5",    "txtDet_6",
+          "txtDet_1",       "txtDet_7",    "Command2",     "txtDet_8",    "Command3",
+          "txtDet_10",      "Command4",    "txtDet_11",    "txtDet_9",    "chkFavorite",
+          "chkPinMame",     "cmdReadInfo", "txtDet_12",    "cmdReadRule", "cmdSaveRules",
+          "cmdCancelRules", "cmdChange",   "cmdCancel",    "cmdDelete"}) {
         auto* const next = findChild<QWidget*>(QLatin1String(name));
         if (before != nullptr && next != nullptr) setTabOrder(before, next);
         before = next;

@@ -29,8 +29,11 @@ class FindBar;
 class FindController;
 class OrderBar;
 class SelectionController;
+class PictureWall;
 class StatusPanels;
 class TableCommands;
+class WallController;
+class WallModel;
 class WelcomePage;
 
 // What the page of an empty catalogue offers beside the scan.
@@ -122,13 +125,16 @@ private:
     void CreateControllers();
     void CreateFind();
     void CreateTableCommands();
+    void CreateWall();
     void ConnectWelcome();
-    // The tree, or the page in its place.
+    // The tree or the wall of pictures, or the page in their place.
     void ShowTreeOrWelcome();
+    void ShowWall(bool wall);
     void ConnectCommands();
     void ConnectEditMenu();
     CommandActions OwnActions();
     CommandActions FindActions();
+    CommandActions WallActions();
     MainWindowState StateForKeys() const;
     // With the filter "All" if it must be.
     void SelectTableWithId(const QString& id);
@@ -155,7 +161,7 @@ private:
 
     // DetailHost
     void RememberSelectedNode() override;
-    void FileNameStored(const QString& id, const QString& file_name) override;
+    void RecordStored(const TableRecord& record) override;
     void SetStatusText(int panel, const QString& text) override;
     void ShowFailure(const base::Status& failure) override;
     void SetComments(const QString& text) override;
@@ -165,11 +171,13 @@ private:
     platform::UserPrompts& prompts_;
     IconList imlSmallIcons_;
     TableTreeModel model_;
+    std::unique_ptr<WallModel> wall_model_;
     std::unique_ptr<MainMenu> menu_;
     FilterBar* filter_bar_ = nullptr;
     OrderBar* order_bar_ = nullptr;
     FindBar* find_bar_ = nullptr;
     TableTreeView* tvwDB_ = nullptr;
+    PictureWall* wall_view_ = nullptr;
     WelcomePage* welcome_ = nullptr;
     WelcomeActions welcome_actions_;
     QLabel* lblComments_ = nullptr;
@@ -180,6 +188,7 @@ private:
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;
     std::unique_ptr<FindController> find_;
+    std::unique_ptr<WallController> wall_;
     std::unique_ptr<TableCommands> table_commands_;
     std::function<bool(const QString&)> take_tables_;
     std::function<void()> before_unload_;

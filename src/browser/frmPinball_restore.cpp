@@ -2,7 +2,9 @@
 #include "browser/frmPinball.h"
 
 #include "browser/order_bar.h"
+#include "browser/picture_wall.h"
 #include "browser/selection_controller.h"
+#include "browser/wall_controller.h"
 #include "catalogue/error_report.h"
 #include "catalogue/last_folders.h"
 #include "catalogue/process_values.h"
@@ -35,6 +37,8 @@ void frmPinball::RestoreWindow(const MainWindowSettings& settings) {
         move(widgets::OnAScreen(QRect(*layout.position, size()), widgets::Screens()));
     widgets::FitToScreen(*this);
     if (!layout.splitter.isEmpty()) splitter_->setSizes(layout.splitter);
+    if (layout.picture_width) wall_view_->SetPictureWidth(KnownPictureWidth(*layout.picture_width));
+    ShowWall(layout.shows_wall.value_or(false));
     if (settings.window_state == WindowState::kMaximised)
         setWindowState(windowState() | Qt::WindowMaximized);
 }
@@ -149,6 +153,10 @@ WindowLayout frmPinball::CurrentLayout() const {
     WindowLayout layout = ReadLayout(*catalogue_.settings);
     if (IsNormal() && testAttribute(Qt::WA_WState_Created)) layout.position = pos();
     layout.splitter = splitter_->sizes();
+    // Who has never had the wall keeps no word of it.
+    if (layout.shows_wall || wall_->is_wanted()) layout.shows_wall = wall_->is_wanted();
+    if (wall_view_->picture_width() != kFirstPictureWidth || layout.picture_width)
+        layout.picture_width = wall_view_->picture_width();
     return layout;
 }
 

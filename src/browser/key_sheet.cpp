@@ -24,6 +24,8 @@ constexpr Line kFirst[] = {
     {u"Right and left arrow", u"tree", u"open and close a table's lines"},
     {u"*", u"tree", u"opens all lines of the table, or of all tables"},
     {u"Menu key, Shift+F10", u"tree", u"open the pop-up menu"},
+    {u"Enter, arrow keys, letters, Menu key", u"wall of pictures", u"as in the tree"},
+    {u"Ctrl with the wheel", u"wall of pictures", u"larger and smaller pictures"},
 };
 
 // Behind them.

@@ -162,8 +162,4 @@ base::Status DeleteRecord(jet::Connection& connection, const QString& id) {
     return done.ok() ? base::Status() : done.status();
 }
 
-bool IsUsablePictureFile(const QString& path) {
-    return path.contains(QLatin1Char('.')) && platform::FileExists(path);
-}
-
 }  // namespace browser

@@ -52,7 +52,4 @@ base::Status SaveRulesText(jet::Connection& connection, const QString& id, const
 
 base::Status DeleteRecord(jet::Connection& connection, const QString& id);
 
-// True if `path` contains a "." and names an existing file.
-bool IsUsablePictureFile(const QString& path);
-
 }  // namespace browser

@@ -41,7 +41,7 @@ struct TableSnapshot::Columns {
         : id(Find(rows, u"ID")), display_name(Find(rows, u"DisplayName")),
           file_name(Find(rows, u"FileName")), favorite(Find(rows, u"Favorite")),
           pinmame(Find(rows, u"PinMame")), version(Find(rows, u"Version")),
-          times_played(Find(rows, u"TimesPlayed")) {
+          times_played(Find(rows, u"TimesPlayed")), image_file(Find(rows, u"ImageFile")) {
         for (std::size_t detail = 0; detail < details.size(); ++detail)
             details[detail] = Find(rows, kDetails[detail].column);
     }
@@ -66,6 +66,7 @@ struct TableSnapshot::Columns {
     Place pinmame;
     Place version;
     Place times_played;
+    Place image_file;
     std::array<Place, kDetailCount> details;
 };
 
@@ -129,9 +130,11 @@ base::Status TableSnapshot::AddRow(jet::Recordset& rows, const Columns& columns)
     ASSIGN_OR_RETURN(const jet::Value pinmame, Columns::ValueOf(rows, columns.pinmame));
     ASSIGN_OR_RETURN(const jet::Value version, Columns::ValueOf(rows, columns.version));
     ASSIGN_OR_RETURN(const jet::Value times_played, Columns::ValueOf(rows, columns.times_played));
+    ASSIGN_OR_RETURN(const jet::Value image_file, Columns::ValueOf(rows, columns.image_file));
     row.id = static_cast<std::int32_t>(jet::ToInteger(id));
     row.times_played = CountOf(times_played);
     row.version = KeepText(version);
+    row.image_file = KeepText(image_file);
     row.display_name = KeepText(name);
     row.file_name = KeepText(file);
     row.favorite = jet::ToBool(favorite);

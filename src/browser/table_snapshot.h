@@ -1,5 +1,5 @@
 // TableSnapshot: what the tree shows of the selected tables and what Find looks at, read when the
-// query runs. Takes 88 bytes per table and its texts (text_store.h).
+// query runs. Takes 96 bytes per table and its texts (text_store.h).
 #pragma once
 
 #include "base/status.h"
@@ -37,6 +37,8 @@ public:
     std::int32_t Id(std::size_t table) const { return rows_[table].id; }
     QString DisplayName(std::size_t table) const { return Text(rows_[table].display_name); }
     QString FileName(std::size_t table) const { return Text(rows_[table].file_name); }
+    // Empty for Null.
+    QString ImageFile(std::size_t table) const { return Text(rows_[table].image_file); }
     bool Favorite(std::size_t table) const { return rows_[table].favorite; }
     bool PinMame(std::size_t table) const { return rows_[table].pinmame; }
     QString Version(std::size_t table) const { return Text(rows_[table].version); }
@@ -66,6 +68,7 @@ private:
         TextStore::Reference display_name;
         TextStore::Reference file_name;
         TextStore::Reference version;
+        TextStore::Reference image_file;
         std::array<std::uint64_t, kDetailCount>
             details{};  // bits of a double or TextStore::Reference
     };

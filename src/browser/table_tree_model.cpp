@@ -40,6 +40,7 @@ void TableTreeModel::Show(TableSnapshot tables, const QString& root_text,
     root_icon_ = root_icon;
     icon_overrides_.clear();
     file_name_overrides_.clear();
+    image_file_overrides_.clear();
     files_.Forget();
     answered_.clear();
     file_states_.assign(tables_->size(), FileState::kUnknown);
@@ -52,6 +53,7 @@ void TableTreeModel::Clear() {
     has_nodes_ = false;
     icon_overrides_.clear();
     file_name_overrides_.clear();
+    image_file_overrides_.clear();
     files_.Forget();
     answered_.clear();
     file_states_.clear();
@@ -75,6 +77,13 @@ void TableTreeModel::SetFileName(const QModelIndex& index, const QString& file_n
     file_name_overrides_[table] = file_name;
     file_states_[table] = FileState::kUnknown;
     Q_EMIT dataChanged(index, index, {Qt::DecorationRole, kIconKeyRole, kTagRole});
+}
+
+void TableTreeModel::SetImageFile(const QModelIndex& index, const QString& image_file) {
+    const std::size_t table = *NodeOf(index).table;
+    if (ImageFileOf(table) == image_file) return;
+    image_file_overrides_[table] = image_file;
+    Q_EMIT dataChanged(index, index, {Qt::DecorationRole});
 }
 
 QModelIndex TableTreeModel::RootIndex() const {
@@ -199,6 +208,11 @@ QString TableTreeModel::TableIconKey(std::size_t table) const {
 QString TableTreeModel::FileNameOf(std::size_t table) const {
     const auto changed = file_name_overrides_.constFind(table);
     return changed != file_name_overrides_.cend() ? *changed : tables_->FileName(table);
+}
+
+QString TableTreeModel::ImageFileOf(std::size_t table) const {
+    const auto changed = image_file_overrides_.constFind(table);
+    return changed != image_file_overrides_.cend() ? *changed : tables_->ImageFile(table);
 }
 
 // False as long as the file has not been tested.

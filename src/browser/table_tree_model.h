@@ -60,6 +60,8 @@ public:
     void SetTableIcon(const QModelIndex& index, const QString& icon_key);
     // Overrides a table's FileName until the next Show. Requires: `index` is a table.
     void SetFileName(const QModelIndex& index, const QString& file_name);
+    // The same for its ImageFile.
+    void SetImageFile(const QModelIndex& index, const QString& image_file);
 
     QModelIndex RootIndex() const;
     // Invalid if there is no such node.
@@ -74,6 +76,9 @@ public:
     // The table that an index is, or is a detail line of; nullopt: the root, or an invalid index.
     std::optional<std::size_t> TableOfNode(const QModelIndex& index) const;
     QModelIndex IndexOfTable(std::size_t table) const { return IndexOf({table, std::nullopt}); }
+    // As set since the last Show, or as it was read.
+    QString FileNameOf(std::size_t table) const;
+    QString ImageFileOf(std::size_t table) const;
 
     // The key of the table with this id, see kNodeKeyRole.
     static QString NodeKey(const QString& id) { return u'X' + id; }
@@ -96,7 +101,6 @@ private:
     QString TagOf(const Node& node) const;
     QString IconKeyOf(const Node& node) const;
     QString TableIconKey(std::size_t table) const;
-    QString FileNameOf(std::size_t table) const;
     bool FileIsMissing(std::size_t table) const;
     void KeepAnswer(std::size_t table, const QString& path, bool is_there);
     void TellAnswers();
@@ -109,6 +113,7 @@ private:
     QString root_icon_;
     QHash<std::size_t, QString> icon_overrides_;
     QHash<std::size_t, QString> file_name_overrides_;
+    QHash<std::size_t, QString> image_file_overrides_;
     mutable std::vector<FileState> file_states_;
     std::vector<std::size_t> answered_;  // tables whose answers have not been told yet
 };

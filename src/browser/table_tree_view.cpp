@@ -3,6 +3,7 @@
 #include "base/scope_guards.h"
 #include "browser/main_window_settings.h"
 #include "browser/table_tree_model.h"
+#include "browser/view_keys.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
@@ -75,29 +76,28 @@ void TableTreeView::showEvent(QShowEvent* event) {
 }
 
 void TableTreeView::keyPressEvent(QKeyEvent* event) {
-    const bool is_enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (is_enter && event->isAutoRepeat()) return;  // holding the key must not play again
-    const bool is_menu = event->key() == Qt::Key_Menu ||
-                         (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier);
-    if (is_menu) {
-        const QRect node = visualRect(currentIndex());
-        Q_EMIT MenuPressed(viewport()->mapToGlobal(node.bottomLeft()));
+    switch (ViewKeyOf(*event)) {
+    case ViewKey::kPlay:
+        if (event->isAutoRepeat()) return;  // holding the key must not play again
+        Q_EMIT EnterPressed();
+        Q_EMIT KeyPressed();
         return;
-    }
-    if (event->key() == Qt::Key_Delete && event->modifiers() == Qt::NoModifier) {
+    case ViewKey::kMenu:
+        Q_EMIT MenuPressed(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+        return;
+    case ViewKey::kDelete:
         if (!event->isAutoRepeat()) Q_EMIT DeletePressed();
         return;
+    case ViewKey::kCopy:
+        return event->ignore();
+    case ViewKey::kOther:
+        break;
     }
-    // The view's own answer would be to copy the name.
-    if (event->matches(QKeySequence::Copy)) return event->ignore();
-    const bool is_character = is_enter || !event->text().isEmpty();
-    if (is_enter)
-        Q_EMIT EnterPressed();
-    else if (event->key() == Qt::Key_Asterisk && currentIndex() == model()->index(0, 0))
+    if (event->key() == Qt::Key_Asterisk && currentIndex() == model()->index(0, 0))
         expandAll();  // in one go; node by node is slow for many tables
     else
         QTreeView::keyPressEvent(event);
-    if (is_character) Q_EMIT KeyPressed();
+    if (!event->text().isEmpty()) Q_EMIT KeyPressed();
 }
 
 }  // namespace browser

@@ -49,10 +49,12 @@ bool TreeController::IsTable(const QModelIndex& index) const {
     return index.data(TableTreeModel::kNodeKeyRole).isValid();
 }
 
-void TreeController::FileNameStored(const QString& id, const QString& file_name) {
+void TreeController::RecordStored(const TableRecord& record) {
     const QModelIndex selected = parts_.tree.currentIndex();
-    if (selected.data(TableTreeModel::kNodeKeyRole).toString() == TableTreeModel::NodeKey(id))
-        parts_.model.SetFileName(selected, file_name);
+    const QString key = TableTreeModel::NodeKey(record.fields[kId]);
+    if (selected.data(TableTreeModel::kNodeKeyRole).toString() != key) return;
+    parts_.model.SetFileName(selected, record.fields[kFileName]);
+    parts_.model.SetImageFile(selected, record.fields[kImageFile]);
 }
 
 void TreeController::RememberSelectedNode() {

@@ -52,8 +52,8 @@ public:
     std::int64_t SelectedNodeIndex() const { return selected_node_index_; }
     void SetSelectedNodeIndex(std::int64_t number) { selected_node_index_ = number; }
     void RememberSelectedNode();
-    // Sets the FileName of the selected node if its record has this id.
-    void FileNameStored(const QString& id, const QString& file_name);
+    // Sets what the selected node knows of the files of its record, if it is the node of `record`.
+    void RecordStored(const TableRecord& record);
 
     // Selects a node, scrolls to it and shows its table. Ignores a number that no node has.
     void SelectTableNode(std::int64_t number);

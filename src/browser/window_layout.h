@@ -13,8 +13,10 @@
 namespace browser {
 
 struct WindowLayout {
-    std::optional<QPoint> position;  // of the frame, in pixels; nullopt: the desktop chooses it
-    QList<int> splitter;             // widths of tree and details, in pixels; empty: as laid out
+    std::optional<QPoint> position;    // of the frame, in pixels; nullopt: the desktop chooses it
+    QList<int> splitter;               // widths of tree and details, in pixels; empty: as laid out
+    std::optional<bool> shows_wall;    // instead of the tree; nullopt: nothing was chosen yet
+    std::optional<int> picture_width;  // of the wall, in pixels
     bool operator==(const WindowLayout&) const = default;
 };
 

@@ -11,6 +11,12 @@ namespace platform {
 QString ProgramFolder();
 // The program's folder for the data of this user; no trailing separator. It may not exist yet.
 QString UserDataFolder();
+// The program's folder for what can be made again at any time; no trailing separator. It may not
+// exist yet.
+QString UserCacheFolder();
+// Where programs of this desktop share the thumbnails of files; it may not exist yet. Empty: they
+// share none.
+QString SharedThumbnailFolder();
 // The user's folder for pictures; it may not exist.
 QString PicturesFolder();
 // A word of the command line as text: decoded as file names are, so that it can name any file.

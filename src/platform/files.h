@@ -45,6 +45,9 @@ bool OpenFile(QFile& file, const QString& path, QIODevice::OpenMode mode);
 // Replaces the content of the file, or creates it, atomically: on failure the file is unchanged.
 // A link stays a link. kNoSpace: the disk is full.
 base::Status SaveFile(const QString& path, QByteArrayView bytes);
+// The same for a file that can be made again: it is not waited for until it is on the disk, and the
+// file, as the folders that are made for it, is this user's alone.
+base::Status SaveCacheFile(const QString& path, QByteArrayView bytes);
 // Failures are ignored.
 void RemoveFile(const QString& path);
 // kAlreadyExists: `to` exists; it is not overwritten. The copy has the permissions of the original,

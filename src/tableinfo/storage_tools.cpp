@@ -7,6 +7,7 @@
 #include "tableinfo/table_text.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,8 @@ namespace tableinfo {
 namespace {
 
 constexpr std::u16string_view kStorageName = u"TableInfo";
+// The most that a picture may take in memory anyway (widgets/picture_loader.h).
+constexpr std::uint64_t kMaxScreenshotBytes = std::uint64_t{256} * 1024 * 1024;
 
 }  // namespace
 
@@ -33,10 +36,12 @@ public:
     std::vector<cfb::Element> InfoElements() {
         return storage_ ? file_->ListReadable(*storage_) : std::vector<cfb::Element>();
     }
-    std::vector<std::byte> Read(std::u16string_view stream_name) {
+    std::vector<std::byte>
+    Read(std::u16string_view stream_name,
+         std::uint64_t most_bytes = std::numeric_limits<std::uint64_t>::max()) {
         if (!storage_) return {};
         const auto stream = file_->Find(*storage_, stream_name);
-        if (!stream.ok()) return {};
+        if (!stream.ok() || stream->size_bytes > most_bytes) return {};
         return file_->Read(*stream).value_or({});
     }
 
@@ -71,7 +76,7 @@ int TableInfoFile::ListCustomStreams(QStringList& names) {
 }
 
 std::optional<QByteArray> TableInfoFile::Screenshot() {
-    const auto bytes = impl_->Read(u"Screenshot");
+    const auto bytes = impl_->Read(u"Screenshot", kMaxScreenshotBytes);
     if (bytes.empty()) return std::nullopt;
     return QByteArray(reinterpret_cast<const char*>(bytes.data()),
                       static_cast<qsizetype>(bytes.size()));

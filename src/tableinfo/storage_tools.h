@@ -24,7 +24,8 @@ bool HasTableInfo(const QString& path);
 int ListCustomInfoStreams(const QString& path, QStringList& names);
 // One of the ten standard names, letter for letter.
 bool IsStandardInfoStream(const QString& name);
-// The picture file in stream Screenshot, not decoded. nullopt: there is none, or it is empty.
+// The picture file in stream Screenshot, not decoded. nullopt: there is none, or it is
+// empty, or larger than 256 MB.
 std::optional<QByteArray> LoadTableScreenshot(const QString& path);
 
 // The same functions on one open file. The file stays open as long as the object lives.

@@ -89,6 +89,10 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuRefreshTree &Refresh Tree\n"
                                              "mnuRandom Select One at Rando&m\n"
                                              "-\n"
+                                             "mnuWall &Wall of Pictures\n"
+                                             "mnuLarger Lar&ger Pictures\n"
+                                             "mnuSmaller Sma&ller Pictures\n"
+                                             "-\n"
                                              "mnuKeys &Keys...\n"
                                              "mnumnu Menu\n"
                                              "-\n"
@@ -153,6 +157,14 @@ TEST(CommandTableTest, AnEditAllowsToEndItAndNothingThatWouldLoseIt) {
     for (const QStringView item : {u"mnuSaveDetails", u"mnuCancelEdit", u"mnuDeleteTable"})
         EXPECT_FALSE(IsOffered(item, state));
     EXPECT_TRUE(IsOffered(u"mnuRefreshTree", state));
+}
+
+TEST(CommandTableTest, PicturesGrowOnlyWhereTheyAreShown) {
+    for (const QStringView item : {u"mnuLarger", u"mnuSmaller"}) {
+        EXPECT_FALSE(IsOffered(item, {.wall_is_shown = false}));
+        EXPECT_TRUE(IsOffered(item, {.wall_is_shown = true}));
+    }
+    EXPECT_TRUE(IsOffered(u"mnuWall", {.wall_is_shown = false}));
 }
 
 // An action without a command would never run.

@@ -22,8 +22,8 @@ public:
     QString SelectedTag() const override { return selected_tag; }
     QString SelectedText() const override { return selected_text; }
     void RememberSelectedNode() override { ++remembered; }
-    void FileNameStored(const QString& id, const QString& file_name) override {
-        stored_names[id] = file_name;
+    void RecordStored(const TableRecord& record) override {
+        stored_names[record.fields[kId]] = record.fields[kFileName];
     }
     void RefreshTree() override { ++refreshes; }
     void SetStatusText(int panel, const QString& text) override { status[panel] = text; }

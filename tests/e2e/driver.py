@@ -103,7 +103,8 @@ class Desktop:
         self.env.pop("WAYLAND_DISPLAY", None)
         self.home = Path(tempfile.mkdtemp(prefix="tavolo-home-"))
         self.env.update(HOME=str(self.home), XDG_CONFIG_HOME=str(self.home / "config"),
-                        XDG_DATA_HOME=str(self.home / "data"), XDG_RUNTIME_DIR=str(self.home))
+                        XDG_DATA_HOME=str(self.home / "data"), XDG_CACHE_HOME=str(self.home / "cache"),
+                        XDG_RUNTIME_DIR=str(self.home))
         self.manager = subprocess.Popen(["openbox"], env=self.env, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL)
         wait_for(lambda: "WM_NAME" in self._root_property("_NET_SUPPORTING_WM_CHECK") or

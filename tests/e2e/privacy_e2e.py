@@ -1,5 +1,5 @@
 """What the program asks of the system, seen by strace: it opens no socket to a network, and nothing outside of its application
-folder and the user's own folders (home, configuration, data, runtime) is written."""
+folder and the user's own folders (home, configuration, data, cache, runtime) is written."""
 
 import re
 import shlex

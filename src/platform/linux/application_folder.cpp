@@ -10,6 +10,26 @@
 #include <unistd.h>
 
 namespace platform {
+namespace {
+
+// One of the XDG base directories (freedesktop.org): what `variable` names, or `in_home` in the
+// home folder. QStandardPaths would decode the variables in the locale's character set, which has
+// not all names.
+QString BaseFolder(const char* variable, const QString& in_home,
+                   QStandardPaths::StandardLocation otherwise) {
+    const char* folder = std::getenv(variable);
+    const char* home = std::getenv("HOME");
+    if (folder != nullptr && folder[0] == '/') return DecodeFileName(folder);
+    if (home != nullptr && home[0] == '/') return FileIn(DecodeFileName(home), in_home);
+    return QStandardPaths::writableLocation(otherwise);
+}
+
+QString CacheFolder() {
+    return BaseFolder("XDG_CACHE_HOME", QStringLiteral(".cache"),
+                      QStandardPaths::GenericCacheLocation);
+}
+
+}  // namespace
 
 QString ProgramFolder() {
     std::error_code error;
@@ -21,17 +41,18 @@ QString PicturesFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
 }
 
-// QStandardPaths would decode the variables in the locale's character set, which has not all names.
-// Source: the XDG base directories, freedesktop.org.
 QString UserDataFolder() {
-    const char* data = std::getenv("XDG_DATA_HOME");
-    const char* home = std::getenv("HOME");
-    if (data != nullptr && data[0] == '/')
-        return FileIn(DecodeFileName(data), QStringLiteral("tavolo"));
-    if (home != nullptr && home[0] == '/')
-        return FileIn(DecodeFileName(home), QStringLiteral(".local/share/tavolo"));
-    return FileIn(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation),
+    return FileIn(BaseFolder("XDG_DATA_HOME", QStringLiteral(".local/share"),
+                             QStandardPaths::GenericDataLocation),
                   QStringLiteral("tavolo"));
+}
+
+QString UserCacheFolder() {
+    return FileIn(CacheFolder(), QStringLiteral("tavolo"));
+}
+
+QString SharedThumbnailFolder() {
+    return FileIn(CacheFolder(), QStringLiteral("thumbnails"));
 }
 
 QString ArgumentText(const char* argument) {

@@ -27,17 +27,27 @@ std::optional<struct stat> FileFacts(const QString& path) {
     return facts;
 }
 
+constexpr mode_t kForAll = 0666;  // less what the user has taken off
+constexpr mode_t kForUser = 0600;
+constexpr mode_t kFolderForUser = 0700;
+
 // Creates a new file in the folder of `target` and stores its name in `copy`. Returns a descriptor
 // for writing; -1 on failure, with the reason in errno.
-int CreateBeside(const std::string& target, std::string& copy) {
+int CreateBeside(const std::string& target, std::string& copy, mode_t mode) {
     constexpr int kMaxTries = 100;
     int descriptor = -1;
     for (int i = 0; descriptor < 0 && i < kMaxTries; ++i) {
         copy = target + ".new" + std::to_string(i);
-        descriptor = open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        descriptor = open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (descriptor < 0 && errno != EEXIST) break;
     }
     return descriptor;
+}
+
+// Those above `target` that are missing. A failure shows when the file is created.
+void MakeFoldersForUser(const std::string& target) {
+    for (auto end = target.find('/', 1); end != std::string::npos; end = target.find('/', end + 1))
+        mkdir(target.substr(0, end).c_str(), kFolderForUser);
 }
 
 // 0, or the errno of the failure.
@@ -167,11 +177,26 @@ base::Status SaveFile(const QString& path, QByteArrayView bytes) {
     if (exists && !S_ISREG(before.st_mode)) return SystemFailure(EISDIR, path);
     if (exists && access(target.c_str(), W_OK) != 0) return SystemFailure(errno, path);
     std::string copy;
-    const int descriptor = CreateBeside(target, copy);
+    const int descriptor = CreateBeside(target, copy, kForAll);
     if (descriptor < 0) return SystemFailure(errno, path);
     int error = WriteAll(descriptor, bytes);
     if (error == 0 && exists && fchmod(descriptor, before.st_mode & 07777) != 0) error = errno;
     if (error == 0 && fdatasync(descriptor) != 0) error = errno;
+    if (close(descriptor) != 0 && error == 0) error = errno;
+    if (error == 0 && rename(copy.c_str(), target.c_str()) != 0) error = errno;
+    if (error == 0) return {};
+    unlink(copy.c_str());
+    return SystemFailure(error, path);
+}
+
+base::Status SaveCacheFile(const QString& path, QByteArrayView bytes) {
+    const std::string target = SystemPath(path);
+    if (target.empty()) return SystemFailure(ENOENT, path);
+    MakeFoldersForUser(target);
+    std::string copy;
+    const int descriptor = CreateBeside(target, copy, kForUser);
+    if (descriptor < 0) return SystemFailure(errno, path);
+    int error = WriteAll(descriptor, bytes);
     if (close(descriptor) != 0 && error == 0) error = errno;
     if (error == 0 && rename(copy.c_str(), target.c_str()) != 0) error = errno;
     if (error == 0) return {};

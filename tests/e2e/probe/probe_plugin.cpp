@@ -12,9 +12,13 @@
 //   {"op":"tab","name":N,"index":I}     a tab of the tab widget named N
 //   {"op":"painted","name":N}           how often widgets named N were painted since the start
 //   {"op":"mark"}                       forgets the input so far; text cursors blink no more
-//   {"op":"answer"}                     {"input","painted","now"}: when the first key, button or
-//   wheel event since the mark was made, and when the last painting since then had ended, in
-//   milliseconds of the monotonic clock, which is the X server's here; -1: not yet
+//   {"op":"answer"}                     {"input","first","painted","now"}: when the first key,
+//   button or wheel event since the mark was made, and when the first and the last painting since
+//   then had ended, in milliseconds of the monotonic clock, which is the X server's here; -1: not
+//   yet
+//   {"op":"watch"}                      from now on a timer ticks every two milliseconds
+//   {"op":"stall"}                      the longest time between two ticks, and the most that the
+//   thread has worked between two, in milliseconds; the timer ends
 #include <QtCore/QCoreApplication>
 #include <QtCore/QHash>
 #include <QtCore/QJsonArray>
@@ -40,6 +44,7 @@
 #include <QtWidgets/QTabBar>
 #include <QtWidgets/QTreeView>
 
+#include <algorithm>
 #include <ctime>
 
 namespace {
@@ -196,18 +201,23 @@ private:
 
 PaintCounter* g_painted = nullptr;  // lives as long as the application
 
-double MonotonicMs() {
+double ClockMs(clockid_t clock) {
     timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
+    clock_gettime(clock, &now);
     return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+double MonotonicMs() {
+    return ClockMs(CLOCK_MONOTONIC);
 }
 
 // When the user did something, and when the answer was on the screen.
 class AnswerClock final : public QObject {
 public:
-    void Mark() { input_ms_ = painted_ms_ = -1; }
+    void Mark() { input_ms_ = first_ms_ = painted_ms_ = -1; }
     QJsonObject Answer() const {
         return {{QStringLiteral("input"), input_ms_},
+                {QStringLiteral("first"), first_ms_},
                 {QStringLiteral("painted"), painted_ms_},
                 {QStringLiteral("now"), MonotonicMs()}};
     }
@@ -227,6 +237,7 @@ protected:
         if (event->type() != QEvent::User) return QObject::event(event);
         is_posted_ = false;
         if (input_ms_ >= 0) painted_ms_ = MonotonicMs();
+        if (first_ms_ < 0) first_ms_ = painted_ms_;
         return true;
     }
 
@@ -244,11 +255,51 @@ private:
     }
 
     double input_ms_ = -1;
+    double first_ms_ = -1;
     double painted_ms_ = -1;
     bool is_posted_ = false;
 };
 
 AnswerClock* g_answer = nullptr;  // lives as long as the application
+
+// How long the program handled no events, which is how long a frame can be late.
+class Ticker final : public QObject {
+public:
+    void Start() {
+        longest_ms_ = most_work_ms_ = 0;
+        Note();
+        timer_ = startTimer(kTickMs, Qt::PreciseTimer);
+    }
+    QJsonObject Stop() {
+        killTimer(timer_);
+        return {{QStringLiteral("time"), longest_ms_}, {QStringLiteral("work"), most_work_ms_}};
+    }
+
+protected:
+    void timerEvent(QTimerEvent*) override {
+        const double last_ms = last_ms_;
+        const double worked_ms = worked_ms_;
+        Note();
+        longest_ms_ = std::max(longest_ms_, last_ms_ - last_ms);
+        most_work_ms_ = std::max(most_work_ms_, worked_ms_ - worked_ms);
+    }
+
+private:
+    static constexpr int kTickMs = 2;
+
+    void Note() {
+        last_ms_ = MonotonicMs();
+        worked_ms_ = ClockMs(CLOCK_THREAD_CPUTIME_ID);
+    }
+
+    int timer_ = 0;
+    double last_ms_ = 0;
+    double worked_ms_ = 0;
+    double longest_ms_ = 0;
+    double most_work_ms_ = 0;
+};
+
+Ticker* g_ticker = nullptr;  // lives as long as the application
 
 QJsonObject Answer(const QJsonObject& question) {
     const QString op = question[QStringLiteral("op")].toString();
@@ -260,6 +311,11 @@ QJsonObject Answer(const QJsonObject& question) {
     if (op == QLatin1String("windows")) return reply(Windows());
     if (op == QLatin1String("painted")) return reply(g_painted->Count(name));
     if (op == QLatin1String("answer")) return reply(g_answer->Answer());
+    if (op == QLatin1String("stall")) return reply(g_ticker->Stop());
+    if (op == QLatin1String("watch")) {
+        g_ticker->Start();
+        return reply(QJsonValue::Null);
+    }
     if (op == QLatin1String("mark")) {
         QGuiApplication::styleHints()->setCursorFlashTime(0);
         g_answer->Mark();
@@ -302,6 +358,8 @@ public:
         g_answer = new AnswerClock;
         g_answer->setParent(qApp);
         qApp->installEventFilter(g_answer);
+        g_ticker = new Ticker;
+        g_ticker->setParent(qApp);
         QLocalServer::removeServer(socket_name);
         connect(&server_, &QLocalServer::newConnection, this, [this] {
             QLocalSocket* socket = server_.nextPendingConnection();
