@@ -2,6 +2,7 @@
 
 #include "browser/detail_tabs.h"
 #include "browser/table_record.h"
+#include "browser/wide_page.h"
 #include "widgets/object_names.h"
 
 #include <QtWidgets/QGridLayout>
@@ -122,7 +123,9 @@ QWidget* BuildDetailsPage(DetailControls& controls) {
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidget(page);
-    return scroll;
+    // The same screenshot as on its tab: where there is room, nobody has to change tabs to see it.
+    controls.imgBeside = Named(new PictureBox, "imgBeside");
+    return new WidePage(scroll, controls.imgBeside);
 }
 
 QWidget* BuildRulesTextPage(DetailControls& controls) {

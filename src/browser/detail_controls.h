@@ -30,6 +30,7 @@ struct DetailControls {
     QPushButton* cmdCancel = nullptr;
     QPushButton* cmdDelete = nullptr;
     widgets::PictureBox* imgShot = nullptr;
+    widgets::PictureBox* imgBeside = nullptr;  // the same, beside the details of a wide window
     widgets::PictureBox* imgFlyer = nullptr;
     widgets::PictureBox* imgRules = nullptr;
     QPushButton* cmdReadRule = nullptr;

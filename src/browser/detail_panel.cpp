@@ -60,6 +60,8 @@ void DetailPanel::ConnectButtons() {
     const auto on_click = [](QAbstractButton* button, auto action) {
         connect(button, &QAbstractButton::clicked, button, action);
     };
+    connect(controls_.imgShot, &PictureBox::Changed, controls_.imgBeside,
+            [this] { controls_.imgBeside->ShowSameAs(*controls_.imgShot); });
     on_click(controls_.cmdChange, [this] { Save(); });
     on_click(controls_.cmdCancel, [this] { Cancel(); });
     on_click(controls_.cmdDelete, [this] { Delete(); });

@@ -145,6 +145,7 @@ private:
     void RestoreWindow(const MainWindowSettings& settings);
     void RestoreControls(const MainWindowSettings& settings);
     void ShowCatalogue(const MainWindowSettings& settings);
+    void GiveNamesTheirWidth();
     void ShowWhetherReadOnly();
     void SetTitle();
 

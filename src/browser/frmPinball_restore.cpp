@@ -17,8 +17,11 @@
 #include "widgets/window_place.h"
 
 #include <QtGui/QCloseEvent>
+#include <QtWidgets/QLayout>
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QSplitter>
+
+#include <algorithm>
 
 namespace browser {
 
@@ -28,6 +31,16 @@ void frmPinball::Load() {
     RestoreControls(settings);
     ShowWhetherReadOnly();
     ShowCatalogue(settings);
+    if (ReadLayout(*catalogue_.settings).splitter.isEmpty()) GiveNamesTheirWidth();
+}
+
+// Where nobody has put the splitter yet, it stands where the names are not cut, as far as the
+// details keep half of the window.
+void frmPinball::GiveNamesTheirWidth() {
+    const QMargins margins = centralWidget()->layout()->contentsMargins();
+    const int whole = width() - margins.left() - margins.right() - splitter_->handleWidth();
+    const int names = std::clamp(tvwDB_->WidthOfNames(), whole * 2 / 5, whole / 2);
+    splitter_->setSizes({names, whole - names});
 }
 
 void frmPinball::RestoreWindow(const MainWindowSettings& settings) {

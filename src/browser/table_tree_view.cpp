@@ -9,6 +9,9 @@
 #include <QtGui/QMouseEvent>
 #include <QtGui/QShowEvent>
 #include <QtWidgets/QHeaderView>
+#include <QtWidgets/QScrollBar>
+
+#include <algorithm>
 
 namespace browser {
 
@@ -31,6 +34,19 @@ void TableTreeView::SelectNode(const QModelIndex& index) {
     const base::ScopedFlag guard(selecting_);
     setCurrentIndex(index);
     scrollTo(index);
+}
+
+int TableTreeView::WidthOfNames() const {
+    constexpr int kMeasured = 500;
+    const QModelIndex root = model()->index(0, 0);
+    int longest = 0;
+    for (int row = 0; row < std::min(model()->rowCount(root), kMeasured); ++row)
+        longest = std::max(longest, fontMetrics().horizontalAdvance(
+                                        model()->index(row, 0, root).data().toString()));
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize, nullptr, this);
+    return 2 * indentation() + icon + 4 * margin + longest + 2 * frameWidth() +
+           verticalScrollBar()->sizeHint().width();
 }
 
 void TableTreeView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {

@@ -16,6 +16,8 @@ public:
 
     // Selects a node and scrolls to it, without NodeClicked.
     void SelectNode(const QModelIndex& index);
+    // In which the longest of the first names, and what stands around it, is not cut; in pixels.
+    int WidthOfNames() const;
 
 Q_SIGNALS:
     // A node was clicked or selected with the keyboard.

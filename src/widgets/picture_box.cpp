@@ -11,6 +11,8 @@ namespace widgets {
 namespace {
 
 constexpr int kResizePauseMs = 150;
+constexpr int kDark = 128;  // of 255
+constexpr qreal kDimmed = 0.35;
 
 // `size` as large as fits into `box`, in the middle of it.
 QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
@@ -21,8 +23,10 @@ QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
     return place;
 }
 
-void DrawPlaceholder(QPainter& painter, const QRectF& box) {
+// On a dark ground it is dimmed.
+void DrawPlaceholder(QPainter& painter, const QRectF& box, const QPalette& palette) {
     assets::Load();
+    if (palette.color(QPalette::Window).lightness() < kDark) painter.setOpacity(kDimmed);
     static QSvgRenderer artwork(QStringLiteral(":/tavolo/placeholder.svg"));
     artwork.render(&painter, Centred(artwork.defaultSize(), box, true));
 }
@@ -42,12 +46,12 @@ PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
 base::Status PictureBox::SetPicture(const PictureSource& source) {
     auto size = PictureSize(source);
     if (!size.ok()) {
-        ShowPlaceholder();
-        setToolTip(QString::fromStdString(size.status().message()));
+        ShowFailure(size.status());
         return size.status();
     }
     SetSource(source);
     own_size_ = *size;
+    Q_EMIT Changed();
     return {};
 }
 
@@ -56,15 +60,34 @@ void PictureBox::ShowDecoded(const PictureSource& source, const DecodedPicture& 
     own_size_ = picture.own_size;
     decoded_ = picture.image;
     is_outgrown_ = DecodedIsTooSmall();
+    Q_EMIT Changed();
 }
 
 void PictureBox::ShowPlaceholder() {
     SetSource({});
+    Q_EMIT Changed();
+}
+
+void PictureBox::ShowFailure(const base::Status& failure) {
+    SetSource({});
+    setToolTip(QString::fromStdString(failure.message()));
+    Q_EMIT Changed();
 }
 
 void PictureBox::Wait() {
     SetSource({});
     waits_ = true;
+    Q_EMIT Changed();
+}
+
+void PictureBox::ShowSameAs(const PictureBox& other) {
+    SetSource(other.source_);
+    waits_ = other.waits_;
+    own_size_ = other.own_size_;
+    decoded_ = other.decoded_;
+    is_outgrown_ = DecodedIsTooSmall();
+    setToolTip(other.toolTip());
+    Q_EMIT Changed();
 }
 
 void PictureBox::SetSource(const PictureSource& source) {
@@ -103,8 +126,7 @@ void PictureBox::Decode() {
     if (decoded.ok()) {
         decoded_ = std::move(*decoded);
     } else if (decoded_.isNull()) {
-        ShowPlaceholder();
-        setToolTip(QString::fromStdString(decoded.status().message()));
+        ShowFailure(decoded.status());
     }
 }
 
@@ -124,7 +146,7 @@ void PictureBox::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (waits_) return;
     const QImage image = ShownImage();
-    if (image.isNull()) return DrawPlaceholder(painter, rect());
+    if (image.isNull()) return DrawPlaceholder(painter, rect(), palette());
     const QSizeF natural =
         QSizeF(own_size_.isEmpty() ? image.size() : own_size_) / devicePixelRatioF();
     painter.drawImage(Centred(natural, rect(), false), image);

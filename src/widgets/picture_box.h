@@ -24,6 +24,10 @@ public:
     // A picture that has been decoded already, in the size of this box or about it.
     void ShowDecoded(const PictureSource& source, const DecodedPicture& picture);
     void ShowPlaceholder();
+    // The placeholder, with the reason as its tool tip.
+    void ShowFailure(const base::Status& failure);
+    // What `other` shows now, in the size of this box.
+    void ShowSameAs(const PictureBox& other);
     bool shows_placeholder() const { return source_.is_empty() && !waits_; }
     // Shows nothing until one of the calls above.
     void Wait();
@@ -37,6 +41,10 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+Q_SIGNALS:
+    // Another picture, or none, is shown or waited for.
+    void Changed();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -46,6 +54,7 @@ private:
     bool DecodedIsTooSmall() const;
     void Decode();
     void ShowLarge();
+    // Changed is told by the caller, when it is done.
     void SetSource(const PictureSource& source);
 
     PictureSource source_;

@@ -53,15 +53,13 @@ void PictureSequence::TakeNextStep() {
 
 void PictureSequence::Take(std::uint64_t sequence, const base::Result<DecodedPicture>& decoded) {
     if (sequence != sequence_) return;
-    const PictureStep& step = steps_[next_];
+    const PictureStep step = steps_[next_++];
     if (decoded.ok()) {
         step.box->ShowDecoded(step.source, *decoded);
     } else {
-        step.box->ShowPlaceholder();
-        step.box->setToolTip(QString::fromStdString(decoded.status().message()));
+        step.box->ShowFailure(decoded.status());
         if (step.failure_ends) return Stop();
     }
-    ++next_;
     TakeNextStep();
 }
 

@@ -222,5 +222,30 @@ TEST_F(DetailPicturesTest, ALargePictureHoldsNobodyUp) {
     EXPECT_LE(Box("imgFlyer")->ShownImage().width(), 1000);
 }
 
+TEST_F(DetailPicturesTest, AWidePanelShowsTheScreenshotBesideTheDetails) {
+    ShowTable(QStringLiteral("Attack"), Assign("ImageFile", WritePicture(QStringLiteral("a.jpg"))));
+    EXPECT_FALSE(Box("imgBeside")->isVisible());
+    panel->resize(1400, 500);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return Box("imgBeside")->isVisible(); }, 20'000));
+    EXPECT_EQ(Box("imgBeside")->source(), Box("imgShot")->source());
+    EXPECT_GT(qRed(Box("imgBeside")->ShownImage().pixel(20, 15)), 250);
+    EXPECT_GT(Line(2)->width(), 300);
+    panel->resize(500, 500);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !Box("imgBeside")->isVisible(); }, 20'000));
+}
+
+TEST_F(DetailPicturesTest, TheOneBesideTheDetailsFollows) {
+    panel->resize(1400, 500);
+    ShowTable(QStringLiteral("Attack"), Assign("ImageFile", WritePicture(QStringLiteral("a.jpg"))));
+    EXPECT_FALSE(Box("imgBeside")->shows_placeholder());
+    const QString bad = WriteFile(QStringLiteral("bad.jpg"), "no picture");
+    ShowTable(QStringLiteral("Bride"), Assign("ImageFile", bad));
+    EXPECT_TRUE(Box("imgBeside")->shows_placeholder());
+    EXPECT_FALSE(Box("imgBeside")->toolTip().isEmpty());
+    EXPECT_EQ(Box("imgBeside")->toolTip(), Box("imgShot")->toolTip());
+    panel->ClearTableDetails();
+    EXPECT_TRUE(Box("imgBeside")->toolTip().isEmpty());
+}
+
 }  // namespace
 }  // namespace browser

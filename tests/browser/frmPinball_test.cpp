@@ -8,6 +8,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QProgressBar>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QTabWidget>
 
@@ -832,6 +833,26 @@ TEST_F(MainWindowWithTables, PathsAndDatesCannotBeResetFromTheRulesText) {
     Q_EMIT Find<QMenu>(u"mnuUtilities")->aboutToShow();
     EXPECT_TRUE(Action(u"mnuRest")->isEnabled());
     EXPECT_TRUE(Action(u"mnuDates")->isEnabled());
+}
+
+TEST_F(MainWindowWithTables, AtFirstNamesAreNotCut) {
+    AddTable(S(u"Thirty Letters Are Not Too Many"));
+    Open();
+    EXPECT_FALSE(Tree()->horizontalScrollBar()->isVisible());
+}
+
+TEST_F(MainWindowWithTables, AVeryLongNameLeavesTheDetailsHalfOfTheWindow) {
+    AddTable(QString(250, u'W'));
+    Open();
+    const int half = window->width() / 2;
+    EXPECT_NEAR(window->details().width(), half, 20);
+}
+
+TEST_F(MainWindowWithTables, ASplitterThatWasPutSomewhereStaysThere) {
+    settings.values[S(u"TAVOLO/WINDOW/SPLITTER")] = S(u"200 420");
+    AddTable(QString(250, u'W'));
+    Open();
+    EXPECT_NEAR(Tree()->width(), 200, 10);
 }
 
 }  // namespace
