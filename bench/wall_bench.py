@@ -4,7 +4,7 @@
     TAVOLO_BUILD=build/release bench/wall_bench.py [--tables N] [--pictures P] [--keep FOLDER] [--verbose]
 
 P (4,000) JPEG files of 1280 x 960 are shared by the tables, so that the first pass over them decodes and the second finds what was kept.
-Measures, in the real window: the wall's first painting after F9 (aim: 150 ms); how long the window was not answering at most while Page Down
+Measures, in the real window: the wall's first painting after a click on its menu entry (aim: 150 ms); how long the window was not answering at most while Page Down
 is held (aim: 50 ms), with pictures to be made and with pictures that are kept; and the memory that it takes (aim: 128 MB). The peer is
 the tree: the same keys, held as long. "Not answering" is the longest time between two ticks of a timer of the probe, which ticks every 2 ms;
 "at work" is what the window's thread has worked between two, which other programs on the machine do not lengthen: the aim is for that.
@@ -75,6 +75,16 @@ class WallWindow(Window):
         return stall
 
 
+def point_at_the_entry(window):
+    """Of the menu: a key that is a shortcut comes to no window, and could not be timed."""
+    window.point_in(window.program.ask("menubar", name="mnuTable"))
+    window.button()
+    entry = wait_for(lambda: (lambda e: e if e and e["visible"] else None)(window.program.actions("mnuTable").get("mnuWall")), "the menu")
+    window.rest()
+    window.point_in(entry)
+    window.rest()
+
+
 def measure(window, missed):
     def note(name, value, aim):
         if value > aim:
@@ -84,16 +94,18 @@ def measure(window, missed):
     tree = window.page("the tree, Page Down held")
     window.key("Home")
     before = window.memory()[0]
-    first = window.timed(lambda: window.key("F9"))
+    point_at_the_entry(window)
     # Painted last when the pictures of the first page have come.
-    print(f"the wall, from F9 to all pictures of the first page: {first:.0f} ms", flush=True)
+    first = window.timed(window.button)
+    print(f"the wall, from a click on its entry to all pictures of the first page: {first:.0f} ms", flush=True)
     window.key("F9")
     window.rest()
-    window.program.ask("mark")
-    window.key("F9")
+    point_at_the_entry(window)
+    window.program.ask("mark", name="PictureWall")
+    window.button()
     seen = wait_for(lambda: (lambda s: s if s["first"] >= 0 else None)(window.program.ask("answer")), "the first painting")
     first = seen["first"] - seen["input"]
-    print(f"the wall, from F9 to its first painting: {first:.1f} ms (aim: {AIM_FIRST_MS})", flush=True)
+    print(f"the wall, from a click on its entry to its first painting: {first:.1f} ms (aim: {AIM_FIRST_MS})", flush=True)
     note("first painting", first, AIM_FIRST_MS)
     window.rest()
     for label in ("the wall, Page Down held, pictures to be made", "the wall, Page Down held, pictures that are kept"):

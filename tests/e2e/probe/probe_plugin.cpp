@@ -11,11 +11,11 @@
 //   {"op":"menubar","name":M}           where the menu bar shows that menu's title
 //   {"op":"tab","name":N,"index":I}     a tab of the tab widget named N
 //   {"op":"painted","name":N}           how often widgets named N were painted since the start
-//   {"op":"mark"}                       forgets the input so far; text cursors blink no more
+//   {"op":"mark","name":N}              forgets the input so far; text cursors blink no more
 //   {"op":"answer"}                     {"input","first","painted","now"}: when the first key,
-//   button or wheel event since the mark was made, and when the first and the last painting since
-//   then had ended, in milliseconds of the monotonic clock, which is the X server's here; -1: not
-//   yet
+//   button or wheel event since the mark was made, when the first painting since then had ended in
+//   which a widget named N was painted, and when the last of all, in milliseconds of the monotonic
+//   clock, which is the X server's here; -1: not yet
 //   {"op":"watch"}                      from now on a timer ticks every two milliseconds
 //   {"op":"stall"}                      the longest time between two ticks, and the most that the
 //   thread has worked between two, in milliseconds; the timer ends
@@ -214,7 +214,11 @@ double MonotonicMs() {
 // When the user did something, and when the answer was on the screen.
 class AnswerClock final : public QObject {
 public:
-    void Mark() { input_ms_ = first_ms_ = painted_ms_ = -1; }
+    void Mark(const QString& name) {
+        input_ms_ = first_ms_ = painted_ms_ = -1;
+        name_ = name;
+        is_in_painting_ = false;
+    }
     QJsonObject Answer() const {
         return {{QStringLiteral("input"), input_ms_},
                 {QStringLiteral("first"), first_ms_},
@@ -224,6 +228,7 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (watched->isWindowType() && event->spontaneous() && input_ms_ < 0) NoteInput(*event);
+        if (event->type() == QEvent::Paint && HasTheName(*watched)) is_in_painting_ = true;
         if (event->type() == QEvent::Paint && watched->isWidgetType() && !is_posted_) {
             // Comes after the painting in progress, which ends with the pixels handed over.
             is_posted_ = true;
@@ -237,7 +242,7 @@ protected:
         if (event->type() != QEvent::User) return QObject::event(event);
         is_posted_ = false;
         if (input_ms_ >= 0) painted_ms_ = MonotonicMs();
-        if (first_ms_ < 0) first_ms_ = painted_ms_;
+        if (is_in_painting_ && first_ms_ < 0) first_ms_ = painted_ms_;
         return true;
     }
 
@@ -254,6 +259,15 @@ private:
         }
     }
 
+    // The widget itself, or what it scrolls.
+    bool HasTheName(const QObject& painted) const {
+        if (name_.isEmpty()) return false;
+        return painted.objectName() == name_ ||
+               (painted.parent() != nullptr && painted.parent()->objectName() == name_);
+    }
+
+    QString name_;
+    bool is_in_painting_ = false;
     double input_ms_ = -1;
     double first_ms_ = -1;
     double painted_ms_ = -1;
@@ -318,7 +332,7 @@ QJsonObject Answer(const QJsonObject& question) {
     }
     if (op == QLatin1String("mark")) {
         QGuiApplication::styleHints()->setCursorFlashTime(0);
-        g_answer->Mark();
+        g_answer->Mark(name);
         return reply(QJsonValue::Null);
     }
     if (op == QLatin1String("actions"))
