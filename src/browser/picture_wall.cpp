@@ -52,16 +52,24 @@ void PictureWall::SetPictureWidth(int width) {
     if (width == picture_width_) return;
     picture_width_ = width;
     const QModelIndex current = currentIndex();
-    const RowRange shown = shown_rows();
-    const bool current_is_shown = current.row() >= shown.first && current.row() <= shown.last;
-    const QModelIndex kept = current_is_shown ? current : model()->index(shown.first, 0);
+    const bool current_is_shown = RowIsShown(current.row(), viewport()->height());
+    const QModelIndex kept = current_is_shown ? current : model()->index(shown_rows().first, 0);
     LayOut();
     scrollTo(kept, current_is_shown ? QAbstractItemView::EnsureVisible
                                     : QAbstractItemView::PositionAtTop);
 }
 
 RowRange PictureWall::shown_rows() const {
-    return RowsShown(cells_, verticalOffset(), viewport()->height(), model()->rowCount());
+    return ShownRows(viewport()->height());
+}
+
+RowRange PictureWall::ShownRows(int height) const {
+    return RowsShown(cells_, verticalOffset(), height, model()->rowCount());
+}
+
+bool PictureWall::RowIsShown(int row, int height) const {
+    const RowRange shown = ShownRows(height);
+    return row >= 0 && row >= shown.first && row <= shown.last;
 }
 
 void PictureWall::KeepPlace() {
@@ -146,9 +154,12 @@ void PictureWall::wheelEvent(QWheelEvent* event) {
     event->accept();
 }
 
+// What is selected and was seen stays in sight; the view gets its size after it was shown first.
 void PictureWall::resizeEvent(QResizeEvent* event) {
+    const bool was_shown = RowIsShown(currentIndex().row(), event->oldSize().height());
     LayOut();
     QListView::resizeEvent(event);
+    if (was_shown) scrollTo(currentIndex());
 }
 
 void PictureWall::changeEvent(QEvent* event) {

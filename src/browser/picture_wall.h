@@ -64,6 +64,10 @@ private:
     static WallStep StepOf(CursorAction action);
     void LayOut();
     void KeepPlace();
+    // In a view of this height, in pixels.
+    RowRange ShownRows(int height) const;
+    // Whether it is seen there, in part at least.
+    bool RowIsShown(int row, int height) const;
 
     int picture_width_ = kFirstPictureWidth;
     WallCells cells_;

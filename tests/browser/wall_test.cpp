@@ -305,6 +305,24 @@ TEST_F(WallTest, ThePlaceIsKeptWhenItIsFilledAnew) {
     EXPECT_EQ(Wall()->visualRect(Item(150)).top(), before);
 }
 
+TEST_F(WallTest, WhatIsSelectedIsWholeFromTheFirstSightOn) {
+    for (int i = 0; i < 40; ++i)
+        AddTable(QStringLiteral("More %1").arg(i, 2, 10, QLatin1Char('0')), {});
+    OpenWindow();
+    window->resize(640, 700);
+    Click(Table(20));
+    QTest::keyClick(Tree(), Qt::Key_F9);
+    const auto is_whole = [&] {
+        return Wall()->viewport()->rect().contains(Wall()->visualRect(Wall()->currentIndex()));
+    };
+    EXPECT_TRUE(QTest::qWaitFor(is_whole, 5000));
+    for (const QSize size : {QSize(1200, 500), QSize(640, 520), QSize(800, 700)}) {
+        window->resize(size);
+        QTest::qWait(150);  // longer than the view may wait before it lays out
+        EXPECT_TRUE(is_whole()) << size.width();
+    }
+}
+
 TEST_F(WallTest, ALargerSizeKeepsWhatIsSelectedInSight) {
     for (int i = 0; i < 200; ++i)
         AddTable(QStringLiteral("Many %1").arg(i, 3, 10, QLatin1Char('0')));
