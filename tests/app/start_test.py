@@ -29,14 +29,17 @@ def columns(database):
     return text.splitlines()[0].split(",")
 
 
+def leave_settings(program):
+    program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+
+
 def first_start(desktop, folder):
     with Tavolo(desktop, folder) as program:
         program.wait_window("Find New Visual Pinball Tables")
         program.picture("first start")
         program.click("cmdExit")
         program.wait_window("Settings")
-        program.click("CancelButton")
-        program.wait_window_gone("Settings")
+        leave_settings(program)
         check(program.window("Tavolo -    v. 1.6 - RC 1"), "the main window")
         program.picture("empty catalogue")
         program.close()
@@ -76,8 +79,7 @@ def made(desktop, work):
         program.wait_window("Find New Visual Pinball Tables")
         program.click("cmdExit")
         program.wait_window("Settings")
-        program.click("CancelButton")
-        program.wait_window_gone("Settings")
+        leave_settings(program)
         check(program.visible("WelcomePage"), "the page of an empty catalogue")
         check(not program.visible("tvwDB"), "the tree is not shown")
         program.picture("welcome")
@@ -128,19 +130,20 @@ def raw_names(desktop, work):
     (tables / "sys").symlink_to("/sys")
     with Tavolo(desktop, folder) as program:
         program.first_scan(tables)
-        program.click("CancelButton")
+        leave_settings(program)
         wait_for(lambda: program.text("sbrDB_1") == "2 Tables in list.  ", "two tables")
         program.picture("names that are no UTF-8")
         program.close()
     check_equal(len(export_rows(folder / "pinball.mdb")), 2, "rows of the catalogue")
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
-        program.click("CancelButton")
+        leave_settings(program)
         program.menu("mnuUtilities", "mnuPurge")
         program.click("cmdYes")
         wait_for(lambda: program.text("sbrDB_1") == "2 Tables in list.  ", "the tables are still there")
         program.menu("mnuUtilities", "mnuBackup")
         wait_for(lambda: (folder / "pinball.BU").exists(), "the backup")
+        program.message()  # comes when the file is there
         program.press("Return")
         program.close()
 
@@ -186,7 +189,7 @@ def asked_to_end(desktop, work):
     make_table_file(tables / "Attack.vpt", {"TableName": "Attack"})
     with Tavolo(desktop, folder, [str(tables / "Attack.vpt")]) as program:
         program.wait_window("Settings")
-        program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+        leave_settings(program)
         wait_for(lambda: program.text("txtDet_2") == "Attack", "the details")
         program.type_into("txtDet_4", "Anna")
         program.menu("mnuHelp", "mnuAbout")
@@ -199,7 +202,7 @@ def asked_to_end(desktop, work):
     check_equal(export_rows(folder / "pinball.mdb")[0]["Author"], "", "what nobody has saved")
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
-        program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
+        leave_settings(program)
         check_equal(program.text("txtDet_4"), "Anna", "the edit goes on")
         program.picture("the edit goes on")
         program.press("ctrl+s")
@@ -218,7 +221,7 @@ def old_catalogue(desktop, work, source):
     check(len(before) >= 40, f"{source.name} has rows")
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
-        program.click("CancelButton")
+        leave_settings(program)
         wait_for(lambda: program.text("sbrDB_1") == f"{len(before)} Tables in list.  ", "all tables")
         program.click_item("All")
         program.picture("old catalogue")
@@ -239,7 +242,7 @@ def read_only(desktop, work):
         make_table_file(work / "tables" / f"{name}.vpt")
     with Tavolo(desktop, folder) as program:
         program.first_scan(work / "tables")
-        program.click("CancelButton")
+        leave_settings(program)
         program.close()
     (folder / "pinball.mdb").chmod(0o444)
     folder.chmod(0o555)
@@ -254,7 +257,7 @@ def read_only(desktop, work):
             os.chown(path, NOBODY, NOBODY)
     with Tavolo(desktop, folder, program=wrapper) as program:
         program.wait_window("Settings")
-        program.click("CancelButton")
+        leave_settings(program)
         wait_for(lambda: program.text("sbrDB_1") == "3 Tables in list.  ", "three tables")
         program.picture("read only")
         program.close()

@@ -338,7 +338,7 @@ class Tavolo:
     def _press_at(self, rect, button=1, repeat=1, at=None):
         x = rect["x"] + (at[0] if at else rect["w"] // 2)
         y = rect["y"] + (at[1] if at else rect["h"] // 2)
-        self.desktop.xdotool("mousemove", "--sync", x, y)
+        self.desktop.xdotool("mousemove", x, y)  # --sync would wait 15 s where there is nothing to move
         self.desktop.xdotool("click", "--repeat", repeat, "--delay", 60, button)
 
     def click(self, name, button=1, repeat=1, at=None):

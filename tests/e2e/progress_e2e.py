@@ -41,8 +41,7 @@ def main():
             program.choose_file(work / "tables")
             program.wait_text("Label2", "Process Complete", 240)
             program.click_until("cmdExit", lambda: program.window("Settings"), "the settings")
-            program.click("CancelButton")
-            program.wait_window_gone("Settings")
+            program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
             program.check_tree_and_panels("All", *names()[:3])
 
             before = program.times_painted("prgLoad")
