@@ -9,9 +9,7 @@ namespace browser {
 
 class IconList {
 public:
-    IconList();
-
-    // A null icon for an unknown key. Rendered from SVG at the sizes for display scales 1 to 3.
+    // A null icon for an unknown key.
     QIcon Icon(const QString& key);
 
 private:

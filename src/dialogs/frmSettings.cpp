@@ -1,13 +1,13 @@
 #include "dialogs/frmSettings.h"
 
 #include "dialogs/executable_setting.h"
+#include "widgets/svg_icon.h"
 
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QStyle>
 #include <QtWidgets/QToolButton>
 #include <QtWidgets/QVBoxLayout>
 
@@ -32,7 +32,7 @@ void frmSettings::BuildLayout() {
 
     auto* choose = new QToolButton(this);
     choose->setObjectName(QStringLiteral("cmdExeLoc"));
-    choose->setIcon(style()->standardIcon(QStyle::SP_DirOpenIcon));
+    choose->setIcon(widgets::SvgIcon(QStringLiteral("open")));
     choose->setToolTip(QStringLiteral("Select Visual Pinball Executable"));
     choose->setAccessibleName(choose->toolTip());
     connect(choose, &QToolButton::clicked, this, &frmSettings::ChooseFile);

@@ -1,5 +1,8 @@
 #include "dialogs/help_window.h"
 
+#include "dialogs/help_text.h"
+#include "widgets/window_place.h"
+
 #include <QtCore/QFileInfo>
 #include <QtCore/QUrl>
 #include <QtGui/QAction>
@@ -15,8 +18,9 @@
 namespace dialogs {
 namespace {
 
-constexpr QSize kFirstSize(960, 640);
-constexpr int kListWidth = 190;
+// In characters of an average width, and in lines.
+constexpr QSize kFirstSize(137, 40);
+constexpr int kListWidth = 27;
 
 QAction* AddTo(QToolBar& bar, const QString& name, const QString& text, const QKeySequence& key) {
     QAction* const action = bar.addAction(text);
@@ -32,7 +36,9 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* owner)
     setObjectName(QStringLiteral("HelpWindow"));
     setWindowTitle(QStringLiteral("Tavolo Help"));
     setAttribute(Qt::WA_DeleteOnClose);
-    resize(kFirstSize);
+    resize(kFirstSize.width() * fontMetrics().averageCharWidth(),
+           kFirstSize.height() * fontMetrics().lineSpacing());
+    widgets::FitToScreen(*this);
     BuildLayout();
 }
 
@@ -66,7 +72,7 @@ QWidget* HelpWindow::MakeTools() {
 }
 
 void HelpWindow::BuildLayout() {
-    text_ = new QTextBrowser;
+    text_ = new HelpText;
     text_->setObjectName(QStringLiteral("txtHelp"));
     text_->setAccessibleName(QStringLiteral("Page"));
     text_->setSearchPaths({folder_});
@@ -88,7 +94,8 @@ void HelpWindow::BuildLayout() {
     auto* const both = new QSplitter;
     both->addWidget(left);
     both->addWidget(text_);
-    both->setSizes({kListWidth, kFirstSize.width() - kListWidth});
+    const int list_width = kListWidth * fontMetrics().averageCharWidth();
+    both->setSizes({list_width, width() - list_width});
     both->setStretchFactor(1, 1);
     auto* const all = new QVBoxLayout(this);
     all->addWidget(MakeTools());

@@ -2,6 +2,7 @@
 
 #include "base/path_pieces.h"
 #include "dialogs/file_filter.h"
+#include "dialogs/file_icons.h"
 #include "dialogs/program_version.h"
 
 #include <QtCore/QDir>
@@ -9,9 +10,13 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListView>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QTreeView>
 
 namespace dialogs {
 namespace {
@@ -126,9 +131,46 @@ private:
     QString quoted_;
 };
 
+// The labels know what they stand for; of a long folder the tool tip says all.
+void DescribeParts(QFileDialog& window) {
+    const std::pair<const char*, const char*> labels[] = {{"lookInLabel", "lookInCombo"},
+                                                          {"fileTypeLabel", "fileTypeCombo"}};
+    for (const auto& [label, field] : labels)
+        if (auto* const found = window.findChild<QLabel*>(QLatin1String(label)))
+            found->setBuddy(window.findChild<QWidget*>(QLatin1String(field)));
+    auto* const folder = window.findChild<QWidget*>(QStringLiteral("lookInCombo"));
+    if (folder == nullptr) return;
+    const auto tell = [folder](const QString& path) {
+        folder->setToolTip(QDir::toNativeSeparators(path).toHtmlEscaped());
+    };
+    tell(window.directory().path());
+    QObject::connect(&window, &QFileDialog::directoryEntered, folder, tell);
+}
+
+// Columns and places as wide as their texts, in letters of every size.
+void MakeRoomForParts(QFileDialog& window) {
+    if (auto* const files = window.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        constexpr int kMeasuredRows = 100;
+        files->header()->setResizeContentsPrecision(kMeasuredRows);
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+    if (auto* const places = window.findChild<QListView*>(QStringLiteral("sidebar")))
+        places->setMinimumWidth(places->sizeHintForColumn(0) + 3 * places->frameWidth());
+}
+
+// By Qt and not by the desktop, with the program's icons.
+void DrawItself(QFileDialog& window) {
+    static FileIcons icons;  // borrowed by every dialog
+    window.setOption(QFileDialog::DontUseNativeDialog);
+    window.setIconProvider(&icons);
+    DescribeParts(window);
+    MakeRoomForParts(window);
+}
+
 void Prepare(QFileDialog& window, const platform::FileDialog& dialog) {
     window.setObjectName(dialog.name.isEmpty() ? QStringLiteral("FileDialog") : dialog.name);
-    window.setOption(QFileDialog::DontUseNativeDialog);
+    DrawItself(window);
     if (!dialog.title.isEmpty()) window.setWindowTitle(dialog.title);
     const QStringList filters = QtNameFilters(dialog.filter);
     if (!filters.isEmpty()) window.setNameFilters(filters);
@@ -180,7 +222,7 @@ QString QtUserPrompts::ChooseFileToSave(const platform::FileDialog& dialog) {
 QString QtUserPrompts::ChooseFolder(const QString& title, const QString& start) {
     FileWindow window(Owner());
     window.setObjectName(QStringLiteral("FolderDialog"));
-    window.setOption(QFileDialog::DontUseNativeDialog);
+    DrawItself(window);
     window.setOption(QFileDialog::ShowDirsOnly);
     window.setFileMode(QFileDialog::Directory);
     window.setWindowTitle(title.isEmpty() ? QStringLiteral("Select a folder.") : title);

@@ -1,5 +1,7 @@
 #include "pictures/frmPicture.h"
 
+#include "widgets/picture_access.h"
+#include "widgets/svg_icon.h"
 #include "widgets/window_place.h"
 
 #include <QtCore/QMimeData>
@@ -11,7 +13,6 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStatusBar>
-#include <QtWidgets/QStyle>
 #include <QtWidgets/QToolBar>
 #include <QtWidgets/QVBoxLayout>
 
@@ -45,6 +46,7 @@ PictureView::PictureView(const CaptureSession& session, QWidget* parent)
     : QWidget(parent), session_(session) {
     setObjectName(QStringLiteral("view"));
     setFocusPolicy(Qt::StrongFocus);
+    widgets::DescribeAsPicture(*this, QStringLiteral("Picture"));
 }
 
 void PictureView::ShowPicture() {
@@ -102,21 +104,20 @@ void frmPicture::BuildLayout() {
 void frmPicture::BuildMenus(QMenuBar& bar) {
     QMenu* file = bar.addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("MENU_FILE"));
-    const auto icon = [this](QStyle::StandardPixmap which) { return style()->standardIcon(which); };
     QAction* set = AddAction(*file, kSaveAndSetAction.toString(), QStringLiteral("Save and Set"),
-                             icon(QStyle::SP_DialogApplyButton));
+                             widgets::SvgIcon(QStringLiteral("set_picture")));
     // Shown in the menu only: the picture itself answers the key, when it is released.
     set->setShortcut(Qt::Key_F2);
     set->setShortcutContext(Qt::WidgetShortcut);
     QAction* save = AddAction(*file, kSaveOnlyAction.toString(), QStringLiteral("Save &Only.."),
-                              icon(QStyle::SP_DialogSaveButton));
+                              widgets::SvgIcon(QStringLiteral("save")));
     save->setShortcut(QKeySequence::Save);
     QAction* paste = AddAction(*file, kPasteAction.toString(), QStringLiteral("&Paste"),
-                               icon(QStyle::SP_DialogOpenButton));
+                               widgets::SvgIcon(QStringLiteral("paste")));
     paste->setShortcut(QKeySequence::Paste);
     file->addSeparator();
     QAction* exit = AddAction(*file, QStringLiteral("MENU_EXIT"), QStringLiteral("E&xit"),
-                              icon(QStyle::SP_DialogCloseButton));
+                              widgets::SvgIcon(QStringLiteral("close")));
     connect(set, &QAction::triggered, this, &frmPicture::SaveAndSet);
     connect(save, &QAction::triggered, this, &frmPicture::SaveOnly);
     connect(paste, &QAction::triggered, this, &frmPicture::Paste);

@@ -42,6 +42,9 @@ QSize FlowLayout::minimumSize() const {
 void FlowLayout::setGeometry(const QRect& rect) {
     QLayout::setGeometry(rect);
     Arrange(rect, Place::kNow);
+    // A layout around this one may give less than the height for the width.
+    if (QWidget* const parent = parentWidget())
+        parent->setMinimumHeight(heightForWidth(rect.width()));
 }
 
 int FlowLayout::Arrange(const QRect& rect, Place place) const {

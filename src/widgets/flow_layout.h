@@ -1,5 +1,5 @@
 // FlowLayout: puts widgets beside each other at their preferred sizes, and begins another line
-// where the width ends.
+// where the width ends. Its widget is never lower than all lines.
 #pragma once
 
 #include <QtWidgets/QLayout>

@@ -2,17 +2,20 @@
 
 #include "assets.h"
 #include "widgets/large_picture_window.h"
+#include "widgets/picture_access.h"
+#include "widgets/program_palette.h"
 
+#include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtSvg/QSvgRenderer>
+#include <QtWidgets/QStyleOptionFocusRect>
 
 namespace widgets {
 namespace {
 
 constexpr int kResizePauseMs = 150;
-constexpr int kDark = 128;  // of 255
-constexpr qreal kDimmed = 0.35;
+constexpr qreal kDimmed = 0.2;
 
 // `size` as large as fits into `box`, in the middle of it.
 QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
@@ -26,14 +29,15 @@ QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
 // On a dark ground it is dimmed.
 void DrawPlaceholder(QPainter& painter, const QRectF& box, const QPalette& palette) {
     assets::Load();
-    if (palette.color(QPalette::Window).lightness() < kDark) painter.setOpacity(kDimmed);
+    if (IsDark(palette)) painter.setOpacity(kDimmed);
     static QSvgRenderer artwork(QStringLiteral(":/tavolo/placeholder.svg"));
     artwork.render(&painter, Centred(artwork.defaultSize(), box, true));
 }
 
 }  // namespace
 
-PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
+PictureBox::PictureBox(const QString& name, QWidget* parent) : QWidget(parent) {
+    DescribeAsPicture(*this, name);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     decode_again_.setSingleShot(true);
     decode_again_.setInterval(kResizePauseMs);
@@ -99,6 +103,7 @@ void PictureBox::SetSource(const PictureSource& source) {
     decode_again_.stop();
     setToolTip({});
     setCursor(!source_.is_empty() ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    setFocusPolicy(!source_.is_empty() ? Qt::StrongFocus : Qt::NoFocus);
     update();
 }
 
@@ -150,6 +155,22 @@ void PictureBox::paintEvent(QPaintEvent*) {
     const QSizeF natural =
         QSizeF(own_size_.isEmpty() ? image.size() : own_size_) / devicePixelRatioF();
     painter.drawImage(Centred(natural, rect(), false), image);
+    if (hasFocus()) DrawFocus(painter);
+}
+
+void PictureBox::DrawFocus(QPainter& painter) const {
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    focus.state |= QStyle::State_KeyboardFocusChange;  // without it some styles draw nothing
+    focus.backgroundColor = palette().color(QPalette::Window);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+}
+
+void PictureBox::keyPressEvent(QKeyEvent* event) {
+    const int key = event->key();
+    const bool presses = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+    if (!presses || source_.is_empty()) return QWidget::keyPressEvent(event);
+    if (!event->isAutoRepeat()) ShowLarge();
 }
 
 void PictureBox::mouseReleaseEvent(QMouseEvent* event) {

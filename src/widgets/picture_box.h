@@ -1,7 +1,8 @@
 // PictureBox: shows one picture with its proportions kept, centred, never enlarged; a placeholder
 // when there is none, and nothing while it waits for one. A picture is given decoded, or is decoded
 // at the size of the box when the box is first painted, and again when the box has grown. A click
-// shows the picture large in a window of its own.
+// or Enter shows the picture large in a window of its own; it takes the focus as long as there is
+// one.
 #pragma once
 
 #include "base/status.h"
@@ -17,7 +18,8 @@ class PictureBox : public QWidget {
     Q_OBJECT
 
 public:
-    explicit PictureBox(QWidget* parent = nullptr);
+    // `name`: what assistive technology calls it.
+    explicit PictureBox(const QString& name = QStringLiteral("Picture"), QWidget* parent = nullptr);
 
     // Looks at the picture's header and shows it. On failure the box shows the placeholder.
     base::Status SetPicture(const PictureSource& source);
@@ -49,10 +51,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool DecodedIsTooSmall() const;
     void Decode();
+    void DrawFocus(QPainter& painter) const;
     void ShowLarge();
     // Changed is told by the caller, when it is done.
     void SetSource(const PictureSource& source);

@@ -1,6 +1,76 @@
 #include "widgets/program_style.h"
 
+#include "widgets/program_palette.h"
+#include "widgets/svg_icon.h"
+
+#include <QtWidgets/QApplication>
+
+#include <algorithm>
+#include <array>
+
 namespace widgets {
+namespace {
+
+struct Known {
+    QStyle::StandardPixmap which;
+    const char* key;
+};
+
+// The icons that Qt's own windows ask for, by their keys in the program's family.
+constexpr std::array kKnown = {
+    Known{QStyle::SP_MessageBoxInformation, "information"},
+    Known{QStyle::SP_MessageBoxWarning, "warning"},
+    Known{QStyle::SP_MessageBoxCritical, "stop"},
+    Known{QStyle::SP_MessageBoxQuestion, "question"},
+    Known{QStyle::SP_DialogOkButton, "apply"},
+    Known{QStyle::SP_DialogYesButton, "apply"},
+    Known{QStyle::SP_DialogApplyButton, "apply"},
+    Known{QStyle::SP_DialogSaveButton, "save"},
+    Known{QStyle::SP_DialogCancelButton, "close"},
+    Known{QStyle::SP_DialogNoButton, "close"},
+    Known{QStyle::SP_DialogCloseButton, "close"},
+    Known{QStyle::SP_LineEditClearButton, "close"},
+    Known{QStyle::SP_TitleBarCloseButton, "close"},
+    Known{QStyle::SP_DirIcon, "closed"},
+    Known{QStyle::SP_DirClosedIcon, "closed"},
+    Known{QStyle::SP_DirLinkIcon, "closed"},
+    Known{QStyle::SP_DirOpenIcon, "open"},
+    Known{QStyle::SP_DirLinkOpenIcon, "open"},
+    Known{QStyle::SP_DialogOpenButton, "open"},
+    Known{QStyle::SP_FileIcon, "file"},
+    Known{QStyle::SP_FileLinkIcon, "file"},
+    Known{QStyle::SP_DirHomeIcon, "home"},
+    Known{QStyle::SP_ComputerIcon, "computer"},
+    Known{QStyle::SP_DesktopIcon, "computer"},
+    Known{QStyle::SP_DriveHDIcon, "drive"},
+    Known{QStyle::SP_DriveCDIcon, "drive"},
+    Known{QStyle::SP_DriveDVDIcon, "drive"},
+    Known{QStyle::SP_DriveFDIcon, "drive"},
+    Known{QStyle::SP_DriveNetIcon, "drive"},
+    Known{QStyle::SP_TrashIcon, "trash"},
+    Known{QStyle::SP_FileDialogToParent, "up"},
+    Known{QStyle::SP_ArrowUp, "up"},
+    Known{QStyle::SP_FileDialogBack, "back"},
+    Known{QStyle::SP_ArrowBack, "back"},
+    Known{QStyle::SP_ArrowLeft, "back"},
+    Known{QStyle::SP_ArrowForward, "forward"},
+    Known{QStyle::SP_ArrowRight, "forward"},
+    Known{QStyle::SP_FileDialogNewFolder, "new_folder"},
+    Known{QStyle::SP_FileDialogListView, "list_view"},
+    Known{QStyle::SP_FileDialogDetailedView, "details_view"},
+    Known{QStyle::SP_FileDialogContentsView, "details_view"},
+    Known{QStyle::SP_FileDialogInfoView, "details_view"},
+    Known{QStyle::SP_ToolBarHorizontalExtensionButton, "more"},
+    Known{QStyle::SP_ToolBarVerticalExtensionButton, "more"},
+};
+
+// nullptr: the family has none for it.
+const char* KeyOf(QStyle::StandardPixmap which) {
+    const auto* const found = std::ranges::find(kKnown, which, &Known::which);
+    return found != kKnown.end() ? found->key : nullptr;
+}
+
+}  // namespace
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
@@ -9,6 +79,24 @@ int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QW
     // Only the standard buttons of a row have icons: none is better than some.
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
     return QProxyStyle::styleHint(hint, option, widget, returned);
+}
+
+QIcon ProgramStyle::standardIcon(StandardPixmap which, const QStyleOption* option,
+                                 const QWidget* widget) const {
+    const char* const key = KeyOf(which);
+    return key != nullptr ? SvgIcon(QLatin1String(key))
+                          : QProxyStyle::standardIcon(which, option, widget);
+}
+
+void ProgramStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    if (is_dark_ && !IsDark(palette)) palette = DarkPalette();
+    MakeReadable(palette);
+}
+
+void ProgramStyle::SetDark(bool is_dark) {
+    is_dark_ = is_dark;
+    QApplication::setPalette(QPalette());  // takes the desktop's once more, and polishes them
 }
 
 }  // namespace widgets

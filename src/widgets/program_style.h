@@ -1,4 +1,5 @@
-// ProgramStyle: how all windows of the program look, on every desktop alike.
+// ProgramStyle: how all windows of the program look, on every desktop alike: the icons are its own
+// (svg_icon.h), and the texts of the desktop's colours can be read (program_palette.h).
 #pragma once
 
 #include <QtWidgets/QProxyStyle>
@@ -13,6 +14,17 @@ public:
 
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;
+    QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
+                       const QWidget* widget) const override;
+    using QProxyStyle::polish;
+    void polish(QPalette& palette) override;
+
+    // Dark windows, also where the desktop's colours are light. For the style of the application:
+    // all windows follow at once.
+    void SetDark(bool is_dark);
+
+private:
+    bool is_dark_ = false;
 };
 
 }  // namespace widgets

@@ -1,5 +1,7 @@
 #include "widgets/zoom_view.h"
 
+#include "widgets/picture_access.h"
+
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -26,7 +28,7 @@ ZoomView::ZoomView(const PictureSource& source, QSize own_size, QWidget* parent)
     decoder_.setMaxThreadCount(1);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
-    setAccessibleName(QStringLiteral("Picture"));
+    DescribeAsPicture(*this, QStringLiteral("Picture"));
     horizontalScrollBar()->setSingleStep(kScrollByKey);
     verticalScrollBar()->setSingleStep(kScrollByKey);
 }

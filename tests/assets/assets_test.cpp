@@ -33,13 +33,18 @@ TEST_P(Artwork, IsVisibleAtTheSizeOfATreeIcon) {
     EXPECT_GT(DrawnPixels(QString::fromLatin1(GetParam())), 16 * 16 / 8);
 }
 
-INSTANTIATE_TEST_SUITE_P(AssetsTest, Artwork,
-                         testing::Values("icons/pinball.svg", "icons/mame.svg",
-                                         "icons/favorite.svg", "icons/vp.svg", "icons/author.svg",
-                                         "icons/company.svg", "icons/year.svg",
-                                         "icons/filedate.svg", "icons/number.svg",
-                                         "icons/closed.svg", "icons/open.svg", "icons/stop.svg",
-                                         "icons/detail.svg", "placeholder.svg", "play.svg",
-                                         "play_pressed.svg", "tavolo.svg"));
+INSTANTIATE_TEST_SUITE_P(
+    AssetsTest, Artwork,
+    testing::Values("icons/apply.svg", "icons/author.svg", "icons/back.svg", "icons/close.svg",
+                    "icons/closed.svg", "icons/company.svg", "icons/computer.svg",
+                    "icons/detail.svg", "icons/details_view.svg", "icons/drive.svg",
+                    "icons/favorite.svg", "icons/file.svg", "icons/filedate.svg",
+                    "icons/forward.svg", "icons/home.svg", "icons/information.svg",
+                    "icons/list_view.svg", "icons/mame.svg", "icons/more.svg",
+                    "icons/new_folder.svg", "icons/number.svg", "icons/open.svg", "icons/paste.svg",
+                    "icons/pinball.svg", "icons/question.svg", "icons/save.svg",
+                    "icons/set_picture.svg", "icons/stop.svg", "icons/trash.svg", "icons/up.svg",
+                    "icons/vp.svg", "icons/warning.svg", "icons/year.svg", "placeholder.svg",
+                    "play.svg", "play_pressed.svg", "tavolo.svg"));
 
 }  // namespace

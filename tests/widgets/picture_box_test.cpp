@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QBuffer>
+#include <QtGui/QAccessible>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
@@ -219,6 +220,48 @@ TEST(PictureBoxTest, EscapeClosesTheLargePicture) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(large));
     QTest::keyClick(large, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
+}
+
+TEST(PictureBoxTest, TheKeyboardReachesAPictureAndShowsItLarge) {
+    PictureBox box(QStringLiteral("Screenshot"));
+    EXPECT_EQ(box.focusPolicy(), Qt::NoFocus);  // there is nothing to be shown
+    ASSERT_TRUE(box.SetPicture(Png(300, 300)).ok());
+    EXPECT_EQ(box.focusPolicy(), Qt::StrongFocus);
+    box.show();
+    const QImage before = Painted(box);
+    box.setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return box.hasFocus(); }));
+    EXPECT_NE(Painted(box), before);
+    for (const auto key : {Qt::Key_Return, Qt::Key_Space}) {
+        QTest::keyClick(&box, key);
+        ASSERT_NE(LargeWindow(), nullptr);
+        LargeWindow()->close();
+        ASSERT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
+    }
+    QTest::keyClick(&box, Qt::Key_A);
+    EXPECT_EQ(LargeWindow(), nullptr);
+    box.ShowPlaceholder();
+    EXPECT_EQ(box.focusPolicy(), Qt::NoFocus);
+}
+
+TEST(PictureBoxTest, AssistiveTechnologyFindsAPictureAndPressesIt) {
+    PictureBox box(QStringLiteral("Screenshot"));
+    ASSERT_TRUE(box.SetPicture(Png(300, 300)).ok());
+    box.show();
+    QAccessibleInterface* const access = QAccessible::queryAccessibleInterface(&box);
+    ASSERT_NE(access, nullptr);
+    EXPECT_EQ(access->role(), QAccessible::Graphic);
+    EXPECT_EQ(access->text(QAccessible::Name), QStringLiteral("Screenshot"));
+    const QString press = QAccessibleActionInterface::pressAction();
+    EXPECT_TRUE(access->actionInterface()->actionNames().contains(press));
+    access->actionInterface()->doAction(press);
+    ASSERT_NE(LargeWindow(), nullptr);
+    LargeWindow()->close();
+    ASSERT_TRUE(QTest::qWaitFor([] { return LargeWindow() == nullptr; }));
+    box.ShowPlaceholder();
+    EXPECT_FALSE(access->actionInterface()->actionNames().contains(press));
+    access->actionInterface()->doAction(press);
+    EXPECT_EQ(LargeWindow(), nullptr);
 }
 
 TEST(PictureBoxTest, AClickOnThePlaceholderShowsNothing) {
