@@ -19,6 +19,7 @@
 #include "jet/connection.h"
 #include "platform/application_folder.h"
 #include "platform/clock.h"
+#include "platform/colour_scheme.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
 #include "platform/hand_over.h"
@@ -55,10 +56,13 @@ app::Arguments ArgumentsOf(int argc, char** argv) {
     return app::ParseArguments(words);
 }
 
-void SetAppearance() {
+// As long as the result lives, the windows follow the desktop between light and dark.
+std::unique_ptr<platform::ColourSchemeWatch> SetAppearance() {
     assets::Load();
-    QApplication::setStyle(new widgets::ProgramStyle);
+    auto* const style = new widgets::ProgramStyle;  // which the application owns
+    QApplication::setStyle(style);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
+    return platform::WatchColourScheme([style](bool is_dark) { style->SetDark(is_dark); });
 }
 
 // Gives what is to be added, if anything, to the instance that has the catalogue and brings that to
@@ -186,6 +190,6 @@ int main(int argc, char** argv) {
     QApplication application(qt_argument_count, qt_arguments);
     QApplication::setApplicationName(dialogs::ApplicationTitle());
     QApplication::setDesktopFileName(QString::fromLatin1(name));
-    SetAppearance();
+    const auto colour_scheme = SetAppearance();
     return RunProgram(arguments);
 }
