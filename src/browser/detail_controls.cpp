@@ -122,9 +122,10 @@ QWidget* BuildDetailsPage(DetailControls& controls) {
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus);  // its fields have it
     scroll->setWidget(page);
     // The same screenshot as on its tab: where there is room, nobody has to change tabs to see it.
-    controls.imgBeside = Named(new PictureBox, "imgBeside");
+    controls.imgBeside = Named(new PictureBox(QStringLiteral("Screenshot")), "imgBeside");
     return new WidePage(scroll, controls.imgBeside);
 }
 
@@ -132,7 +133,9 @@ QWidget* BuildRulesTextPage(DetailControls& controls) {
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(6, 6, 6, 6);
-    column->addWidget(Adopt(controls, kRulesText, TextBox::SeveralLines()), 1);
+    QWidget* const rules = Adopt(controls, kRulesText, TextBox::SeveralLines());
+    rules->setAccessibleName(QStringLiteral("Rules Text"));
+    column->addWidget(rules, 1);
     controls.cmdReadRule = Button("cmdReadRule", QStringLiteral("Read From File"));
     controls.cmdSaveRules = Button("cmdSaveRules", QStringLiteral("Save"));
     controls.cmdCancelRules = Button("cmdCancelRules", QStringLiteral("Cancel"));
@@ -145,11 +148,11 @@ QWidget* BuildRulesTextPage(DetailControls& controls) {
     return page;
 }
 
-QWidget* BuildPicturePage(PictureBox*& picture, const char* name) {
+QWidget* BuildPicturePage(PictureBox*& picture, const char* name, const QString& caption) {
     auto* page = new QWidget;
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(6, 6, 6, 6);
-    picture = Named(new PictureBox, name);
+    picture = Named(new PictureBox(caption), name);
     column->addWidget(picture);
     return page;
 }
@@ -157,17 +160,26 @@ QWidget* BuildPicturePage(PictureBox*& picture, const char* name) {
 QTabWidget* BuildTabs(DetailControls& controls) {
     auto* tabs = Named(new QTabWidget, "DetTab");
     tabs->setUsesScrollButtons(true);
+    const auto add_picture = [tabs](PictureBox*& picture, const char* name,
+                                    const QString& caption) {
+        tabs->addTab(BuildPicturePage(picture, name, caption), caption);
+    };
     tabs->addTab(BuildDetailsPage(controls), QStringLiteral("Details"));
-    tabs->addTab(BuildPicturePage(controls.imgShot, "imgShot"), QStringLiteral("Screenshot"));
-    tabs->addTab(BuildPicturePage(controls.imgFlyer, "imgFlyer"), QStringLiteral("Flyer"));
+    add_picture(controls.imgShot, "imgShot", QStringLiteral("Screenshot"));
+    add_picture(controls.imgFlyer, "imgFlyer", QStringLiteral("Flyer"));
     tabs->addTab(BuildRulesTextPage(controls), QStringLiteral("Rules Text"));
-    tabs->addTab(BuildPicturePage(controls.imgRules, "imgRules"), QStringLiteral("Rules Sheet"));
+    add_picture(controls.imgRules, "imgRules", QStringLiteral("Rules Sheet"));
     return tabs;
 }
 
-// The label keeps its space while it is hidden, so that nothing moves when it appears.
+// The label keeps its space while it is hidden, so that nothing moves when it appears. Its text is
+// red: that can be read on a ground that is nearly black only.
 QLabel* BuildAlert() {
     auto* alert = Named(new QLabel, "pnlAlert");
+    QPalette palette = alert->palette();
+    palette.setColor(QPalette::Window, QColor(0x12, 0x0c, 0x0c));
+    alert->setPalette(palette);
+    alert->setAutoFillBackground(true);
     alert->setAlignment(Qt::AlignCenter);
     alert->setWordWrap(true);
     QSizePolicy policy = alert->sizePolicy();

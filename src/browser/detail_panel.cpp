@@ -12,6 +12,9 @@
 #include "thumbnails/table_picture.h"
 #include "widgets/object_names.h"
 
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
+
 namespace browser {
 namespace {
 
@@ -102,6 +105,13 @@ void DetailPanel::EnableFields() {
         controls_.cmdDelete,   controls_.cmdReadRule, controls_.cmdSaveRules};
     for (QWidget* other : others)
         other->setEnabled(has_record);
+}
+
+int DetailPanel::WidthOfFields() const {
+    const auto* const scroll = findChild<QScrollArea*>();
+    const int frame = 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this);
+    return scroll->widget()->minimumSizeHint().width() +
+           scroll->verticalScrollBar()->sizeHint().width() + 2 * frame;
 }
 
 bool DetailPanel::FillFields(const QString& file_name) {

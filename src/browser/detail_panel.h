@@ -70,6 +70,8 @@ public:
     // Puts the focus into the first field of the current tab, or of the details where it has none.
     void StartEdit();
     bool shows_record() const;
+    // Pixels that the panel needs so that the details need not be scrolled sideways.
+    int WidthOfFields() const;
     // The edit in progress, to be gone on with later; nullopt: there is none.
     std::optional<KeptEdit> CurrentEdit() const;
     // Goes on with an edit. Does nothing unless its record is shown.

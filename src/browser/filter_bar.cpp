@@ -3,6 +3,7 @@
 #include "browser/value_box.h"
 #include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
+#include "widgets/button_width.h"
 
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QFrame>
@@ -11,6 +12,17 @@
 #include <QtWidgets/QPushButton>
 
 namespace browser {
+namespace {
+
+QStringList OperatorTexts() {
+    QStringList texts;
+    for (const QStringView symbol : catalogue::OperatorSymbols)
+        texts.append(symbol.toString());
+    return texts;
+}
+
+}  // namespace
+
 FilterBar::FilterBar(ValueSource values, platform::UserPrompts& prompts, IconList& icons,
                      QWidget* parent)
     : QWidget(parent), values_(std::move(values)), prompts_(prompts), icons_(icons) {
@@ -28,6 +40,7 @@ FilterBar::FilterBar(ValueSource values, platform::UserPrompts& prompts, IconLis
 void FilterBar::BuildKinds() {
     cboFilter_ = new QComboBox(this);
     cboFilter_->setObjectName(QStringLiteral("cboFilter"));
+    cboFilter_->setAccessibleName(QStringLiteral("Filter"));
     for (const catalogue::FilterKind& kind : catalogue::kFilterKinds)
         cboFilter_->addItem(icons_.Icon(kind.icon_key.toString()), kind.text.toString(),
                             kind.key.toString());
@@ -48,7 +61,7 @@ void FilterBar::BuildValue() {
     cmdOperator_ = new QPushButton(this);
     cmdOperator_->setObjectName(QStringLiteral("cmdOperator"));
     cmdOperator_->setToolTip(QStringLiteral("Click to Change Operator"));
-    cmdOperator_->setFixedWidth(36);
+    widgets::ReserveWidth(*cmdOperator_, OperatorTexts());
     connect(cmdOperator_, &QPushButton::clicked, this, &FilterBar::NextOperator);
 }
 
@@ -70,6 +83,7 @@ QString FilterBar::Comparison() const {
 
 void FilterBar::SetComparison(const QString& symbol) {
     cmdOperator_->setText(symbol);
+    cmdOperator_->setAccessibleName(QStringLiteral("Operator ") + symbol);
 }
 
 bool FilterBar::TakesValue() const {

@@ -6,6 +6,7 @@
 #include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTreeWidget>
 #include <QtWidgets/QVBoxLayout>
 
@@ -23,6 +24,7 @@ frmKeys::frmKeys(QWidget* parent) : QDialog(parent) {
     list->setUniformRowHeights(true);
     for (const KeyLine& line : KeySheet())
         list->addTopLevelItem(new QTreeWidgetItem({line.keys, line.where, line.what}));
+    list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     auto* close = new QPushButton(QStringLiteral("&Close"), this);
     close->setObjectName(QStringLiteral("cmdClose"));
@@ -34,7 +36,11 @@ frmKeys::frmKeys(QWidget* parent) : QDialog(parent) {
     auto* column = new QVBoxLayout(this);
     column->addWidget(list, 1);
     column->addLayout(buttons);
-    resize(fontMetrics().averageCharWidth() * 120, fontMetrics().lineSpacing() * 34);
+    int width = list->verticalScrollBar()->sizeHint().width() + 2 * fontMetrics().lineSpacing();
+    const QAbstractItemView& view = *list;
+    for (int i = 0; i < list->columnCount(); ++i)
+        width += view.sizeHintForColumn(i);
+    resize(width, fontMetrics().lineSpacing() * 34);
     widgets::FitToScreen(*this);
 }
 

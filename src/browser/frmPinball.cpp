@@ -528,7 +528,8 @@ void frmPinball::SetTabOrders() {
           "txtDet_1",       "txtDet_7",    "Command2",     "txtDet_8",    "Command3",
           "txtDet_10",      "Command4",    "txtDet_11",    "txtDet_9",    "chkFavorite",
           "chkPinMame",     "cmdReadInfo", "txtDet_12",    "cmdReadRule", "cmdSaveRules",
-          "cmdCancelRules", "cmdChange",   "cmdCancel",    "cmdDelete"}) {
+          "cmdCancelRules", "imgBeside",   "imgShot",      "imgFlyer",    "imgRules",
+          "cmdChange",      "cmdCancel",   "cmdDelete"}) {
         auto* const next = findChild<QWidget*>(QLatin1String(name));
         if (before != nullptr && next != nullptr) setTabOrder(before, next);
         before = next;

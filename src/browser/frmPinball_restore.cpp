@@ -35,11 +35,13 @@ void frmPinball::Load() {
 }
 
 // Where nobody has put the splitter yet, it stands where the names are not cut, as far as the
-// details keep half of the window.
+// details keep half of the window and need not be scrolled sideways.
 void frmPinball::GiveNamesTheirWidth() {
     const QMargins margins = centralWidget()->layout()->contentsMargins();
     const int whole = width() - margins.left() - margins.right() - splitter_->handleWidth();
-    const int names = std::clamp(tvwDB_->WidthOfNames(), whole * 2 / 5, whole / 2);
+    const int least = whole * 2 / 5;
+    const int most = std::clamp(whole - details_->WidthOfFields(), least, whole / 2);
+    const int names = std::clamp(tvwDB_->WidthOfNames(), least, most);
     splitter_->setSizes({names, whole - names});
 }
 

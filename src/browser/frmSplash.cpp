@@ -10,6 +10,11 @@
 namespace browser {
 namespace {
 
+constexpr double kStatusScale = 1.4;  // of the letters
+// In characters of an average width, and in lines.
+constexpr int kWidth = 56;
+constexpr int kHeight = 10;
+
 QLabel* NamedLabel(const QString& name, const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
     label->setObjectName(name);
@@ -40,7 +45,8 @@ void frmSplash::BuildLayout() {
     lblStat_->setWordWrap(true);
     lblStat_->setStyleSheet(
         QStringLiteral("background: #1d2733; color: #ffd35a; border-radius: 4px; padding: 10px;"
-                       "font-weight: bold; font-size: 13pt;"));
+                       "font-weight: bold; font-size: %1pt;")
+            .arg(qRound(font().pointSizeF() * kStatusScale)));
     QLabel* const wait =
         NamedLabel(QStringLiteral("Label1"), QStringLiteral("Please Wait..."), frame);
 
@@ -53,7 +59,8 @@ void frmSplash::BuildLayout() {
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(0, 0, 0, 0);
     outer->addWidget(frame);
-    setFixedSize(360, 150);
+    const QFontMetrics metrics = fontMetrics();
+    setFixedSize(kWidth * metrics.averageCharWidth(), kHeight * metrics.lineSpacing());
 }
 
 void frmSplash::SetStatus(const QString& text) {

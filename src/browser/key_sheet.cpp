@@ -26,6 +26,7 @@ constexpr Line kFirst[] = {
     {u"Menu key, Shift+F10", u"tree", u"open the pop-up menu"},
     {u"Enter, arrow keys, letters, Menu key", u"wall of pictures", u"as in the tree"},
     {u"Ctrl with the wheel", u"wall of pictures", u"larger and smaller pictures"},
+    {u"Enter, Space", u"pictures of a table", u"show the picture large"},
 };
 
 // Behind them.

@@ -1,6 +1,7 @@
 #include "browser/order_bar.h"
 
 #include "catalogue/selection.h"
+#include "widgets/button_width.h"
 
 #include <QtCore/QEvent>
 #include <QtWidgets/QComboBox>
@@ -49,10 +50,11 @@ void OrderBar::BuildOrder() {
         cboOrder_->addItem(order.caption.toString());
     connect(cboOrder_, &QComboBox::activated, this, &OrderBar::Changed);
 
-    lblDirection_ = new QPushButton(QStringLiteral("Asc"), this);
+    lblDirection_ = new QPushButton(this);
     lblDirection_->setObjectName(QStringLiteral("lblDirection"));
     lblDirection_->setToolTip(QStringLiteral("Changes Sort Direction"));
-    lblDirection_->setFixedWidth(48);
+    widgets::ReserveWidth(*lblDirection_, {QStringLiteral("Asc"), QStringLiteral("Desc")});
+    SetDirection(QStringLiteral("Asc"));
     connect(lblDirection_, &QPushButton::clicked, this, &OrderBar::ToggleDirection);
 }
 
@@ -80,6 +82,7 @@ QString OrderBar::Direction() const {
 
 void OrderBar::SetDirection(const QString& caption) {
     lblDirection_->setText(caption);
+    lblDirection_->setAccessibleName(QStringLiteral("Direction ") + caption);
 }
 
 void OrderBar::Describe(Selection& selection) const {

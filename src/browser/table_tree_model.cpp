@@ -21,6 +21,17 @@ QVariant RootFont() {
     return bold;
 }
 
+const QString& FavoriteIcon() {
+    static const QString key = QStringLiteral("favorite");
+    return key;
+}
+
+// How deep the node lies; the interfaces to assistive technology have no number of their own for
+// it.
+QString LevelText(const Node& node) {
+    return QStringLiteral("Level ") + QString::number(!node.table ? 1 : node.detail ? 3 : 2);
+}
+
 }  // namespace
 
 TableTreeModel::TableTreeModel(IconSource icons, FileTest file_test, QObject* parent)
@@ -166,6 +177,10 @@ QVariant TableTreeModel::data(const QModelIndex& index, int role) const {
         return TextOf(node);
     case Qt::DecorationRole:
         return icons_ ? icons_(IconKeyOf(node)) : QVariant();
+    case Qt::AccessibleTextRole:
+        return SpokenText(node);
+    case Qt::AccessibleDescriptionRole:
+        return LevelText(node);
     case Qt::FontRole:
         return node.table ? QVariant() : RootFont();
     case kTagRole:
@@ -186,6 +201,21 @@ QString TableTreeModel::TextOf(const Node& node) const {
                        : tables_->DisplayName(*node.table);
 }
 
+QString TableTreeModel::SpokenText(const Node& node) const {
+    return node.table && !node.detail ? SpokenName(*node.table) : TextOf(node);
+}
+
+bool TableTreeModel::IsFavorite(std::size_t table) const {
+    return tables_->Favorite(table) || icon_overrides_.value(table) == FavoriteIcon();
+}
+
+QString TableTreeModel::SpokenName(std::size_t table) const {
+    QString spoken = tables_->DisplayName(table);
+    if (IsFavorite(table)) spoken += QStringLiteral(", favorite");
+    if (FileIsMissing(table)) spoken += QStringLiteral(", its file is missing");
+    return spoken;
+}
+
 QString TableTreeModel::TagOf(const Node& node) const {
     if (!node.table) return kRootTag.toString();
     return node.detail ? kDetailTag.toString() : FileNameOf(*node.table);
@@ -201,7 +231,7 @@ QString TableTreeModel::TableIconKey(std::size_t table) const {
     if (const auto chosen = icon_overrides_.constFind(table); chosen != icon_overrides_.cend())
         return *chosen;
     if (FileIsMissing(table)) return QStringLiteral("stop");
-    if (tables_->Favorite(table)) return QStringLiteral("favorite");
+    if (tables_->Favorite(table)) return FavoriteIcon();
     return tables_->PinMame(table) ? QStringLiteral("mame") : QStringLiteral("pinball");
 }
 

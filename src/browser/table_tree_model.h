@@ -50,6 +50,12 @@ public:
     }
     // Has the file looked for, unless that was done; dataChanged tells when it is known.
     void LookForFile(std::size_t table) const { FileIsMissing(table); }
+    // The star that the tree shows counts, too: a favourite's, or one of a mark that was changed
+    // since.
+    bool IsFavorite(std::size_t table) const;
+    // Name and state in words, for assistive technology. Has the file looked for; its absence is
+    // not said before that is known.
+    QString SpokenName(std::size_t table) const;
     bool IsFileKnown(std::size_t table) const {
         return file_states_[table] == FileState::kThere || IsKnownMissing(table);
     }
@@ -99,6 +105,7 @@ private:
     QModelIndex IndexOf(const Node& node) const;
     QString TextOf(const Node& node) const;
     QString TagOf(const Node& node) const;
+    QString SpokenText(const Node& node) const;
     QString IconKeyOf(const Node& node) const;
     QString TableIconKey(std::size_t table) const;
     bool FileIsMissing(std::size_t table) const;

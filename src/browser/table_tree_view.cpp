@@ -17,6 +17,7 @@ namespace browser {
 
 TableTreeView::TableTreeView(TableTreeModel& model, QWidget* parent) : QTreeView(parent) {
     setObjectName(QStringLiteral("tvwDB"));
+    setAccessibleName(QStringLiteral("Tables"));
     setUniformRowHeights(true);
     setHeaderHidden(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);

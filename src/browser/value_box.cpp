@@ -21,6 +21,7 @@ constexpr int kMargins = 16;  // pixels
 
 ValueBox::ValueBox(QWidget* parent) : QComboBox(parent), values_(new QStringListModel(this)) {
     setObjectName(QStringLiteral("cboFilterDet"));
+    setAccessibleName(QStringLiteral("Value of the filter"));
     // A column may have as many different values as there are tables; the list must neither
     // measure them all nor have an object for each.
     auto* list = new QListView;

@@ -32,20 +32,6 @@ bool WallModel::IsMissing(std::size_t table) const {
     return tables_.IsKnownMissing(table);
 }
 
-// The star that the tree shows counts, too: a favourite's, or one of a mark that was changed since.
-bool WallModel::IsFavorite(std::size_t table) const {
-    return tables_.tables()->Favorite(table) ||
-           tables_.IndexOfTable(table).data(TableTreeModel::kIconKeyRole) ==
-               QStringLiteral("favorite");
-}
-
-QString WallModel::Spoken(std::size_t table) const {
-    QString spoken = tables_.tables()->DisplayName(table);
-    if (IsFavorite(table)) spoken += QStringLiteral(", favorite");
-    if (IsMissing(table)) spoken += QStringLiteral(", its file is missing");
-    return spoken;
-}
-
 QVariant WallModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rowCount()) return {};
     const auto table = static_cast<std::size_t>(index.row());
@@ -53,11 +39,11 @@ QVariant WallModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
         return tables_.tables()->DisplayName(table);
     case Qt::AccessibleTextRole:
-        return Spoken(table);
+        return tables_.SpokenName(table);
     case kIsMissingRole:
         return IsMissing(table);
     case kIsFavoriteRole:
-        return IsFavorite(table);
+        return tables_.IsFavorite(table);
     default:
         return {};
     }

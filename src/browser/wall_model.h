@@ -28,9 +28,6 @@ public:
 private:
     void TellChange(const QModelIndex& first, const QModelIndex& last);
     bool IsMissing(std::size_t table) const;
-    bool IsFavorite(std::size_t table) const;
-    // The name and what the icons say.
-    QString Spoken(std::size_t table) const;
 
     const TableTreeModel& tables_;
 };

@@ -4,6 +4,7 @@
 
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
 namespace browser {
@@ -11,8 +12,6 @@ namespace {
 
 constexpr int kPageMargin = 6;
 constexpr int kOfferSpacing = 10;
-// Room for the longest caption.
-constexpr int kMinimumWidth = 215;
 constexpr double kTitleScale = 1.5;  // of the letters
 
 QLabel* Text(const QString& text) {
@@ -35,7 +34,7 @@ QLabel* Title() {
 WelcomePage::WelcomePage(QWidget* parent) : QScrollArea(parent) {
     setObjectName(QStringLiteral("WelcomePage"));
     setWidgetResizable(true);
-    setMinimumWidth(kMinimumWidth);
+    setFocusPolicy(Qt::NoFocus);  // its buttons have it
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* const page = new QWidget;
     auto* const column = new QVBoxLayout(page);
@@ -57,6 +56,8 @@ WelcomePage::WelcomePage(QWidget* parent) : QScrollArea(parent) {
              &WelcomePage::OpenFolder);
     column->addStretch();
     setWidget(page);
+    // Room for the longest caption.
+    setMinimumWidth(page->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width());
 }
 
 void WelcomePage::AddOffer(QVBoxLayout& column, const char* name, const QString& caption,

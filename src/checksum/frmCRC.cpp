@@ -2,6 +2,7 @@
 
 #include "base/scope_guards.h"
 #include "checksum/crc_refresh.h"
+#include "widgets/elided_label.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
@@ -23,11 +24,9 @@ frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent, catalogue::Prog
 }
 
 void frmCRC::BuildControls() {
-    Label1_ = new QLabel(this);
+    // The line holds names from table files.
+    Label1_ = new widgets::ElidedLabel(this);
     Label1_->setObjectName(QStringLiteral("Label1"));
-    // The line holds names from table files: plain text, and it must not widen the window.
-    Label1_->setTextFormat(Qt::PlainText);
-    Label1_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     Command1_ = new QPushButton(QStringLiteral("Command1"), this);
     Command1_->setObjectName(QStringLiteral("Command1"));
     Command1_->hide();  // pressed by the window itself

@@ -4,6 +4,8 @@
 #include "catalogue/process_values.h"
 #include "jet/connection.h"
 #include "tableinfo/update_from_table_files.h"
+#include "widgets/elided_label.h"
+#include "widgets/object_names.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtWidgets/QHBoxLayout>
@@ -21,13 +23,9 @@ constexpr QStringView kDoneCaption = u"&Done";
 // A property of the window, for whoever would close it: the scan answers that with a message.
 constexpr char kBusy[] = "busy";
 
-// For names from the disk: plain text, and long ones do not widen the dialog.
+// For names from the disk.
 QLabel* MakeLabel(const char* object_name, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(object_name));
-    label->setTextFormat(Qt::PlainText);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    return label;
+    return widgets::Named(new widgets::ElidedLabel(parent), object_name);
 }
 
 QPushButton* MakeButton(const char* object_name, const QString& caption, QWidget* parent) {
@@ -56,7 +54,7 @@ void frmsearch::BuildControls() {
     lstdirs_->setUniformItemSizes(true);
     lstdirs_->setFocusPolicy(Qt::NoFocus);
     lstdirs_->setAccessibleName(QStringLiteral("Folders still to be searched"));
-    lblHint_ = MakeLabel("lblHint", this);
+    lblHint_ = widgets::Named(new QLabel(this), "lblHint");
     lblHint_->setWordWrap(true);
     lblHint_->setText(QStringLiteral("Press Search and choose the folder that holds your tables. "
                                      "Folders below it are searched, too."));

@@ -116,10 +116,12 @@ void frmHistory::BuildControls() {
     txtFilter_ = new QLineEdit(this);
     txtFilter_->setObjectName(QStringLiteral("txtFilter"));
     txtFilter_->setPlaceholderText(QStringLiteral("Only lines with this text"));
+    txtFilter_->setAccessibleName(txtFilter_->placeholderText());
     txtFilter_->setClearButtonEnabled(true);
     cboField_ = new QComboBox(this);
     cboField_->setObjectName(QStringLiteral("cboField"));
     cboField_->setAccessibleName(QStringLiteral("Field"));
+    cboField_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     lblCount_ = new QLabel(this);
     lblCount_->setObjectName(QStringLiteral("lblCount"));
     lblCount_->setTextFormat(Qt::PlainText);

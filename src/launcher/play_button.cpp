@@ -99,10 +99,11 @@ void PlayButton::paintEvent(QPaintEvent*) {
 void PlayButton::DrawPlate(QPainter& painter) const {
     QLinearGradient shade(0, 0, 0, height());
     const bool lit = underMouse() && !isDown();
-    shade.setColorAt(0, QColor(lit ? 0x3d60a6 : 0x31508f));
-    shade.setColorAt(1, QColor(lit ? 0x20345f : 0x182748));
+    // So dark that also the red caption can be read on it.
+    shade.setColorAt(0, QColor(lit ? 0x11151f : 0x0d1018));
+    shade.setColorAt(1, QColor(lit ? 0x0d1018 : 0x08090d));
     painter.setBrush(shade);
-    painter.setPen(QPen(hasFocus() ? QColor(0xf6cf72) : QColor(0x101b33), hasFocus() ? 2 : 1));
+    painter.setPen(QPen(hasFocus() ? QColor(0xf6cf72) : QColor(0x6d4210), hasFocus() ? 2 : 1));
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 8, 8);
 }
 

@@ -70,6 +70,7 @@ QWidget* frmImport::BuildOptions() {
     Combo1_->setCompleter(nullptr);  // a typed date must not become a listed one
     Combo1_->setInsertPolicy(QComboBox::NoInsert);
     Combo1_->setMinimumContentsLength(24);
+    after->setBuddy(Combo1_);
 
     auto* line = new QHBoxLayout;
     line->addWidget(optImport_[1]);
@@ -139,10 +140,12 @@ void frmImport::SetBusy(bool busy) {
 
 void frmImport::SetReading(const QString& text) {
     lblReading_->setText(OneShortLine(*lblReading_, text));
+    lblReading_->setToolTip(text.left(kShownCharacters).toHtmlEscaped());
 }
 
 void frmImport::SetWriting(const QString& text) {
     lblWriting_->setText(OneShortLine(*lblWriting_, text));
+    lblWriting_->setToolTip(text.left(kShownCharacters).toHtmlEscaped());
 }
 
 void frmImport::SetDone() {

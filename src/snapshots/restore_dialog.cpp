@@ -64,6 +64,7 @@ RestoreDialog::RestoreDialog(Parts parts, QWidget* parent)
 void RestoreDialog::BuildControls() {
     list_ = new QTreeWidget(this);
     list_->setObjectName(QStringLiteral("lstSnapshots"));
+    list_->setAccessibleName(QStringLiteral("Snapshots"));
     list_->setHeaderLabels({QStringLiteral("Time"), QStringLiteral("Made"), QStringLiteral("Size"),
                             QStringLiteral("State")});
     list_->setRootIsDecorated(false);

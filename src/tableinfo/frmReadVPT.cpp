@@ -47,7 +47,7 @@ struct frmReadVPT::Controls {
     std::array<TextBox, kInfoBoxCount> txtInfo;
     QComboBox* cboCustom = Named(new QComboBox, "cboCustom");
     WholeTextEdit* txtCustom = Named(new WholeTextEdit, "txtCustom");
-    PictureBox* picThm = Named(new PictureBox, "picThm");
+    PictureBox* picThm = Named(new PictureBox(QStringLiteral("Picture Preview")), "picThm");
     QPushButton* cmdUpdateFace = Button("cmdUpdateFace", QStringLiteral("Update Tavolo Details"));
     QPushButton* cmdMail = Button("cmdMail", QStringLiteral("Send Mail"));
     QPushButton* cmdSite = Button("cmdSite", QStringLiteral("Go To Site"));
@@ -85,7 +85,9 @@ void frmReadVPT::Controls::PlaceLines(QGridLayout* grid) {
 
 void frmReadVPT::Controls::PlacePicture(QGridLayout* grid) {
     auto* column = new QVBoxLayout;
-    column->addWidget(new QLabel(QStringLiteral("Picture Preview")));
+    auto* label = new QLabel(QStringLiteral("Picture Preview"));
+    label->setBuddy(picThm);
+    column->addWidget(label);
     picThm->setMinimumSize(200, 120);
     column->addWidget(picThm, 1);
     grid->addLayout(column, 0, 3, kSiteBox + 1, 1);
@@ -101,6 +103,7 @@ void frmReadVPT::Controls::PlaceLongTexts(QGridLayout* grid) {
 void frmReadVPT::Controls::PlaceCustomFields(QGridLayout* grid) {
     auto* label = new QLabel(QStringLiteral("Custom:"));
     label->setBuddy(cboCustom);
+    txtCustom->setAccessibleName(QStringLiteral("Text of the custom field"));
     txtCustom->setMinimumHeight(txtCustom->fontMetrics().lineSpacing() * 3);
     txtCustom->setMaximumHeight(txtCustom->fontMetrics().lineSpacing() * 5);
     grid->addWidget(label, kInfoBoxCount, 0, Qt::AlignTop);

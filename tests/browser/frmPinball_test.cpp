@@ -8,6 +8,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QProgressBar>
+#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QSplitter>
 #include <QtWidgets/QTabWidget>
@@ -841,11 +842,13 @@ TEST_F(MainWindowWithTables, AtFirstNamesAreNotCut) {
     EXPECT_FALSE(Tree()->horizontalScrollBar()->isVisible());
 }
 
-TEST_F(MainWindowWithTables, AVeryLongNameLeavesTheDetailsHalfOfTheWindow) {
+TEST_F(MainWindowWithTables, AVeryLongNameLeavesTheDetailsHalfOfTheWindowAndAllTheirFields) {
     AddTable(QString(250, u'W'));
     Open();
     const int half = window->width() / 2;
-    EXPECT_NEAR(window->details().width(), half, 20);
+    EXPECT_NEAR(window->details().width(), half + 10, 30);
+    const auto* const fields = Find<QTabWidget>(u"DetTab")->findChild<QScrollArea*>();
+    EXPECT_EQ(fields->horizontalScrollBar()->maximum(), 0);
 }
 
 TEST_F(MainWindowWithTables, ASplitterThatWasPutSomewhereStaysThere) {

@@ -50,6 +50,24 @@ TEST_F(TableTreeModelTest, IsEmptyAtFirst) {
     EXPECT_FALSE(model.RootIndex().isValid());
 }
 
+TEST_F(TableTreeModelTest, AssistiveTechnologyIsToldLevelAndStateInWords) {
+    AddRow(S(u"DisplayName, FileName, Favorite"), S(u"'Alpha', '/gone/alpha.vpt', true"));
+    AddTable(S(u"Beta"), MakeFile(S(u"beta.vpt")));
+    Show();
+    const auto spoken = [](const QModelIndex& index) {
+        return index.data(Qt::AccessibleTextRole).toString() + u'|' +
+               index.data(Qt::AccessibleDescriptionRole).toString();
+    };
+    EXPECT_EQ(spoken(model.RootIndex()), S(u"All|Level 1"));
+    EXPECT_EQ(SettledIconKey(Table(0)), S(u"stop"));
+    EXPECT_EQ(spoken(Table(0)), S(u"Alpha, favorite, its file is missing|Level 2"));
+    EXPECT_EQ(spoken(Table(1)), S(u"Beta|Level 2"));
+    const QModelIndex line = model.index(0, 0, Table(0));
+    EXPECT_EQ(spoken(line), line.data().toString() + S(u"|Level 3"));
+    model.SetTableIcon(Table(1), S(u"favorite"));
+    EXPECT_EQ(spoken(Table(1)), S(u"Beta, favorite|Level 2"));
+}
+
 TEST_F(TableTreeModelTest, ARootNamesTheSelectionInBold) {
     Show();
     const QModelIndex root = model.RootIndex();

@@ -8,6 +8,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 
+#include <cmath>
+
 namespace {
 
 constexpr std::uint32_t kRed = 255;
@@ -52,6 +54,25 @@ protected:
 
 TEST_F(PlayButtonTest, HasItsName) {
     EXPECT_EQ(button_.objectName(), QStringLiteral("cmdPlay"));
+}
+
+// By the definition of contrast in the Web Content Accessibility Guidelines.
+TEST_F(PlayButtonTest, EachColourOfTheCaptionCanBeReadOnThePlate) {
+    const auto luminance = [](const QColor& colour) {
+        const auto linear = [](double channel) {
+            return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+               0.0722 * linear(colour.blueF());
+    };
+    Enter();
+    const QImage image = button_.grab().toImage();
+    double lightest = 0;
+    for (int y = 6; y < image.height() - 6; ++y)  // a column of the plate alone
+        lightest = std::max(lightest, luminance(image.pixelColor(image.width() - 12, y)));
+    for (const QColor colour : {Qt::red, Qt::yellow, Qt::green})
+        EXPECT_GE((luminance(colour) + 0.05) / (lightest + 0.05), 4.5)
+            << colour.name().toStdString();
 }
 
 TEST_F(PlayButtonTest, TurnsRedWhenPressed) {
