@@ -84,6 +84,7 @@ class Desktop:
         self.name = name
         self.size = size
         self.pictures = BUILD / "pictures" / name
+        self.bus = None
         self.number = 0
 
     def __enter__(self):
@@ -113,10 +114,17 @@ class Desktop:
         return self
 
     def __exit__(self, *exception):
-        for process in (self.manager, self.server):
-            process.terminate()
-            process.wait()
+        for process in (self.bus, self.manager, self.server):
+            if process:
+                process.terminate()
+                process.wait()
         shutil.rmtree(self.home, ignore_errors=True)
+
+    def start_assistive_technology(self):
+        """A session bus of this desktop's own, by which assistive technology (AT-SPI) reaches the programs started from now on."""
+        self.bus = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"], env=self.env,
+                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        self.env.update(DBUS_SESSION_BUS_ADDRESS=self.bus.stdout.readline().strip(), QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
 
     def _manager_obeys(self):
         """It announces itself before it listens, and a message that comes in between is lost."""
@@ -149,7 +157,8 @@ class Desktop:
         subprocess.run(["wmctrl", "-i", *map(str, action[:1]), number, *map(str, action[1:])], env=self.env, check=True)
 
     def active_window(self):
-        return int(self._root_property("_NET_ACTIVE_WINDOW").rpartition(" ")[2] or "0", 16)
+        number = self._root_property("_NET_ACTIVE_WINDOW").rpartition(" ")[2].strip()
+        return int(number, 16) if number.startswith("0x") else 0  # before the first window it is "not found."
 
     def close_window(self, window):
         """As the window's close button does."""
