@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
 """How long the real window takes from an input to the painted answer, on a catalogue of 100 tables and on one of 100,000.
 
-    TAVOLO_BUILD=build/release bench/window_bench.py [--tables N] [--rounds R] [--only TEXT] [--keep FOLDER]
+    TAVOLO_BUILD=build/release bench/window_bench.py [--tables N] [--rounds R] [--only TEXT] [--keep FOLDER] [--accessible]
 
 Needs what tests/e2e needs, and the targets tavolo, tavolo_probe, make_catalogue and ask_catalogue. Both programs run at once, each on a
 display of its own, and take turns; of R rounds (5) the best counts. An input begins when the X server has made it, and ends when the
 program has painted for the last time before it has nothing more to do. The time that an action's questions to the database take by
 themselves is measured by ask_catalogue on the same files beforehand and taken off; what is left is to stay within 100 ms, and within
 twice of what it is with 100 tables (less than 10 ms more is no difference: a frame is longer). --only runs the actions whose names hold TEXT; --keep
-makes the catalogues in FOLDER, or takes those that an earlier run has left there.
+makes the catalogues in FOLDER, or takes those that an earlier run has left there. --accessible has a screen reader (screen_reader.py) listen
+to both programs; what it is told belongs to the answer.
 """
 
 import argparse
@@ -40,7 +41,9 @@ def table_file(folder, number):
 class Window:
     """The program on a catalogue of `tables` tables, and its display."""
 
-    def __init__(self, folder, tables):
+    def __init__(self, folder, tables, accessible=False):
+        self.accessible = accessible
+        self.reader = None
         self.folder = Path(folder)
         self.tables = tables
         self.question_ms = {}
@@ -70,6 +73,8 @@ class Window:
         config = self.desktop.home / "config"
         config.mkdir()
         (config / "TAVOLO.ini").write_text("[General]\nVPEXE=/bin/true\nWINDOWSTATE=2\n")
+        if self.accessible:
+            self.start_reader()
         self.program = Tavolo(self.desktop, self.folder)
         self.program.__enter__()
         self.program.main_window()
@@ -79,7 +84,17 @@ class Window:
         self.rest()
         self.memory_at_start = self.memory()
 
+    def start_reader(self):
+        self.desktop.start_assistive_technology()
+        self.told = open(self.desktop.pictures / "screen_reader.txt", "w", encoding="utf-8")
+        script = Path(__file__).resolve().parent / "screen_reader.py"
+        self.reader = subprocess.Popen(["/usr/bin/python3", script], env=self.desktop.env, stdout=self.told, stderr=self.told)
+        wait_for(lambda: (self.desktop.pictures / "screen_reader.txt").read_text().startswith("listening"), "the screen reader")
+
     def stop(self):
+        if self.reader:
+            self.reader.terminate()
+            self.reader.wait()
         self.program.__exit__(None)
         self.desktop.__exit__()
 
@@ -405,11 +420,13 @@ def main():
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--only", default="")
     parser.add_argument("--keep")
+    parser.add_argument("--accessible", action="store_true")
     options = parser.parse_args()
     chosen = [action for action in actions() if options.only in action.name]
     questions = list(dict.fromkeys(q for action in chosen for q in action.questions))
     with tempfile.TemporaryDirectory(prefix="tavolo-window-") as temporary:
-        windows = [Window(Path(options.keep or temporary).resolve() / str(tables), tables) for tables in (FEW, options.tables)]
+        windows = [Window(Path(options.keep or temporary).resolve() / str(tables), tables, options.accessible)
+                   for tables in (FEW, options.tables)]
         for window in windows:
             window.make()
             window.ask_beforehand(questions)
