@@ -34,9 +34,11 @@ bool HasSessionBus() {
 }  // namespace
 
 PortalWatch::PortalWatch(std::function<void(bool is_dark)> changed) : changed_(std::move(changed)) {
-    QDBusConnection::sessionBus().connect(kService, kPath, kInterface,
-                                          QStringLiteral("SettingChanged"), this,
-                                          SLOT(TakeSetting(QString, QString, QDBusVariant)));
+    qRegisterMetaType<QDBusVariant>();  // a slot with one is not found before
+    [[maybe_unused]] const bool is_connected = QDBusConnection::sessionBus().connect(
+        kService, kPath, kInterface, QStringLiteral("SettingChanged"), this,
+        SLOT(TakeSetting(QString, QString, QDBusVariant)));
+    Q_ASSERT(is_connected);
     Ask();
 }
 
