@@ -14,6 +14,7 @@
 
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QStyle>
 
 namespace browser {
 namespace {

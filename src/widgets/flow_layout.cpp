@@ -1,5 +1,7 @@
 #include "widgets/flow_layout.h"
 
+#include <QtWidgets/QWidget>
+
 #include <algorithm>
 
 namespace widgets {
