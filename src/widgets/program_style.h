@@ -16,6 +16,8 @@ public:
                   QStyleHintReturn* returned) const override;
     QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
                        const QWidget* widget) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
     using QProxyStyle::polish;
     void polish(QPalette& palette) override;
 

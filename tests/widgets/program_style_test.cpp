@@ -7,6 +7,7 @@
 
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStyleFactory>
@@ -97,6 +98,20 @@ TEST_F(StyleTest, AColourIsMovedOnlyAsFarAsItMustBe) {
         ContrastOf(MovedAwayFrom(Qt::white, QColor(0xc0, 0xc0, 0xc0)), QColor(0xc0, 0xc0, 0xc0)),
         kLeastContrast);
     EXPECT_EQ(Blended(QColor(0, 0, 0, 51), Qt::white), QColor(204, 204, 204));
+}
+
+TEST_F(StyleTest, AnEmptyBoxIsSeenOnEveryGround) {
+    for (const QPalette& palette : {QApplication::palette(), DarkPalette()}) {
+        QCheckBox box;
+        box.setPalette(palette);
+        const QImage image = box.grab().toImage();
+        const QColor ground = palette.color(QPalette::Window);
+        double most = 0;
+        for (int x = 0; x < 12; ++x)
+            most = std::max(most, ContrastOf(image.pixelColor(x, image.height() / 2), ground));
+        constexpr double kLeastOfFrames = 3;
+        EXPECT_GE(most, kLeastOfFrames) << ground.name().toStdString();
+    }
 }
 
 TEST_F(StyleTest, DarkWindowsAreMadeAndTakenBack) {
