@@ -77,6 +77,7 @@ def without_an_answer(desktop, program, folder, tables):
         with Tavolo(desktop, folder, [str(tables / "First.vpt")]) as second:
             text = second.message()
             check("use" in text or "lock" in text, f"the message says that somebody holds the file: {text!r}")
+            wait_for(lambda: desktop.active_window() in [w["id"] for w in second.windows()], "the keyboard in the message")
             second.press("Return")
             second.process.wait(30)
             check_equal(second.process.returncode, 1, "exit status of the second program")
