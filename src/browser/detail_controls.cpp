@@ -110,7 +110,7 @@ QWidget* BuildDetailsPage(DetailControls& controls) {
     auto* page = new QWidget;
     auto* grid = new QGridLayout(page);
     grid->setContentsMargins(6, 6, 6, 6);
-    grid->setVerticalSpacing(4);
+    grid->setVerticalSpacing(3);
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(2, 1);
     grid->setColumnStretch(3, 1);
@@ -213,7 +213,7 @@ DetailControls BuildDetailControls(QWidget* panel) {
     QWidget* actions = BuildActionRow(controls);
     auto* column = new QVBoxLayout(panel);
     column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(4);
+    column->setSpacing(3);
     column->addWidget(controls.pnlAlert);
     column->addWidget(controls.DetTab, 1);
     column->addWidget(actions);

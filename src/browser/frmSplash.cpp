@@ -51,8 +51,8 @@ void frmSplash::BuildLayout() {
         NamedLabel(QStringLiteral("Label1"), QStringLiteral("Please Wait..."), frame);
 
     auto* rows = new QVBoxLayout(frame);
-    rows->setContentsMargins(18, 14, 18, 14);
-    rows->setSpacing(10);
+    rows->setContentsMargins(18, 15, 18, 15);
+    rows->setSpacing(9);
     rows->addWidget(starting);
     rows->addWidget(lblStat_, 1);
     rows->addWidget(wait);

@@ -39,7 +39,7 @@ OrderBar::OrderBar(QWidget* parent) : QWidget(parent) {
     row->addWidget(caption);
     row->addWidget(cboOrder_);
     row->addWidget(lblDirection_);
-    row->addSpacing(8);
+    row->addSpacing(9);
     row->addWidget(cmdGo_);
 }
 

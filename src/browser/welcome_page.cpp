@@ -11,7 +11,7 @@ namespace browser {
 namespace {
 
 constexpr int kPageMargin = 6;
-constexpr int kOfferSpacing = 10;
+constexpr int kOfferSpacing = 9;
 constexpr double kTitleScale = 1.5;  // of the letters
 
 QLabel* Text(const QString& text) {

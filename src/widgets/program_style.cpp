@@ -6,6 +6,7 @@
 #include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyleOption>
+#include <QtWidgets/QWidget>
 
 #include <algorithm>
 #include <array>
@@ -78,6 +79,22 @@ const char* KeyOf(QStyle::StandardPixmap which) {
 }  // namespace
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
+                              const QWidget* widget) const {
+    switch (metric) {
+    case PM_LayoutLeftMargin:
+    case PM_LayoutTopMargin:
+    case PM_LayoutRightMargin:
+    case PM_LayoutBottomMargin:
+        return (widget != nullptr && widget->isWindow() ? 4 : 3) * kGrid;
+    case PM_LayoutHorizontalSpacing:
+    case PM_LayoutVerticalSpacing:
+        return 2 * kGrid;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
 
 int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                             QStyleHintReturn* returned) const {

@@ -12,6 +12,11 @@ class ProgramStyle : public QProxyStyle {
 public:
     ProgramStyle();
 
+    // Pixels; all margins and spacings of layouts are multiples of it.
+    static constexpr int kGrid = 3;
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                    const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;
     QIcon standardIcon(StandardPixmap which, const QStyleOption* option,

@@ -2,6 +2,7 @@
 
 #include "widgets/elided_label.h"
 #include "widgets/program_palette.h"
+#include "widgets/program_style.h"
 #include "widgets/svg_icon.h"
 
 #include <QtCore/QRegularExpression>
@@ -29,9 +30,11 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QRadioButton>
 #include <QtWidgets/QScrollArea>
+#include <QtWidgets/QStatusBar>
 #include <QtWidgets/QStyleOption>
 #include <QtWidgets/QTabBar>
 #include <QtWidgets/QTextBrowser>
+#include <QtWidgets/QToolBar>
 #include <QtWidgets/QToolButton>
 #include <QtWidgets/QToolTip>
 
@@ -446,6 +449,24 @@ QStringList ForeignIcons(QWidget& window) {
         note(action->text(), action->icon());
     foreign.removeDuplicates();
     return foreign;
+}
+
+QStringList OffTheGrid(QWidget& window) {
+    QStringList off;
+    for (const QLayout* const layout : window.findChildren<QLayout*>()) {
+        const QWidget* const owner = layout->parentWidget();
+        // Those two lay themselves out.
+        if (owner == nullptr || qobject_cast<const QToolBar*>(owner) != nullptr ||
+            qobject_cast<const QStatusBar*>(owner) != nullptr)
+            continue;
+        const QMargins margins = layout->contentsMargins();
+        for (const int width : {margins.left(), margins.top(), margins.right(), margins.bottom(),
+                                std::max(0, layout->spacing())})
+            if (width % widgets::ProgramStyle::kGrid != 0)
+                off.append(Called(*owner) + QStringLiteral(": %1 pixels").arg(width));
+    }
+    off.removeDuplicates();
+    return off;
 }
 
 QStringList LostToTheTabKey(QWidget& window) {

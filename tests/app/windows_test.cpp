@@ -50,6 +50,10 @@ TEST_F(WindowsTest, EveryIconIsOfTheProgramsFamily) {
     ExpectNothing(test_support::ForeignIcons);
 }
 
+TEST_F(WindowsTest, AllSpacesAreOfOneGrid) {
+    ExpectNothing(test_support::OffTheGrid);
+}
+
 TEST_F(WindowsTest, TabReachesEveryControlOnce) {
     ExpectNothing(test_support::LostToTheTabKey);
 }
@@ -185,6 +189,14 @@ TEST_F(WalkTest, AFaintTextIsFound) {
     faint.setColor(QPalette::WindowText, Qt::red);
     label->setPalette(faint);
     EXPECT_EQ(Count(test_support::FaintTexts(window)), 1U);
+}
+
+TEST_F(WalkTest, ASpaceOfAnotherGridIsFound) {
+    Add(new QLabel(QStringLiteral("A label")));
+    window.show();
+    EXPECT_EQ(Count(test_support::OffTheGrid(window)), 0U);
+    row->setContentsMargins(3, 6, 9, 10);
+    EXPECT_EQ(Count(test_support::OffTheGrid(window)), 1U);
 }
 
 TEST_F(WalkTest, AForeignIconIsFound) {
