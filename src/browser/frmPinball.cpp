@@ -38,6 +38,8 @@ namespace {
 constexpr int kMargin = 6;
 // Height of the notes under the tree, in lines.
 constexpr int kCommentLines = 4;
+// Of the tree, however large the letters are.
+constexpr int kLeastLines = 6;
 // How many characters of the notes are shown; more than fit into these lines on a wide screen. To
 // lay out a very long text would take too long.
 constexpr qsizetype kShownCommentLength = 4000;
@@ -128,6 +130,8 @@ QWidget* frmPinball::CreateTreePane() {
     rows->addWidget(find_bar_);
     welcome_ = new WelcomePage(pane);
     welcome_->hide();
+    for (QWidget* const view : {static_cast<QWidget*>(tvwDB_), static_cast<QWidget*>(wall_view_)})
+        view->setMinimumHeight(kLeastLines * fontMetrics().lineSpacing());
     rows->addWidget(tvwDB_, 1);
     rows->addWidget(wall_view_, 1);
     rows->addWidget(welcome_, 1);

@@ -4,6 +4,7 @@
 #include "dialogs/file_filter.h"
 #include "dialogs/file_icons.h"
 #include "dialogs/program_version.h"
+#include "widgets/window_place.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -157,6 +158,11 @@ void MakeRoomForParts(QFileDialog& window) {
     }
     if (auto* const places = window.findChild<QListView*>(QStringLiteral("sidebar")))
         places->setMinimumWidth(places->sizeHintForColumn(0) + 3 * places->frameWidth());
+    constexpr QSize kLeast(100, 26);  // in characters of an average width, and in lines
+    const QFontMetrics letters = window.fontMetrics();
+    window.resize(window.sizeHint().expandedTo(
+        {kLeast.width() * letters.averageCharWidth(), kLeast.height() * letters.lineSpacing()}));
+    widgets::FitToScreen(window);
 }
 
 // By Qt and not by the desktop, with the program's icons.

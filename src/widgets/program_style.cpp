@@ -76,6 +76,13 @@ const char* KeyOf(QStyle::StandardPixmap which) {
     return found != kKnown.end() ? found->key : nullptr;
 }
 
+// What stands beside letters is as high as they are.
+int LetterHeight(const QWidget* widget) {
+    constexpr double kWithoutLeading = 0.9;
+    const QFontMetrics letters(widget != nullptr ? widget->font() : QApplication::font());
+    return static_cast<int>(letters.height() * kWithoutLeading);
+}
+
 }  // namespace
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -91,6 +98,15 @@ int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing:
         return 2 * kGrid;
+    case PM_SmallIconSize:
+    case PM_ListViewIconSize:
+    case PM_ButtonIconSize:
+    case PM_TabBarIconSize:
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+    case PM_ExclusiveIndicatorWidth:
+    case PM_ExclusiveIndicatorHeight:
+        return std::max(QProxyStyle::pixelMetric(metric, option, widget), LetterHeight(widget));
     default:
         return QProxyStyle::pixelMetric(metric, option, widget);
     }

@@ -29,6 +29,13 @@ namespace {
 
 using test_support::EveryWindow;
 
+// Keeps the picture of a window to be looked at.
+void Keep(const QImage& image, const QString& folder, const QString& window) {
+    const QDir pictures(QStringLiteral(TAVOLO_PICTURES) + u'/' + folder);
+    ASSERT_TRUE(pictures.mkpath(QStringLiteral(".")));
+    EXPECT_TRUE(image.save(pictures.filePath(window + QStringLiteral(".png"))));
+}
+
 class WindowsTest : public EveryWindow {
 protected:
     using Walk = QStringList (*)(QWidget&);
@@ -85,6 +92,13 @@ TEST_P(FontsTest, NoTextIsCut) {
     ExpectNothing(test_support::CutTexts);
 }
 
+TEST_F(WindowsTest, PicturesWithLargeLetters) {
+    UseFonts(200);
+    ForEach([](const QString& name, QWidget& shown) {
+        Keep(shown.grab().toImage(), QStringLiteral("large-letters"), name);
+    });
+}
+
 INSTANTIATE_TEST_SUITE_P(Percent, FontsTest, testing::Values(100, 150, 200),
                          [](const auto& tested) { return std::to_string(tested.param); });
 
@@ -121,11 +135,9 @@ TEST_P(LooksTest, Pictures) {
     const QString name = QStringLiteral("%1-%2x")
                              .arg(is_dark ? QStringLiteral("dark") : QStringLiteral("light"))
                              .arg(qRound(qApp->devicePixelRatio()));
-    const QDir pictures(QStringLiteral(TAVOLO_PICTURES) + u'/' + name);
-    ASSERT_TRUE(pictures.mkpath(QStringLiteral(".")));
     ForEach([&](const QString& window_name, QWidget& shown) {
         const QImage image = shown.grab().toImage();
-        EXPECT_TRUE(image.save(pictures.filePath(window_name + QStringLiteral(".png"))));
+        Keep(image, name, window_name);
         constexpr double kMostGlare = 0.05;
         if (is_dark) {
             EXPECT_LT(Glare(image), kMostGlare) << window_name.toStdString();

@@ -100,6 +100,21 @@ TEST_F(StyleTest, AColourIsMovedOnlyAsFarAsItMustBe) {
     EXPECT_EQ(Blended(QColor(0, 0, 0, 51), Qt::white), QColor(204, 204, 204));
 }
 
+TEST_F(StyleTest, IconsAndBoxesGrowWithTheLetters) {
+    QCheckBox box;
+    const auto side = [&](QStyle::PixelMetric metric) {
+        return QApplication::style()->pixelMetric(metric, nullptr, &box);
+    };
+    const int icon = side(QStyle::PM_SmallIconSize);
+    EXPECT_EQ(icon, 16);
+    QFont large = box.font();
+    large.setPointSizeF(large.pointSizeF() * 3);
+    box.setFont(large);
+    EXPECT_GT(side(QStyle::PM_SmallIconSize), 2 * icon);
+    EXPECT_EQ(side(QStyle::PM_IndicatorWidth), side(QStyle::PM_SmallIconSize));
+    EXPECT_LE(side(QStyle::PM_IndicatorWidth), box.fontMetrics().height());
+}
+
 TEST_F(StyleTest, AnEmptyBoxIsSeenOnEveryGround) {
     for (const QPalette& palette : {QApplication::palette(), DarkPalette()}) {
         QCheckBox box;
