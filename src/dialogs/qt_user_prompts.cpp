@@ -9,6 +9,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QHeaderView>
@@ -139,13 +140,11 @@ void DescribeParts(QFileDialog& window) {
     for (const auto& [label, field] : labels)
         if (auto* const found = window.findChild<QLabel*>(QLatin1String(label)))
             found->setBuddy(window.findChild<QWidget*>(QLatin1String(field)));
-    auto* const folder = window.findChild<QWidget*>(QStringLiteral("lookInCombo"));
+    auto* const folder = window.findChild<QComboBox*>(QStringLiteral("lookInCombo"));
     if (folder == nullptr) return;
-    const auto tell = [folder](const QString& path) {
-        folder->setToolTip(QDir::toNativeSeparators(path).toHtmlEscaped());
-    };
-    tell(window.directory().path());
-    QObject::connect(&window, &QFileDialog::directoryEntered, folder, tell);
+    const auto tell = [folder](const QString& path) { folder->setToolTip(path.toHtmlEscaped()); };
+    tell(folder->currentText());
+    QObject::connect(folder, &QComboBox::currentTextChanged, folder, tell);
 }
 
 // Columns and places as wide as their texts, in letters of every size.

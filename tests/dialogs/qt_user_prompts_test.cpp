@@ -9,10 +9,13 @@
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
+#include <QtGui/QAbstractFileIconProvider>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListView>
 #include <QtWidgets/QMessageBox>
@@ -181,6 +184,28 @@ TEST_F(FileDialogTest, ATypedNameIsChosen) {
     const QString chosen =
         OpenWhile([](QFileDialog& dialog) { Type(dialog, QStringLiteral("quiet.bmp")); });
     EXPECT_EQ(chosen, folder.filePath(QStringLiteral("quiet.bmp")));
+}
+
+TEST_F(FileDialogTest, ItsIconsAreTheProgramsAndItsLabelsKnowTheirFields) {
+    OpenWhile([this](QFileDialog& dialog) {
+        const auto& icons = *dialog.iconProvider();
+        EXPECT_EQ(icons.icon(QFileInfo(folder.path())).name(), QStringLiteral("tavolo-closed"));
+        const QFileInfo file(folder.filePath(QStringLiteral("any.bmp")));
+        EXPECT_EQ(icons.icon(file).name(), QStringLiteral("tavolo-file"));
+        EXPECT_EQ(icons.icon(QFileInfo(QStringLiteral("/"))).name(),
+                  QStringLiteral("tavolo-drive"));
+        for (const char* const part : {"lookIn", "fileType"}) {
+            const QString name = QLatin1String(part);
+            const auto* const label = dialog.findChild<QLabel*>(name + QStringLiteral("Label"));
+            ASSERT_NE(label, nullptr) << part;
+            ASSERT_NE(label->buddy(), nullptr) << part;
+            EXPECT_EQ(label->buddy()->objectName(), name + QStringLiteral("Combo"));
+        }
+        const auto* const look_in = dialog.findChild<QComboBox*>(QStringLiteral("lookInCombo"));
+        EXPECT_EQ(look_in->toolTip(), look_in->currentText());
+        EXPECT_FALSE(look_in->toolTip().isEmpty());
+        dialog.reject();
+    });
 }
 
 TEST_F(FileDialogTest, ANamedDialogHasItsName) {
