@@ -16,6 +16,7 @@
 #include "example/example_pictures.h"
 #include "example/example_tables.h"
 #include "jet/connection.h"
+#include "jet/pages/file_mark.h"
 #include "platform/application_folder.h"
 #include "platform/clock.h"
 #include "platform/file_system.h"
@@ -24,7 +25,10 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
 
+#include <array>
+#include <cstdint>
 #include <cstdio>
 
 namespace {
@@ -32,6 +36,8 @@ namespace {
 using example::ExampleTable;
 
 constexpr int kJpegQuality = 88;
+
+constexpr std::uint32_t kPageBytes = 4096;  // of a new catalogue
 
 // The same for every build.
 class FixedClock final : public platform::Clock {
@@ -108,7 +114,8 @@ public:
         std::size_t number = 0;
         for (const ExampleTable& table : example::ExampleTables())
             RETURN_IF_ERROR(Add(table, number++));
-        return connection_.Close();
+        RETURN_IF_ERROR(connection_.Close());
+        return RemoveFileMark();
     }
 
 private:
@@ -118,6 +125,25 @@ private:
         if (bytes.isEmpty())
             return {base::StatusCode::kUnsupported, "cannot make " + name.toStdString()};
         return platform::SaveFile(PathOf(name), bytes);
+    }
+
+    // It is random, and the same collection is to have the same bytes whenever it is made.
+    base::Status RemoveFileMark() const {
+        QFile file;
+        const QString name = catalogue::kCatalogueFile.toString();
+        if (!platform::OpenFile(file, PathOf(name), QIODevice::ReadWrite))
+            return {base::StatusCode::kIoError,
+                    name.toStdString() + ": " + file.errorString().toStdString()};
+        const QByteArray first_page = file.read(kPageBytes);
+        std::array<std::byte, jet::kFileMarkBytes> words{};
+        jet::StoreFileMark(words, 0);
+        const auto at = static_cast<qint64>(jet::FileMarkOffset(kPageBytes));
+        const bool stored = first_page.size() == kPageBytes && file.seek(at) &&
+                            file.write(reinterpret_cast<const char*>(words.data()),
+                                       std::ssize(words)) == std::ssize(words) &&
+                            file.flush();
+        if (stored) return {};
+        return {base::StatusCode::kIoError, name.toStdString() + ": cannot be written"};
     }
 
     // Two of three have their screenshot in a file, too; every second one has a flyer.

@@ -72,6 +72,7 @@ void Connection::Impl::Adopt(std::unique_ptr<Database> database) {
     database_ = std::move(database);
     session_.database = database_.get();
     database_->UseRowRules(std::make_unique<const sql::RuleMaker>(session_.clock));
+    database_->UseClock(session_.clock);
     database_->UseLabels([this] { return named_depth_ > 0 ? named_ : LabelOf({}, 0); });
     session_.identity = 0;
     session_.StartStatement();

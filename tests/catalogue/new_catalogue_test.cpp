@@ -44,6 +44,19 @@ TEST_F(NewCatalogueTest, HasOneEmptyTableWithTwelveColumns) {
     EXPECT_TRUE(rows->Bof() && rows->Eof());
 }
 
+// So that the file is the same whenever it is made.
+TEST_F(NewCatalogueTest, EveryObjectHasTheGivenDate) {
+    const auto objects =
+        OutputOf(QStringLiteral("mdb-export"), {QStringLiteral("-b"), QStringLiteral("strip"), path,
+                                                QStringLiteral("MSysObjects")});
+    ASSERT_TRUE(objects) << "mdbtools is not installed";
+    QStringList lines = objects->split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_GT(lines.size(), 5);
+    lines.removeFirst();
+    for (const QString& line : lines)
+        EXPECT_EQ(line.count(QStringLiteral("12/09/25 12:00:00")), 2) << line.toStdString();
+}
+
 TEST_F(NewCatalogueTest, NumbersItsRowsByItself) {
     jet::Connection connection(*files);
     ASSERT_TRUE(connection.Open(u"Data Source=" + path.toStdU16String()).ok());

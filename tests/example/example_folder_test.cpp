@@ -1,6 +1,8 @@
 // The example collection as the build makes it, copied for a user.
 #include "example/example_folder.h"
 
+#include "jet/pages/file_mark.h"
+#include "platform/application_folder.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
 #include "support/catalogue_fixture.h"
@@ -8,6 +10,8 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+
+#include <span>
 
 namespace example {
 namespace {
@@ -46,6 +50,15 @@ protected:
     catalogue::ProcessValues values;
     catalogue::Catalogue catalogue;
 };
+
+// It is random, and a package is to have the same bytes whenever it is built.
+TEST_F(ExampleFolderTest, TheDeliveredCatalogueHasNoMark) {
+    QFile file(platform::FileIn(delivered, S(u"pinball.mdb")));
+    ASSERT_TRUE(file.open(QFile::ReadOnly));
+    const QByteArray first_page = file.read(4096);
+    ASSERT_EQ(first_page.size(), 4096);
+    EXPECT_EQ(jet::ReadFileMark(std::as_bytes(std::span(first_page.data(), 4096))), 0U);
+}
 
 TEST_F(ExampleFolderTest, EveryFileOfTheCopyIsThere) {
     ASSERT_TRUE(CopyExample(delivered, folder).ok());

@@ -140,6 +140,9 @@ public:
     virtual base::Status Commit() = 0;
     virtual void Rollback() = 0;
     virtual bool in_transaction() const = 0;
+    // The date that new and changed objects get, in days since 1899-12-30. Without one the
+    // system's.
+    virtual void UseClock(const std::function<double()>&) {}
     // Who names the changes that are recorded (only where the page store takes notes); asked at the
     // commit of each transaction. Without one they have no label.
     virtual void UseLabels(const std::function<ChangeLabel()>&) {}

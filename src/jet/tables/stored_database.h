@@ -6,6 +6,7 @@
 #include "jet/tables/database.h"
 #include "jet/tables/map_rows.h"
 #include "jet/tables/stored_table.h"
+#include "jet/values/system_clock.h"
 
 #include <map>
 #include <set>
@@ -33,6 +34,7 @@ public:
     bool in_transaction() const override { return pages_->in_transaction(); }
     std::uint64_t changes() const override { return changes_; }
     void UseLabels(const std::function<ChangeLabel()>& labels) override { labels_ = labels; }
+    void UseClock(const std::function<double()>& clock) override { clock_ = clock; }
     std::size_t recorded_rows() const override { return recorder_ ? recorder_->row_count() : 0; }
     std::span<const std::byte> recorded() const override {
         return recorder_ ? std::span(recorder_->rows()) : std::span<const std::byte>();
@@ -115,7 +117,8 @@ private:
     std::unique_ptr<PageStore> pages_;
     FileContext file_;
     Catalog catalog_;
-    std::unique_ptr<ChangeRecorder> recorder_;        // nullptr: changes are not recorded
+    std::unique_ptr<ChangeRecorder> recorder_;  // nullptr: changes are not recorded
+    std::function<double()> clock_ = SystemNow;
     std::function<ChangeLabel()> labels_;             // empty: changes have no label
     ChangeLabel label_;                               // of the open transaction, if it is recorded
     std::unique_ptr<const RowRuleMaker> rule_maker_;  // nullptr: not known yet

@@ -3,7 +3,6 @@
 #include "jet/tables/stored_database.h"
 #include "jet/tables/system_rows.h"
 #include "jet/tables/system_tables.h"
-#include "jet/values/system_clock.h"
 
 #include <algorithm>
 #include <limits>
@@ -46,7 +45,7 @@ base::Status StoredDatabase::FinishChange(const CatalogEntry& entry, TableDefini
 
 base::Status StoredDatabase::Redate(const CatalogEntry& entry) {
     ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
-    const ColumnChange change{objects->ShownPosition(kObjectUpdated), Value::DateTime(SystemNow())};
+    const ColumnChange change{objects->ShownPosition(kObjectUpdated), Value::DateTime(clock_())};
     return objects->Update(entry.row, std::span(&change, 1));
 }
 
@@ -64,7 +63,7 @@ base::Status StoredDatabase::SetProperties(const CatalogEntry& entry,
 base::Status StoredDatabase::AddToCatalog(std::u16string_view name, std::int32_t id,
                                           std::int16_t type, std::int32_t container) {
     ASSIGN_OR_RETURN(StoredTable * objects, TableAt(kObjectsPage));
-    const Value now = Value::DateTime(SystemNow());
+    const Value now = Value::DateTime(clock_());
     std::vector<Value> values =
         InShownOrder(*objects, {{kObjectId, Value::Long(id)},
                                 {kObjectParent, Value::Long(container)},
