@@ -17,9 +17,10 @@
 
 namespace {
 
-constexpr const char16_t* kShown[] = {u"ID",      u"DisplayName", u"FileName", u"Favorite",
-                                      u"PinMame", u"FileDate",    u"Author",   u"Company",
-                                      u"Year",    u"LastPlayed",  u"DateAdded"};
+constexpr const char16_t* kShown[] = {u"ID",         u"DisplayName", u"FileName",    u"Favorite",
+                                      u"PinMame",    u"Version",     u"TimesPlayed", u"ImageFile",
+                                      u"FileDate",   u"Author",      u"Company",     u"Year",
+                                      u"LastPlayed", u"DateAdded"};
 
 std::vector<std::size_t> PlacesOf(const jet::Recordset& rows) {
     std::vector<std::size_t> places;

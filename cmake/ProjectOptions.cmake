@@ -33,6 +33,10 @@ set(gcc_release $<AND:$<CXX_COMPILER_ID:GNU>,$<CONFIG:Release>,$<COMPILE_LANGUAG
 foreach(wrong_warning IN ITEMS restrict maybe-uninitialized stringop-overread stringop-overflow array-bounds)
     target_compile_options(project_options INTERFACE $<${gcc_release}:-Wno-${wrong_warning}>)
 endforeach()
+# The compiler's garbage collector starts at 128 MB, which a precompiled header comes near by itself; it then frees little
+# and takes a tenth of the time. A file of this project takes 600 MB without it.
+target_compile_options(project_options INTERFACE
+    $<$<COMPILE_LANG_AND_ID:CXX,GNU>:--param=ggc-min-heapsize=1048576>)
 if(TAVOLO_SANITIZE)
     target_compile_options(project_options INTERFACE -fsanitize=${TAVOLO_SANITIZE}
         -fno-sanitize-recover=all -fno-omit-frame-pointer)

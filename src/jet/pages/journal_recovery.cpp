@@ -14,8 +14,10 @@ namespace {
 // Reads the records in order and collects the result.
 class JournalReader {
 public:
-    JournalReader(const File& journal, std::uint64_t size, const File& database)
-        : journal_(journal), size_(size), database_(database) {}
+    // Both sizes in bytes.
+    JournalReader(const File& journal, std::uint64_t size, const File& database,
+                  std::uint64_t database_size)
+        : journal_(journal), size_(size), database_(database), database_size_(database_size) {}
 
     // false: not a journal for pages of this size.
     base::Result<bool> ReadHeader(std::uint32_t page_size) {
@@ -47,9 +49,8 @@ public:
 
     // Whether `database` can be the file that this journal was written beside.
     base::Result<bool> BelongsToDatabase() const {
-        ASSIGN_OR_RETURN(const std::uint64_t size, database_.Size());
-        if (size < std::uint64_t{header_.page_count} * header_.page_size ||
-            size > std::uint64_t{found_.page_count} * header_.page_size)
+        if (database_size_ < std::uint64_t{header_.page_count} * header_.page_size ||
+            database_size_ > std::uint64_t{found_.page_count} * header_.page_size)
             return false;
         PageBytes first_page(header_.page_size);
         RETURN_IF_ERROR(database_.ReadAt(0, first_page));
@@ -113,13 +114,13 @@ private:
 
     // As they are now: old, new, or by sectors the one or the other.
     base::Status ReadPagesOfFile(std::span<const std::byte> payload) {
-        ASSIGN_OR_RETURN(const std::uint64_t size, database_.Size());
         for (const PageNumber number : PagesOfFileIn(payload)) {
             if (number == 0 || number >= header_.page_count) continue;  // contradicts the format
             auto page = std::make_shared<PageBytes>(header_.page_size);
             // A shorter file is another one, so that the content does not matter.
             const std::uint64_t offset = std::uint64_t{number} * header_.page_size;
-            if (offset + page->size() <= size) RETURN_IF_ERROR(database_.ReadAt(offset, *page));
+            if (offset + page->size() <= database_size_)
+                RETURN_IF_ERROR(database_.ReadAt(offset, *page));
             pages_of_file_[number] = std::move(page);
         }
         return {};
@@ -145,6 +146,7 @@ private:
     const File& journal_;
     std::uint64_t size_;
     const File& database_;
+    std::uint64_t database_size_;
     JournalHeader header_;
     RecoveredJournal found_;
     struct Place {
@@ -163,7 +165,8 @@ private:
 base::Result<LeftOverJournal> ReadJournal(const File& journal, const File& database,
                                           std::uint32_t page_size) {
     ASSIGN_OR_RETURN(const std::uint64_t size, journal.Size());
-    JournalReader reader(journal, size, database);
+    ASSIGN_OR_RETURN(const std::uint64_t database_size, database.Size());
+    JournalReader reader(journal, size, database, database_size);
     ASSIGN_OR_RETURN(const bool is_journal, reader.ReadHeader(page_size));
     if (!is_journal) return LeftOverJournal{};
     RETURN_IF_ERROR(reader.ReadRecords());

@@ -102,11 +102,13 @@ base::Result<RowId> RowWriter::Insert(std::span<const Value> values) {
     return pages_.Add(row, 0);
 }
 
-base::Status RowWriter::FreeLongValue(const ColumnDefinition& column, const RowView& row) {
+base::Status RowWriter::FreeLongValue(const ColumnDefinition& column, const RowView& row,
+                                      bool at_once) {
     LongValueStore* store = column.is_long_value() ? LongValuesOf(column) : nullptr;
     if (store == nullptr || !row.Bit(column.number)) return {};
     const auto field = row.Field(column);
-    return field ? store->Free(*field) : base::Status();
+    if (!field) return {};
+    return at_once ? store->Free(*field) : store->FreeOrNote(*field);
 }
 
 base::Status RowWriter::Update(RowId row, std::span<const Value> values,
@@ -118,7 +120,7 @@ base::Status RowWriter::Update(RowId row, std::span<const Value> values,
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const ColumnDefinition& column = definition_.columns[i];
         if (changed[i]) {
-            RETURN_IF_ERROR(FreeLongValue(column, *old));
+            RETURN_IF_ERROR(FreeLongValue(column, *old, true));
             ASSIGN_OR_RETURN(fields[i], MakeField(column, values[i]));
             continue;
         }
@@ -176,13 +178,8 @@ base::Status RowWriter::FreeLongValues(std::span<const std::byte> row, bool at_o
     if (long_values_.empty()) return {};
     const auto view = RowView::Parse(row, file_.format);
     if (!view) return {};
-    for (const ColumnDefinition& column : definition_.columns) {
-        LongValueStore* store = column.is_long_value() ? LongValuesOf(column) : nullptr;
-        if (store == nullptr || !view->Bit(column.number)) continue;
-        const auto field = view->Field(column);
-        if (!field) continue;
-        RETURN_IF_ERROR(at_once ? store->Free(*field) : store->FreeOrNote(*field));
-    }
+    for (const ColumnDefinition& column : definition_.columns)
+        RETURN_IF_ERROR(FreeLongValue(column, *view, at_once));
     return {};
 }
 

@@ -36,8 +36,8 @@ private:
     LongValueStore* LongValuesOf(const ColumnDefinition& column);
     base::Result<RowField> MakeField(const ColumnDefinition& column, const Value& value);
     base::Result<Bytes> EncodeWithinLimit(std::vector<RowField>& fields);
-    base::Status FreeLongValue(const ColumnDefinition& column, const RowView& row);
     // `at_once` false: noted where that is cheaper, see LongValueStore::FreeNoted.
+    base::Status FreeLongValue(const ColumnDefinition& column, const RowView& row, bool at_once);
     base::Status FreeLongValues(std::span<const std::byte> row, bool at_once);
     base::Status Place(RowId row, RowId at, std::span<const std::byte> bytes);
 
