@@ -3,6 +3,7 @@
 #include "app/given_tables.h"
 #include "base/scope_guards.h"
 #include "browser/table_info_command.h"
+#include "catalogue/collection_folders.h"
 #include "catalogue/error_report.h"
 #include "catalogue/path_names.h"
 #include "catalogue/program_files.h"
@@ -76,15 +77,56 @@ void Commands::TakeTables(const QString& path) {
     const base::ScopedFlag taking(is_taking_tables_);
     if (platform::FolderExists(path)) splash_.Show(QStringLiteral("Adding new tables..."));
     keeper_.MakeBefore(browser::NameOf(&browser::CommandActions::scan_for_tables));
-    const auto added = AddGivenTables(catalogue_, path, held_back_events_, Context().progress);
+    catalogue::PassedOver passed_over;
+    const auto added =
+        AddGivenTables(catalogue_, path, held_back_events_, Context().progress, &passed_over);
     splash_.Unload();
     // What was added before a failure is there, too; an empty tree is filled by SelectTable.
     const bool may_be_new = !added.ok() || *added > 0;
     if (may_be_new && window_.TreeSelection()) window_.RefreshTree();
     if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
-    if (!window_.SelectTable(IsGiven(path)))
-        window_.TellInPassing(
-            {base::StatusCode::kNotFound, "There is no table in " + path.toStdString()});
+    if (window_.SelectTable(IsGiven(path))) return window_.TellInPassing(passed_over.Summary());
+    window_.TellInPassing(
+        {base::StatusCode::kNotFound, "There is no table in " + path.toStdString()});
+}
+
+void Commands::LookForNewTables() {
+    if (is_at_work()) return;
+    const auto folders = catalogue::CollectionFolders(catalogue::CataloguePath(catalogue_));
+    if (!folders.ok()) return window_.TellInPassing(folders.status());
+    if (folders->isEmpty())
+        return window_.TellResult(QStringLiteral(
+            "No folder is known yet: each that \"Scan for New Tables\" looks through will be"));
+    const base::ScopedFlag taking(is_taking_tables_);
+    splash_.Show(QStringLiteral("Looking for new tables..."));
+    catalogue::PassedOver passed_over;
+    const auto added = AddNewTables(*folders, passed_over);
+    splash_.Unload();
+    if (!added.ok() || *added > 0) window_.RefreshTree();
+    if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
+    QString told = QString::number(*added) +
+                   (*added == 1 ? QStringLiteral(" new table") : QStringLiteral(" new tables"));
+    if (passed_over.count() > 0)
+        told += QStringLiteral(". ") + catalogue::FailureText(passed_over.Summary());
+    window_.TellResult(told);
+}
+
+base::Result<std::int64_t> Commands::AddNewTables(const QStringList& folders,
+                                                  catalogue::PassedOver& passed_over) {
+    const jet::NamedChange named(*catalogue_.CatalogueConnection, u"Look for New Tables");
+    std::int64_t added = 0;
+    for (const QString& folder : folders) {
+        if (!platform::FolderExists(folder)) {
+            passed_over.Note(folder, {base::StatusCode::kNotFound,
+                                      "There is no folder " + folder.toStdString()});
+            continue;
+        }
+        ASSIGN_OR_RETURN(const std::int64_t found,
+                         AddGivenTables(catalogue_, folder, held_back_events_, Context().progress,
+                                        &passed_over));
+        added += found;
+    }
+    return added;
 }
 
 bool Commands::is_at_work() const {
@@ -117,7 +159,12 @@ browser::CommandActions Commands::Actions() {
                 maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
             },
         .update_crcs = [this] { UpdateCrcs(); },
-        .import_from_table_files = [this] { Watched([this] { ImportFromTableFiles(); }); },
+        .import_from_table_files =
+            [this] {
+                base::Status passed_over;
+                Watched([&] { passed_over = ImportFromTableFiles(); });
+                window_.TellInPassing(passed_over);
+            },
         .import_launcher_data = [this] { Watched([this] { ImportLauncherData(); }); },
         .purge_missing_tables = [this] { maintenance::PurgeMissingTables(Context()); },
         .back_up = [this] { BackUp(); },
@@ -137,6 +184,7 @@ browser::CommandActions Commands::Actions() {
             },
         .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
+        .look_for_new_tables = [this] { LookForNewTables(); },
         .show_in_folder = [this] { ShowInFolder(); },
     };
 }
@@ -224,8 +272,9 @@ void Commands::UpdateCrcs() {
     window_.TellInPassing(checksum::UpdateCrcs(catalogue_, prompts_, &window_, Context().progress));
 }
 
-void Commands::ImportFromTableFiles() {
-    browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_, Context().progress);
+base::Status Commands::ImportFromTableFiles() {
+    return browser::ImportDataFromVpts(catalogue_, splash_, prompts_, refresh_tree_,
+                                       Context().progress);
 }
 
 void Commands::ImportLauncherData() {

@@ -5,6 +5,7 @@
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/passed_over.h"
 #include "catalogue/process_values.h"
 #include "dialogs/help_key.h"
 #include "dialogs/qt_user_events.h"
@@ -83,12 +84,15 @@ private:
 
     // What the scan has skipped; ok: nothing.
     base::Status Scan();
+    void LookForNewTables();
+    base::Result<std::int64_t> AddNewTables(const QStringList& folders,
+                                            catalogue::PassedOver& passed_over);
     void BackUp();
     // Opens the folder of the selected table file.
     void ShowInFolder();
     void Compact();
     void UpdateCrcs();
-    void ImportFromTableFiles();
+    base::Status ImportFromTableFiles();
     void ImportLauncherData();
     void ShowAbout();
     void ViewTableInfo();

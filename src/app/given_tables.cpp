@@ -11,7 +11,8 @@ namespace app {
 
 base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
                                           platform::UserEvents& events,
-                                          const catalogue::Progress& progress) {
+                                          const catalogue::Progress& progress,
+                                          catalogue::PassedOver* passed_over) {
     const jet::NamedChange named(*catalogue.CatalogueConnection, u"Add Tables");
     discovery::UnwatchedScan observer;
     discovery::FolderScan scan(catalogue, events, observer);
@@ -22,9 +23,10 @@ base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const
     else
         return base::Status(base::StatusCode::kNotFound, "File not found: " + path.toStdString(),
                             platform::kFileNotFound);
+    if (passed_over) passed_over->Note(scan.passed_over());
     // Those that were there may have been edited since; what was typed counts more.
-    RETURN_IF_ERROR(
-        tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events, progress));
+    RETURN_IF_ERROR(tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events,
+                                                        progress, passed_over));
     RETURN_IF_ERROR(scan.start_listing());
     return scan.found_count();
 }

@@ -87,6 +87,8 @@ constexpr MenuItem kTable[] = {
     {u"mnuShowInFolder", u"Show in F&older", &A::show_in_folder, kShown},
     kSeparator,
     {u"mnuRefreshTree", u"&Refresh Tree", &A::refresh_tree, kFree, false, 0, u"F5"},
+    {u"mnuLookForNew", u"Look for &New Tables", &A::look_for_new_tables, kFree, false, 0,
+     u"Shift+F5"},
     {u"mnuRandom", u"Select One at Rando&m", &A::select_random, kFree, false, 0, u"Ctrl+R"},
     kSeparator,
     {u"mnuWall", u"&Wall of Pictures", &A::toggle_wall, kAlways, true, 0, u"F9"},

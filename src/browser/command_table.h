@@ -53,6 +53,7 @@ struct CommandActions {
     Action cancel_edit{};
     Action delete_table{};
     Action refresh_tree{};
+    Action look_for_new_tables{};
     Action show_in_folder{};
     Action copy_as_text{};
     Action copy_file{};

@@ -166,7 +166,7 @@ void frmPinball::CreateTableCommands() {
                                [this](const QString& id) { SelectTableWithId(id); },
                                [this] { return !details_->record_changed(); },
                                [this](const QString& text) { TellResult(text); },
-                               [this](const base::Status& failure) { ShowFailure(failure); }});
+                               [this](const base::Status& failure) { TellInPassing(failure); }});
 }
 
 void frmPinball::CreateWall() {

@@ -1,11 +1,13 @@
 #include "browser/table_commands.h"
 
 #include "browser/command_table.h"
+#include "browser/folder_menu.h"
 #include "browser/main_menu.h"
 #include "browser/recent_tables.h"
 #include "browser/row_clipboard.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
+#include "catalogue/start_up.h"
 
 #include <QtCore/QRandomGenerator>
 #include <QtGui/QClipboard>
@@ -16,7 +18,7 @@ namespace browser {
 
 TableCommands::TableCommands(const Parts& parts, Actions actions)
     : parts_(parts), actions_(std::move(actions)) {
-    AddRecentMenu();
+    AddMenus();
 }
 
 void TableCommands::CopyAsText() {
@@ -44,12 +46,16 @@ void TableCommands::SelectRandomTable() {
     actions_.show_node(node);
 }
 
-// Before the last entries of the menu; asked for each time it opens.
-void TableCommands::AddRecentMenu() {
+// In the middle of the menu; what is in them is asked for each time they open.
+void TableCommands::AddMenus() {
     QMenu* const table_menu = parts_.menu.Menu(kTableMenu);
+    QAction* const random = table_menu->findChild<QAction*>(QStringLiteral("mnuRandom"));
+    table_menu->insertMenu(
+        random, new FolderMenu([this] { return catalogue::CataloguePath(parts_.catalogue); },
+                               actions_.tell_failure, table_menu));
     auto* const recent = new QMenu(QStringLiteral("Recently &Played"), table_menu);
     recent->setObjectName(QStringLiteral("mnuRecent"));
-    table_menu->insertMenu(table_menu->findChild<QAction*>(QStringLiteral("mnuRandom")), recent);
+    table_menu->insertMenu(random, recent);
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
 }
 

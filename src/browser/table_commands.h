@@ -40,7 +40,8 @@ public:
         std::function<void(const base::Status& failure)> tell_failure;
     };
 
-    // The parts are borrowed and outlive this object. Adds the menu of recent tables.
+    // The parts are borrowed and outlive this object. Adds the menus of the collection's
+    // folders and of recent tables.
     TableCommands(const Parts& parts, Actions actions);
 
     void CopyAsText();
@@ -49,7 +50,7 @@ public:
     void SelectRandomTable();
 
 private:
-    void AddRecentMenu();
+    void AddMenus();
     void FillRecentMenu(QMenu& menu);
 
     Parts parts_;

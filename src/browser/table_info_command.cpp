@@ -49,12 +49,15 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
     dialog.exec();
 }
 
-void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
-                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
-                        const catalogue::Progress& progress) {
-    catalogue::ShowError(
-        prompts, tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status, progress));
+base::Status ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
+                                platform::UserPrompts& prompts,
+                                const std::function<void()>& refresh_tree,
+                                const catalogue::Progress& progress) {
+    catalogue::PassedOver passed_over;
+    catalogue::ShowError(prompts, tableinfo::UpdateFromTableFiles(catalogue, kShowProgress, &status,
+                                                                  progress, &passed_over));
     refresh_tree();
+    return passed_over.Summary();
 }
 
 }  // namespace browser

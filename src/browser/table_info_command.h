@@ -24,9 +24,10 @@ void ViewTableInfo(const QString& table_file, DetailPanel& details, platform::Us
 
 // Overwrites records with the texts of their table files where these have some, then calls
 // `refresh_tree`. `status` is shown meanwhile, `progress` called for each row. A failure of the
-// database is shown in a box.
-void ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
-                        platform::UserPrompts& prompts, const std::function<void()>& refresh_tree,
-                        const catalogue::Progress& progress = {});
+// database is shown in a box. The result tells which table files could not be read.
+base::Status ImportDataFromVpts(catalogue::Catalogue& catalogue, platform::StatusDisplay& status,
+                                platform::UserPrompts& prompts,
+                                const std::function<void()>& refresh_tree,
+                                const catalogue::Progress& progress = {});
 
 }  // namespace browser

@@ -82,8 +82,11 @@ bool TreeController::SelectTable(const std::function<bool(const QString&)>& is_w
 }
 
 bool TreeController::SelectTableWithId(const QString& id) {
+    bool is_number = false;
+    const std::int32_t wanted = id.toInt(&is_number);
+    if (!is_number) return false;
     for (std::size_t table = 0; table < parts_.model.table_count(); ++table) {
-        if (QString::number(parts_.model.Id(table)) != id) continue;
+        if (parts_.model.Id(table) != wanted) continue;
         const QModelIndex index = parts_.model.IndexOfTable(table);
         parts_.tree.SelectNode(index);
         NodeClick(index);

@@ -22,6 +22,9 @@ void TreePlace::Remember(const TableTreeModel& model, const TableTreeView& tree)
 
 QModelIndex TreePlace::Find(const TableTreeModel& model, Gone gone) const {
     if (!row_) return {};
+    for (std::size_t row = 0; row < model.table_count(); ++row)
+        if (model.Id(row) == ids_[*row_]) return model.IndexOfTable(row);
+    if (gone == Gone::kTakesNone) return {};
     std::unordered_map<std::int32_t, std::size_t> rows;
     rows.reserve(model.table_count());
     for (std::size_t row = 0; row < model.table_count(); ++row)
@@ -30,8 +33,6 @@ QModelIndex TreePlace::Find(const TableTreeModel& model, Gone gone) const {
         const auto found = rows.find(ids_[row]);
         return found == rows.end() ? QModelIndex() : model.IndexOfTable(found->second);
     };
-    if (const QModelIndex same = node(*row_); same.isValid() || gone == Gone::kTakesNone)
-        return same;
     // What has moved up into its place, else what is left before it.
     for (std::size_t row = *row_ + 1; row < ids_.size(); ++row)
         if (const QModelIndex next = node(row); next.isValid()) return next;

@@ -4,6 +4,7 @@
 
 #include "base/status.h"
 
+#include <QtCore/QSet>
 #include <QtCore/QString>
 
 #include <cstdint>
@@ -12,27 +13,33 @@ namespace catalogue {
 
 class PassedOver {
 public:
-    // `failure` is not ok; `path` is put in front of its message unless that names it.
+    // `failure` is not ok; `path` is put in front of its message unless that names it. What is
+    // noted twice counts once.
     void Note(const QString& path, const base::Status& failure) {
-        if (count_++ > 0) return;
+        paths_.insert(path);
+        if (!first_.ok()) return;
         const std::string name = path.toStdString();
         const bool is_named = failure.message().find(name) != std::string::npos;
         first_ = is_named ? failure
                           : base::Status(failure.code(), name + ": " + failure.message(),
                                          failure.number());
     }
-    std::int64_t count() const { return count_; }
+    void Note(const PassedOver& others) {
+        paths_.unite(others.paths_);
+        if (first_.ok()) first_ = others.first_;
+    }
+    std::int64_t count() const { return paths_.size(); }
 
     // ok: nothing was left out. Otherwise how much, and the first of it with its reason.
     base::Status Summary() const {
-        if (count_ <= 1) return first_;
+        if (count() <= 1) return first_;
         return {first_.code(),
-                std::to_string(count_) + " could not be read. The first: " + first_.message(),
+                std::to_string(count()) + " could not be read. The first: " + first_.message(),
                 first_.number()};
     }
 
 private:
-    std::int64_t count_ = 0;
+    QSet<QString> paths_;
     base::Status first_;
 };
 

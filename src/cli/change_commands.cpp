@@ -47,6 +47,12 @@ int RunChange(Program& program, const char* command,
     return Finish(program, {changed, told, closed});
 }
 
+// Stops nothing.
+void Tell(Program& program, const catalogue::PassedOver& passed_over) {
+    const base::Status summary = passed_over.Summary();
+    if (!summary.ok()) program.console.Complain(summary);
+}
+
 base::Status Scan(Program& program, OpenedCatalogue& opened, const QString& folder) {
     platform::NoUserEvents events;
     discovery::UnwatchedScan observer;
@@ -54,7 +60,11 @@ base::Status Scan(Program& program, OpenedCatalogue& opened, const QString& fold
     discovery::FolderScan scan(opened.get(), events, observer);
     RETURN_IF_ERROR(scan.Run(folder));
     RETURN_IF_ERROR(scan.start_listing());
-    return tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr, ProgressOf(program));
+    catalogue::PassedOver passed_over = scan.passed_over();
+    const base::Status updated = tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr,
+                                                                 ProgressOf(program), &passed_over);
+    Tell(program, passed_over);
+    return updated;
 }
 
 // The fields of one table as a source of rows with a single one.
@@ -114,15 +124,22 @@ int RunScan(Program& program) {
 
 int RunUpdate(Program& program) {
     return RunChange(program, "update", [&](OpenedCatalogue& opened) {
-        return tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr, ProgressOf(program));
+        catalogue::PassedOver passed_over;
+        const base::Status updated = tableinfo::UpdateFromTableFiles(
+            opened.get(), 1, nullptr, ProgressOf(program), &passed_over);
+        Tell(program, passed_over);
+        return updated;
     });
 }
 
 int RunCrc(Program& program) {
     platform::NoUserEvents events;
     return RunChange(program, "crc", [&](OpenedCatalogue& opened) {
-        return checksum::RefreshCrcs(
-            opened.get(), events, [](const QString&) {}, ProgressOf(program));
+        catalogue::PassedOver passed_over;
+        const base::Status refreshed = checksum::RefreshCrcs(
+            opened.get(), events, [](const QString&) {}, ProgressOf(program), &passed_over);
+        Tell(program, passed_over);
+        return refreshed;
     });
 }
 

@@ -1,7 +1,9 @@
 #include "discovery/frmsearch.h"
 
+#include "catalogue/collection_folders.h"
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
+#include "catalogue/start_up.h"
 #include "jet/connection.h"
 #include "tableinfo/update_from_table_files.h"
 #include "widgets/elided_label.h"
@@ -119,14 +121,22 @@ base::Status frmsearch::WalkFolders() {
     if (!chosen.isEmpty()) last = chosen;
     base::Status done = scan.Run(chosen);
     found_count_ = scan.found_count();
-    passed_over_ = scan.passed_over().Summary();
+    passed_over_ = scan.passed_over();
+    if (!chosen.isEmpty() && scan.start_listing().ok()) Remember(chosen);
     return done;
+}
+
+// Without that it is scanned all the same.
+void frmsearch::Remember(const QString& folder) {
+    const QString file = catalogue::CataloguePath(catalogue_);
+    const base::Status stored = catalogue::RememberCollectionFolder(file, folder);
+    if (!stored.ok()) passed_over_.Note(catalogue::CollectionFoldersFile(file), stored);
 }
 
 base::Status frmsearch::ReadTableInformation() {
     Label2_->setText(QStringLiteral("Reading VPT Info..."));
     repaint();
-    return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr);
+    return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr, {}, &passed_over_);
 }
 
 // A scan that a database error has ended is incomplete; the tables that it has added count.

@@ -27,8 +27,8 @@ public:
     frmsearch(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
               std::function<void()> refresh_tree, QWidget* parent = nullptr);
 
-    // What the scan has skipped; ok: nothing.
-    const base::Status& passed_over() const { return passed_over_; }
+    // What the scan could not read; ok: nothing.
+    base::Status passed_over() const { return passed_over_.Summary(); }
 
     // Every way of closing the dialog calls this; ignored while a scan runs.
     void done(int result) override;
@@ -38,6 +38,7 @@ private:
     void BuildLayout();
     void Scan();
     base::Status WalkFolders();
+    void Remember(const QString& folder);
     base::Status ReadTableInformation();
     void ShowResult(const base::Status& done);
 
@@ -62,7 +63,7 @@ private:
     bool idle_ = true;
     int run_count_ = 0;  // scans since the dialog was loaded
     std::int64_t found_count_ = 0;
-    base::Status passed_over_;
+    catalogue::PassedOver passed_over_;
 };
 
 }  // namespace discovery

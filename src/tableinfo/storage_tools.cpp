@@ -22,13 +22,7 @@ constexpr std::uint64_t kMaxScreenshotBytes = std::uint64_t{256} * 1024 * 1024;
 
 class TableInfoFile::Impl {
 public:
-    explicit Impl(const QString& path) {
-        auto opened = cfb::CompoundFile::Open(platform::ToPath(path));
-        if (!opened.ok()) return;
-        file_ = std::move(*opened);
-        const auto storage = file_->Find(file_->root(), kStorageName);
-        if (storage.ok()) storage_ = *storage;  // a stream of this name has no members
-    }
+    explicit Impl(const QString& path) { Open(path); }
 
     std::vector<cfb::Element> RootElements() {
         return file_ ? file_->ListReadable(file_->root()) : std::vector<cfb::Element>();
@@ -41,13 +35,31 @@ public:
          std::uint64_t most_bytes = std::numeric_limits<std::uint64_t>::max()) {
         if (!storage_) return {};
         const auto stream = file_->Find(*storage_, stream_name);
+        if (!stream.ok()) Note(stream.status());
         if (!stream.ok() || stream->size_bytes > most_bytes) return {};
-        return file_->Read(*stream).value_or({});
+        auto content = file_->Read(*stream);
+        if (content.ok()) return std::move(*content);
+        Note(content.status());
+        return {};
     }
+    const base::Status& failure() const { return failure_; }
 
 private:
+    void Open(const QString& path) {
+        auto opened = cfb::CompoundFile::Open(platform::ToPath(path));
+        if (!opened.ok()) return Note(opened.status());
+        file_ = std::move(*opened);
+        const auto storage = file_->Find(file_->root(), kStorageName);
+        if (!storage.ok()) return Note(storage.status());
+        storage_ = *storage;  // a stream of this name has no members
+    }
+    void Note(const base::Status& failure) {
+        if (failure_.ok() && failure.code() != base::StatusCode::kNotFound) failure_ = failure;
+    }
+
     std::unique_ptr<cfb::CompoundFile> file_;
     std::optional<cfb::Element> storage_;
+    base::Status failure_;
 };
 
 TableInfoFile::TableInfoFile(const QString& path) : impl_(std::make_unique<Impl>(path)) {}
@@ -80,6 +92,10 @@ std::optional<QByteArray> TableInfoFile::Screenshot() {
     if (bytes.empty()) return std::nullopt;
     return QByteArray(reinterpret_cast<const char*>(bytes.data()),
                       static_cast<qsizetype>(bytes.size()));
+}
+
+const base::Status& TableInfoFile::failure() const {
+    return impl_->failure();
 }
 
 QString ReadTableInfoStream(const QString& path, const QString& stream_name) {

@@ -6,6 +6,8 @@
 // spelling. Threads: a TableInfoFile belongs to one thread.
 #pragma once
 
+#include "base/status.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -40,6 +42,10 @@ public:
     QString ReadStream(const QString& stream_name);
     int ListCustomStreams(QStringList& names);
     std::optional<QByteArray> Screenshot();
+
+    // The first thing that could not be read so far; ok if there was none. What is not there (the
+    // file, the information, a stream) is no failure.
+    const base::Status& failure() const;
 
 private:
     class Impl;

@@ -61,11 +61,13 @@ base::Status StoreWhatFits(jet::Recordset& rows, const NewFields& fields) {
     return base::Status::Ok();
 }
 
-base::Status UpdateRow(jet::Recordset& rows) {
+base::Status UpdateRow(jet::Recordset& rows, catalogue::PassedOver* passed_over) {
     ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
     TableInfoFile file(path);
-    if (!file.HasTableInfo()) return base::Status::Ok();
-    const NewFields fields = FieldsFrom(file);
+    const bool has_information = file.HasTableInfo();
+    const NewFields fields = has_information ? FieldsFrom(file) : NewFields();
+    if (passed_over && !file.failure().ok()) passed_over->Note(path, file.failure());
+    if (!has_information) return base::Status::Ok();
     base::Status stored = Store(rows, fields);
     if (stored.ok()) return stored;
     rows.CancelUpdate();
@@ -73,7 +75,7 @@ base::Status UpdateRow(jet::Recordset& rows) {
 }
 
 base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* status,
-                        const catalogue::Progress& progress) {
+                        const catalogue::Progress& progress, catalogue::PassedOver* passed_over) {
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"Select *  from Tables", connection, jet::CursorType::kDynamic,
                               jet::LockType::kOptimistic));
@@ -82,19 +84,20 @@ base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* st
     if (status) status->Show(QStringLiteral("Updating from VPTs..."));
     catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
-        RETURN_IF_ERROR(UpdateRow(rows));
+        RETURN_IF_ERROR(UpdateRow(rows, passed_over));
         RETURN_IF_ERROR(rows.MoveNext());
         meter.Step();
     }
     return base::Status::Ok();
 }
 
-base::Status UpdateRowWithId(jet::Connection& connection, std::int64_t id) {
+base::Status UpdateRowWithId(jet::Connection& connection, std::int64_t id,
+                             catalogue::PassedOver* passed_over) {
     const QString sql = QStringLiteral("Select * from Tables where ID = ") + QString::number(id);
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), connection, jet::CursorType::kDynamic,
                               jet::LockType::kOptimistic));
-    return rows.Eof() ? base::Status() : UpdateRow(rows);
+    return rows.Eof() ? base::Status() : UpdateRow(rows, passed_over);
 }
 
 }  // namespace
@@ -102,11 +105,12 @@ base::Status UpdateRowWithId(jet::Connection& connection, std::int64_t id) {
 base::Status UpdateRowsFromTableFiles(catalogue::Catalogue& catalogue,
                                       std::span<const std::int64_t> ids,
                                       platform::UserEvents& events,
-                                      const catalogue::Progress& progress) {
+                                      const catalogue::Progress& progress,
+                                      catalogue::PassedOver* passed_over) {
     catalogue::ProgressMeter meter(progress, std::ssize(ids));
     for (const std::int64_t id : ids) {
         events.ProcessEvents();
-        RETURN_IF_ERROR(UpdateRowWithId(*catalogue.CatalogueConnection, id));
+        RETURN_IF_ERROR(UpdateRowWithId(*catalogue.CatalogueConnection, id, passed_over));
         meter.Step();
     }
     return {};
@@ -114,11 +118,12 @@ base::Status UpdateRowsFromTableFiles(catalogue::Catalogue& catalogue,
 
 base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_progress,
                                   platform::StatusDisplay* status,
-                                  const catalogue::Progress& progress) {
+                                  const catalogue::Progress& progress,
+                                  catalogue::PassedOver* passed_over) {
     const bool shows = show_progress == 1;
     const jet::NamedChange named(*catalogue.CatalogueConnection, u"Import Data from VPTs");
     base::Status done = UpdateRows(*catalogue.CatalogueConnection, shows ? status : nullptr,
-                                   shows ? progress : catalogue::Progress());
+                                   shows ? progress : catalogue::Progress(), passed_over);
     if (status) status->Unload();
     return done;
 }

@@ -7,6 +7,7 @@
 #include "browser/command_table.h"
 #include "browser/frmSplash.h"
 #include "browser/tree_fixture.h"
+#include "catalogue/collection_folders.h"
 #include "catalogue/program_files.h"
 #include "dialogs/frmSettings.h"
 #include "pictures/frmPicture.h"
@@ -155,6 +156,17 @@ TEST_F(CommandsTest, ABackupThatFailsIsSaidInTheStatusBar) {
     const QString told = window->statusBar()->currentMessage();
     EXPECT_TRUE(told.startsWith(S(u"No backup was made: "))) << told.toStdString();
     EXPECT_TRUE(told.contains(S(u"pinball.BU"))) << told.toStdString();
+}
+
+TEST_F(CommandsTest, ATableFileThatCannotBeReadIsSaidInTheStatusBar) {
+    QFile file(folder.filePath(S(u"damaged.vpt")));
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("no table") == 8);
+    file.close();
+    Execute(S(u"Update Tables set FileName = '") + file.fileName() + S(u"' where ID = 1"));
+    Run(u"mnuVPT");
+    EXPECT_TRUE(prompts.messages.empty());
+    const QString told = window->statusBar()->currentMessage();
+    EXPECT_TRUE(told.contains(S(u"damaged.vpt"))) << told.toStdString();
 }
 
 TEST_F(CommandsTest, TheFolderOfTheSelectedTableIsShown) {
@@ -405,6 +417,26 @@ TEST_F(GivenTablesTest, AFolderBringsItsTablesAndSelectsTheFirst) {
     commands->TakeTables(QFileInfo(first).path());
     EXPECT_EQ(Count(), S(u"4"));
     EXPECT_EQ(window->SelectedTag(), first);
+}
+
+TEST_F(GivenTablesTest, OneKeyLooksForNewTablesInAllKnownFolders) {
+    const auto told = [this] { return window->statusBar()->currentMessage(); };
+    Run(u"mnuLookForNew");
+    EXPECT_TRUE(told().startsWith(S(u"No folder is known yet"))) << told().toStdString();
+    MakeTable(u"New.vpt", u"Brand new");
+    const QString gone = folder.filePath(S(u"unplugged"));
+    for (const QString& known : {gone, folder.filePath(S(u"given"))})
+        ASSERT_TRUE(catalogue::RememberCollectionFolder(DatabasePath(), known).ok());
+    const int before = Tree()->model()->rowCount(Tree()->model()->index(0, 0));
+    Run(u"mnuLookForNew");
+    EXPECT_EQ(told(), S(u"1 new table. There is no folder ") + gone);
+    EXPECT_EQ(Tree()->model()->rowCount(Tree()->model()->index(0, 0)), before + 1);
+    EXPECT_EQ(Scalar(S(u"Select Author from Tables where DisplayName = 'Brand new'")),
+              S(u"Of the file"));
+    ASSERT_TRUE(catalogue::ForgetCollectionFolder(DatabasePath(), gone).ok());
+    Run(u"mnuLookForNew");
+    EXPECT_EQ(told(), S(u"0 new tables"));
+    EXPECT_TRUE(prompts.messages.empty());
 }
 
 // What was typed since counts more than what the files say.

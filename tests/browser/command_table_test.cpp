@@ -87,6 +87,7 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuShowInFolder Show in F&older\n"
                                              "-\n"
                                              "mnuRefreshTree &Refresh Tree\n"
+                                             "mnuLookForNew Look for &New Tables\n"
                                              "mnuRandom Select One at Rando&m\n"
                                              "-\n"
                                              "mnuWall &Wall of Pictures\n"

@@ -1,7 +1,9 @@
 // Keys, the menu of the selected table, and what is dropped on the main window.
 #include "browser/frmKeys.h"
 #include "browser/main_window_fixture.h"
+#include "catalogue/collection_folders.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QTimer>
 #include <QtCore/QUrl>
@@ -241,6 +243,28 @@ TEST_F(HabitsTest, TheTablesPlayedLastAreOfferedTheLastFirst) {
     recent->actions()[0]->trigger();
     EXPECT_EQ(FieldText(2), S(u"B & C"));
     EXPECT_EQ(Find<QComboBox>(u"cboFilter")->currentText(), S(u"All")) << "it was not in the list";
+}
+
+TEST_F(HabitsTest, TheFoldersOfTheCollectionAreListedAndUncheckedOnesForgotten) {
+    Open();
+    auto* folders = Find<QMenu>(u"mnuFolders");
+    Q_EMIT folders->aboutToShow();
+    ASSERT_EQ(folders->actions().size(), 1);
+    EXPECT_FALSE(folders->actions()[0]->isEnabled()) << "none was scanned";
+    for (const char16_t* const path : {u"/tables/a & b", u"/tables/c"})
+        ASSERT_TRUE(catalogue::RememberCollectionFolder(DatabasePath(), S(path)).ok());
+    Q_EMIT folders->aboutToShow();
+    ASSERT_EQ(folders->actions().size(), 2);
+    EXPECT_EQ(folders->actions()[0]->text(), S(u"/tables/a && b"));
+    EXPECT_TRUE(folders->actions()[0]->isChecked());
+    folders->actions()[0]->trigger();
+    EXPECT_EQ(catalogue::CollectionFolders(DatabasePath()).value_or({}),
+              QStringList{S(u"/tables/c")});
+    QFile file(catalogue::CollectionFoldersFile(DatabasePath()));
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("?") == 1);
+    file.close();
+    Q_EMIT folders->aboutToShow();
+    EXPECT_TRUE(Message().contains(S(u"is not a list of folders"))) << Message().toStdString();
 }
 
 TEST_F(HabitsTest, TheMenuOffersWhatCanBeDone) {

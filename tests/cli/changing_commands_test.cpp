@@ -98,6 +98,19 @@ TEST_F(ChangingCommandsTest, UpdateCopiesWhatTheFilesSay) {
     EXPECT_EQ(Scalar("Select DisplayName from Tables where ID = 3"), "Fathom & Co");
 }
 
+TEST_F(ChangingCommandsTest, FilesThatCannotBeReadAreSaid) {
+    QFile file(QDir(Tables()).filePath(S("damaged.vpt")));
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("no table") == 8);
+    file.close();
+    for (const QStringList& words : {QStringList{S("scan"), Tables()}, QStringList{S("update")}}) {
+        EXPECT_EQ(Run(words), kDone);
+        EXPECT_THAT(console.error, HasSubstr("tavolo-cli: " + file.fileName().toStdString()));
+    }
+    ASSERT_TRUE(file.remove());
+    EXPECT_EQ(Run("update"), kDone);
+    EXPECT_EQ(console.error.find("tavolo-cli: "), std::string::npos) << console.error;
+}
+
 TEST_F(ChangingCommandsTest, CrcComputesTheChecksums) {
     ExpectOnlyTold({S("crc")});
     EXPECT_EQ(Run("crc"), kDone);

@@ -1,5 +1,6 @@
 #include "discovery/frmsearch.h"
 
+#include "catalogue/collection_folders.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
 #include "support/vpt_builder.h"
@@ -54,6 +55,12 @@ TEST_F(FrmSearchTest, ShowsItsCaptions) {
     EXPECT_EQ(TextOf("lbltime"), QString());
     EXPECT_EQ(TextOf("Label2"), QString());
     EXPECT_EQ(TextOf("lblCRC"), QString());
+}
+
+TEST_F(FrmSearchTest, AFolderThatWasScannedIsRemembered) {
+    Search();
+    EXPECT_EQ(catalogue::CollectionFolders(DatabasePath()).value_or({}),
+              QStringList{tables.path()});
 }
 
 TEST_F(FrmSearchTest, AScanAddsTheTablesAndReportsTheirNumber) {

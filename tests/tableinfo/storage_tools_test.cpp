@@ -161,10 +161,27 @@ TEST_F(StorageToolsTest, AFileCutShortHasWhatIsLeftOfItOrNothing) {
     QFile file(Build(VptBuilder().Text(u"TableName", u"Attack").Filler(20'000)));
     for (qint64 size = file.size(); size > 0; size -= 512) {
         ASSERT_TRUE(file.resize(size));
-        const QString name = ReadTableInfoStream(file.fileName(), QStringLiteral("TableName"));
+        TableInfoFile cut(file.fileName());
+        const QString name = cut.ReadStream(QStringLiteral("TableName"));
         EXPECT_TRUE(name.isEmpty() || name == QStringLiteral("Attack")) << name.toStdString();
+        EXPECT_EQ(cut.failure().ok(), !name.isEmpty()) << size << ' ' << cut.failure().message();
     }
     ExpectNothing(file.fileName());
+}
+
+TEST_F(StorageToolsTest, WhatIsNotThereIsNoFailure) {
+    TableInfoFile none(folder_.filePath(QStringLiteral("none.vpt")));
+    EXPECT_FALSE(none.HasTableInfo());
+    EXPECT_TRUE(none.failure().ok());
+    TableInfoFile some(Build(VptBuilder().Text(u"TableName", u"Attack")));
+    EXPECT_EQ(some.ReadStream(QStringLiteral("AuthorName")), QString());
+    EXPECT_TRUE(some.failure().ok()) << some.failure().message();
+    QFile other(folder_.filePath(QStringLiteral("other.vpt")));
+    ASSERT_TRUE(other.open(QFile::WriteOnly) && other.write("no table") == 8);
+    other.close();
+    TableInfoFile no_table(other.fileName());
+    EXPECT_FALSE(no_table.HasTableInfo());
+    EXPECT_FALSE(no_table.failure().ok());
 }
 
 TEST_F(StorageToolsTest, OneDamagedEntryDoesNotHideTheOtherTexts) {

@@ -132,6 +132,24 @@ TEST_F(UpdateFromTableFilesTest, RowsWithoutInformationAreUntouched) {
               QStringLiteral("5"));
 }
 
+TEST_F(UpdateFromTableFilesTest, FilesThatCannotBeReadAreNotedAndNoneThatAreMissing) {
+    const QString damaged = folder.filePath(QStringLiteral("damaged.vpt"));
+    QFile file(damaged);
+    ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("no table") == 8);
+    file.close();
+    AddRow(damaged, QStringLiteral("Damaged"));
+    AddRow(damaged, QStringLiteral("The Same"));
+    AddRow(folder.filePath(QStringLiteral("missing.vpt")), QStringLiteral("Missing"));
+    AddRow(Build(VptBuilder().Text(u"AuthorName", u"Ann")), QStringLiteral("Good"));
+    catalogue::PassedOver passed_over;
+    ASSERT_TRUE(UpdateFromTableFiles(catalogue, 0, nullptr, {}, &passed_over).ok());
+    EXPECT_EQ(passed_over.count(), 1);
+    const std::string told = passed_over.Summary().message();
+    EXPECT_NE(told.find(damaged.toStdString()), std::string::npos) << told;
+    EXPECT_EQ(Scalar(QStringLiteral("Select Count(*) from Tables where Author = 'Old Author'")),
+              QStringLiteral("3"));
+}
+
 TEST_F(UpdateFromTableFilesTest, EveryRowOfTheCatalogueIsUpdated) {
     for (int i = 0; i < 40; ++i) {
         AddRow(
