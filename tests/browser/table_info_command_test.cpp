@@ -95,9 +95,10 @@ TEST_F(TableInfoCommandTest, TheImportShowsItsStatusAndRefreshesTheTree) {
     AddTable(QStringLiteral("Attack"));
     int refreshes = 0;
     std::vector<std::int64_t> steps;
-    ImportDataFromVpts(
+    const base::Status passed_over = ImportDataFromVpts(
         catalogue, status, prompts, [&] { ++refreshes; },
         [&](std::int64_t done, std::int64_t) { steps.push_back(done); });
+    EXPECT_TRUE(passed_over.ok()) << passed_over.message();
     EXPECT_FALSE(steps.empty());
     EXPECT_EQ(status.shown, std::vector<QString>{QStringLiteral("Updating from VPTs...")});
     EXPECT_EQ(refreshes, 1);
@@ -109,7 +110,8 @@ TEST_F(TableInfoCommandTest, TheImportShowsItsStatusAndRefreshesTheTree) {
 TEST_F(TableInfoCommandTest, AnImportThatTheDatabaseRefusesIsTold) {
     connection->Close().Ignore();
     int refreshes = 0;
-    ImportDataFromVpts(catalogue, status, prompts, [&] { ++refreshes; });
+    EXPECT_TRUE(ImportDataFromVpts(catalogue, status, prompts, [&] { ++refreshes; }).ok())
+        << "told already";
     ASSERT_EQ(prompts.messages.size(), 1u);
     EXPECT_EQ(prompts.messages[0].icon, platform::MessageIcon::kExclamation);
     EXPECT_EQ(status.unloads, 1);
