@@ -61,8 +61,8 @@ base::Status Scan(Program& program, OpenedCatalogue& opened, const QString& fold
     RETURN_IF_ERROR(scan.Run(folder));
     RETURN_IF_ERROR(scan.start_listing());
     catalogue::PassedOver passed_over = scan.passed_over();
-    const base::Status updated = tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr,
-                                                                 ProgressOf(program), &passed_over);
+    base::Status updated = tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr,
+                                                           ProgressOf(program), &passed_over);
     Tell(program, passed_over);
     return updated;
 }
@@ -125,8 +125,8 @@ int RunScan(Program& program) {
 int RunUpdate(Program& program) {
     return RunChange(program, "update", [&](OpenedCatalogue& opened) {
         catalogue::PassedOver passed_over;
-        const base::Status updated = tableinfo::UpdateFromTableFiles(
-            opened.get(), 1, nullptr, ProgressOf(program), &passed_over);
+        base::Status updated = tableinfo::UpdateFromTableFiles(opened.get(), 1, nullptr,
+                                                               ProgressOf(program), &passed_over);
         Tell(program, passed_over);
         return updated;
     });
@@ -136,7 +136,7 @@ int RunCrc(Program& program) {
     platform::NoUserEvents events;
     return RunChange(program, "crc", [&](OpenedCatalogue& opened) {
         catalogue::PassedOver passed_over;
-        const base::Status refreshed = checksum::RefreshCrcs(
+        base::Status refreshed = checksum::RefreshCrcs(
             opened.get(), events, [](const QString&) {}, ProgressOf(program), &passed_over);
         Tell(program, passed_over);
         return refreshed;
