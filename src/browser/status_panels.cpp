@@ -19,8 +19,6 @@ constexpr std::int64_t kWorthShowing = 2000;
 
 // Between two drawings of the bar, each of which costs as much as reading a hundred tables.
 constexpr int kDrawMs = 50;
-// Nothing is drawn of a progress that ends sooner: a bar that flashes says nothing and takes time.
-constexpr int kQuickMs = 100;
 
 constexpr int kInPassingMs = 15'000;
 
@@ -90,8 +88,6 @@ void StatusPanels::StartProgress(std::int64_t steps) {
     prgLoad_->setValue(0);
     hundredths_ = 0;
     since_drawn_.invalidate();
-    quick_.setRemainingTime(kQuickMs);
-    prgLoad_->setUpdatesEnabled(false);
     for (QLabel* const panel : panels_)
         panel->hide();
     prgLoad_->show();
@@ -104,17 +100,14 @@ void StatusPanels::Advance(std::int64_t step) {
     if (since_drawn_.isValid() && !since_drawn_.hasExpired(kDrawMs)) return;
     hundredths_ = hundredths;
     since_drawn_.start();
-    const bool is_drawn = quick_.hasExpired();
-    if (is_drawn) prgLoad_->setUpdatesEnabled(true);
     prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
-    if (is_drawn && steps_ >= kWorthShowing && isVisible())
+    if (steps_ >= kWorthShowing && isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void StatusPanels::EndProgress() {
     in_progress_ = false;
     prgLoad_->hide();
-    prgLoad_->setUpdatesEnabled(true);
     for (QLabel* const panel : panels_)
         panel->show();
 }

@@ -2,7 +2,6 @@
 // replaces them during long work.
 #pragma once
 
-#include <QtCore/QDeadlineTimer>
 #include <QtCore/QElapsedTimer>
 #include <QtWidgets/QStatusBar>
 
@@ -57,7 +56,6 @@ private:
     std::int64_t steps_ = 0;
     int hundredths_ = 0;
     QElapsedTimer since_drawn_;  // invalid: not drawn yet
-    QDeadlineTimer quick_;       // until then the bar is not drawn
     bool in_progress_ = false;
 };
 

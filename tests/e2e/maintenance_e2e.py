@@ -251,7 +251,7 @@ def compact(program, catalogue, work):
     wait_for(lambda: program.visible("tvwDB") and "Bob's Table" in program.items(), "the tree")
     program.picture("compacted")
     check_equal(export_rows(catalogue.database), rows, "the rows of the compacted catalogue")
-    check_equal(sorted(p.name for p in catalogue.database.parent.glob("pinball.mdb*")), ["pinball.mdb", "pinball.mdb-history", "pinball.mdb-history.old", "pinball.mdb-snapshots"],
+    check_equal(sorted(p.name for p in catalogue.database.parent.glob("pinball.mdb*")), ["pinball.mdb", "pinball.mdb-folders", "pinball.mdb-history", "pinball.mdb-history.old", "pinball.mdb-snapshots"],
                 "files left beside it")
     # The program goes on writing to the new file.
     program.click_item("Bob's Table")
