@@ -55,7 +55,10 @@ target_compile_options(strict_conversions INTERFACE -Wconversion -Wsign-conversi
 
 # qt_options: how the project uses Qt.
 if(TAVOLO_GUI)
-    find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets Svg Multimedia Network Test)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg Network Test)
+    if(NOT WIN32)  # which has its own for what these are for
+        find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Multimedia)
+    endif()
     add_library(qt_options INTERFACE)
     target_compile_definitions(qt_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
         QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_NO_KEYWORDS)

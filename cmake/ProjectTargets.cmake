@@ -1,3 +1,14 @@
+# compile_several_files_at_once(count): in this folder and those below it, where TAVOLO_UNITY says so. The debug preset compiles each
+# file by itself, for quick turns; clang-tidy does, too. Files that are not to meet have SKIP_UNITY_BUILD_INCLUSION.
+macro(compile_several_files_at_once count)
+    set(CMAKE_UNITY_BUILD ${TAVOLO_UNITY})
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE ${count})
+    if(TAVOLO_UNITY AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # gcc takes a file that is included for a header, which should name nothing that is local to a file.
+        add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+    endif()
+endmacro()
+
 # room_headers(target [header...]): who links `target` may include the headers of its folder, those named or all, as
 # "folder/header.h", and those of no other folder. A folder of links in the build tree stands for the room; a folder inside of it
 # that is no room of its own belongs to it.
@@ -35,11 +46,12 @@ function(add_std_library name)
     use_precompiled_headers(${name} standard)
 endfunction()
 
-# add_qt_library(name sources...): a library on Qt Core, without a widget.
+# add_qt_library(name [MOC] sources...): a library on Qt Core, without a widget. MOC: it has a Q_OBJECT.
 function(add_qt_library name)
-    add_library(${name} STATIC ${ARGN})
+    cmake_parse_arguments(L "MOC" "" "" ${ARGN})
+    add_library(${name} STATIC ${L_UNPARSED_ARGUMENTS})
     room_headers(${name})
-    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+    set_target_properties(${name} PROPERTIES AUTOMOC ${L_MOC})
     target_link_libraries(${name} PUBLIC project_options qt_options Qt6::Core)
     use_precompiled_headers(${name} qt)
 endfunction()

@@ -10,8 +10,8 @@ run="xvfb openbox imagemagick x11-utils wmctrl xdotool fonts-dejavu-core libqt6s
 test="libgtest-dev libgmock-dev libgsf-1-dev libsqlite3-dev mdbtools mdbtools-dev zlib1g-dev xclip rhash libjpeg-turbo-progs
     libchm-bin git clang clang-format clang-tidy libclang-rt-14-dev groff-base zsh fish wine wine64 gcc-mingw-w64-x86-64 pulseaudio pulseaudio-utils sox dbus-x11 procps
     desktop-file-utils appstream mandoc shared-mime-info libglib2.0-bin strace
-    dbus-daemon at-spi2-core python3-pyatspi"
-package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git xz-utils qt6-wayland"
+    dbus-daemon at-spi2-core python3-pyatspi qt6-l10n-tools"
+package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git patchelf xz-utils qt6-wayland"
 windows="g++-mingw-w64-x86-64-posix googletest cmake ninja-build ccache pkg-config dpkg-dev wine wine64 mdbtools rhash python3"
 
 wanted=()

@@ -1,6 +1,8 @@
 #include "app/commands.h"
 
 #include "app/given_tables.h"
+#include "app/texts.h"
+#include "base/marked_text.h"
 #include "base/scope_guards.h"
 #include "browser/table_info_command.h"
 #include "catalogue/collection_folders.h"
@@ -34,7 +36,19 @@
 
 #include <QtWidgets/QApplication>
 
+#include <algorithm>
+#include <climits>
+
 namespace app {
+namespace {
+
+QString CountOfNewTables(std::int64_t count) {
+    const int number = static_cast<int>(std::min<std::int64_t>(count, INT_MAX));
+    return count == 1 ? AppTexts::tr("%n new table", nullptr, 1)
+                      : AppTexts::tr("%n new tables", nullptr, number);
+}
+
+}  // namespace
 
 Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                    const OutsideWorld& outside, snapshots::SnapshotKeeper& keeper,
@@ -70,12 +84,13 @@ void Commands::PaintEvents::ProcessEvents() {
 void Commands::ExpectTables(const QString& path) {
     window_.Raise();
     if (!path.isEmpty() && !MayTakeTables())
-        window_.TellInPassing({base::StatusCode::kBusy, "Waiting to add " + path.toStdString()});
+        window_.TellInPassing(
+            {base::StatusCode::kBusy, AppTexts::tr("Waiting to add %1").arg(path).toStdString()});
 }
 
 void Commands::TakeTables(const QString& path) {
     const base::ScopedFlag taking(is_taking_tables_);
-    if (platform::FolderExists(path)) splash_.Show(QStringLiteral("Adding new tables..."));
+    if (platform::FolderExists(path)) splash_.Show(AppTexts::tr("Adding new tables..."));
     keeper_.MakeBefore(browser::NameOf(&browser::CommandActions::scan_for_tables));
     catalogue::PassedOver passed_over;
     const auto added =
@@ -86,8 +101,8 @@ void Commands::TakeTables(const QString& path) {
     if (may_be_new && window_.TreeSelection()) window_.RefreshTree();
     if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
     if (window_.SelectTable(IsGiven(path))) return window_.TellInPassing(passed_over.Summary());
-    window_.TellInPassing(
-        {base::StatusCode::kNotFound, "There is no table in " + path.toStdString()});
+    window_.TellInPassing({base::StatusCode::kNotFound,
+                           AppTexts::tr("There is no table in %1").arg(path).toStdString()});
 }
 
 void Commands::LookForNewTables() {
@@ -95,38 +110,20 @@ void Commands::LookForNewTables() {
     const auto folders = catalogue::CollectionFolders(catalogue::CataloguePath(catalogue_));
     if (!folders.ok()) return window_.TellInPassing(folders.status());
     if (folders->isEmpty())
-        return window_.TellResult(QStringLiteral(
+        return window_.TellResult(AppTexts::tr(
             "No folder is known yet: each that \"Scan for New Tables\" looks through will be"));
     const base::ScopedFlag taking(is_taking_tables_);
-    splash_.Show(QStringLiteral("Looking for new tables..."));
+    splash_.Show(AppTexts::tr("Looking for new tables..."));
     catalogue::PassedOver passed_over;
-    const auto added = AddNewTables(*folders, passed_over);
+    const auto added =
+        AddNewTables(catalogue_, *folders, held_back_events_, Context().progress, passed_over);
     splash_.Unload();
     if (!added.ok() || *added > 0) window_.RefreshTree();
     if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
-    QString told = QString::number(*added) +
-                   (*added == 1 ? QStringLiteral(" new table") : QStringLiteral(" new tables"));
+    QString told = CountOfNewTables(*added);
     if (passed_over.count() > 0)
         told += QStringLiteral(". ") + catalogue::FailureText(passed_over.Summary());
     window_.TellResult(told);
-}
-
-base::Result<std::int64_t> Commands::AddNewTables(const QStringList& folders,
-                                                  catalogue::PassedOver& passed_over) {
-    const jet::NamedChange named(*catalogue_.CatalogueConnection, u"Look for New Tables");
-    std::int64_t added = 0;
-    for (const QString& folder : folders) {
-        if (!platform::FolderExists(folder)) {
-            passed_over.Note(folder, {base::StatusCode::kNotFound,
-                                      "There is no folder " + folder.toStdString()});
-            continue;
-        }
-        ASSIGN_OR_RETURN(const std::int64_t found,
-                         AddGivenTables(catalogue_, folder, held_back_events_, Context().progress,
-                                        &passed_over));
-        added += found;
-    }
-    return added;
 }
 
 bool Commands::is_at_work() const {
@@ -156,7 +153,9 @@ browser::CommandActions Commands::Actions() {
         .reset_times_played = [this] { maintenance::ResetTimesPlayed(Context()); },
         .reset_paths =
             [this] {
-                maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
+                maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_,
+                                        Context().progress)
+                    .exec();
             },
         .update_crcs = [this] { UpdateCrcs(); },
         .import_from_table_files =
@@ -194,7 +193,8 @@ void Commands::ShowInFolder() {
     const QString folder = catalogue::GetFolder(window_.SelectedTag());
     base::Status shown;
     if (!platform::FolderExists(folder))
-        shown = {base::StatusCode::kNotFound, "There is no folder " + folder.toStdString()};
+        shown = {base::StatusCode::kNotFound,
+                 AppTexts::tr("There is no folder %1").arg(folder).toStdString()};
     else
         shown = outside_.shell.Open(platform::ExistingName(folder));
     window_.TellInPassing(shown);
@@ -208,7 +208,10 @@ base::Status Commands::Scan() {
 
 void Commands::BackUp() {
     const base::Status made = maintenance::BackupData(Context(), window_.windowTitle());
-    if (!made.ok()) window_.TellInPassing({made.code(), "No backup was made: " + made.message()});
+    if (!made.ok())
+        window_.TellInPassing({made.code(), AppTexts::tr("No backup was made: %1")
+                                                .arg(catalogue::FailureText(made))
+                                                .toStdString()});
 }
 
 void Commands::Compact() {
@@ -226,7 +229,7 @@ void Commands::MakeSnapshotsBefore(browser::CommandActions& actions) {
     for (const browser::CommandId command :
          {&A::scan_for_tables, &A::reset_file_dates, &A::reset_times_played, &A::reset_paths,
           &A::update_crcs, &A::import_from_table_files, &A::import_launcher_data,
-          &A::purge_missing_tables, &A::import_tables, &A::compact})
+          &A::purge_missing_tables, &A::import_tables, &A::compact, &A::look_for_new_tables})
         actions.*command = [this, name = browser::NameOf(command), run = actions.*command] {
             keeper_.MakeBefore(name);
             run();
@@ -246,11 +249,11 @@ void Commands::OpenExample() {
 // That of this program is empty, so its window goes when the other one comes.
 void Commands::OpenFolder() {
     const QString folder =
-        prompts_.ChooseFolder(QStringLiteral("Select the folder of the catalogue."));
+        prompts_.ChooseFolder(AppTexts::tr("Select the folder of the catalogue."));
     if (folder.isEmpty()) return;
     const QString name = catalogue::kCatalogueFile.toString();
     if (!platform::FileExists(platform::FileIn(folder, name))) {
-        prompts_.Ask({QStringLiteral("There is no ") + name + QStringLiteral(" in ") + folder,
+        prompts_.Ask({AppTexts::tr("There is no %1 in %2").arg(name, folder),
                       {},
                       platform::MessageIcon::kInformation});
         return;
@@ -297,7 +300,8 @@ void Commands::ViewTableInfo() {
 void Commands::LoadPicture() {
     if (!window_.TableIsSelected()) return;
     const auto assign = [this](const QString& path) {
-        const jet::NamedChange named(*catalogue_.CatalogueConnection, u"Load Picture");
+        const jet::NamedChange named(*catalogue_.CatalogueConnection,
+                                     MARKED_TEXT("HistoryTexts", "Load Picture"));
         window_.details().SetDetailText(catalogue::kImageFile, path);
         window_.details().Save();
     };

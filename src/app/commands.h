@@ -85,8 +85,6 @@ private:
     // What the scan has skipped; ok: nothing.
     base::Status Scan();
     void LookForNewTables();
-    base::Result<std::int64_t> AddNewTables(const QStringList& folders,
-                                            catalogue::PassedOver& passed_over);
     void BackUp();
     // Opens the folder of the selected table file.
     void ShowInFolder();

@@ -1,18 +1,19 @@
 #include "app/edit_commands.h"
 
+#include "app/texts.h"
 #include "browser/detail_tabs.h"
 #include "catalogue/error_report.h"
-#include "history/change_names.h"
+#include "history/change_texts.h"
 #include "history/frmHistory.h"
 #include "history/refusals_text.h"
+
+#include <algorithm>
+#include <climits>
 
 namespace app {
 namespace {
 
 constexpr int kFailuresEveryMs = 1000;
-QString Text(const std::u16string& text) {
-    return QString::fromStdU16String(text);
-}
 
 }  // namespace
 
@@ -50,11 +51,12 @@ void EditCommands::TellReplaced() {
     const auto changes = file_.Changes();
     if (!changes.ok() || changes->empty() || changes->back().fields == 0) return;
     const history::Change& change = changes->back();
-    window_.TellResult(Text(history::DisplayName(change)) + QStringLiteral(": ") +
-                           Text(history::GroupedNumber(change.fields)) +
-                           (change.fields == 1
-                                ? QStringLiteral(" field replaced. Click to see it.")
-                                : QStringLiteral(" fields replaced. Click to see them.")),
+    const int plural = static_cast<int>(std::min<std::uint64_t>(change.fields, INT_MAX));
+    const QString text =
+        change.fields == 1
+            ? AppTexts::tr("%1: %2 field replaced. Click to see it.", nullptr, 1)
+            : AppTexts::tr("%1: %2 fields replaced. Click to see them.", nullptr, plural);
+    window_.TellResult(text.arg(history::ShownName(change), history::GroupedText(change.fields)),
                        [this] { ShowHistory(); });
 }
 
@@ -64,23 +66,25 @@ browser::UndoCaptions EditCommands::Captions() {
         window_.TellInPassing(ahead.status());
         return {};
     }
-    const auto caption = [](const auto& next) { return next ? Text(next->caption) : QString(); };
+    const auto caption = [](const auto& next) {
+        return next ? history::ShownName(*next) : QString();
+    };
     return {caption(ahead->undo), caption(ahead->redo)};
 }
 
 // A text that is being written would be lost when the details are shown anew.
 bool EditCommands::MayChangeRows() {
     if (window_.details().CurrentTab() != browser::kRulesTextTab) return true;
-    window_.TellResult(QStringLiteral("Not while the rules text is shown"));
+    window_.TellResult(AppTexts::tr("Not while the rules text is shown"));
     return false;
 }
 
 void EditCommands::Undo() {
-    if (MayChangeRows()) Show(undo_redo_.Undo(), QStringLiteral("There is nothing to undo"));
+    if (MayChangeRows()) Show(undo_redo_.Undo(), AppTexts::tr("There is nothing to undo"));
 }
 
 void EditCommands::Redo() {
-    if (MayChangeRows()) Show(undo_redo_.Redo(), QStringLiteral("There is nothing to redo"));
+    if (MayChangeRows()) Show(undo_redo_.Redo(), AppTexts::tr("There is nothing to redo"));
 }
 
 void EditCommands::ShowHistory() {
@@ -95,11 +99,12 @@ void EditCommands::Show(const base::Result<std::optional<history::UndoRedo::Done
     if (!done.ok()) return catalogue::ShowError(prompts_, done.status());
     if (!*done) return window_.TellResult(nothing);
     window_.ShowChangedRows();
-    window_.TellResult(Text((*done)->caption));
+    const QString shown = history::ShownName(**done);
+    window_.TellResult(shown);
     const QString refusals = history::RefusalsText((*done)->result.refusals);
     if (refusals.isEmpty()) return;
-    prompts_.Ask({refusals, Text((*done)->caption), platform::MessageIcon::kInformation,
-                  platform::MessageButtons::kOk});
+    prompts_.Ask(
+        {refusals, shown, platform::MessageIcon::kInformation, platform::MessageButtons::kOk});
 }
 
 }  // namespace app

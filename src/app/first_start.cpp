@@ -1,5 +1,6 @@
 #include "app/first_start.h"
 
+#include "app/texts.h"
 #include "catalogue/error_report.h"
 #include "example/example_folder.h"
 #include "platform/application_folder.h"
@@ -9,12 +10,11 @@ namespace app {
 namespace {
 
 bool MayMake(const QString& folder, platform::UserPrompts& prompts) {
-    const auto answer =
-        prompts.Ask({QStringLiteral("The folder ") + folder +
-                         QStringLiteral(" is not there. Make it, with a new catalogue?"),
-                     {},
-                     platform::MessageIcon::kInformation,
-                     platform::MessageButtons::kYesNo});
+    const auto answer = prompts.Ask(
+        {AppTexts::tr("The folder %1 is not there. Make it, with a new catalogue?").arg(folder),
+         {},
+         platform::MessageIcon::kInformation,
+         platform::MessageButtons::kYesNo});
     return answer == platform::MessageAnswer::kYes;
 }
 
@@ -23,8 +23,9 @@ bool IsWhole(const QString& folder, const catalogue::KnownFolders& folders,
              platform::UserPrompts& prompts) {
     const QStringList missing = catalogue::MissingForFirstStart(folder, folders);
     if (missing.isEmpty()) return true;
-    prompts.Ask({QStringLiteral("Tavolo is not completely installed. It lacks:\n") +
-                     missing.join(u'\n') + QStringLiteral("\nPlease install it again."),
+    prompts.Ask({AppTexts::tr("Tavolo is not completely installed. It lacks:\n%1\n"
+                              "Please install it again.")
+                     .arg(missing.join(u'\n')),
                  {},
                  platform::MessageIcon::kExclamation});
     return false;

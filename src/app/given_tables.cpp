@@ -1,5 +1,7 @@
 #include "app/given_tables.h"
 
+#include "app/texts.h"
+#include "base/marked_text.h"
 #include "catalogue/path_names.h"
 #include "discovery/folder_scan.h"
 #include "jet/connection.h"
@@ -8,12 +10,25 @@
 #include "tableinfo/update_from_table_files.h"
 
 namespace app {
+namespace {
+
+// Those that were there may have been edited since; what was typed counts more.
+base::Status FillAddedRows(catalogue::Catalogue& catalogue, const discovery::FolderScan& scan,
+                           platform::UserEvents& events, const catalogue::Progress& progress,
+                           catalogue::PassedOver* passed_over) {
+    if (passed_over) passed_over->Note(scan.passed_over());
+    return tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events, progress,
+                                               passed_over);
+}
+
+}  // namespace
 
 base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
                                           platform::UserEvents& events,
                                           const catalogue::Progress& progress,
                                           catalogue::PassedOver* passed_over) {
-    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Add Tables");
+    const jet::NamedChange named(*catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Add Tables"));
     discovery::UnwatchedScan observer;
     discovery::FolderScan scan(catalogue, events, observer);
     if (platform::FolderExists(path))
@@ -21,14 +36,35 @@ base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const
     else if (platform::FileExists(path))
         RETURN_IF_ERROR(scan.AddFile(platform::ExistingName(path)));
     else
-        return base::Status(base::StatusCode::kNotFound, "File not found: " + path.toStdString(),
+        return base::Status(base::StatusCode::kNotFound,
+                            AppTexts::tr("File not found: %1").arg(path).toStdString(),
                             platform::kFileNotFound);
-    if (passed_over) passed_over->Note(scan.passed_over());
-    // Those that were there may have been edited since; what was typed counts more.
-    RETURN_IF_ERROR(tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events,
-                                                        progress, passed_over));
+    RETURN_IF_ERROR(FillAddedRows(catalogue, scan, events, progress, passed_over));
     RETURN_IF_ERROR(scan.start_listing());
     return scan.found_count();
+}
+
+base::Result<std::int64_t> AddNewTables(catalogue::Catalogue& catalogue, const QStringList& folders,
+                                        platform::UserEvents& events,
+                                        const catalogue::Progress& progress,
+                                        catalogue::PassedOver& passed_over) {
+    const jet::NamedChange named(*catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Look for New Tables"));
+    discovery::UnwatchedScan observer;
+    discovery::FolderScan scan(catalogue, events, observer);  // one, as it reads what is known once
+    std::int64_t added = 0;
+    for (const QString& folder : folders) {
+        if (!platform::FolderExists(folder)) {
+            passed_over.Note(folder,
+                             {base::StatusCode::kNotFound,
+                              AppTexts::tr("There is no folder %1").arg(folder).toStdString()});
+            continue;
+        }
+        RETURN_IF_ERROR(scan.Run(folder));
+        RETURN_IF_ERROR(FillAddedRows(catalogue, scan, events, progress, &passed_over));
+        added += scan.found_count();
+    }
+    return added;
 }
 
 std::function<bool(const QString& file_name)> IsGiven(const QString& path) {

@@ -1,4 +1,5 @@
-// A table file or a folder that was named on the command line.
+// Adding table files without a dialog: those that were named on the command line or dropped on the
+// window, and the new ones of known folders.
 #pragma once
 
 #include "base/status.h"
@@ -8,6 +9,7 @@
 #include "platform/user_events.h"
 
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 #include <cstdint>
 #include <functional>
@@ -24,6 +26,15 @@ base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const
                                           platform::UserEvents& events,
                                           const catalogue::Progress& progress = {},
                                           catalogue::PassedOver* passed_over = nullptr);
+
+// Adds the table files in the folders and below them that the catalogue does not have, in the same
+// way. `folders` are absolute. A folder that is not there or cannot be listed is noted in
+// `passed_over`, and the others follow; a failure of the database ends the run, and what was added
+// before stays.
+base::Result<std::int64_t> AddNewTables(catalogue::Catalogue& catalogue, const QStringList& folders,
+                                        platform::UserEvents& events,
+                                        const catalogue::Progress& progress,
+                                        catalogue::PassedOver& passed_over);
 
 // Whether a table of this FileName is meant by `path`.
 std::function<bool(const QString& file_name)> IsGiven(const QString& path);

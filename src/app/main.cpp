@@ -4,7 +4,9 @@
 #include "app/edit_commands.h"
 #include "app/first_start.h"
 #include "app/given_paths.h"
+#include "app/language.h"
 #include "app/session_end.h"
+#include "app/texts.h"
 #include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
@@ -23,12 +25,14 @@
 #include "platform/file_system.h"
 #include "platform/files.h"
 #include "platform/hand_over.h"
+#include "platform/program_arguments.h"
 #include "platform/settings_store.h"
 #include "platform/termination.h"
 #include "snapshots/restore_catalogue.h"
 #include "snapshots/snapshot_keeper.h"
 #include "widgets/program_style.h"
 
+#include <QtCore/QLocale>
 #include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
@@ -51,8 +55,8 @@ int Complain(const QString& error) {
 
 app::Arguments ArgumentsOf(int argc, char** argv) {
     QStringList words;
-    for (int i = 1; i < argc; ++i)
-        words.append(platform::ArgumentText(argv[i]));
+    for (const std::string& word : platform::ProgramArguments(argc, argv))
+        words.append(platform::ArgumentText(word.c_str()));
     return app::ParseArguments(words);
 }
 
@@ -88,7 +92,7 @@ base::Status UpgradeFailure(const catalogue::Catalogue& catalogue) {
     const base::Status& failure = catalogue.values->UpgradeFailure;
     if (failure.ok()) return failure;
     const QString text =
-        catalogue::FailureText(QStringLiteral("New columns or dates are missing in"),
+        catalogue::FailureText(app::AppTexts::tr("New columns or dates are missing in"),
                                catalogue::CataloguePath(catalogue), failure);
     return {failure.code(), text.toStdString(), failure.number()};
 }
@@ -191,5 +195,6 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(dialogs::ApplicationTitle());
     QApplication::setDesktopFileName(QString::fromLatin1(name));
     const auto colour_scheme = SetAppearance();
+    app::UseLanguage(QLocale::system().uiLanguages());
     return RunProgram(arguments);
 }

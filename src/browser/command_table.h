@@ -91,7 +91,7 @@ bool IsAllowed(EnabledWhen rule, const MainWindowState& state);
 // A line of a menu: a command, a heading without an action, or a separator.
 struct MenuItem {
     QStringView name;     // object name of the entry; empty for some separators
-    QStringView caption;  // "-": a separator
+    QStringView caption;  // a marked text; "-": a separator
     CommandId action = nullptr;
     EnabledWhen enabled_when = EnabledWhen::kAlways;
     bool checkable = false;
@@ -121,7 +121,10 @@ inline constexpr QStringView kPopupMenu = u"mnufavorites";  // the tree's
 std::span<const MenuLayout> Menus();
 
 // The caption of a command without the marks for keys and boxes: "Purge Missing Tables".
+// As snapshots store it, whatever the language.
 QString NameOf(CommandId command);
+// The same in the user's language.
+QString ShownNameOf(CommandId command);
 
 // The command of a Qt::Key; nullptr: none.
 CommandId CommandOfKey(int key);

@@ -2,6 +2,7 @@
 
 #include "browser/detail_tabs.h"
 #include "browser/table_record.h"
+#include "browser/texts.h"
 #include "browser/wide_page.h"
 #include "widgets/object_names.h"
 
@@ -63,34 +64,34 @@ void PlaceFileLine(DetailControls& controls, QGridLayout* grid, int row, int ind
 }
 
 void PlaceTextFields(DetailControls& controls, QGridLayout* grid) {
-    PlaceLine(controls, grid, 0, 0, 5, kDisplayName, QStringLiteral("Name"));
-    PlaceLine(controls, grid, 1, 0, 5, kFileName, QStringLiteral("File Name"));
-    PlaceLine(controls, grid, 2, 0, 3, kAuthor, QStringLiteral("Author"));
-    PlaceLine(controls, grid, 2, 4, 1, kVersion, QStringLiteral("Ver."));
-    PlaceLine(controls, grid, 3, 0, 3, kCompany, QStringLiteral("Company"));
-    PlaceLine(controls, grid, 3, 4, 1, kYear, QStringLiteral("Year"));
-    controls.Command2 = BrowseButton("Command2", QStringLiteral("Select Image File"));
-    controls.Command3 = BrowseButton("Command3", QStringLiteral("Select Flyer File"));
-    controls.Command4 = BrowseButton("Command4", QStringLiteral("Select Rules File"));
-    PlaceFileLine(controls, grid, 4, kImageFile, QStringLiteral("Image File"), controls.Command2);
-    PlaceFileLine(controls, grid, 5, kFlyerFile, QStringLiteral("Flyer File"), controls.Command3);
-    PlaceFileLine(controls, grid, 6, kRulesFile, QStringLiteral("Rules File"), controls.Command4);
-    PlaceLine(controls, grid, 7, 0, 5, kFileDate, QStringLiteral("File Date"));
+    PlaceLine(controls, grid, 0, 0, 5, kDisplayName, BrowserTexts::tr("Name"));
+    PlaceLine(controls, grid, 1, 0, 5, kFileName, BrowserTexts::tr("File Name"));
+    PlaceLine(controls, grid, 2, 0, 3, kAuthor, BrowserTexts::tr("Author"));
+    PlaceLine(controls, grid, 2, 4, 1, kVersion, BrowserTexts::tr("Ver."));
+    PlaceLine(controls, grid, 3, 0, 3, kCompany, BrowserTexts::tr("Company"));
+    PlaceLine(controls, grid, 3, 4, 1, kYear, BrowserTexts::tr("Year"));
+    controls.Command2 = BrowseButton("Command2", BrowserTexts::tr("Select Image File"));
+    controls.Command3 = BrowseButton("Command3", BrowserTexts::tr("Select Flyer File"));
+    controls.Command4 = BrowseButton("Command4", BrowserTexts::tr("Select Rules File"));
+    PlaceFileLine(controls, grid, 4, kImageFile, BrowserTexts::tr("Image File"), controls.Command2);
+    PlaceFileLine(controls, grid, 5, kFlyerFile, BrowserTexts::tr("Flyer File"), controls.Command3);
+    PlaceFileLine(controls, grid, 6, kRulesFile, BrowserTexts::tr("Rules File"), controls.Command4);
+    PlaceLine(controls, grid, 7, 0, 5, kFileDate, BrowserTexts::tr("File Date"));
     controls.txtDet[kFileDate].SetReadOnly();
 }
 
 void PlaceNotes(DetailControls& controls, QGridLayout* grid) {
     QWidget* notes = Adopt(controls, kNotes, TextBox::SeveralLines());
     notes->setMinimumHeight(notes->fontMetrics().lineSpacing() * 3);
-    grid->addWidget(Caption(kNotes, QStringLiteral("Notes:"), notes), 8, 0, Qt::AlignTop);
+    grid->addWidget(Caption(kNotes, BrowserTexts::tr("Notes:"), notes), 8, 0, Qt::AlignTop);
     grid->addWidget(notes, 8, 1, 1, 5);
     grid->setRowStretch(8, 1);
 }
 
 void PlaceChecks(DetailControls& controls, QGridLayout* grid) {
-    controls.chkFavorite = Named(new QCheckBox(QStringLiteral("Favorite")), "chkFavorite");
-    controls.chkPinMame = Named(new QCheckBox(QStringLiteral("PinMame")), "chkPinMame");
-    controls.cmdReadInfo = Button("cmdReadInfo", QStringLiteral("View Table Info from VPT"));
+    controls.chkFavorite = Named(new QCheckBox(BrowserTexts::tr("Favorite")), "chkFavorite");
+    controls.chkPinMame = Named(new QCheckBox(BrowserTexts::tr("PinMame")), "chkPinMame");
+    controls.cmdReadInfo = Button("cmdReadInfo", BrowserTexts::tr("View Table Info from VPT"));
     auto* row = new QHBoxLayout;
     row->addWidget(controls.chkFavorite);
     row->addWidget(controls.chkPinMame);
@@ -125,7 +126,7 @@ QWidget* BuildDetailsPage(DetailControls& controls) {
     scroll->setFocusPolicy(Qt::NoFocus);  // its fields have it
     scroll->setWidget(page);
     // The same screenshot as on its tab: where there is room, nobody has to change tabs to see it.
-    controls.imgBeside = Named(new PictureBox(QStringLiteral("Screenshot")), "imgBeside");
+    controls.imgBeside = Named(new PictureBox(BrowserTexts::tr("Screenshot")), "imgBeside");
     return new WidePage(scroll, controls.imgBeside);
 }
 
@@ -134,11 +135,11 @@ QWidget* BuildRulesTextPage(DetailControls& controls) {
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(6, 6, 6, 6);
     QWidget* const rules = Adopt(controls, kRulesText, TextBox::SeveralLines());
-    rules->setAccessibleName(QStringLiteral("Rules Text"));
+    rules->setAccessibleName(BrowserTexts::tr("Rules Text"));
     column->addWidget(rules, 1);
-    controls.cmdReadRule = Button("cmdReadRule", QStringLiteral("Read From File"));
-    controls.cmdSaveRules = Button("cmdSaveRules", QStringLiteral("Save"));
-    controls.cmdCancelRules = Button("cmdCancelRules", QStringLiteral("Cancel"));
+    controls.cmdReadRule = Button("cmdReadRule", BrowserTexts::tr("Read From File"));
+    controls.cmdSaveRules = Button("cmdSaveRules", BrowserTexts::tr("Save"));
+    controls.cmdCancelRules = Button("cmdCancelRules", BrowserTexts::tr("Cancel"));
     auto* row = new QHBoxLayout;
     row->addWidget(controls.cmdReadRule);
     row->addStretch();
@@ -164,11 +165,11 @@ QTabWidget* BuildTabs(DetailControls& controls) {
                                     const QString& caption) {
         tabs->addTab(BuildPicturePage(picture, name, caption), caption);
     };
-    tabs->addTab(BuildDetailsPage(controls), QStringLiteral("Details"));
-    add_picture(controls.imgShot, "imgShot", QStringLiteral("Screenshot"));
-    add_picture(controls.imgFlyer, "imgFlyer", QStringLiteral("Flyer"));
-    tabs->addTab(BuildRulesTextPage(controls), QStringLiteral("Rules Text"));
-    add_picture(controls.imgRules, "imgRules", QStringLiteral("Rules Sheet"));
+    tabs->addTab(BuildDetailsPage(controls), BrowserTexts::tr("Details"));
+    add_picture(controls.imgShot, "imgShot", BrowserTexts::tr("Screenshot"));
+    add_picture(controls.imgFlyer, "imgFlyer", BrowserTexts::tr("Flyer"));
+    tabs->addTab(BuildRulesTextPage(controls), BrowserTexts::tr("Rules Text"));
+    add_picture(controls.imgRules, "imgRules", BrowserTexts::tr("Rules Sheet"));
     return tabs;
 }
 
@@ -194,9 +195,9 @@ QWidget* BuildActionRow(DetailControls& controls) {
     auto* actions = new QWidget;
     auto* row = new QHBoxLayout(actions);
     row->setContentsMargins(0, 0, 0, 0);
-    controls.cmdChange = Button("cmdChange", QStringLiteral("Save"));
-    controls.cmdCancel = Button("cmdCancel", QStringLiteral("Cancel"));
-    controls.cmdDelete = Button("cmdDelete", QStringLiteral("Delete"));
+    controls.cmdChange = Button("cmdChange", BrowserTexts::tr("Save"));
+    controls.cmdCancel = Button("cmdCancel", BrowserTexts::tr("Cancel"));
+    controls.cmdDelete = Button("cmdDelete", BrowserTexts::tr("Delete"));
     row->addStretch();
     row->addWidget(controls.cmdChange);
     row->addWidget(controls.cmdCancel);

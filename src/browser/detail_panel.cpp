@@ -4,6 +4,7 @@
 #include "browser/detail_tabs.h"
 #include "browser/notes_summary.h"
 #include "browser/rules_file.h"
+#include "browser/texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/path_names.h"
 #include "catalogue/process_values.h"
@@ -34,8 +35,8 @@ constexpr QStringView kLoadingRules = u"Loading Rules PIc";
 
 platform::Message DeleteQuestion() {
     platform::Message question;
-    question.text = QStringLiteral("Delete the current table?");
-    question.title = QStringLiteral("Warning");
+    question.text = BrowserTexts::tr("Delete the current table?");
+    question.title = BrowserTexts::tr("Warning");
     question.buttons = platform::MessageButtons::kYesNo;
     question.no_is_default = true;
     return question;
@@ -74,11 +75,11 @@ void DetailPanel::ConnectButtons() {
     on_click(controls_.cmdSaveRules, [this] { SaveRules(); });
     on_click(controls_.cmdCancelRules, [this] { Cancel(); });
     on_click(controls_.Command2,
-             [this] { ChoosePicture(kImageFile, QStringLiteral("Select Image File")); });
+             [this] { ChoosePicture(kImageFile, BrowserTexts::tr("Select Image File")); });
     on_click(controls_.Command3,
-             [this] { ChoosePicture(kFlyerFile, QStringLiteral("Select Flyer File")); });
+             [this] { ChoosePicture(kFlyerFile, BrowserTexts::tr("Select Flyer File")); });
     on_click(controls_.Command4,
-             [this] { ChoosePicture(kRulesFile, QStringLiteral("Select Rules File")); });
+             [this] { ChoosePicture(kRulesFile, BrowserTexts::tr("Select Rules File")); });
 }
 
 void DetailPanel::ShowTableDetails(const QString& file_name) {
@@ -146,13 +147,13 @@ void DetailPanel::ShowRecord(const TableRecord& record) {
     controls_.chkFavorite->setChecked(record.favorite);
     if (record.checks_read)
         host_.SetStatusText(kNamePanel,
-                            QStringLiteral("Current Table: ") + record.fields[kDisplayName]);
+                            BrowserTexts::tr("Current Table: %1").arg(record.fields[kDisplayName]));
     if (record.times_played)
         host_.SetStatusText(kTimesPlayedPanel,
-                            QStringLiteral("Times Played: ") + *record.times_played);
+                            BrowserTexts::tr("Times Played: %1").arg(*record.times_played));
     if (record.last_played)
         host_.SetStatusText(kLastPlayedPanel,
-                            QStringLiteral("Last Played: ") + *record.last_played);
+                            BrowserTexts::tr("Last Played: %1").arg(*record.last_played));
 }
 
 // The picture file that a field names; empty if it names none.
@@ -218,7 +219,7 @@ void DetailPanel::SetRecordChanged(bool changed) {
     red.setColor(QPalette::WindowText, QColor(255, 0, 0));
     controls_.pnlAlert->setPalette(red);
     controls_.pnlAlert->setText(
-        QStringLiteral("Record Changed! Click CANCEL or SAVE to continue."));
+        BrowserTexts::tr("Record Changed! Click CANCEL or SAVE to continue."));
     controls_.pnlAlert->show();
 }
 
@@ -245,7 +246,7 @@ void DetailPanel::Save() {
     const TableRecord record = EditedRecord();
     if (record.fields[kId].isEmpty()) return;
     if (const auto field = FirstMissingFile(record)) {
-        prompts_.Ask({QStringLiteral("Please select a valid file name or leave blank"), {}});
+        prompts_.Ask({BrowserTexts::tr("Please select a valid file name or leave blank"), {}});
         return GoToField(*field);
     }
     if (const auto saved = SaveTableRecord(connection(), record); !saved.ok())
@@ -323,7 +324,8 @@ void DetailPanel::GoOnWith(const KeptEdit& edit) {
 base::Status DetailPanel::TakeFile(const QString& path, bool is_rules_text) {
     const int tab = is_rules_text ? kRulesTextTab : kDetailsTab;
     if (record_changed() && CurrentTab() != tab)
-        return {base::StatusCode::kBusy, "Save or cancel the edit first."};
+        return {base::StatusCode::kBusy,
+                BrowserTexts::tr("Save or cancel the edit first.").toStdString()};
     QString text = path;
     if (is_rules_text) {
         ASSIGN_OR_RETURN(text, ReadRulesFile(path));
@@ -351,7 +353,8 @@ void DetailPanel::ChoosePicture(DetailField field, const QString& title) {
     platform::FileDialog dialog;
     dialog.name = QStringLiteral("ComDialog");
     dialog.title = title;
-    dialog.filter = QStringLiteral("Pictures (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif");
+    dialog.filter =
+        BrowserTexts::tr("Pictures") + QStringLiteral(" (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif");
     dialog.file_name = controls_.txtDet[field].Text();
     dialog.folder = catalogue_.values->LastPictureDir;
     const QString chosen = prompts_.ChooseFileToOpen(dialog);
@@ -363,8 +366,8 @@ void DetailPanel::ChoosePicture(DetailField field, const QString& title) {
 void DetailPanel::ReadRules() {
     platform::FileDialog dialog;
     dialog.name = QStringLiteral("ComDialog");
-    dialog.title = QStringLiteral("Select Rules File");
-    dialog.filter = QStringLiteral("Text (*.txt)|*.txt");
+    dialog.title = BrowserTexts::tr("Select Rules File");
+    dialog.filter = BrowserTexts::tr("Text") + QStringLiteral(" (*.txt)|*.txt");
     dialog.folder = catalogue_.values->last_folders.rules;
     const QString chosen = prompts_.ChooseFileToOpen(dialog);
     if (!platform::FileExists(chosen)) return;

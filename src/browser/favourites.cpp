@@ -1,7 +1,9 @@
 #include "browser/favourites.h"
 
+#include "base/marked_text.h"
 #include "browser/table_tree_model.h"
 #include "catalogue/quoting.h"
+#include "catalogue/selection.h"
 
 namespace browser {
 namespace {
@@ -19,11 +21,11 @@ base::Result<FavoritesToggle> ToggleFavorites(jet::Connection& connection,
                                               const ShownSelection& shown) {
     if (shown.tree_is_empty || shown.tag == kDetailTag) return FavoritesToggle{};
     const QString sql = ToggleStatement(shown.favorite_checked, shown.text);
-    const jet::NamedChange named(connection, u"Toggle Favorites");
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Toggle Favorites"));
     const auto updated = connection.Execute(sql.toStdU16String());
     if (!updated.ok()) return updated.status();
     return FavoritesToggle{.done = true,
-                           .leaves_filter = shown.filter_text == QStringLiteral("Favorites")};
+                           .leaves_filter = shown.filter_key == catalogue::kFilterFavorites};
 }
 
 }  // namespace browser

@@ -14,7 +14,7 @@ struct ShownSelection {
     QString tag;                    // of the selected node
     QString text;                   // of the selected node
     bool favorite_checked = false;  // chkFavorite
-    QString filter_text;            // of cboFilter
+    QString filter_key;             // of cboFilter
 };
 
 // What the main window has to do afterwards.

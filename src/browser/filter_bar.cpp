@@ -1,8 +1,11 @@
 #include "browser/filter_bar.h"
 
+#include "browser/texts.h"
 #include "browser/value_box.h"
 #include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
+#include "catalogue/texts.h"
+#include "platform/shown_text.h"
 #include "widgets/button_width.h"
 
 #include <QtCore/QSignalBlocker>
@@ -40,9 +43,10 @@ FilterBar::FilterBar(ValueSource values, platform::UserPrompts& prompts, IconLis
 void FilterBar::BuildKinds() {
     cboFilter_ = new QComboBox(this);
     cboFilter_->setObjectName(QStringLiteral("cboFilter"));
-    cboFilter_->setAccessibleName(QStringLiteral("Filter"));
+    cboFilter_->setAccessibleName(BrowserTexts::tr("Filter"));
     for (const catalogue::FilterKind& kind : catalogue::kFilterKinds)
-        cboFilter_->addItem(icons_.Icon(kind.icon_key.toString()), kind.text.toString(),
+        cboFilter_->addItem(icons_.Icon(kind.icon_key.toString()),
+                            platform::Shown<catalogue::CatalogueTexts>(kind.text),
                             kind.key.toString());
     cboFilter_->setMaxVisibleItems(static_cast<int>(catalogue::kFilterKinds.size()));
     connect(cboFilter_, &QComboBox::activated, this, &FilterBar::KindChosen);
@@ -60,7 +64,7 @@ void FilterBar::BuildValue() {
 
     cmdOperator_ = new QPushButton(this);
     cmdOperator_->setObjectName(QStringLiteral("cmdOperator"));
-    cmdOperator_->setToolTip(QStringLiteral("Click to Change Operator"));
+    cmdOperator_->setToolTip(BrowserTexts::tr("Click to Change Operator"));
     widgets::ReserveWidth(*cmdOperator_, OperatorTexts());
     connect(cmdOperator_, &QPushButton::clicked, this, &FilterBar::NextOperator);
 }
@@ -83,7 +87,7 @@ QString FilterBar::Comparison() const {
 
 void FilterBar::SetComparison(const QString& symbol) {
     cmdOperator_->setText(symbol);
-    cmdOperator_->setAccessibleName(QStringLiteral("Operator ") + symbol);
+    cmdOperator_->setAccessibleName(BrowserTexts::tr("Operator %1").arg(symbol));
 }
 
 bool FilterBar::TakesValue() const {
@@ -137,7 +141,7 @@ void FilterBar::FillFilterValues() {
         return;
     }
     if (values->isEmpty()) {
-        prompts_.Ask({QStringLiteral("The database contains no values for ") + key,
+        prompts_.Ask({BrowserTexts::tr("The database contains no values for %1").arg(key),
                       {},
                       platform::MessageIcon::kInformation});
         return;

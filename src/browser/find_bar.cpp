@@ -1,6 +1,7 @@
 #include "browser/find_bar.h"
 
 #include "browser/find_query.h"
+#include "browser/texts.h"
 #include "widgets/flow_layout.h"
 #include "widgets/object_names.h"
 
@@ -20,12 +21,12 @@ using widgets::Named;
 constexpr int kChipSpacing = 3;
 
 QString HowToFind() {
-    return QStringLiteral("What to find in the tables that are shown, for example:\n"
-                          "taxi \"two words\" -without\n"
-                          "author:bob   also name, file, company, version\n"
-                          "year:>1980   also times; <, <=, >=, = and 1980..1989\n"
-                          "played:2003-05   also added, filedate\n"
-                          "is:missing   also favourite, pinmame, played, unplayed");
+    return BrowserTexts::tr("What to find in the tables that are shown, for example:\n"
+                            "taxi \"two words\" -without\n"
+                            "author:bob   also name, file, company, version\n"
+                            "year:>1980   also times; <, <=, >=, = and 1980..1989\n"
+                            "played:2003-05   also added, filedate\n"
+                            "is:missing   also favourite, pinmame, played, unplayed");
 }
 
 }  // namespace
@@ -41,8 +42,8 @@ FindBar::FindBar(QWidget* parent) : QWidget(parent) {
 
 void FindBar::BuildField() {
     txtFind_ = Named(new QLineEdit(this), "txtFind");
-    txtFind_->setPlaceholderText(QStringLiteral("Find"));
-    txtFind_->setAccessibleName(QStringLiteral("Find"));
+    txtFind_->setPlaceholderText(BrowserTexts::tr("Find"));
+    txtFind_->setAccessibleName(BrowserTexts::tr("Find"));
     txtFind_->setToolTip(HowToFind());
     txtFind_->setMaxLength(static_cast<int>(FindQuery::kMaxLength));
     txtFind_->installEventFilter(this);
@@ -54,8 +55,8 @@ void FindBar::BuildField() {
     lblFindCount_ = Named(new QLabel(this), "lblFindCount");
     lblFindCount_->setTextFormat(Qt::PlainText);
     // So that the field seldom changes its width.
-    lblFindCount_->setMinimumWidth(
-        lblFindCount_->fontMetrics().horizontalAdvance(QStringLiteral("00 of 00")));
+    lblFindCount_->setMinimumWidth(lblFindCount_->fontMetrics().horizontalAdvance(
+        BrowserTexts::tr("%1 of %2").arg(QStringLiteral("00"), QStringLiteral("00"))));
     lblFindCount_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     auto* row = new QHBoxLayout;
@@ -63,7 +64,7 @@ void FindBar::BuildField() {
     row->addWidget(txtFind_, 1);
     row->addWidget(lblFindCount_);
     auto* const leave = AddButton("cmdFindLeave", QStringLiteral("\u00d7"),
-                                  QStringLiteral("Ends finding (Escape)"));
+                                  BrowserTexts::tr("Ends finding (Escape)"));
     connect(leave, &QToolButton::clicked, this, &FindBar::LeaveWanted);
     row->addWidget(leave);
     static_cast<QVBoxLayout*>(layout())->addLayout(row);
@@ -73,18 +74,18 @@ void FindBar::BuildChips() {
     chips_ = new QWidget(this);
     chips_->setLayout(new widgets::FlowLayout(kChipSpacing));
     layout()->addWidget(chips_);
-    AddBeginning("chipAuthor", QStringLiteral("Author"), QStringLiteral("author:"),
-                 QStringLiteral("Part of the author's name"));
-    AddBeginning("chipYear", QStringLiteral("Year >"), QStringLiteral("year:>"),
-                 QStringLiteral("Later than a year"));
-    AddSwitch("chipFavourite", QStringLiteral("Favourite"), QStringLiteral("is:favourite"),
-              QStringLiteral("Favourites only"));
-    AddSwitch("chipMissing", QStringLiteral("Missing"), QStringLiteral("is:missing"),
-              QStringLiteral("Only tables whose file is missing"));
-    AddSwitch("chipPinMame", QStringLiteral("MAME"), QStringLiteral("is:pinmame"),
-              QStringLiteral("Only tables that need VPinMAME"));
-    AddSwitch("chipUnplayed", QStringLiteral("Unplayed"), QStringLiteral("is:unplayed"),
-              QStringLiteral("Only tables that were never played"));
+    AddBeginning("chipAuthor", BrowserTexts::tr("Author"), QStringLiteral("author:"),
+                 BrowserTexts::tr("Part of the author's name"));
+    AddBeginning("chipYear", BrowserTexts::tr("Year >"), QStringLiteral("year:>"),
+                 BrowserTexts::tr("Later than a year"));
+    AddSwitch("chipFavourite", BrowserTexts::tr("Favourite"), QStringLiteral("is:favourite"),
+              BrowserTexts::tr("Favourites only"));
+    AddSwitch("chipMissing", BrowserTexts::tr("Missing"), QStringLiteral("is:missing"),
+              BrowserTexts::tr("Only tables whose file is missing"));
+    AddSwitch("chipPinMame", BrowserTexts::tr("MAME"), QStringLiteral("is:pinmame"),
+              BrowserTexts::tr("Only tables that need VPinMAME"));
+    AddSwitch("chipUnplayed", BrowserTexts::tr("Unplayed"), QStringLiteral("is:unplayed"),
+              BrowserTexts::tr("Only tables that were never played"));
 }
 
 QToolButton* FindBar::AddButton(const char* name, const QString& caption, const QString& tool_tip) {

@@ -1,5 +1,7 @@
 #include "browser/find_controller.h"
 
+#include "browser/texts.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -132,13 +134,12 @@ void FindController::ShowPlace() {
 
 void FindController::ShowCount() {
     if (!query_.not_understood.isEmpty())
-        return parts_.bar.SetCount(QStringLiteral("Not understood"), query_.not_understood);
+        return parts_.bar.SetCount(BrowserTexts::tr("Not understood"), query_.not_understood);
     if (!query_.asks_for_something()) return parts_.bar.SetCount({});
     if (!indexer_.index()) return parts_.bar.SetCount(QStringLiteral("..."));
     const QString more = look_for_files_.isActive() ? QStringLiteral("+") : QString();
-    if (found_.empty()) return parts_.bar.SetCount(QStringLiteral("None") + more);
-    parts_.bar.SetCount(QString::number(*here_ + 1) + QStringLiteral(" of ") +
-                        QString::number(found_.size()) + more);
+    if (found_.empty()) return parts_.bar.SetCount(BrowserTexts::tr("None") + more);
+    parts_.bar.SetCount(BrowserTexts::tr("%1 of %2").arg(*here_ + 1).arg(found_.size()) + more);
 }
 
 FindMark FindController::MarkOf(std::size_t table) const {

@@ -1,5 +1,7 @@
 #include "browser/folder_menu.h"
 
+#include "browser/main_menu.h"
+#include "browser/texts.h"
 #include "catalogue/collection_folders.h"
 
 #include <utility>
@@ -9,7 +11,7 @@ namespace browser {
 FolderMenu::FolderMenu(std::function<QString()> catalogue_file,
                        std::function<void(const base::Status& failure)> tell_failure,
                        QWidget* parent)
-    : QMenu(QStringLiteral("Collec&tion Folders"), parent),
+    : QMenu(BrowserTexts::tr("Collec&tion Folders"), parent),
       catalogue_file_(std::move(catalogue_file)), tell_failure_(std::move(tell_failure)) {
     setObjectName(QStringLiteral("mnuFolders"));
     connect(this, &QMenu::aboutToShow, this, &FolderMenu::Fill);
@@ -20,12 +22,10 @@ void FolderMenu::Fill() {
     const auto folders = catalogue::CollectionFolders(catalogue_file_());
     if (!folders.ok()) tell_failure_(folders.status());
     if (!folders.ok() || folders->isEmpty())
-        addAction(QStringLiteral("None was scanned yet"))->setEnabled(false);
+        addAction(BrowserTexts::tr("None was scanned yet"))->setEnabled(false);
     if (!folders.ok()) return;
     for (const QString& folder : *folders) {
-        QString caption = folder;
-        caption.replace(u'&', QLatin1String("&&"));
-        QAction* const action = addAction(caption);
+        QAction* const action = addAction(EntryCaption(folder));
         action->setCheckable(true);
         action->setChecked(true);
         connect(action, &QAction::triggered, this, [this, folder] { Forget(folder); });

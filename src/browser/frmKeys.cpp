@@ -1,6 +1,7 @@
 #include "browser/frmKeys.h"
 
 #include "browser/key_sheet.h"
+#include "browser/texts.h"
 #include "widgets/window_place.h"
 
 #include <QtWidgets/QHBoxLayout>
@@ -14,19 +15,19 @@ namespace browser {
 
 frmKeys::frmKeys(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmKeys"));
-    setWindowTitle(QStringLiteral("Keys"));
+    setWindowTitle(BrowserTexts::tr("Keys"));
     auto* list = new QTreeWidget(this);
     list->setObjectName(QStringLiteral("lstKeys"));
     list->setAccessibleName(windowTitle());
     list->setHeaderLabels(
-        {QStringLiteral("Key"), QStringLiteral("Where"), QStringLiteral("What it does")});
+        {BrowserTexts::tr("Key"), BrowserTexts::tr("Where"), BrowserTexts::tr("What it does")});
     list->setRootIsDecorated(false);
     list->setUniformRowHeights(true);
     for (const KeyLine& line : KeySheet())
         list->addTopLevelItem(new QTreeWidgetItem({line.keys, line.where, line.what}));
     list->header()->setStretchLastSection(false);
     list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    auto* close = new QPushButton(QStringLiteral("&Close"), this);
+    auto* close = new QPushButton(BrowserTexts::tr("&Close"), this);
     close->setObjectName(QStringLiteral("cmdClose"));
     close->setDefault(true);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);

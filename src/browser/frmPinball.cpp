@@ -8,6 +8,7 @@
 #include "browser/selection_controller.h"
 #include "browser/status_panels.h"
 #include "browser/table_commands.h"
+#include "browser/texts.h"
 #include "browser/wait_until_shown.h"
 #include "browser/wall_controller.h"
 #include "browser/wall_model.h"
@@ -114,7 +115,7 @@ QWidget* frmPinball::CreateTreePane() {
     wall_model_ = std::make_unique<WallModel>(model_);
     wall_view_ = new PictureWall(*wall_model_, pane);
     cmdPlay_ = new launcher::PlayButton(*catalogue_.values, pane);
-    auto* caption = new QLabel(QStringLiteral("Notes:"), pane);
+    auto* caption = new QLabel(BrowserTexts::tr("Notes:"), pane);
     caption->setObjectName(QStringLiteral("Label1"));
     lblComments_ = new QLabel(pane);
     lblComments_->setObjectName(QStringLiteral("lblComments"));
@@ -321,16 +322,14 @@ MainWindowState frmPinball::StateForKeys() const {
 void frmPinball::ConnectEditMenu() {
     const auto offer = [this](CommandId command, const QString& verb, const QString& caption,
                               bool is_offered) {
-        QString shown = caption;
-        shown.replace(u'&', QLatin1String("&&"));
-        const QString text = caption.isEmpty() ? verb : verb + u' ' + shown;
+        const QString text = caption.isEmpty() ? verb : verb + u' ' + EntryCaption(caption);
         menu_->Offer(command, text, is_offered);
     };
     connect(menu_->Menu(kEditMenu), &QMenu::aboutToShow, this, [this, offer] {
         const UndoCaptions captions = undo_captions_ ? undo_captions_() : UndoCaptions();
-        offer(&CommandActions::undo, QStringLiteral("&Undo"), captions.undo,
+        offer(&CommandActions::undo, BrowserTexts::tr("&Undo"), captions.undo,
               !captions.undo.isEmpty());
-        offer(&CommandActions::redo, QStringLiteral("Re&do"), captions.redo,
+        offer(&CommandActions::redo, BrowserTexts::tr("Re&do"), captions.redo,
               !captions.redo.isEmpty());
     });
 }
@@ -476,7 +475,7 @@ void frmPinball::SetStatusText(int panel, const QString& text) {
 }
 
 void frmPinball::ShowFailure(const base::Status& failure) {
-    status_->ShowFailure(catalogue::FailureText(QStringLiteral("The table cannot be read from"),
+    status_->ShowFailure(catalogue::FailureText(BrowserTexts::tr("The table cannot be read from"),
                                                 catalogue::CataloguePath(catalogue_), failure));
 }
 
@@ -555,10 +554,11 @@ void frmPinball::dropEvent(QDropEvent* event) {
 // A picture and a text become part of the edit of the shown record, and can be cancelled as such.
 void frmPinball::Take(const DroppedFiles& dropped) {
     for (const QString& path : dropped.tables)
-        if (!take_tables_ || !take_tables_(path)) TellResult(QStringLiteral("Not now: ") + path);
+        if (!take_tables_ || !take_tables_(path))
+            TellResult(BrowserTexts::tr("Not now: %1").arg(path));
     if (dropped.picture.isEmpty() && dropped.text.isEmpty()) return;
     if (!details_->shows_record())
-        return TellResult(QStringLiteral("Select the table that it is for"));
+        return TellResult(BrowserTexts::tr("Select the table that it is for"));
     const bool is_text = dropped.picture.isEmpty();
     if (const base::Status taken =
             details_->TakeFile(is_text ? dropped.text : dropped.picture, is_text);

@@ -4,6 +4,7 @@
 #include "browser/order_bar.h"
 #include "browser/picture_wall.h"
 #include "browser/selection_controller.h"
+#include "browser/texts.h"
 #include "browser/wall_controller.h"
 #include "catalogue/error_report.h"
 #include "catalogue/last_folders.h"
@@ -105,7 +106,7 @@ void frmPinball::GoOnWithKeptEdit() {
     if (tree_->SelectTableWithId((*edit)->record.fields[kId]))
         details_->GoOnWith(**edit);
     else
-        TellResult(QStringLiteral("The record that was being edited is not in the list"));
+        TellResult(BrowserTexts::tr("The record that was being edited is not in the list"));
 }
 
 bool frmPinball::QueryUnload() {
@@ -170,8 +171,7 @@ WindowLayout frmPinball::CurrentLayout() const {
     layout.splitter = splitter_->sizes();
     // Who has never had the wall keeps no word of it.
     if (layout.shows_wall || wall_->is_wanted()) layout.shows_wall = wall_->is_wanted();
-    if (wall_view_->picture_width() != kFirstPictureWidth || layout.picture_width)
-        layout.picture_width = wall_view_->picture_width();
+    if (wall_view_->width_is_chosen()) layout.picture_width = wall_view_->picture_width();
     return layout;
 }
 

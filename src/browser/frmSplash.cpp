@@ -1,5 +1,6 @@
 #include "browser/frmSplash.h"
 
+#include "browser/texts.h"
 #include "browser/wait_until_shown.h"
 
 #include <QtCore/QCoreApplication>
@@ -40,15 +41,15 @@ void frmSplash::BuildLayout() {
     frame->setObjectName(QStringLiteral("Frame1"));
     frame->setFrameShape(QFrame::StyledPanel);
     QLabel* const starting =
-        NamedLabel(QStringLiteral("lblCompanyProduct"), QStringLiteral("Starting:"), frame);
-    lblStat_ = NamedLabel(QStringLiteral("lblStat"), QStringLiteral("Loading..."), frame);
+        NamedLabel(QStringLiteral("lblCompanyProduct"), BrowserTexts::tr("Starting:"), frame);
+    lblStat_ = NamedLabel(QStringLiteral("lblStat"), BrowserTexts::tr("Loading..."), frame);
     lblStat_->setWordWrap(true);
     lblStat_->setStyleSheet(
         QStringLiteral("background: #1d2733; color: #ffd35a; border-radius: 4px; padding: 10px;"
                        "font-weight: bold; font-size: %1pt;")
             .arg(qRound(font().pointSizeF() * kStatusScale)));
     QLabel* const wait =
-        NamedLabel(QStringLiteral("Label1"), QStringLiteral("Please Wait..."), frame);
+        NamedLabel(QStringLiteral("Label1"), BrowserTexts::tr("Please Wait..."), frame);
 
     auto* rows = new QVBoxLayout(frame);
     rows->setContentsMargins(18, 15, 18, 15);

@@ -3,7 +3,6 @@
 #include "browser/detail_tabs.h"
 #include "platform/files.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
@@ -43,14 +42,7 @@ base::Status KeepEdit(const QString& file, const KeptEdit& edit) {
 
 base::Result<std::optional<KeptEdit>> TakeKeptEdit(const QString& file) {
     if (!platform::FileExists(file)) return std::optional<KeptEdit>();
-    QByteArray bytes;
-    {
-        QFile opened;
-        if (!platform::OpenFile(opened, file, QIODevice::ReadOnly))
-            return base::Status(base::StatusCode::kIoError,
-                                file.toStdString() + ": " + opened.errorString().toStdString());
-        bytes = opened.read(kMaxBytes);
-    }
+    ASSIGN_OR_RETURN(const QByteArray bytes, platform::ReadFile(file, kMaxBytes));
     platform::RemoveFile(file);
     const QJsonObject all = QJsonDocument::fromJson(bytes).object();
     const QJsonObject fields = all.value(QStringLiteral("fields")).toObject();

@@ -1,5 +1,8 @@
 #include "browser/main_menu.h"
 
+#include "browser/texts.h"
+#include "platform/shown_text.h"
+
 #include <QtGui/QAction>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
@@ -10,9 +13,13 @@
 
 namespace browser {
 
+QString EntryCaption(QString text) {
+    return text.replace(u'&', QLatin1String("&&"));
+}
+
 MainMenu::MainMenu(QMenuBar& bar) {
     for (const MenuLayout& layout : Menus()) {
-        const QString caption = layout.caption.toString();
+        const QString caption = platform::Shown<BrowserTexts>(layout.caption);
         const bool is_popup = layout.name == kPopupMenu;
         Fill(is_popup ? *new QMenu(caption, bar.parentWidget()) : *bar.addMenu(caption), layout);
     }
@@ -29,13 +36,15 @@ void MainMenu::Fill(QMenu& menu, const MenuLayout& layout) {
 }
 
 void MainMenu::Add(QMenu& menu, const MenuItem& item) {
-    QAction* const action =
-        item.caption == u"-" ? menu.addSeparator() : menu.addAction(item.caption.toString());
+    QAction* const action = item.caption == u"-"
+                                ? menu.addSeparator()
+                                : menu.addAction(platform::Shown<BrowserTexts>(item.caption));
     action->setObjectName(item.name.toString());
     if (action->isSeparator()) return;
     action->setCheckable(item.checkable);
     if (!item.shortcut.isEmpty())
-        action->setShortcuts(QKeySequence::listFromString(item.shortcut.toString()));
+        action->setShortcuts(
+            QKeySequence::listFromString(item.shortcut.toString(), QKeySequence::PortableText));
     // Of a key of the tree the menu shows only that there is one.
     if (item.tree_only) action->setShortcutContext(Qt::WidgetShortcut);
     action->setEnabled(false);

@@ -16,6 +16,10 @@ class QMenuBar;
 
 namespace browser {
 
+// A text that is not of the program's own as the caption of an entry, where a single "&" marks the
+// mnemonic.
+QString EntryCaption(QString text);
+
 class MainMenu : public QObject {
     Q_OBJECT
 

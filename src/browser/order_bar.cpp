@@ -1,6 +1,10 @@
 #include "browser/order_bar.h"
 
+#include "base/marked_text.h"
+#include "browser/texts.h"
 #include "catalogue/selection.h"
+#include "catalogue/texts.h"
+#include "platform/shown_text.h"
 #include "widgets/button_width.h"
 
 #include <QtCore/QEvent>
@@ -25,13 +29,22 @@ constexpr char kRefreshStyle[] =
     "QPushButton[textEffect=\"3\"]:pressed { background: #e8a52c; }"
     "QPushButton[textEffect=\"3\"]:disabled { color: #9c8a6a; background: #f3e3c3; }";
 
+// As settings and the database know them.
+constexpr QStringView kAscending = MARKED_TEXT("BrowserTexts", "Asc");
+constexpr QStringView kDescending = MARKED_TEXT("BrowserTexts", "Desc");
+
+// What the settings hold may be none of the two; it is shown as it stands.
+QString ShownDirection(QStringView direction) {
+    return platform::Shown<BrowserTexts>(direction);
+}
+
 }  // namespace
 
 OrderBar::OrderBar(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("ssOrder"));
     BuildOrder();
     BuildRefresh();
-    auto* caption = new QLabel(QStringLiteral("Order:"), this);
+    auto* caption = new QLabel(BrowserTexts::tr("Order:"), this);
     caption->setObjectName(QStringLiteral("Label3"));
     caption->setBuddy(cboOrder_);
     auto* row = new QHBoxLayout(this);
@@ -47,42 +60,46 @@ void OrderBar::BuildOrder() {
     cboOrder_ = new QComboBox(this);
     cboOrder_->setObjectName(QStringLiteral("cboOrder"));
     for (const catalogue::OrderColumn& order : catalogue::kOrderColumns)
-        cboOrder_->addItem(order.caption.toString());
+        cboOrder_->addItem(platform::Shown<catalogue::CatalogueTexts>(order.caption),
+                           order.caption.toString());
     connect(cboOrder_, &QComboBox::activated, this, &OrderBar::Changed);
 
     lblDirection_ = new QPushButton(this);
     lblDirection_->setObjectName(QStringLiteral("lblDirection"));
-    lblDirection_->setToolTip(QStringLiteral("Changes Sort Direction"));
-    widgets::ReserveWidth(*lblDirection_, {QStringLiteral("Asc"), QStringLiteral("Desc")});
-    SetDirection(QStringLiteral("Asc"));
+    lblDirection_->setToolTip(BrowserTexts::tr("Changes Sort Direction"));
+    widgets::ReserveWidth(*lblDirection_,
+                          {ShownDirection(kAscending), ShownDirection(kDescending)});
+    SetDirection(kAscending.toString());
     connect(lblDirection_, &QPushButton::clicked, this, &OrderBar::ToggleDirection);
 }
 
 void OrderBar::BuildRefresh() {
-    cmdGo_ = new QPushButton(QStringLiteral("Refresh Tree"), this);
+    cmdGo_ = new QPushButton(BrowserTexts::tr("Refresh Tree"), this);
     cmdGo_->setObjectName(QStringLiteral("cmdGo"));
-    cmdGo_->setToolTip(QStringLiteral("Click to Apply Selection(s)"));
+    cmdGo_->setToolTip(BrowserTexts::tr("Click to Apply Selection(s)"));
     cmdGo_->setStyleSheet(QString::fromLatin1(kRefreshStyle));
     ReserveRoom();
     connect(cmdGo_, &QPushButton::clicked, this, &OrderBar::RefreshClicked);
 }
 
 QString OrderBar::OrderCaption() const {
-    return cboOrder_->currentText();
+    return cboOrder_->currentData().toString();
 }
 
 void OrderBar::SetOrderCaption(const QString& caption) {
-    const int found = cboOrder_->findText(caption);
+    const int found = cboOrder_->findData(caption);
     if (found >= 0) cboOrder_->setCurrentIndex(found);
 }
 
 QString OrderBar::Direction() const {
-    return lblDirection_->text();
+    return direction_;
 }
 
 void OrderBar::SetDirection(const QString& caption) {
-    lblDirection_->setText(caption);
-    lblDirection_->setAccessibleName(QStringLiteral("Direction ") + caption);
+    direction_ = caption;
+    const QString shown = ShownDirection(caption);
+    lblDirection_->setText(shown);
+    lblDirection_->setAccessibleName(BrowserTexts::tr("Direction %1").arg(shown));
 }
 
 void OrderBar::Describe(Selection& selection) const {
@@ -91,7 +108,7 @@ void OrderBar::Describe(Selection& selection) const {
 }
 
 void OrderBar::ToggleDirection() {
-    SetDirection(Direction() == u"Asc" ? QStringLiteral("Desc") : QStringLiteral("Asc"));
+    SetDirection((Direction() == kAscending ? kDescending : kAscending).toString());
     Q_EMIT Changed();
 }
 

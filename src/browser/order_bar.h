@@ -45,6 +45,7 @@ private:
 
     QComboBox* cboOrder_ = nullptr;
     QPushButton* lblDirection_ = nullptr;
+    QString direction_;  // "Asc" or "Desc", whatever the button shows
     QPushButton* cmdGo_ = nullptr;
 };
 

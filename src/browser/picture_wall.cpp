@@ -1,6 +1,7 @@
 #include "browser/picture_wall.h"
 
 #include "base/scope_guards.h"
+#include "browser/texts.h"
 #include "browser/view_keys.h"
 #include "browser/wall_model.h"
 
@@ -23,7 +24,7 @@ constexpr int kStepsOfALine = 3;
 
 PictureWall::PictureWall(WallModel& model, QWidget* parent) : QListView(parent) {
     setObjectName(QStringLiteral("PictureWall"));
-    setAccessibleName(QStringLiteral("Tables as pictures"));
+    setAccessibleName(BrowserTexts::tr("Tables as pictures"));
     setFlow(QListView::LeftToRight);
     setWrapping(true);
     setResizeMode(QListView::Adjust);
@@ -40,6 +41,7 @@ PictureWall::PictureWall(WallModel& model, QWidget* parent) : QListView(parent) 
 }
 
 void PictureWall::LayOut() {
+    if (!width_is_chosen_) picture_width_ = FirstPictureWidth(viewport()->width());
     const WallCells cells =
         CellsFor(viewport()->width(), picture_width_, fontMetrics().lineSpacing());
     if (cells == cells_) return;
@@ -49,6 +51,7 @@ void PictureWall::LayOut() {
 }
 
 void PictureWall::SetPictureWidth(int width) {
+    width_is_chosen_ = true;
     if (width == picture_width_) return;
     picture_width_ = width;
     const QModelIndex current = currentIndex();

@@ -24,6 +24,8 @@ public:
     void SelectRow(int row);
 
     int picture_width() const { return picture_width_; }
+    // Whether SetPictureWidth gave it; until then it goes with the width of the view.
+    bool width_is_chosen() const { return width_is_chosen_; }
     // One of the widths of wall_geometry.h; what is at the top of the view stays there.
     void SetPictureWidth(int width);
     const WallCells& cells() const { return cells_; }
@@ -70,6 +72,7 @@ private:
     bool RowIsShown(int row, int height) const;
 
     int picture_width_ = kFirstPictureWidth;
+    bool width_is_chosen_ = false;
     WallCells cells_;
     bool selecting_ = false;               // during SelectRow
     int wheel_ = 0;                        // eighths of a degree that made no step yet

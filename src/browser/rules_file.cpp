@@ -1,6 +1,7 @@
 #include "browser/rules_file.h"
 
 #include "base/ansi_text.h"
+#include "browser/texts.h"
 #include "platform/files.h"
 
 #include <QtCore/QFile>
@@ -60,7 +61,7 @@ base::Result<QString> ReadRulesFile(const QString& path) {
         return Failure(base::StatusCode::kNotFound, path, file.errorString());
     if (file.size() > kMaxRulesFileBytes)
         return Failure(base::StatusCode::kUnsupported, path,
-                       QStringLiteral("the file is too large for a rules text"));
+                       BrowserTexts::tr("the file is too large for a rules text"));
     const QByteArray bytes = file.read(kMaxRulesFileBytes);
     if (file.error() != QFileDevice::NoError)
         return Failure(base::StatusCode::kIoError, path, file.errorString());

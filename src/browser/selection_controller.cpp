@@ -1,9 +1,13 @@
 #include "browser/selection_controller.h"
 
+#include "browser/texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/filter_kinds.h"
 #include "catalogue/selection.h"
 #include "catalogue/start_up.h"
+#include "platform/free_memory.h"
+
+#include <QtCore/QTimer>
 
 #include <algorithm>
 
@@ -16,6 +20,11 @@ QString IconOfKind(const QString& filter_key) {
         [&](const catalogue::FilterKind& candidate) { return candidate.key == filter_key; });
     return kind == catalogue::kFilterKinds.end() ? QString() : kind->icon_key.toString();
 }
+
+// Reading as many tables takes tens of megabytes beside what is shown of them.
+constexpr std::size_t kManyTables = 10'000;
+// After the painting.
+constexpr int kReleaseMs = 300;
 
 // Suspends painting of the tree and shows the progress bar while the tree is filled.
 class [[nodiscard]] TreeUnderConstruction {
@@ -47,7 +56,7 @@ SelectionController::SelectionController(const Parts& parts, std::function<void(
     connect(&parts_.order_bar, &OrderBar::RefreshClicked, this, &SelectionController::RefreshTree);
     connect(&parts_.filter_bar, &FilterBar::ValuesNotRead, this,
             [this](const base::Status& failure) {
-                TellFailure(QStringLiteral("The values cannot be read from"), failure);
+                TellFailure(BrowserTexts::tr("The values cannot be read from"), failure);
             });
 }
 
@@ -68,6 +77,7 @@ void SelectionController::RestoreFilter(const AppliedSelection& saved) {
 
 void SelectionController::RefreshTree() {
     place_.Remember(parts_.model, parts_.tree);
+    const std::size_t tables_before = parts_.model.table_count();
     const std::optional<Selection> before = shown_;
     clear_details_();
     parts_.model.Clear();
@@ -80,6 +90,8 @@ void SelectionController::RefreshTree() {
         ShowFailure(shown);
     parts_.order_bar.SetRefreshPending(false);
     if (shown_) KeepPlace(before);
+    if (std::max(tables_before, parts_.model.table_count()) >= kManyTables)
+        QTimer::singleShot(kReleaseMs, this, [] { platform::ReleaseFreeMemory(); });
 }
 
 // An order is none of the question.
@@ -96,7 +108,7 @@ void SelectionController::KeepPlace(const std::optional<Selection>& before) {
 
 void SelectionController::ShowFailure(const base::Status& failure) {
     parts_.status.SetPanelText(kCountPanel, {});  // the tree is empty
-    TellFailure(QStringLiteral("The tables cannot be read from"), failure);
+    TellFailure(BrowserTexts::tr("The tables cannot be read from"), failure);
 }
 
 void SelectionController::TellFailure(const QString& what, const base::Status& failure) {
@@ -121,7 +133,7 @@ base::Status SelectionController::ShowSelection(const Selection& selection) {
 
 void SelectionController::ReportNothingFound() {
     parts_.prompts.Ask(
-        {QStringLiteral("No matching records found"), {}, platform::MessageIcon::kInformation});
+        {BrowserTexts::tr("No matching records found"), {}, platform::MessageIcon::kInformation});
 }
 
 void SelectionController::Apply(const Selection& selection) {

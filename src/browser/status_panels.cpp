@@ -1,8 +1,10 @@
 #include "browser/status_panels.h"
 
 #include "browser/status_label.h"
+#include "browser/texts.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QLocale>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QProgressBar>
 
@@ -21,6 +23,7 @@ constexpr std::int64_t kWorthShowing = 2000;
 constexpr int kDrawMs = 50;
 
 constexpr int kInPassingMs = 15'000;
+constexpr int kProgressMargin = 6;  // pixels left of its text, as in a panel
 
 }  // namespace
 
@@ -35,13 +38,18 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
         addWidget(label, panel == kNamePanel ? 1 : 0);
         panels_.at(static_cast<std::size_t>(panel - 1)) = label;
     }
+    lblProgress_ = new QLabel(this);
+    lblProgress_->setObjectName(QStringLiteral("lblProgress"));
+    lblProgress_->setContentsMargins(kProgressMargin, 0, 0, 0);
+    addWidget(lblProgress_);
+    lblProgress_->hide();
     prgLoad_ = new QProgressBar(this);
     prgLoad_->setObjectName(QStringLiteral("prgLoad"));
     prgLoad_->setTextVisible(false);
     prgLoad_->setMaximumHeight(14);
     addWidget(prgLoad_, 1);
     prgLoad_->hide();
-    read_only_ = new QLabel(QStringLiteral("Read-only"), this);
+    read_only_ = new QLabel(BrowserTexts::tr("Read-only"), this);
     read_only_->setObjectName(QStringLiteral("lblReadOnly"));
     addPermanentWidget(read_only_);
     read_only_->hide();
@@ -58,10 +66,10 @@ void StatusPanels::SetPanelText(int panel, const QString& text) {
 }
 
 void StatusPanels::ShowReadOnly(const QString& file) {
-    read_only_->setToolTip(file.isEmpty()
-                               ? QString()
-                               : file + QStringLiteral(" is open for reading only: changes cannot "
-                                                       "be stored."));
+    read_only_->setToolTip(
+        file.isEmpty()
+            ? QString()
+            : BrowserTexts::tr("%1 is open for reading only: changes cannot be stored.").arg(file));
     read_only_->setVisible(!file.isEmpty());
 }
 
@@ -90,8 +98,19 @@ void StatusPanels::StartProgress(std::int64_t steps) {
     since_drawn_.invalidate();
     for (QLabel* const panel : panels_)
         panel->hide();
+    lblProgress_->setText(TextOf(steps_));
+    lblProgress_->setFixedWidth(lblProgress_->sizeHint().width());  // the bar keeps its place
+    lblProgress_->setText(TextOf(0));
+    lblProgress_->show();
     prgLoad_->show();
     in_progress_ = true;
+}
+
+QString StatusPanels::TextOf(std::int64_t step) const {
+    const QLocale numbers(QLocale::English, QLocale::UnitedStates);
+    return BrowserTexts::tr("%1 of %2 (%3 %)")
+        .arg(numbers.toString(qlonglong{step}), numbers.toString(qlonglong{steps_}),
+             QString::number(step * kHundred / steps_));
 }
 
 void StatusPanels::Advance(std::int64_t step) {
@@ -101,6 +120,7 @@ void StatusPanels::Advance(std::int64_t step) {
     hundredths_ = hundredths;
     since_drawn_.start();
     prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
+    lblProgress_->setText(TextOf(std::min(step, steps_)));
     if (steps_ >= kWorthShowing && isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
@@ -108,6 +128,7 @@ void StatusPanels::Advance(std::int64_t step) {
 void StatusPanels::EndProgress() {
     in_progress_ = false;
     prgLoad_->hide();
+    lblProgress_->hide();
     for (QLabel* const panel : panels_)
         panel->show();
 }

@@ -39,8 +39,8 @@ public:
 
     // Shows the progress bar instead of the panels; `steps` is the total number of steps.
     void StartProgress(std::int64_t steps);
-    // Sets the number of steps done. The bar is redrawn at each hundredth, at most twenty times a
-    // second.
+    // Sets the number of steps done. The bar, and the count and the share beside it, "1,200 of
+    // 20,000 (6 %)", are redrawn at each hundredth, at most twenty times a second.
     void Advance(std::int64_t step);
     void EndProgress();
     bool in_progress() const { return in_progress_; }
@@ -49,9 +49,13 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    // What stands beside the bar at this step.
+    QString TextOf(std::int64_t step) const;
+
     std::function<void()> clicked_;  // while its message is shown
     std::array<QLabel*, kPanelCount> panels_{};
     QLabel* read_only_ = nullptr;
+    QLabel* lblProgress_ = nullptr;
     QProgressBar* prgLoad_ = nullptr;
     std::int64_t steps_ = 0;
     int hundredths_ = 0;

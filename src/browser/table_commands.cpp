@@ -7,6 +7,7 @@
 #include "browser/row_clipboard.h"
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
+#include "browser/texts.h"
 #include "catalogue/start_up.h"
 
 #include <QtCore/QRandomGenerator>
@@ -32,7 +33,7 @@ void TableCommands::CopyAsFile() {
     if (auto files = RowsAsFiles(parts_.model, tables))
         QGuiApplication::clipboard()->setMimeData(files.release());
     else
-        actions_.tell(QStringLiteral("There is no table file to copy"));
+        actions_.tell(BrowserTexts::tr("There is no table file to copy"));
 }
 
 void TableCommands::SelectRandomTable() {
@@ -53,7 +54,7 @@ void TableCommands::AddMenus() {
     table_menu->insertMenu(
         random, new FolderMenu([this] { return catalogue::CataloguePath(parts_.catalogue); },
                                actions_.tell_failure, table_menu));
-    auto* const recent = new QMenu(QStringLiteral("Recently &Played"), table_menu);
+    auto* const recent = new QMenu(BrowserTexts::tr("Recently &Played"), table_menu);
     recent->setObjectName(QStringLiteral("mnuRecent"));
     table_menu->insertMenu(random, recent);
     connect(recent, &QMenu::aboutToShow, this, [this, recent] { FillRecentMenu(*recent); });
@@ -64,12 +65,10 @@ void TableCommands::FillRecentMenu(QMenu& menu) {
     const auto tables = RecentTables(*parts_.catalogue.CatalogueConnection);
     if (!tables.ok()) actions_.tell_failure(tables.status());
     if (!tables.ok() || tables->empty())
-        menu.addAction(QStringLiteral("None was played yet"))->setEnabled(false);
+        menu.addAction(BrowserTexts::tr("None was played yet"))->setEnabled(false);
     if (!tables.ok()) return;
     for (const RecentTable& table : *tables) {
-        QString caption = table.display_name;
-        caption.replace(u'&', QLatin1String("&&"));
-        QAction* const action = menu.addAction(caption);
+        QAction* const action = menu.addAction(EntryCaption(table.display_name));
         action->setEnabled(actions_.may_select());
         connect(action, &QAction::triggered, this,
                 [this, id = table.id] { actions_.select_table_with_id(id); });

@@ -1,5 +1,6 @@
 #include "browser/table_info_command.h"
 
+#include "browser/texts.h"
 #include "catalogue/error_report.h"
 #include "tableinfo/frmReadVPT.h"
 #include "tableinfo/storage_tools.h"
@@ -28,8 +29,8 @@ private:
 
 platform::Message NoInformation() {
     platform::Message message;
-    message.text = QStringLiteral("There is no table Information for this table");
-    message.title = QStringLiteral("Table Info");
+    message.text = BrowserTexts::tr("There is no table Information for this table");
+    message.title = BrowserTexts::tr("Table Info");
     message.icon = platform::MessageIcon::kInformation;
     return message;
 }

@@ -1,5 +1,6 @@
 #include "browser/table_record.h"
 
+#include "base/marked_text.h"
 #include "catalogue/field_text.h"
 #include "catalogue/quoting.h"
 #include "jet/connection.h"
@@ -137,7 +138,7 @@ std::optional<DetailField> FirstTooLong(const TableRecord& record, const FieldLi
 }
 
 base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& record) {
-    const jet::NamedChange named(connection, u"Edit");
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Edit"));
     jet::Recordset rows;
     RETURN_IF_ERROR(OpenById(connection, record.fields[kId], rows));
     return WriteRow(rows, [&](EmptyText empty) {
@@ -147,7 +148,7 @@ base::Status SaveTableRecord(jet::Connection& connection, const TableRecord& rec
 }
 
 base::Status SaveRulesText(jet::Connection& connection, const QString& id, const QString& text) {
-    const jet::NamedChange named(connection, u"Edit Rules");
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Edit Rules"));
     jet::Recordset rows;
     RETURN_IF_ERROR(OpenById(connection, id, rows));
     return WriteRow(rows, [&](EmptyText empty) {
@@ -156,7 +157,7 @@ base::Status SaveRulesText(jet::Connection& connection, const QString& id, const
 }
 
 base::Status DeleteRecord(jet::Connection& connection, const QString& id) {
-    const jet::NamedChange named(connection, u"Delete");
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Delete"));
     const QString sql = QStringLiteral("Delete from tables where ID = ") + id;
     const auto done = connection.Execute(sql.toStdU16String());
     return done.ok() ? base::Status() : done.status();

@@ -1,6 +1,9 @@
 #include "browser/table_snapshot.h"
 
+#include "base/marked_text.h"
+#include "browser/texts.h"
 #include "catalogue/field_text.h"
+#include "platform/shown_text.h"
 
 #include <algorithm>
 #include <bit>
@@ -15,12 +18,12 @@ struct DetailColumn {
 };
 
 constexpr std::array<DetailColumn, kDetailCount> kDetails = {{
-    {u"File Date: ", u"FileDate"},
-    {u"Author: ", u"Author"},
-    {u"Company: ", u"Company"},
-    {u"Year: ", u"Year"},
-    {u"Last Played: ", u"LastPlayed"},
-    {u"Date Added: ", u"DateAdded"},
+    {MARKED_TEXT("BrowserTexts", "File Date: "), u"FileDate"},
+    {MARKED_TEXT("BrowserTexts", "Author: "), u"Author"},
+    {MARKED_TEXT("BrowserTexts", "Company: "), u"Company"},
+    {MARKED_TEXT("BrowserTexts", "Year: "), u"Year"},
+    {MARKED_TEXT("BrowserTexts", "Last Played: "), u"LastPlayed"},
+    {MARKED_TEXT("BrowserTexts", "Date Added: "), u"DateAdded"},
 }};
 
 std::int32_t CountOf(const jet::Value& value) {
@@ -71,7 +74,7 @@ struct TableSnapshot::Columns {
 };
 
 QString DetailLabel(int detail) {
-    return kDetails[static_cast<std::size_t>(detail)].label.toString();
+    return platform::Shown<BrowserTexts>(kDetails[static_cast<std::size_t>(detail)].label);
 }
 
 QString TableSnapshot::Text(TextStore::Reference reference) const {

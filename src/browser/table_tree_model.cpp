@@ -1,5 +1,6 @@
 #include "browser/table_tree_model.h"
 
+#include "browser/texts.h"
 #include "platform/files.h"
 
 #include <QtGui/QFont>
@@ -29,7 +30,7 @@ const QString& FavoriteIcon() {
 // How deep the node lies; the interfaces to assistive technology have no number of their own for
 // it.
 QString LevelText(const Node& node) {
-    return QStringLiteral("Level ") + QString::number(!node.table ? 1 : node.detail ? 3 : 2);
+    return BrowserTexts::tr("Level %1").arg(!node.table ? 1 : node.detail ? 3 : 2);
 }
 
 }  // namespace
@@ -211,8 +212,8 @@ bool TableTreeModel::IsFavorite(std::size_t table) const {
 
 QString TableTreeModel::SpokenName(std::size_t table) const {
     QString spoken = tables_->DisplayName(table);
-    if (IsFavorite(table)) spoken += QStringLiteral(", favorite");
-    if (FileIsMissing(table)) spoken += QStringLiteral(", its file is missing");
+    if (IsFavorite(table)) spoken += BrowserTexts::tr(", favorite");
+    if (FileIsMissing(table)) spoken += BrowserTexts::tr(", its file is missing");
     return spoken;
 }
 

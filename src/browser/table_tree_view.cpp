@@ -3,6 +3,7 @@
 #include "base/scope_guards.h"
 #include "browser/main_window_settings.h"
 #include "browser/table_tree_model.h"
+#include "browser/texts.h"
 #include "browser/view_keys.h"
 
 #include <QtGui/QKeyEvent>
@@ -17,7 +18,7 @@ namespace browser {
 
 TableTreeView::TableTreeView(TableTreeModel& model, QWidget* parent) : QTreeView(parent) {
     setObjectName(QStringLiteral("tvwDB"));
-    setAccessibleName(QStringLiteral("Tables"));
+    setAccessibleName(BrowserTexts::tr("Tables"));
     setUniformRowHeights(true);
     setHeaderHidden(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -143,7 +143,7 @@ void TreeController::ToggleSelectedFavorite() {
                                           .tag = tag,
                                           .text = SelectedText(),
                                           .favorite_checked = parts_.details.FavoriteChecked(),
-                                          .filter_text = parts_.filter_bar.FilterText()});
+                                          .filter_key = parts_.filter_bar.FilterKey()});
     if (!toggled.ok()) return catalogue::ShowError(parts_.prompts, toggled.status());
     if (!toggled->done) return;
     parts_.model.SetTableIcon(selected, QStringLiteral("favorite"));

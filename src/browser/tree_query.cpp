@@ -1,9 +1,11 @@
 #include "browser/tree_query.h"
 
+#include "browser/texts.h"
+
 namespace browser {
 
 QString CountText(std::int64_t tables) {
-    return QString::number(tables) + QStringLiteral(" Tables in list.  ");
+    return BrowserTexts::tr("%1 Tables in list.  ").arg(tables);
 }
 
 QString RootText(const QString& filter_text, const Selection& selection) {

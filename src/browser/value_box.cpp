@@ -1,5 +1,7 @@
 #include "browser/value_box.h"
 
+#include "browser/texts.h"
+
 #include <QtCore/QSignalBlocker>
 #include <QtCore/QStringListModel>
 #include <QtGui/QScreen>
@@ -14,14 +16,14 @@ namespace browser {
 namespace {
 
 // To measure all of 100,000 values takes too long: the widest is one of the longest.
-constexpr std::size_t kMeasured = 50;
+constexpr std::size_t kMeasuredValues = 50;
 constexpr int kMargins = 16;  // pixels
 
 }  // namespace
 
 ValueBox::ValueBox(QWidget* parent) : QComboBox(parent), values_(new QStringListModel(this)) {
     setObjectName(QStringLiteral("cboFilterDet"));
-    setAccessibleName(QStringLiteral("Value of the filter"));
+    setAccessibleName(BrowserTexts::tr("Value of the filter"));
     // A column may have as many different values as there are tables; the list must neither
     // measure them all nor have an object for each.
     auto* list = new QListView;
@@ -50,7 +52,7 @@ int ValueBox::WidthOfValues() const {
     longest.reserve(static_cast<std::size_t>(values.size()));
     for (const QString& value : values)
         longest.push_back(&value);
-    const auto measured = std::min(kMeasured, longest.size());
+    const auto measured = std::min(kMeasuredValues, longest.size());
     std::partial_sort(longest.begin(), longest.begin() + static_cast<std::ptrdiff_t>(measured),
                       longest.end(),
                       [](const QString* a, const QString* b) { return a->size() > b->size(); });

@@ -26,6 +26,14 @@ int KnownPictureWidth(int width) {
     return kWidths[PlaceOf(width)];
 }
 
+int FirstPictureWidth(int view_width) {
+    int first = kWidths[0];
+    for (const int width : kWidths)
+        if (width <= kFirstPictureWidth && 2 * (width + 2 * kMargin) <= view_width - kRest)
+            first = width;
+    return first;
+}
+
 int StepPictureWidth(int width, int steps) {
     const std::ptrdiff_t last = std::ssize(kWidths) - 1;
     return kWidths[std::clamp<std::ptrdiff_t>(PlaceOf(width) + steps, 0, last)];

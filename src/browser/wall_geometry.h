@@ -8,8 +8,10 @@
 
 namespace browser {
 
-// The width of a picture at first.
+// The width of a picture until the user chooses one: the largest up to this one of which two stand
+// side by side in a view of `view_width`.
 inline constexpr int kFirstPictureWidth = 160;
+int FirstPictureWidth(int view_width);
 
 // The next larger (`steps` > 0) or smaller width of a picture; the largest and the smallest stay.
 int StepPictureWidth(int width, int steps);

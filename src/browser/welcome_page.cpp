@@ -1,5 +1,6 @@
 #include "browser/welcome_page.h"
 
+#include "browser/texts.h"
 #include "widgets/object_names.h"
 
 #include <QtWidgets/QLabel>
@@ -21,7 +22,7 @@ QLabel* Text(const QString& text) {
 }
 
 QLabel* Title() {
-    QLabel* const title = Text(QStringLiteral("Welcome to Tavolo"));
+    QLabel* const title = Text(BrowserTexts::tr("Welcome to Tavolo"));
     QFont font = title->font();
     font.setPointSizeF(font.pointSizeF() * kTitleScale);
     font.setBold(true);
@@ -41,18 +42,18 @@ WelcomePage::WelcomePage(QWidget* parent) : QScrollArea(parent) {
     column->setContentsMargins(kPageMargin, kPageMargin, kPageMargin, kPageMargin);
     column->setSpacing(kOfferSpacing);
     column->addWidget(Title());
-    column->addWidget(Text(QStringLiteral(
+    column->addWidget(Text(BrowserTexts::tr(
         "It keeps a catalogue of your Visual Pinball tables, shows their pictures, notes and "
         "rules, and starts them. There are no tables in it yet.")));
-    AddOffer(*column, "cmdWelcomeScan", QStringLiteral("Look for tables..."),
-             QStringLiteral("Finds the tables in a folder and below it"),
+    AddOffer(*column, "cmdWelcomeScan", BrowserTexts::tr("Look for tables..."),
+             BrowserTexts::tr("Finds the tables in a folder and below it"),
              &WelcomePage::LookForTables);
     AddOffer(
-        *column, "cmdWelcomeExample", QStringLiteral("Open the example collection"),
-        QStringLiteral("A dozen invented tables to try everything with, in a window of its own"),
+        *column, "cmdWelcomeExample", BrowserTexts::tr("Open the example collection"),
+        BrowserTexts::tr("A dozen invented tables to try everything with, in a window of its own"),
         &WelcomePage::OpenExample);
-    AddOffer(*column, "cmdWelcomeFolder", QStringLiteral("Open an old catalogue..."),
-             QStringLiteral("Of an earlier installation: choose the folder of its pinball.mdb"),
+    AddOffer(*column, "cmdWelcomeFolder", BrowserTexts::tr("Open an old catalogue..."),
+             BrowserTexts::tr("Of an earlier installation: choose the folder of its pinball.mdb"),
              &WelcomePage::OpenFolder);
     column->addStretch();
     setWidget(page);

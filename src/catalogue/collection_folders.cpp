@@ -3,7 +3,6 @@
 #include "catalogue/path_names.h"
 #include "platform/files.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 
@@ -28,11 +27,8 @@ QString CollectionFoldersFile(const QString& catalogue_file) {
 base::Result<QStringList> CollectionFolders(const QString& catalogue_file) {
     const QString file = CollectionFoldersFile(catalogue_file);
     if (!platform::FileExists(file)) return QStringList();
-    QFile opened;
-    if (!platform::OpenFile(opened, file, QIODevice::ReadOnly))
-        return base::Status(base::StatusCode::kIoError,
-                            file.toStdString() + ": " + opened.errorString().toStdString());
-    const QJsonDocument all = QJsonDocument::fromJson(opened.read(kMaxBytes));
+    ASSIGN_OR_RETURN(const QByteArray bytes, platform::ReadFile(file, kMaxBytes));
+    const QJsonDocument all = QJsonDocument::fromJson(bytes);
     QStringList folders;
     for (const QJsonValue folder : all.array())
         if (!folder.toString().isEmpty()) folders.append(folder.toString());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "catalogue/texts.h"
 
 #include <QtCore/QSet>
 #include <QtCore/QString>
@@ -34,7 +35,9 @@ public:
     base::Status Summary() const {
         if (count() <= 1) return first_;
         return {first_.code(),
-                std::to_string(count()) + " could not be read. The first: " + first_.message(),
+                CatalogueTexts::tr("%1 could not be read. The first: %2")
+                    .arg(QString::number(count()), QString::fromStdString(first_.message()))
+                    .toStdString(),
                 first_.number()};
     }
 

@@ -1,7 +1,9 @@
 #include "catalogue/selection.h"
 
 #include "catalogue/field_text.h"
+#include "catalogue/texts.h"
 #include "catalogue/typed_values.h"
+#include "platform/shown_text.h"
 
 #include <algorithm>
 
@@ -83,9 +85,10 @@ base::Result<QStringList> FilterValues(jet::Connection& connection, const QStrin
 }
 
 std::optional<QString> InvalidFilterValue(const QString& filter_key, const QString& value) {
-    if (filter_key == kFilterFileDate && !IsDate(value)) return kInvalidDate.toString();
+    if (filter_key == kFilterFileDate && !IsDate(value))
+        return platform::Shown<CatalogueTexts>(kInvalidDate);
     if (filter_key == kFilterTimesPlayed && !IsNumeric(value))
-        return QStringLiteral("Please enter a valid number");
+        return CatalogueTexts::tr("Please enter a valid number");
     return std::nullopt;
 }
 

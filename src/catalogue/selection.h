@@ -1,6 +1,7 @@
 // Selection: which tables the user asks to see, and the SQL that selects them.
 #pragma once
 
+#include "base/marked_text.h"
 #include "base/status.h"
 #include "jet/connection.h"
 
@@ -37,17 +38,17 @@ QString FilterQueryText(const QString& filter_key, const QString& value, const Q
 
 // What the list can be sorted by, in the order of the order bar.
 struct OrderColumn {
-    QStringView caption;
+    QStringView caption;  // a marked text
     QStringView column;
 };
 
 inline constexpr std::array<OrderColumn, 6> kOrderColumns = {{
-    {u"Table Name", u"DisplayName"},
-    {u"Year", u"Year"},
-    {u"Author", u"Author"},
-    {u"Company", u"Company"},
-    {u"Date Added", u"DateAdded"},
-    {u"Times Played", u"TimesPlayed"},
+    {MARKED_TEXT("CatalogueTexts", "Table Name"), u"DisplayName"},
+    {MARKED_TEXT("CatalogueTexts", "Year"), u"Year"},
+    {MARKED_TEXT("CatalogueTexts", "Author"), u"Author"},
+    {MARKED_TEXT("CatalogueTexts", "Company"), u"Company"},
+    {MARKED_TEXT("CatalogueTexts", "Date Added"), u"DateAdded"},
+    {MARKED_TEXT("CatalogueTexts", "Times Played"), u"TimesPlayed"},
 }};
 
 // " Order By " + column + " " + direction; the column is empty for an unknown caption.

@@ -1,5 +1,6 @@
 #include "catalogue/start_up.h"
 
+#include "base/marked_text.h"
 #include "catalogue/data_source.h"
 #include "catalogue/date_texts.h"
 #include "catalogue/process_values.h"
@@ -51,7 +52,8 @@ base::Status AddMissingColumns(jet::Connection& connection) {
 }
 
 base::Status StampUndatedRows(jet::Connection& connection, const QString& today) {
-    const jet::NamedChange named(connection, u"Date New Tables", jet::kAutomaticChange);
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Date New Tables"),
+                                 jet::kAutomaticChange);
     const QString statement = QStringLiteral("Update tables set DateAdded = '") + QuoteSql(today) +
                               QStringLiteral("' Where (isNull(DateAdded) or DateAdded = '')");
     return connection.Execute(statement.toStdU16String()).status();

@@ -1,9 +1,11 @@
 #include "checksum/crc_refresh.h"
 
+#include "base/marked_text.h"
 #include "catalogue/field_text.h"
 #include "catalogue/progress_meter.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
+#include "checksum/texts.h"
 #include "jet/connection.h"
 #include "jet/recordset.h"
 #include "platform/files.h"
@@ -30,8 +32,8 @@ base::Status RefreshRow(jet::Recordset& rows, clsCRC& crc,
     const auto text = ChecksumTextOf(crc, path, passed_over);
     if (!text) return base::Status::Ok();
     ASSIGN_OR_RETURN(const QString display_name, catalogue::FieldText(rows, u"DisplayName"));
-    show(QStringLiteral("Processing: ") + display_name + QStringLiteral("  ") +
-         QString::fromStdU16String(*text));
+    show(ChecksumTexts::tr("Processing: %1  %2")
+             .arg(display_name, QString::fromStdU16String(*text)));
     RETURN_IF_ERROR(rows.SetField(u"CRC", jet::Value::Text(*text)));
     return rows.Update();
 }
@@ -41,7 +43,7 @@ base::Status RefreshRow(jet::Recordset& rows, clsCRC& crc,
 // The wording is fixed, its misspellings included.
 bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
     const platform::Message question{
-        QStringLiteral(
+        ChecksumTexts::tr(
             "This will function will update the database with the current CRC values of your "
             "tables."
             "\r"
@@ -52,14 +54,16 @@ bool ConfirmCrcRefresh(platform::UserPrompts& prompts) {
             "This may take a few minutes depending on the nuber of tables in your database."
             "\r\r"
             "This utility facilites import of VBLauncher data"),
-        QStringLiteral("CRC"), platform::MessageIcon::kNone, platform::MessageButtons::kOkCancel};
+        ChecksumTexts::tr("CRC"), platform::MessageIcon::kNone,
+        platform::MessageButtons::kOkCancel};
     return prompts.Ask(question) == platform::MessageAnswer::kOk;
 }
 
 base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                          const std::function<void(const QString& line)>& show,
                          const catalogue::Progress& progress, catalogue::PassedOver* passed_over) {
-    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Update CRC's");
+    const jet::NamedChange named(*catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Update CRC's"));
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
                               *catalogue.CatalogueConnection, jet::CursorType::kKeyset,

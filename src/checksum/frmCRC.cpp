@@ -2,6 +2,7 @@
 
 #include "base/scope_guards.h"
 #include "checksum/crc_refresh.h"
+#include "checksum/texts.h"
 #include "widgets/elided_label.h"
 
 #include <QtCore/QCoreApplication>
@@ -18,7 +19,7 @@ namespace checksum {
 frmCRC::frmCRC(catalogue::Catalogue& catalogue, QWidget* parent, catalogue::Progress progress)
     : QDialog(parent), catalogue_(catalogue), progress_(std::move(progress)) {
     setObjectName(QStringLiteral("frmCRC"));
-    setWindowTitle(QStringLiteral("CRC Utility - Update all CRC Values in database"));
+    setWindowTitle(ChecksumTexts::tr("CRC Utility - Update all CRC Values in database"));
     BuildControls();
     connect(Command1_, &QPushButton::clicked, this, &frmCRC::Refresh);
 }
@@ -67,7 +68,7 @@ void frmCRC::Refresh() {
             catalogue_, *this, [this](const QString& line) { ShowLine(line); }, progress_,
             &passed_over);
         if (outcome_.ok()) outcome_ = passed_over.Summary();
-        ShowLine(QStringLiteral("Task Complete!"));
+        ShowLine(ChecksumTexts::tr("Task Complete!"));
     }
     accept();
 }

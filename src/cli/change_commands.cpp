@@ -1,4 +1,5 @@
 // scan, update, crc, set and backup.
+#include "base/marked_text.h"
 #include "cli/change_report.h"
 #include "cli/commands.h"
 #include "cli/import_report.h"
@@ -151,7 +152,7 @@ int RunSet(Program& program) {
     if (!taken.ok()) return FailUsage(program.console, taken);
     auto opened = OpenedCatalogue::Open(program, AccessForChanges(program));
     if (!opened.ok()) return Fail(program, opened.status());
-    const jet::NamedChange named((*opened)->connection(), u"Edit");
+    const jet::NamedChange named((*opened)->connection(), MARKED_TEXT("HistoryTexts", "Edit"));
     const auto report =
         ImportAndTell(program, (*opened)->connection(), assignments, {.update_only = true});
     base::Status done = report.ok() ? FirstProblem(*report) : report.status();

@@ -3,13 +3,14 @@
 
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
+#include "platform/program_arguments.h"
 #include "platform/standard_streams.h"
 
 int main(int argc, char** argv) {
     platform::KeepGoingWhenPipesClose();
     QStringList words;
-    for (int i = 1; i < argc; ++i)
-        words.append(platform::ArgumentText(argv[i]));
+    for (const std::string& word : platform::ProgramArguments(argc, argv))
+        words.append(platform::ArgumentText(word.c_str()));
     const auto files = platform::MakeFileSystem();
     const auto settings = platform::MakeSettingsStore();
     platform::SystemClock clock;

@@ -3,6 +3,7 @@
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
 #include "catalogue/program_settings.h"
+#include "dialogs/texts.h"
 #include "platform/files.h"
 #include "platform/settings_store.h"
 
@@ -14,8 +15,8 @@ QString StoredExecutable(const catalogue::Catalogue& catalogue) {
 QString ChooseExecutable(platform::UserPrompts& prompts, const QString& current) {
     platform::FileDialog dialog;
     dialog.name = QStringLiteral("ComDialog");
-    dialog.title = QStringLiteral("Select Visual Pinball Executable");
-    dialog.filter = QStringLiteral("Executables (*.Exe)|*.Exe");
+    dialog.title = DialogsTexts::tr("Select Visual Pinball Executable");
+    dialog.filter = DialogsTexts::tr("Executables") + QStringLiteral(" (*.Exe)|*.Exe");
     dialog.file_name = current;
     const QString chosen = prompts.ChooseFileToOpen(dialog);
     return chosen.isEmpty() ? current : chosen;
@@ -25,7 +26,7 @@ bool StoreExecutable(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
                      const QString& path) {
     if (!platform::FileExists(path)) {
         platform::Message message;
-        message.text = QStringLiteral("Please select a valid Executable");
+        message.text = DialogsTexts::tr("Please select a valid Executable");
         message.icon = platform::MessageIcon::kInformation;
         prompts.Ask(message);
         return false;

@@ -1,5 +1,7 @@
 #include "dialogs/file_filter.h"
 
+#include "dialogs/texts.h"
+
 namespace dialogs {
 namespace {
 
@@ -28,7 +30,8 @@ QStringList QtNameFilters(const QString& filter) {
         result.append(
             QStringLiteral("%1 (%2)").arg(WithoutPatterns(pieces[i]), patterns.join(u' ')));
     }
-    if (!result.isEmpty() && executables_only) result.append(QStringLiteral("All files (*)"));
+    if (!result.isEmpty() && executables_only)
+        result.append(DialogsTexts::tr("All files") + QStringLiteral(" (*)"));
     return result;
 }
 

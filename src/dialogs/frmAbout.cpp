@@ -3,6 +3,7 @@
 #include "dialogs/about_text.h"
 #include "dialogs/program_version.h"
 #include "dialogs/system_information.h"
+#include "dialogs/texts.h"
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QFrame>
@@ -29,7 +30,7 @@ frmAbout::frmAbout(platform::UserPrompts& prompts, platform::Shell& shell,
     : QDialog(parent), prompts_(prompts), shell_(shell), starter_(starter),
       web_site_(std::move(web_site)) {
     setObjectName(QStringLiteral("frmAbout"));
-    setWindowTitle(QStringLiteral("About ") + ApplicationTitle());
+    setWindowTitle(DialogsTexts::tr("About %1").arg(ApplicationTitle()));
     auto* column = new QVBoxLayout(this);
     column->setSizeConstraint(QLayout::SetFixedSize);
     column->addWidget(BuildHeading());
@@ -46,8 +47,9 @@ QWidget* frmAbout::BuildHeading() {
     large.setPointSizeF(large.pointSizeF() * 2);
     large.setBold(true);
     title->setFont(large);
-    auto* version = MakeLabel(QStringLiteral("lblVersion"),
-                              QStringLiteral("Version ") + VersionText(ProgramVersion()), heading);
+    auto* version =
+        MakeLabel(QStringLiteral("lblVersion"),
+                  DialogsTexts::tr("Version %1").arg(VersionText(ProgramVersion())), heading);
 
     auto* texts = new QVBoxLayout;
     texts->addWidget(title);
@@ -83,7 +85,7 @@ QWidget* frmAbout::BuildLink() {
 void frmAbout::OpenWebSite() {
     if (shell_.Open(web_site_).ok()) return;
     platform::Message message;
-    message.text = QStringLiteral("Cannot open site: ") + web_site_;
+    message.text = DialogsTexts::tr("Cannot open site: %1").arg(web_site_);
     message.icon = platform::MessageIcon::kInformation;
     prompts_.Ask(message);
 }
@@ -91,12 +93,12 @@ void frmAbout::OpenWebSite() {
 QWidget* frmAbout::BuildButtons() {
     auto* row = new QWidget(this);
 
-    auto* system = new QPushButton(QStringLiteral("&System Info"), row);
+    auto* system = new QPushButton(DialogsTexts::tr("&System Info"), row);
     system->setObjectName(QStringLiteral("CmdSystem"));
     system->setAutoDefault(false);
     connect(system, &QPushButton::clicked, this,
             [this] { StartSysInfo(shell_, starter_, prompts_); });
-    auto* ok = new QPushButton(QStringLiteral("OK"), row);
+    auto* ok = new QPushButton(DialogsTexts::tr("OK"), row);
     ok->setObjectName(QStringLiteral("cmdOK"));
     ok->setDefault(true);
     ok->setFocus();

@@ -1,6 +1,7 @@
 #include "dialogs/frmSettings.h"
 
 #include "dialogs/executable_setting.h"
+#include "dialogs/texts.h"
 #include "widgets/svg_icon.h"
 
 #include <QtWidgets/QDialogButtonBox>
@@ -17,13 +18,13 @@ frmSettings::frmSettings(catalogue::Catalogue& catalogue, platform::UserPrompts&
                          QWidget* parent)
     : QDialog(parent), catalogue_(catalogue), prompts_(prompts) {
     setObjectName(QStringLiteral("frmSettings"));
-    setWindowTitle(QStringLiteral("Settings"));
+    setWindowTitle(DialogsTexts::tr("Settings"));
     BuildLayout();
     txtDet_->setText(StoredExecutable(catalogue_));
 }
 
 void frmSettings::BuildLayout() {
-    auto* label = new QLabel(QStringLiteral("VP Executable:"), this);
+    auto* label = new QLabel(DialogsTexts::tr("VP Executable:"), this);
     label->setObjectName(QStringLiteral("Label2"));
     txtDet_ = new QLineEdit(this);
     txtDet_->setObjectName(QStringLiteral("txtDet_0"));
@@ -33,14 +34,14 @@ void frmSettings::BuildLayout() {
     auto* choose = new QToolButton(this);
     choose->setObjectName(QStringLiteral("cmdExeLoc"));
     choose->setIcon(widgets::SvgIcon(QStringLiteral("open")));
-    choose->setToolTip(QStringLiteral("Select Visual Pinball Executable"));
+    choose->setToolTip(DialogsTexts::tr("Select Visual Pinball Executable"));
     choose->setAccessibleName(choose->toolTip());
     connect(choose, &QToolButton::clicked, this, &frmSettings::ChooseFile);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("OKButton"));
     buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("CancelButton"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Cancel"));
+    buttons->button(QDialogButtonBox::Cancel)->setText(DialogsTexts::tr("Cancel"));
     connect(buttons, &QDialogButtonBox::accepted, this, &frmSettings::StoreAndClose);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 

@@ -1,6 +1,7 @@
 #include "dialogs/help_window.h"
 
 #include "dialogs/help_text.h"
+#include "dialogs/texts.h"
 #include "widgets/window_place.h"
 
 #include <QtCore/QFileInfo>
@@ -34,7 +35,7 @@ QAction* AddTo(QToolBar& bar, const QString& name, const QString& text, const QK
 HelpWindow::HelpWindow(const QString& folder, QWidget* owner)
     : QWidget(owner, Qt::Window), folder_(folder) {
     setObjectName(QStringLiteral("HelpWindow"));
-    setWindowTitle(QStringLiteral("Tavolo Help"));
+    setWindowTitle(DialogsTexts::tr("Tavolo Help"));
     setAttribute(Qt::WA_DeleteOnClose);
     resize(kFirstSize.width() * fontMetrics().averageCharWidth(),
            kFirstSize.height() * fontMetrics().lineSpacing());
@@ -44,29 +45,29 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* owner)
 
 QWidget* HelpWindow::MakeTools() {
     auto* const bar = new QToolBar;
-    const auto go = [&](const char* name, const char* text, const QKeySequence& key, auto slot) {
-        QAction* const action =
-            AddTo(*bar, QString::fromLatin1(name), QString::fromLatin1(text), key);
+    const auto go = [&](const char* name, const QString& text, const QKeySequence& key, auto slot) {
+        QAction* const action = AddTo(*bar, QString::fromLatin1(name), text, key);
         connect(action, &QAction::triggered, text_, slot);
         return action;
     };
-    QAction* const back = go("actHelpBack", "Back", QKeySequence::Back, &QTextBrowser::backward);
-    QAction* const forward =
-        go("actHelpForward", "Forward", QKeySequence::Forward, &QTextBrowser::forward);
+    QAction* const back =
+        go("actHelpBack", DialogsTexts::tr("Back"), QKeySequence::Back, &QTextBrowser::backward);
+    QAction* const forward = go("actHelpForward", DialogsTexts::tr("Forward"),
+                                QKeySequence::Forward, &QTextBrowser::forward);
     back->setEnabled(false);
     forward->setEnabled(false);
     connect(text_, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
     connect(text_, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
-    connect(AddTo(*bar, QStringLiteral("actHelpContents"), QStringLiteral("Contents"),
+    connect(AddTo(*bar, QStringLiteral("actHelpContents"), DialogsTexts::tr("Contents"),
                   Qt::ALT | Qt::Key_Home),
             &QAction::triggered, this, [this] { ShowPage(QStringLiteral("index.html")); });
-    connect(
-        AddTo(*bar, QStringLiteral("actHelpSearch"), QStringLiteral("Search"), QKeySequence::Find),
-        &QAction::triggered, words_, [this] {
-            words_->setFocus();
-            words_->selectAll();
-        });
-    connect(AddTo(*bar, QStringLiteral("actHelpClose"), QStringLiteral("Close"), Qt::Key_Escape),
+    connect(AddTo(*bar, QStringLiteral("actHelpSearch"), DialogsTexts::tr("Search"),
+                  QKeySequence::Find),
+            &QAction::triggered, words_, [this] {
+                words_->setFocus();
+                words_->selectAll();
+            });
+    connect(AddTo(*bar, QStringLiteral("actHelpClose"), DialogsTexts::tr("Close"), Qt::Key_Escape),
             &QAction::triggered, this, &QWidget::close);
     return bar;
 }
@@ -74,17 +75,17 @@ QWidget* HelpWindow::MakeTools() {
 void HelpWindow::BuildLayout() {
     text_ = new HelpText;
     text_->setObjectName(QStringLiteral("txtHelp"));
-    text_->setAccessibleName(QStringLiteral("Page"));
+    text_->setAccessibleName(DialogsTexts::tr("Page"));
     text_->setSearchPaths({folder_});
     text_->setOpenExternalLinks(true);
     words_ = new QLineEdit;
     words_->setObjectName(QStringLiteral("txtHelpSearch"));
-    words_->setPlaceholderText(QStringLiteral("Search the help"));
-    words_->setAccessibleName(QStringLiteral("Search the help"));
+    words_->setPlaceholderText(DialogsTexts::tr("Search the help"));
+    words_->setAccessibleName(DialogsTexts::tr("Search the help"));
     words_->setClearButtonEnabled(true);
     found_ = new QListWidget;
     found_->setObjectName(QStringLiteral("lstHelpFound"));
-    found_->setAccessibleName(QStringLiteral("Pages found"));
+    found_->setAccessibleName(DialogsTexts::tr("Pages found"));
 
     auto* const left = new QWidget;
     auto* const column = new QVBoxLayout(left);

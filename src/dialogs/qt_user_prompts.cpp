@@ -4,6 +4,7 @@
 #include "dialogs/file_filter.h"
 #include "dialogs/file_icons.h"
 #include "dialogs/program_version.h"
+#include "dialogs/texts.h"
 #include "widgets/window_place.h"
 
 #include <QtCore/QDir>
@@ -230,7 +231,7 @@ QString QtUserPrompts::ChooseFolder(const QString& title, const QString& start) 
     DrawItself(window);
     window.setOption(QFileDialog::ShowDirsOnly);
     window.setFileMode(QFileDialog::Directory);
-    window.setWindowTitle(title.isEmpty() ? QStringLiteral("Select a folder.") : title);
+    window.setWindowTitle(title.isEmpty() ? DialogsTexts::tr("Select a folder.") : title);
     if (!start.isEmpty() && QDir(start).exists()) window.setDirectory(start);
     return window.Choose();
 }

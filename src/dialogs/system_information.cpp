@@ -1,5 +1,7 @@
 #include "dialogs/system_information.h"
 
+#include "dialogs/texts.h"
+
 namespace dialogs {
 
 void StartSysInfo(platform::Shell& shell, platform::ProcessStarter& starter,
@@ -7,7 +9,7 @@ void StartSysInfo(platform::Shell& shell, platform::ProcessStarter& starter,
     const QString tool = shell.SystemInformationTool();
     if (!tool.isEmpty() && starter.StartTool(tool).ok()) return;
     platform::Message message;
-    message.text = QStringLiteral("System Information Is Unavailable At This Time");
+    message.text = DialogsTexts::tr("System Information Is Unavailable At This Time");
     prompts.Ask(message);
 }
 

@@ -10,6 +10,7 @@
 // its folder.
 #pragma once
 
+#include "base/marked_text.h"
 #include "base/status.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/passed_over.h"
@@ -50,7 +51,7 @@ public:
 };
 
 // What a scan is called among the changes, with the update from the table files that follows it.
-inline constexpr const char16_t* kScanName = u"Scan for New Tables";
+inline constexpr const char16_t* kScanName = MARKED_TEXT("HistoryTexts", "Scan for New Tables");
 
 class FolderScan {
 public:

@@ -4,6 +4,7 @@
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
 #include "catalogue/start_up.h"
+#include "discovery/texts.h"
 #include "jet/connection.h"
 #include "tableinfo/update_from_table_files.h"
 #include "widgets/elided_label.h"
@@ -21,7 +22,6 @@
 namespace discovery {
 namespace {
 
-constexpr QStringView kDoneCaption = u"&Done";
 // A property of the window, for whoever would close it: the scan answers that with a message.
 constexpr char kBusy[] = "busy";
 
@@ -43,7 +43,7 @@ frmsearch::frmsearch(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
     : QDialog(parent), catalogue_(catalogue), prompts_(prompts),
       refresh_tree_(std::move(refresh_tree)) {
     setObjectName(QStringLiteral("frmsearch"));
-    setWindowTitle(QStringLiteral("Find New Visual Pinball Tables"));
+    setWindowTitle(DiscoveryTexts::tr("Find New Visual Pinball Tables"));
     BuildControls();
     BuildLayout();
     connect(cmdgo_, &QPushButton::clicked, this, &frmsearch::Scan);
@@ -55,17 +55,18 @@ void frmsearch::BuildControls() {
     lstdirs_->setObjectName(QStringLiteral("lstdirs"));
     lstdirs_->setUniformItemSizes(true);
     lstdirs_->setFocusPolicy(Qt::NoFocus);
-    lstdirs_->setAccessibleName(QStringLiteral("Folders still to be searched"));
+    lstdirs_->setAccessibleName(DiscoveryTexts::tr("Folders still to be searched"));
     lblHint_ = widgets::Named(new QLabel(this), "lblHint");
     lblHint_->setWordWrap(true);
-    lblHint_->setText(QStringLiteral("Press Search and choose the folder that holds your tables. "
-                                     "Folders below it are searched, too."));
+    lblHint_->setText(
+        DiscoveryTexts::tr("Press Search and choose the folder that holds your tables. "
+                           "Folders below it are searched, too."));
     lbltime_ = MakeLabel("lbltime", this);
     Label2_ = MakeLabel("Label2", this);
     lblCRC_ = MakeLabel("lblCRC", this);
-    cmdgo_ = MakeButton("cmdgo", QStringLiteral("&Search"), this);
+    cmdgo_ = MakeButton("cmdgo", DiscoveryTexts::tr("&Search"), this);
     cmdgo_->setDefault(true);
-    cmdExit_ = MakeButton("cmdExit", kDoneCaption.toString(), this);
+    cmdExit_ = MakeButton("cmdExit", DiscoveryTexts::tr("&Done"), this);
 }
 
 void frmsearch::BuildLayout() {
@@ -89,7 +90,7 @@ void frmsearch::done(int result) {
         QDialog::done(result);
         return;
     }
-    prompts_.Ask({QStringLiteral("Still scanning. Please wait..."),
+    prompts_.Ask({DiscoveryTexts::tr("Still scanning. Please wait..."),
                   {},
                   platform::MessageIcon::kInformation,
                   platform::MessageButtons::kOk});
@@ -102,14 +103,14 @@ void frmsearch::Scan() {
     found_count_ = 0;
     cmdgo_->hide();
     lblHint_->hide();
-    cmdExit_->setText(QStringLiteral("Scanning..."));
+    cmdExit_->setText(DiscoveryTexts::tr("Scanning..."));
     setProperty(kBusy, true);
     const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     base::Status done = WalkFolders();
     idle_ = true;
     if (done.ok()) done = ReadTableInformation();
     ShowResult(done);
-    cmdExit_->setText(kDoneCaption.toString());
+    cmdExit_->setText(DiscoveryTexts::tr("&Done"));
     setProperty(kBusy, false);
     if (refresh_tree_) refresh_tree_();
 }
@@ -134,7 +135,7 @@ void frmsearch::Remember(const QString& folder) {
 }
 
 base::Status frmsearch::ReadTableInformation() {
-    Label2_->setText(QStringLiteral("Reading VPT Info..."));
+    Label2_->setText(DiscoveryTexts::tr("Reading VPT Info..."));
     repaint();
     return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr, {}, &passed_over_);
 }
@@ -142,11 +143,11 @@ base::Status frmsearch::ReadTableInformation() {
 // A scan that a database error has ended is incomplete; the tables that it has added count.
 void frmsearch::ShowResult(const base::Status& done) {
     catalogue::ShowError(prompts_, done);
-    Label2_->setText(done.ok() ? QStringLiteral("Process Complete") : QString());
+    Label2_->setText(done.ok() ? DiscoveryTexts::tr("Process Complete") : QString());
     lstdirs_->clear();
     lblCRC_->clear();
-    lbltime_->setText(QStringLiteral("New Tables Found and added to your database: ") +
-                      QString::number(found_count_));
+    lbltime_->setText(
+        DiscoveryTexts::tr("New Tables Found and added to your database: %1").arg(found_count_));
 }
 
 void frmsearch::FolderQueued(const QString& folder) {
@@ -154,7 +155,7 @@ void frmsearch::FolderQueued(const QString& folder) {
 }
 
 void frmsearch::ListingFolder(const QString& folder) {
-    lbltime_->setText(QStringLiteral("Searching . . . ") + folder);
+    lbltime_->setText(DiscoveryTexts::tr("Searching . . . %1").arg(folder));
 }
 
 void frmsearch::FolderListed() {
@@ -162,7 +163,7 @@ void frmsearch::FolderListed() {
 }
 
 void frmsearch::TableAdded(const QString& display_name, const QString& checksum_text) {
-    Label2_->setText(QStringLiteral("Adding: ") + display_name);
+    Label2_->setText(DiscoveryTexts::tr("Adding: %1").arg(display_name));
     lblCRC_->setText(checksum_text);
     repaint();
 }

@@ -1,5 +1,6 @@
 #include "example/example_folder.h"
 
+#include "base/marked_text.h"
 #include "catalogue/path_names.h"
 #include "catalogue/program_files.h"
 #include "catalogue/quoting.h"
@@ -57,7 +58,8 @@ base::Status CopyExample(const QString& from, const QString& folder) {
 }
 
 base::Status SetExamplePaths(jet::Connection& connection, const QString& folder) {
-    const jet::NamedChange named(connection, u"Set Paths", jet::kAutomaticChange);
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Set Paths"),
+                                 jet::kAutomaticChange);
     const QString prefix = catalogue::QuoteSqlExpr(catalogue::WithTrailingSeparator(folder));
     for (const PathColumn& path : kPathColumns) {
         const QString column = path.column.toString();

@@ -21,6 +21,7 @@
 #include "platform/clock.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
+#include "platform/program_arguments.h"
 #include "platform/settings_store.h"
 
 #include <QtCore/QBuffer>
@@ -219,11 +220,13 @@ private:
 
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
-    if (argc != 2) {
+    const std::vector<std::string> words = platform::ProgramArguments(argc, argv);
+    if (words.size() != 1) {
         std::fputs("usage: tavolo-new-example FOLDER\nMakes the example collection.\n", stderr);
         return 2;
     }
-    const base::Status made = Maker(platform::AbsolutePath(platform::ArgumentText(argv[1]))).Make();
+    const base::Status made =
+        Maker(platform::AbsolutePath(platform::ArgumentText(words[0].c_str()))).Make();
     if (made.ok()) return 0;
     std::fprintf(stderr, "tavolo-new-example: %s\n", made.message().c_str());
     return 1;

@@ -1,5 +1,6 @@
 #include "exchange/row_import.h"
 
+#include "base/marked_text.h"
 #include "base/unicode.h"
 #include "catalogue/error_report.h"
 #include "jet/connection.h"
@@ -273,7 +274,7 @@ Result<ImportReport> ImportRows(jet::Connection& connection, RowSource& source,
         return Status(base::StatusCode::kInvalidArgument, "The catalogue is closed.");
     ASSIGN_OR_RETURN(jet::Table * table, connection.database()->FindTable(u"Tables"));
     std::vector<jet::Value> defaults = Defaults(connection, table->design());
-    const jet::NamedChange named(connection, u"Import");
+    const jet::NamedChange named(connection, MARKED_TEXT("HistoryTexts", "Import"));
     Status outcome = Status(base::StatusCode::kInvalidArgument, "not begun");
     ImportReport report;
     const Status done = connection.Change([&](jet::Database&) -> Status {

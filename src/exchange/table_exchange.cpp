@@ -4,6 +4,7 @@
 #include "exchange/exchange_file.h"
 #include "exchange/row_import.h"
 #include "exchange/row_writer.h"
+#include "exchange/texts.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -16,8 +17,8 @@ constexpr std::size_t kShownProblems = 10;
 platform::FileDialog DialogFor(const QString& title) {
     platform::FileDialog dialog;
     dialog.title = title;
-    dialog.filter = QStringLiteral("CSV (*.csv)|*.csv|JSON (*.json)|*.json|"
-                                   "JSON lines (*.jsonl)|*.jsonl");
+    dialog.filter = QStringLiteral("CSV (*.csv)|*.csv|JSON (*.json)|*.json|") +
+                    ExchangeTexts::tr("JSON lines") + QStringLiteral(" (*.jsonl)|*.jsonl");
     dialog.default_extension = QStringLiteral("csv");
     return dialog;
 }
@@ -59,15 +60,15 @@ MatchBy MatchOf(std::string_view content, Format format) {
 }
 
 QString ProblemText(const ImportReport& report) {
-    QStringList lines{QStringLiteral("Nothing was imported:")};
+    QStringList lines{ExchangeTexts::tr("Nothing was imported:")};
     const std::size_t shown = std::min(report.problems.size(), kShownProblems);
     for (const RowProblem& problem : std::span(report.problems).first(shown)) {
         const QString place =
-            problem.line > 0 ? QStringLiteral("line %1: ").arg(problem.line) : QString();
+            problem.line > 0 ? ExchangeTexts::tr("line %1: ").arg(problem.line) : QString();
         lines.append(place + QString::fromStdString(problem.text));
     }
     const auto more = report.problem_count - static_cast<std::int64_t>(shown);
-    if (more > 0) lines.append(QStringLiteral("and %1 more").arg(more));
+    if (more > 0) lines.append(ExchangeTexts::tr("and %1 more").arg(more));
     return lines.join(u'\n');
 }
 
@@ -75,18 +76,18 @@ QString ProblemText(const ImportReport& report) {
 
 void ExportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                   const std::optional<catalogue::Selection>& shown) {
-    const QString title = QStringLiteral("Export");
-    if (!shown) return Tell(prompts, title, QStringLiteral("There is no table to export"));
+    const QString title = ExchangeTexts::tr("Export");
+    if (!shown) return Tell(prompts, title, ExchangeTexts::tr("There is no table to export"));
     const QString path = prompts.ChooseFileToSave(DialogFor(title));
     if (path.isEmpty()) return;
     const auto count = Write(*catalogue.CatalogueConnection, *shown, path);
     if (!count.ok()) return catalogue::ShowError(prompts, count.status());
-    Tell(prompts, title, QStringLiteral("%1 tables exported to:\n%2").arg(*count).arg(path));
+    Tell(prompts, title, ExchangeTexts::tr("%1 tables exported to:\n%2").arg(*count).arg(path));
 }
 
 void ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
                   const std::function<void()>& refresh_tree) {
-    const QString title = QStringLiteral("Import");
+    const QString title = ExchangeTexts::tr("Import");
     const QString path = prompts.ChooseFileToOpen(DialogFor(title));
     if (path.isEmpty()) return;
     const auto bytes = ReadFile(path);
@@ -102,7 +103,7 @@ void ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompt
     if (!report.ok()) return catalogue::ShowError(prompts, report.status());
     if (!report->accepted()) return Tell(prompts, title, ProblemText(*report));
     const QString question =
-        QStringLiteral(
+        ExchangeTexts::tr(
             "%1 tables will be added and %2 changed.\nAre you sure you want to continue?")
             .arg(report->added)
             .arg(report->changed);

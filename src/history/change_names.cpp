@@ -8,7 +8,6 @@ namespace {
 
 // The catalogue's table of pinball tables.
 constexpr std::u16string_view kPinballTables = u"Tables";
-constexpr std::u16string_view kUnnamed = u"Other change";
 
 }  // namespace
 
@@ -21,11 +20,14 @@ std::u16string GroupedNumber(std::uint64_t number) {
     return base::ToUtf16(digits);
 }
 
+bool AreTables(const Change& change) {
+    return change.tables.size() == 1 && jet::SameName(change.tables.front().table, kPinballTables);
+}
+
 std::u16string RowsText(const Change& change) {
-    const bool are_tables =
-        change.tables.size() == 1 && jet::SameName(change.tables.front().table, kPinballTables);
     const std::uint64_t rows = change.rows();
-    return GroupedNumber(rows) + (are_tables ? u" table" : u" row") + (rows == 1 ? u"" : u"s");
+    return GroupedNumber(rows) + (AreTables(change) ? u" table" : u" row") +
+           (rows == 1 ? u"" : u"s");
 }
 
 std::u16string DisplayName(const Change& change, std::u16string_view name) {

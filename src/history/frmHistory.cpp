@@ -2,7 +2,9 @@
 
 #include "catalogue/error_report.h"
 #include "history/change_names.h"
+#include "history/change_texts.h"
 #include "history/refusals_text.h"
+#include "history/texts.h"
 #include "jet/connection.h"
 #include "jet/text/names.h"
 
@@ -58,7 +60,7 @@ frmHistory::frmHistory(catalogue::Catalogue& catalogue, HistoryFile& file,
     : QDialog(parent), catalogue_(catalogue), file_(file), prompts_(prompts),
       rows_changed_(std::move(rows_changed)) {
     setObjectName(QStringLiteral("frmHistory"));
-    setWindowTitle(QStringLiteral("History"));
+    setWindowTitle(HistoryTexts::tr("History"));
     BuildControls();
     BuildLayout();
     connect(changes_view_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
@@ -70,7 +72,7 @@ frmHistory::frmHistory(catalogue::Catalogue& catalogue, HistoryFile& file,
     connect(cmdField_, &QPushButton::clicked, this, [this] { PutFieldBack(); });
     connect(cmdTable_, &QPushButton::clicked, this, [this] { PutTableBack(); });
     connect(cmdAll_, &QPushButton::clicked, this,
-            [this] { PutBackPart({}, QStringLiteral("Put back all of this change?")); });
+            [this] { PutBackPart({}, HistoryTexts::tr("Put back all of this change?")); });
     connect(cmdClose_, &QPushButton::clicked, this, &QDialog::reject);
     ShowChanges();
 }
@@ -101,34 +103,34 @@ QPushButton* frmHistory::MakeButton(const char* object_name, const QString& capt
 }
 
 void frmHistory::BuildControls() {
-    changes_view_ = MakeView("tblChanges", QStringLiteral("Changes"), changes_);
+    changes_view_ = MakeView("tblChanges", HistoryTexts::tr("Changes"), changes_);
     const int width = fontMetrics().averageCharWidth();
     const int widest_time =
         fontMetrics().horizontalAdvance(QStringLiteral("00/00/0000 00:00:00 PM"));
     changes_view_->setColumnWidth(ChangeListModel::kWhen, widest_time + 4 * width);
     changes_view_->horizontalHeader()->setSectionResizeMode(ChangeListModel::kWhat,
                                                             QHeaderView::Stretch);
-    lines_view_ = MakeView("tblFields", QStringLiteral("Fields of the change"), lines_);
+    lines_view_ = MakeView("tblFields", HistoryTexts::tr("Fields of the change"), lines_);
     lines_view_->setColumnWidth(ChangeLinesModel::kTable, 28 * width);
     lines_view_->setColumnWidth(ChangeLinesModel::kField, 16 * width);
     lines_view_->setColumnWidth(ChangeLinesModel::kBefore, 36 * width);
     lines_view_->horizontalHeader()->setStretchLastSection(true);
     txtFilter_ = new QLineEdit(this);
     txtFilter_->setObjectName(QStringLiteral("txtFilter"));
-    txtFilter_->setPlaceholderText(QStringLiteral("Only lines with this text"));
+    txtFilter_->setPlaceholderText(HistoryTexts::tr("Only lines with this text"));
     txtFilter_->setAccessibleName(txtFilter_->placeholderText());
     txtFilter_->setClearButtonEnabled(true);
     cboField_ = new QComboBox(this);
     cboField_->setObjectName(QStringLiteral("cboField"));
-    cboField_->setAccessibleName(QStringLiteral("Field"));
+    cboField_->setAccessibleName(HistoryTexts::tr("Field"));
     cboField_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     lblCount_ = new QLabel(this);
     lblCount_->setObjectName(QStringLiteral("lblCount"));
     lblCount_->setTextFormat(Qt::PlainText);
-    cmdField_ = MakeButton("cmdField", QStringLiteral("Put &Field Back..."));
-    cmdTable_ = MakeButton("cmdTable", QStringLiteral("Put &Table Back..."));
-    cmdAll_ = MakeButton("cmdAll", QStringLiteral("Put &All Back..."));
-    cmdClose_ = MakeButton("cmdClose", QStringLiteral("&Close"));
+    cmdField_ = MakeButton("cmdField", HistoryTexts::tr("Put &Field Back..."));
+    cmdTable_ = MakeButton("cmdTable", HistoryTexts::tr("Put &Table Back..."));
+    cmdAll_ = MakeButton("cmdAll", HistoryTexts::tr("Put &All Back..."));
+    cmdClose_ = MakeButton("cmdClose", HistoryTexts::tr("&Close"));
 }
 
 void frmHistory::BuildLayout() {
@@ -186,7 +188,7 @@ void frmHistory::ShowChosen() {
     const auto number = changes_.NumberOf(ChosenRow(*changes_view_));
     if (!number) return reading_.Stop();
     if (!names_) names_ = NamesOfRows();
-    lblCount_->setText(QStringLiteral("Reading..."));
+    lblCount_->setText(HistoryTexts::tr("Reading..."));
     using Read = base::Result<ChangeLinesModel::LinesPointer>;
     reading_.Start(
         [this, number = *number, names = names_](const std::stop_token& stop) -> Read {
@@ -206,7 +208,7 @@ void frmHistory::ShowLines(ChangeLinesModel::LinesPointer lines) {
         const QSignalBlocker block_field(cboField_);
         txtFilter_->clear();
         cboField_->clear();
-        cboField_->addItem(QStringLiteral("All fields"));
+        cboField_->addItem(HistoryTexts::tr("All fields"));
         if (lines)
             for (const std::u16string& field : lines->fields())
                 cboField_->addItem(Text(field));
@@ -218,7 +220,7 @@ void frmHistory::ShowLines(ChangeLinesModel::LinesPointer lines) {
 // What was shown stays until the answer is there.
 void frmHistory::ApplyFilter() {
     if (!lines_.lines()) return;
-    lblCount_->setText(QStringLiteral("Searching..."));
+    lblCount_->setText(HistoryTexts::tr("Searching..."));
     filtering_.Start(
         [lines = lines_.lines(), text = txtFilter_->text().toStdU16String(),
          field = cboField_->currentIndex() > 0 ? cboField_->currentText().toStdU16String()
@@ -233,8 +235,7 @@ void frmHistory::ApplyFilter() {
 
 void frmHistory::ShowCount() {
     const auto count = static_cast<std::uint64_t>(lines_.rowCount());
-    lblCount_->setText(Text(GroupedNumber(count)) +
-                       (count == 1 ? QStringLiteral(" field") : QStringLiteral(" fields")));
+    lblCount_->setText(FieldsText(count));
     EnableButtons();
 }
 
@@ -253,13 +254,13 @@ void frmHistory::PutFieldBack() {
     if (!is_field) return PutTableBack();
     const ChangeLine texts = lines.Line(place);
     PutBackPart({.row = place.row, .column = lines.ColumnOf(place)},
-                QStringLiteral("Put back %1 of %2?").arg(Text(texts.field), Text(texts.row)));
+                HistoryTexts::tr("Put back %1 of %2?").arg(Text(texts.field), Text(texts.row)));
 }
 
 void frmHistory::PutTableBack() {
     const ChangeLines::Place place = lines_.PlaceOf(ChosenRow(*lines_view_));
     PutBackPart({.row = place.row, .column = {}},
-                QStringLiteral("Put back all that this change did to %1?")
+                HistoryTexts::tr("Put back all that this change did to %1?")
                     .arg(Text(lines_.lines()->Line(place).row)));
 }
 
@@ -271,7 +272,7 @@ void frmHistory::PutBackPart(const PartOfChange& part, const QString& what) {
     question.title = windowTitle();
     question.buttons = platform::MessageButtons::kYesNo;
     if (prompts_.Ask(question) != platform::MessageAnswer::kYes) return;
-    const std::u16string verb = part.is_all() ? u"Undo " : u"Put Back ";
+    const std::u16string verb(part.is_all() ? kUndoPrefix : kPutBackPrefix);
     const auto done = PutBack(*catalogue_.CatalogueConnection, file_, change->number,
                               verb + change->label.name, part);
     catalogue::ShowError(prompts_, done.status());

@@ -1,7 +1,11 @@
 #include "history/history_models.h"
 
+#include "base/marked_text.h"
 #include "history/change_names.h"
+#include "history/change_texts.h"
+#include "history/texts.h"
 #include "jet/values/conversions.h"
+#include "platform/shown_text.h"
 
 #include <QtCore/QString>
 
@@ -57,16 +61,18 @@ QVariant ChangeListModel::data(const QModelIndex& index, int role) const {
     case kWhen:
         return QString::fromStdU16String(jet::FormatGeneralDate(change->label.time));
     case kWhat:
-        return QString::fromStdU16String(DisplayName(*change));
+        return ShownName(*change);
     default:
-        return QString::fromStdU16String(GroupedNumber(change->fields));
+        return GroupedText(change->fields);
     }
 }
 
 QVariant ChangeListModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    static constexpr std::array<QStringView, kColumnCount> kNames = {u"When", u"Change", u"Fields"};
+    static constexpr std::array<QStringView, kColumnCount> kNames = {
+        MARKED_TEXT("HistoryTexts", "When"), MARKED_TEXT("HistoryTexts", "Change"),
+        MARKED_TEXT("HistoryTexts", "Fields")};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-    return kNames.at(static_cast<std::size_t>(section)).toString();
+    return platform::Shown<HistoryTexts>(kNames.at(static_cast<std::size_t>(section)));
 }
 
 void ChangeLinesModel::Show(LinesPointer lines) {
@@ -106,10 +112,11 @@ QVariant ChangeLinesModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant ChangeLinesModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    static constexpr std::array<QStringView, kColumnCount> kNames = {u"Table", u"Field", u"Before",
-                                                                     u"After"};
+    static constexpr std::array<QStringView, kColumnCount> kNames = {
+        MARKED_TEXT("HistoryTexts", "Table"), MARKED_TEXT("HistoryTexts", "Field"),
+        MARKED_TEXT("HistoryTexts", "Before"), MARKED_TEXT("HistoryTexts", "After")};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-    return kNames.at(static_cast<std::size_t>(section)).toString();
+    return platform::Shown<HistoryTexts>(kNames.at(static_cast<std::size_t>(section)));
 }
 
 }  // namespace history

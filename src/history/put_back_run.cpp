@@ -1,5 +1,6 @@
 #include "history/put_back_run.h"
 
+#include "base/marked_text.h"
 #include "jet/errors.h"
 #include "jet/tables/change_note.h"
 #include "jet/text/names.h"
@@ -30,12 +31,15 @@ bool HoldsNothing(const Value& value) {
     return value.is_null() || (boolean != nullptr && !*boolean);
 }
 
-constexpr std::u16string_view kChangedSince = u"It was changed since.";
-constexpr std::u16string_view kColumnIsGone = u"The field is no longer in the table.";
-constexpr std::u16string_view kTableIsGone = u"The table or its key is not the same any more.";
-constexpr std::u16string_view kRowIsGone = u"The row is no longer there.";
+constexpr std::u16string_view kChangedSince = MARKED_TEXT("HistoryTexts", "It was changed since.");
+constexpr std::u16string_view kColumnIsGone =
+    MARKED_TEXT("HistoryTexts", "The field is no longer in the table.");
+constexpr std::u16string_view kTableIsGone =
+    MARKED_TEXT("HistoryTexts", "The table or its key is not the same any more.");
+constexpr std::u16string_view kRowIsGone =
+    MARKED_TEXT("HistoryTexts", "The row is no longer there.");
 constexpr std::u16string_view kDragsOthers =
-    u"Rows that others refer to it with would be changed as well.";
+    MARKED_TEXT("HistoryTexts", "Rows that others refer to it with would be changed as well.");
 
 }  // namespace
 

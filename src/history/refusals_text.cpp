@@ -1,6 +1,9 @@
 #include "history/refusals_text.h"
 
 #include "history/change_names.h"
+#include "history/change_texts.h"
+#include "history/texts.h"
+#include "platform/shown_text.h"
 
 #include <QtCore/QStringList>
 
@@ -23,25 +26,24 @@ QString RefusalLine(const Refusal& refusal) {
         if (!part.empty()) where.append(Text(part));
     QString line = where.isEmpty() ? Text(refusal.table) : where.join(QStringLiteral(", "));
     if (!refusal.field.empty())
-        line += QStringLiteral(": now '") + Text(refusal.now) + QStringLiteral("', was '") +
-                Text(refusal.then) + QStringLiteral("'.");
+        line +=
+            HistoryTexts::tr(": now '%1', was '%2'.").arg(Text(refusal.now), Text(refusal.then));
     else
         line += u'.';
-    return line + u' ' + Text(refusal.reason);
+    return line + u' ' + platform::Shown<HistoryTexts>(refusal.reason);
 }
 
 }  // namespace
 
 QString RefusalsText(const std::vector<Refusal>& refusals) {
     if (refusals.empty()) return {};
-    QString text =
-        QStringLiteral("This was left as it is now, because others have changed it:\r\r");
+    QString text = HistoryTexts::tr("This was left as it is now, because others have changed it:") +
+                   QStringLiteral("\r\r");
     const std::size_t shown = std::min(refusals.size(), kShownRefusals);
     for (std::size_t i = 0; i < shown; ++i)
         text += RefusalLine(refusals[i]) + u'\r';
     if (refusals.size() > shown)
-        text += QStringLiteral("and ") + Text(GroupedNumber(refusals.size() - shown)) +
-                QStringLiteral(" more");
+        text += HistoryTexts::tr("and %1 more").arg(GroupedText(refusals.size() - shown));
     return text;
 }
 

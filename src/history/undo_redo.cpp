@@ -10,7 +10,7 @@ using base::Result;
 
 UndoRedo::Next NextOf(std::span<const Change> changes, const Change& change) {
     const Change& origin = OriginOf(changes, change);
-    return {change.number, origin.label.name, DisplayName(change, origin.label.name)};
+    return {change.number, origin.label.name, DisplayName(change, origin.label.name), change};
 }
 
 std::optional<UndoRedo::Next> LastOf(std::span<const Change> changes,
@@ -28,25 +28,25 @@ Result<UndoRedo::Ahead> UndoRedo::LookAhead() {
     return Ahead{LastOf(changes, order.undo), LastOf(changes, order.redo)};
 }
 
-Result<UndoRedo::Done> UndoRedo::Run(const char16_t* verb, const Next& next) {
-    const std::u16string prefix = std::u16string(verb) + u" ";
+Result<UndoRedo::Done> UndoRedo::Run(std::u16string_view prefix, const Next& next) {
+    const std::u16string begin(prefix);
     ASSIGN_OR_RETURN(PutBackResult result,
                      PutBack(connection_, file_, next.number,
-                             prefix + (next.name.empty() ? u"Change" : next.name)));
-    return Done{prefix + next.caption, std::move(result)};
+                             begin + (next.name.empty() ? u"Change" : next.name)));
+    return Done{begin + next.caption, prefix, next, std::move(result)};
 }
 
 Result<std::optional<UndoRedo::Done>> UndoRedo::Undo() {
     ASSIGN_OR_RETURN(const Ahead ahead, LookAhead());
     if (!ahead.undo) return std::optional<Done>();
-    ASSIGN_OR_RETURN(Done done, Run(u"Undo", *ahead.undo));
+    ASSIGN_OR_RETURN(Done done, Run(kUndoPrefix, *ahead.undo));
     return std::optional(std::move(done));
 }
 
 Result<std::optional<UndoRedo::Done>> UndoRedo::Redo() {
     ASSIGN_OR_RETURN(const Ahead ahead, LookAhead());
     if (!ahead.redo) return std::optional<Done>();
-    ASSIGN_OR_RETURN(Done done, Run(u"Redo", *ahead.redo));
+    ASSIGN_OR_RETURN(Done done, Run(kRedoPrefix, *ahead.redo));
     return std::optional(std::move(done));
 }
 
@@ -57,7 +57,7 @@ Result<UndoRedo::Done> UndoRedo::UndoChange(std::uint64_t number) {
     if (change == nullptr)
         return base::Status(base::StatusCode::kNotFound,
                             "The history has no change " + std::to_string(number) + ".");
-    return Run(u"Undo", NextOf(changes, *change));
+    return Run(kUndoPrefix, NextOf(changes, *change));
 }
 
 }  // namespace history

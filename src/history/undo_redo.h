@@ -20,6 +20,7 @@ public:
         std::uint64_t number = 0;  // of the change that is put back
         std::u16string name;       // of what the user did, without counts: "Purge"
         std::u16string caption;    // with them: "Purge (3,412 tables)"
+        Change change;             // that is put back
     };
     struct Ahead {
         std::optional<Next> undo;  // nullopt: there is nothing to undo
@@ -28,7 +29,9 @@ public:
     base::Result<Ahead> LookAhead();
 
     struct Done {
-        std::u16string caption;  // "Undo Purge (3,412 tables)"
+        std::u16string caption;      // "Undo Purge (3,412 tables)"
+        std::u16string_view prefix;  // of change_names.h
+        Next of;                     // what it was done to
         PutBackResult result;
     };
     // nullopt: there is nothing to undo or redo.
@@ -39,7 +42,7 @@ public:
     base::Result<Done> UndoChange(std::uint64_t number);
 
 private:
-    base::Result<Done> Run(const char16_t* verb, const Next& next);
+    base::Result<Done> Run(std::u16string_view prefix, const Next& next);
 
     jet::Connection& connection_;
     HistoryFile& file_;

@@ -2,6 +2,7 @@
 
 #include "assets.h"
 #include "catalogue/program_files.h"
+#include "launcher/texts.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -32,7 +33,7 @@ QSvgRenderer* Picture(const char* name, QObject* parent) {
 }  // namespace
 
 PlayButton::PlayButton(const catalogue::ProcessValues& values, QWidget* parent)
-    : QPushButton(QStringLiteral("Play"), parent), values_(values),
+    : QPushButton(LauncherTexts::tr("Play"), parent), values_(values),
       picture_(Picture("play.svg", this)), pressed_picture_(Picture("play_pressed.svg", this)),
       text_colour_(kAtFirst) {
     setObjectName(QStringLiteral("cmdPlay"));

@@ -4,6 +4,7 @@
 #include "catalogue/path_names.h"
 #include "catalogue/process_values.h"
 #include "catalogue/program_files.h"
+#include "launcher/texts.h"
 #include "launcher/update_play_count.h"
 #include "platform/application_folder.h"
 #include "platform/command_line.h"
@@ -63,7 +64,7 @@ void Launcher::PlayTable(const QString& path, const QString& display_name, qint6
 
 void Launcher::AskForExecutable() {
     platform::Message message;
-    message.text = QStringLiteral("Please Set the location of the VP executable");
+    message.text = LauncherTexts::tr("Please Set the location of the VP executable");
     message.icon = platform::MessageIcon::kInformation;
     parts_.prompts.Ask(message);
     main_window_.show_settings();
@@ -113,16 +114,16 @@ bool Launcher::IsPlaying(const QString& title_key) {
 
 bool Launcher::WaitForPlay(const QString& title_key, const QString& display_name) {
     const std::int64_t simulator = last_task_id_;
-    QString reason = QStringLiteral("The simulator shows no window of ");
+    QString reason = LauncherTexts::tr("The simulator shows no window of %1");
     for (int waited_ms = 0; watching_ && waited_ms < kPatienceMs; waited_ms += kAskEveryMs) {
         if (IsPlaying(title_key)) return true;
         if (!parts_.programs.IsRunning(simulator)) {
-            reason = QStringLiteral("The simulator has ended without playing ");
+            reason = LauncherTexts::tr("The simulator has ended without playing %1");
             break;
         }
         parts_.events.ProcessEventsFor(kAskEveryMs);
     }
-    if (watching_ && main_window_.tell) main_window_.tell(reason + display_name);
+    if (watching_ && main_window_.tell) main_window_.tell(reason.arg(display_name));
     return false;
 }
 
@@ -135,7 +136,7 @@ void Launcher::CloseSimulator(const QString& title_key) {
 void Launcher::ShowFailure(const base::Status& failure) {
     platform::Message message;
     message.text = failure.number() == platform::kPathNotFound
-                       ? QStringLiteral("The Visual Pinball Executable Could not Be Found!!")
+                       ? LauncherTexts::tr("The Visual Pinball Executable Could not Be Found!!")
                        : catalogue::FailureText(failure);
     message.icon = platform::MessageIcon::kCritical;
     parts_.prompts.Ask(message);

@@ -5,6 +5,7 @@
 #include "catalogue/process_values.h"
 #include "catalogue/program_files.h"
 #include "jet/connection.h"
+#include "maintenance/texts.h"
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
@@ -40,7 +41,7 @@ base::Status WriteCopy(jet::FileSystem& files, const std::filesystem::path& data
 }
 
 QString SuccessText(const QString& folder) {
-    return QStringLiteral(
+    return MaintenanceTexts::tr(
                "Database copied to:%1\r\nRename to %2 WHILE TAVOLO IS NOT RUNNING to restore.")
         .arg(platform::FileIn(folder, catalogue::kBackupFile.toString()),
              platform::FileIn(folder, catalogue::kCatalogueFile.toString()));

@@ -4,6 +4,7 @@
 #include "catalogue/start_up.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
+#include "maintenance/texts.h"
 #include "platform/files.h"
 
 #include <QtCore/QLocale>
@@ -41,24 +42,26 @@ private:
 
 base::Status CannotOpenAgain(const base::Status& why) {
     return {why.code(),
-            "The catalogue was closed for compacting and cannot be opened again: " +
-                std::string(why.message()) +
-                " Choose Compact... again, or start the program again.",
+            MaintenanceTexts::tr("The catalogue was closed for compacting and cannot be opened "
+                                 "again: %1 Choose Compact... again, or start the program again.")
+                .arg(catalogue::FailureText(why))
+                .toStdString(),
             why.number()};
 }
 
 bool IsWanted(platform::UserPrompts& prompts, const jet::CompactReport& expected) {
     platform::Message message;
-    message.title = QStringLiteral("Compact");
+    message.title = MaintenanceTexts::tr("Compact");
     const QString now = SizeText(expected.bytes_before());
     if (expected.bytes_after() >= expected.bytes_before()) {
-        message.text = QStringLiteral("The catalogue takes %1 and has no unused space.").arg(now);
+        message.text =
+            MaintenanceTexts::tr("The catalogue takes %1 and has no unused space.").arg(now);
         message.icon = platform::MessageIcon::kInformation;
         prompts.Ask(message);
         return false;
     }
-    message.text = QStringLiteral("The catalogue takes %1 and will take %2.\n"
-                                  "Are you sure you want to continue?")
+    message.text = MaintenanceTexts::tr("The catalogue takes %1 and will take %2.\n"
+                                        "Are you sure you want to continue?")
                        .arg(now, SizeText(expected.bytes_after()));
     message.icon = platform::MessageIcon::kExclamation;
     message.buttons = platform::MessageButtons::kYesNo;
@@ -103,7 +106,7 @@ void CompactData(const CommandContext& context, jet::FileSystem& files,
     const auto report =
         CompactCatalogue(context.catalogue, files, context.progress, before_replacing);
     if (!report.ok()) return catalogue::ShowError(context.prompts, report.status());
-    tell(QStringLiteral("Catalogue compacted: %1 before, %2 now")
+    tell(MaintenanceTexts::tr("Catalogue compacted: %1 before, %2 now")
              .arg(SizeText(report->bytes_before()), SizeText(report->bytes_after())));
 }
 

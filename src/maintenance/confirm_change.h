@@ -1,6 +1,7 @@
 // ConfirmChange: asks before a command changes the whole catalogue.
 #pragma once
 
+#include "maintenance/texts.h"
 #include "platform/user_prompts.h"
 
 namespace maintenance {
@@ -9,7 +10,7 @@ namespace maintenance {
 inline bool ConfirmChange(platform::UserPrompts& prompts, const QString& text) {
     platform::Message question;
     question.text = text;
-    question.title = QStringLiteral("Warning");
+    question.title = MaintenanceTexts::tr("Warning");
     question.icon = platform::MessageIcon::kExclamation;
     question.buttons = platform::MessageButtons::kYesNo;
     question.no_is_default = true;

@@ -1,10 +1,12 @@
 #include "maintenance/file_dates.h"
 
+#include "base/marked_text.h"
 #include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
 #include "jet/connection.h"
 #include "maintenance/row_walk.h"
+#include "maintenance/texts.h"
 #include "platform/files.h"
 
 namespace maintenance {
@@ -12,8 +14,8 @@ namespace {
 
 bool UserAgrees(platform::UserPrompts& prompts) {
     platform::Message question;
-    question.text = QStringLiteral("Update all file dates?");
-    question.title = QStringLiteral("Update Dates");
+    question.text = MaintenanceTexts::tr("Update all file dates?");
+    question.title = MaintenanceTexts::tr("Update Dates");
     question.buttons = platform::MessageButtons::kYesNo;
     return prompts.Ask(question) == platform::MessageAnswer::kYes;
 }
@@ -31,7 +33,8 @@ base::Status StoreFileDate(jet::Recordset& rows) {
 
 void UpdateFileDates(CommandContext context) {
     if (!UserAgrees(context.prompts)) return;
-    const jet::NamedChange named(*context.catalogue.CatalogueConnection, u"Reset File Dates");
+    const jet::NamedChange named(*context.catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Reset File Dates"));
     // Catalogues of early versions hold the column with another type; on all others this fails or
     // changes nothing.
     if (const auto altered = context.catalogue.CatalogueConnection->Execute(

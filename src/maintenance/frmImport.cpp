@@ -1,6 +1,8 @@
 #include "maintenance/frmImport.h"
 
 #include "catalogue/error_report.h"
+#include "maintenance/texts.h"
+#include "widgets/elided_label.h"
 
 #include <QtGui/QCloseEvent>
 #include <QtWidgets/QComboBox>
@@ -16,20 +18,9 @@
 namespace maintenance {
 namespace {
 
-// A line of a file of another kind may have a million characters.
-constexpr qsizetype kShownCharacters = 500;
-
-QString OneShortLine(const QLabel& label, const QString& text) {
-    QString shown = text.left(kShownCharacters);
-    for (QChar& c : shown)
-        if (!c.isPrint()) c = u' ';
-    return label.fontMetrics().elidedText(shown, Qt::ElideRight, label.width());
-}
-
 QLabel* MakeProgressLine(const QString& name, QWidget* parent) {
-    auto* label = new QLabel(parent);
+    auto* label = new widgets::ElidedLabel(parent);
     label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
     label->setFixedWidth(label->fontMetrics().averageCharWidth() * 60);
     return label;
 }
@@ -42,7 +33,7 @@ frmImport::frmImport(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
     : QDialog(parent), import_(catalogue, prompts, events, *this),
       refresh_tree_(std::move(refresh_tree)) {
     setObjectName(QStringLiteral("frmImport"));
-    setWindowTitle(QStringLiteral("Import VPLauncher Data"));
+    setWindowTitle(MaintenanceTexts::tr("Import VPLauncher Data"));
     auto* column = new QVBoxLayout(this);
     column->addWidget(BuildOptions());
     column->addWidget(BuildProgress());
@@ -52,17 +43,17 @@ frmImport::frmImport(catalogue::Catalogue& catalogue, platform::UserPrompts& pro
     catalogue::ShowError(prompts, dates.status());
     Combo1_->addItems(dates.value_or({}));
     Combo1_->setCurrentIndex(-1);
-    Combo1_->setEditText(QStringLiteral("Select a Date"));
+    Combo1_->setEditText(MaintenanceTexts::tr("Select a Date"));
 }
 
 QWidget* frmImport::BuildOptions() {
     auto* panel = new QWidget(this);
-    optImport_[0] = new QRadioButton(QStringLiteral("All Files"), panel);
+    optImport_[0] = new QRadioButton(MaintenanceTexts::tr("All Files"), panel);
     optImport_[0]->setObjectName(QStringLiteral("optImport_0"));
     optImport_[0]->setChecked(true);
-    optImport_[1] = new QRadioButton(QStringLiteral("Files added"), panel);
+    optImport_[1] = new QRadioButton(MaintenanceTexts::tr("Files added"), panel);
     optImport_[1]->setObjectName(QStringLiteral("optImport_1"));
-    auto* after = new QLabel(QStringLiteral("AFTER"), panel);
+    auto* after = new QLabel(MaintenanceTexts::tr("AFTER"), panel);
     after->setObjectName(QStringLiteral("Label1"));
     Combo1_ = new QComboBox(panel);
     Combo1_->setObjectName(QStringLiteral("Combo1"));
@@ -96,7 +87,7 @@ QWidget* frmImport::BuildProgress() {
 
 QWidget* frmImport::BuildButton() {
     auto* row = new QWidget(this);
-    cmdImport_ = new QPushButton(QStringLiteral("Start"), row);
+    cmdImport_ = new QPushButton(MaintenanceTexts::tr("Start"), row);
     cmdImport_->setObjectName(QStringLiteral("cmdImport"));
     cmdImport_->setDefault(true);
     connect(cmdImport_, &QPushButton::clicked, this, &frmImport::StartOrFinish);
@@ -109,7 +100,7 @@ QWidget* frmImport::BuildButton() {
 
 void frmImport::StartOrFinish() {
     if (busy_) return;
-    if (cmdImport_->text() == QStringLiteral("Done")) {
+    if (done_) {
         refresh_tree_();
         accept();
     } else if (optImport_[0]->isChecked()) {
@@ -139,17 +130,16 @@ void frmImport::SetBusy(bool busy) {
 }
 
 void frmImport::SetReading(const QString& text) {
-    lblReading_->setText(OneShortLine(*lblReading_, text));
-    lblReading_->setToolTip(text.left(kShownCharacters).toHtmlEscaped());
+    lblReading_->setText(text.left(widgets::ElidedLabel::kMaxShownCharacters));
 }
 
 void frmImport::SetWriting(const QString& text) {
-    lblWriting_->setText(OneShortLine(*lblWriting_, text));
-    lblWriting_->setToolTip(text.left(kShownCharacters).toHtmlEscaped());
+    lblWriting_->setText(text.left(widgets::ElidedLabel::kMaxShownCharacters));
 }
 
 void frmImport::SetDone() {
-    cmdImport_->setText(QStringLiteral("Done"));
+    done_ = true;
+    cmdImport_->setText(MaintenanceTexts::tr("Done"));
 }
 
 }  // namespace maintenance

@@ -52,6 +52,7 @@ private:
     LauncherImport import_;
     std::function<void()> refresh_tree_;
     bool busy_ = false;
+    bool done_ = false;  // an import has changed rows; its button then closes the window
     QRadioButton* optImport_[2] = {};
     QComboBox* Combo1_ = nullptr;
     QLabel* lblReading_ = nullptr;

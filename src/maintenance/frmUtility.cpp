@@ -2,6 +2,8 @@
 
 #include "catalogue/error_report.h"
 #include "maintenance/reset_paths.h"
+#include "maintenance/texts.h"
+#include "platform/shown_text.h"
 
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QFormLayout>
@@ -22,11 +24,12 @@ constexpr const char* kTag = "tag";
 }  // namespace
 
 frmUtility::frmUtility(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                       std::function<void()> refresh_tree, QWidget* parent)
+                       std::function<void()> refresh_tree, QWidget* parent,
+                       catalogue::Progress progress)
     : QDialog(parent), catalogue_(catalogue), prompts_(prompts),
-      refresh_tree_(std::move(refresh_tree)) {
+      refresh_tree_(std::move(refresh_tree)), progress_(std::move(progress)) {
     setObjectName(QStringLiteral("frmUtility"));
-    setWindowTitle(QStringLiteral("Global Path Change"));
+    setWindowTitle(MaintenanceTexts::tr("Global Path Change"));
     auto* column = new QVBoxLayout(this);
     column->addWidget(BuildKinds());
     column->addWidget(BuildPaths());
@@ -36,10 +39,11 @@ frmUtility::frmUtility(catalogue::Catalogue& catalogue, platform::UserPrompts& p
 }
 
 QWidget* frmUtility::BuildKinds() {
-    auto* group = new QGroupBox(QStringLiteral("Change the paths of"), this);
+    auto* group = new QGroupBox(MaintenanceTexts::tr("Change the paths of"), this);
     auto* column = new QVBoxLayout(group);
     for (std::size_t i = 0; i < kPathKinds.size(); ++i) {
-        auto* option = new QRadioButton(kPathKinds[i].caption.toString(), group);
+        auto* option =
+            new QRadioButton(platform::Shown<MaintenanceTexts>(kPathKinds[i].caption), group);
         option->setObjectName(QStringLiteral("optType_%1").arg(i));
         option->setProperty(kTag, kPathKinds[i].kind.toString());
         option->setChecked(i == 0);
@@ -58,8 +62,8 @@ QWidget* frmUtility::BuildPaths() {
     txtNew_->setObjectName(QStringLiteral("txtNew"));
     auto* form = new QFormLayout(panel);
     form->setContentsMargins(0, 0, 0, 0);
-    form->addRow(QStringLiteral("Existing Path"), txtExisting_);
-    form->addRow(QStringLiteral("New Path"), txtNew_);
+    form->addRow(MaintenanceTexts::tr("Existing Path"), txtExisting_);
+    form->addRow(MaintenanceTexts::tr("New Path"), txtNew_);
     return panel;
 }
 
@@ -67,10 +71,10 @@ QWidget* frmUtility::BuildButtons() {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     QPushButton* ok = buttons->button(QDialogButtonBox::Ok);
     ok->setObjectName(QStringLiteral("OKButton"));
-    ok->setText(QStringLiteral("OK"));
+    ok->setText(MaintenanceTexts::tr("OK"));
     QPushButton* cancel = buttons->button(QDialogButtonBox::Cancel);
     cancel->setObjectName(QStringLiteral("CancelButton"));
-    cancel->setText(QStringLiteral("Cancel"));
+    cancel->setText(MaintenanceTexts::tr("Cancel"));
     connect(buttons, &QDialogButtonBox::accepted, this, &frmUtility::ChangePaths);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     return buttons;
@@ -83,8 +87,8 @@ void frmUtility::ChangePaths() {
     if (existing.trimmed().isEmpty() || next.trimmed().isEmpty()) {
         WarnOfMissingPath();
     } else {
-        catalogue::ShowError(prompts_,
-                             ResetPaths(catalogue_, prompts_, SelectedKind(), existing, next));
+        catalogue::ShowError(
+            prompts_, ResetPaths(catalogue_, prompts_, SelectedKind(), existing, next, progress_));
         refresh_tree_();
     }
     accept();
@@ -98,7 +102,7 @@ QString frmUtility::SelectedKind() const {
 
 void frmUtility::WarnOfMissingPath() {
     platform::Message message;
-    message.text = QStringLiteral("Both EXISTING and NEW paths are required!");
+    message.text = MaintenanceTexts::tr("Both EXISTING and NEW paths are required!");
     message.title = windowTitle();
     message.icon = platform::MessageIcon::kExclamation;
     prompts_.Ask(message);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "catalogue/catalogue.h"
+#include "catalogue/progress_meter.h"
 #include "platform/user_prompts.h"
 
 #include <QtWidgets/QDialog>
@@ -20,7 +21,8 @@ class frmUtility : public QDialog {
 public:
     // `catalogue` and `prompts` are borrowed and outlive the window. Shown modally by exec().
     frmUtility(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-               std::function<void()> refresh_tree, QWidget* parent = nullptr);
+               std::function<void()> refresh_tree, QWidget* parent = nullptr,
+               catalogue::Progress progress = {});
 
 private:
     QWidget* BuildKinds();
@@ -33,6 +35,7 @@ private:
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;
     std::function<void()> refresh_tree_;
+    catalogue::Progress progress_;
     std::vector<QRadioButton*> optType_;  // by index
     QLineEdit* txtExisting_ = nullptr;
     QLineEdit* txtNew_ = nullptr;

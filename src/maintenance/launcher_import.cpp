@@ -1,17 +1,21 @@
 #include "maintenance/launcher_import.h"
 
+#include "base/marked_text.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
 #include "catalogue/path_names.h"
 #include "catalogue/process_values.h"
+#include "catalogue/texts.h"
 #include "catalogue/typed_values.h"
 #include "jet/connection.h"
 #include "maintenance/launcher_statements.h"
 #include "maintenance/match_index.h"
 #include "maintenance/text_lines.h"
+#include "maintenance/texts.h"
 #include "platform/application_folder.h"
 #include "platform/file_system.h"
 #include "platform/files.h"
+#include "platform/shown_text.h"
 
 #include <optional>
 
@@ -74,14 +78,14 @@ void LauncherImport::ImportAddedAfter(const QString& date) {
     if (catalogue::IsDate(date))
         Run(DateCondition(date));
     else
-        Say(catalogue::kInvalidDate.toString());
+        Say(platform::Shown<catalogue::CatalogueTexts>(catalogue::kInvalidDate));
 }
 
 void LauncherImport::Run(const QString& date_condition) {
     display_.SetBusy(true);
     const QString path = LocateDataFile();
     if (path.isEmpty()) {
-        Say(QStringLiteral("The selected File is not a valid VPLauncher.dat file"));
+        Say(MaintenanceTexts::tr("The selected File is not a valid VPLauncher.dat file"));
     } else {
         ReadFile(path, date_condition);
         ShowResult();
@@ -93,7 +97,7 @@ void LauncherImport::Run(const QString& date_condition) {
 QString LauncherImport::LocateDataFile() {
     platform::FileDialog dialog;
     dialog.name = QStringLiteral("CommonDialog1");
-    dialog.title = QStringLiteral("Locate DAT File");
+    dialog.title = MaintenanceTexts::tr("Locate DAT File");
     dialog.filter = QStringLiteral("VPlauncher.DAT|VPlauncher.dat");
     dialog.file_name =
         platform::FileIn(catalogue_.values->ApplicationFolder, QStringLiteral("vpLauncher.dat"));
@@ -112,7 +116,8 @@ void LauncherImport::ReadFile(const QString& path, const QString& date_condition
         catalogue::ShowError(prompts_, lines.status());
         return;
     }
-    const jet::NamedChange named(*catalogue_.CatalogueConnection, u"Import VPLauncher Data");
+    const jet::NamedChange named(*catalogue_.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Import VPLauncher Data"));
     const MatchIndex index(*catalogue_.CatalogueConnection, date_condition);
     while (const auto line = lines->Next())
         ImportLine(*line, index, date_condition);
@@ -126,12 +131,12 @@ void LauncherImport::ImportLine(const QString& line, const MatchIndex& index,
     display_.SetWriting({});
     const auto record = ParseLauncherLine(line);
     if (!record) return;
-    display_.SetReading(QStringLiteral("Reading: ") + record->name + QStringLiteral(" CRC: ") +
-                        record->checksum);
+    display_.SetReading(
+        MaintenanceTexts::tr("Reading: %1 CRC: %2").arg(record->name, record->checksum));
     if (!Update(*record, index, date_condition)) return;
     ++updated_lines_;
-    display_.SetWriting(QStringLiteral("Witing values from ") + record->name +
-                        QStringLiteral(" to database"));
+    display_.SetWriting(
+        MaintenanceTexts::tr("Witing values from %1 to database").arg(record->name));
 }
 
 bool LauncherImport::Update(const LauncherRecord& record, const MatchIndex& index,
@@ -154,10 +159,11 @@ void LauncherImport::Note(const base::Status& status) {
 
 void LauncherImport::ShowResult() {
     if (updated_lines_ == 0) {
-        display_.SetWriting(QStringLiteral("Task Complete %1 records updated").arg(updated_lines_));
+        display_.SetWriting(
+            MaintenanceTexts::tr("Task Complete %1 records updated").arg(updated_lines_));
         return;
     }
-    display_.SetWriting(QStringLiteral("Task Complete!"));
+    display_.SetWriting(MaintenanceTexts::tr("Task Complete!"));
     display_.SetReading({});
     display_.SetDone();
 }

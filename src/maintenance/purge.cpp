@@ -1,19 +1,16 @@
 #include "maintenance/purge.h"
 
+#include "base/marked_text.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
 #include "jet/connection.h"
 #include "maintenance/confirm_change.h"
 #include "maintenance/row_walk.h"
+#include "maintenance/texts.h"
 #include "platform/files.h"
 
 namespace maintenance {
 namespace {
-
-constexpr QStringView kQuestion =
-    u"This function will remove all tables that cannot befound from the database\r"
-    u"Use the RESET PATHS function If you have simply moved your files to a new location\r"
-    u"Are you sure you want to continue?";
 
 base::Status DeleteWhenMissing(jet::Recordset& rows) {
     ASSIGN_OR_RETURN(const QString file, catalogue::FieldText(rows, u"FileName"));
@@ -24,8 +21,16 @@ base::Status DeleteWhenMissing(jet::Recordset& rows) {
 }  // namespace
 
 void PurgeMissingTables(CommandContext context) {
-    if (!ConfirmChange(context.prompts, kQuestion.toString())) return;
-    const jet::NamedChange named(*context.catalogue.CatalogueConnection, u"Purge");
+    if (!ConfirmChange(
+            context.prompts,
+            MaintenanceTexts::tr(
+                "This function will remove all tables that cannot befound from the database\r"
+                "Use the RESET PATHS function If you have simply moved your files to a new "
+                "location\r"
+                "Are you sure you want to continue?")))
+        return;
+    const jet::NamedChange named(*context.catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Purge"));
     catalogue::ShowError(context.prompts, WalkRows(context, QStringLiteral("Select * from Tables"),
                                                    DeleteWhenMissing));
     context.refresh_tree();

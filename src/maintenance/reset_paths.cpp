@@ -1,9 +1,11 @@
 #include "maintenance/reset_paths.h"
 
+#include "base/marked_text.h"
 #include "catalogue/field_text.h"
 #include "catalogue/path_names.h"
 #include "jet/connection.h"
 #include "jet/recordset.h"
+#include "maintenance/texts.h"
 
 namespace maintenance {
 namespace {
@@ -23,10 +25,21 @@ base::Status ChangeRow(jet::Recordset& rows, const Move& move) {
     return rows.Update();
 }
 
+base::Status ChangeRows(jet::Recordset& rows, const Move& move,
+                        const catalogue::Progress& progress) {
+    catalogue::ProgressMeter meter(progress, rows.RecordCount());
+    while (!rows.Eof()) {
+        RETURN_IF_ERROR(ChangeRow(rows, move));
+        RETURN_IF_ERROR(rows.MoveNext());
+        meter.Step();
+    }
+    return {};
+}
+
 void SayPathsChanged(platform::UserPrompts& prompts) {
     platform::Message message;
-    message.text = QStringLiteral("Paths Changed");
-    message.title = QStringLiteral("Reset Paths");
+    message.text = MaintenanceTexts::tr("Paths Changed");
+    message.title = MaintenanceTexts::tr("Reset Paths");
     message.icon = platform::MessageIcon::kInformation;
     prompts.Ask(message);
 }
@@ -45,21 +58,20 @@ QString MovedPath(const QString& stored, const QString& existing, const QString&
 }
 
 base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                        const QString& kind, const QString& existing, const QString& next) {
+                        const QString& kind, const QString& existing, const QString& next,
+                        const catalogue::Progress& progress) {
     const QString column = PathColumn(kind);
     if (column.isEmpty())
         return {base::StatusCode::kInvalidArgument, "Unknown kind of path: " + kind.toStdString()};
-    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Reset Paths");
+    const jet::NamedChange named(*catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Reset Paths"));
     jet::Recordset rows;
     RETURN_IF_ERROR(rows.Open(u"select * from tables", *catalogue.CatalogueConnection,
                               jet::CursorType::kStatic, jet::LockType::kOptimistic));
     if (rows.Bof() && rows.Eof()) return {};
     const Move move{column.toStdU16String(), catalogue::WithTrailingSeparator(existing),
                     catalogue::WithTrailingSeparator(next)};
-    while (!rows.Eof()) {
-        RETURN_IF_ERROR(ChangeRow(rows, move));
-        RETURN_IF_ERROR(rows.MoveNext());
-    }
+    RETURN_IF_ERROR(ChangeRows(rows, move, progress));
     rows.Close();
     SayPathsChanged(prompts);
     return {};

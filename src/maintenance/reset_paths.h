@@ -1,8 +1,10 @@
 // ResetPaths: changes stored paths after files were moved to another folder.
 #pragma once
 
+#include "base/marked_text.h"
 #include "base/status.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/progress_meter.h"
 #include "platform/user_prompts.h"
 
 #include <QtCore/QString>
@@ -14,15 +16,15 @@ namespace maintenance {
 // A kind of path that a row holds.
 struct PathKind {
     QStringView kind;
-    QStringView caption;  // in frmUtility
+    QStringView caption;  // in frmUtility; a marked text
     QStringView column;
 };
 
 inline constexpr std::array<PathKind, 4> kPathKinds = {{
-    {u"Table", u"Tables (File Names)", u"FileName"},
-    {u"Picture", u"Picture", u"ImageFile"},
-    {u"Flyer", u"Flyers", u"FlyerFile"},
-    {u"Rules", u"Rules", u"RulesFile"},
+    {u"Table", MARKED_TEXT("MaintenanceTexts", "Tables (File Names)"), u"FileName"},
+    {u"Picture", MARKED_TEXT("MaintenanceTexts", "Picture"), u"ImageFile"},
+    {u"Flyer", MARKED_TEXT("MaintenanceTexts", "Flyers"), u"FlyerFile"},
+    {u"Rules", MARKED_TEXT("MaintenanceTexts", "Rules"), u"RulesFile"},
 }};
 
 // The column of one of kPathKinds. Empty: no such kind.
@@ -37,6 +39,7 @@ QString MovedPath(const QString& stored, const QString& existing, const QString&
 // case, and says "Paths Changed". The folders are taken as given but for a separator added at the
 // end. An empty catalogue: nothing is said. A failure leaves the rows changed so far.
 base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                        const QString& kind, const QString& existing, const QString& next);
+                        const QString& kind, const QString& existing, const QString& next,
+                        const catalogue::Progress& progress = {});
 
 }  // namespace maintenance

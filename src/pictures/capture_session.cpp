@@ -4,6 +4,7 @@
 #include "catalogue/path_names.h"
 #include "catalogue/program_files.h"
 #include "pictures/jpeg_bridge.h"
+#include "pictures/texts.h"
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
@@ -61,7 +62,7 @@ bool CaptureSession::WriteTemporaryBmp(const QImage& image, const QString& path)
         file.flush())
         return true;
     ReportStatus({base::StatusCode::kIoError,
-                  (path + QStringLiteral(": the picture cannot be written")).toStdString()});
+                  PicturesTexts::tr("%1: the picture cannot be written").arg(path).toStdString()});
     return false;
 }
 
@@ -101,7 +102,8 @@ QString CaptureSession::FolderToSaveIn() const {
 QString CaptureSession::Save(const QString& table_name) {
     const QString path = prompts_.ChooseFileToSave(
         {.title = {},
-         .filter = QStringLiteral("JPEG Files (*.jpg;*.jpe;*.jpeg)|*.jpg;*.jpe;*.jpeg|"),
+         .filter = PicturesTexts::tr("JPEG Files") +
+                   QStringLiteral(" (*.jpg;*.jpe;*.jpeg)|*.jpg;*.jpe;*.jpeg|"),
          .file_name = ProposedName(table_name),
          .folder = FolderToSaveIn(),
          .default_extension = QStringLiteral(".jpg"),

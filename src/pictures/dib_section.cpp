@@ -1,6 +1,7 @@
 #include "pictures/dib_section.h"
 
 #include "base/cut_bitmap.h"
+#include "pictures/texts.h"
 #include "platform/files.h"
 
 #include <QtCore/QFile>
@@ -77,7 +78,7 @@ bool cDIBSection::Load(const QString& path, platform::UserPrompts& prompts) {
     CleanUp();
     const QImage image = ReadBmp(path);
     if (image.isNull()) {
-        prompts.Ask({.text = QStringLiteral("Can't load BMP image"), .title = {}});
+        prompts.Ask({.text = PicturesTexts::tr("Can't load BMP image"), .title = {}});
         return false;
     }
     if (!Create(image.width(), image.height(), 3)) return false;

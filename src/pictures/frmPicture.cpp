@@ -1,5 +1,6 @@
 #include "pictures/frmPicture.h"
 
+#include "pictures/texts.h"
 #include "widgets/picture_access.h"
 #include "widgets/svg_icon.h"
 #include "widgets/window_place.h"
@@ -46,7 +47,7 @@ PictureView::PictureView(const CaptureSession& session, QWidget* parent)
     : QWidget(parent), session_(session) {
     setObjectName(QStringLiteral("view"));
     setFocusPolicy(Qt::StrongFocus);
-    widgets::DescribeAsPicture(*this, QStringLiteral("Picture"));
+    widgets::DescribeAsPicture(*this, PicturesTexts::tr("Picture"));
 }
 
 void PictureView::ShowPicture() {
@@ -71,7 +72,7 @@ frmPicture::frmPicture(catalogue::ProcessValues& values, platform::UserPrompts& 
                        AssignScreenshot assign, QWidget* parent)
     : QDialog(parent), session_(values, prompts), assign_(std::move(assign)) {
     setObjectName(QStringLiteral("frmPicture"));
-    setWindowTitle(QStringLiteral("Tavolo Capture"));
+    setWindowTitle(PicturesTexts::tr("Tavolo Capture"));
     BuildLayout();
     resize(900, 680);
     widgets::FitToScreen(*this);
@@ -102,28 +103,28 @@ void frmPicture::BuildLayout() {
 }
 
 void frmPicture::BuildMenus(QMenuBar& bar) {
-    QMenu* file = bar.addMenu(QStringLiteral("&File"));
+    QMenu* file = bar.addMenu(PicturesTexts::tr("&File"));
     file->setObjectName(QStringLiteral("MENU_FILE"));
-    QAction* set = AddAction(*file, kSaveAndSetAction.toString(), QStringLiteral("Save and Set"),
+    QAction* set = AddAction(*file, kSaveAndSetAction.toString(), PicturesTexts::tr("Save and Set"),
                              widgets::SvgIcon(QStringLiteral("set_picture")));
     // Shown in the menu only: the picture itself answers the key, when it is released.
     set->setShortcut(Qt::Key_F2);
     set->setShortcutContext(Qt::WidgetShortcut);
-    QAction* save = AddAction(*file, kSaveOnlyAction.toString(), QStringLiteral("Save &Only.."),
+    QAction* save = AddAction(*file, kSaveOnlyAction.toString(), PicturesTexts::tr("Save &Only.."),
                               widgets::SvgIcon(QStringLiteral("save")));
     save->setShortcut(QKeySequence::Save);
-    QAction* paste = AddAction(*file, kPasteAction.toString(), QStringLiteral("&Paste"),
+    QAction* paste = AddAction(*file, kPasteAction.toString(), PicturesTexts::tr("&Paste"),
                                widgets::SvgIcon(QStringLiteral("paste")));
     paste->setShortcut(QKeySequence::Paste);
     file->addSeparator();
-    QAction* exit = AddAction(*file, QStringLiteral("MENU_EXIT"), QStringLiteral("E&xit"),
+    QAction* exit = AddAction(*file, QStringLiteral("MENU_EXIT"), PicturesTexts::tr("E&xit"),
                               widgets::SvgIcon(QStringLiteral("close")));
     connect(set, &QAction::triggered, this, &frmPicture::SaveAndSet);
     connect(save, &QAction::triggered, this, &frmPicture::SaveOnly);
     connect(paste, &QAction::triggered, this, &frmPicture::Paste);
     connect(exit, &QAction::triggered, this, &frmPicture::reject);
 
-    QMenu* size = bar.addMenu(QStringLiteral("&Scale"));
+    QMenu* size = bar.addMenu(PicturesTexts::tr("&Scale"));
     size->setObjectName(QStringLiteral("MENU_SIZE"));
     auto* group = new QActionGroup(this);
     for (const int scale : kScales) {
@@ -165,7 +166,7 @@ void frmPicture::ShowSession() {
     view_->ShowPicture();
     if (session_.current_file().isEmpty()) return;
     status_->showMessage(session_.SizeText());
-    setWindowTitle(QStringLiteral("Tavolo Capture - ") + session_.SizeText());
+    setWindowTitle(PicturesTexts::tr("Tavolo Capture - %1").arg(session_.SizeText()));
 }
 
 void frmPicture::SaveAndSet() {
@@ -194,7 +195,7 @@ void LoadPictureFromClipboard(catalogue::ProcessValues& values, platform::UserPr
                               const QString& node_text, frmPicture::AssignScreenshot assign,
                               QWidget* owner) {
     if (ClipboardPicture().isNull()) {
-        prompts.Ask({.text = QStringLiteral("No valid Image in the clipboard"),
+        prompts.Ask({.text = PicturesTexts::tr("No valid Image in the clipboard"),
                      .title = {},
                      .icon = platform::MessageIcon::kInformation});
         return;

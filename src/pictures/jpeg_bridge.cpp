@@ -1,6 +1,7 @@
 #include "pictures/jpeg_bridge.h"
 
 #include "pictures/jpeg_codec.h"
+#include "pictures/texts.h"
 #include "platform/files.h"
 
 #include <QtCore/QFile>
@@ -14,17 +15,17 @@ constexpr qint64 kMaxFileBytes = qint64{512} << 20;
 QString DecodeContext(JpegStep step) {
     switch (step) {
     case JpegStep::kInitialise:
-        return QStringLiteral("Failed to initialise the IJL library: ");
+        return PicturesTexts::tr("Failed to initialise the IJL library: ");
     case JpegStep::kReadParameters:
-        return QStringLiteral("FAILED TO READ IMAGE PARAMS - ");
+        return PicturesTexts::tr("FAILED TO READ IMAGE PARAMS - ");
     default:
-        return QStringLiteral("FAILED TO READ IMAGE DATA - ");
+        return PicturesTexts::tr("FAILED TO READ IMAGE DATA - ");
     }
 }
 
 QString EncodeContext(JpegStep step) {
-    return step == JpegStep::kInitialise ? QStringLiteral("Failed to initialise the IJL library")
-                                         : QStringLiteral("Failed to save to JPG");
+    return step == JpegStep::kInitialise ? PicturesTexts::tr("Failed to initialise the IJL library")
+                                         : PicturesTexts::tr("Failed to save to JPG");
 }
 
 void Report(const JpegOutcome& outcome, const QString& context, platform::UserPrompts& prompts) {
@@ -44,7 +45,7 @@ base::Result<bool> LoadJPG(cDIBSection& target, const QString& path, int scale,
     if (!platform::OpenFile(file, path, QIODevice::ReadOnly)) return FileError(file, path);
     if (file.size() > kMaxFileBytes)
         return base::Status(base::StatusCode::kUnsupported,
-                            (path + QStringLiteral(": the file is too large")).toStdString());
+                            PicturesTexts::tr("%1: the file is too large").arg(path).toStdString());
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) return FileError(file, path);
     const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.constData());  // NOLINT: bytes
@@ -73,9 +74,9 @@ base::Result<bool> SaveJPG(const cDIBSection& source, const QString& path,
 
 void ReportIJLError(const QString& context, int status, const QString& text,
                     platform::UserPrompts& prompts) {
-    prompts.Ask({.text = QStringLiteral("IJL ERROR: [%1]").arg(status) + QStringLiteral(" - ") +
+    prompts.Ask({.text = PicturesTexts::tr("IJL ERROR: [%1]").arg(status) + QStringLiteral(" - ") +
                          text + QStringLiteral(" - ") + context,
-                 .title = QStringLiteral("Intel(R) JPEG Library"),
+                 .title = PicturesTexts::tr("Intel(R) JPEG Library"),
                  .icon = platform::MessageIcon::kExclamation});
 }
 

@@ -42,6 +42,8 @@ base::Result<qint64> FileSize(const QString& path);
 // Opens `file` as `path`. QFile::open alone reaches only names that are valid in the locale's
 // character set. False on failure, with the reason in file.errorString().
 bool OpenFile(QFile& file, const QString& path, QIODevice::OpenMode mode);
+// The first `max_bytes` of the file, or all there are. kIoError: it cannot be opened or read.
+base::Result<QByteArray> ReadFile(const QString& path, qint64 max_bytes);
 // Replaces the content of the file, or creates it, atomically: on failure the file is unchanged.
 // A link stays a link. kNoSpace: the disk is full.
 base::Status SaveFile(const QString& path, QByteArrayView bytes);

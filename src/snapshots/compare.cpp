@@ -193,7 +193,7 @@ base::Result<jet::Table*> TableOf(jet::Database& database, std::u16string_view n
 
 base::Result<std::unique_ptr<jet::Database>> Open(const Bytes& bytes, const char* name) {
     ASSIGN_OR_RETURN(const std::uint32_t page_size, jet::PageSizeOf(bytes));
-    return jet::OpenDatabase(jet::MakeMemoryPageStore(page_size, bytes), name);
+    return jet::OpenDatabase(jet::MakeReadOnlyPageStore(jet::PagesOf(bytes, page_size)), name);
 }
 
 }  // namespace

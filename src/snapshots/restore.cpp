@@ -30,7 +30,7 @@ std::filesystem::path NewName(const std::filesystem::path& database) {
 
 base::Status CheckState(const Bytes& state) {
     ASSIGN_OR_RETURN(const std::uint32_t page_size, jet::PageSizeOf(state));
-    const auto pages = jet::MakeMemoryPageStore(page_size, state);
+    const auto pages = jet::MakeReadOnlyPageStore(jet::PagesOf(state, page_size));
     const jet::CheckReport report = jet::CheckIntegrity(*pages);
     if (report.sound()) return {};
     const auto fault =

@@ -1,6 +1,7 @@
 #include "snapshots/restore_catalogue.h"
 
 #include "base/file_names.h"
+#include "base/marked_text.h"
 #include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
@@ -11,20 +12,37 @@
 #include "platform/application_folder.h"
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "platform/shown_text.h"
+#include "snapshots/texts.h"
 
 #include <algorithm>
 
 namespace snapshots {
 namespace {
 
+// What snapshots are made before, as their labels have it.
+[[maybe_unused]] constexpr QStringView kLabels[] = {
+    MARKED_TEXT("SnapshotsTexts", "Scan for New Tables"),
+    MARKED_TEXT("SnapshotsTexts", "Reset File Dates"),
+    MARKED_TEXT("SnapshotsTexts", "Reset Times Played"),
+    MARKED_TEXT("SnapshotsTexts", "Reset Paths"),
+    MARKED_TEXT("SnapshotsTexts", "Update CRC's"),
+    MARKED_TEXT("SnapshotsTexts", "Import Data from VPTs"),
+    MARKED_TEXT("SnapshotsTexts", "Import VPLauncher Data"),
+    MARKED_TEXT("SnapshotsTexts", "Purge Missing Tables"),
+    MARKED_TEXT("SnapshotsTexts", "Import"),
+    MARKED_TEXT("SnapshotsTexts", "Compact"),
+    MARKED_TEXT("SnapshotsTexts", "Restore...")};
+
 QString OccasionText(const SnapshotHead& head) {
     switch (head.occasion) {
     case Occasion::kClock:
-        return QStringLiteral("hourly");
+        return SnapshotsTexts::tr("hourly");
     case Occasion::kBeforeCommand:
-        return QStringLiteral("before ") + QString::fromStdString(head.label);
+        return SnapshotsTexts::tr("before %1")
+            .arg(platform::Shown<SnapshotsTexts>(QString::fromStdString(head.label)));
     case Occasion::kByHand:
-        return QStringLiteral("by hand");
+        return SnapshotsTexts::tr("by hand");
     }
     return {};
 }
@@ -66,9 +84,10 @@ bool IsTheFilesFault(const base::Status& failure) {
 }
 
 QString OfferText(const RestoreEntry& entry) {
-    return QStringLiteral("The newest good snapshot of the catalogue is of %1 (%2).\n\n"
-                          "Do you want to restore it? The file as it is now is kept under a name "
-                          "of its own.")
+    return SnapshotsTexts::tr(
+               "The newest good snapshot of the catalogue is of %1 (%2).\n\n"
+               "Do you want to restore it? The file as it is now is kept under a name "
+               "of its own.")
         .arg(catalogue::GeneralDate(entry.time), entry.occasion);
 }
 
@@ -90,11 +109,11 @@ std::filesystem::path DatabaseOf(const catalogue::Catalogue& catalogue) {
 QString StateText(SnapshotState state) {
     switch (state) {
     case SnapshotState::kGood:
-        return QStringLiteral("good");
+        return SnapshotsTexts::tr("good");
     case SnapshotState::kUnchecked:
-        return QStringLiteral("not checked");
+        return SnapshotsTexts::tr("not checked");
     case SnapshotState::kDamaged:
-        return QStringLiteral("damaged");
+        return SnapshotsTexts::tr("damaged");
     }
     return {};
 }
@@ -129,8 +148,8 @@ CompareEntry(jet::FileSystem& files, SnapshotStore& store, const RestoreEntry& e
 }
 
 QString DifferenceText(const TableDifference& difference) {
-    if (difference.is_same()) return QStringLiteral("no difference");
-    return QStringLiteral("%1 more, %2 fewer, %3 different")
+    if (difference.is_same()) return SnapshotsTexts::tr("no difference");
+    return SnapshotsTexts::tr("%1 more, %2 fewer, %3 different")
         .arg(difference.more)
         .arg(difference.fewer)
         .arg(difference.different);
@@ -149,12 +168,12 @@ base::Result<Restored> RestoreCatalogue(catalogue::Catalogue& catalogue, jet::Fi
 
 QString RestoredText(const Restored& restored) {
     if (restored.snapshot_before)
-        return QStringLiteral("The catalogue was restored. The state before is snapshot %1.")
+        return SnapshotsTexts::tr("The catalogue was restored. The state before is snapshot %1.")
             .arg(*restored.snapshot_before);
     if (!restored.damaged_file.empty())
-        return QStringLiteral("The catalogue was restored. The damaged file is kept as %1.")
+        return SnapshotsTexts::tr("The catalogue was restored. The damaged file is kept as %1.")
             .arg(QString::fromStdU16String(base::TextOf(restored.damaged_file.filename())));
-    return QStringLiteral("The catalogue was restored.");
+    return SnapshotsTexts::tr("The catalogue was restored.");
 }
 
 bool OfferNewestSnapshot(catalogue::Catalogue& catalogue, jet::FileSystem& files,

@@ -3,6 +3,7 @@
 #include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/process_values.h"
+#include "snapshots/texts.h"
 
 #include <QtCore/QLocale>
 #include <QtCore/QPointer>
@@ -36,7 +37,7 @@ QTreeWidgetItem* ItemOf(const RestoreEntry& entry) {
 }
 
 QString DifferencesText(const std::vector<TableDifference>& differences) {
-    QStringList lines{QStringLiteral("Compared with today:")};
+    QStringList lines{SnapshotsTexts::tr("Compared with today:")};
     for (const TableDifference& table : differences)
         lines.append(QString::fromStdString(table.table) + QStringLiteral(": ") +
                      DifferenceText(table));
@@ -56,7 +57,7 @@ public:
 RestoreDialog::RestoreDialog(Parts parts, QWidget* parent)
     : QDialog(parent), parts_(std::move(parts)) {
     setObjectName(QStringLiteral("RestoreDialog"));
-    setWindowTitle(QStringLiteral("Restore"));
+    setWindowTitle(SnapshotsTexts::tr("Restore"));
     BuildControls();
     ReadList();
 }
@@ -64,15 +65,15 @@ RestoreDialog::RestoreDialog(Parts parts, QWidget* parent)
 void RestoreDialog::BuildControls() {
     list_ = new QTreeWidget(this);
     list_->setObjectName(QStringLiteral("lstSnapshots"));
-    list_->setAccessibleName(QStringLiteral("Snapshots"));
-    list_->setHeaderLabels({QStringLiteral("Time"), QStringLiteral("Made"), QStringLiteral("Size"),
-                            QStringLiteral("State")});
+    list_->setAccessibleName(SnapshotsTexts::tr("Snapshots"));
+    list_->setHeaderLabels({SnapshotsTexts::tr("Time"), SnapshotsTexts::tr("Made"),
+                            SnapshotsTexts::tr("Size"), SnapshotsTexts::tr("State")});
     list_->setRootIsDecorated(false);
     list_->setUniformRowHeights(true);
     list_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     list_->setMinimumSize(fontMetrics().averageCharWidth() * 90,
                           fontMetrics().lineSpacing() * kVisibleLines);
-    differences_ = new QLabel(QStringLiteral("Reading the snapshots..."), this);
+    differences_ = new QLabel(SnapshotsTexts::tr("Reading the snapshots..."), this);
     differences_->setObjectName(QStringLiteral("lblDifferences"));
     differences_->setTextFormat(Qt::PlainText);
     differences_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
@@ -80,12 +81,13 @@ void RestoreDialog::BuildControls() {
     differences_->setMinimumHeight(fontMetrics().lineSpacing() * kDifferenceLines);
 
     auto* buttons = new QDialogButtonBox(this);
-    restore_ = buttons->addButton(QStringLiteral("&Restore"), QDialogButtonBox::AcceptRole);
+    restore_ = new QPushButton(SnapshotsTexts::tr("&Restore"), buttons);
     restore_->setObjectName(QStringLiteral("cmdRestore"));
+    buttons->addButton(restore_, QDialogButtonBox::AcceptRole);
     restore_->setEnabled(false);
     QPushButton* const close = buttons->addButton(QDialogButtonBox::Close);
     close->setObjectName(QStringLiteral("cmdClose"));
-    close->setText(QStringLiteral("&Close"));
+    close->setText(SnapshotsTexts::tr("&Close"));
     close->setDefault(true);  // Enter alone restores nothing
 
     auto* column = new QVBoxLayout(this);
@@ -116,7 +118,7 @@ void RestoreDialog::ShowList(const base::Result<std::vector<RestoreEntry>>& entr
     if (!entries.ok())
         differences_->setText(catalogue::FailureText(entries.status()));
     else if (entries_.empty())
-        differences_->setText(QStringLiteral("There is no snapshot yet."));
+        differences_->setText(SnapshotsTexts::tr("There is no snapshot yet."));
     else
         list_->setCurrentItem(list_->topLevelItem(0));
     Q_EMIT Shown();
@@ -133,11 +135,11 @@ void RestoreDialog::ShowChosen() {
     if (row < 0) return;
     const RestoreEntry& entry = entries_[static_cast<std::size_t>(row)];
     if (!entry.can_be_restored()) {
-        differences_->setText(QStringLiteral("This snapshot cannot be restored."));
+        differences_->setText(SnapshotsTexts::tr("This snapshot cannot be restored."));
         Q_EMIT Shown();
         return;
     }
-    differences_->setText(QStringLiteral("Comparing with today..."));
+    differences_->setText(SnapshotsTexts::tr("Comparing with today..."));
     using Differences = base::Result<std::vector<TableDifference>>;
     const auto differences = std::make_shared<Differences>(std::vector<TableDifference>());
     parts_.keeper.Run(
@@ -160,10 +162,10 @@ void RestoreDialog::ShowDifferences(int row,
 
 bool RestoreDialog::Confirm(const RestoreEntry& entry) {
     platform::Message question;
-    question.text =
-        QStringLiteral("The catalogue becomes what it was on %1 (%2).\nThe state of today is kept "
-                       "and can be restored.\n\nDo you want to continue?")
-            .arg(catalogue::GeneralDate(entry.time), entry.occasion);
+    question.text = SnapshotsTexts::tr(
+                        "The catalogue becomes what it was on %1 (%2).\nThe state of today is kept "
+                        "and can be restored.\n\nDo you want to continue?")
+                        .arg(catalogue::GeneralDate(entry.time), entry.occasion);
     question.title = windowTitle();
     question.icon = platform::MessageIcon::kExclamation;
     question.buttons = platform::MessageButtons::kYesNo;

@@ -1,6 +1,7 @@
 #include "snapshots/snapshot_keeper.h"
 
 #include "snapshots/restore_catalogue.h"
+#include "snapshots/texts.h"
 
 #include <utility>
 
@@ -11,7 +12,11 @@ constexpr int kMinuteMs = 60'000;
 constexpr qint64 kHourSeconds = 3600;
 
 base::Status WithoutSnapshot(const base::Status& failure) {
-    return {failure.code(), "No snapshot was made: " + failure.message(), failure.number()};
+    return {failure.code(),
+            SnapshotsTexts::tr("No snapshot was made: %1")
+                .arg(QString::fromStdString(failure.message()))
+                .toStdString(),
+            failure.number()};
 }
 
 }  // namespace

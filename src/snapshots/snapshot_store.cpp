@@ -289,22 +289,52 @@ base::Status SnapshotStore::WriteFile(const std::string& name, std::span<const s
 
 // ------------------------------------------------------------------------------------ checking
 
-base::Result<std::vector<std::byte>> SnapshotStore::ReadPages(const Snapshot& snapshot) {
-    PackSet packs(files_, folder_);
-    const std::size_t page_size = snapshot.head.page_size;
-    std::vector<std::byte> bytes(page_size * snapshot.head.page_count);
+// Calls `visit` with each page and tests what the snapshot says of all.
+base::Status
+SnapshotStore::VisitPages(const Snapshot& snapshot, PackSet& packs,
+                          const std::function<void(std::span<const std::byte> page)>& visit) {
+    std::vector<std::byte> content(snapshot.head.page_size);
     std::uint64_t checksum = 0;
     jet::PageNumber page = 0;
     for (const RecordPlace& place : PlacesOf(snapshot)) {
-        const auto content = std::span(bytes).subspan(page * page_size, page_size);
         RETURN_IF_ERROR(packs.ReadPage(place, page, content));
         checksum = FileChecksum(checksum, PageChecksum(page, content));
+        visit(content);
         ++page;
     }
-    if (checksum != snapshot.head.checksum)
-        return base::Status(base::StatusCode::kCorruption,
-                            "The snapshot is damaged: its pages do not belong together");
+    if (checksum == snapshot.head.checksum) return {};
+    return {base::StatusCode::kCorruption,
+            "The snapshot is damaged: its pages do not belong together"};
+}
+
+base::Result<std::vector<std::byte>> SnapshotStore::ReadPages(const Snapshot& snapshot) {
+    PackSet packs(files_, folder_);
+    std::vector<std::byte> bytes;
+    bytes.reserve(std::size_t{snapshot.head.page_size} * snapshot.head.page_count);
+    RETURN_IF_ERROR(VisitPages(snapshot, packs, [&](std::span<const std::byte> page) {
+        bytes.insert(bytes.end(), page.begin(), page.end());
+    }));
     return bytes;
+}
+
+// kCorruption: it is no sound database.
+base::Status SnapshotStore::CheckContent(PackSet& packs, const std::vector<RecordPlace>& places,
+                                         std::uint32_t page_size) {
+    base::Status unread;
+    const auto read = [&](jet::PageNumber page, std::span<std::byte> bytes) {
+        base::Status done = packs.ReadPage(places[page], page, bytes);
+        if (unread.ok()) unread = done;
+        return done;
+    };
+    const auto pages =
+        jet::MakeReadOnlyPageStore({page_size, static_cast<jet::PageNumber>(places.size()), read});
+    const jet::CheckReport report = jet::CheckIntegrity(*pages);
+    if (!unread.ok() || report.sound()) return unread;
+    const auto fault =
+        std::ranges::find(report.findings, jet::Severity::kFault, &jet::Finding::severity);
+    return {base::StatusCode::kCorruption,
+            "No snapshot was kept: the catalogue is damaged (" +
+                (fault == report.findings.end() ? "" : Describe(*fault)) + ")."};
 }
 
 base::Status SnapshotStore::CheckAll() {
@@ -323,30 +353,29 @@ base::Status SnapshotStore::CheckAll() {
     return first;
 }
 
+// Each page is read twice, and few are held: first all, while nobody else is at work on the packs,
+// for what the snapshot says of the whole; then, from the packs that are open now, as the checker
+// asks for them.
 base::Status SnapshotStore::CheckOne(SnapshotNumber number) {
+    std::vector<RecordPlace> places;
     std::uint32_t page_size = 0;
-    base::Result<std::vector<std::byte>> bytes = std::vector<std::byte>();
+    PackSet packs(files_, folder_);
+    base::Status found;
     {
         ASSIGN_OR_RETURN(const auto session, Begin(true));
-        auto entry = ReadEntry(number, false);
+        const auto entry = ReadEntry(number, false);
         // Another process has checked it meanwhile, or removed it.
         if (entry.status().code() == base::StatusCode::kNotFound) return {};
         if (!entry.ok()) return entry.status();
-        bytes = entry->snapshot.ok() ? ReadPages(*entry->snapshot) : entry->snapshot.status();
-        if (entry->snapshot.ok()) page_size = entry->snapshot->head.page_size;
+        found = entry->snapshot.status();
+        if (found.ok()) {
+            page_size = entry->snapshot->head.page_size;
+            places = PlacesOf(*entry->snapshot);
+            found = VisitPages(*entry->snapshot, packs, [](std::span<const std::byte>) {});
+        }
     }
-    base::Status found = bytes.status();
+    if (found.ok()) found = CheckContent(packs, places, page_size);
     if (!found.ok() && !IsDamage(found)) return found;
-    if (found.ok()) {
-        const auto pages = jet::MakeMemoryPageStore(page_size, *bytes);
-        const jet::CheckReport report = jet::CheckIntegrity(*pages);
-        const auto fault =
-            std::ranges::find(report.findings, jet::Severity::kFault, &jet::Finding::severity);
-        if (!report.sound())
-            found = {base::StatusCode::kCorruption,
-                     "No snapshot was kept: the catalogue is damaged (" +
-                         (fault == report.findings.end() ? "" : Describe(*fault)) + ")."};
-    }
     RETURN_IF_ERROR(EndCheck(number, found.ok()));
     return found;
 }

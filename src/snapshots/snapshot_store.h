@@ -5,13 +5,14 @@
 // fault. Whatever stops the process leaves the earlier snapshots whole; what was begun is removed
 // by the next call of Make or Keep. Errors: kBusy: another process is at work on the snapshots;
 // kCorruption; kIoError, kNoSpace, kPermissionDenied of the file system. After a failure everything
-// is as it was. Memory: as many bytes as the database has, three times that while a snapshot is
-// checked. Threads: any; calls wait for each other, but not for a checker that is at work.
+// is as it was. Memory: while a snapshot is made or read, as many bytes as the database has.
+// Threads: any; calls wait for each other, but not for a checker that is at work.
 #pragma once
 
 #include "jet/pages/file_system.h"
 #include "snapshots/snapshot_format.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -80,7 +81,12 @@ private:
     base::Status WriteFile(const std::string& name, std::span<const std::byte> head,
                            std::span<const std::byte> rest);
     base::Status Remove(const Entry& entry);
+    static base::Status
+    VisitPages(const Snapshot& snapshot, PackSet& packs,
+               const std::function<void(std::span<const std::byte> page)>& visit);
     base::Result<std::vector<std::byte>> ReadPages(const Snapshot& snapshot);
+    static base::Status CheckContent(PackSet& packs, const std::vector<RecordPlace>& places,
+                                     std::uint32_t page_size);
     base::Status CheckOne(SnapshotNumber number);
     base::Status EndCheck(SnapshotNumber number, bool is_good);
     base::Status RemoveWhatIsNotKept(Folder& folder);

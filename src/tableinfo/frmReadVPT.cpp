@@ -1,6 +1,8 @@
 #include "tableinfo/frmReadVPT.h"
 
+#include "platform/shown_text.h"
 #include "tableinfo/storage_tools.h"
+#include "tableinfo/texts.h"
 #include "widgets/object_names.h"
 #include "widgets/picture_box.h"
 #include "widgets/text_box.h"
@@ -47,12 +49,13 @@ struct frmReadVPT::Controls {
     std::array<TextBox, kInfoBoxCount> txtInfo;
     QComboBox* cboCustom = Named(new QComboBox, "cboCustom");
     WholeTextEdit* txtCustom = Named(new WholeTextEdit, "txtCustom");
-    PictureBox* picThm = Named(new PictureBox(QStringLiteral("Picture Preview")), "picThm");
-    QPushButton* cmdUpdateFace = Button("cmdUpdateFace", QStringLiteral("Update Tavolo Details"));
-    QPushButton* cmdMail = Button("cmdMail", QStringLiteral("Send Mail"));
-    QPushButton* cmdSite = Button("cmdSite", QStringLiteral("Go To Site"));
+    PictureBox* picThm = Named(new PictureBox(TableinfoTexts::tr("Picture Preview")), "picThm");
+    QPushButton* cmdUpdateFace =
+        Button("cmdUpdateFace", TableinfoTexts::tr("Update Tavolo Details"));
+    QPushButton* cmdMail = Button("cmdMail", TableinfoTexts::tr("Send Mail"));
+    QPushButton* cmdSite = Button("cmdSite", TableinfoTexts::tr("Go To Site"));
     QLabel* lblResult = Named(new QLabel, "lblResult");
-    QPushButton* Command1 = Button("Command1", QStringLiteral("Close"));
+    QPushButton* Command1 = Button("Command1", TableinfoTexts::tr("Close"));
 
     // Columns of the grid: captions, boxes, buttons, picture. Rows: the boxes by index, then the
     // custom fields.
@@ -67,7 +70,7 @@ struct frmReadVPT::Controls {
 void frmReadVPT::Controls::PlaceInfoBox(QGridLayout* grid, int index, int columns) {
     const auto i = static_cast<std::size_t>(index);
     txtInfo[i] = MakeInfoBox(index);
-    auto* label = new QLabel(QString::fromUtf16(kInfoBoxes[i].label));
+    auto* label = new QLabel(platform::Shown<TableinfoTexts>(kInfoBoxes[i].label));
     label->setObjectName(ElementName("lblInfo", index));
     label->setBuddy(txtInfo[i].widget());
     grid->addWidget(label, index, 0, kInfoBoxes[i].several_lines ? Qt::AlignTop : Qt::AlignVCenter);
@@ -85,7 +88,7 @@ void frmReadVPT::Controls::PlaceLines(QGridLayout* grid) {
 
 void frmReadVPT::Controls::PlacePicture(QGridLayout* grid) {
     auto* column = new QVBoxLayout;
-    auto* label = new QLabel(QStringLiteral("Picture Preview"));
+    auto* label = new QLabel(TableinfoTexts::tr("Picture Preview"));
     label->setBuddy(picThm);
     column->addWidget(label);
     picThm->setMinimumSize(200, 120);
@@ -101,9 +104,9 @@ void frmReadVPT::Controls::PlaceLongTexts(QGridLayout* grid) {
 }
 
 void frmReadVPT::Controls::PlaceCustomFields(QGridLayout* grid) {
-    auto* label = new QLabel(QStringLiteral("Custom:"));
+    auto* label = new QLabel(TableinfoTexts::tr("Custom:"));
     label->setBuddy(cboCustom);
-    txtCustom->setAccessibleName(QStringLiteral("Text of the custom field"));
+    txtCustom->setAccessibleName(TableinfoTexts::tr("Text of the custom field"));
     txtCustom->setMinimumHeight(txtCustom->fontMetrics().lineSpacing() * 3);
     txtCustom->setMaximumHeight(txtCustom->fontMetrics().lineSpacing() * 5);
     grid->addWidget(label, kInfoBoxCount, 0, Qt::AlignTop);
@@ -125,7 +128,7 @@ frmReadVPT::frmReadVPT(const QString& path, platform::UserPrompts& prompts, plat
     : QDialog(parent), path_(path), prompts_(prompts), shell_(shell), details_(details),
       controls_(std::make_unique<Controls>()) {
     setObjectName(QStringLiteral("frmReadVPT"));
-    setWindowTitle(QStringLiteral("Table Information"));
+    setWindowTitle(TableinfoTexts::tr("Table Information"));
     BuildControls();
     ConnectControls();
     LoadInformation();
@@ -192,8 +195,8 @@ void frmReadVPT::UpdateDetails() {
     controls_->lblResult->clear();
     const bool is_stored = CopyIntoDetails(
         texts, [this](const QString& name) { return ReadStream(name); }, details_);
-    controls_->lblResult->setText(is_stored ? QStringLiteral("The details were updated.")
-                                            : QStringLiteral("The details were not updated."));
+    controls_->lblResult->setText(is_stored ? TableinfoTexts::tr("The details were updated.")
+                                            : TableinfoTexts::tr("The details were not updated."));
 }
 
 void frmReadVPT::SendMail() {
@@ -208,7 +211,7 @@ void frmReadVPT::GoToSite() {
 void frmReadVPT::OpenAddress(const QString& address) {
     if (shell_.Open(address).ok()) return;
     platform::Message message;
-    message.text = QStringLiteral("Cannot open site: ") + address;
+    message.text = TableinfoTexts::tr("Cannot open site: %1").arg(address);
     message.icon = platform::MessageIcon::kInformation;
     prompts_.Ask(message);
 }

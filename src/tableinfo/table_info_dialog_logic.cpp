@@ -1,5 +1,6 @@
 #include "tableinfo/table_info_dialog_logic.h"
 
+#include "base/marked_text.h"
 #include "base/trim_spaces.h"
 
 namespace tableinfo {
@@ -36,15 +37,15 @@ void CopyStream(const StreamReader& read_stream, const QString& stream_name, Det
 }  // namespace
 
 const std::array<InfoBox, kInfoBoxCount> kInfoBoxes = {{
-    {u"TableName", u"Table Name", false},
-    {u"AuthorName", u"Table Author", false},
-    {u"TableVersion", u"Version", false},
-    {u"ReleaseDate", u"Release Date", false},
-    {u"AuthorEmail", u"E-Mail", false},
-    {u"AuthorWebSite", u"Web Site", false},
-    {u"TableBlurb", u"Short Blurb", true},
-    {u"TableDescription", u"Description", true},
-    {u"TableRules", u"Rules", true},
+    {u"TableName", MARKED_TEXT("TableinfoTexts", "Table Name"), false},
+    {u"AuthorName", MARKED_TEXT("TableinfoTexts", "Table Author"), false},
+    {u"TableVersion", MARKED_TEXT("TableinfoTexts", "Version"), false},
+    {u"ReleaseDate", MARKED_TEXT("TableinfoTexts", "Release Date"), false},
+    {u"AuthorEmail", MARKED_TEXT("TableinfoTexts", "E-Mail"), false},
+    {u"AuthorWebSite", MARKED_TEXT("TableinfoTexts", "Web Site"), false},
+    {u"TableBlurb", MARKED_TEXT("TableinfoTexts", "Short Blurb"), true},
+    {u"TableDescription", MARKED_TEXT("TableinfoTexts", "Description"), true},
+    {u"TableRules", MARKED_TEXT("TableinfoTexts", "Rules"), true},
 }};
 
 // The prefix is always added: an address that has one gets a second one.

@@ -28,7 +28,7 @@ enum InfoBoxIndex : int {
 // One element of the control array txtInfo.
 struct InfoBox {
     const char16_t* tag;    // name of the stream that it shows
-    const char16_t* label;  // caption beside it
+    const char16_t* label;  // caption beside it; a marked text
     bool several_lines;
 };
 

@@ -1,5 +1,6 @@
 #include "tableinfo/update_from_table_files.h"
 
+#include "base/marked_text.h"
 #include "base/trim_spaces.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
@@ -7,6 +8,7 @@
 #include "jet/connection.h"
 #include "jet/recordset.h"
 #include "tableinfo/storage_tools.h"
+#include "tableinfo/texts.h"
 
 #include <array>
 #include <utility>
@@ -81,7 +83,7 @@ base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* st
                               jet::LockType::kOptimistic));
     if (rows.Bof() && rows.Eof()) return base::Status::Ok();
     RETURN_IF_ERROR(rows.MoveFirst());
-    if (status) status->Show(QStringLiteral("Updating from VPTs..."));
+    if (status) status->Show(TableinfoTexts::tr("Updating from VPTs..."));
     catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         RETURN_IF_ERROR(UpdateRow(rows, passed_over));
@@ -121,7 +123,8 @@ base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_prog
                                   const catalogue::Progress& progress,
                                   catalogue::PassedOver* passed_over) {
     const bool shows = show_progress == 1;
-    const jet::NamedChange named(*catalogue.CatalogueConnection, u"Import Data from VPTs");
+    const jet::NamedChange named(*catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Import Data from VPTs"));
     base::Status done = UpdateRows(*catalogue.CatalogueConnection, shows ? status : nullptr,
                                    shows ? progress : catalogue::Progress(), passed_over);
     if (status) status->Unload();

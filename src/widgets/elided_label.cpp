@@ -8,12 +8,6 @@
 #include <algorithm>
 
 namespace widgets {
-namespace {
-
-// A line of a file of another kind may have a million characters.
-constexpr qsizetype kMostCharacters = 500;
-
-}  // namespace
 
 ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
@@ -21,7 +15,7 @@ ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
 }
 
 QString ElidedLabel::ShownText() const {
-    QString line = text().left(kMostCharacters);
+    QString line = text().left(kMaxShownCharacters);
     std::replace_if(
         line.begin(), line.end(), [](QChar c) { return !c.isPrint(); }, QChar(u' '));
     return fontMetrics().elidedText(line, Qt::ElideMiddle, contentsRect().width());
@@ -37,7 +31,7 @@ bool ElidedLabel::event(QEvent* event) {
     // A text of others, and no HTML.
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
                        QStringLiteral("<p style='white-space:pre'>") +
-                           text().left(kMostCharacters).toHtmlEscaped(),
+                           text().left(kMaxShownCharacters).toHtmlEscaped(),
                        this);
     return true;
 }

@@ -10,6 +10,9 @@ class ElidedLabel : public QLabel {
     Q_OBJECT
 
 public:
+    // Of its text; a line of a file of another kind may have a million.
+    static constexpr qsizetype kMaxShownCharacters = 500;
+
     explicit ElidedLabel(QWidget* parent = nullptr);
 
     // The text as it fits now, in one line.

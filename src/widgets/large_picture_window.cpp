@@ -1,5 +1,6 @@
 #include "widgets/large_picture_window.h"
 
+#include "widgets/texts.h"
 #include "widgets/zoom_view.h"
 
 #include <QtCore/QFileInfo>
@@ -28,7 +29,7 @@ QSize WindowSize(QSize own_size, QSize screen) {
 }
 
 QString Title(const PictureSource& source) {
-    return source.path.isEmpty() ? QStringLiteral("Picture Preview")
+    return source.path.isEmpty() ? WidgetsTexts::tr("Picture Preview")
                                  : QFileInfo(source.path).fileName();
 }
 

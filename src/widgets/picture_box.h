@@ -7,6 +7,7 @@
 
 #include "base/status.h"
 #include "widgets/picture_loader.h"
+#include "widgets/texts.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QImage>
@@ -19,7 +20,8 @@ class PictureBox : public QWidget {
 
 public:
     // `name`: what assistive technology calls it.
-    explicit PictureBox(const QString& name = QStringLiteral("Picture"), QWidget* parent = nullptr);
+    explicit PictureBox(const QString& name = WidgetsTexts::tr("Picture"),
+                        QWidget* parent = nullptr);
 
     // Looks at the picture's header and shows it. On failure the box shows the placeholder.
     base::Status SetPicture(const PictureSource& source);

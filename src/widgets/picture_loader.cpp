@@ -2,6 +2,7 @@
 
 #include "base/cut_bitmap.h"
 #include "platform/files.h"
+#include "widgets/texts.h"
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
@@ -54,7 +55,7 @@ bool IsCutJpeg(const QImageReader& reader, qint64 pixels) {
 
 base::Status TooShort(const PictureSource& source) {
     return Failure(base::StatusCode::kCorruption, source,
-                   QStringLiteral("the picture is shorter than its header says"));
+                   WidgetsTexts::tr("the picture is shorter than its header says"));
 }
 
 // Compares what the header says with the size of the file.
@@ -63,7 +64,7 @@ base::Status CheckSize(const QImageReader& reader, const PictureSource& source) 
     const qint64 pixels = qint64{size.width()} * size.height();
     if (pixels > kMaxPicturePixels)
         return Failure(base::StatusCode::kUnsupported, source,
-                       QStringLiteral("the picture is too large to be shown"));
+                       WidgetsTexts::tr("the picture is too large to be shown"));
     if (reader.format() == "jpeg" && IsCutJpeg(reader, pixels)) return TooShort(source);
     return {};
 }
@@ -101,12 +102,13 @@ base::Status Prepare(QImageReader& reader, const PictureSource& source) {
     if (IsCutBitmap(*reader.device())) return TooShort(source);
     if (!reader.canRead() || !IsShown(reader.format()) || IsTooLongWebp(reader))
         return Failure(base::StatusCode::kUnsupported, source,
-                       QStringLiteral("this is not a picture that can be shown"));
+                       WidgetsTexts::tr("this is not a picture that can be shown"));
     return CheckSize(reader, source);
 }
 
 base::Status Missing(const PictureSource& source) {
-    return Failure(base::StatusCode::kNotFound, source, QStringLiteral("the file cannot be read"));
+    return Failure(base::StatusCode::kNotFound, source,
+                   WidgetsTexts::tr("the file cannot be read"));
 }
 
 // The size to decode to, in the orientation of the file. Empty: the size is known only after

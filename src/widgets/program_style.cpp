@@ -5,6 +5,7 @@
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QStyleOption>
 #include <QtWidgets/QWidget>
 
@@ -70,6 +71,33 @@ constexpr std::array kKnown = {
     Known{QStyle::SP_ToolBarVerticalExtensionButton, "more"},
 };
 
+// The buttons that stand in rows with standard ones, or in rows of such, by the object names that
+// they have when they are first measured or shown: a row in which only some buttons have icons
+// looks torn.
+struct Button {
+    const char* name;
+    const char* key;
+};
+constexpr std::array kButtons = {
+    Button{"CmdSystem", "computer"},   Button{"Command1", "close"},
+    Button{"cmdAll", "back"},          Button{"cmdCancel", "close"},
+    Button{"cmdCancelRules", "close"}, Button{"cmdChange", "save"},
+    Button{"cmdClose", "close"},       Button{"cmdDelete", "trash"},
+    Button{"cmdExit", "close"},        Button{"cmdField", "back"},
+    Button{"cmdImport", "apply"},      Button{"cmdOK", "apply"},
+    Button{"cmdReadRule", "open"},     Button{"cmdRestore", "back"},
+    Button{"cmdSaveRules", "save"},    Button{"cmdTable", "back"},
+    Button{"cmdUpdateFace", "save"},   Button{"cmdgo", "search"},
+};
+
+void GiveIcon(QPushButton& button) {
+    if (!button.icon().isNull() || button.text().isEmpty()) return;
+    const auto* const found = std::ranges::find_if(kButtons, [&](const Button& known) {
+        return button.objectName() == QLatin1String(known.name);
+    });
+    if (found != kButtons.end()) button.setIcon(SvgIcon(QLatin1String(found->key)));
+}
+
 // nullptr: the family has none for it.
 const char* KeyOf(QStyle::StandardPixmap which) {
     const auto* const found = std::ranges::find(kKnown, which, &Known::which);
@@ -98,6 +126,8 @@ int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_LayoutHorizontalSpacing:
     case PM_LayoutVerticalSpacing:
         return 2 * kGrid;
+    case PM_TabBarTabHSpace:
+        return 4 * kGrid;  // so that the five tabs of the details are seen at the first size
     case PM_SmallIconSize:
     case PM_ListViewIconSize:
     case PM_ButtonIconSize:
@@ -114,8 +144,7 @@ int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option,
 
 int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                             QStyleHintReturn* returned) const {
-    // Only the standard buttons of a row have icons: none is better than some.
-    if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 1;
     return QProxyStyle::styleHint(hint, option, widget, returned);
 }
 
@@ -143,6 +172,11 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     painter->setBrush(Qt::NoBrush);
     painter->drawRoundedRect(place, rounding, rounding);
     painter->restore();
+}
+
+void ProgramStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (auto* const button = qobject_cast<QPushButton*>(widget)) GiveIcon(*button);
 }
 
 void ProgramStyle::polish(QPalette& palette) {

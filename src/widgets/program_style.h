@@ -25,6 +25,7 @@ public:
                        const QWidget* widget) const override;
     using QProxyStyle::polish;
     void polish(QPalette& palette) override;
+    void polish(QWidget* widget) override;
 
     // Dark windows, also where the desktop's colours are light. For the style of the application:
     // all windows follow at once.

@@ -17,17 +17,10 @@ namespace {
 
 constexpr qreal kDisabledOpacity = 0.4;
 
-// The colour of the texts beside an icon in that mode.
+// The colour of the texts beside an icon in that mode; a disabled one is made faint as a whole.
 QColor InkOf(QIcon::Mode mode) {
-    const QPalette palette = QGuiApplication::palette();
-    switch (mode) {
-    case QIcon::Disabled:
-        return palette.color(QPalette::Active, QPalette::WindowText);  // made faint as a whole
-    case QIcon::Selected:
-        return palette.color(QPalette::Active, QPalette::HighlightedText);
-    default:
-        return palette.color(QPalette::Active, QPalette::WindowText);
-    }
+    const auto role = mode == QIcon::Selected ? QPalette::HighlightedText : QPalette::WindowText;
+    return QGuiApplication::palette().color(QPalette::Active, role);
 }
 
 class SvgIconEngine final : public QIconEngine {

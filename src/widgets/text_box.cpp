@@ -1,5 +1,7 @@
 #include "widgets/text_box.h"
 
+#include "widgets/texts.h"
+
 #include <QtGui/QValidator>
 #include <QtWidgets/QToolTip>
 
@@ -22,7 +24,7 @@ public:
     }
     void Tell() const {
         QToolTip::showText(line_.mapToGlobal(QPoint(0, line_.height())),
-                           QStringLiteral("At most %1 characters").arg(most_), &line_);
+                           WidgetsTexts::tr("At most %1 characters").arg(most_), &line_);
     }
 
 private:

@@ -1,5 +1,7 @@
 #include "widgets/whole_text_edit.h"
 
+#include "widgets/texts.h"
+
 namespace widgets {
 namespace {
 
@@ -41,7 +43,7 @@ void WholeTextEdit::SetWholeText(const QString& text) {
     setReadOnly(shows_beginning_only_);
     setToolTip(
         shows_beginning_only_
-            ? QStringLiteral("This text is too long to be edited here. Its beginning is shown.")
+            ? WidgetsTexts::tr("This text is too long to be edited here. Its beginning is shown.")
             : QString());
     setPlainText(shows_beginning_only_ ? text.left(shown) : text);
 }

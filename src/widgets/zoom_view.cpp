@@ -1,6 +1,7 @@
 #include "widgets/zoom_view.h"
 
 #include "widgets/picture_access.h"
+#include "widgets/texts.h"
 
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
@@ -28,7 +29,7 @@ ZoomView::ZoomView(const PictureSource& source, QSize own_size, QWidget* parent)
     decoder_.setMaxThreadCount(1);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
-    DescribeAsPicture(*this, QStringLiteral("Picture"));
+    DescribeAsPicture(*this, WidgetsTexts::tr("Picture"));
     horizontalScrollBar()->setSingleStep(kScrollByKey);
     verticalScrollBar()->setSingleStep(kScrollByKey);
 }

@@ -14,6 +14,7 @@
 #include "platform/files.h"
 #include "snapshots/restore_dialog.h"
 #include "support/as_nobody.h"
+#include "support/qt_text.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -37,9 +38,7 @@
 namespace app {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 const QString kPlaying = QStringLiteral("Visual Pinball - [alpha*]");
 const QString kEnded = QStringLiteral("Visual Pinball - [alpha]");
@@ -131,6 +130,10 @@ TEST_F(CommandsTest, BeforeACommandThatChangesManyTablesASnapshotIsMade) {
     Execute(S(u"Update Tables set TimesPlayed = 4"));
     Run(u"mnuResetTimes");
     EXPECT_EQ(keeper->store().List()->size(), 2U);
+    Run(u"mnuLookForNew");
+    const auto last = keeper->store().List();
+    ASSERT_TRUE(last.ok() && last->size() == 3U);
+    EXPECT_EQ(last->back().head.label, "Look for New Tables");
 }
 
 TEST_F(CommandsTest, RestoreBringsBackWhatACommandHasTakenAndShowsIt) {

@@ -6,6 +6,7 @@
 #include "browser/detail_tabs.h"
 #include "browser/tree_fixture.h"
 #include "history/refusals_text.h"
+#include "support/qt_text.h"
 
 #include <gtest/gtest.h>
 
@@ -22,9 +23,7 @@
 namespace app {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 class EditCommandsTest : public browser::TreeFixture {
 protected:

@@ -3,6 +3,7 @@
 #include "browser/detail_tabs.h"
 #include "browser/frmSplash.h"
 #include "catalogue/detail_field.h"
+#include "checksum/frmCRC.h"
 #include "dialogs/help_window.h"
 #include "snapshots/restore_catalogue.h"
 #include "support/vpt_builder.h"
@@ -26,6 +27,8 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QStyleFactory>
 #include <QtWidgets/QTreeView>
+
+#include <utility>
 
 namespace test_support {
 namespace {
@@ -132,7 +135,7 @@ void EveryWindow::MakeChanges() {
                                                           clock);
     keeper_->MakeBefore(QStringLiteral("Purge Missing Tables"));
     keeper_->WaitUntilIdle();
-    const jet::NamedChange named(*connection, u"Details");
+    const jet::NamedChange named(*connection, u"Edit");
     Execute(QStringLiteral("Update Tables set Company = 'Another company'"));
 }
 
@@ -204,7 +207,7 @@ void EveryWindow::MainWindow(const Look& look) {
     window->details().Cancel();
 
     auto* const filter = window->findChild<QComboBox*>(QStringLiteral("cboFilter"));
-    filter->setCurrentText(QStringLiteral("Author"));
+    filter->setCurrentIndex(filter->findData(QStringLiteral("Author")));
     Q_EMIT filter->activated(filter->currentIndex());
     look(QStringLiteral("main-filter"), *window);
     filter->setCurrentIndex(0);
@@ -268,6 +271,7 @@ void EveryWindow::Dialogs(const Look& look) {
             [](QWidget& dialog) { return LabelIsThere(dialog, "lblCount"); });
     ModalOf(QStringLiteral("restore"), look, "mnuRestoreSnapshot",
             [](QWidget& dialog) { return LabelIsThere(dialog, "lblDifferences"); });
+    Checksums(look);
     QGuiApplication::clipboard()->setImage(Painting({400, 300}));
     ModalOf(QStringLiteral("capture"), look, "mnuClip");
     QGuiApplication::clipboard()->clear();
@@ -283,6 +287,18 @@ void EveryWindow::Dialogs(const Look& look) {
     ASSERT_TRUE(shown_splash);
     look(QStringLiteral("splash"), *shown_splash);
     splash.Unload();
+}
+
+// It works as soon as it is shown, and goes when it is done.
+void EveryWindow::Checksums(const Look& look) {
+    bool seen = false;
+    checksum::frmCRC* shown = nullptr;
+    checksum::frmCRC dialog(catalogue, window.get(), [&](std::int64_t, std::int64_t) {
+        if (!std::exchange(seen, true)) look(QStringLiteral("checksums"), *shown);
+    });
+    shown = &dialog;
+    dialog.exec();
+    EXPECT_TRUE(seen);
 }
 
 // By the keyboard, as everything.

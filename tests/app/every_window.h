@@ -31,6 +31,7 @@ protected:
     void MainWindow(const Look& look);
     void Menus(const Look& look);
     void Dialogs(const Look& look);
+    void Checksums(const Look& look);
     void LargePicture(const Look& look);
     void Boxes(const Look& look);
     void Welcome(const Look& look);

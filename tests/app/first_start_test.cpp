@@ -3,6 +3,7 @@
 #include "app/first_start.h"
 
 #include "support/fakes.h"
+#include "support/qt_text.h"
 
 #include <gtest/gtest.h>
 
@@ -13,9 +14,7 @@
 namespace app {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 class FirstStartTest : public testing::Test {
 protected:

@@ -451,6 +451,22 @@ QStringList ForeignIcons(QWidget& window) {
     return foreign;
 }
 
+QStringList TornRows(QWidget& window) {
+    QStringList torn;
+    QList<QPushButton*> buttons;
+    for (QWidget* const widget : Shown(window))
+        if (auto* const button = qobject_cast<QPushButton*>(widget);
+            button != nullptr && !button->text().isEmpty())
+            buttons.append(button);
+    for (const QPushButton* const one : buttons)
+        for (const QPushButton* const other : buttons)
+            if (one->parentWidget() == other->parentWidget() && one->y() == other->y() &&
+                !one->icon().isNull() && other->icon().isNull())
+                torn.append(Called(*one) + QStringLiteral(" has an icon, ") + Called(*other) +
+                            QStringLiteral(" has none"));
+    return torn;
+}
+
 QStringList OffTheGrid(QWidget& window) {
     QStringList off;
     for (const QLayout* const layout : window.findChildren<QLayout*>()) {

@@ -17,6 +17,8 @@ QStringList CutTexts(QWidget& window);
 QStringList FaintTexts(QWidget& window);
 // Icons that are not of the program's family.
 QStringList ForeignIcons(QWidget& window);
+// Buttons with a text and an icon in a row with one that has only a text.
+QStringList TornRows(QWidget& window);
 // Layouts whose margins and spacings are no multiples of ProgramStyle::kGrid.
 QStringList OffTheGrid(QWidget& window);
 // Controls that Tab does not reach, or that it reaches twice before it is where it began.

@@ -2,8 +2,10 @@
 // and can be read, the program's own icons, the Tab key and the way out.
 #include "app/every_window.h"
 #include "app/window_walk.h"
+#include "browser/picture_wall.h"
 #include "widgets/program_palette.h"
 #include "widgets/program_style.h"
+#include "widgets/svg_icon.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +13,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
+#include <QtGui/QAction>
 #include <QtGui/QImage>
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
@@ -21,6 +24,8 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTabBar>
+#include <QtWidgets/QTabWidget>
 #include <QtWidgets/QToolButton>
 
 #include <algorithm>
@@ -57,6 +62,10 @@ TEST_F(WindowsTest, EveryIconIsOfTheProgramsFamily) {
     ExpectNothing(test_support::ForeignIcons);
 }
 
+TEST_F(WindowsTest, TheButtonsOfARowHaveIconsAllOrNone) {
+    ExpectNothing(test_support::TornRows);
+}
+
 TEST_F(WindowsTest, AllSpacesAreOfOneGrid) {
     ExpectNothing(test_support::OffTheGrid);
 }
@@ -68,7 +77,8 @@ TEST_F(WindowsTest, TabReachesEveryControlOnce) {
 TEST_F(WindowsTest, EscapeLeavesEveryDialog) {
     ForEach([](const QString& name, QWidget& shown) {
         const bool is_left_otherwise = name.startsWith(u"main") || name == u"welcome" ||
-                                       name == u"splash";  // by Exit; with what it tells of
+                                       name == u"splash" ||
+                                       name == u"checksums";  // by Exit; with what it tells of
         if (is_left_otherwise) return;
         const QPointer<QWidget> dialog(&shown);
         dialog->activateWindow();
@@ -83,6 +93,17 @@ TEST_F(WindowsTest, AtFirstTheDetailsNeedNotBeScrolledSideways) {
     auto* const tabs = window->findChild<QWidget*>(QStringLiteral("DetTab"));
     const auto* const details = tabs->findChild<QScrollArea*>();
     EXPECT_EQ(details->horizontalScrollBar()->maximum(), 0);
+}
+
+TEST_F(WindowsTest, AtFirstAllTabsAreSeenAndTwoColumnsOfPictures) {
+    OpenMainWindow();
+    const auto* const tabs = window->findChild<QTabWidget*>(QStringLiteral("DetTab"))->tabBar();
+    EXPECT_LE(tabs->tabRect(tabs->count() - 1).right(), tabs->width());
+    for (const auto* const scroll : tabs->findChildren<QToolButton*>())
+        EXPECT_FALSE(scroll->isVisible());
+    window->findChild<QAction*>(QStringLiteral("mnuWall"))->trigger();
+    const auto* const wall = window->findChild<browser::PictureWall*>();
+    EXPECT_GE(wall->cells().columns, 2);
 }
 
 class FontsTest : public WindowsTest, public testing::WithParamInterface<int> {};
@@ -217,6 +238,15 @@ TEST_F(WalkTest, AForeignIconIsFound) {
     Add(new QPushButton(QIcon(pixmap), QStringLiteral("A button")));
     window.show();
     EXPECT_EQ(Count(test_support::ForeignIcons(window)), 1U);
+}
+
+TEST_F(WalkTest, ATornRowIsFound) {
+    Add(new QPushButton(QStringLiteral("A button")));
+    auto* const other = Add(new QPushButton(QStringLiteral("Another")));
+    window.show();
+    EXPECT_EQ(Count(test_support::TornRows(window)), 0U);
+    other->setIcon(widgets::SvgIcon(QStringLiteral("back")));
+    EXPECT_EQ(Count(test_support::TornRows(window)), 1U);
 }
 
 TEST_F(WalkTest, AControlOutsideOfTheTabOrderIsFound) {

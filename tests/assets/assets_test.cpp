@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "icons/forward.svg", "icons/home.svg", "icons/information.svg",
                     "icons/list_view.svg", "icons/mame.svg", "icons/more.svg",
                     "icons/new_folder.svg", "icons/number.svg", "icons/open.svg", "icons/paste.svg",
-                    "icons/pinball.svg", "icons/question.svg", "icons/save.svg",
+                    "icons/pinball.svg", "icons/question.svg", "icons/save.svg", "icons/search.svg",
                     "icons/set_picture.svg", "icons/stop.svg", "icons/trash.svg", "icons/up.svg",
                     "icons/vp.svg", "icons/warning.svg", "icons/year.svg", "placeholder.svg",
                     "play.svg", "play_pressed.svg", "tavolo.svg"));

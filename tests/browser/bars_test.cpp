@@ -1,6 +1,7 @@
 #include "browser/filter_bar.h"
 #include "browser/order_bar.h"
 #include "support/fakes.h"
+#include "support/qt_text.h"
 
 #include <gtest/gtest.h>
 
@@ -16,9 +17,7 @@
 namespace browser {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 class FilterBarTest : public testing::Test {
 protected:

@@ -24,7 +24,7 @@ protected:
     }
     ShownSelection shown{.tag = QStringLiteral("/a.vpt"),
                          .text = QStringLiteral("Attack"),
-                         .filter_text = QStringLiteral("All")};
+                         .filter_key = QStringLiteral("All")};
 };
 
 TEST_F(FavouritesTest, AnUncheckedTableBecomesAFavourite) {
@@ -70,7 +70,7 @@ TEST_F(FavouritesTest, NothingHappensOnADetailLineOrAnEmptyTree) {
 TEST_F(FavouritesTest, TheFilterFavoritesIsLeft) {
     Add(QStringLiteral("Attack"), QStringLiteral("/a.vpt"), true);
     shown.favorite_checked = true;
-    shown.filter_text = QStringLiteral("Favorites");
+    shown.filter_key = QStringLiteral("Favorites");
     EXPECT_TRUE(Toggle().leaves_filter);
 }
 

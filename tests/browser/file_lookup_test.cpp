@@ -1,5 +1,6 @@
 #include "browser/file_lookup.h"
 
+#include "support/qt_text.h"
 #include "support/wait_for.h"
 
 #include <gtest/gtest.h>
@@ -14,9 +15,7 @@
 namespace browser {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 // A drive that does not respond until the test releases it. Waits for the lookup's threads at the
 // end, because they use it.

@@ -2,15 +2,14 @@
 #include "browser/find_index.h"
 #include "browser/find_indexer.h"
 #include "browser/tree_fixture.h"
+#include "support/qt_text.h"
 
 #include <QtTest/QSignalSpy>
 
 namespace browser {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 bool NeverStop() {
     return false;

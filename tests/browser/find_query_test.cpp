@@ -1,6 +1,7 @@
 // What is typed into the Find field, and how texts are compared.
 #include "browser/find_fold.h"
 #include "browser/find_query.h"
+#include "support/qt_text.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +11,7 @@
 namespace browser {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 std::string Text(const FindTerm& term) {
     return (term.excluded ? "-" : "") + term.text +

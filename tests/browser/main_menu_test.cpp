@@ -37,6 +37,11 @@ protected:
     MainMenu menu{bar};
 };
 
+TEST(EntryCaptionTest, AnAmpersandOfAnothersTextMarksNoMnemonic) {
+    EXPECT_EQ(EntryCaption(QStringLiteral("Cops & Robbers && more")),
+              QStringLiteral("Cops && Robbers &&&& more"));
+}
+
 TEST_F(MainMenuTest, AnItemWithoutACommandIsDisabled) {
     EXPECT_FALSE(menu.IsEnabled(kPurge));
     menu.SetAction(kPurge, [] {});

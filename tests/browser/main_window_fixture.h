@@ -4,6 +4,7 @@
 
 #include "browser/frmPinball.h"
 #include "browser/tree_fixture.h"
+#include "support/qt_text.h"
 
 #include <QtGui/QAction>
 #include <QtTest/QSignalSpy>
@@ -16,9 +17,7 @@
 #include <QtWidgets/QTreeView>
 
 namespace browser {
-inline QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 struct Play {
     QString path;

@@ -57,6 +57,18 @@ TEST_F(StatusPanelsTest, TheProgressBarTakesThePlaceOfThePanelsUntilTheEnd) {
     ExpectPanels(true);
 }
 
+TEST_F(StatusPanelsTest, TheCountAndTheShareStandBesideTheBar) {
+    const auto* const label = panels.findChild<QLabel*>(QStringLiteral("lblProgress"));
+    EXPECT_FALSE(label->isVisible());
+    panels.StartProgress(20'000);
+    EXPECT_TRUE(label->isVisible());
+    EXPECT_EQ(label->text(), QStringLiteral("0 of 20,000 (0 %)"));
+    panels.Advance(1'200);
+    EXPECT_EQ(label->text(), QStringLiteral("1,200 of 20,000 (6 %)"));
+    panels.EndProgress();
+    EXPECT_FALSE(label->isVisible());
+}
+
 TEST_F(StatusPanelsTest, TheNextProgressBeginsAtNothing) {
     panels.StartProgress(10);
     panels.Advance(10);

@@ -1,6 +1,7 @@
 #include "browser/table_tree_model.h"
 
 #include "browser/tree_fixture.h"
+#include "support/qt_text.h"
 #include "support/wait_for.h"
 
 #include <QtCore/QAbstractItemModel>
@@ -15,9 +16,7 @@
 namespace browser {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 class TableTreeModelTest : public TreeFixture {
 protected:

@@ -2,13 +2,12 @@
 
 #include "browser/tree_fixture.h"
 #include "catalogue/field_text.h"
+#include "support/qt_text.h"
 
 namespace browser {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 Selection All() {
     Selection selection;

@@ -21,6 +21,13 @@ TEST(WallGeometryTest, ColumnsFillTheWidth) {
     }
 }
 
+TEST(WallGeometryTest, AtFirstTwoPicturesStandSideBySide) {
+    EXPECT_EQ(FirstPictureWidth(2000), kFirstPictureWidth);
+    EXPECT_EQ(FirstPictureWidth(0), StepPictureWidth(0, -1));
+    for (int width = 217; width < 1000; ++width)
+        EXPECT_GE(CellsFor(width, FirstPictureWidth(width), 16).columns, 2) << width;
+}
+
 TEST(WallGeometryTest, ACellHoldsThePictureAndTheName) {
     const WallCells cells = CellsFor(700, 160, 16);
     EXPECT_EQ(cells.columns, 4);

@@ -155,9 +155,10 @@ TEST_F(WallTest, TheMenuOfTheTreeComesAnywhereOnAPicture) {
 
 TEST_F(WallTest, TheChoiceIsRemembered) {
     OpenWall();
+    const int first = Wall()->picture_width();
     QTest::keyClick(Wall(), Qt::Key_Plus, Qt::ControlModifier);
     const int width = Wall()->picture_width();
-    EXPECT_GT(width, kFirstPictureWidth);
+    EXPECT_GT(width, first);
     window->close();
     EXPECT_EQ(SavedLayout(u"WALL"), S(u"True"));
     EXPECT_EQ(SavedLayout(u"PICTUREWIDTH"), QString::number(width));
@@ -176,8 +177,17 @@ TEST_F(WallTest, WhoNeverHadItKeepsNoWordOfIt) {
     EXPECT_EQ(SavedLayout(u"PICTUREWIDTH"), S(u"<missing>"));
 }
 
+TEST_F(WallTest, UntilASizeIsChosenTwoPicturesStandSideBySide) {
+    OpenWall();
+    EXPECT_GE(Wall()->cells().columns, 2);
+    EXPECT_FALSE(Wall()->width_is_chosen());
+    window->close();
+    EXPECT_EQ(SavedLayout(u"PICTUREWIDTH"), S(u"<missing>"));
+}
+
 TEST_F(WallTest, KeysAndTheWheelChangeTheSize) {
     OpenWall();
+    Wall()->SetPictureWidth(kFirstPictureWidth);
     QTest::keyClick(Wall(), Qt::Key_Minus, Qt::ControlModifier);
     EXPECT_LT(Wall()->picture_width(), kFirstPictureWidth);
     QTest::keyClick(Wall(), Qt::Key_Equal, Qt::ControlModifier);
@@ -196,7 +206,7 @@ TEST_F(WallTest, TheTreeHasNoSizeToChange) {
     OpenWindow();
     EXPECT_FALSE(Action(u"mnuLarger")->isEnabled());
     QTest::keyClick(Tree(), Qt::Key_Plus, Qt::ControlModifier);
-    EXPECT_EQ(Wall()->picture_width(), kFirstPictureWidth);
+    EXPECT_FALSE(Wall()->width_is_chosen());
     QTest::keyClick(Tree(), Qt::Key_F9);
     EXPECT_TRUE(Action(u"mnuLarger")->isEnabled());
 }

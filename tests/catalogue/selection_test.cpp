@@ -3,13 +3,12 @@
 #include "catalogue/field_text.h"
 #include "catalogue/quoting.h"
 #include "support/catalogue_fixture.h"
+#include "support/qt_text.h"
 
 namespace catalogue {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 struct QueryCase {
     const char* name;

@@ -1,13 +1,13 @@
 #include "cli/arguments.h"
 
+#include "support/qt_text.h"
+
 #include <gtest/gtest.h>
 
 namespace cli {
 namespace {
 
-QString S(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test_support::S;
 
 Arguments Parse(const char* words) {
     return ParseArguments(S(words).split(u' ', Qt::SkipEmptyParts));

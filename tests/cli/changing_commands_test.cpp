@@ -2,6 +2,7 @@
 
 #include "support/as_nobody.h"
 #include "support/full_disk.h"
+#include "support/qt_text.h"
 
 namespace cli {
 namespace {
@@ -9,9 +10,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-QString S(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test_support::S;
 
 class ChangingCommandsTest : public CliFixture {
 protected:

@@ -1,5 +1,6 @@
 #include "cli/cli_fixture.h"
 #include "support/as_nobody.h"
+#include "support/qt_text.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -11,9 +12,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-QString S(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test_support::S;
 
 class ReadingCommandsTest : public CliFixture {
 protected:

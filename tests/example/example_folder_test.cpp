@@ -6,6 +6,7 @@
 #include "platform/file_system.h"
 #include "platform/files.h"
 #include "support/catalogue_fixture.h"
+#include "support/qt_text.h"
 #include "tableinfo/storage_tools.h"
 
 #include <QtCore/QDir>
@@ -16,9 +17,7 @@
 namespace example {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
-}
+using test_support::S;
 
 class ExampleFolderTest : public testing::Test {
 protected:

@@ -25,7 +25,7 @@ Records Read(std::string_view bytes) {
     return records;
 }
 
-std::string FailureOf(std::string_view bytes) {
+std::string FailureOfCsv(std::string_view bytes) {
     CsvReader reader(bytes);
     CsvRecord record;
     while (reader.Next(record)) {
@@ -69,9 +69,10 @@ TEST(CsvReaderTest, RecordsKnowTheirLines) {
 }
 
 TEST(CsvReaderTest, WhatIsWrongIsToldWithItsLine) {
-    EXPECT_EQ(FailureOf("a\nb\"c\n"), "line 2: there is a quote inside a field that is not quoted");
-    EXPECT_EQ(FailureOf("a\n\"b\"c\n"), "line 2: there is text behind a quoted field");
-    EXPECT_EQ(FailureOf("a\nb,\"c\n\n\n"), "line 2: a quoted field does not end");
+    EXPECT_EQ(FailureOfCsv("a\nb\"c\n"),
+              "line 2: there is a quote inside a field that is not quoted");
+    EXPECT_EQ(FailureOfCsv("a\n\"b\"c\n"), "line 2: there is text behind a quoted field");
+    EXPECT_EQ(FailureOfCsv("a\nb,\"c\n\n\n"), "line 2: a quoted field does not end");
 }
 
 TEST(CsvWriterTest, OnlyWhatNeedsThemGetsQuotes) {

@@ -23,7 +23,7 @@ std::vector<Found> Rows(std::string_view bytes) {
     return found;
 }
 
-std::string FailureOf(std::string_view bytes) {
+std::string FailureOfJson(std::string_view bytes) {
     JsonRows rows(bytes, 1);
     while (rows.Next()) {
     }
@@ -56,21 +56,23 @@ TEST(JsonRowsTest, AColumnMayBeCalledAsTheDocumentsMembersAre) {
 }
 
 TEST(JsonRowsTest, AnUnknownSchemaIsRefused) {
-    EXPECT_EQ(FailureOf("{\"schema\": 2, \"rows\": []}"), "line 1: the schema 2 is not known here");
-    EXPECT_EQ(FailureOf("{\"rows\": [{\"a\": 1}], \"schema\": 2}"),
+    EXPECT_EQ(FailureOfJson("{\"schema\": 2, \"rows\": []}"),
               "line 1: the schema 2 is not known here");
-    EXPECT_EQ(FailureOf("{\"rows\": [{\"a\": 1}], \"rows\": [{\"a\": 2}]}"),
+    EXPECT_EQ(FailureOfJson("{\"rows\": [{\"a\": 1}], \"schema\": 2}"),
+              "line 1: the schema 2 is not known here");
+    EXPECT_EQ(FailureOfJson("{\"rows\": [{\"a\": 1}], \"rows\": [{\"a\": 2}]}"),
               "line 1: \"rows\" is there twice");
 }
 
 TEST(JsonRowsTest, WhatIsWrongIsToldWithItsLine) {
-    EXPECT_EQ(FailureOf("[\n{} {}]"), "line 2: a comma or the end of the rows is missing");
-    EXPECT_EQ(FailureOf("[{},\n1]"), "line 2: here should be an object");
-    EXPECT_EQ(FailureOf("[{}]\n\nx"), "line 3: there is text behind the rows");
-    EXPECT_EQ(FailureOf("{\"a\": 1}\n{\"a\": "), "line 2: the object does not end");
-    EXPECT_EQ(FailureOf("{\"rows\": [{}]\n"), "line 2: the object around the rows does not end");
-    EXPECT_EQ(FailureOf("[{}"), "line 1: a comma or the end of the rows is missing");
-    EXPECT_EQ(FailureOf("hello"), "line 1: here should be an object");
+    EXPECT_EQ(FailureOfJson("[\n{} {}]"), "line 2: a comma or the end of the rows is missing");
+    EXPECT_EQ(FailureOfJson("[{},\n1]"), "line 2: here should be an object");
+    EXPECT_EQ(FailureOfJson("[{}]\n\nx"), "line 3: there is text behind the rows");
+    EXPECT_EQ(FailureOfJson("{\"a\": 1}\n{\"a\": "), "line 2: the object does not end");
+    EXPECT_EQ(FailureOfJson("{\"rows\": [{}]\n"),
+              "line 2: the object around the rows does not end");
+    EXPECT_EQ(FailureOfJson("[{}"), "line 1: a comma or the end of the rows is missing");
+    EXPECT_EQ(FailureOfJson("hello"), "line 1: here should be an object");
 }
 
 TEST(JsonRowsTest, DepthCostsNothing) {

@@ -4,6 +4,7 @@
 
 #include "support/catalogue_fixture.h"
 #include "support/check_database.h"
+#include "support/qt_text.h"
 
 #include <QtCore/QFile>
 
@@ -13,9 +14,7 @@
 namespace exchange {
 namespace {
 
-QString S(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test_support::S;
 
 class RowImportTest : public test_support::CatalogueFixture {
 protected:

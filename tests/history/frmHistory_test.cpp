@@ -2,6 +2,8 @@
 #include "history/frmHistory.h"
 
 #include "browser/tree_fixture.h"
+#include "history/change_texts.h"
+#include "support/qt_text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,8 +18,19 @@
 namespace history {
 namespace {
 
-QString S(const char16_t* text) {
-    return QString::fromUtf16(text);
+using test_support::S;
+
+TEST(ShownNameTest, AnUndoOfAnUndoIsCalledSo) {
+    EXPECT_EQ(ShownName(u"Undo Redo Put Back Purge"), S(u"Undo Redo Put Back Purge"));
+    EXPECT_EQ(ShownName(u"Undo "), S(u"Undo "));
+}
+
+// As a file may hold it that others have made.
+TEST(ShownNameTest, AMillionPrefixesAreShownAsTheyStand) {
+    std::u16string name;
+    for (int i = 0; i < 1'000'000; ++i)
+        name += u"Undo ";
+    EXPECT_EQ(ShownName(name).toStdU16String(), name);
 }
 
 class HistoryWindowTest : public browser::TreeFixture {

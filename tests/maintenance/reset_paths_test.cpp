@@ -2,6 +2,9 @@
 
 #include "support/catalogue_fixture.h"
 
+#include <utility>
+#include <vector>
+
 namespace maintenance {
 namespace {
 
@@ -25,6 +28,19 @@ protected:
         return Path(QStringLiteral("FileName"));
     }
 };
+
+TEST_F(ResetPathsTest, ProgressCountsEveryRowAndEnds) {
+    for (int i = 0; i < 4; ++i)
+        Add(QStringLiteral("FileName"), QStringLiteral("C:\\Tables\\%1.vpt").arg(i));
+    std::vector<std::pair<std::int64_t, std::int64_t>> told;
+    const auto done =
+        ResetPaths(catalogue, prompts, QStringLiteral("Table"), QStringLiteral("C:\\Tables"),
+                   QStringLiteral("D:\\VP"),
+                   [&](std::int64_t now, std::int64_t total) { told.emplace_back(now, total); });
+    ASSERT_TRUE(done.ok()) << done.message();
+    EXPECT_EQ(told,
+              (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 4}, {2, 4}, {3, 4}, {4, 4}}));
+}
 
 TEST_F(ResetPathsTest, TheFolderMatchesWithoutRegardToLetterCase) {
     EXPECT_EQ(Moved(QStringLiteral("c:\\tables\\Foo.vpt"), QStringLiteral("C:\\Tables"),

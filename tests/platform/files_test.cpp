@@ -299,6 +299,17 @@ TEST_F(FilesTest, AFileThatCannotBeOpenedSaysWhy) {
         platform::OpenFile(file, In(QStringLiteral("go")) + QChar(0xDCFC), QIODevice::ReadOnly));
 }
 
+TEST_F(FilesTest, AFileIsReadToItsEndOrToTheGivenLength) {
+    WriteFile(QStringLiteral("a"), "12345");
+    EXPECT_EQ(platform::ReadFile(In(QStringLiteral("a")), 5).value_or({}), QByteArray("12345"));
+    EXPECT_EQ(platform::ReadFile(In(QStringLiteral("a")), 4).value_or({}), QByteArray("1234"));
+    for (const QString& name : {In(QStringLiteral("gone")), folder_.path()}) {
+        const auto read = platform::ReadFile(name, 5);
+        EXPECT_EQ(read.status().code(), base::StatusCode::kIoError);
+        EXPECT_EQ(read.status().message().find(name.toStdString()), 0U) << read.status().message();
+    }
+}
+
 TEST_F(FilesTest, SavingKeepsALinkAndThePermissions) {
     WriteFile(QStringLiteral("real"), "old");
     std::filesystem::permissions(platform::ToPath(In(QStringLiteral("real"))),

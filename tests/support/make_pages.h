@@ -8,6 +8,9 @@
 
 namespace test_support {
 
+// Where the files of page store tests lie.
+inline constexpr const char* kDatabasePath = "folder/tables.mdb";
+
 // Page 0 is masked here; these bytes stand for a zero.
 inline constexpr std::size_t kEncodingKeyAt = 0x3E;
 inline constexpr unsigned char kEncodingKeyMask[] = {0xFB, 0x8A, 0xBC, 0x4E};

@@ -1,10 +1,11 @@
 // A stand-in for the simulator as a true Windows program; the contract of x11_simulator.cpp, as
 // Windows sees it. Lines of its log (UTF-8) besides those of the other one:
 //   command line=TEXT   the whole command line
-//   table=N             size in bytes of the table file whose path follows the "-"; "table=none":
-//   it cannot be opened syscommand close    WM_SYSCOMMAND with SC_CLOSE has come closed by request
-//   WM_CLOSE has come
-// The log's and the end file's paths are native ones of the system below Wine.
+//   show=N              how its window is to be shown (nCmdShow)
+//   table=N             size in bytes of the table file whose path follows the "-"; or "none"
+//   syscommand close    WM_SYSCOMMAND with SC_CLOSE has come
+//   closed by request   WM_CLOSE has come
+// The log's and the end file's paths are native ones of the system below Wine, or have a drive.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -18,10 +19,11 @@ static const wchar_t* table_path = L"";
 static ULONGLONG end_of_life, end_of_play;
 static BOOL playing = TRUE;
 
-// The value with the drive on which Wine shows the root in front; empty: not set.
+// The value, with the drive on which Wine shows the root in front if it has none; empty: not set.
 static void NativePathVariable(const wchar_t* name, wchar_t* path) {
     wcscpy(path, L"Z:");
     if (GetEnvironmentVariableW(name, path + 2, MAX_TEXT - 2) == 0) path[0] = 0;
+    if (path[0] != 0 && path[2] != 0 && path[3] == L':') wmemmove(path, path + 2, MAX_TEXT - 2);
 }
 
 static DWORD NumberVariable(const wchar_t* name, DWORD fallback) {
@@ -44,7 +46,7 @@ static void Log(const wchar_t* format, const wchar_t* text) {
     CloseHandle(file);
 }
 
-static void LogArguments(int count, wchar_t** arguments) {
+static void LogArguments(int count, wchar_t** arguments, int show) {
     wchar_t format[32], folder[MAX_TEXT];
     Log(L"command line=%ls", GetCommandLineW());
     for (int i = 1; i < count; ++i) {
@@ -53,6 +55,8 @@ static void LogArguments(int count, wchar_t** arguments) {
     }
     GetCurrentDirectoryW(MAX_TEXT, folder);
     Log(L"cwd=%ls", folder);
+    _snwprintf(format, 31, L"%d", show);
+    Log(L"show=%ls", format);
 }
 
 static void LogTable(void) {
@@ -129,11 +133,11 @@ static void ShowWindowOfPlay(HINSTANCE program) {
 int WINAPI wWinMain(HINSTANCE program, HINSTANCE before, wchar_t* line, int show) {
     int count = 0;
     MSG message;
-    (void)before, (void)line, (void)show;
+    (void)before, (void)line;
     wchar_t** arguments = CommandLineToArgvW(GetCommandLineW(), &count);
     end_of_life = GetTickCount64() + NumberVariable(L"TAVOLO_SIMULATOR_LIFETIME_MS", 60000);
     end_of_play = GetTickCount64() + NumberVariable(L"TAVOLO_SIMULATOR_PLAY_MS", 500);
-    LogArguments(count, arguments);
+    LogArguments(count, arguments, show);
     if (count < 3 || arguments[2][0] != L'-') return 2;
     table_path = arguments[2] + 1;
     LogTable();

@@ -10,7 +10,7 @@
 namespace thumbnails {
 namespace {
 
-constexpr QSize kBox(120, 90);
+constexpr QSize kPictureBox(120, 90);
 
 class TablePictureTest : public testing::Test {
 protected:
@@ -27,7 +27,7 @@ protected:
                         .ok());
         return PathOf(name);
     }
-    base::Result<QImage> Load(const TablePicture& picture, QSize box = kBox) {
+    base::Result<QImage> Load(const TablePicture& picture, QSize box = kPictureBox) {
         return LoadThumbnail(picture, box, Folders());
     }
     // Puts another picture in the place of the one that is kept.
@@ -120,7 +120,7 @@ TEST_F(TablePictureTest, WhereNothingCanBeKeptItIsMadeAllTheSame) {
 
 TEST_F(TablePictureTest, WhereProgramsShareNoneItIsKeptInTheOwnFolder) {
     const QString file = WritePicture("p.png", 400, 300, Qt::blue);
-    ASSERT_TRUE(LoadThumbnail({file, {}}, kBox, {{}, PathOf("own")}).ok());
+    ASSERT_TRUE(LoadThumbnail({file, {}}, kPictureBox, {{}, PathOf("own")}).ok());
     EXPECT_TRUE(ReadThumbnail(PathOf("own"), *OriginalOf(file), 128));
 }
 

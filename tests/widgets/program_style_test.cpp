@@ -15,15 +15,20 @@
 namespace widgets {
 namespace {
 
-TEST(ProgramStyleTest, TheButtonsOfARowHaveIconsAllOrNone) {
+// Those that are no standard ones by their names, when they are shown.
+TEST(ProgramStyleTest, TheButtonsOfARowHaveIconsOfTheProgramsFamily) {
     QApplication::setStyle(new ProgramStyle);
     {
         QDialogButtonBox row(QDialogButtonBox::Ok | QDialogButtonBox::Close |
                              QDialogButtonBox::Cancel);
-        row.addButton(QStringLiteral("Restore"), QDialogButtonBox::AcceptRole);
+        auto* const restore = new QPushButton(QStringLiteral("Restore"), &row);
+        restore->setObjectName(QStringLiteral("cmdRestore"));
+        row.addButton(restore, QDialogButtonBox::AcceptRole);
+        row.show();
         ASSERT_EQ(row.buttons().size(), 4);
         for (const QAbstractButton* button : row.buttons())
-            EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
+            EXPECT_TRUE(button->icon().name().startsWith(kSvgIconPrefix))
+                << button->text().toStdString();
     }
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 }

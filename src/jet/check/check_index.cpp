@@ -4,12 +4,34 @@
 #include "jet/check/check_keys.h"
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 
 namespace jet::check {
 namespace {
 
 constexpr std::size_t kChildSize = 4;
+
+using Entry = EntryList::Entry;
+
+bool IsBefore(Entry a, Entry b) {
+    const std::size_t common = std::min(a.size(), b.size());
+    const int order = common == 0 ? 0 : std::memcmp(a.data(), b.data(), common);
+    return order != 0 ? order < 0 : a.size() < b.size();
+}
+
+bool SameBytes(Entry a, Entry b) {
+    return std::ranges::equal(a, b);
+}
+
+Entry KeyOf(Entry entry) {
+    return entry.first(entry.size() - std::min(entry.size(), kRowIdSize));
+}
+
+Entry RowIdOf(Entry entry) {
+    return entry.last(std::min(entry.size(), kRowIdSize));
+}
+
 struct IndexPage {
     bool is_leaf = true;
     unsigned level = 0;  // what the page says
@@ -26,13 +48,13 @@ public:
           name_("index " + base::ToUtf8(index.name)) {}
 
     // All leaf entries in the order of the tree.
-    const std::vector<Bytes>& Scan() {
+    EntryList& Scan() {
         const auto owned = run_.ReadMap(index_.map, name_);
         Visit(index_.root, definition_.page, 0);
         CheckLinks();
         if (owned) CheckMap(*owned);
         for (std::size_t i = 1; i < entries_.size(); ++i)
-            if (!(entries_[i - 1] < entries_[i])) {
+            if (!IsBefore(entries_[i - 1], entries_[i])) {
                 run_.Fault(PageOf(i), -1, name_ + ": the entries are not in order");
                 break;
             }
@@ -91,9 +113,9 @@ private:
         const auto height =
             Visit(base::LoadBig<std::uint32_t>(entry.data() + key_size), page, depth);
         floor_.assign(entry.begin(), entry.begin() + static_cast<std::ptrdiff_t>(key_size));
-        if (!entries_.empty() && floor_ < entries_.back())
+        if (!entries_.empty() && IsBefore(floor_, entries_.back()))
             run_.Fault(page, -1, name_ + ": an entry of a node is less than what is below it");
-        else if (entries_.size() > before && floor_ != entries_.back())
+        else if (entries_.size() > before && !SameBytes(floor_, entries_.back()))
             Inexact(run_.options().exact_node_keys, page,
                     name_ + ": an entry of a node is larger than the last one below it");
         return height;
@@ -108,7 +130,7 @@ private:
             run_.Fault(page, -1, name_ + ": an entry that the node above has before this leaf");
         for (const Bytes& entry : content.entries) {
             if (entry.size() <= kRowIdSize) run_.Fault(page, -1, name_ + ": an entry is too short");
-            entries_.push_back(entry);
+            entries_.Append(entry);
             pages_of_entries_.push_back(page);
         }
     }
@@ -217,25 +239,13 @@ private:
     std::string name_;
     PageSet visited_;
     std::vector<Leaf> leaves_;
-    std::vector<Bytes> entries_;
+    EntryList entries_;
     Bytes floor_;  // the last key of a node that was passed: what follows is larger
     std::vector<PageNumber> pages_of_entries_;
 };
 
-std::span<const std::byte> KeyOf(const Bytes& entry) {
-    return std::span(entry).first(entry.size() - std::min(entry.size(), kRowIdSize));
-}
-
-std::span<const std::byte> RowIdOf(const Bytes& entry) {
-    return std::span(entry).last(std::min(entry.size(), kRowIdSize));
-}
-
-bool SameBytes(std::span<const std::byte> a, std::span<const std::byte> b) {
-    return std::ranges::equal(a, b);
-}
-
 // The beginning, as far as a line is read.
-std::string Hex(std::span<const std::byte> bytes) {
+std::string Hex(Entry bytes) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
     constexpr std::size_t kMaxBytesShown = 48;
@@ -246,8 +256,8 @@ std::string Hex(std::span<const std::byte> bytes) {
     return text;
 }
 
-void ReportAtRow(CheckRun& run, const Bytes& entry, const std::string& text, bool is_fault) {
-    const auto id = RowIdOf(entry);
+void ReportAtRow(CheckRun& run, Entry entry, const std::string& text, bool is_fault) {
+    const Entry id = RowIdOf(entry);
     if (id.size() < kRowIdSize) return run.Fault(0, -1, text);
     const auto word = base::LoadBig<std::uint32_t>(id.data());
     const auto row = static_cast<int>(word & 0xFF);
@@ -257,62 +267,58 @@ void ReportAtRow(CheckRun& run, const Bytes& entry, const std::string& text, boo
         run.Warn(word >> 8, row, text);
 }
 
-bool ByRowId(const Bytes& a, const Bytes& b) {
-    return std::ranges::lexicographical_compare(RowIdOf(a), RowIdOf(b));
+bool ByRowId(Entry a, Entry b) {
+    return IsBefore(RowIdOf(a), RowIdOf(b));
 }
 
 // Goes through what is there and what must be there, both by row id, side by side.
-void CompareByRow(CheckRun& run, const std::string& name, std::vector<Bytes> found,
-                  std::vector<Bytes> wanted, bool knows_keys) {
-    std::ranges::sort(found, ByRowId);
-    std::ranges::sort(wanted, ByRowId);
-    auto there = found.begin();
-    auto due = wanted.begin();
-    while (there != found.end() || due != wanted.end()) {
-        if (due == wanted.end() || (there != found.end() && ByRowId(*there, *due))) {
-            ReportAtRow(run, *there++, name + " has an entry for a row that is not there", true);
-        } else if (there == found.end() || ByRowId(*due, *there)) {
-            ReportAtRow(run, *due++, name + " has no entry for this row", true);
+void CompareByRow(CheckRun& run, const std::string& name, EntryList& found, EntryList& wanted,
+                  bool knows_keys) {
+    found.Sort(ByRowId);
+    wanted.Sort(ByRowId);
+    std::size_t there = 0;
+    std::size_t due = 0;
+    while (there < found.size() || due < wanted.size()) {
+        if (due == wanted.size() || (there < found.size() && ByRowId(found[there], wanted[due]))) {
+            ReportAtRow(run, found[there++], name + " has an entry for a row that is not there",
+                        true);
+        } else if (there == found.size() || ByRowId(wanted[due], found[there])) {
+            ReportAtRow(run, wanted[due++], name + " has no entry for this row", true);
         } else {
-            if (knows_keys && *there != *due)
-                ReportAtRow(run, *due,
-                            name + ": the key is " + Hex(KeyOf(*there)) + ", but the row gives " +
-                                Hex(KeyOf(*due)),
-                            !run.written_by_later_engine() || !SamePrimaryWeights(*there, *due));
-            ++there;
-            ++due;
+            const Entry is = found[there++];
+            const Entry must_be = wanted[due++];
+            if (knows_keys && !SameBytes(is, must_be))
+                ReportAtRow(run, must_be,
+                            name + ": the key is " + Hex(KeyOf(is)) + ", but the row gives " +
+                                Hex(KeyOf(must_be)),
+                            !run.written_by_later_engine() || !SamePrimaryWeights(is, must_be));
         }
     }
 }
 
-void CheckUnique(CheckRun& run, const std::string& name,
-                 const std::vector<ExpectedEntry>& expected) {
+void CheckUnique(CheckRun& run, const std::string& name, const EntryList& expected) {
     for (std::size_t i = 1; i < expected.size(); ++i)
-        if (!expected[i].all_null &&
-            SameBytes(KeyOf(expected[i - 1].bytes), KeyOf(expected[i].bytes)))
-            ReportAtRow(run, expected[i].bytes, name + ": another row has the same key", true);
+        if (!expected.IsMarked(i) && SameBytes(KeyOf(expected[i - 1]), KeyOf(expected[i])))
+            ReportAtRow(run, expected[i], name + ": another row has the same key", true);
+}
+
+bool AreSame(const EntryList& a, const EntryList& b) {
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i)
+        if (!SameBytes(a[i], b[i])) return false;
+    return a.size() == b.size();
 }
 
 }  // namespace
 
 void CheckIndex(CheckRun& run, const Definition& definition, const RealIndex& index,
-                std::vector<ExpectedEntry> expected, bool knows_keys) {
+                EntryList expected, bool knows_keys) {
     const std::string name = "index " + base::ToUtf8(index.name);
     TreeScan scan(run, definition, index);
-    const std::vector<Bytes>& found = scan.Scan();
+    EntryList& found = scan.Scan();
     run.report().index_entries += found.size();
-    std::ranges::sort(expected);
+    expected.Sort(IsBefore);
     if (index.unique() && knows_keys) CheckUnique(run, name, expected);
-    const bool is_same =
-        found.size() == expected.size() &&
-        std::ranges::equal(found, expected,
-                           [](const Bytes& a, const ExpectedEntry& b) { return a == b.bytes; });
-    if (is_same) return;
-    std::vector<Bytes> wanted;
-    wanted.reserve(expected.size());
-    for (ExpectedEntry& entry : expected)
-        wanted.push_back(std::move(entry.bytes));
-    CompareByRow(run, name, found, std::move(wanted), knows_keys);
+    if (!AreSame(found, expected)) CompareByRow(run, name, found, expected, knows_keys);
 }
 
 }  // namespace jet::check

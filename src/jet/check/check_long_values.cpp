@@ -34,24 +34,28 @@ LongValues::LongValues(CheckRun& run, const LongValueMaps& maps, std::string col
     }
 }
 
-const Slot* LongValues::Take(RowPointer pointer, PageNumber page, int row) {
+std::optional<LongValues::Taken> LongValues::Take(RowPointer pointer, PageNumber page, int row) {
     const auto found = pages_.find(pointer.page);
     const std::string target =
         "page " + std::to_string(pointer.page) + " row " + std::to_string(pointer.row);
     if (found == pages_.end()) {
         run_.Fault(page, row,
                    name_ + " points to " + target + ", which is no page of its long values");
-        return nullptr;
+        return std::nullopt;
     }
-    if (pointer.row >= found->second.slots.size() || found->second.slots[pointer.row].flags != 0) {
+    const DataPage& data = found->second;
+    if (pointer.row >= data.slots.size() || data.slots[pointer.row].flags != 0) {
         run_.Fault(page, row, name_ + " points to " + target + ", where no long value is");
-        return nullptr;
+        return std::nullopt;
     }
     if (!used_.insert({pointer.page, pointer.row}).second) {
         run_.Fault(page, row, name_ + " points to " + target + ", as another value does");
-        return nullptr;
+        return std::nullopt;
     }
-    return &found->second.slots[pointer.row];
+    auto view = run_.Page(pointer.page, page);
+    if (!view) return std::nullopt;
+    const auto bytes = RowIn(*view, data, pointer.row);
+    return Taken{std::move(*view), bytes, data.stamp};
 }
 
 Bytes LongValues::Follow(std::span<const std::byte> field, PageNumber page, int row) {
@@ -72,8 +76,9 @@ Bytes LongValues::Follow(std::span<const std::byte> field, PageNumber page, int 
             run_.Fault(page, row, name_ + ": the length of the value is wrong");
         content.assign(bytes.begin(), bytes.end());
     } else if (kind == kLongValueSingle) {
-        if (Take(pointer, page, row) == nullptr) return content;
-        const auto bytes = pages_.at(pointer.page).Row(pointer.row);
+        const auto taken = Take(pointer, page, row);
+        if (!taken) return content;
+        const auto bytes = taken->bytes;
         if (length != bytes.size())
             run_.Fault(page, row, name_ + ": the length of the value is wrong");
         content.assign(bytes.begin(), bytes.end());
@@ -89,10 +94,10 @@ void LongValues::FollowChain(RowPointer first, std::uint32_t length, std::uint32
                              PageNumber page, int row, Bytes& content) {
     // Every piece is taken once, so a chain that turns back on itself ends.
     for (RowPointer next = first; !next.none();) {
-        if (Take(next, page, row) == nullptr) return;
-        const DataPage& data = pages_.at(next.page);
-        const auto piece = data.Row(next.row);
-        if (next == first && run_.format().jet4() && data.stamp != stamp)
+        const auto taken = Take(next, page, row);
+        if (!taken) return;
+        const auto piece = taken->bytes;
+        if (next == first && run_.format().jet4() && taken->stamp != stamp)
             run_.Fault(page, row, name_ + ": the stamp of the value is not that of its page");
         if (piece.size() < kLongValuePieceHead) {
             run_.Fault(next.page, next.row, "is too short for a piece of a long value");

@@ -25,7 +25,14 @@ public:
 
 private:
     using Place = std::pair<PageNumber, std::uint8_t>;
-    const Slot* Take(RowPointer pointer, PageNumber page, int row);
+    // A piece of a value that was found.
+    struct Taken {
+        PageView view;
+        std::span<const std::byte> bytes;  // in `view`
+        std::uint32_t stamp;               // of its page
+    };
+    // nullopt (reported): there is none, or it was taken before.
+    std::optional<Taken> Take(RowPointer pointer, PageNumber page, int row);
     void FollowChain(RowPointer first, std::uint32_t length, std::uint32_t stamp, PageNumber page,
                      int row, Bytes& content);
 

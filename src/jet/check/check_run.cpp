@@ -71,7 +71,6 @@ std::optional<DataPage> CheckRun::ReadDataPage(PageNumber page, PageNumber asked
     const auto view = Page(page, asked_by);
     if (!view) return std::nullopt;
     DataPage data;
-    data.view = *view;
     const auto bytes = view->bytes();
     if (!HasType(bytes, PageType::kData) || bytes[kSecondByteAt] != kSecondByte) {
         Fault(page, -1, "is not a data page");
@@ -143,7 +142,9 @@ std::optional<PageSet> CheckRun::ReadMap(RowPointer row, const std::string& what
     }
     if (!map_rows_.insert({row.page, row.row}).second)
         Fault(row.page, row.row, "is used as the map of " + what + " and of something else");
-    const auto bytes = page->Row(row.row);
+    const auto view = Page(row.page, row.page);
+    if (!view) return std::nullopt;
+    const auto bytes = RowIn(*view, *page, row.row);
     PageSet members;
     const MapBits bits{row.page, row.row, may_pass_the_end, what, members};
     if (bytes.size() >= kInlineHead && bytes[0] == kMapInline) {
@@ -170,7 +171,9 @@ std::optional<PageSet> CheckRun::ReadMap(RowPointer row, const std::string& what
 }
 
 void CheckRun::CheckReach(RowPointer row) {
-    const auto bytes = map_pages_.at(row.page).Row(row.row);
+    const auto view = Page(row.page, row.page);
+    if (!view) return;
+    const auto bytes = RowIn(*view, map_pages_.at(row.page), row.row);
     std::uint64_t first = 0;
     std::uint64_t end = MapPointerCount(bytes) * format_.bits_per_bitmap_page();
     if (bytes[0] == kMapInline) {

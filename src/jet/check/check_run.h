@@ -27,16 +27,19 @@ struct Slot {
     std::uint16_t flags = 0;
 };
 
-// A data page whose slot table was found to lie inside of it.
+// A data page whose slot table was found to lie inside of it. Of all data pages of a table at a
+// time the slots are held, and the bytes of none.
 struct DataPage {
-    PageView view;
     std::uint32_t owner = 0;
     std::uint32_t stamp = 0;  // Jet 4
     std::vector<Slot> slots;
-    std::span<const std::byte> Row(std::size_t slot) const {
-        return view.bytes().subspan(slots[slot].start, slots[slot].size);
-    }
 };
+
+// The bytes of a page that is known as `page`, as long as `view` lives.
+inline std::span<const std::byte> RowIn(const PageView& view, const DataPage& page,
+                                        std::size_t slot) {
+    return view.bytes().subspan(page.slots[slot].start, page.slots[slot].size);
+}
 
 using PageSet = std::set<PageNumber>;
 

@@ -100,6 +100,8 @@ private:
     }
 
     void CheckRows(PageNumber page, const DataPage& data) {
+        const auto view = run_.Page(page, definition_.page);
+        if (!view) return;
         for (std::size_t i = 0; i < data.slots.size(); ++i) {
             const auto slot = static_cast<std::uint8_t>(i);
             const std::uint16_t flags = data.slots[i].flags;
@@ -110,9 +112,9 @@ private:
             }
             ++live_rows_;
             if (flags == Slot::kMoved)
-                FollowMove(page, slot, data.Row(i));
+                FollowMove(page, slot, RowIn(*view, data, i));
             else
-                CheckRow(page, slot, data.Row(i));
+                CheckRow(page, slot, RowIn(*view, data, i));
         }
     }
 
@@ -128,7 +130,8 @@ private:
                                   " row " + std::to_string(to.row) + ", where it is not");
         if (!reached_.insert({to.page, to.row}).second)
             return run_.Fault(page, slot, "says that the row went where another one went");
-        CheckRow(page, slot, found->second.Row(to.row));
+        const auto view = run_.Page(to.page, page);
+        if (view) CheckRow(page, slot, RowIn(*view, found->second, to.row));
     }
 
     void CheckTargets() {
@@ -193,26 +196,27 @@ private:
     void ExpectEntry(PageNumber page, std::uint8_t slot, const Row& row,
                      const std::vector<std::optional<Bytes>>& contents, std::size_t index_number) {
         const RealIndex& index = definition_.indexes[index_number];
-        ExpectedEntry entry;
-        entry.all_null = true;
+        Bytes& key = key_;
+        key.clear();
+        bool all_null = true;
         bool has_null = false;
         for (const IndexPart& part : index.parts) {
             const Column& column = definition_.columns[part.column];
             const bool is_null =
                 column.type != ColumnType::kBoolean && !contents[part.column].has_value();
-            entry.all_null = entry.all_null && is_null;
+            all_null = all_null && is_null;
             has_null = has_null || is_null;
             if (!KnowsKeysOf(run_, column)) continue;
             std::optional<std::span<const std::byte>> field;
             if (!is_null && column.type != ColumnType::kBoolean) field = *contents[part.column];
-            AppendKey(run_, column, part.ascending, field, row.Bit(column), entry.bytes);
+            AppendKey(run_, column, part.ascending, field, row.Bit(column), key);
         }
         if (has_null && index.required())
             run_.Fault(page, slot,
                        "index " + base::ToUtf8(index.name) + ": a null where none is allowed");
-        if (entry.all_null && index.ignores_nulls()) return;
-        base::AppendBig(entry.bytes, static_cast<std::uint32_t>(page << 8 | slot));
-        expected_[index_number].push_back(std::move(entry));
+        if (all_null && index.ignores_nulls()) return;
+        base::AppendBig(key, static_cast<std::uint32_t>(page << 8 | slot));
+        expected_[index_number].Append(key, all_null);
     }
 
     void CheckCounters() {
@@ -248,7 +252,8 @@ private:
     std::set<Place> reached_;
     std::uint64_t live_rows_ = 0;
     std::int32_t greatest_autonumber_ = 0;
-    std::vector<std::vector<ExpectedEntry>> expected_;
+    std::vector<EntryList> expected_;  // by the index
+    Bytes key_;
 };
 
 }  // namespace

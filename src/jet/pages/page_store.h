@@ -100,4 +100,20 @@ base::Result<std::unique_ptr<PageStore>> OpenPageStore(FileSystem& files,
 std::unique_ptr<PageStore> MakeMemoryPageStore(std::uint32_t page_size,
                                                const std::vector<std::byte>& pages);
 
+// Where the pages of a database are that is only read and lies in no file of its own.
+struct PageSource {
+    std::uint32_t page_size = 0;
+    PageNumber page_count = 0;
+    // Fills `bytes`, page_size of them, with a page below page_count as the file has it.
+    std::function<base::Status(PageNumber page, std::span<std::byte> bytes)> read;
+};
+
+// The whole pages of `bytes`, which is borrowed.
+PageSource PagesOf(std::span<const std::byte> bytes, std::uint32_t page_size);
+
+// Keeps some pages in memory and reads the others again when they are asked for. Whatever would
+// change them is kPermissionDenied. Requires: there is a page. Threads: one.
+std::unique_ptr<PageStore> MakeReadOnlyPageStore(PageSource source,
+                                                 std::size_t cache_bytes = 4U << 20);
+
 }  // namespace jet

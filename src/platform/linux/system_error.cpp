@@ -5,11 +5,6 @@
 
 namespace platform {
 
-base::Status FileError(base::StatusCode code, const char* what, const QString& path,
-                       std::int32_t number) {
-    return {code, std::string(what) + ": " + path.toStdString(), number};
-}
-
 base::Status FolderError(int error_number, const QString& folder) {
     switch (error_number) {
     case ENOENT:

@@ -1,16 +1,10 @@
 // Failures of system calls as Status.
 #pragma once
 
-#include "base/status.h"
-#include "platform/error_numbers.h"
-
-#include <QtCore/QString>
+#include "platform/file_error.h"
 
 namespace platform {
 
-// `what` and `path`: "File not found: /tables/Foo.vpt". `number`: of error_numbers.h.
-base::Status FileError(base::StatusCode code, const char* what, const QString& path,
-                       std::int32_t number = 0);
 // The failure to open or enter `folder`; `error_number`: of errno.
 base::Status FolderError(int error_number, const QString& folder);
 

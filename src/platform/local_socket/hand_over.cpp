@@ -126,6 +126,7 @@ base::Status HandPathOver(const QString& folder, const QString& path, int timeou
     if (!name.isEmpty()) socket.connectToServer(name);
     if (name.isEmpty() || !socket.waitForConnected(timeout_ms))
         return {base::StatusCode::kNotFound, "no program listens for " + folder.toStdString()};
+    LetReceiverComeToFront();
     socket.write(MessageOf(path));
     while (socket.bytesToWrite() > 0)
         if (!socket.waitForBytesWritten(timeout_ms)) return Silent(socket);

@@ -9,4 +9,8 @@ namespace platform {
 // sockets.
 QString SocketName(const QString& folder);
 
+// Called before something is handed over: where a program comes to the front only with leave of the
+// one that is there, the receiver gets it.
+void LetReceiverComeToFront();
+
 }  // namespace platform

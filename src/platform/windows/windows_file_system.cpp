@@ -4,6 +4,7 @@
 #include "base/file_names.h"
 #include "base/unicode.h"
 #include "platform/file_system.h"
+#include "platform/windows/file_identity.h"
 #include "platform/windows/file_replacement.h"
 #include "platform/windows/last_error.h"
 #include "platform/windows/owned_handle.h"
@@ -102,28 +103,13 @@ public:
         if (!name.ok()) return false;
         const OwnedHandle there(CreateFileW(name->c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr,
                                             OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-        FILE_ID_INFO ours{};
-        FILE_ID_INFO theirs{};
-        return there.is_open() && ReadId(handle_, ours) && ReadId(there, theirs) &&
-               ours.VolumeSerialNumber == theirs.VolumeSerialNumber &&
-               std::ranges::equal(ours.FileId.Identifier, theirs.FileId.Identifier);
+        const auto ours = IdentityOf(handle_);
+        return there.is_open() && ours && ours == IdentityOf(there);
     }
 
 private:
     // Of the call that has just failed.
     Status Failure() const { return ErrorStatus(GetLastError(), path_); }
-
-    static bool ReadId(const OwnedHandle& file, FILE_ID_INFO& id) {
-        if (GetFileInformationByHandleEx(file.get(), FileIdInfo, &id, sizeof id)) return true;
-        // File systems that have no such numbers have the older, shorter ones.
-        BY_HANDLE_FILE_INFORMATION info{};
-        if (!GetFileInformationByHandle(file.get(), &info)) return false;
-        id = {};
-        id.VolumeSerialNumber = info.dwVolumeSerialNumber;
-        std::ranges::copy(std::as_bytes(std::span(&info.nFileIndexHigh, 2)),
-                          std::as_writable_bytes(std::span(id.FileId.Identifier)).begin());
-        return true;
-    }
 
     DWORD TakeLock(FileLock lock, std::uint64_t from) {
         if (lock == FileLock::kNone) return ERROR_SUCCESS;

@@ -50,6 +50,22 @@ TEST(CheckTest, FindsNoFaultInAnyWholeFile) {
         EXPECT_TRUE(test_support::DatabaseIsSound(file)) << file;
 }
 
+// What was read and let go is read again, and nothing is found that is not there.
+TEST(CheckTest, HoldsFewPages) {
+    for (const auto& path : FilesIn(DataFolder() / "databases", ".mdb")) {
+        const Bytes file = ReadFile(path);
+        const std::uint32_t page_size = file[0x14] == std::byte{0} ? 2048 : 4096;
+        const auto store = jet::MakeReadOnlyPageStore(jet::PagesOf(file, page_size), 0);
+        const jet::CheckReport few = jet::CheckIntegrity(*store);
+        const jet::CheckReport all = Check(file);
+        EXPECT_TRUE(few.sound()) << path;
+        EXPECT_EQ(few.warnings, all.warnings) << path;
+        EXPECT_EQ(few.rows, all.rows) << path;
+        EXPECT_EQ(few.long_values, all.long_values) << path;
+        EXPECT_EQ(few.index_entries, all.index_entries) << path;
+    }
+}
+
 // Our own files, and those of the engine that made the format; the old catalogues among the real
 // ones are by one that keeps no levels.
 TEST(CheckTest, WholeFilesHaveExactNodeKeysAndLevels) {

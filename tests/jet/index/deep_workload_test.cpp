@@ -18,7 +18,7 @@ namespace {
 using test_support::PlainRow;
 using test_support::PlainWriter;
 
-constexpr int kOperations = 10000;
+constexpr int kDeepOperations = 10000;
 constexpr const char16_t* kTable = u"Deep";
 
 void CreateDeepTable(Database& database) {
@@ -58,7 +58,7 @@ protected:
             NoteLevels(bytes);
             return interlude(std::move(bytes));
         });
-        workload_->Run(kOperations);
+        workload_->Run(kDeepOperations);
         if (HasFailure()) return;
         ExpectABitOfEverything(*workload_);
         for (const std::size_t levels : {3, 4})

@@ -15,7 +15,7 @@ namespace {
 using test_support::FaultyFileSystem;
 using test_support::MakePages;
 
-constexpr const char* kPath = "folder/tables.mdb";
+using test_support::kDatabasePath;
 
 // Passes everything on and tells when a file is synced.
 class TellingFile final : public test_support::ForwardingFile {
@@ -40,7 +40,7 @@ public:
     base::Result<std::unique_ptr<jet::File>> Open(const std::filesystem::path& path,
                                                   jet::OpenMode mode) override {
         auto file = ForwardingFiles::Open(path, mode);
-        if (!file.ok() || path != kPath) return file;
+        if (!file.ok() || path != kDatabasePath) return file;
         return std::unique_ptr<jet::File>(
             std::make_unique<TellingFile>(std::move(file).value(), database_synced));
     }
@@ -57,8 +57,8 @@ jet::PageStoreOptions WithoutFlusher() {
 class CommitDuringCheckpoint : public testing::Test {
 protected:
     void SetUp() override {
-        disk.Put(kPath, MakePages(1, 4));
-        auto opened = jet::OpenPageStore(files, kPath, WithoutFlusher());
+        disk.Put(kDatabasePath, MakePages(1, 4));
+        auto opened = jet::OpenPageStore(files, kDatabasePath, WithoutFlusher());
         ASSERT_TRUE(opened.ok()) << opened.status().message();
         store = std::move(opened).value();
     }
@@ -74,7 +74,7 @@ protected:
     // What the page holds for who opens the files after this process is killed now.
     int AfterAKill(jet::PageNumber page) const {
         const auto left = disk.Kill();
-        const auto opened = jet::OpenPageStore(*left, kPath, WithoutFlusher());
+        const auto opened = jet::OpenPageStore(*left, kDatabasePath, WithoutFlusher());
         if (!opened.ok()) return -1;
         const auto view = (*opened)->Read(page);
         return view.ok() ? std::to_integer<int>(view->bytes()[100]) : -1;

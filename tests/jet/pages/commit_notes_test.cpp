@@ -19,8 +19,8 @@ using test_support::FaultPlan;
 using test_support::FaultyFileSystem;
 using test_support::PageWorkload;
 
-constexpr const char* kPath = "folder/tables.mdb";
-constexpr std::size_t kTransactions = 14;
+using test_support::kDatabasePath;
+constexpr std::size_t kNotedTransactions = 14;
 
 // Keeps each note once. Outlives process and power, as a file would.
 class KeptNotes final : public jet::CommitNotes {
@@ -76,11 +76,11 @@ base::Result<std::unique_ptr<jet::PageStore>> Open(jet::FileSystem& files,
     jet::PageStoreOptions options;
     options.flush_delay = {};
     options.notes = notes;
-    return jet::OpenPageStore(files, kPath, options);
+    return jet::OpenPageStore(files, kDatabasePath, options);
 }
 
 std::uint64_t MarkOf(const FaultyFileSystem& files) {
-    const std::vector<std::byte> file = files.Get(kPath);
+    const std::vector<std::byte> file = files.Get(kDatabasePath);
     return jet::ReadFileMark(std::span(file).first(4096));
 }
 
@@ -88,7 +88,7 @@ class CommitNotesTest : public testing::Test {
 protected:
     std::unique_ptr<FaultyFileSystem> FreshDisk(FaultPlan plan = {}) {
         auto files = std::make_unique<FaultyFileSystem>();
-        files->Put(kPath, workload_.first_file());
+        files->Put(kDatabasePath, workload_.first_file());
         files->SetPlan(plan);
         return files;
     }
@@ -98,7 +98,7 @@ protected:
         auto store = Open(files, &notes);
         if (!store.ok()) return 0;
         std::size_t done = 0;
-        for (; done < kTransactions; ++done) {
+        for (; done < kNotedTransactions; ++done) {
             if (!workload_.Run(**store, done, NoteOf(done)).ok()) return done;
             if (done % 4 == 3 && !(*store)->Flush().ok()) return done + 1;
         }
@@ -123,8 +123,8 @@ protected:
 TEST_F(CommitNotesTest, EachIsHandedOnOnceAndTheMarkIsTheFilesOwn) {
     const auto files = FreshDisk();
     KeptNotes notes;
-    EXPECT_EQ(Run(*files, notes), kTransactions);
-    EXPECT_EQ(notes.Numbers(), NumbersBelow(kTransactions));
+    EXPECT_EQ(Run(*files, notes), kNotedTransactions);
+    EXPECT_EQ(notes.Numbers(), NumbersBelow(kNotedTransactions));
     EXPECT_EQ(notes.last_mark(), MarkOf(*files));
     EXPECT_FALSE(files->Exists("folder/tables.mdb-journal"));
 }
@@ -162,7 +162,7 @@ TEST_F(CommitNotesTest, WithoutATakerNothingIsWrittenBeside) {
 TEST_F(CommitNotesTest, AnEncodedFileHasNone) {
     PageWorkload encoded(7, 1, 0x1234ABCD);
     FaultyFileSystem files;
-    files.Put(kPath, encoded.first_file());
+    files.Put(kDatabasePath, encoded.first_file());
     KeptNotes notes;
     const auto store = Open(files, &notes);
     ASSERT_TRUE(store.ok());
@@ -176,7 +176,7 @@ TEST_F(CommitNotesTest, AnotherFilesMarksAreNotKnown) {
     const auto files = FreshDisk();
     KeptNotes notes;
     Run(*files, notes);
-    files->Put(kPath, workload_.first_file());
+    files->Put(kDatabasePath, workload_.first_file());
     ASSERT_TRUE(Open(*files, &notes).ok());
     EXPECT_FALSE(notes.is_bound());
 }
@@ -192,7 +192,7 @@ TEST_F(CommitNotesTest, WhereverTheProcessStopsNotesAndPagesAgree) {
             return;
         }
         const auto dead = files->Kill();
-        CheckReopened(*dead, notes, done, std::min(done + 1, kTransactions));
+        CheckReopened(*dead, notes, done, std::min(done + 1, kNotedTransactions));
         if (HasFailure()) return;
     }
 }
@@ -206,7 +206,7 @@ TEST_F(CommitNotesTest, WhereverThePowerFailsNotesAndPagesAgree) {
         const std::size_t done = Run(*files, notes);
         if (!files->fault_happened()) return;
         const auto dead = files->CutPower(static_cast<std::uint32_t>(call));
-        CheckReopened(*dead, notes, notes.Numbers().size(), std::min(done + 1, kTransactions));
+        CheckReopened(*dead, notes, notes.Numbers().size(), std::min(done + 1, kNotedTransactions));
         if (HasFailure()) return;
     }
 }

@@ -19,7 +19,7 @@ using jet::PageNumber;
 using test_support::FaultyFileSystem;
 using test_support::MakePages;
 
-constexpr const char* kPath = "folder/tables.mdb";
+using test_support::kDatabasePath;
 constexpr std::size_t kAt = 100;
 
 // The files of another file system, and something that happens before each opening of one of them
@@ -60,10 +60,10 @@ private:
 class PageCopyTest : public testing::Test {
 protected:
     void SetUp() override {
-        files_.Put(kPath, MakePages(1, 4));
+        files_.Put(kDatabasePath, MakePages(1, 4));
         jet::PageStoreOptions options;
         options.flush_delay = {};
-        auto opened = jet::OpenPageStore(files_, kPath, options);
+        auto opened = jet::OpenPageStore(files_, kDatabasePath, options);
         ASSERT_TRUE(opened.ok()) << opened.status().message();
         writer_ = std::move(opened).value();
     }
@@ -91,25 +91,25 @@ protected:
 
 TEST_F(PageCopyTest, HasWhatWasCommittedLast) {
     Write(7);  // in the journal only
-    auto copy = jet::CopyPages(files_, kPath);
+    auto copy = jet::CopyPages(files_, kDatabasePath);
     ASSERT_TRUE(copy.ok()) << copy.status().message();
     EXPECT_EQ(ByteAt(**copy, 1), 7);
     EXPECT_EQ((*copy)->page_count(), 4u);
     ASSERT_TRUE(writer_->Flush().ok());
-    copy = jet::CopyPages(files_, kPath);
+    copy = jet::CopyPages(files_, kDatabasePath);
     ASSERT_TRUE(copy.ok());
     EXPECT_EQ(ByteAt(**copy, 1), 7);
 }
 
 TEST_F(PageCopyTest, ItsChangesStayInIt) {
-    auto copy = jet::CopyPages(files_, kPath);
+    auto copy = jet::CopyPages(files_, kDatabasePath);
     ASSERT_TRUE(copy.ok());
-    const auto before = files_.Get(kPath);
+    const auto before = files_.Get(kDatabasePath);
     ASSERT_TRUE((*copy)->Begin().ok());
     (*(*copy)->Change(1))[kAt] = std::byte{9};
     ASSERT_TRUE((*copy)->Commit().ok());
     EXPECT_EQ(ByteAt(**copy, 1), 9);
-    EXPECT_EQ(files_.Get(kPath), before);
+    EXPECT_EQ(files_.Get(kDatabasePath), before);
     EXPECT_NE(ByteAt(*writer_, 1), 9);
 }
 
@@ -142,7 +142,7 @@ TEST_F(PageCopyTest, IsWholeWhateverHappensMeanwhile) {
                             if (step == second) act(at_second);
                             ++step;
                         };
-                        const auto copy = jet::CopyPages(watched, kPath);
+                        const auto copy = jet::CopyPages(watched, kDatabasePath);
                         ASSERT_TRUE(copy.ok()) << copy.status().message();
                         const std::string what = std::string(before) + ' ' + at_first + '@' +
                                                  std::to_string(first) + ' ' + at_second + '@' +
@@ -157,8 +157,8 @@ TEST_F(PageCopyTest, IsWholeWhateverHappensMeanwhile) {
 TEST_F(PageCopyTest, AJournalThatCannotBeReadIsAFailure) {
     Write(7);
     WatchedFiles watched(files_);
-    watched.refused = jet::Journal::PathFor(kPath);
-    EXPECT_FALSE(jet::CopyPages(watched, kPath).ok());
+    watched.refused = jet::Journal::PathFor(kDatabasePath);
+    EXPECT_FALSE(jet::CopyPages(watched, kDatabasePath).ok());
 }
 
 TEST_F(PageCopyTest, GivesUpWhenTheFileNeverRests) {
@@ -168,7 +168,7 @@ TEST_F(PageCopyTest, GivesUpWhenTheFileNeverRests) {
         Write(value++ % 100);
         EXPECT_TRUE(writer_->Flush().ok());
     };
-    const auto copy = jet::CopyPages(watched, kPath);
+    const auto copy = jet::CopyPages(watched, kDatabasePath);
     ASSERT_FALSE(copy.ok());
     EXPECT_EQ(copy.status().code(), base::StatusCode::kBusy);
 }

@@ -14,11 +14,11 @@ using jet::FindMove;
 using jet::PageBytes;
 using jet::PageMove;
 
-constexpr std::size_t kPageSize = 4096;
+constexpr std::size_t kPageBytes = 4096;
 
 PageBytes RandomPage(std::uint32_t seed) {
     std::mt19937 random(seed);
-    PageBytes page(kPageSize);
+    PageBytes page(kPageBytes);
     for (std::size_t i = 0; i < 3000; ++i)
         page[i] = static_cast<std::byte>(random());
     page[2999] = std::byte{1};
@@ -29,14 +29,14 @@ PageBytes RandomPage(std::uint32_t seed) {
 PageBytes WithInserted(PageBytes page, std::size_t at, std::size_t size) {
     const auto from = page.begin() + static_cast<std::ptrdiff_t>(at);
     page.insert(from, size, std::byte{0x77});
-    page.resize(kPageSize);
+    page.resize(kPageBytes);
     return page;
 }
 
 PageBytes WithRemoved(PageBytes page, std::size_t at, std::size_t size) {
     const auto from = page.begin() + static_cast<std::ptrdiff_t>(at);
     page.erase(from, from + static_cast<std::ptrdiff_t>(size));
-    page.resize(kPageSize);
+    page.resize(kPageBytes);
     return page;
 }
 
@@ -46,7 +46,7 @@ PageBytes Replayed(const PageBytes& before, const PageBytes& after, std::size_t&
     jet::AppendPageChange(payload, 5, before, after);
     bytes = payload.size();
     const jet::JournalPages known{{5, std::make_shared<PageBytes>(before)}};
-    const auto pages = jet::ParseTransaction(payload, kPageSize, 9, known);
+    const auto pages = jet::ParseTransaction(payload, kPageBytes, 9, known);
     return pages && pages->contains(5) ? *pages->at(5) : PageBytes();
 }
 
@@ -67,7 +67,7 @@ TEST(PageMoveTest, BytesBehindARemovalMovedDown) {
 TEST(PageMoveTest, OtherBytesDidNotMove) {
     EXPECT_FALSE(FindMove(RandomPage(3), RandomPage(4)).has_value());
     EXPECT_FALSE(FindMove(RandomPage(3), RandomPage(3)).has_value());
-    EXPECT_FALSE(FindMove(PageBytes(kPageSize), RandomPage(3)).has_value());
+    EXPECT_FALSE(FindMove(PageBytes(kPageBytes), RandomPage(3)).has_value());
 }
 
 TEST(PageMoveTest, TheJournalTellsAMoveInFewBytes) {
@@ -89,13 +89,13 @@ TEST(PageMoveTest, WhateverChangedIsReplayed) {
         const PageBytes before = RandomPage(i);
         PageBytes after = before;
         for (std::size_t step = random() % 4; step > 0; --step) {
-            const std::size_t at = random() % kPageSize;
-            const std::size_t size = 1 + random() % std::min<std::size_t>(600, kPageSize - at);
+            const std::size_t at = random() % kPageBytes;
+            const std::size_t size = 1 + random() % std::min<std::size_t>(600, kPageBytes - at);
             if (random() % 2 == 0)
                 after = WithInserted(after, at, size);
             else
                 after = WithRemoved(after, at, size);
-            after[random() % kPageSize] = static_cast<std::byte>(random());
+            after[random() % kPageBytes] = static_cast<std::byte>(random());
         }
         std::size_t bytes = 0;
         ASSERT_EQ(Replayed(before, after, bytes), after) << i;
@@ -107,16 +107,16 @@ TEST(PageMoveTest, AMoveOutOfThePageIsRefused) {
     std::vector<std::byte> payload;
     jet::AppendPageChange(payload, 5, before, WithInserted(before, 100, 30));
     const jet::JournalPages known{{5, std::make_shared<PageBytes>(before)}};
-    ASSERT_TRUE(jet::ParseTransaction(payload, kPageSize, 9, known).has_value());
+    ASSERT_TRUE(jet::ParseTransaction(payload, kPageBytes, 9, known).has_value());
     constexpr std::size_t kMoveAt = 8;  // behind page, base and number of ranges
     for (const std::size_t part : {0, 2, 4}) {
         std::vector<std::byte> damaged = payload;
         damaged[kMoveAt + part + 1] = std::byte{0xFF};
-        EXPECT_FALSE(jet::ParseTransaction(damaged, kPageSize, 9, known).has_value()) << part;
+        EXPECT_FALSE(jet::ParseTransaction(damaged, kPageBytes, 9, known).has_value()) << part;
     }
     for (std::size_t size = 1; size < payload.size(); ++size)
         EXPECT_FALSE(
-            jet::ParseTransaction(std::span(payload).first(size), kPageSize, 9, known).has_value())
+            jet::ParseTransaction(std::span(payload).first(size), kPageBytes, 9, known).has_value())
             << size;
 }
 

@@ -15,7 +15,7 @@ using test_support::FaultPlan;
 using test_support::FaultyFileSystem;
 using test_support::PageWorkload;
 
-constexpr const char* kPath = "folder/tables.mdb";
+using test_support::kDatabasePath;
 constexpr std::size_t kTransactions = 14;
 
 base::Result<std::unique_ptr<jet::PageStore>> Open(jet::FileSystem& files, bool read_only = false) {
@@ -23,7 +23,7 @@ base::Result<std::unique_ptr<jet::PageStore>> Open(jet::FileSystem& files, bool 
     options.read_only = read_only;
     options.cache_bytes = 0;
     options.flush_delay = {};
-    return jet::OpenPageStore(files, kPath, options);
+    return jet::OpenPageStore(files, kDatabasePath, options);
 }
 
 // What is known of a run that met a fault.
@@ -96,7 +96,7 @@ protected:
 
     std::unique_ptr<FaultyFileSystem> FreshDisk(FaultPlan plan) {
         auto files = std::make_unique<FaultyFileSystem>();
-        files->Put(kPath, workload_.first_file());
+        files->Put(kDatabasePath, workload_.first_file());
         files->SetPlan(plan);
         return files;
     }
@@ -320,16 +320,17 @@ TEST_F(FaultTest, AFlushThatFailsIsTriedAgain) {
     jet::PageStoreOptions options;
     options.cache_bytes = 0;
     options.flush_delay = std::chrono::milliseconds(1);
-    auto store = jet::OpenPageStore(*files, kPath, options);
+    auto store = jet::OpenPageStore(*files, kDatabasePath, options);
     ASSERT_TRUE(store.ok());
     ASSERT_TRUE(workload_.Run(**store, 0).ok());
     ASSERT_TRUE((*store)->Flush().ok());
-    const auto flushed = files->Get(kPath);
+    const auto flushed = files->Get(kDatabasePath);
     files->SetPlan({CallsOfTheSecond(true) + 1, FaultKind::kRefuse, base::StatusCode::kIoError});
     ASSERT_TRUE(workload_.Run(**store, 1).ok());
     EXPECT_TRUE(test_support::WaitFor([&] { return files->fault_happened(); }));
     EXPECT_TRUE(test_support::WaitFor([&] {
-        return files->Get("folder/tables.mdb-journal").empty() && files->Get(kPath) != flushed;
+        return files->Get("folder/tables.mdb-journal").empty() &&
+               files->Get(kDatabasePath) != flushed;
     }));
     EXPECT_TRUE((*store)->Close().ok());
 }
@@ -338,8 +339,8 @@ TEST_F(FaultTest, AFlushThatFailsIsTriedAgain) {
 TEST_F(FaultTest, OneUnreadablePageIsAlone) {
     constexpr jet::PageNumber kPages = 40;
     FaultyFileSystem files;
-    files.Put(kPath, test_support::MakePages(1, kPages));
-    files.SetUnreadable(kPath, 4096 * 20 + 100);
+    files.Put(kDatabasePath, test_support::MakePages(1, kPages));
+    files.SetUnreadable(kDatabasePath, 4096 * 20 + 100);
     auto store = Open(files);
     ASSERT_TRUE(store.ok());
     for (int walk = 0; walk < 2; ++walk)

@@ -20,7 +20,7 @@ using test_support::FaultyFileSystem;
 using test_support::MakePages;
 using test_support::PageWorkload;
 
-constexpr const char* kPath = "folder/tables.mdb";
+using test_support::kDatabasePath;
 
 enum class Kind { kMemory, kFile, kFileWithSmallCache };
 
@@ -34,11 +34,11 @@ protected:
             return;
         }
         store_.reset();
-        files_.Put(kPath, std::move(bytes));
+        files_.Put(kDatabasePath, std::move(bytes));
         jet::PageStoreOptions options;
         options.flush_delay = {};
         if (GetParam() == Kind::kFileWithSmallCache) options.cache_bytes = 0;
-        auto opened = jet::OpenPageStore(files_, kPath, options);
+        auto opened = jet::OpenPageStore(files_, kDatabasePath, options);
         ASSERT_TRUE(opened.ok()) << opened.status().message();
         store_ = std::move(opened).value();
     }
@@ -208,7 +208,7 @@ protected:
         jet::PageStoreOptions options;
         options.read_only = read_only;
         options.flush_delay = {};
-        auto store = jet::OpenPageStore(files, kPath, options);
+        auto store = jet::OpenPageStore(files, kDatabasePath, options);
         EXPECT_TRUE(store.ok()) << store.status().message();
         return store.ok() ? std::move(store).value() : nullptr;
     }
@@ -227,15 +227,15 @@ protected:
 };
 
 TEST_F(FilePageStoreTest, CommitLeavesTheDatabaseFileAloneAndFlushWritesIt) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     const auto store = Open(files_);
     ASSERT_TRUE(workload_.Run(*store, 0).ok());
-    const auto before = files_.Get(kPath);
+    const auto before = files_.Get(kDatabasePath);
     EXPECT_EQ(before.size(), workload_.first_file().size());
     ASSERT_TRUE(store->Flush().ok());
     EXPECT_TRUE(files_.Get("folder/tables.mdb-journal").empty());
     const auto content = workload_.ContentAfter(1);
-    const auto after = files_.Get(kPath);
+    const auto after = files_.Get(kDatabasePath);
     ASSERT_EQ(after.size(), content.size() * 4096);
     for (std::size_t i = 1; i < content.size(); ++i)
         EXPECT_TRUE(std::equal(content[i].begin(), content[i].end(),
@@ -243,16 +243,16 @@ TEST_F(FilePageStoreTest, CommitLeavesTheDatabaseFileAloneAndFlushWritesIt) {
 }
 
 TEST_F(FilePageStoreTest, OpeningAndClosingLeavesNoTrace) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto store = Open(files_);
     ASSERT_TRUE(store->Close().ok());
-    EXPECT_EQ(files_.Get(kPath), workload_.first_file());
+    EXPECT_EQ(files_.Get(kDatabasePath), workload_.first_file());
     EXPECT_FALSE(files_.Exists("folder/tables.ldb"));
     EXPECT_FALSE(files_.Exists("folder/tables.mdb-journal"));
 }
 
 TEST_F(FilePageStoreTest, CloseRemovesTheSisterFiles) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto store = Open(files_);
     EXPECT_TRUE(files_.Exists("folder/tables.ldb"));
     ASSERT_TRUE(workload_.Run(*store, 0).ok());
@@ -263,18 +263,18 @@ TEST_F(FilePageStoreTest, CloseRemovesTheSisterFiles) {
 }
 
 TEST_F(FilePageStoreTest, CommitWordsStayAboveTheNeutralValue) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto store = Open(files_);
     ASSERT_TRUE(workload_.Run(*store, 0).ok());
     ASSERT_TRUE(store->Close().ok());
-    const auto bytes = files_.Get(kPath);
+    const auto bytes = files_.Get(kDatabasePath);
     for (std::size_t at = 0xE00; at < 0x1000; at += 2)
         EXPECT_EQ(bytes[at + 1], std::byte{1});
     EXPECT_NE(jet::ReadFileMark(std::span(bytes).first(4096)), 0u);
 }
 
 TEST_F(FilePageStoreTest, KilledProcessLosesNothingCommitted) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     const auto store = Open(files_);
     for (std::size_t i = 0; i < 12; ++i) {
         ASSERT_TRUE(workload_.Run(*store, i).ok());
@@ -289,7 +289,7 @@ TEST_F(FilePageStoreTest, KilledProcessLosesNothingCommitted) {
 }
 
 TEST_F(FilePageStoreTest, ReaderSeesALeftOverJournalAndWritesNothing) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     const auto store = Open(files_);
     for (std::size_t i = 0; i < 3; ++i)
         ASSERT_TRUE(workload_.Run(*store, i).ok());
@@ -300,13 +300,13 @@ TEST_F(FilePageStoreTest, ReaderSeesALeftOverJournalAndWritesNothing) {
     EXPECT_EQ(reader->Begin().number(), 3027);
     ASSERT_TRUE(reader->Close().ok());
     EXPECT_EQ(survivor->bytes_written(), 0u);
-    EXPECT_EQ(survivor->Get(kPath), files_.Get(kPath));
+    EXPECT_EQ(survivor->Get(kDatabasePath), files_.Get(kDatabasePath));
     EXPECT_EQ(survivor->Get("folder/tables.mdb-journal"), files_.Get("folder/tables.mdb-journal"));
 }
 
 TEST_F(FilePageStoreTest, Jet3PagesHave2048Bytes) {
     PageWorkload workload(6, 0);
-    files_.Put(kPath, workload.first_file());
+    files_.Put(kDatabasePath, workload.first_file());
     auto store = Open(files_);
     EXPECT_EQ(store->page_size(), 2048u);
     for (std::size_t i = 0; i < 5; ++i)
@@ -317,26 +317,27 @@ TEST_F(FilePageStoreTest, Jet3PagesHave2048Bytes) {
 }
 
 TEST_F(FilePageStoreTest, FlusherWritesWhileTheProgramIsIdle) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     jet::PageStoreOptions options;
     options.flush_delay = std::chrono::milliseconds(1);
-    const auto store = jet::OpenPageStore(files_, kPath, options);
+    const auto store = jet::OpenPageStore(files_, kDatabasePath, options);
     ASSERT_TRUE(store.ok());
     ASSERT_TRUE(workload_.Run(**store, 0).ok());
     const std::size_t wanted = workload_.ContentAfter(1).size() * 4096;
     const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (files_.Get(kPath).size() < wanted || !files_.Get("folder/tables.mdb-journal").empty()) {
+    while (files_.Get(kDatabasePath).size() < wanted ||
+           !files_.Get("folder/tables.mdb-journal").empty()) {
         ASSERT_LT(std::chrono::steady_clock::now(), give_up);
         std::this_thread::yield();
     }
 }
 
 TEST_F(FilePageStoreTest, CommitsAndReadsRunBesideTheFlusher) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     jet::PageStoreOptions options;
     options.flush_delay = std::chrono::milliseconds(1);
     options.cache_bytes = 0;
-    auto store = jet::OpenPageStore(files_, kPath, options);
+    auto store = jet::OpenPageStore(files_, kDatabasePath, options);
     ASSERT_TRUE(store.ok());
     for (std::size_t i = 0; i < 400; ++i) {
         ASSERT_TRUE(workload_.Run(**store, i).ok());
@@ -350,7 +351,7 @@ TEST_F(FilePageStoreTest, CommitsAndReadsRunBesideTheFlusher) {
 // Of a page that the database file has, the journal is told the bytes that changed: a head of 24
 // bytes, one of 8 and one of 4 for each number.
 TEST_F(FilePageStoreTest, AChangedNumberIsToldInFewBytes) {
-    files_.Put(kPath, MakePages(1, 8));
+    files_.Put(kDatabasePath, MakePages(1, 8));
     const auto store = Open(files_);
     const auto change = [&](jet::PageNumber page, std::size_t at) {
         const std::uint64_t before = files_.bytes_written();
@@ -372,7 +373,7 @@ TEST_F(FilePageStoreTest, AChangedNumberIsToldInFewBytes) {
 // What a checkpoint brings into the database file are the sectors that changed, and the mark.
 TEST_F(FilePageStoreTest, ACheckpointWritesTheSectorsThatChanged) {
     constexpr std::uint64_t kRecordOfMark = 24 + 8;
-    files_.Put(kPath, MakePages(1, 8));
+    files_.Put(kDatabasePath, MakePages(1, 8));
     const auto store = Open(files_);
     const auto flushed = [&](const std::vector<std::pair<jet::PageNumber, std::size_t>>& places) {
         EXPECT_TRUE(store->Begin().ok());
@@ -399,7 +400,7 @@ TEST_F(FilePageStoreTest, APageOfWhichMuchChangesIsToldOnceAsAWhole) {
     std::mt19937 random(3);
     for (std::size_t at = 4096; at < bytes.size(); ++at)
         bytes[at] = static_cast<std::byte>(random());
-    files_.Put(kPath, bytes);
+    files_.Put(kDatabasePath, bytes);
     const auto store = Open(files_);
     const auto insert = [&] {
         const std::uint64_t before = files_.bytes_written();
@@ -420,16 +421,16 @@ TEST_F(FilePageStoreTest, APageOfWhichMuchChangesIsToldOnceAsAWhole) {
 
 // 16 commits of 1000 pages take 62.5 MB of it, the next one goes past 64 MB.
 TEST_F(FilePageStoreTest, TheCommitThatMakesTheJournalTooLongEmptiesIt) {
-    files_.Put(kPath, MakePages(1, 4));
+    files_.Put(kDatabasePath, MakePages(1, 4));
     const auto store = Open(files_);
     for (int commit = 0; commit < 17; ++commit) {
-        EXPECT_EQ(files_.Get(kPath).size(), 4 * 4096u) << commit;
+        EXPECT_EQ(files_.Get(kDatabasePath).size(), 4 * 4096u) << commit;
         ASSERT_TRUE(store->Begin().ok());
         for (int page = 0; page < 1000; ++page)
             std::ranges::fill(*store->Change(*store->Extend()), std::byte{0x5A});
         ASSERT_TRUE(store->Commit().ok());
     }
-    EXPECT_EQ(files_.Get(kPath).size(), 17'004 * 4096u);
+    EXPECT_EQ(files_.Get(kDatabasePath).size(), 17'004 * 4096u);
     EXPECT_TRUE(files_.Get("folder/tables.mdb-journal").empty());
 }
 
@@ -440,11 +441,11 @@ protected:
     // The file system as it is when the process died after `count` commits, the database file as it
     // was before.
     std::unique_ptr<FaultyFileSystem> DieAfter(std::size_t count) {
-        files_.Put(kPath, workload_.first_file());
+        files_.Put(kDatabasePath, workload_.first_file());
         const auto store = Open(files_);
         EXPECT_TRUE(workload_.Run(*store, 0).ok());
         EXPECT_TRUE(store->Flush().ok());
-        backup_ = files_.Get(kPath);
+        backup_ = files_.Get(kDatabasePath);
         for (std::size_t i = 1; i < count; ++i) {
             EXPECT_TRUE(workload_.Run(*store, i).ok());
             EXPECT_TRUE(store->Flush().ok() || i + 1 == count);
@@ -458,19 +459,19 @@ protected:
 
 TEST_F(LeftOverJournalTest, AnOlderCopyPutBackStaysAsItIs) {
     const auto survivor = DieAfter(4);
-    survivor->Put(kPath, backup_);
+    survivor->Put(kDatabasePath, backup_);
     auto store = Open(*survivor);
     EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 1, 1), 1);
     ASSERT_TRUE(store->Close().ok());
-    EXPECT_EQ(survivor->Get(kPath), backup_);
+    EXPECT_EQ(survivor->Get(kDatabasePath), backup_);
 }
 
 TEST_F(LeftOverJournalTest, AnOlderCopyOfTheSameSizeStaysAsItIs) {
-    files_.Put(kPath, MakePages(1, 4));
+    files_.Put(kDatabasePath, MakePages(1, 4));
     const auto store = Open(files_);
     std::vector<std::byte> copy;
     for (int i = 1; i <= 3; ++i) {
-        if (i == 2) copy = files_.Get(kPath);
+        if (i == 2) copy = files_.Get(kDatabasePath);
         ASSERT_TRUE(store->Begin().ok());
         (*store->Change(2))[7] = static_cast<std::byte>(i);
         ASSERT_TRUE(store->Commit().ok());
@@ -479,28 +480,28 @@ TEST_F(LeftOverJournalTest, AnOlderCopyOfTheSameSizeStaysAsItIs) {
         }
     }
     const auto survivor = files_.Kill();
-    survivor->Put(kPath, copy);
+    survivor->Put(kDatabasePath, copy);
     auto reopened = Open(*survivor);
     EXPECT_EQ(reopened->Read(2)->bytes()[7], std::byte{1});
     ASSERT_TRUE(reopened->Close().ok());
-    EXPECT_EQ(survivor->Get(kPath), copy);
+    EXPECT_EQ(survivor->Get(kDatabasePath), copy);
 }
 
 TEST_F(LeftOverJournalTest, AnotherFileUnderTheNameStaysAsItIs) {
     const auto survivor = DieAfter(4);
-    survivor->Put(kPath, workload_.first_file());
+    survivor->Put(kDatabasePath, workload_.first_file());
     auto store = Open(*survivor);
     EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 0, 0), 0);
 }
 
 TEST_F(LeftOverJournalTest, AFileChangedByAnotherProgramStaysAsItIs) {
     const auto survivor = DieAfter(4);
-    auto bytes = survivor->Get(kPath);
+    auto bytes = survivor->Get(kDatabasePath);
     bytes[0xE00] = std::byte{2};  // another engine counted a committed write
-    survivor->Put(kPath, bytes);
+    survivor->Put(kDatabasePath, bytes);
     auto store = Open(*survivor);
     ASSERT_TRUE(store->Close().ok());
-    EXPECT_EQ(survivor->Get(kPath), bytes);
+    EXPECT_EQ(survivor->Get(kDatabasePath), bytes);
 }
 
 // As long as the last commit made it, it may be a checkpoint that did not end; a page more was
@@ -508,15 +509,15 @@ TEST_F(LeftOverJournalTest, AFileChangedByAnotherProgramStaysAsItIs) {
 TEST_F(LeftOverJournalTest, AFileLongerThanItsCommitsStaysAsItIs) {
     const auto survivor = DieAfter(4);
     const std::size_t pages = workload_.ContentAfter(5).size();
-    auto bytes = survivor->Get(kPath);
+    auto bytes = survivor->Get(kDatabasePath);
     bytes.resize((pages + 1) * 4096);
-    survivor->Put(kPath, bytes);
+    survivor->Put(kDatabasePath, bytes);
     auto store = Open(*survivor);
     EXPECT_EQ(store->page_count(), pages + 1);
     ASSERT_TRUE(store->Close().ok());
-    EXPECT_EQ(survivor->Get(kPath), bytes);
+    EXPECT_EQ(survivor->Get(kDatabasePath), bytes);
     bytes.resize(pages * 4096);
-    survivor->Put(kPath, bytes);
+    survivor->Put(kDatabasePath, bytes);
     store = Open(*survivor);
     EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 5, 5), 5);
 }
@@ -524,25 +525,25 @@ TEST_F(LeftOverJournalTest, AFileLongerThanItsCommitsStaysAsItIs) {
 // The file that it belongs to may be put back under this name.
 TEST_F(LeftOverJournalTest, AnotherFilesJournalStaysUntilThereIsACommit) {
     const auto survivor = DieAfter(4);
-    const auto own = survivor->Get(kPath);
-    const std::filesystem::path path = std::string(kPath) + "-journal";
+    const auto own = survivor->Get(kDatabasePath);
+    const std::filesystem::path path = std::string(kDatabasePath) + "-journal";
     const auto journal = survivor->Get(path);
     ASSERT_FALSE(journal.empty());
-    survivor->Put(kPath, workload_.first_file());
+    survivor->Put(kDatabasePath, workload_.first_file());
     for (const bool read_only : {false, true}) {
         auto store = Open(*survivor, read_only);
         ASSERT_TRUE(store->Flush().ok());
         ASSERT_TRUE(store->Close().ok());
         EXPECT_EQ(survivor->Get(path), journal) << read_only;
     }
-    survivor->Put(kPath, own);
+    survivor->Put(kDatabasePath, own);
     const auto store = Open(*survivor);
     EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 5, 5), 5);
 }
 
 TEST_F(LeftOverJournalTest, TheNextCommitReplacesAForeignJournal) {
     const auto survivor = DieAfter(4);
-    survivor->Put(kPath, workload_.first_file());
+    survivor->Put(kDatabasePath, workload_.first_file());
     auto store = Open(*survivor);
     ASSERT_TRUE(workload_.Run(*store, 0).ok());
     const auto next = survivor->Kill();
@@ -553,7 +554,7 @@ TEST_F(LeftOverJournalTest, TheNextCommitReplacesAForeignJournal) {
 TEST_F(LeftOverJournalTest, GarbageUnderTheNameIsNoJournal) {
     for (const std::size_t size : {0U, 1U, 47U, 48U, 4143U, 4144U, 4200U, 20000U}) {
         FaultyFileSystem files;
-        files.Put(kPath, workload_.first_file());
+        files.Put(kDatabasePath, workload_.first_file());
         files.Put("folder/tables.mdb-journal", std::vector<std::byte>(size, std::byte{0xA5}));
         auto store = Open(files);
         EXPECT_EQ(workload_.Recognize(PageWorkload::Read(*store), 0, 0), 0);
@@ -566,7 +567,7 @@ TEST_F(LeftOverJournalTest, CutAtAnyLengthItGivesAWholeNumberOfTransactions) {
     const auto journal = survivor->Get("folder/tables.mdb-journal");
     for (std::size_t size = 0; size < journal.size(); size += size < 4300 ? 211 : 1) {
         FaultyFileSystem files;
-        files.Put(kPath, survivor->Get(kPath));
+        files.Put(kDatabasePath, survivor->Get(kDatabasePath));
         auto cut = journal;
         cut.resize(size);
         files.Put("folder/tables.mdb-journal", cut);
@@ -576,7 +577,7 @@ TEST_F(LeftOverJournalTest, CutAtAnyLengthItGivesAWholeNumberOfTransactions) {
 }
 
 TEST_F(LeftOverJournalTest, WithAnyByteFlippedItGivesAWholeNumberOfTransactions) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto store = Open(files_);
     for (std::size_t i = 0; i < 4; ++i)
         ASSERT_TRUE(workload_.Run(*store, i).ok());
@@ -584,7 +585,7 @@ TEST_F(LeftOverJournalTest, WithAnyByteFlippedItGivesAWholeNumberOfTransactions)
     const auto journal = survivor->Get("folder/tables.mdb-journal");
     for (std::size_t at = 0; at < journal.size(); at += 13) {
         FaultyFileSystem files;
-        files.Put(kPath, survivor->Get(kPath));
+        files.Put(kDatabasePath, survivor->Get(kDatabasePath));
         auto damaged = journal;
         damaged[at] ^= std::byte{0x10};
         files.Put("folder/tables.mdb-journal", damaged);
@@ -597,7 +598,7 @@ TEST_F(LeftOverJournalTest, WithAnyByteFlippedItGivesAWholeNumberOfTransactions)
 
 TEST_F(FilePageStoreTest, MissingFileIs3024) {
     files_.Put("folder/other.txt", {});
-    const auto status = OpenFails(files_, kPath);
+    const auto status = OpenFails(files_, kDatabasePath);
     EXPECT_EQ(status.number(), 3024);
     EXPECT_EQ(status.message(), "Could not find file 'folder/tables.mdb'.");
 }
@@ -615,14 +616,14 @@ TEST_F(FilePageStoreTest, FilesThatAreNoDatabaseAre3343AndGetNoSisterFiles) {
         {}, std::vector<std::byte>(100), std::vector<std::byte>(8192), renamed, ragged};
     for (const auto& bytes : cases) {
         FaultyFileSystem files;
-        files.Put(kPath, bytes);
+        files.Put(kDatabasePath, bytes);
         for (const bool read_only : {false, true}) {
-            const auto status = OpenFails(files, kPath, read_only);
+            const auto status = OpenFails(files, kDatabasePath, read_only);
             EXPECT_EQ(status.number(), 3343);
             EXPECT_EQ(status.message(), "Unrecognized database format 'folder/tables.mdb'.");
             EXPECT_EQ(status.code(), base::StatusCode::kUnsupported);
         }
-        EXPECT_EQ(files.Get(kPath), bytes);
+        EXPECT_EQ(files.Get(kDatabasePath), bytes);
         EXPECT_FALSE(files.Exists("folder/tables.ldb"));
     }
 }
@@ -634,23 +635,23 @@ TEST_F(FilePageStoreTest, NewerDatabasesAreSaidToBeNewer) {
     std::memcpy(renamed.data() + 4, "Standard ACE DB", 16);
     for (const auto& bytes : {newer, renamed}) {
         FaultyFileSystem files;
-        files.Put(kPath, bytes);
-        const auto status = OpenFails(files, kPath, false);
+        files.Put(kDatabasePath, bytes);
+        const auto status = OpenFails(files, kDatabasePath, false);
         EXPECT_EQ(status.number(), 3343);
         EXPECT_TRUE(status.message().starts_with(
             "Unrecognized database format 'folder/tables.mdb': the file was made by a newer "
             "version of the database engine"))
             << status.message();
-        EXPECT_EQ(files.Get(kPath), bytes);
+        EXPECT_EQ(files.Get(kDatabasePath), bytes);
         EXPECT_FALSE(files.Exists("folder/tables.ldb"));
     }
 }
 
 TEST_F(FilePageStoreTest, SecondWriterIsToldWhoHoldsTheFile) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto store = Open(files_);
     for (const bool read_only : {false, true}) {
-        const auto status = OpenFails(files_, kPath, read_only);
+        const auto status = OpenFails(files_, kDatabasePath, read_only);
         EXPECT_EQ(status.code(), base::StatusCode::kBusy);
         EXPECT_EQ(status.number(), 3356);
         EXPECT_EQ(status.message(),
@@ -662,10 +663,10 @@ TEST_F(FilePageStoreTest, SecondWriterIsToldWhoHoldsTheFile) {
 }
 
 TEST_F(FilePageStoreTest, ReadersShareTheFileAndKeepWritersOut) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto one = Open(files_, true);
     auto two = Open(files_, true);
-    const auto status = OpenFails(files_, kPath);
+    const auto status = OpenFails(files_, kDatabasePath);
     EXPECT_EQ(status.code(), base::StatusCode::kBusy);
     EXPECT_EQ(status.number(), 3045);
     one.reset();
@@ -684,7 +685,7 @@ public:
         auto file = files_.Open(path, mode);
         if (bytes_.empty()) return file;
         files_.Put("folder/other.mdb", std::exchange(bytes_, {}));
-        EXPECT_TRUE(files_.Rename("folder/other.mdb", kPath).ok());
+        EXPECT_TRUE(files_.Rename("folder/other.mdb", kDatabasePath).ok());
         return file;
     }
 
@@ -696,18 +697,18 @@ private:
 TEST_F(FilePageStoreTest, NobodyGoesOnWithAFileThatWasReplaced) {
     for (const bool read_only : {false, true}) {
         FaultyFileSystem files;
-        files.Put(kPath, MakePages(1, 4));
+        files.Put(kDatabasePath, MakePages(1, 4));
         ReplacedFiles replaced(files, MakePages(1, 4));
         jet::PageStoreOptions options;
         options.read_only = read_only;
-        EXPECT_EQ(jet::OpenPageStore(replaced, kPath, options).status().number(), 3045);
+        EXPECT_EQ(jet::OpenPageStore(replaced, kDatabasePath, options).status().number(), 3045);
         EXPECT_FALSE(files.Exists("folder/tables.ldb"));
-        EXPECT_TRUE(jet::OpenPageStore(replaced, kPath, options).ok());
+        EXPECT_TRUE(jet::OpenPageStore(replaced, kDatabasePath, options).ok());
     }
 }
 
 TEST_F(FilePageStoreTest, ALockFileHeldByAnotherProgramMeansBusy) {
-    files_.Put(kPath, workload_.first_file());
+    files_.Put(kDatabasePath, workload_.first_file());
     auto ldb = files_.Open("folder/tables.ldb", jet::OpenMode::kCreate);
     ASSERT_TRUE(ldb.ok());
     std::vector<std::byte> slot(64);
@@ -716,7 +717,7 @@ TEST_F(FilePageStoreTest, ALockFileHeldByAnotherProgramMeansBusy) {
     ASSERT_TRUE(ldb.value()->WriteAt(0, slot).ok());
     ASSERT_TRUE(ldb.value()->Lock(jet::FileLock::kExclusive, jet::kBehindContent).ok());
     for (const bool read_only : {false, true}) {
-        const auto status = OpenFails(files_, kPath, read_only);
+        const auto status = OpenFails(files_, kDatabasePath, read_only);
         EXPECT_EQ(status.number(), 3356);
         EXPECT_NE(status.message().find("user 'Admin' on machine 'OFFICE'"), std::string::npos);
     }
@@ -748,12 +749,12 @@ private:
 };
 
 TEST_F(FilePageStoreTest, AFileThatAnotherProgramKeepsToItselfIsInUse) {
-    for (const char* kept : {kPath, "folder/tables.ldb", "folder/tables.mdb-journal"}) {
-        files_.Put(kPath, workload_.first_file());
+    for (const char* kept : {kDatabasePath, "folder/tables.ldb", "folder/tables.mdb-journal"}) {
+        files_.Put(kDatabasePath, workload_.first_file());
         files_.Put(kept, files_.Get(kept));
         FilesKeptByAnother files(files_, kept);
         for (const bool read_only : {false, true}) {
-            const auto status = OpenFails(files, kPath, read_only);
+            const auto status = OpenFails(files, kDatabasePath, read_only);
             EXPECT_EQ(status.number(), 3045) << kept;
             EXPECT_EQ(status.code(), base::StatusCode::kBusy) << kept;
         }

@@ -15,10 +15,6 @@
 namespace jet::test {
 namespace {
 
-double Noon() {
-    return DaysFromCivil({2026, 11, 20, 12, 0, 0});
-}
-
 std::string Shown(const base::Result<Value>& value) {
     if (!value.ok()) return "<error> " + value.status().message();
     return value->is_null() ? "" : base::ToUtf8(ToText(*value));

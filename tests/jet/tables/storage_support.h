@@ -3,6 +3,7 @@
 #pragma once
 
 #include "jet/tables/database.h"
+#include "jet/values/conversions.h"
 #include "support/programs.h"
 #include "support/temporary_folder.h"
 #include "support/test_data.h"
@@ -29,6 +30,11 @@ std::vector<std::filesystem::path> DatabasesWithoutPassword();
 bool HasPassword(const std::filesystem::path& path);
 std::vector<std::byte> ReadWholeFile(const std::filesystem::path& path);
 void WriteWholeFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
+
+// The clock of tests that ask for the time: November 20, 2026, 12:00.
+inline double Noon() {
+    return DaysFromCivil({2026, 11, 20, 12, 0, 0});
+}
 
 // A copy of the file in memory.
 std::unique_ptr<PageStore> LoadIntoMemory(const std::filesystem::path& path);

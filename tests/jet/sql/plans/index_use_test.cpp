@@ -18,10 +18,6 @@
 namespace jet::test {
 namespace {
 
-double Noon() {
-    return DaysFromCivil({2026, 11, 20, 12, 0, 0});
-}
-
 struct Kind {
     const char* name;  // of the column, too
     ColumnType type;

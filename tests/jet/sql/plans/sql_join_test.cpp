@@ -216,8 +216,8 @@ TEST_F(SqlJoin, AnswersAsAllCombinationsDo) {
         return form;
     };
     const auto condition = [&](std::u16string_view tables) {
-        static const char16_t* const kOperators[] = {u" = ", u" = ", u" = ", u" < ", u" <> "};
-        std::u16string test = side(tables) + u" & ''" + kOperators[below(5)];
+        static const char16_t* const kJoinOperators[] = {u" = ", u" = ", u" = ", u" < ", u" <> "};
+        std::u16string test = side(tables) + u" & ''" + kJoinOperators[below(5)];
         if (below(3) == 0) return test + u"'" + Digits(static_cast<int>(below(4))) + u"'";
         return test + side(tables) + u" & ''";
     };

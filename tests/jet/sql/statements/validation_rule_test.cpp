@@ -12,11 +12,7 @@
 namespace jet::test {
 namespace {
 
-double Noon() {
-    return DaysFromCivil({2026, 11, 20, 12, 0, 0});
-}
-
-std::string Answer(Connection& connection, std::u16string_view sql) {
+std::string AnswerIn(Connection& connection, std::u16string_view sql) {
     std::int64_t affected = 0;
     auto rows = connection.Execute(sql, &affected);
     if (!rows.ok())
@@ -78,7 +74,7 @@ protected:
         connection = std::make_unique<Connection>(*files, Noon);
         ASSERT_TRUE(connection->Open(u"Data Source=" + path.u16string()).ok());
     }
-    std::string Ask(std::u16string_view sql) { return Answer(*connection, sql); }
+    std::string Ask(std::u16string_view sql) { return AnswerIn(*connection, sql); }
     int ErrorOf(std::u16string_view sql) { return connection->Execute(sql).status().number(); }
 
     TemporaryFolder folder;
@@ -206,7 +202,7 @@ TEST(RulesOfWholeFiles, HoldAsTheyStandThere) {
         for (const auto& [what, answer] : file.answers) {
             std::u16string sql = file.statement;
             sql.replace(sql.find(u'?'), 1, what);
-            EXPECT_EQ(Answer(connection, sql), answer);
+            EXPECT_EQ(AnswerIn(connection, sql), answer);
         }
     }
 }
