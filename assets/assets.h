@@ -1,6 +1,6 @@
-// The artwork that is compiled in: :/tavolo/icons/<key>.svg, :/tavolo/placeholder.svg (shown where
-// there is no picture),
-// :/tavolo/play.svg and play_pressed.svg, :/tavolo/tavolo.svg (the program's icon).
+// The artwork that is compiled in, as drawings (widgets/artwork.h): :/tavolo/icons/<key>.drawing,
+// :/tavolo/placeholder.drawing (shown where there is no picture), :/tavolo/play.drawing and
+// play_pressed.drawing, :/tavolo/tavolo.drawing (the program's icon).
 #pragma once
 
 namespace assets {

@@ -55,9 +55,9 @@ target_compile_options(strict_conversions INTERFACE -Wconversion -Wsign-conversi
 
 # qt_options: how the project uses Qt.
 if(TAVOLO_GUI)
-    find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Svg Network Test)
-    if(NOT WIN32)  # which has its own for what these are for
-        find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Multimedia)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network Test)
+    if(NOT WIN32)  # which has its own for what the first two are for; with the third the build records the artwork
+        find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Multimedia Svg)
     endif()
     add_library(qt_options INTERFACE)
     target_compile_definitions(qt_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII

@@ -65,6 +65,17 @@ function(add_window_library name)
     use_precompiled_headers(${name} window)
 endfunction()
 
+# add_host_program(name sources...): a program that the build itself runs. For another system it is not built but taken from
+# TAVOLO_HOST_PROGRAMS, the folder "bin" of a build for this machine.
+function(add_host_program name)
+    if(NOT CMAKE_CROSSCOMPILING)
+        add_executable(${name} ${ARGN})
+        return()
+    endif()
+    add_executable(${name} IMPORTED GLOBAL)
+    set_target_properties(${name} PROPERTIES IMPORTED_LOCATION ${TAVOLO_HOST_PROGRAMS}/${name})
+endfunction()
+
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
 # `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
 # zone are fixed so that no machine's setting matters; TAVOLO_SHARED is the caller's. DISPLAY: each test has a virtual display and

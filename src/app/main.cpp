@@ -7,7 +7,6 @@
 #include "app/language.h"
 #include "app/session_end.h"
 #include "app/texts.h"
-#include "assets.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
 #include "catalogue/application_folder_choice.h"
@@ -31,9 +30,9 @@
 #include "snapshots/restore_catalogue.h"
 #include "snapshots/snapshot_keeper.h"
 #include "widgets/program_style.h"
+#include "widgets/svg_icon.h"
 
 #include <QtCore/QLocale>
-#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <cstdio>
@@ -62,10 +61,9 @@ app::Arguments ArgumentsOf(int argc, char** argv) {
 
 // As long as the result lives, the windows follow the desktop between light and dark.
 std::unique_ptr<platform::ColourSchemeWatch> SetAppearance() {
-    assets::Load();
     auto* const style = new widgets::ProgramStyle;  // which the application owns
     QApplication::setStyle(style);
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/tavolo/tavolo.svg")));
+    QApplication::setWindowIcon(widgets::ProgramIcon());
     return platform::WatchColourScheme([style](bool is_dark) { style->SetDark(is_dark); });
 }
 

@@ -1,12 +1,11 @@
 #include "launcher/play_button.h"
 
-#include "assets.h"
 #include "catalogue/program_files.h"
 #include "launcher/texts.h"
+#include "widgets/artwork.h"
 
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
-#include <QtSvg/QSvgRenderer>
 
 namespace launcher {
 namespace {
@@ -25,16 +24,13 @@ QColor FromWindowsColour(std::uint32_t blue_green_red) {
                   static_cast<int>((blue_green_red >> 16) & 0xFF));
 }
 
-QSvgRenderer* Picture(const char* name, QObject* parent) {
-    assets::Load();
-    return new QSvgRenderer(QStringLiteral(":/tavolo/") + QLatin1String(name), parent);
-}
-
 }  // namespace
 
 PlayButton::PlayButton(const catalogue::ProcessValues& values, QWidget* parent)
     : QPushButton(LauncherTexts::tr("Play"), parent), values_(values),
-      picture_(Picture("play.svg", this)), pressed_picture_(Picture("play_pressed.svg", this)),
+      picture_(widgets::Artwork(QStringLiteral("play")).value_or(widgets::Drawing())),
+      pressed_picture_(
+          widgets::Artwork(QStringLiteral("play_pressed")).value_or(widgets::Drawing())),
       text_colour_(kAtFirst) {
     setObjectName(QStringLiteral("cmdPlay"));
     setAttribute(Qt::WA_Hover);
@@ -93,7 +89,7 @@ void PlayButton::paintEvent(QPaintEvent*) {
     const qreal caption_width = fontMetrics().horizontalAdvance(text());
     const qreal left = std::max<qreal>(kMargin, (width() - side - caption_width - 3 * kMargin) / 2);
     const QRectF place(left, (height() - side) / 2, side, side);
-    (isDown() ? pressed_picture_ : picture_)->render(&painter, place);
+    (isDown() ? pressed_picture_ : picture_).Paint(painter, place);
     DrawCaption(painter, QRectF(place.right() + 3 * kMargin, 0, width() - place.right(), height()));
 }
 

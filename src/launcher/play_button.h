@@ -4,13 +4,12 @@
 #pragma once
 
 #include "catalogue/process_values.h"
+#include "widgets/drawing.h"
 
 #include <QtWidgets/QPushButton>
 
 #include <cstdint>
 #include <functional>
-
-class QSvgRenderer;
 
 namespace launcher {
 
@@ -45,8 +44,8 @@ private:
 
     const catalogue::ProcessValues& values_;
     Sound sound_;
-    QSvgRenderer* picture_;  // children of the button
-    QSvgRenderer* pressed_picture_;
+    widgets::Drawing picture_;
+    widgets::Drawing pressed_picture_;
     std::uint32_t text_colour_;
     std::size_t cycle_ = 0;  // 0 before the first, then 1, 2, 3, 1
 };

@@ -1,6 +1,6 @@
 #include "widgets/picture_box.h"
 
-#include "assets.h"
+#include "widgets/artwork.h"
 #include "widgets/large_picture_window.h"
 #include "widgets/picture_access.h"
 #include "widgets/program_palette.h"
@@ -8,7 +8,6 @@
 #include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
-#include <QtSvg/QSvgRenderer>
 #include <QtWidgets/QStyleOptionFocusRect>
 
 namespace widgets {
@@ -17,9 +16,9 @@ namespace {
 constexpr int kResizePauseMs = 150;
 constexpr qreal kDimmed = 0.2;
 
-// `size` as large as fits into `box`, in the middle of it.
-QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
-    if (may_grow || size.width() > box.width() || size.height() > box.height())
+// `size`, made smaller if it does not fit into `box`, in the middle of it.
+QRectF Centred(QSizeF size, const QRectF& box) {
+    if (size.width() > box.width() || size.height() > box.height())
         size.scale(box.size(), Qt::KeepAspectRatio);
     QRectF place(QPointF(), size);
     place.moveCenter(box.center());
@@ -28,10 +27,9 @@ QRectF Centred(QSizeF size, const QRectF& box, bool may_grow) {
 
 // On a dark ground it is dimmed.
 void DrawPlaceholder(QPainter& painter, const QRectF& box, const QPalette& palette) {
-    assets::Load();
     if (IsDark(palette)) painter.setOpacity(kDimmed);
-    static QSvgRenderer artwork(QStringLiteral(":/tavolo/placeholder.svg"));
-    artwork.render(&painter, Centred(artwork.defaultSize(), box, true));
+    static const Drawing artwork = Artwork(QStringLiteral("placeholder")).value_or(Drawing());
+    artwork.Paint(painter, box);
 }
 
 }  // namespace
@@ -154,7 +152,7 @@ void PictureBox::paintEvent(QPaintEvent*) {
     if (image.isNull()) return DrawPlaceholder(painter, rect(), palette());
     const QSizeF natural =
         QSizeF(own_size_.isEmpty() ? image.size() : own_size_) / devicePixelRatioF();
-    painter.drawImage(Centred(natural, rect(), false), image);
+    painter.drawImage(Centred(natural, rect()), image);
     if (hasFocus()) DrawFocus(painter);
 }
 

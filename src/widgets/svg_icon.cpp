@@ -1,15 +1,15 @@
 #include "widgets/svg_icon.h"
 
-#include "assets.h"
+#include "widgets/artwork.h"
 
-#include <QtCore/QFile>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QIconEngine>
 #include <QtGui/QPainter>
 #include <QtGui/QPalette>
 #include <QtGui/QPixmapCache>
-#include <QtSvg/QSvgRenderer>
 
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace widgets {
@@ -25,7 +25,8 @@ QColor InkOf(QIcon::Mode mode) {
 
 class SvgIconEngine final : public QIconEngine {
 public:
-    SvgIconEngine(QString key, QByteArray svg) : key_(std::move(key)), svg_(std::move(svg)) {}
+    SvgIconEngine(QString key, Drawing drawing)
+        : key_(std::move(key)), drawing_(std::make_shared<const Drawing>(std::move(drawing))) {}
 
     QString key() const override { return QStringLiteral("tavolo"); }
     QString iconName() override { return kSvgIconPrefix.toString() + key_; }
@@ -53,28 +54,32 @@ private:
         if (QPixmapCache::find(name, &drawn)) return drawn;
         drawn = QPixmap(size);
         drawn.fill(Qt::transparent);
-        QByteArray svg = svg_;
-        QSvgRenderer renderer(svg.replace("currentColor", ink.name().toLatin1()));
-        renderer.setAspectRatioMode(Qt::KeepAspectRatio);
         QPainter painter(&drawn);
         if (mode == QIcon::Disabled) painter.setOpacity(kDisabledOpacity);
-        renderer.render(&painter);
+        drawing_->Paint(painter, QRectF(QPointF(), size), ink);
         painter.end();
         QPixmapCache::insert(name, drawn);
         return drawn;
     }
 
     QString key_;
-    QByteArray svg_;
+    std::shared_ptr<const Drawing> drawing_;  // of all copies of the icon
 };
+
+// The icon that is `artwork`, by the name `key`.
+QIcon IconOf(const QString& artwork, const QString& key) {
+    std::optional<Drawing> drawing = Artwork(artwork);
+    return drawing ? QIcon(new SvgIconEngine(key, std::move(*drawing))) : QIcon();
+}
 
 }  // namespace
 
 QIcon SvgIcon(const QString& key) {
-    assets::Load();
-    QFile file(QStringLiteral(":/tavolo/icons/") + key + QStringLiteral(".svg"));
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return QIcon(new SvgIconEngine(key, file.readAll()));
+    return IconOf(QStringLiteral("icons/") + key, key);
+}
+
+QIcon ProgramIcon() {
+    return IconOf(QStringLiteral("tavolo"), QStringLiteral("program"));
 }
 
 }  // namespace widgets

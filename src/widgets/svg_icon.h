@@ -15,4 +15,7 @@ inline constexpr QStringView kSvgIconPrefix = u"tavolo-";
 // The icon of assets/icons/`key`.svg; a null icon if there is none.
 QIcon SvgIcon(const QString& key);
 
+// That of the program's windows.
+QIcon ProgramIcon();
+
 }  // namespace widgets

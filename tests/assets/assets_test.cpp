@@ -1,10 +1,9 @@
-#include "assets.h"
+#include "widgets/artwork.h"
 
 #include <gtest/gtest.h>
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
-#include <QtSvg/QSvgRenderer>
 
 #include <array>
 
@@ -12,13 +11,12 @@ namespace {
 
 // Pixels of the picture, drawn at the size of a tree icon, that are not transparent.
 int DrawnPixels(const QString& name) {
-    assets::Load();
-    QSvgRenderer picture(QStringLiteral(":/tavolo/") + name);
-    if (!picture.isValid()) return -1;
+    const auto picture = widgets::Artwork(name);
+    if (!picture) return -1;
     QImage image(16, 16, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    picture.render(&painter);
+    picture->Paint(painter, QRectF(0, 0, 16, 16));
     painter.end();
     int drawn = 0;
     for (int y = 0; y < image.height(); ++y)
@@ -35,16 +33,14 @@ TEST_P(Artwork, IsVisibleAtTheSizeOfATreeIcon) {
 
 INSTANTIATE_TEST_SUITE_P(
     AssetsTest, Artwork,
-    testing::Values("icons/apply.svg", "icons/author.svg", "icons/back.svg", "icons/close.svg",
-                    "icons/closed.svg", "icons/company.svg", "icons/computer.svg",
-                    "icons/detail.svg", "icons/details_view.svg", "icons/drive.svg",
-                    "icons/favorite.svg", "icons/file.svg", "icons/filedate.svg",
-                    "icons/forward.svg", "icons/home.svg", "icons/information.svg",
-                    "icons/list_view.svg", "icons/mame.svg", "icons/more.svg",
-                    "icons/new_folder.svg", "icons/number.svg", "icons/open.svg", "icons/paste.svg",
-                    "icons/pinball.svg", "icons/question.svg", "icons/save.svg", "icons/search.svg",
-                    "icons/set_picture.svg", "icons/stop.svg", "icons/trash.svg", "icons/up.svg",
-                    "icons/vp.svg", "icons/warning.svg", "icons/year.svg", "placeholder.svg",
-                    "play.svg", "play_pressed.svg", "tavolo.svg"));
+    testing::Values("icons/apply", "icons/author", "icons/back", "icons/close", "icons/closed",
+                    "icons/company", "icons/computer", "icons/detail", "icons/details_view",
+                    "icons/drive", "icons/favorite", "icons/file", "icons/filedate",
+                    "icons/forward", "icons/home", "icons/information", "icons/list_view",
+                    "icons/mame", "icons/more", "icons/new_folder", "icons/number", "icons/open",
+                    "icons/paste", "icons/pinball", "icons/question", "icons/save", "icons/search",
+                    "icons/set_picture", "icons/stop", "icons/trash", "icons/up", "icons/vp",
+                    "icons/warning", "icons/year", "placeholder", "play", "play_pressed",
+                    "tavolo"));
 
 }  // namespace
