@@ -221,6 +221,13 @@ private:
     std::vector<std::byte> whole_;
 };
 
+// A state of the catalogue that is to become a snapshot.
+struct SnapshotStore::NewState {
+    Snapshot snapshot;
+    std::unique_ptr<NewPack> pack;  // what of it is not stored yet
+    bool is_new = false;            // the newest snapshot has another state
+};
+
 base::Result<std::optional<SnapshotNumber>> SnapshotStore::Make(const Request& request) {
     ASSIGN_OR_RETURN(const auto session, Begin(true));
     ASSIGN_OR_RETURN(const Folder folder, ReadFolder());
@@ -228,45 +235,61 @@ base::Result<std::optional<SnapshotNumber>> SnapshotStore::Make(const Request& r
     const SnapshotNumber number = folder.NextNumber();
     if (number > kLastNumber)
         return base::Status(base::StatusCode::kUnsupported, "There are too many snapshots.");
-    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, jet::CopyFileBytes(files_, database_));
-    bool is_new = false;
-    ASSIGN_OR_RETURN(Snapshot snapshot, StorePages(bytes, folder, number, is_new));
-    if (!is_new) return std::optional<SnapshotNumber>();
-    snapshot.head.occasion = request.occasion;
-    snapshot.head.time = request.time;
-    snapshot.head.label = CutLabel(request.label);
-    RETURN_IF_ERROR(WriteFile(NameOf(number, false), StoreSnapshot(snapshot), {}));
+    PackSet packs(files_, folder_);
+    ASSIGN_OR_RETURN(NewState state, ReadDatabase(folder, number, packs));
+    const PackDirectory& directory = state.pack->directory();
+    if (!directory.records.empty())
+        RETURN_IF_ERROR(
+            WriteFile(PackSet::FileName(number), StoreDirectory(directory), state.pack->data()));
+    if (!state.is_new) return std::optional<SnapshotNumber>();
+    state.snapshot.head.occasion = request.occasion;
+    state.snapshot.head.time = request.time;
+    state.snapshot.head.label = CutLabel(request.label);
+    RETURN_IF_ERROR(WriteFile(NameOf(number, false), StoreSnapshot(state.snapshot), {}));
     RETURN_IF_ERROR(files_.SyncFolder(folder_));
     return std::optional(number);
 }
 
-base::Result<Snapshot> SnapshotStore::StorePages(const std::vector<std::byte>& bytes,
-                                                 const Folder& folder, SnapshotNumber number,
-                                                 bool& is_new) {
-    Snapshot snapshot;
-    ASSIGN_OR_RETURN(snapshot.head.page_size, jet::PageSizeOf(bytes));
-    const std::size_t page_size = snapshot.head.page_size;
-    snapshot.head.page_count = static_cast<jet::PageNumber>(bytes.size() / page_size);
+// Page by page, unless somebody changes the catalogue at this very time: then as a whole.
+base::Result<SnapshotStore::NewState>
+SnapshotStore::ReadDatabase(const Folder& folder, SnapshotNumber number, PackSet& packs) {
+    base::Result<NewState> state = NewState();
+    const auto read = [&](const jet::PageSource& pages) {
+        state = ReadState(pages, folder, number, packs);
+        return state.status();
+    };
+    const auto is_steady = jet::ReadSteadyPages(files_, database_, read);
+    if (is_steady.ok() && *is_steady) return state;
+    ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, jet::CopyFileBytes(files_, database_));
+    ASSIGN_OR_RETURN(const std::uint32_t page_size, jet::PageSizeOf(bytes));
+    return ReadState(jet::PagesOf(bytes, page_size), folder, number, packs);
+}
+
+base::Result<SnapshotStore::NewState> SnapshotStore::ReadState(const jet::PageSource& pages,
+                                                               const Folder& folder,
+                                                               SnapshotNumber number,
+                                                               PackSet& packs) {
+    NewState state;
+    SnapshotHead& head = state.snapshot.head;
+    head.page_size = pages.page_size;
+    head.page_count = pages.page_count;
     std::vector<RecordPlace> known;
     const Snapshot* const newest = folder.Newest();
-    if (newest != nullptr && newest->head.page_size == page_size) known = PlacesOf(*newest);
-    PackSet packs(files_, folder_);
-    NewPack pack(number, packs, snapshot.head.page_size);
+    if (newest != nullptr && newest->head.page_size == pages.page_size) known = PlacesOf(*newest);
+    state.pack = std::make_unique<NewPack>(number, packs, pages.page_size);
     std::vector<RecordPlace> places;
-    places.reserve(snapshot.head.page_count);
-    for (jet::PageNumber page = 0; page < snapshot.head.page_count; ++page) {
-        const auto content = std::span(bytes).subspan(page * page_size, page_size);
+    places.reserve(pages.page_count);
+    std::vector<std::byte> content(pages.page_size);
+    for (jet::PageNumber page = 0; page < pages.page_count; ++page) {
+        RETURN_IF_ERROR(pages.read(page, content));
         const std::uint64_t checksum = PageChecksum(page, content);
-        snapshot.head.checksum = FileChecksum(snapshot.head.checksum, checksum);
+        head.checksum = FileChecksum(head.checksum, checksum);
         const auto before = page < known.size() ? std::optional(known[page]) : std::nullopt;
-        places.push_back(pack.Place(page, content, checksum, before));
+        places.push_back(state.pack->Place(page, content, checksum, before));
     }
-    is_new = places != known;
-    snapshot.runs = MakeRuns(places);
-    if (!pack.directory().records.empty())
-        RETURN_IF_ERROR(
-            WriteFile(PackSet::FileName(number), StoreDirectory(pack.directory()), pack.data()));
-    return snapshot;
+    state.is_new = places != known;
+    state.snapshot.runs = MakeRuns(places);
+    return state;
 }
 
 // The file is complete and on the disk before it has its name.

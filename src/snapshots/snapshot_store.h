@@ -10,6 +10,7 @@
 #pragma once
 
 #include "jet/pages/file_system.h"
+#include "jet/pages/page_store.h"
 #include "snapshots/snapshot_format.h"
 
 #include <functional>
@@ -71,13 +72,16 @@ private:
     struct Entry;
     struct Folder;
     struct NewPack;
+    struct NewState;
 
     base::Result<std::unique_ptr<Session>> Begin(bool makes_folder);
     base::Result<Folder> ReadFolder();
     base::Result<Entry> ReadEntry(SnapshotNumber number, bool is_checked);
     base::Status RemoveLeftovers(const Folder& folder);
-    base::Result<Snapshot> StorePages(const std::vector<std::byte>& bytes, const Folder& folder,
-                                      SnapshotNumber number, bool& is_new);
+    base::Result<NewState> ReadDatabase(const Folder& folder, SnapshotNumber number,
+                                        PackSet& packs);
+    static base::Result<NewState> ReadState(const jet::PageSource& pages, const Folder& folder,
+                                            SnapshotNumber number, PackSet& packs);
     base::Status WriteFile(const std::string& name, std::span<const std::byte> head,
                            std::span<const std::byte> rest);
     base::Status Remove(const Entry& entry);

@@ -21,6 +21,12 @@ using FileBytes = std::vector<std::byte>;
 constexpr int kMaxAttempts = 20;
 // More than page 0 of either version: it holds the mark that every checkpoint changes.
 constexpr std::size_t kHeadBytes = 4096;
+// Each page is read once.
+constexpr std::size_t kSteadyCacheBytes = 1U << 20;
+
+base::Status Refused() {
+    return {base::StatusCode::kPermissionDenied, "A copy is not written to."};
+}
 
 // A file as it was read. Locks are granted: nobody else can reach it.
 class BytesFile final : public File {
@@ -39,9 +45,6 @@ public:
     base::Status Lock(FileLock, std::uint64_t) override { return {}; }
 
 private:
-    static base::Status Refused() {
-        return {base::StatusCode::kPermissionDenied, "A copy is not written to."};
-    }
     const FileBytes& bytes_;
 };
 
@@ -72,12 +75,53 @@ public:
     FileBytes TakeDatabase() && { return std::move(database_bytes_); }
 
 private:
-    static base::Status Refused() {
-        return {base::StatusCode::kPermissionDenied, "A copy is not written to."};
-    }
     std::filesystem::path database_;
     FileBytes database_bytes_;
     FileBytes journal_bytes_;
+};
+
+// A file of others, without their locks: it is read beside its owner.
+class FileBesideOwner final : public File {
+public:
+    explicit FileBesideOwner(std::unique_ptr<File> file) : file_(std::move(file)) {}
+    base::Result<std::uint64_t> Size() const override { return file_->Size(); }
+    base::Status ReadAt(std::uint64_t offset, std::span<std::byte> bytes) const override {
+        return file_->ReadAt(offset, bytes);
+    }
+    base::Status WriteAt(std::uint64_t, std::span<const std::byte>) override { return Refused(); }
+    base::Status Truncate(std::uint64_t) override { return Refused(); }
+    base::Status Sync() override { return Refused(); }
+    base::Status Lock(FileLock, std::uint64_t) override { return {}; }
+
+private:
+    std::unique_ptr<File> file_;
+};
+
+// The database file as it is, its journal as it was read, and no other file.
+class FilesBesideOwner final : public FileSystem {
+public:
+    FilesBesideOwner(FileSystem& files, std::filesystem::path database, const FileBytes& journal)
+        : files_(files), database_(std::move(database)), journal_(journal) {}
+
+    base::Result<std::unique_ptr<File>> Open(const std::filesystem::path& path, OpenMode) override {
+        if (path != database_) return std::unique_ptr<File>(std::make_unique<BytesFile>(journal_));
+        ASSIGN_OR_RETURN(auto file, files_.Open(path, OpenMode::kRead));
+        return std::unique_ptr<File>(std::make_unique<FileBesideOwner>(std::move(file)));
+    }
+    bool Exists(const std::filesystem::path& path) override {
+        return path == Journal::PathFor(database_) ? !journal_.empty() : path == database_;
+    }
+    base::Status Remove(const std::filesystem::path&) override { return Refused(); }
+    base::Status Rename(const std::filesystem::path&, const std::filesystem::path&) override {
+        return Refused();
+    }
+    base::Status SyncFolder(const std::filesystem::path&) override { return Refused(); }
+    std::string OwnerName() override { return {}; }
+
+private:
+    FileSystem& files_;
+    std::filesystem::path database_;
+    const FileBytes& journal_;
 };
 
 // What the file holds as far as it can be read: one that shrinks meanwhile ends early.
@@ -121,18 +165,29 @@ base::Result<std::optional<BytesFileSystem>> TryToRead(FileSystem& files,
     return std::optional(BytesFileSystem(path, std::move(database), std::move(journal)));
 }
 
-// The pages as a database file has them.
-base::Result<FileBytes> BytesOf(PageStore& store) {
-    FileBytes bytes;
-    bytes.reserve(std::size_t{store.page_count()} * store.page_size());
-    PageEncoding encoding;
-    for (PageNumber number = 0; number < store.page_count(); ++number) {
+// The pages as a database file has them. `store` is borrowed.
+PageSource FileBytesOf(PageStore& store) {
+    const auto read = [&store, encoding = std::optional<PageEncoding>()](
+                          PageNumber number, std::span<std::byte> bytes) mutable -> base::Status {
+        if (!encoding) {
+            ASSIGN_OR_RETURN(const PageView first, store.Read(0));
+            encoding = EncodingOf(first.bytes());
+        }
         ASSIGN_OR_RETURN(const PageView view, store.Read(number));
-        std::vector<std::byte> page(view.bytes().begin(), view.bytes().end());
-        if (number == 0) encoding = EncodingOf(page);
-        encoding.Apply(number, page);
-        bytes.insert(bytes.end(), page.begin(), page.end());
-    }
+        std::ranges::copy(view.bytes(), bytes.begin());
+        encoding->Apply(number, bytes);
+        return {};
+    };
+    return {store.page_size(), store.page_count(), read};
+}
+
+base::Result<FileBytes> BytesOf(PageStore& store) {
+    const PageSource pages = FileBytesOf(store);
+    FileBytes bytes(std::size_t{pages.page_size} * pages.page_count);
+    for (PageNumber number = 0; number < pages.page_count; ++number)
+        RETURN_IF_ERROR(
+            pages.read(number, std::span(bytes).subspan(std::size_t{number} * pages.page_size,
+                                                        pages.page_size)));
     return bytes;
 }
 
@@ -160,6 +215,29 @@ base::Result<FileBytes> CopyFileBytes(FileSystem& files, const std::filesystem::
         return std::move(**read).TakeDatabase();
     }
     return EngineStatus(failure);
+}
+
+base::Result<bool>
+ReadSteadyPages(FileSystem& files, const std::filesystem::path& path,
+                const std::function<base::Status(const PageSource& pages)>& read) {
+    ASSIGN_OR_RETURN(const FileBytes head_before, ReadWhole(files, path, kHeadBytes));
+    ASSIGN_OR_RETURN(const FileBytes journal_before, ReadJournalBytes(files, path));
+    base::Status done;
+    {
+        FilesBesideOwner beside(files, path, journal_before);
+        PageStoreOptions options;
+        options.read_only = true;
+        options.cache_bytes = kSteadyCacheBytes;
+        ASSIGN_OR_RETURN(const auto store, OpenPageStore(beside, path, options));
+        done = read(FileBytesOf(*store));
+    }
+    ASSIGN_OR_RETURN(const FileBytes journal, ReadJournalBytes(files, path));
+    ASSIGN_OR_RETURN(const FileBytes head, ReadWhole(files, path, kHeadBytes));
+    // A page that a checkpoint wrote meanwhile stands in the journal, too, and was taken from
+    // there.
+    if (journal != journal_before || (journal.empty() && head != head_before)) return false;
+    RETURN_IF_ERROR(done);
+    return true;
 }
 
 base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,

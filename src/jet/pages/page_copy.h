@@ -23,6 +23,13 @@ base::Result<std::unique_ptr<PageStore>> CopyPages(FileSystem& files,
 base::Result<std::vector<std::byte>> CopyFileBytes(FileSystem& files,
                                                    const std::filesystem::path& path);
 
+// Calls `read` once with the bytes that the database file would have if a checkpoint came now, page
+// by page, of which few are in memory. False: the file was changed meanwhile, so that what was read
+// is of no one state, whatever `read` returned. Errors: those of OpenPageStore and of `read`.
+base::Result<bool>
+ReadSteadyPages(FileSystem& files, const std::filesystem::path& path,
+                const std::function<base::Status(const PageSource& pages)>& read);
+
 // Of a whole database file in memory. kCorruption: these are not whole pages of one.
 base::Result<std::uint32_t> PageSizeOf(std::span<const std::byte> file);
 

@@ -113,44 +113,110 @@ TEST_F(PageCopyTest, ItsChangesStayInIt) {
     EXPECT_NE(ByteAt(*writer_, 1), 9);
 }
 
-// Whatever the writer does at any two steps of the reading, commits and checkpoints: one page of
-// two is never newer than the other.
-TEST_F(PageCopyTest, IsWholeWhateverHappensMeanwhile) {
-    constexpr int kSteps = 8;  // openings and halves of readings
-    constexpr std::array<const char*, 6> kActions = {"", "w", "f", "wf", "fw", "wfw"};
-    WatchedFiles watched(files_);
-    int value = 0;
-    const auto act = [&](const std::string& actions) {
+// What the writer does at two steps of a reading: w a commit, f a checkpoint.
+class PageCopyMeanwhileTest : public PageCopyTest {
+protected:
+    // Calls `read` for each pair of steps and actions; at_least_: what was committed before it.
+    void ForAll(int steps, const std::function<void(const std::string& what)>& read) {
+        constexpr std::array<const char*, 6> kActions = {"", "w", "f", "wf", "fw", "wfw"};
+        for (const char* before : {"w", "wf"})
+            for (int first = 0; first < steps; ++first)
+                for (int second = first; second < steps; ++second)
+                    for (const char* at_first : kActions)
+                        for (const char* at_second : kActions) {
+                            watched_.on_step = {};
+                            Act(before);
+                            at_least_ = value_;
+                            int step = 0;
+                            watched_.on_step = [&] {
+                                if (step == first) Act(at_first);
+                                if (step == second) Act(at_second);
+                                ++step;
+                            };
+                            read(std::string(before) + ' ' + at_first + '@' +
+                                 std::to_string(first) + ' ' + at_second + '@' +
+                                 std::to_string(second));
+                            if (HasFatalFailure()) return;
+                        }
+    }
+    void ExpectOneNewState(int of_one_page, int of_the_other, const std::string& what) const {
+        ASSERT_EQ(of_one_page, of_the_other) << what;
+        ASSERT_LE((of_one_page - at_least_ + 100) % 100, 4) << what;
+    }
+
+    WatchedFiles watched_{files_};
+
+private:
+    void Act(const std::string& actions) {
         for (const char action : actions) {
             if (action == 'w')
-                Write(value = value % 100 + 1);
+                Write(value_ = value_ % 100 + 1);
             else
                 ASSERT_TRUE(writer_->Flush().ok());
         }
-    };
-    for (const char* before : {"w", "wf"})
-        for (int first = 0; first < kSteps; ++first)
-            for (int second = first; second < kSteps; ++second)
-                for (const char* at_first : kActions)
-                    for (const char* at_second : kActions) {
-                        watched.on_step = {};
-                        act(before);
-                        const int at_least = value;
-                        int step = 0;
-                        watched.on_step = [&] {
-                            if (step == first) act(at_first);
-                            if (step == second) act(at_second);
-                            ++step;
-                        };
-                        const auto copy = jet::CopyPages(watched, kDatabasePath);
-                        ASSERT_TRUE(copy.ok()) << copy.status().message();
-                        const std::string what = std::string(before) + ' ' + at_first + '@' +
-                                                 std::to_string(first) + ' ' + at_second + '@' +
-                                                 std::to_string(second);
-                        ASSERT_EQ(ByteAt(**copy, 1), ByteAt(**copy, 2)) << what;
-                        const int newer = (ByteAt(**copy, 1) - at_least + 100) % 100;
-                        ASSERT_LE(newer, 4) << what;
-                    }
+    }
+
+    int value_ = 0;
+    int at_least_ = 0;
+};
+
+// One page of two is never newer than the other. Steps: openings and halves of readings.
+TEST_F(PageCopyMeanwhileTest, IsWholeWhateverHappens) {
+    ForAll(8, [&](const std::string& what) {
+        const auto copy = jet::CopyPages(watched_, kDatabasePath);
+        ASSERT_TRUE(copy.ok()) << copy.status().message();
+        ExpectOneNewState(ByteAt(**copy, 1), ByteAt(**copy, 2), what);
+    });
+}
+
+// Steps: openings and pages. What was changed is told, what was not is not.
+TEST_F(PageCopyMeanwhileTest, SteadyPagesAreOfOneStateOrNotSteady) {
+    int steady = 0;
+    ForAll(9, [&](const std::string& what) {
+        std::vector<int> bytes;
+        const auto done =
+            jet::ReadSteadyPages(watched_, kDatabasePath, [&](const jet::PageSource& pages) {
+                std::vector<std::byte> page(pages.page_size);
+                for (PageNumber number = 0; number < pages.page_count; ++number) {
+                    watched_.on_step();
+                    RETURN_IF_ERROR(pages.read(number, page));
+                    bytes.push_back(std::to_integer<int>(page[kAt]));
+                }
+                return base::Status();
+            });
+        if (!done.ok() || !*done) return;
+        ASSERT_EQ(bytes.size(), 4u);
+        ExpectOneNewState(bytes[1], bytes[2], what);
+        ++steady;
+    });
+    // Half of the cases in which nothing happens, at the least.
+    EXPECT_GT(steady, 45);
+}
+
+TEST_F(PageCopyTest, SteadyPagesAreTheBytesOfTheFile) {
+    Write(7);  // in the journal only
+    const auto whole = jet::CopyFileBytes(files_, kDatabasePath);
+    ASSERT_TRUE(whole.ok());
+    std::vector<std::byte> bytes;
+    const auto steady =
+        jet::ReadSteadyPages(files_, kDatabasePath, [&](const jet::PageSource& pages) {
+            bytes.resize(std::size_t{pages.page_size} * pages.page_count);
+            for (PageNumber page = 0; page < pages.page_count; ++page)
+                RETURN_IF_ERROR(
+                    pages.read(page, std::span(bytes).subspan(std::size_t{page} * pages.page_size,
+                                                              pages.page_size)));
+            return base::Status();
+        });
+    ASSERT_TRUE(steady.ok());
+    EXPECT_TRUE(*steady);
+    EXPECT_EQ(bytes, *whole);
+}
+
+TEST_F(PageCopyTest, WhatTheReaderSaysIsHandedOn) {
+    const auto steady = jet::ReadSteadyPages(files_, kDatabasePath, [](const jet::PageSource&) {
+        return base::Status(base::StatusCode::kNoSpace, "full");
+    });
+    EXPECT_EQ(steady.status().code(), base::StatusCode::kNoSpace);
 }
 
 // Without its journal the copy would lack what was committed last.
