@@ -8,11 +8,18 @@
 #include <QtCore/QStandardPaths>
 #include <QtCore/QString>
 
+#include <sys/personality.h>
+
 namespace test_support {
+
+inline constexpr unsigned long kWhatItIs = 0xFFFFFFFF;  // asks personality() and changes nothing
 
 // Sets this process's environment. Returns why Wine cannot be used, empty when it can. To create
 // the prefix takes seconds, on a busy machine up to a minute.
 inline QString UseWinePrefix(const QString& folder) {
+    // Where the kernel strews what it maps, one start in some 1,600 finds the addresses taken that
+    // Windows programs need, as Debian's Wine has no preloader. Some sandboxes do not allow it.
+    personality(personality(kWhatItIs) | ADDR_NO_RANDOMIZE);
     qputenv("WINEPREFIX", folder.toUtf8());
     qputenv("WINEDEBUG", "-all");
     qputenv("WINEDLLOVERRIDES", "mscoree,mshtml=");  // or it offers to fetch them from the network
