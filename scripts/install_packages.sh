@@ -10,7 +10,7 @@ run="xvfb openbox imagemagick x11-utils wmctrl xdotool fonts-dejavu-core qt6-ima
 test="libgtest-dev libgmock-dev libgsf-1-dev libsqlite3-dev mdbtools mdbtools-dev zlib1g-dev xclip rhash libjpeg-turbo-progs
     libchm-bin git clang clang-format clang-tidy libclang-rt-14-dev groff-base zsh fish wine wine64 gcc-mingw-w64-x86-64 pulseaudio pulseaudio-utils sox dbus-x11 procps
     desktop-file-utils appstream mandoc shared-mime-info libglib2.0-bin strace
-    dbus-daemon at-spi2-core python3-pyatspi qt6-l10n-tools"
+    dbus-daemon at-spi2-core python3-pyatspi qt6-l10n-tools x11-session-utils x11-xserver-utils"
 package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git patchelf xz-utils qt6-wayland"
 windows="g++-mingw-w64-x86-64-posix googletest nasm cmake ninja-build ccache pkg-config dpkg-dev qt6-base-dev qt6-base-dev-tools wine wine64 mdbtools rhash python3"
 

@@ -114,6 +114,7 @@ std::unique_ptr<platform::TerminationWatch> WatchForTheEnd(app::SessionEnd& sess
                                                            browser::frmPinball& window) {
     QObject::connect(qApp, &QGuiApplication::commitDataRequest, &window,
                      [&session_end] { session_end.Request(); });
+    session_end.TakeQuitOrders();
     return platform::WatchTermination([&session_end] { session_end.Request(); });
 }
 

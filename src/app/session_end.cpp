@@ -1,5 +1,6 @@
 #include "app/session_end.h"
 
+#include <QtCore/QEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
@@ -22,6 +23,17 @@ void SessionEnd::Request() {
     if (has_ended_) return;
     timer_.start(kTryAgainMs);
     Try();
+}
+
+void SessionEnd::TakeQuitOrders() {
+    qApp->installEventFilter(this);
+}
+
+// The order that ends the program itself, after the request, takes its usual way.
+bool SessionEnd::eventFilter(QObject*, QEvent* event) {
+    if (event->type() != QEvent::Quit || has_ended_) return false;
+    Request();
+    return true;
 }
 
 // A dialog at work refuses to be closed, and is asked again.

@@ -20,6 +20,18 @@ TEST(SessionEndTest, ItComesAtOnceWhenNothingIsInItsWay) {
     EXPECT_EQ(ends, 1);
 }
 
+TEST(SessionEndTest, AnOrderToQuitIsARequest) {
+    int ends = 0;
+    SessionEnd end([] { return false; }, [&] { ++ends; });
+    QEvent before(QEvent::User);
+    end.TakeQuitOrders();
+    QCoreApplication::sendEvent(qApp, &before);
+    EXPECT_EQ(ends, 0);
+    QEvent order(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &order);
+    EXPECT_EQ(ends, 1);
+}
+
 TEST(SessionEndTest, ACommandAtWorkIsWaitedFor) {
     int ends = 0;
     int asked = 0;

@@ -143,6 +143,12 @@ class Desktop:
         subprocess.run(["import", "-window", "root", str(path)], env=self.env, check=True)
         return path
 
+    def pixels(self, x, y, width, height):
+        """A signature of a part of the screen."""
+        taken = subprocess.run(["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "+repage", "rgb:-"],
+                               env=self.env, check=True, capture_output=True).stdout
+        return hashlib.sha256(taken).hexdigest()
+
     def window_titles(self):
         """Titles of the windows of all programs on this display."""
         listed = subprocess.run(["wmctrl", "-l"], env=self.env, capture_output=True, text=True).stdout
@@ -322,10 +328,7 @@ class Tavolo:
     def pixels(self, name):
         """A signature of what the visible widget shows on the screen."""
         rect = self.widget(name)
-        area = f"{rect['w']}x{rect['h']}+{rect['x']}+{rect['y']}"
-        taken = subprocess.run(["import", "-silent", "-window", "root", "-crop", area, "+repage", "rgb:-"], env=self.desktop.env,
-                               check=True, capture_output=True).stdout
-        return hashlib.sha256(taken).hexdigest()
+        return self.desktop.pixels(rect["x"], rect["y"], rect["w"], rect["h"])
 
     def wait_repainted(self, name, before):
         """Waits until the widget shows something else than when `before` was taken by pixels(); the new signature."""
