@@ -105,7 +105,10 @@ function(add_unit_test name)
         add_test(NAME ${name} COMMAND ${name})
         # What may take long comes first, so that nobody waits for it in the end.
         set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST ${T_TIMEOUT} FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
-            ENVIRONMENT "WINEPREFIX=${CMAKE_BINARY_DIR}/wine")
+            ENVIRONMENT "WINEPREFIX=${CMAKE_BINARY_DIR}/wine;QT_QPA_PLATFORM=offscreen")
+        if(T_WIDGETS)
+            qt_import_plugins(${name} INCLUDE Qt6::QOffscreenIntegrationPlugin)
+        endif()
         return()
     endif()
     # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
