@@ -6,7 +6,7 @@ set -euo pipefail
 export WINEPREFIX WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8 TZ=UTC0
 mkdir -p "$WINEPREFIX"
 # Windows programs need certain addresses. Debian's Wine has no preloader to keep them free, and where the kernel strews what it maps, one
-# start in some 1,600 ends with error 1359 before the program has begun (none in 12,000 without that).
+# start in some 1,600 ends with error 1359 before the program has begun (none in 10,000 without that).
 fixed=()
 if setarch -R true 2>/dev/null; then fixed=(setarch -R); fi  # some sandboxes do not allow it
 (
