@@ -47,7 +47,7 @@ class Window:
         self.folder = Path(folder)
         self.tables = tables
         self.question_ms = {}
-        self.deleted = 0
+        self.is_changed = False
 
     def make(self):
         if self.folder.exists():
@@ -327,6 +327,32 @@ def delete_asked(window, turn):
     window.rest()
 
 
+def history_entry(window, turn):
+    """Points at the entry History..., behind a change of all tables."""
+    if turn == 0 and not window.is_changed:
+        window.program.menu("mnuUtilities", "mnuResetTimes")
+        window.program.message()
+        window.program.answer("alt+y")
+        window.rest()
+        wait_for(lambda: not window.program.visible("prgLoad") and window.program.ask("menubar", name="mnuEdit"), "the end of the change", 120)
+        window.is_changed = True
+    window.program.point_at_entry("mnuEdit", "mnuHistory")
+
+
+def close_history(window, _):
+    window.key("Escape")
+    window.program.wait_window_gone("History")
+    window.rest()
+
+
+def history_filter(window, turn):
+    history_entry(window, turn)
+    window.button()
+    window.program.wait_front("History")
+    wait_for(lambda: window.program.text("lblCount").endswith("fields"), "the change in the History window")
+    window.program.click("txtFilter")
+
+
 def menu_title(name):
     def before(window, _):
         window.point_in(window.program.ask("menubar", name=name))
@@ -377,6 +403,8 @@ def actions():
     yield shown("Times Played", ALL + " Where TimesPlayed = 3", "3")
     yield Action("Delete, answered Yes (Qt shows Yes pressed for 100 ms)", lambda w, _: w.key("alt+y"), lambda w, t: (all_tables(w, t) if t == 0 else None, delete_asked(w, t)),
                  questions=[("change", "Delete from tables where ID = -7")] + list_questions(ALL), shown_ms=100)
+    yield Action("History opens behind a change of all tables", click, history_entry, close_history)
+    yield Action("key 7 in the filter of History", key("7"), history_filter, close_history)
     yield Action("key *: everything opens", key("asterisk"), lambda w, t: (all_tables(w, t), w.focus_tree()))
     yield Action("key Down, everything open", key("Down"), tree_at("Down"))
     yield Action("key End, everything open", key("End"), tree_at("Down"))

@@ -20,6 +20,15 @@ constexpr std::size_t kMaxUncountedBytes = 16U << 20;
 // A file beyond its limit is cut back so far, so that this is not done with every change.
 constexpr std::uint64_t kPartsOfLimit = 4;  // one of them is left free
 constexpr const char* kTemporary = ".new";
+// More than the head of a note's record, a mark or the file's header.
+constexpr std::size_t kMaxAroundNote = 64;
+
+std::size_t SizeOf(std::span<const CommitNote> notes) {
+    std::size_t size = 0;
+    for (const CommitNote& note : notes)
+        size += note.bytes.size();
+    return size;
+}
 
 std::filesystem::path WithSuffix(std::filesystem::path path, const std::string& suffix) {
     path += suffix;
@@ -284,6 +293,7 @@ Status HistoryFile::Append(std::vector<CommitNote>& notes, std::uint64_t mark) {
     const bool is_new = loaded_->file == nullptr;
     if (is_new && notes.empty()) return {};
     std::vector<std::byte> bytes;
+    bytes.reserve(SizeOf(notes) + kMaxAroundNote * (notes.size() + 2));
     std::uint64_t chain = loaded_->chain;
     if (is_new) chain = AppendHeader(bytes, {jet::MakeFileMark(), loaded_->index().next_number()});
     const std::uint64_t start = is_new ? 0 : loaded_->end;

@@ -400,24 +400,31 @@ class Tavolo:
         self.wait_text("Label2", "Process Complete")
         self.click_until("cmdExit", lambda: self.window("Settings"), "the settings")
 
-    def menu(self, menu, action):
-        """Opens a menu of the menu bar (or uses the open pop-up menu) and clicks one of its actions."""
-        def opened():
-            found = self.actions(menu).get(action)
-            return found if found and found["visible"] else None
-        title = None if opened() else wait_for(lambda: self.ask("menubar", name=menu), f"the menu {menu}")
+    def _opened(self, menu, action):
+        found = self.actions(menu).get(action)
+        return found if found and found["visible"] else None
+
+    def point_at_entry(self, menu, action):
+        """Opens a menu of the menu bar (or uses the open pop-up menu) and points at one of its actions."""
+        title = None if self._opened(menu, action) else wait_for(lambda: self.ask("menubar", name=menu), f"the menu {menu}")
         pressed = 0.0
 
         def press_again():
             # A window that has just come up may lose its first click to the window manager.
             nonlocal pressed
-            if opened():
-                return opened()
+            if self._opened(menu, action):
+                return self._opened(menu, action)
             if title and time.monotonic() - pressed > 3:
                 self._press_at(self.ask("menubar", name=menu) or title)
                 pressed = time.monotonic()
             return None
-        self._press_at(wait_for(press_again, f"the action {action} of {menu}"))
+        entry = wait_for(press_again, f"the action {action} of {menu}")
+        self.desktop.xdotool("mousemove", entry["x"] + entry["w"] // 2, entry["y"] + entry["h"] // 2)
+
+    def menu(self, menu, action):
+        """Chooses an action of a menu (point_at_entry) by a click."""
+        self.point_at_entry(menu, action)
+        self.desktop.xdotool("click", 1)
 
     def press(self, *keys):
         for key in keys:

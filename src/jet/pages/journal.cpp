@@ -12,6 +12,8 @@ namespace {
 // A page whose changes have taken so large a part of it is told as a whole: what comes then can be
 // told by moves, which need a page that the journal has.
 constexpr std::size_t kPartWorthAWholePage = 4;
+// For the heads of a transaction's records; a small transaction needs no more as a whole.
+constexpr std::size_t kSmallTransaction = 512;
 
 // The answer: its checksum.
 std::uint64_t AppendNote(std::vector<std::byte>& out, std::span<const std::byte> note,
@@ -56,6 +58,8 @@ base::Status Journal::AddTransaction(const PageTransaction::ChangedPages& pages,
         end_.salt = header.salt;
     }
     const std::uint64_t note_at = end_.offset + bytes.size();
+    // What a transaction of many rows does to the pages takes about as much as its note.
+    bytes.reserve(bytes.size() + 2 * note.size() + kSmallTransaction);
     if (!note.empty()) chain = AppendNote(bytes, note, chain);
     const std::size_t record = BeginRecord(bytes);
     std::vector<std::pair<PageNumber, std::size_t>> told;
