@@ -62,6 +62,8 @@ class Window:
 
     def ask_beforehand(self, questions):
         """The time of each (kind, statement), in milliseconds."""
+        if not questions:
+            return
         lines = [f"{kind}\t{sql.replace('FOLDER', str(self.folder))}" for kind, sql in questions]
         done = subprocess.run([BUILD / "bin" / "ask_catalogue", "--folder", self.folder], input="\n".join(lines) + "\n", text=True,
                               check=True, capture_output=True)
@@ -403,8 +405,9 @@ def actions():
     yield shown("Times Played", ALL + " Where TimesPlayed = 3", "3")
     yield Action("Delete, answered Yes (Qt shows Yes pressed for 100 ms)", lambda w, _: w.key("alt+y"), lambda w, t: (all_tables(w, t) if t == 0 else None, delete_asked(w, t)),
                  questions=[("change", "Delete from tables where ID = -7")] + list_questions(ALL), shown_ms=100)
-    yield Action("History opens behind a change of all tables", click, history_entry, close_history)
-    yield Action("key 7 in the filter of History", key("7"), history_filter, close_history)
+    yield Action("History opens behind a change of all tables", click, history_entry, close_history,
+                 questions=[("list", "Select ID, DisplayName from Tables")])
+    yield Action("key 7 in the filter of History (Qt fades a button in for 160 ms)", key("7"), history_filter, close_history, shown_ms=160)
     yield Action("key *: everything opens", key("asterisk"), lambda w, t: (all_tables(w, t), w.focus_tree()))
     yield Action("key Down, everything open", key("Down"), tree_at("Down"))
     yield Action("key End, everything open", key("End"), tree_at("Down"))
