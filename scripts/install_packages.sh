@@ -12,7 +12,7 @@ test="libgtest-dev libgmock-dev libgsf-1-dev libsqlite3-dev mdbtools mdbtools-de
     desktop-file-utils appstream mandoc shared-mime-info libglib2.0-bin strace
     dbus-daemon at-spi2-core python3-pyatspi qt6-l10n-tools x11-session-utils x11-xserver-utils"
 package="debhelper dpkg-dev lintian blhc debootstrap faketime locales git patchelf xz-utils qt6-wayland"
-windows="g++-mingw-w64-x86-64-posix googletest nasm cmake ninja-build ccache pkg-config dpkg-dev qt6-base-dev qt6-base-dev-tools wine wine64 mdbtools rhash python3"
+windows="g++-mingw-w64-x86-64-posix googletest nasm cmake ninja-build ccache pkg-config dpkg-dev qt6-base-dev qt6-base-dev-tools nsis wine wine64 mdbtools rhash python3"
 
 wanted=()
 for set in "$@"; do
