@@ -7,6 +7,7 @@
 #include "browser/table_info_command.h"
 #include "catalogue/collection_folders.h"
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "catalogue/path_names.h"
 #include "catalogue/program_files.h"
 #include "catalogue/start_up.h"
@@ -90,12 +91,14 @@ void Commands::ExpectTables(const QString& path) {
 
 void Commands::TakeTables(const QString& path) {
     const base::ScopedFlag taking(is_taking_tables_);
-    if (platform::FolderExists(path)) splash_.Show(AppTexts::tr("Adding new tables..."));
-    keeper_.MakeBefore(browser::NameOf(&browser::CommandActions::scan_for_tables));
+    keeper_.MakeBefore(browser::NameOf(&browser::CommandActions::scan_for_tables),
+                       catalogue_.runner);
     catalogue::PassedOver passed_over;
-    const auto added =
-        AddGivenTables(catalogue_, path, held_back_events_, Context().progress, &passed_over);
-    splash_.Unload();
+    const auto added = RunLong(
+        catalogue_, {AppTexts::tr("Adding new tables"), catalogue::LongRun::Stop::kOnRequest},
+        [&](const base::RunSteps& steps) {
+            return AddGivenTables(catalogue_, path, steps, &passed_over);
+        });
     // What was added before a failure is there, too; an empty tree is filled by SelectTable.
     const bool may_be_new = !added.ok() || *added > 0;
     if (may_be_new && window_.TreeSelection()) window_.RefreshTree();
@@ -113,14 +116,19 @@ void Commands::LookForNewTables() {
         return window_.TellResult(AppTexts::tr(
             "No folder is known yet: each that \"Scan for New Tables\" looks through will be"));
     const base::ScopedFlag taking(is_taking_tables_);
-    splash_.Show(AppTexts::tr("Looking for new tables..."));
     catalogue::PassedOver passed_over;
-    const auto added =
-        AddNewTables(catalogue_, *folders, held_back_events_, Context().progress, passed_over);
-    splash_.Unload();
+    bool was_stopped = false;
+    const auto added = RunLong(
+        catalogue_, {AppTexts::tr("Looking for new tables"), catalogue::LongRun::Stop::kOnRequest},
+        [&](const base::RunSteps& steps) {
+            auto count = AddNewTables(catalogue_, *folders, steps, passed_over);
+            was_stopped = steps.stop.stop_requested();
+            return count;
+        });
     if (!added.ok() || *added > 0) window_.RefreshTree();
     if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
     QString told = CountOfNewTables(*added);
+    if (was_stopped) told = AppTexts::tr("Stopped. %1").arg(told);
     if (passed_over.count() > 0)
         told += QStringLiteral(". ") + catalogue::FailureText(passed_over.Summary());
     window_.TellResult(told);
@@ -153,9 +161,7 @@ browser::CommandActions Commands::Actions() {
         .reset_times_played = [this] { maintenance::ResetTimesPlayed(Context()); },
         .reset_paths =
             [this] {
-                maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_,
-                                        Context().progress)
-                    .exec();
+                maintenance::frmUtility(catalogue_, prompts_, refresh_tree_, &window_).exec();
             },
         .update_crcs = [this] { UpdateCrcs(); },
         .import_from_table_files =
@@ -176,10 +182,16 @@ browser::CommandActions Commands::Actions() {
         .load_picture = [this] { LoadPicture(); },
         .view_table_info = [this] { ViewTableInfo(); },
         .export_tables =
-            [this] { exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()); },
+            [this] {
+                TellIfStopped(
+                    exchange::ExportTables(catalogue_, prompts_, window_.TreeSelection()));
+            },
         .import_tables =
             [this] {
-                Watched([this] { exchange::ImportTables(catalogue_, prompts_, refresh_tree_); });
+                base::Status done;
+                Watched(
+                    [&] { done = exchange::ImportTables(catalogue_, prompts_, refresh_tree_); });
+                TellIfStopped(done);
             },
         .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
@@ -220,8 +232,13 @@ void Commands::Compact() {
     const auto keep_history = [&](const jet::CompactReport& report) {
         return history::HistoryFile::Rebind(*files, path, report.mark_before, report.mark_after);
     };
-    maintenance::CompactData(Context(), *files, keep_history,
-                             [this](const QString& result) { window_.TellResult(result); });
+    TellIfStopped(
+        maintenance::CompactData(Context(), *files, keep_history,
+                                 [this](const QString& result) { window_.TellResult(result); }));
+}
+
+void Commands::TellIfStopped(const base::Status& done) {
+    if (base::IsStopped(done)) window_.TellResult(AppTexts::tr("Stopped. Nothing was changed"));
 }
 
 void Commands::MakeSnapshotsBefore(browser::CommandActions& actions) {
@@ -231,7 +248,7 @@ void Commands::MakeSnapshotsBefore(browser::CommandActions& actions) {
           &A::update_crcs, &A::import_from_table_files, &A::import_launcher_data,
           &A::purge_missing_tables, &A::import_tables, &A::compact, &A::look_for_new_tables})
         actions.*command = [this, name = browser::NameOf(command), run = actions.*command] {
-            keeper_.MakeBefore(name);
+            keeper_.MakeBefore(name, catalogue_.runner);
             run();
         };
 }

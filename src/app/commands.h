@@ -89,6 +89,8 @@ private:
     // Opens the folder of the selected table file.
     void ShowInFolder();
     void Compact();
+    // Says it if it was; otherwise all is said.
+    void TellIfStopped(const base::Status& done);
     void UpdateCrcs();
     base::Status ImportFromTableFiles();
     void ImportLauncherData();

@@ -3,6 +3,7 @@
 #include "app/texts.h"
 #include "browser/detail_tabs.h"
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "history/change_texts.h"
 #include "history/frmHistory.h"
 #include "history/refusals_text.h"
@@ -31,14 +32,20 @@ EditCommands::EditCommands(catalogue::Catalogue& catalogue, history::HistoryFile
     failures_.start(kFailuresEveryMs);
 }
 
+// The file is busy as long as a command writes into it.
 void EditCommands::TellFailure() {
+    if (window_.shows_progress()) return;
     window_.TellInPassing(file_.TakeFailure());
 }
 
 // 0: there is none.
 std::uint64_t EditCommands::Newest() {
-    if (!catalogue_.CatalogueConnection->Flush().ok()) return 0;
-    const auto changes = file_.Changes();
+    const auto changes = catalogue::RunLong(
+        catalogue_, {AppTexts::tr("Reading the history")},
+        [&](const base::RunSteps&) -> base::Result<std::vector<history::Change>> {
+            RETURN_IF_ERROR(catalogue_.CatalogueConnection->Flush());
+            return file_.Changes();
+        });
     return changes.ok() && !changes->empty() ? changes->back().number : 0;
 }
 
@@ -80,11 +87,17 @@ bool EditCommands::MayChangeRows() {
 }
 
 void EditCommands::Undo() {
-    if (MayChangeRows()) Show(undo_redo_.Undo(), AppTexts::tr("There is nothing to undo"));
+    if (!MayChangeRows()) return;
+    Show(RunLong(catalogue_, {AppTexts::tr("Undo"), catalogue::LongRun::Stop::kOnRequest},
+                 [&](const base::RunSteps& steps) { return undo_redo_.Undo(steps); }),
+         AppTexts::tr("There is nothing to undo"));
 }
 
 void EditCommands::Redo() {
-    if (MayChangeRows()) Show(undo_redo_.Redo(), AppTexts::tr("There is nothing to redo"));
+    if (!MayChangeRows()) return;
+    Show(RunLong(catalogue_, {AppTexts::tr("Redo"), catalogue::LongRun::Stop::kOnRequest},
+                 [&](const base::RunSteps& steps) { return undo_redo_.Redo(steps); }),
+         AppTexts::tr("There is nothing to redo"));
 }
 
 void EditCommands::ShowHistory() {
@@ -96,6 +109,8 @@ void EditCommands::ShowHistory() {
 
 void EditCommands::Show(const base::Result<std::optional<history::UndoRedo::Done>>& done,
                         const QString& nothing) {
+    if (base::IsStopped(done.status()))
+        return window_.TellResult(AppTexts::tr("Stopped. Nothing was changed"));
     if (!done.ok()) return catalogue::ShowError(prompts_, done.status());
     if (!*done) return window_.TellResult(nothing);
     window_.ShowChangedRows();

@@ -14,54 +14,76 @@ namespace {
 
 // Those that were there may have been edited since; what was typed counts more.
 base::Status FillAddedRows(catalogue::Catalogue& catalogue, const discovery::FolderScan& scan,
-                           platform::UserEvents& events, const catalogue::Progress& progress,
-                           catalogue::PassedOver* passed_over) {
+                           const base::RunSteps& steps, catalogue::PassedOver* passed_over) {
     if (passed_over) passed_over->Note(scan.passed_over());
-    return tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events, progress,
+    platform::NoUserEvents events;
+    return tableinfo::UpdateRowsFromTableFiles(catalogue, scan.added_ids(), events, steps.progress,
                                                passed_over);
 }
+
+// Tells of the folders that are listed, and of those that are known to wait.
+class ListedFolders final : public discovery::ScanObserver {
+public:
+    explicit ListedFolders(const base::RunSteps& steps) : steps_(steps) {}
+    void FolderQueued(const QString&) override { ++known_; }
+    void ListingFolder(const QString&) override {}
+    void FolderListed() override {
+        ++listed_;
+        if (steps_.progress) steps_.progress(listed_, known_);
+    }
+    void TableAdded(const QString&, const QString&) override {}
+
+private:
+    const base::RunSteps& steps_;
+    std::int64_t known_ = 0;
+    std::int64_t listed_ = 0;
+};
 
 }  // namespace
 
 base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
-                                          platform::UserEvents& events,
-                                          const catalogue::Progress& progress,
+                                          const base::RunSteps& steps,
                                           catalogue::PassedOver* passed_over) {
     const jet::NamedChange named(*catalogue.CatalogueConnection,
                                  MARKED_TEXT("HistoryTexts", "Add Tables"));
-    discovery::UnwatchedScan observer;
+    ListedFolders observer(steps);
+    platform::NoUserEvents events;
     discovery::FolderScan scan(catalogue, events, observer);
+    base::Status scanned;
     if (platform::FolderExists(path))
-        RETURN_IF_ERROR(scan.Run(path));
+        scanned = scan.Run(path, steps.stop);
     else if (platform::FileExists(path))
         RETURN_IF_ERROR(scan.AddFile(platform::ExistingName(path)));
     else
         return base::Status(base::StatusCode::kNotFound,
                             AppTexts::tr("File not found: %1").arg(path).toStdString(),
                             platform::kFileNotFound);
-    RETURN_IF_ERROR(FillAddedRows(catalogue, scan, events, progress, passed_over));
+    if (!base::IsStopped(scanned)) RETURN_IF_ERROR(scanned);
+    RETURN_IF_ERROR(FillAddedRows(catalogue, scan, steps, passed_over));
     RETURN_IF_ERROR(scan.start_listing());
     return scan.found_count();
 }
 
 base::Result<std::int64_t> AddNewTables(catalogue::Catalogue& catalogue, const QStringList& folders,
-                                        platform::UserEvents& events,
-                                        const catalogue::Progress& progress,
+                                        const base::RunSteps& steps,
                                         catalogue::PassedOver& passed_over) {
     const jet::NamedChange named(*catalogue.CatalogueConnection,
                                  MARKED_TEXT("HistoryTexts", "Look for New Tables"));
-    discovery::UnwatchedScan observer;
+    ListedFolders observer(steps);
+    platform::NoUserEvents events;
     discovery::FolderScan scan(catalogue, events, observer);  // one, as it reads what is known once
     std::int64_t added = 0;
     for (const QString& folder : folders) {
+        if (steps.stop.stop_requested()) break;
         if (!platform::FolderExists(folder)) {
             passed_over.Note(folder,
                              {base::StatusCode::kNotFound,
                               AppTexts::tr("There is no folder %1").arg(folder).toStdString()});
             continue;
         }
-        RETURN_IF_ERROR(scan.Run(folder));
-        RETURN_IF_ERROR(FillAddedRows(catalogue, scan, events, progress, &passed_over));
+        const base::Status scanned = scan.Run(folder, steps.stop);
+        if (!base::IsStopped(scanned)) RETURN_IF_ERROR(scanned);
+        RETURN_IF_ERROR(FillAddedRows(catalogue, scan, steps, &passed_over));
         added += scan.found_count();
     }
     return added;

@@ -2,11 +2,9 @@
 // window, and the new ones of known folders.
 #pragma once
 
-#include "base/status.h"
+#include "base/run_steps.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/passed_over.h"
-#include "catalogue/progress_meter.h"
-#include "platform/user_events.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -20,11 +18,10 @@ namespace app {
 // have, and copies what they say into the added rows; all other rows stay as they are. `path` is
 // absolute. The answer is how many were added. kNotFound: nothing has this name. Of a single file
 // every failure is told; in a folder, files that cannot be read are passed over, and noted in
-// `passed_over` (may be null). Events are processed between files; `progress` (may be empty) is
-// that of the copying.
+// `passed_over` (may be null). `steps` are folders, and then files; a stop ends the search, and
+// what was found until then is in.
 base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const QString& path,
-                                          platform::UserEvents& events,
-                                          const catalogue::Progress& progress = {},
+                                          const base::RunSteps& steps = {},
                                           catalogue::PassedOver* passed_over = nullptr);
 
 // Adds the table files in the folders and below them that the catalogue does not have, in the same
@@ -32,8 +29,7 @@ base::Result<std::int64_t> AddGivenTables(catalogue::Catalogue& catalogue, const
 // `passed_over`, and the others follow; a failure of the database ends the run, and what was added
 // before stays.
 base::Result<std::int64_t> AddNewTables(catalogue::Catalogue& catalogue, const QStringList& folders,
-                                        platform::UserEvents& events,
-                                        const catalogue::Progress& progress,
+                                        const base::RunSteps& steps,
                                         catalogue::PassedOver& passed_over);
 
 // Whether a table of this FileName is meant by `path`.

@@ -3,6 +3,7 @@
 #include "browser/find_bar.h"
 #include "browser/find_controller.h"
 #include "browser/frmKeys.h"
+#include "browser/long_work.h"
 #include "browser/order_bar.h"
 #include "browser/picture_wall.h"
 #include "browser/selection_controller.h"
@@ -69,11 +70,14 @@ frmPinball::frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& p
 
 frmPinball::~frmPinball() {
     qApp->removeEventFilter(this);
+    catalogue_.runner = nullptr;
 }
 
 void frmPinball::CreateControls() {
     status_ = new StatusPanels(this);
     setStatusBar(status_);
+    long_work_ = std::make_unique<LongWork>(catalogue_, *status_);
+    catalogue_.runner = long_work_.get();
     details_ = new DetailPanel(catalogue_, prompts_, *this, this);
     splitter_ = new QSplitter(this);
     splitter_->setChildrenCollapsible(false);
@@ -450,7 +454,7 @@ void frmPinball::ShowProgress(std::int64_t done, std::int64_t total) {
 }
 
 bool frmPinball::shows_progress() const {
-    return status_->in_progress();
+    return status_->in_progress() || long_work_->is_running();
 }
 
 void frmPinball::TellInPassing(const base::Status& failure) {
@@ -511,6 +515,13 @@ void frmPinball::RestoreDefaultSize() {
 }
 
 // Runs the commands that have keys, wherever the focus is in this window.
+// A menu that says nothing about its entries would wipe what the status bar tells.
+bool frmPinball::event(QEvent* event) {
+    if (event->type() == QEvent::StatusTip && static_cast<QStatusTipEvent*>(event)->tip().isEmpty())
+        return true;
+    return QMainWindow::event(event);
+}
+
 bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyRelease || !watched->isWidgetType()) return false;
     const auto* const key = static_cast<QKeyEvent*>(event);

@@ -27,6 +27,7 @@ namespace browser {
 
 class FindBar;
 class FindController;
+class LongWork;
 class OrderBar;
 class SelectionController;
 class PictureWall;
@@ -112,6 +113,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -185,6 +187,7 @@ private:
     launcher::PlayButton* cmdPlay_ = nullptr;
     DetailPanel* details_ = nullptr;
     StatusPanels* status_ = nullptr;
+    std::unique_ptr<LongWork> long_work_;
     QSplitter* splitter_ = nullptr;
     std::unique_ptr<SelectionController> selection_;
     std::unique_ptr<TreeController> tree_;

@@ -7,6 +7,7 @@
 #include <QtCore/QLocale>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QProgressBar>
+#include <QtWidgets/QToolButton>
 
 #include <algorithm>
 #include <limits>
@@ -38,6 +39,18 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
         addWidget(label, panel == kNamePanel ? 1 : 0);
         panels_.at(static_cast<std::size_t>(panel - 1)) = label;
     }
+    AddProgress();
+    read_only_ = new QLabel(BrowserTexts::tr("Read-only"), this);
+    read_only_->setObjectName(QStringLiteral("lblReadOnly"));
+    addPermanentWidget(read_only_);
+    read_only_->hide();
+    connect(this, &QStatusBar::messageChanged, this, [this] {
+        clicked_ = {};
+        unsetCursor();
+    });
+}
+
+void StatusPanels::AddProgress() {
     lblProgress_ = new QLabel(this);
     lblProgress_->setObjectName(QStringLiteral("lblProgress"));
     lblProgress_->setContentsMargins(kProgressMargin, 0, 0, 0);
@@ -49,13 +62,15 @@ StatusPanels::StatusPanels(QWidget* parent) : QStatusBar(parent) {
     prgLoad_->setMaximumHeight(14);
     addWidget(prgLoad_, 1);
     prgLoad_->hide();
-    read_only_ = new QLabel(BrowserTexts::tr("Read-only"), this);
-    read_only_->setObjectName(QStringLiteral("lblReadOnly"));
-    addPermanentWidget(read_only_);
-    read_only_->hide();
-    connect(this, &QStatusBar::messageChanged, this, [this] {
-        clicked_ = {};
-        unsetCursor();
+    cmdStop_ = new QToolButton(this);
+    cmdStop_->setObjectName(QStringLiteral("cmdStop"));
+    cmdStop_->setText(BrowserTexts::tr("Stop"));
+    cmdStop_->setToolTip(BrowserTexts::tr("Stop and leave everything as it was (Esc)"));
+    addWidget(cmdStop_);
+    cmdStop_->hide();
+    // A copy: the button's owner may end the work.
+    connect(cmdStop_, &QToolButton::clicked, this, [this] {
+        if (const auto stop = stop_) stop();
     });
 }
 
@@ -63,6 +78,16 @@ void StatusPanels::SetPanelText(int panel, const QString& text) {
     QLabel* const label = panels_.at(static_cast<std::size_t>(panel - 1));
     label->setText(text);
     label->setToolTip(text.trimmed());
+    if (panel == kCountPanel) ShowCountTip();
+}
+
+void StatusPanels::ShowCountTip() {
+    QLabel* const count = panels_.at(kCountPanel - 1);
+    const QString text = count->text().trimmed();
+    if (last_told_.isEmpty())
+        count->setToolTip(text);
+    else
+        count->setToolTip(text + u'\n' + BrowserTexts::tr("Last: %1").arg(last_told_));
 }
 
 void StatusPanels::ShowReadOnly(const QString& file) {
@@ -79,6 +104,8 @@ void StatusPanels::ShowFailure(const QString& text) {
 
 void StatusPanels::ShowInPassing(const QString& text, std::function<void()> clicked) {
     showMessage(text, kInPassingMs);
+    last_told_ = text;
+    ShowCountTip();
     clicked_ = std::move(clicked);
     if (clicked_) setCursor(Qt::PointingHandCursor);
 }
@@ -90,27 +117,54 @@ void StatusPanels::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void StatusPanels::StartProgress(std::int64_t steps) {
-    steps_ = std::max<std::int64_t>(steps, 1);
-    prgLoad_->setMaximum(
-        static_cast<int>(std::min<std::int64_t>(steps_, std::numeric_limits<int>::max())));
-    prgLoad_->setValue(0);
-    hundredths_ = 0;
+    what_.clear();
     since_drawn_.invalidate();
+    hundredths_ = 0;
+    SetSteps(std::max<std::int64_t>(steps, 1));
+    ShowProgress();
+}
+
+void StatusPanels::StartWork(const QString& what, std::function<void()> stop) {
+    what_ = what;
+    stop_ = std::move(stop);
+    clearMessage();
+    SetSteps(0);
+    ShowProgress();
+    cmdStop_->setEnabled(true);
+    cmdStop_->setVisible(stop_ != nullptr);
+}
+
+void StatusPanels::ShowProgress() {
     for (QLabel* const panel : panels_)
         panel->hide();
-    lblProgress_->setText(TextOf(steps_));
-    lblProgress_->setFixedWidth(lblProgress_->sizeHint().width());  // the bar keeps its place
-    lblProgress_->setText(TextOf(0));
     lblProgress_->show();
     prgLoad_->show();
     in_progress_ = true;
 }
 
+// A bar of no steps shows that there is something at work.
+void StatusPanels::SetSteps(std::int64_t steps) {
+    steps_ = steps;
+    prgLoad_->setMaximum(
+        static_cast<int>(std::min<std::int64_t>(steps_, std::numeric_limits<int>::max())));
+    lblProgress_->setText(TextOf(steps_));
+    lblProgress_->setFixedWidth(lblProgress_->sizeHint().width());  // the bar keeps its place
+    ShowStep(0);
+}
+
+void StatusPanels::ShowStep(std::int64_t step) {
+    prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
+    lblProgress_->setText(TextOf(std::min(step, steps_)));
+}
+
 QString StatusPanels::TextOf(std::int64_t step) const {
+    if (steps_ == 0) return what_ + QStringLiteral("...");
     const QLocale numbers(QLocale::English, QLocale::UnitedStates);
-    return BrowserTexts::tr("%1 of %2 (%3 %)")
-        .arg(numbers.toString(qlonglong{step}), numbers.toString(qlonglong{steps_}),
-             QString::number(step * kHundred / steps_));
+    const QString share =
+        BrowserTexts::tr("%1 of %2 (%3 %)")
+            .arg(numbers.toString(qlonglong{step}), numbers.toString(qlonglong{steps_}),
+                 QString::number(step * kHundred / steps_));
+    return what_.isEmpty() ? share : BrowserTexts::tr("%1: %2").arg(what_, share);
 }
 
 void StatusPanels::Advance(std::int64_t step) {
@@ -119,16 +173,32 @@ void StatusPanels::Advance(std::int64_t step) {
     if (since_drawn_.isValid() && !since_drawn_.hasExpired(kDrawMs)) return;
     hundredths_ = hundredths;
     since_drawn_.start();
-    prgLoad_->setValue(static_cast<int>(std::min<std::int64_t>(step, prgLoad_->maximum())));
-    lblProgress_->setText(TextOf(std::min(step, steps_)));
+    ShowStep(step);
     if (steps_ >= kWorthShowing && isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void StatusPanels::ShowWork(std::int64_t step, std::int64_t steps) {
+    if (steps != steps_) SetSteps(steps);
+    ShowStep(step);
+}
+
+void StatusPanels::ShowStopping() {
+    cmdStop_->setEnabled(false);
+    what_ = BrowserTexts::tr("Stopping");
+    SetSteps(steps_);
+}
+
+bool StatusPanels::IsStopButton(const QObject* object) const {
+    return object == cmdStop_;
 }
 
 void StatusPanels::EndProgress() {
     in_progress_ = false;
     prgLoad_->hide();
     lblProgress_->hide();
+    cmdStop_->hide();
+    stop_ = {};
     for (QLabel* const panel : panels_)
         panel->show();
 }

@@ -11,6 +11,7 @@
 
 class QLabel;
 class QProgressBar;
+class QToolButton;
 
 namespace browser {
 
@@ -34,7 +35,7 @@ public:
     // Shows what has failed in place of the table's name, until the next table is shown.
     void ShowFailure(const QString& text);
     // Shows a text over all panels for 15 seconds; a click on it meanwhile calls `clicked`, if that
-    // is not empty.
+    // is not empty. Until the next one it can be read in the tool tip of the count.
     void ShowInPassing(const QString& text, std::function<void()> clicked = {});
 
     // Shows the progress bar instead of the panels; `steps` is the total number of steps.
@@ -42,6 +43,14 @@ public:
     // Sets the number of steps done. The bar, and the count and the share beside it, "1,200 of
     // 20,000 (6 %)", are redrawn at each hundredth, at most twenty times a second.
     void Advance(std::int64_t step);
+    // The same for work that goes on elsewhere and is called `what`: it is painted when the event
+    // loop comes to it. `stop` is called by a button beside the bar; empty: there is none.
+    void StartWork(const QString& what, std::function<void()> stop);
+    // Steps done and steps that there are; 0 as long as nobody knows.
+    void ShowWork(std::int64_t step, std::int64_t steps);
+    // The button has been obeyed.
+    void ShowStopping();
+    bool IsStopButton(const QObject* object) const;
     void EndProgress();
     bool in_progress() const { return in_progress_; }
 
@@ -49,6 +58,11 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void AddProgress();
+    void ShowCountTip();
+    void ShowProgress();
+    void SetSteps(std::int64_t steps);
+    void ShowStep(std::int64_t step);
     // What stands beside the bar at this step.
     QString TextOf(std::int64_t step) const;
 
@@ -57,6 +71,10 @@ private:
     QLabel* read_only_ = nullptr;
     QLabel* lblProgress_ = nullptr;
     QProgressBar* prgLoad_ = nullptr;
+    QToolButton* cmdStop_ = nullptr;
+    std::function<void()> stop_;
+    QString last_told_;
+    QString what_;  // is at work; empty: that is not said
     std::int64_t steps_ = 0;
     int hundredths_ = 0;
     QElapsedTimer since_drawn_;  // invalid: not drawn yet

@@ -11,6 +11,7 @@ class SettingsStore;
 
 namespace catalogue {
 
+class LongRunner;
 struct ProcessValues;
 
 // Borrowed pointers; all live from Main to the end of the program.
@@ -19,6 +20,7 @@ struct Catalogue {
     ProcessValues* values = nullptr;
     platform::SettingsStore* settings = nullptr;
     platform::Clock* clock = nullptr;
+    LongRunner* runner = nullptr;  // a window's, as long as there is one
 };
 
 }  // namespace catalogue

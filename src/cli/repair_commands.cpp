@@ -21,6 +21,7 @@ jet::CompactProgress ProgressOf(Program& program) {
     return [&program](std::uint64_t done, std::uint64_t total) {
         program.console.ShowProgress(static_cast<std::int64_t>(done),
                                      static_cast<std::int64_t>(total));
+        return base::Status();
     };
 }
 

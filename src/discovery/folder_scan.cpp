@@ -20,7 +20,7 @@ FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& ev
     : catalogue_(catalogue), events_(events), observer_(observer),
       known_(*catalogue.CatalogueConnection) {}
 
-base::Status FolderScan::Run(const QString& folder) {
+base::Status FolderScan::Run(const QString& folder, const std::stop_token& stop) {
     const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
     found_count_ = 0;
     added_ids_.clear();
@@ -28,6 +28,7 @@ base::Status FolderScan::Run(const QString& folder) {
     links_.clear();
     met_folders_.clear();
     met_linked_files_.clear();
+    stop_ = stop;
     start_listing_ = {};
     passed_over_ = {};
     const QString real = platform::RealPath(ListedFolder(folder));
@@ -35,6 +36,7 @@ base::Status FolderScan::Run(const QString& folder) {
     while (!queue_.empty()) {
         const Folder first = queue_.front();
         observer_.ListingFolder(first.path);
+        RETURN_IF_ERROR(base::StatusOf(stop_));
         RETURN_IF_ERROR(ListFolder({ListedFolder(first.path), first.is_behind_link}));
         queue_.pop_front();
         observer_.FolderListed();
@@ -88,6 +90,7 @@ base::Status FolderScan::ListFolder(const Folder& folder) {
     const base::Status listed =
         platform::ListFolder(folder.path, [&](const platform::FolderEntry& entry) {
             if (!std::exchange(is_first, false)) events_.ProcessEvents();
+            if (failure.ok()) failure = base::StatusOf(stop_);
             if (failure.ok()) failure = HandleEntry(folder, entry);
         });
     if (is_start) start_listing_ = listed;

@@ -11,7 +11,7 @@
 #pragma once
 
 #include "base/marked_text.h"
-#include "base/status.h"
+#include "base/run_steps.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/passed_over.h"
 #include "checksum/clsCRC.h"
@@ -60,8 +60,9 @@ public:
                ScanObserver& observer);
 
     // Walks `folder` and all folders below it. An empty text is the root folder of the current
-    // drive. A failure of the database ends the walk; tables added before stay.
-    base::Status Run(const QString& folder);
+    // drive. A failure of the database ends the walk, as a stop does; tables added
+    // before stay.
+    base::Status Run(const QString& folder, const std::stop_token& stop = {});
     // Adds one table file, unless the catalogue has it, under this path or under the one that links
     // in it lead to. kInvalidArgument: it is not called as table files are, or the catalogue cannot
     // hold its path. A file that cannot be read is an error.
@@ -105,6 +106,7 @@ private:
     QSet<QString> met_folders_, met_linked_files_;  // by identity
     KnownNames known_;
     checksum::clsCRC crc_;
+    std::stop_token stop_;  // of the last run
     std::int64_t found_count_ = 0;
     std::vector<std::int64_t> added_ids_;
     base::Status start_listing_;

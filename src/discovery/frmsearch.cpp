@@ -2,6 +2,7 @@
 
 #include "catalogue/collection_folders.h"
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "catalogue/process_values.h"
 #include "catalogue/start_up.h"
 #include "discovery/texts.h"
@@ -137,7 +138,10 @@ void frmsearch::Remember(const QString& folder) {
 base::Status frmsearch::ReadTableInformation() {
     Label2_->setText(DiscoveryTexts::tr("Reading VPT Info..."));
     repaint();
-    return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr, {}, &passed_over_);
+    // The label above says it.
+    return catalogue::RunLong(catalogue_, {QString()}, [this](const base::RunSteps&) {
+        return tableinfo::UpdateFromTableFiles(catalogue_, 0, nullptr, {}, &passed_over_);
+    });
 }
 
 // A scan that a database error has ended is incomplete; the tables that it has added count.

@@ -86,9 +86,10 @@ private:
 class Importer {
 public:
     Importer(jet::Table& table, RowSource& source, const ImportOptions& options,
-             std::vector<jet::Value> defaults)
-        : table_(table), source_(source), options_(options), defaults_(std::move(defaults)),
-          index_(options.match), id_column_(jet::sql::FindColumn(table.design(), u"ID")),
+             std::vector<jet::Value> defaults, const base::RunSteps& steps)
+        : table_(table), source_(source), options_(options), steps_(steps),
+          defaults_(std::move(defaults)), index_(options.match),
+          id_column_(jet::sql::FindColumn(table.design(), u"ID")),
           key_column_(jet::sql::FindColumn(table.design(), KeyColumn(options.match))) {
         for (std::size_t i = 0; i < table.design().columns.size(); ++i)
             all_columns_.push_back(i);
@@ -103,12 +104,19 @@ public:
             FindPlaces();
             if (source_.columns_are_known() && !HasKeyColumn()) break;
             RETURN_IF_ERROR(TakeRow(row));
+            RETURN_IF_ERROR(TellSteps(row.line));
         }
         FindPlaces();
         if (has_rows && !HasKeyColumn()) NoteMissingKeyColumn();
         if (!source_.status().ok()) Note({0, source_.status().message()});
         NoteUnknownColumns();
         return {};
+    }
+    Status TellSteps(std::int64_t line) {
+        constexpr int kRowsApart = 64;
+        if (++rows_ % kRowsApart != 0) return {};
+        if (steps_.progress) steps_.progress(std::min(line, options_.lines), options_.lines);
+        return base::StatusOf(steps_.stop);
     }
     ImportReport TakeReport() { return std::move(report_); }
 
@@ -252,6 +260,8 @@ private:
     jet::Table& table_;
     RowSource& source_;
     const ImportOptions& options_;
+    const base::RunSteps& steps_;
+    std::int64_t rows_ = 0;
     const std::vector<jet::Value> defaults_;
     KeyIndex index_;
     const std::size_t id_column_;
@@ -269,7 +279,7 @@ private:
 }  // namespace
 
 Result<ImportReport> ImportRows(jet::Connection& connection, RowSource& source,
-                                const ImportOptions& options) {
+                                const ImportOptions& options, const base::RunSteps& steps) {
     if (!connection.is_open())
         return Status(base::StatusCode::kInvalidArgument, "The catalogue is closed.");
     ASSIGN_OR_RETURN(jet::Table * table, connection.database()->FindTable(u"Tables"));
@@ -278,8 +288,9 @@ Result<ImportReport> ImportRows(jet::Connection& connection, RowSource& source,
     Status outcome = Status(base::StatusCode::kInvalidArgument, "not begun");
     ImportReport report;
     const Status done = connection.Change([&](jet::Database&) -> Status {
-        Importer importer(*table, source, options, std::move(defaults));
+        Importer importer(*table, source, options, std::move(defaults), steps);
         outcome = importer.Run();
+        if (outcome.ok()) outcome = base::StatusOf(steps.stop);
         report = importer.TakeReport();
         if (!outcome.ok()) return outcome;
         if (report.accepted() && !options.dry_run) return {};

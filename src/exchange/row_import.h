@@ -3,7 +3,7 @@
 // nothing is changed.
 #pragma once
 
-#include "base/status.h"
+#include "base/run_steps.h"
 #include "exchange/row_source.h"
 #include "jet/connection.h"
 
@@ -26,6 +26,7 @@ struct ImportOptions {
     bool update_only = false;     // rows that find none are passed over and counted
     bool ignore_unknown = false;  // columns that the catalogue does not have are left out
     bool dry_run = false;         // nothing is changed
+    std::int64_t lines = 0;       // of the file, for who watches the steps
 };
 
 struct RowProblem {
@@ -50,7 +51,9 @@ struct ImportReport {
 // Errors: those of the database that are no row's fault. What is wrong with the file is in the
 // report. An added row that matched by FileName or CRC gets an ID of its own, whatever the file
 // says; one with an ID keeps it.
+// Stopped, it changes nothing. `steps` are lines of the file.
 base::Result<ImportReport> ImportRows(jet::Connection& connection, RowSource& source,
-                                      const ImportOptions& options);
+                                      const ImportOptions& options,
+                                      const base::RunSteps& steps = {});
 
 }  // namespace exchange

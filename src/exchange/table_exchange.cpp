@@ -1,6 +1,7 @@
 #include "exchange/table_exchange.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "exchange/exchange_file.h"
 #include "exchange/row_import.h"
 #include "exchange/row_writer.h"
@@ -11,6 +12,8 @@
 
 namespace exchange {
 namespace {
+
+using Stop = catalogue::LongRun::Stop;
 
 constexpr std::size_t kShownProblems = 10;
 
@@ -23,22 +26,34 @@ platform::FileDialog DialogFor(const QString& title) {
     return dialog;
 }
 
-void Tell(platform::UserPrompts& prompts, const QString& title, const QString& text) {
+// ok, as all is said.
+base::Status Tell(platform::UserPrompts& prompts, const QString& title, const QString& text) {
     prompts.Ask({text, title, platform::MessageIcon::kInformation});
+    return {};
+}
+
+base::Status Show(platform::UserPrompts& prompts, const base::Status& failure) {
+    catalogue::ShowError(prompts, failure);
+    return {};
 }
 
 base::Result<std::int64_t> Write(jet::Connection& connection, const catalogue::Selection& shown,
-                                 const QString& path) {
+                                 const QString& path, const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(auto rows, catalogue::OpenSelection(connection, shown));
     if (!rows) return std::int64_t{0};
+    RETURN_IF_ERROR(rows->MoveLast());
+    const std::int64_t total = rows->RecordCount();
+    RETURN_IF_ERROR(rows->MoveFirst());
     QByteArray content;
     ASSIGN_OR_RETURN(const std::int64_t count,
-                     WriteRows(*rows, {.format = FormatOfFile(path).value_or(Format::kCsv)},
-                               [&](std::string_view bytes) {
-                                   content.append(bytes.data(),
-                                                  static_cast<qsizetype>(bytes.size()));
-                                   return base::Status();
-                               }));
+                     WriteRows(
+                         *rows, {.format = FormatOfFile(path).value_or(Format::kCsv)},
+                         [&](std::string_view bytes) {
+                             content.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
+                             return base::StatusOf(steps.stop);
+                         },
+                         steps.progress, total));
+    RETURN_IF_ERROR(base::StatusOf(steps.stop));
     RETURN_IF_ERROR(platform::SaveFile(path, content));
     return count;
 }
@@ -74,33 +89,44 @@ QString ProblemText(const ImportReport& report) {
 
 }  // namespace
 
-void ExportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                  const std::optional<catalogue::Selection>& shown) {
+base::Status ExportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                          const std::optional<catalogue::Selection>& shown) {
     const QString title = ExchangeTexts::tr("Export");
     if (!shown) return Tell(prompts, title, ExchangeTexts::tr("There is no table to export"));
     const QString path = prompts.ChooseFileToSave(DialogFor(title));
-    if (path.isEmpty()) return;
-    const auto count = Write(*catalogue.CatalogueConnection, *shown, path);
-    if (!count.ok()) return catalogue::ShowError(prompts, count.status());
-    Tell(prompts, title, ExchangeTexts::tr("%1 tables exported to:\n%2").arg(*count).arg(path));
+    if (path.isEmpty()) return {};
+    const auto count =
+        RunLong(catalogue, {title, Stop::kOnRequest}, [&](const base::RunSteps& steps) {
+            return Write(*catalogue.CatalogueConnection, *shown, path, steps);
+        });
+    if (base::IsStopped(count.status())) return count.status();
+    if (!count.ok()) return Show(prompts, count.status());
+    return Tell(prompts, title,
+                ExchangeTexts::tr("%1 tables exported to:\n%2").arg(*count).arg(path));
 }
 
-void ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                  const std::function<void()>& refresh_tree) {
+base::Status ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
+                          const std::function<void()>& refresh_tree) {
     const QString title = ExchangeTexts::tr("Import");
     const QString path = prompts.ChooseFileToOpen(DialogFor(title));
-    if (path.isEmpty()) return;
-    const auto bytes = ReadFile(path);
-    if (!bytes.ok()) return catalogue::ShowError(prompts, bytes.status());
+    if (path.isEmpty()) return {};
+    const auto bytes = RunLong(catalogue, {ExchangeTexts::tr("Reading the file")},
+                               [&](const base::RunSteps&) { return ReadFile(path); });
+    if (!bytes.ok()) return Show(prompts, bytes.status());
     const std::string_view content(bytes->constData(), static_cast<std::size_t>(bytes->size()));
     const Format format = FormatOfFile(path).value_or(Format::kCsv);
-    ImportOptions options{.match = MatchOf(content, format), .dry_run = true};
-    const auto run = [&] {
-        const auto source = MakeRowSource(content, format);
-        return ImportRows(*catalogue.CatalogueConnection, *source, options);
+    ImportOptions options{.match = MatchOf(content, format),
+                          .dry_run = true,
+                          .lines = std::ranges::count(content, '\n')};
+    const auto run = [&](const QString& what) {
+        return RunLong(catalogue, {what, Stop::kOnRequest}, [&](const base::RunSteps& steps) {
+            const auto source = MakeRowSource(content, format);
+            return ImportRows(*catalogue.CatalogueConnection, *source, options, steps);
+        });
     };
-    const auto report = run();
-    if (!report.ok()) return catalogue::ShowError(prompts, report.status());
+    const auto report = run(ExchangeTexts::tr("Comparing"));
+    if (base::IsStopped(report.status())) return report.status();
+    if (!report.ok()) return Show(prompts, report.status());
     if (!report->accepted()) return Tell(prompts, title, ProblemText(*report));
     const QString question =
         ExchangeTexts::tr(
@@ -109,10 +135,13 @@ void ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts& prompt
             .arg(report->changed);
     const auto answer = prompts.Ask(
         {question, title, platform::MessageIcon::kExclamation, platform::MessageButtons::kYesNo});
-    if (answer != platform::MessageAnswer::kYes) return;
+    if (answer != platform::MessageAnswer::kYes) return {};
     options.dry_run = false;
-    catalogue::ShowError(prompts, run().status());
+    const base::Status done = run(title).status();
+    if (base::IsStopped(done)) return done;
+    catalogue::ShowError(prompts, done);
     refresh_tree();
+    return {};
 }
 
 }  // namespace exchange

@@ -1,6 +1,7 @@
 #include "history/frmHistory.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "history/change_names.h"
 #include "history/change_texts.h"
 #include "history/refusals_text.h"
@@ -152,8 +153,13 @@ void frmHistory::BuildLayout() {
 
 // What was changed last is not in the file before a checkpoint.
 void frmHistory::ShowChanges() {
-    catalogue::ShowError(prompts_, catalogue_.CatalogueConnection->Flush());
-    auto changes = file_.Changes();
+    base::Status flushed;
+    auto changes = catalogue::RunLong(catalogue_, {HistoryTexts::tr("Reading the history")},
+                                      [&](const base::RunSteps&) {
+                                          flushed = catalogue_.CatalogueConnection->Flush();
+                                          return file_.Changes();
+                                      });
+    catalogue::ShowError(prompts_, flushed);
     catalogue::ShowError(prompts_, changes.status());
     names_ = {};
     changes_.Show(changes.ok() ? std::move(changes).value() : std::vector<Change>());
@@ -165,7 +171,9 @@ void frmHistory::ShowChanges() {
 
 // A table is called by its name, as it is now or as the change tells it.
 ChangeLines::RowNames frmHistory::NamesOfRows() {
-    auto names = std::make_shared<NamesById>(DisplayNames(*catalogue_.CatalogueConnection));
+    auto names = std::make_shared<NamesById>(catalogue::RunLong(
+        catalogue_, {HistoryTexts::tr("Reading the names of the tables")},
+        [&](const base::RunSteps&) { return DisplayNames(*catalogue_.CatalogueConnection); }));
     return [names](const jet::NoteTable& table, const FoldedRow& row) -> std::u16string {
         if (!jet::SameName(table.name, u"Tables") || table.key.size() != 1) return {};
         std::u16string noted = NotedName(table, row);
@@ -184,6 +192,7 @@ int frmHistory::ChosenRow(const QTableView& view) const {
 
 void frmHistory::ShowChosen() {
     filtering_.Stop();
+    ChangeLinesModel::LinesPointer shown = lines_.lines();
     ShowLines(nullptr);
     const auto number = changes_.NumberOf(ChosenRow(*changes_view_));
     if (!number) return reading_.Stop();
@@ -191,7 +200,10 @@ void frmHistory::ShowChosen() {
     lblCount_->setText(HistoryTexts::tr("Reading..."));
     using Read = base::Result<ChangeLinesModel::LinesPointer>;
     reading_.Start(
-        [this, number = *number, names = names_](const std::stop_token& stop) -> Read {
+        // To take 100,000 lines out of memory takes its time, too.
+        [this, number = *number, names = names_,
+         shown = std::move(shown)](const std::stop_token& stop) mutable -> Read {
+            shown.reset();
             ASSIGN_OR_RETURN(auto notes, file_.NotesOf(number));
             ASSIGN_OR_RETURN(auto change, FoldedChange::Fold(std::move(notes), stop));
             return std::make_shared<const ChangeLines>(std::move(change), names);
@@ -273,8 +285,13 @@ void frmHistory::PutBackPart(const PartOfChange& part, const QString& what) {
     question.buttons = platform::MessageButtons::kYesNo;
     if (prompts_.Ask(question) != platform::MessageAnswer::kYes) return;
     const std::u16string verb(part.is_all() ? kUndoPrefix : kPutBackPrefix);
-    const auto done = PutBack(*catalogue_.CatalogueConnection, file_, change->number,
-                              verb + change->label.name, part);
+    const auto done = catalogue::RunLong(
+        catalogue_, {HistoryTexts::tr("Putting back"), catalogue::LongRun::Stop::kOnRequest},
+        [&](const base::RunSteps& steps) {
+            return PutBack(*catalogue_.CatalogueConnection, file_, change->number,
+                           verb + change->label.name, part, steps);
+        });
+    if (base::IsStopped(done.status())) return;
     catalogue::ShowError(prompts_, done.status());
     if (!done.ok()) return;
     const QString refusals = RefusalsText(done->refusals);

@@ -15,12 +15,13 @@ using base::Status;
 // The attempts end: each has more rows left out than the one before, or goes row by row instead of
 // at once.
 Result<PutBackResult> PutBackIn(jet::Database& database, const FoldedChange& change,
-                                const PartOfChange& part) {
+                                const PartOfChange& part, const base::RunSteps& steps) {
     LeftOut left_out;
     auto mode = PutBackRun::Mode::kManyAtOnce;
     for (;;) {
-        PutBackRun run(database, change, part, left_out, mode);
+        PutBackRun run(database, change, part, left_out, mode, steps);
         ASSIGN_OR_RETURN(const PutBackRun::Outcome outcome, run.Run());
+        RETURN_IF_ERROR(base::StatusOf(steps.stop));
         if (outcome == PutBackRun::Outcome::kDone)
             return PutBackResult{database.recorded_rows(), run.TakeRefusals()};
         mode = PutBackRun::Mode::kOneByOne;
@@ -32,17 +33,19 @@ Result<PutBackResult> PutBackIn(jet::Database& database, const FoldedChange& cha
 }  // namespace
 
 Result<PutBackResult> PutBack(jet::Connection& connection, HistoryFile& file, std::uint64_t number,
-                              std::u16string name, const PartOfChange& part) {
+                              std::u16string name, const PartOfChange& part,
+                              const base::RunSteps& steps) {
     RETURN_IF_ERROR(connection.Flush());
     ASSIGN_OR_RETURN(const std::vector<Change> changes, file.Changes());
     const Change* const undone = FindChange(changes, number);
     ASSIGN_OR_RETURN(std::vector<jet::Bytes> notes, file.NotesOf(number));
-    ASSIGN_OR_RETURN(const FoldedChange change, FoldedChange::Fold(std::move(notes)));
+    ASSIGN_OR_RETURN(const FoldedChange change, FoldedChange::Fold(std::move(notes), steps.stop));
+    RETURN_IF_ERROR(base::StatusOf(steps.stop));
     const bool is_undo = part.is_all() && undone != nullptr;
     const jet::NamedChange named(connection, std::move(name), is_undo ? undone->label.id : 0);
     PutBackResult result;
     RETURN_IF_ERROR(connection.Change([&](jet::Database& database) -> Status {
-        ASSIGN_OR_RETURN(result, PutBackIn(database, change, part));
+        ASSIGN_OR_RETURN(result, PutBackIn(database, change, part, steps));
         return Status::Ok();
     }));
     return result;

@@ -4,7 +4,7 @@
 // meanwhile stays and is listed.
 #pragma once
 
-#include "base/status.h"
+#include "base/run_steps.h"
 #include "history/folded_change.h"
 #include "history/history_file.h"
 
@@ -44,11 +44,12 @@ struct PartOfChange {
 };
 
 // Puts back change `number` as a change named `name`. All of a change is an undo: the new change
-// names it. `connection` is open and has `file` for its notes. kNotFound: there is no such change
-// any more. On failure nothing has changed.
+// names it. `connection` is open and has `file` for its notes. `steps` are the rows of the change.
+// kNotFound: there is no such change any more. On failure, or stopped, nothing has changed.
 base::Result<PutBackResult> PutBack(jet::Connection& connection, HistoryFile& file,
                                     std::uint64_t number, std::u16string name,
-                                    const PartOfChange& part = {});
+                                    const PartOfChange& part = {},
+                                    const base::RunSteps& steps = {});
 
 // The key of a row for the user, "ID 12"; empty: the table has none.
 std::u16string RowName(const jet::NoteTable& table, const FoldedRow& row);

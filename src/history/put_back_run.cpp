@@ -44,8 +44,10 @@ constexpr std::u16string_view kDragsOthers =
 }  // namespace
 
 PutBackRun::PutBackRun(jet::Database& database, const FoldedChange& change,
-                       const PartOfChange& part, LeftOut& left_out, Mode mode)
-    : database_(database), change_(change), part_(part), left_out_(left_out), mode_(mode) {}
+                       const PartOfChange& part, LeftOut& left_out, Mode mode,
+                       const base::RunSteps& steps)
+    : database_(database), change_(change), part_(part), left_out_(left_out), mode_(mode),
+      count_(steps, std::ssize(change.rows())) {}
 
 // Rows that are referred to come back first and go last.
 Result<PutBackRun::Outcome> PutBackRun::Run() {
@@ -171,6 +173,7 @@ Status PutBackRun::InsertDeleted() {
             targets_[RowAt(row).table].table == nullptr)
             continue;
         RETURN_IF_ERROR(InsertRow(row).status());
+        RETURN_IF_ERROR(count_.Next());
     }
     return {};
 }
@@ -303,6 +306,7 @@ Status PutBackRun::UpdateRow(const Group& group, const Item& item) {
 // A cell that holds what the change wrote gets what it held before; any other one stays.
 Status PutBackRun::ChooseValues(const Group& group, std::size_t row, std::span<const Value> now,
                                 std::span<Value> chosen, std::vector<Refusal>* refusals) {
+    RETURN_IF_ERROR(count_.Next());
     const FoldedRow& changed = RowAt(row);
     const jet::NoteTable& noted = TableOf(changed);
     for (std::size_t i = 0; i < group.cells.size(); ++i) {
@@ -334,6 +338,7 @@ Status PutBackRun::DeleteInserted() {
             targets_[changed.table].table == nullptr)
             continue;
         ASSIGN_OR_RETURN(const std::optional<RowId> at, Find(changed));
+        RETURN_IF_ERROR(count_.Next());
         if (!at) continue;
         ASSIGN_OR_RETURN(const bool holds, HoldsCells(changed, *at, &refusals_));
         if (!holds) continue;

@@ -26,7 +26,7 @@ public:
 
     // All are borrowed.
     PutBackRun(jet::Database& database, const FoldedChange& change, const PartOfChange& part,
-               LeftOut& left_out, Mode mode);
+               LeftOut& left_out, Mode mode, const base::RunSteps& steps);
 
     base::Result<Outcome> Run();
     std::vector<Refusal> TakeRefusals() { return std::move(refusals_); }
@@ -94,6 +94,7 @@ private:
     const PartOfChange& part_;
     LeftOut& left_out_;
     Mode mode_;
+    base::StepCount count_;  // of rows
     Outcome outcome_ = Outcome::kDone;
     std::vector<Target> targets_;
     std::vector<Group> groups_;

@@ -28,25 +28,26 @@ Result<UndoRedo::Ahead> UndoRedo::LookAhead() {
     return Ahead{LastOf(changes, order.undo), LastOf(changes, order.redo)};
 }
 
-Result<UndoRedo::Done> UndoRedo::Run(std::u16string_view prefix, const Next& next) {
+Result<UndoRedo::Done> UndoRedo::Run(std::u16string_view prefix, const Next& next,
+                                     const base::RunSteps& steps) {
     const std::u16string begin(prefix);
     ASSIGN_OR_RETURN(PutBackResult result,
                      PutBack(connection_, file_, next.number,
-                             begin + (next.name.empty() ? u"Change" : next.name)));
+                             begin + (next.name.empty() ? u"Change" : next.name), {}, steps));
     return Done{begin + next.caption, prefix, next, std::move(result)};
 }
 
-Result<std::optional<UndoRedo::Done>> UndoRedo::Undo() {
+Result<std::optional<UndoRedo::Done>> UndoRedo::Undo(const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(const Ahead ahead, LookAhead());
     if (!ahead.undo) return std::optional<Done>();
-    ASSIGN_OR_RETURN(Done done, Run(kUndoPrefix, *ahead.undo));
+    ASSIGN_OR_RETURN(Done done, Run(kUndoPrefix, *ahead.undo, steps));
     return std::optional(std::move(done));
 }
 
-Result<std::optional<UndoRedo::Done>> UndoRedo::Redo() {
+Result<std::optional<UndoRedo::Done>> UndoRedo::Redo(const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(const Ahead ahead, LookAhead());
     if (!ahead.redo) return std::optional<Done>();
-    ASSIGN_OR_RETURN(Done done, Run(kRedoPrefix, *ahead.redo));
+    ASSIGN_OR_RETURN(Done done, Run(kRedoPrefix, *ahead.redo, steps));
     return std::optional(std::move(done));
 }
 

@@ -35,14 +35,15 @@ public:
         PutBackResult result;
     };
     // nullopt: there is nothing to undo or redo.
-    base::Result<std::optional<Done>> Undo();
-    base::Result<std::optional<Done>> Redo();
+    base::Result<std::optional<Done>> Undo(const base::RunSteps& steps = {});
+    base::Result<std::optional<Done>> Redo(const base::RunSteps& steps = {});
     // Undoes this change, whether newer ones were undone or not. kNotFound: there is none of this
     // number.
     base::Result<Done> UndoChange(std::uint64_t number);
 
 private:
-    base::Result<Done> Run(std::u16string_view prefix, const Next& next);
+    base::Result<Done> Run(std::u16string_view prefix, const Next& next,
+                           const base::RunSteps& steps = {});
 
     jet::Connection& connection_;
     HistoryFile& file_;

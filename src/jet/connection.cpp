@@ -88,6 +88,11 @@ void Connection::Impl::BeginNamed(std::u16string name, std::uint64_t undoes) {
     if (named_depth_++ == 0) named_ = LabelOf(std::move(name), undoes);
 }
 
+Status Connection::Impl::MayBeUsed() const {
+    if (!is_lent_ || taken_by_.load() == std::this_thread::get_id()) return Status::Ok();
+    return {base::StatusCode::kBusy, "Another command is working on the database."};
+}
+
 Status Connection::Impl::Close() {
     if (database_ == nullptr) return Status::Ok();
     const std::set<Recordset::Impl*> open = recordsets_;
@@ -145,6 +150,18 @@ Connection::Connection(std::unique_ptr<Database> database, Clock clock)
 
 Connection::~Connection() = default;
 
+LentConnection::LentConnection(Connection& connection) : connection_(connection) {
+    connection_.impl_->Lend();
+}
+
+LentConnection::~LentConnection() {
+    connection_.impl_->GiveBack();
+}
+
+void LentConnection::Take() {
+    connection_.impl_->Take();
+}
+
 void Connection::UseNotes(CommitNotes* notes) {
     impl_->UseNotes(notes);
 }
@@ -168,10 +185,12 @@ bool Connection::is_open() const {
 }
 
 Status Connection::Close() {
+    RETURN_IF_ERROR(impl_->MayBeUsed());
     return impl_->Close();
 }
 
 Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* records_affected) {
+    RETURN_IF_ERROR(impl_->MayBeUsed());
     if (!is_open()) return Closed();
     impl_->session().StartStatement();
     ASSIGN_OR_RETURN(sql::Statement statement, sql::Parse(sql, impl_->session().current_year()));
@@ -187,7 +206,12 @@ Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* rec
     return rows;
 }
 
+void Connection::WatchRows(RowsWatch watch) {
+    impl_->session().rows_watch = std::move(watch);
+}
+
 Status Connection::Change(const std::function<Status(Database&)>& change) {
+    RETURN_IF_ERROR(impl_->MayBeUsed());
     if (!is_open()) return Closed();
     impl_->NoteChange();
     sql::Transaction transaction(*impl_->database());
@@ -197,6 +221,7 @@ Status Connection::Change(const std::function<Status(Database&)>& change) {
 }
 
 Status Connection::Flush() {
+    RETURN_IF_ERROR(impl_->MayBeUsed());
     return is_open() ? impl_->database()->Flush() : Closed();
 }
 

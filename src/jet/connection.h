@@ -1,7 +1,7 @@
 // Connection: an open database file and the way SQL gets to it. See docs/jet-sql.md for the
 // dialect. Each statement, and each Update or Delete of a recordset, is atomic; when it has
 // returned it survives the death of the process. Errors are Status values with the engine's number
-// and text. Threads: one connection belongs to one thread.
+// and text. Threads: one connection belongs to one thread, unless it is lent to another one.
 #pragma once
 
 #include "base/status.h"
@@ -50,6 +50,11 @@ public:
     base::Result<Recordset> Execute(std::u16string_view sql,
                                     std::int64_t* records_affected = nullptr);
 
+    // Called now and then in a statement that changes the rows of one table, with those that are
+    // done and all of them. Empty: nobody. It must not use the connection.
+    using RowsWatch = std::function<void(std::int64_t done, std::int64_t total)>;
+    void WatchRows(RowsWatch watch);
+
     // Runs `change` in one transaction: all of what it does to the database or, when it fails,
     // nothing, and its Status. It must not run statements of this connection.
     base::Status Change(const std::function<base::Status(Database&)>& change);
@@ -61,10 +66,27 @@ public:
     Database* database();
 
 private:
+    friend class LentConnection;
     friend class NamedChange;
     friend class Recordset;
     class Impl;
     std::unique_ptr<Impl> impl_;
+};
+
+// As long as it lives, the connection belongs to the thread that has taken it, and its owner waits:
+// statements of other threads are refused (kBusy). Requires: no recordset is open, nor is it lent
+// already.
+class LentConnection {
+public:
+    explicit LentConnection(Connection& connection);  // in the thread of the owner
+    ~LentConnection();                                // there, too
+    LentConnection(const LentConnection&) = delete;
+    LentConnection& operator=(const LentConnection&) = delete;
+    // In the other thread, before it uses the connection.
+    void Take();
+
+private:
+    Connection& connection_;
 };
 
 // As long as it lives, whatever changes rows through the connection belongs to one change of this

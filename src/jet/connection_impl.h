@@ -7,9 +7,11 @@
 #include "jet/sql/syntax/ast.h"
 #include "jet/tables/database.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <set>
+#include <thread>
 
 namespace jet {
 
@@ -35,6 +37,15 @@ public:
     void BeginNamed(std::u16string name, std::uint64_t undoes);
     void EndNamed() { --named_depth_; }
 
+    void Lend() { is_lent_ = true; }
+    void Take() { taken_by_ = std::this_thread::get_id(); }
+    void GiveBack() {
+        taken_by_ = std::thread::id();
+        is_lent_ = false;
+    }
+    // kBusy: the connection is lent to another thread.
+    base::Status MayBeUsed() const;
+
     Database* database() { return database_.get(); }
     sql::Session& session() { return session_; }
     const ChangeCounter& changes() const { return changes_; }
@@ -46,6 +57,8 @@ private:
     // Of a transaction that begins now.
     ChangeLabel LabelOf(std::u16string name, std::uint64_t undoes);
 
+    std::atomic<bool> is_lent_ = false;
+    std::atomic<std::thread::id> taken_by_;  // while is_lent_; none: not yet
     FileSystem* files_;
     CommitNotes* notes_ = nullptr;
     ChangeLabel named_;  // while named_depth_ > 0

@@ -1,6 +1,7 @@
 #include "jet/recordset.h"
 
 #include "jet/connection.h"
+#include "jet/connection_impl.h"
 #include "jet/recordset_impl.h"
 
 #include <cassert>
@@ -21,6 +22,7 @@ Recordset& Recordset::operator=(Recordset&& other) noexcept {
 
 Status Recordset::Open(std::u16string_view sql, Connection& connection, CursorType cursor,
                        LockType lock, CursorLocation) {
+    RETURN_IF_ERROR(connection.impl_->MayBeUsed());
     return impl_->OpenText(sql, *connection.impl_, cursor, lock);
 }
 

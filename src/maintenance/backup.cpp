@@ -2,6 +2,7 @@
 
 #include "base/file_names.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/long_run.h"
 #include "catalogue/process_values.h"
 #include "catalogue/program_files.h"
 #include "jet/connection.h"
@@ -17,9 +18,10 @@
 namespace maintenance {
 namespace {
 
+constexpr std::uint64_t kKilobyte = 1 << 10;
 constexpr std::uint64_t kChunkBytes = 1 << 20;
 
-base::Status CopyBytes(const jet::File& from, jet::File& to) {
+base::Status CopyBytes(const jet::File& from, jet::File& to, const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(const std::uint64_t size, from.Size());
     std::vector<std::byte> chunk(static_cast<std::size_t>(std::min(size, kChunkBytes)));
     for (std::uint64_t offset = 0; offset < size;) {
@@ -28,16 +30,19 @@ base::Status CopyBytes(const jet::File& from, jet::File& to) {
         RETURN_IF_ERROR(from.ReadAt(offset, piece));
         RETURN_IF_ERROR(to.WriteAt(offset, piece));
         offset += piece.size();
+        if (steps.progress)
+            steps.progress(static_cast<std::int64_t>(offset / kKilobyte),
+                           static_cast<std::int64_t>(size / kKilobyte));
     }
     return to.Sync();
 }
 
 // The file is closed when this returns, so that it can be renamed on every system.
 base::Status WriteCopy(jet::FileSystem& files, const std::filesystem::path& database,
-                       const std::filesystem::path& copy) {
+                       const std::filesystem::path& copy, const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(const auto from, files.Open(database, jet::OpenMode::kRead));
     ASSIGN_OR_RETURN(const auto to, files.Open(copy, jet::OpenMode::kCreate));
-    return CopyBytes(*from, *to);
+    return CopyBytes(*from, *to, steps);
 }
 
 QString SuccessText(const QString& folder) {
@@ -49,12 +54,13 @@ QString SuccessText(const QString& folder) {
 
 }  // namespace
 
-base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup) {
+base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const QString& backup,
+                          const base::RunSteps& steps) {
     // Exactly this name: ToPath would find a file that differs in letter case.
     const std::filesystem::path target = base::PathOf(backup.toStdU16String());
     std::filesystem::path copy = target;
     copy += ".new";
-    base::Status done = WriteCopy(files, platform::ToPath(database), copy);
+    base::Status done = WriteCopy(files, platform::ToPath(database), copy, steps);
     if (done.ok()) done = files.Rename(copy, target);
     if (!done.ok()) {
         files.Remove(copy).Ignore();
@@ -66,15 +72,18 @@ base::Status CopyDatabase(jet::FileSystem& files, const QString& database, const
     return {};
 }
 
-base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files) {
+base::Status MakeBackup(catalogue::Catalogue& catalogue, jet::FileSystem& files,
+                        const base::RunSteps& steps) {
     RETURN_IF_ERROR(catalogue.CatalogueConnection->Flush());
     const QString& folder = catalogue.values->ApplicationFolder;
     return CopyDatabase(files, platform::FileIn(folder, catalogue::kCatalogueFile.toString()),
-                        platform::FileIn(folder, catalogue::kBackupFile.toString()));
+                        platform::FileIn(folder, catalogue::kBackupFile.toString()), steps);
 }
 
 base::Status BackupData(CommandContext context, jet::FileSystem& files, const QString& caption) {
-    RETURN_IF_ERROR(MakeBackup(context.catalogue, files));
+    RETURN_IF_ERROR(catalogue::RunLong(
+        context.catalogue, {MaintenanceTexts::tr("Backup Data")},
+        [&](const base::RunSteps& steps) { return MakeBackup(context.catalogue, files, steps); }));
     platform::Message message;
     message.text = SuccessText(context.catalogue.values->ApplicationFolder);
     message.title = caption;

@@ -1,6 +1,7 @@
 #include "maintenance/compact.h"
 
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "catalogue/start_up.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
@@ -12,33 +13,20 @@
 namespace maintenance {
 namespace {
 
+using Stop = catalogue::LongRun::Stop;
+
 QString SizeText(std::uint64_t bytes) {
     return QLocale(QLocale::English, QLocale::UnitedStates)
         .formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeTraditionalFormat);
 }
 
-// Shows the rows that are done, and the end in any case.
-class ShownProgress {
-public:
-    explicit ShownProgress(const catalogue::Progress& progress) : progress_(progress) {}
-    ~ShownProgress() {
-        if (progress_) progress_(total_, total_);
-    }
-    ShownProgress(const ShownProgress&) = delete;
-    ShownProgress& operator=(const ShownProgress&) = delete;
-
-    // Borrows this object.
-    jet::CompactProgress Steps() {
-        return [this](std::uint64_t done, std::uint64_t total) {
-            total_ = static_cast<std::int64_t>(total);
-            if (progress_ && done < total) progress_(static_cast<std::int64_t>(done), total_);
-        };
-    }
-
-private:
-    const catalogue::Progress& progress_;
-    std::int64_t total_ = 0;
-};
+jet::CompactProgress StepsOf(const base::RunSteps& steps) {
+    return [&steps](std::uint64_t done, std::uint64_t total) -> base::Status {
+        if (steps.progress)
+            steps.progress(static_cast<std::int64_t>(done), static_cast<std::int64_t>(total));
+        return base::StatusOf(steps.stop);
+    };
+}
 
 base::Status CannotOpenAgain(const base::Status& why) {
     return {why.code(),
@@ -73,10 +61,11 @@ base::Result<bool> Ask(const CommandContext& context) {
     jet::Connection& connection = *context.catalogue.CatalogueConnection;
     // Nothing is known of a catalogue that an attempt before this one has left closed.
     if (!connection.is_open()) return true;
-    base::Result<jet::CompactReport> expected = [&] {
-        ShownProgress progress(context.progress);
-        return jet::MeasureCompact(connection.database()->pages(), progress.Steps());
-    }();
+    const auto expected = catalogue::RunLong(
+        context.catalogue, {MaintenanceTexts::tr("Compact"), Stop::kOnRequest},
+        [&](const base::RunSteps& steps) {
+            return jet::MeasureCompact(connection.database()->pages(), StepsOf(steps));
+        });
     if (!expected.ok()) return expected.status();
     return IsWanted(context.prompts, *expected);
 }
@@ -85,29 +74,37 @@ base::Result<bool> Ask(const CommandContext& context) {
 
 base::Result<jet::CompactReport> CompactCatalogue(catalogue::Catalogue& catalogue,
                                                   jet::FileSystem& files,
-                                                  const catalogue::Progress& progress,
-                                                  const jet::BeforeReplacing& before_replacing) {
-    ShownProgress shown(progress);
+                                                  const jet::BeforeReplacing& before_replacing,
+                                                  const base::RunSteps& steps) {
     const std::filesystem::path path = platform::ToPath(catalogue::CataloguePath(catalogue));
     base::Status closed = catalogue.CatalogueConnection->Close();
-    auto report = closed.ok() ? jet::CompactInPlace(files, path, shown.Steps(), before_replacing)
+    auto report = closed.ok() ? jet::CompactInPlace(files, path, StepsOf(steps), before_replacing)
                               : base::Result<jet::CompactReport>(std::move(closed));
     const base::Status opened = catalogue::OpenCatalogue(catalogue);
     if (!opened.ok()) return CannotOpenAgain(opened);
     return report;
 }
 
-void CompactData(const CommandContext& context, jet::FileSystem& files,
-                 const jet::BeforeReplacing& before_replacing,
-                 const std::function<void(const QString&)>& tell) {
+base::Status CompactData(const CommandContext& context, jet::FileSystem& files,
+                         const jet::BeforeReplacing& before_replacing,
+                         const std::function<void(const QString&)>& tell) {
+    const auto show = [&](const base::Status& failure) -> base::Status {
+        if (base::IsStopped(failure)) return failure;
+        catalogue::ShowError(context.prompts, failure);
+        return {};
+    };
     const auto is_wanted = Ask(context);
-    if (!is_wanted.ok()) return catalogue::ShowError(context.prompts, is_wanted.status());
-    if (!*is_wanted) return;
-    const auto report =
-        CompactCatalogue(context.catalogue, files, context.progress, before_replacing);
-    if (!report.ok()) return catalogue::ShowError(context.prompts, report.status());
+    if (!is_wanted.ok()) return show(is_wanted.status());
+    if (!*is_wanted) return {};
+    const auto report = catalogue::RunLong(
+        context.catalogue, {MaintenanceTexts::tr("Compact"), Stop::kOnRequest},
+        [&](const base::RunSteps& steps) {
+            return CompactCatalogue(context.catalogue, files, before_replacing, steps);
+        });
+    if (!report.ok()) return show(report.status());
     tell(MaintenanceTexts::tr("Catalogue compacted: %1 before, %2 now")
              .arg(SizeText(report->bytes_before()), SizeText(report->bytes_after())));
+    return {};
 }
 
 }  // namespace maintenance

@@ -11,18 +11,18 @@
 namespace maintenance {
 
 // Closes the catalogue, compacts its file in place (jet::CompactInPlace) and opens it again.
-// Recordsets of the connection end. A failure leaves the file as it was; when it cannot even be
-// opened again, because another program has taken it meanwhile, the catalogue is closed and the
-// text says so.
+// Recordsets of the connection end. `steps` are rows. A failure, or a stop, leaves the file as it
+// was; when it cannot even be opened again, because another program has taken it meanwhile, the
+// catalogue is closed and the text says so.
 base::Result<jet::CompactReport> CompactCatalogue(catalogue::Catalogue& catalogue,
                                                   jet::FileSystem& files,
-                                                  const catalogue::Progress& progress,
-                                                  const jet::BeforeReplacing& before_replacing);
+                                                  const jet::BeforeReplacing& before_replacing,
+                                                  const base::RunSteps& steps = {});
 
 // Says what compacting would bring, asks, does it and hands the result to `tell`. Failures are
-// shown in a box.
-void CompactData(const CommandContext& context, jet::FileSystem& files,
-                 const jet::BeforeReplacing& before_replacing,
-                 const std::function<void(const QString&)>& tell);
+// shown in a box. The answer is ok, or that it was stopped, and the catalogue is as it was.
+base::Status CompactData(const CommandContext& context, jet::FileSystem& files,
+                         const jet::BeforeReplacing& before_replacing,
+                         const std::function<void(const QString&)>& tell);
 
 }  // namespace maintenance

@@ -24,10 +24,9 @@ constexpr const char* kTag = "tag";
 }  // namespace
 
 frmUtility::frmUtility(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                       std::function<void()> refresh_tree, QWidget* parent,
-                       catalogue::Progress progress)
+                       std::function<void()> refresh_tree, QWidget* parent)
     : QDialog(parent), catalogue_(catalogue), prompts_(prompts),
-      refresh_tree_(std::move(refresh_tree)), progress_(std::move(progress)) {
+      refresh_tree_(std::move(refresh_tree)) {
     setObjectName(QStringLiteral("frmUtility"));
     setWindowTitle(MaintenanceTexts::tr("Global Path Change"));
     auto* column = new QVBoxLayout(this);
@@ -87,8 +86,8 @@ void frmUtility::ChangePaths() {
     if (existing.trimmed().isEmpty() || next.trimmed().isEmpty()) {
         WarnOfMissingPath();
     } else {
-        catalogue::ShowError(
-            prompts_, ResetPaths(catalogue_, prompts_, SelectedKind(), existing, next, progress_));
+        catalogue::ShowError(prompts_,
+                             ResetPaths(catalogue_, prompts_, SelectedKind(), existing, next));
         refresh_tree_();
     }
     accept();

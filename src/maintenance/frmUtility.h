@@ -2,7 +2,6 @@
 #pragma once
 
 #include "catalogue/catalogue.h"
-#include "catalogue/progress_meter.h"
 #include "platform/user_prompts.h"
 
 #include <QtWidgets/QDialog>
@@ -21,8 +20,7 @@ class frmUtility : public QDialog {
 public:
     // `catalogue` and `prompts` are borrowed and outlive the window. Shown modally by exec().
     frmUtility(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-               std::function<void()> refresh_tree, QWidget* parent = nullptr,
-               catalogue::Progress progress = {});
+               std::function<void()> refresh_tree, QWidget* parent = nullptr);
 
 private:
     QWidget* BuildKinds();
@@ -35,7 +33,6 @@ private:
     catalogue::Catalogue& catalogue_;
     platform::UserPrompts& prompts_;
     std::function<void()> refresh_tree_;
-    catalogue::Progress progress_;
     std::vector<QRadioButton*> optType_;  // by index
     QLineEdit* txtExisting_ = nullptr;
     QLineEdit* txtNew_ = nullptr;

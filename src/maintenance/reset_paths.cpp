@@ -2,7 +2,9 @@
 
 #include "base/marked_text.h"
 #include "catalogue/field_text.h"
+#include "catalogue/long_run.h"
 #include "catalogue/path_names.h"
+#include "catalogue/progress_meter.h"
 #include "jet/connection.h"
 #include "jet/recordset.h"
 #include "maintenance/texts.h"
@@ -36,6 +38,19 @@ base::Status ChangeRows(jet::Recordset& rows, const Move& move,
     return {};
 }
 
+// False: there are no tables.
+base::Result<bool> ChangeTables(catalogue::Catalogue& catalogue, const Move& move,
+                                const base::RunSteps& steps) {
+    const jet::NamedChange named(*catalogue.CatalogueConnection,
+                                 MARKED_TEXT("HistoryTexts", "Reset Paths"));
+    jet::Recordset rows;
+    RETURN_IF_ERROR(rows.Open(u"select * from tables", *catalogue.CatalogueConnection,
+                              jet::CursorType::kStatic, jet::LockType::kOptimistic));
+    if (rows.Bof() && rows.Eof()) return false;
+    RETURN_IF_ERROR(ChangeRows(rows, move, steps.progress));
+    return true;
+}
+
 void SayPathsChanged(platform::UserPrompts& prompts) {
     platform::Message message;
     message.text = MaintenanceTexts::tr("Paths Changed");
@@ -58,22 +73,18 @@ QString MovedPath(const QString& stored, const QString& existing, const QString&
 }
 
 base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                        const QString& kind, const QString& existing, const QString& next,
-                        const catalogue::Progress& progress) {
+                        const QString& kind, const QString& existing, const QString& next) {
     const QString column = PathColumn(kind);
     if (column.isEmpty())
         return {base::StatusCode::kInvalidArgument, "Unknown kind of path: " + kind.toStdString()};
-    const jet::NamedChange named(*catalogue.CatalogueConnection,
-                                 MARKED_TEXT("HistoryTexts", "Reset Paths"));
-    jet::Recordset rows;
-    RETURN_IF_ERROR(rows.Open(u"select * from tables", *catalogue.CatalogueConnection,
-                              jet::CursorType::kStatic, jet::LockType::kOptimistic));
-    if (rows.Bof() && rows.Eof()) return {};
     const Move move{column.toStdU16String(), catalogue::WithTrailingSeparator(existing),
                     catalogue::WithTrailingSeparator(next)};
-    RETURN_IF_ERROR(ChangeRows(rows, move, progress));
-    rows.Close();
-    SayPathsChanged(prompts);
+    ASSIGN_OR_RETURN(const bool has_rows,
+                     catalogue::RunLong(catalogue, {MaintenanceTexts::tr("Reset Paths")},
+                                        [&](const base::RunSteps& steps) {
+                                            return ChangeTables(catalogue, move, steps);
+                                        }));
+    if (has_rows) SayPathsChanged(prompts);
     return {};
 }
 

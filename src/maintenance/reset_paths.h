@@ -4,7 +4,6 @@
 #include "base/marked_text.h"
 #include "base/status.h"
 #include "catalogue/catalogue.h"
-#include "catalogue/progress_meter.h"
 #include "platform/user_prompts.h"
 
 #include <QtCore/QString>
@@ -39,7 +38,6 @@ QString MovedPath(const QString& stored, const QString& existing, const QString&
 // case, and says "Paths Changed". The folders are taken as given but for a separator added at the
 // end. An empty catalogue: nothing is said. A failure leaves the rows changed so far.
 base::Status ResetPaths(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts,
-                        const QString& kind, const QString& existing, const QString& next,
-                        const catalogue::Progress& progress = {});
+                        const QString& kind, const QString& existing, const QString& next);
 
 }  // namespace maintenance

@@ -136,9 +136,9 @@ KeepDamaged(jet::FileSystem& files, const std::filesystem::path& database, Local
 }
 
 // nullopt: the state of today is damaged, so that no snapshot of it counts.
-base::Result<std::optional<SnapshotNumber>> SnapshotOfToday(SnapshotStore& store,
-                                                            LocalSeconds now) {
-    ASSIGN_OR_RETURN(auto number, store.Make({Occasion::kBeforeCommand, now, kLabel}));
+base::Result<std::optional<SnapshotNumber>> SnapshotOfToday(SnapshotStore& store, LocalSeconds now,
+                                                            const base::RunSteps& steps) {
+    ASSIGN_OR_RETURN(auto number, store.Make({Occasion::kBeforeCommand, now, kLabel}, steps));
     store.CheckAll().Ignore();  // what came of it, the list tells
     ASSIGN_OR_RETURN(const std::vector<SnapshotInfo> list, store.List());
     if (list.empty()) return std::optional<SnapshotNumber>();
@@ -150,11 +150,11 @@ base::Result<std::optional<SnapshotNumber>> SnapshotOfToday(SnapshotStore& store
 }
 
 base::Result<Restored> KeepToday(jet::FileSystem& files, SnapshotStore& store, const Today& today,
-                                 LocalSeconds now) {
+                                 LocalSeconds now, const base::RunSteps& steps) {
     Restored kept;
     if (!today.exists()) return kept;
     if (today.pages != nullptr) {
-        ASSIGN_OR_RETURN(kept.snapshot_before, SnapshotOfToday(store, now));
+        ASSIGN_OR_RETURN(kept.snapshot_before, SnapshotOfToday(store, now, steps));
         if (kept.snapshot_before) return kept;
     }
     ASSIGN_OR_RETURN(kept.damaged_file, KeepDamaged(files, store.database(), now));
@@ -164,8 +164,9 @@ base::Result<Restored> KeepToday(jet::FileSystem& files, SnapshotStore& store, c
 }  // namespace
 
 base::Result<Restored> Restore(jet::FileSystem& files, SnapshotStore& store, Bytes state,
-                               LocalSeconds now) {
+                               LocalSeconds now, const base::RunSteps& steps) {
     RETURN_IF_ERROR(CheckState(state));
+    RETURN_IF_ERROR(base::StatusOf(steps.stop));
     ASSIGN_OR_RETURN(const std::uint32_t page_size, jet::PageSizeOf(state));
     const std::filesystem::path& database = store.database();
     ASSIGN_OR_RETURN(Today today, Hold(files, database));
@@ -174,9 +175,10 @@ base::Result<Restored> Restore(jet::FileSystem& files, SnapshotStore& store, Byt
     base::Status done = WriteState(files, written, state);
     base::Result<Restored> kept = Restored();
     if (done.ok()) {
-        kept = KeepToday(files, store, today, now);
+        kept = KeepToday(files, store, today, now, steps);
         done = kept.status();
     }
+    if (done.ok()) done = base::StatusOf(steps.stop);
     if (done.ok()) done = files.Rename(written, database);
     if (!done.ok()) {
         files.Remove(written).Ignore();

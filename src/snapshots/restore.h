@@ -18,9 +18,11 @@ struct Restored {
 // Makes `state`, the bytes of a database file, what the store's database holds. `now` names the
 // damaged file and the snapshot. Requires: this process has the database not open.
 // kBusy: another program has it; kCorruption: the checker found faults in `state`; kNoSpace,
-// kIoError, kPermissionDenied. After a failure the database is what it was.
+// kIoError, kPermissionDenied. It can be stopped until the exchange. `steps` are the pages of the
+// snapshot of today. After a failure the database is what it was.
 base::Result<Restored> Restore(jet::FileSystem& files, SnapshotStore& store,
-                               std::vector<std::byte> state, LocalSeconds now);
+                               std::vector<std::byte> state, LocalSeconds now,
+                               const base::RunSteps& steps = {});
 
 // A copy made by hand, pinball.BU for instance. The errors of opening a database.
 base::Result<std::vector<std::byte>> ReadCopy(jet::FileSystem& files,

@@ -156,12 +156,15 @@ QString DifferenceText(const TableDifference& difference) {
 }
 
 base::Result<Restored> RestoreCatalogue(catalogue::Catalogue& catalogue, jet::FileSystem& files,
-                                        SnapshotStore& store, const RestoreEntry& entry) {
+                                        SnapshotStore& store, const RestoreEntry& entry,
+                                        const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(auto state, ReadEntry(files, store, entry));
+    RETURN_IF_ERROR(base::StatusOf(steps.stop));
     const base::Status closed = catalogue.CatalogueConnection->Close();
     base::Result<Restored> restored = closed;
     if (closed.ok())
-        restored = Restore(files, store, std::move(state), ToLocalSeconds(catalogue.clock->Now()));
+        restored =
+            Restore(files, store, std::move(state), ToLocalSeconds(catalogue.clock->Now()), steps);
     RETURN_IF_ERROR(catalogue::Main(catalogue));
     return restored;
 }

@@ -46,9 +46,10 @@ QString DifferenceText(const TableDifference& difference);
 
 // Closes the catalogue, restores, and opens it again, as the start does. When nothing could be
 // restored the catalogue is what it was, and open again; that it could not be opened is the error
-// then.
+// then. `steps` as of Restore.
 base::Result<Restored> RestoreCatalogue(catalogue::Catalogue& catalogue, jet::FileSystem& files,
-                                        SnapshotStore& store, const RestoreEntry& entry);
+                                        SnapshotStore& store, const RestoreEntry& entry,
+                                        const base::RunSteps& steps = {});
 // Where the state before is now: a sentence for the user.
 QString RestoredText(const Restored& restored);
 

@@ -2,13 +2,12 @@
 
 #include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
+#include "catalogue/long_run.h"
 #include "catalogue/process_values.h"
 #include "snapshots/texts.h"
 
 #include <QtCore/QLocale>
 #include <QtCore/QPointer>
-#include <QtGui/QCursor>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
@@ -43,14 +42,6 @@ QString DifferencesText(const std::vector<TableDifference>& differences) {
                      DifferenceText(table));
     return lines.join(u'\n');
 }
-
-class WaitCursor {
-public:
-    WaitCursor() { QApplication::setOverrideCursor(QCursor(Qt::WaitCursor)); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
 }  // namespace
 
@@ -177,13 +168,14 @@ void RestoreDialog::RestoreChosen() {
     if (row < 0 || !restore_->isEnabled()) return;
     const RestoreEntry entry = entries_[static_cast<std::size_t>(row)];
     if (!Confirm(entry)) return;
-    base::Result<Restored> restored = Restored();
-    {
-        const WaitCursor wait;
-        restored =
-            RestoreCatalogue(parts_.catalogue, parts_.keeper.files(), parts_.keeper.store(), entry);
-        parts_.refresh_tree();
-    }
+    const auto restored =
+        catalogue::RunLong(parts_.catalogue, {windowTitle(), catalogue::LongRun::Stop::kOnRequest},
+                           [&](const base::RunSteps& steps) {
+                               return RestoreCatalogue(parts_.catalogue, parts_.keeper.files(),
+                                                       parts_.keeper.store(), entry, steps);
+                           });
+    if (base::IsStopped(restored.status())) return;
+    parts_.refresh_tree();
     if (!restored.ok()) {
         catalogue::ShowError(parts_.prompts, restored.status());
         return;

@@ -1,6 +1,6 @@
 // RestoreDialog: the snapshots of the catalogue and pinball.BU in one list; how the chosen one
 // differs from today; and the restore, after a question. What takes long is read in the keeper's
-// thread; the restore itself is not, as the catalogue is closed meanwhile.
+// thread; the restore itself by the catalogue's runner.
 #pragma once
 
 #include "snapshots/restore_catalogue.h"

@@ -55,9 +55,12 @@ void SnapshotKeeper::MakeByClock() {
     });
 }
 
-void SnapshotKeeper::MakeBefore(const QString& command) {
-    const auto made = store_.Make(
-        {Occasion::kBeforeCommand, ToLocalSeconds(clock_.Now()), command.toStdString()});
+void SnapshotKeeper::MakeBefore(const QString& command, catalogue::LongRunner* runner) {
+    const SnapshotStore::Request request{Occasion::kBeforeCommand, ToLocalSeconds(clock_.Now()),
+                                         command.toStdString()};
+    const auto made = catalogue::RunLong(
+        runner, {SnapshotsTexts::tr("Snapshot")},
+        [&](const base::RunSteps& steps) { return store_.Make(request, steps); });
     Tell(made.ok() ? base::Status() : WithoutSnapshot(made.status()));
     if (made.ok() && *made) Post([this] { CheckAndKeep(); });
 }

@@ -4,6 +4,7 @@
 // an event loop; Failed is emitted there.
 #pragma once
 
+#include "catalogue/long_run.h"
 #include "platform/clock.h"
 #include "snapshots/snapshot_store.h"
 
@@ -36,8 +37,9 @@ public:
     // minute.
     void StartClock();
     // Makes a snapshot before a command, whose name goes into the list, and returns when it is on
-    // the disk. A failure is told by Failed; the command goes on.
-    void MakeBefore(const QString& command);
+    // the disk. A failure is told by Failed; the command goes on. `runner` shows the work; null:
+    // nobody does.
+    void MakeBefore(const QString& command, catalogue::LongRunner* runner = nullptr);
     // Runs `work` in the keeper's thread, after what was asked for before; `done` is called in this
     // object's thread, unless the keeper is deleted before.
     void Run(std::function<void()> work, std::function<void()> done);

@@ -228,7 +228,8 @@ struct SnapshotStore::NewState {
     bool is_new = false;            // the newest snapshot has another state
 };
 
-base::Result<std::optional<SnapshotNumber>> SnapshotStore::Make(const Request& request) {
+base::Result<std::optional<SnapshotNumber>> SnapshotStore::Make(const Request& request,
+                                                                const base::RunSteps& steps) {
     ASSIGN_OR_RETURN(const auto session, Begin(true));
     ASSIGN_OR_RETURN(const Folder folder, ReadFolder());
     RETURN_IF_ERROR(RemoveLeftovers(folder));
@@ -236,7 +237,7 @@ base::Result<std::optional<SnapshotNumber>> SnapshotStore::Make(const Request& r
     if (number > kLastNumber)
         return base::Status(base::StatusCode::kUnsupported, "There are too many snapshots.");
     PackSet packs(files_, folder_);
-    ASSIGN_OR_RETURN(NewState state, ReadDatabase(folder, number, packs));
+    ASSIGN_OR_RETURN(NewState state, ReadDatabase(folder, number, packs, steps));
     const PackDirectory& directory = state.pack->directory();
     if (!directory.records.empty())
         RETURN_IF_ERROR(
@@ -251,24 +252,25 @@ base::Result<std::optional<SnapshotNumber>> SnapshotStore::Make(const Request& r
 }
 
 // Page by page, unless somebody changes the catalogue at this very time: then as a whole.
-base::Result<SnapshotStore::NewState>
-SnapshotStore::ReadDatabase(const Folder& folder, SnapshotNumber number, PackSet& packs) {
+base::Result<SnapshotStore::NewState> SnapshotStore::ReadDatabase(const Folder& folder,
+                                                                  SnapshotNumber number,
+                                                                  PackSet& packs,
+                                                                  const base::RunSteps& steps) {
     base::Result<NewState> state = NewState();
     const auto read = [&](const jet::PageSource& pages) {
-        state = ReadState(pages, folder, number, packs);
+        state = ReadState(pages, folder, number, packs, steps);
         return state.status();
     };
     const auto is_steady = jet::ReadSteadyPages(files_, database_, read);
-    if (is_steady.ok() && *is_steady) return state;
+    if ((is_steady.ok() && *is_steady) || base::IsStopped(state.status())) return state;
     ASSIGN_OR_RETURN(const std::vector<std::byte> bytes, jet::CopyFileBytes(files_, database_));
     ASSIGN_OR_RETURN(const std::uint32_t page_size, jet::PageSizeOf(bytes));
-    return ReadState(jet::PagesOf(bytes, page_size), folder, number, packs);
+    return ReadState(jet::PagesOf(bytes, page_size), folder, number, packs, steps);
 }
 
-base::Result<SnapshotStore::NewState> SnapshotStore::ReadState(const jet::PageSource& pages,
-                                                               const Folder& folder,
-                                                               SnapshotNumber number,
-                                                               PackSet& packs) {
+base::Result<SnapshotStore::NewState>
+SnapshotStore::ReadState(const jet::PageSource& pages, const Folder& folder, SnapshotNumber number,
+                         PackSet& packs, const base::RunSteps& steps) {
     NewState state;
     SnapshotHead& head = state.snapshot.head;
     head.page_size = pages.page_size;
@@ -280,7 +282,9 @@ base::Result<SnapshotStore::NewState> SnapshotStore::ReadState(const jet::PageSo
     std::vector<RecordPlace> places;
     places.reserve(pages.page_count);
     std::vector<std::byte> content(pages.page_size);
+    base::StepCount count(steps, pages.page_count);
     for (jet::PageNumber page = 0; page < pages.page_count; ++page) {
+        RETURN_IF_ERROR(count.Next());
         RETURN_IF_ERROR(pages.read(page, content));
         const std::uint64_t checksum = PageChecksum(page, content);
         head.checksum = FileChecksum(head.checksum, checksum);

@@ -9,6 +9,7 @@
 // Threads: any; calls wait for each other, but not for a checker that is at work.
 #pragma once
 
+#include "base/run_steps.h"
 #include "jet/pages/file_system.h"
 #include "jet/pages/page_store.h"
 #include "snapshots/snapshot_format.h"
@@ -48,8 +49,10 @@ public:
         LocalSeconds time = 0;
         std::string label;  // UTF-8; cut at kMaxLabelBytes
     };
-    // Makes a snapshot, unchecked. nullopt: the newest one has this very state.
-    base::Result<std::optional<SnapshotNumber>> Make(const Request& request);
+    // Makes a snapshot, unchecked. `steps` are pages; stopped, it makes none. nullopt: the newest
+    // one has this very state.
+    base::Result<std::optional<SnapshotNumber>> Make(const Request& request,
+                                                     const base::RunSteps& steps = {});
 
     // Reads back what was not checked yet and lets it count. kCorruption: the checker found faults
     // in one, the first of which the message tells, or it cannot be read; it was removed.
@@ -78,10 +81,11 @@ private:
     base::Result<Folder> ReadFolder();
     base::Result<Entry> ReadEntry(SnapshotNumber number, bool is_checked);
     base::Status RemoveLeftovers(const Folder& folder);
-    base::Result<NewState> ReadDatabase(const Folder& folder, SnapshotNumber number,
-                                        PackSet& packs);
+    base::Result<NewState> ReadDatabase(const Folder& folder, SnapshotNumber number, PackSet& packs,
+                                        const base::RunSteps& steps);
     static base::Result<NewState> ReadState(const jet::PageSource& pages, const Folder& folder,
-                                            SnapshotNumber number, PackSet& packs);
+                                            SnapshotNumber number, PackSet& packs,
+                                            const base::RunSteps& steps);
     base::Status WriteFile(const std::string& name, std::span<const std::byte> head,
                            std::span<const std::byte> rest);
     base::Status Remove(const Entry& entry);

@@ -121,6 +121,31 @@ TEST_F(EditCommandsTest, TheMenuSaysWhatItWouldTakeBack) {
     EXPECT_EQ(Action(S(u"mnuRedo"))->text().toStdString(), "Re&do Reset Times Played (2 tables)");
 }
 
+// Presses Escape as soon as the window answers again.
+TEST_F(EditCommandsTest, AnUndoOfManyTablesCanBeStoppedAndChangesNothing) {
+    {
+        const jet::NamedChange named(*connection, u"Insert");
+        for (int i = 0; i < 3000; ++i)
+            Execute(S(u"INSERT INTO Tables (DisplayName, TimesPlayed) VALUES ('More', 7)"));
+    }
+    Run(u"mnuResetTimes");
+    const QString sum = S(u"Select Sum(TimesPlayed) from Tables");
+    ASSERT_EQ(Scalar(sum), S(u"0"));
+    bool was_at_work = false;
+    QTimer::singleShot(0, window.get(), [&] {
+        was_at_work = commands->is_at_work();
+        QTest::keyClick(window.get(), Qt::Key_Escape);
+    });
+    Run(u"mnuUndo");
+    EXPECT_TRUE(was_at_work);
+    EXPECT_EQ(Message(), "Stopped. Nothing was changed");
+    EXPECT_EQ(Scalar(sum), S(u"0"));
+    EXPECT_TRUE(prompts.messages.size() <= 1U);  // that of the reset
+    Run(u"mnuUndo");
+    EXPECT_EQ(Message(), "Undo Reset Times Played (3,002 tables)");
+    EXPECT_EQ(Scalar(sum), QString::number(3000 * 7 + 2 * 5));
+}
+
 TEST_F(EditCommandsTest, WithNothingToUndoTheStatusBarSaysSo) {
     Run(u"mnuUndo");
     EXPECT_EQ(Message(), "There is nothing to undo");

@@ -33,10 +33,9 @@ protected:
     }
     base::Result<std::int64_t> Add(const QStringList& folders) {
         passed_over = {};
-        return AddNewTables(catalogue, folders, events, {}, passed_over);
+        return AddNewTables(catalogue, folders, {}, passed_over);
     }
 
-    test_support::FakeEvents events;
     catalogue::PassedOver passed_over;
 };
 
@@ -49,6 +48,22 @@ TEST_F(NewTablesTest, ThoseOfAllFoldersAreAddedWithWhatTheirFilesSay) {
                                     "('oneA', 'oneB', 'twoA', 'twoB')")),
               QStringLiteral("4"));
     EXPECT_TRUE(passed_over.Summary().ok());
+}
+
+// What was found until then is in, with what its file says.
+TEST_F(NewTablesTest, AStopEndsTheSearchAndKeepsWhatItHasFound) {
+    const QStringList folders{MakeFolderOfTables(QStringLiteral("one")),
+                              MakeFolderOfTables(QStringLiteral("two"))};
+    std::stop_source stop;
+    const base::RunSteps steps{[&](std::int64_t, std::int64_t) { stop.request_stop(); },
+                               stop.get_token()};
+    const auto added = AddNewTables(catalogue, folders, steps, passed_over);
+    ASSERT_TRUE(added.ok()) << added.status().message();
+    EXPECT_EQ(*added, 2);
+    EXPECT_EQ(Scalar(QStringLiteral("Select Count(*) from Tables where DisplayName in "
+                                    "('oneA', 'oneB')")),
+              QStringLiteral("2"));
+    EXPECT_EQ(Scalar(QStringLiteral("Select Count(*) from Tables")), QStringLiteral("2"));
 }
 
 // An unplugged drive, a share that is not to be read: the other folders have their turn.

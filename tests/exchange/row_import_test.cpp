@@ -1,10 +1,13 @@
 #include "exchange/row_import.h"
 
+#include "catalogue/selection.h"
 #include "exchange/exchange_file.h"
+#include "exchange/table_exchange.h"
 
 #include "support/catalogue_fixture.h"
 #include "support/check_database.h"
 #include "support/qt_text.h"
+#include "support/told_runner.h"
 
 #include <QtCore/QFile>
 
@@ -56,6 +59,46 @@ protected:
         return bytes;
     }
 };
+
+TEST_F(RowImportTest, StoppedItChangesNothing) {
+    std::string file = "ID,DisplayName\r\n1,Renamed\r\n";
+    for (int i = 0; i < 200; ++i)
+        file += ",More\r\n";
+    const std::string before = Everything();
+    std::stop_source stop;
+    std::pair<std::int64_t, std::int64_t> told;
+    const base::RunSteps steps{[&](std::int64_t done, std::int64_t total) {
+                                   told = {done, total};
+                                   stop.request_stop();
+                               },
+                               stop.get_token()};
+    const auto source = MakeRowSource(file, Format::kCsv);
+    const auto report = ImportRows(*connection, *source, {.lines = 202}, steps);
+    EXPECT_TRUE(base::IsStopped(report.status())) << report.status().message();
+    EXPECT_EQ(told, (std::pair<std::int64_t, std::int64_t>(65, 202)));
+    EXPECT_EQ(Everything(), before);
+    EXPECT_EQ(Import(file).added, 200);
+}
+
+TEST_F(RowImportTest, AStoppedExportMakesNoFile) {
+    test_support::ToldRunner runner;
+    catalogue.runner = &runner;
+    runner.stops_at = 0;
+    catalogue::Selection all;
+    all.filter_key = catalogue::kFilterAll.toString();
+    all.order_caption = S("Table Name");
+    all.direction = S("Asc");
+    const QString path = folder.filePath(S("out.csv"));
+    prompts.files = {path, path};
+    EXPECT_TRUE(base::IsStopped(ExportTables(catalogue, prompts, all)));
+    EXPECT_FALSE(QFile::exists(path));
+    EXPECT_TRUE(prompts.messages.empty());
+    runner.stops_at.reset();
+    EXPECT_TRUE(ExportTables(catalogue, prompts, all).ok());
+    EXPECT_TRUE(QFile::exists(path));
+    ASSERT_FALSE(runner.progress.empty());
+    EXPECT_EQ(runner.progress.back(), (std::pair<std::int64_t, std::int64_t>(2, 2)));
+}
 
 using testing::ElementsAre;
 

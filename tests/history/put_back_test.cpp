@@ -38,6 +38,37 @@ TEST_F(PutBackTest, InsertedRowsGo) {
     EXPECT_EQ(Rows(), before);
 }
 
+// Each command in the middle of its rows, and before the first.
+TEST_F(PutBackTest, StoppedItLeavesEverythingAsItIs) {
+    InsertMany(300);
+    for (const char16_t* const sql :
+         {u"UPDATE Games SET Points = Points + ID, Name = 'x'", u"DELETE FROM Games WHERE ID < 200",
+          u"INSERT INTO Games (Name) SELECT Name FROM Games"}) {
+        const Content first = Rows();
+        RunNamed(u"Change", sql);
+        const Content before = Rows();
+        const std::size_t changes = Changes().size();
+        for (const bool at_once : {true, false}) {
+            std::stop_source stop;
+            if (at_once) stop.request_stop();
+            std::int64_t total_rows = 0;
+            const base::RunSteps steps{[&](std::int64_t, std::int64_t total) {
+                                           total_rows = total;
+                                           stop.request_stop();
+                                       },
+                                       stop.get_token()};
+            const auto done =
+                PutBack(*connection_, *history_, Changes().back().number, u"Undo", {}, steps);
+            EXPECT_TRUE(base::IsStopped(done.status())) << done.status().message();
+            EXPECT_GE(total_rows, at_once ? 0 : 101);
+            EXPECT_EQ(Rows(), before);
+            EXPECT_EQ(Changes().size(), changes);
+        }
+        UndoLast();
+        EXPECT_EQ(Rows(), first);
+    }
+}
+
 TEST_F(PutBackTest, SeveralStatementsAreOneChange) {
     InsertMany(5);
     const Content before = Rows();

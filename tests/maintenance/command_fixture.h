@@ -4,6 +4,7 @@
 #include "catalogue/quoting.h"
 #include "maintenance/command_context.h"
 #include "support/catalogue_fixture.h"
+#include "support/told_runner.h"
 
 #include <QtCore/QFile>
 
@@ -15,6 +16,7 @@ namespace test_support {
 class CommandFixture : public CatalogueFixture {
 protected:
     maintenance::CommandContext Context() {
+        catalogue.runner = &runner;
         return {
             catalogue, prompts, events, [this] { ++refreshes; },
             [this](std::int64_t done, std::int64_t total) { progress.emplace_back(done, total); }};
@@ -57,6 +59,7 @@ protected:
     QString RowCount() { return Scalar(QStringLiteral("select count(*) from Tables")); }
 
     FakeEvents events;
+    ToldRunner runner;
     int refreshes = 0;
     std::vector<std::pair<std::int64_t, std::int64_t>> progress;
 };

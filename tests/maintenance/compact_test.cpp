@@ -24,8 +24,8 @@ protected:
 
     void Compact() { Compact(*files); }
     void Compact(jet::FileSystem& other_files) {
-        CompactData(Context(), other_files, {},
-                    [this](const QString& text) { results.append(text); });
+        done = CompactData(Context(), other_files, {},
+                           [this](const QString& text) { results.append(text); });
     }
     qint64 Size() { return QFileInfo(DatabasePath()).size(); }
     QByteArray Content() {
@@ -40,6 +40,7 @@ protected:
     }
 
     QStringList results;
+    base::Status done;
 };
 
 TEST_F(CompactTest, SaysWhatItWillBringAndWhatItHasBrought) {
@@ -55,8 +56,8 @@ TEST_F(CompactTest, SaysWhatItWillBringAndWhatItHasBrought) {
                                     platform::MessageButtons::kYesNo})});
     EXPECT_EQ(results, QStringList{QStringLiteral("Catalogue compacted: %1 before, %2 now")
                                        .arg(Shown(before), Shown(after))});
-    ASSERT_FALSE(progress.empty());
-    EXPECT_EQ(progress.back().first, progress.back().second);
+    ASSERT_FALSE(runner.progress.empty());
+    EXPECT_EQ(runner.progress.back().first, runner.progress.back().second);
 }
 
 TEST_F(CompactTest, TheCatalogueGoesOnWithIdsAndNumbers) {
@@ -66,6 +67,29 @@ TEST_F(CompactTest, TheCatalogueGoesOnWithIdsAndNumbers) {
     EXPECT_EQ(Scalar(QStringLiteral("select max(ID) from Tables")), QStringLiteral("61"));
     ASSERT_TRUE(connection->Close().ok());
     EXPECT_TRUE(test_support::DatabaseIsSound(DatabasePath().toStdString()));
+}
+
+TEST_F(CompactTest, StoppedItAsksNothing) {
+    runner.stops_at = 0;
+    const QByteArray before = Content();
+    Compact();
+    EXPECT_TRUE(base::IsStopped(done));
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(Content(), before);
+}
+
+// The old file stays, and is open again.
+TEST_F(CompactTest, StoppedWhileItWritesItLeavesTheOldFile) {
+    const QByteArray before = Content();
+    runner.stops_at = 0;
+    runner.stops_after_runs = 1;  // the first finds out what it would bring
+    Compact();
+    EXPECT_TRUE(base::IsStopped(done));
+    EXPECT_EQ(prompts.messages.size(), 1U);
+    EXPECT_EQ(Content(), before);
+    EXPECT_EQ(Spares(), QStringList());
+    EXPECT_TRUE(results.isEmpty());
+    EXPECT_EQ(RowCount(), QStringLiteral("10"));
 }
 
 TEST_F(CompactTest, NoChangesNothing) {

@@ -39,5 +39,18 @@ TEST_F(PlayCountsTest, EveryRowIsNeverPlayed) {
     EXPECT_EQ(refreshes, 1);
 }
 
+TEST_F(PlayCountsTest, ItTellsHowManyRowsAreDoneAndIsNotStopped) {
+    runner.stops_at = 0;
+    ResetTimesPlayed(Context());
+    ASSERT_EQ(runner.runs.size(), 1U);
+    EXPECT_EQ(runner.runs.front().what, QStringLiteral("Reset Times Played"));
+    ASSERT_FALSE(runner.progress.empty());
+    EXPECT_EQ(runner.progress.front(), (std::pair<std::int64_t, std::int64_t>(0, 3)));
+    EXPECT_EQ(CountWhere(QStringLiteral("TimesPlayed = 0")), QStringLiteral("3"));
+    // Nobody watches the statements after it.
+    Execute(QStringLiteral("update Tables set TimesPlayed = 4"));
+    EXPECT_EQ(runner.progress.back().second, 3);
+}
+
 }  // namespace
 }  // namespace maintenance

@@ -1,6 +1,7 @@
 #include "maintenance/reset_paths.h"
 
 #include "support/catalogue_fixture.h"
+#include "support/told_runner.h"
 
 #include <utility>
 #include <vector>
@@ -32,14 +33,16 @@ protected:
 TEST_F(ResetPathsTest, ProgressCountsEveryRowAndEnds) {
     for (int i = 0; i < 4; ++i)
         Add(QStringLiteral("FileName"), QStringLiteral("C:\\Tables\\%1.vpt").arg(i));
-    std::vector<std::pair<std::int64_t, std::int64_t>> told;
-    const auto done =
-        ResetPaths(catalogue, prompts, QStringLiteral("Table"), QStringLiteral("C:\\Tables"),
-                   QStringLiteral("D:\\VP"),
-                   [&](std::int64_t now, std::int64_t total) { told.emplace_back(now, total); });
+    test_support::ToldRunner runner;
+    catalogue.runner = &runner;
+    runner.stops_at = 0;  // it is not stopped
+    const auto done = ResetPaths(catalogue, prompts, QStringLiteral("Table"),
+                                 QStringLiteral("C:\\Tables"), QStringLiteral("D:\\VP"));
     ASSERT_TRUE(done.ok()) << done.message();
-    EXPECT_EQ(told,
+    EXPECT_EQ(runner.progress,
               (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 4}, {2, 4}, {3, 4}, {4, 4}}));
+    EXPECT_EQ(Scalar(QStringLiteral("Select Count(*) from Tables where FileName like 'D:\\VP\\%'")),
+              QStringLiteral("4"));
 }
 
 TEST_F(ResetPathsTest, TheFolderMatchesWithoutRegardToLetterCase) {

@@ -28,6 +28,13 @@ protected:
     base::Result<Restored> RestoreTo(const Bytes& state) {
         return snapshots::Restore(*files_, *store_, state, kNow);
     }
+    // Of more pages than are counted at once.
+    void MakeCatalogueLarge() {
+        Open();
+        for (int i = 0; i < 200; ++i)
+            Execute(u"Insert into Tables (Name, Notes) values ('More', String(1800, 'n'))");
+        Close();
+    }
     std::u16string NameOfRow(int id) {
         Open();
         auto rows = connection_->Execute(u"Select Name from Tables where ID = " + Number(id));
@@ -44,6 +51,34 @@ protected:
         return bytes.ok() && jet::CheckIntegrity(*jet::MakeMemoryPageStore(4096, *bytes)).sound();
     }
 };
+
+TEST_F(RestoreTest, StoppedItLeavesTheCatalogueAsItIs) {
+    const Bytes then = Database();
+    Run(u"Update Tables set Name = 'Other'");
+    const Bytes now = Database();
+    std::stop_source stop;
+    stop.request_stop();
+    const auto restored = snapshots::Restore(*files_, *store_, then, kNow, {{}, stop.get_token()});
+    EXPECT_TRUE(base::IsStopped(restored.status())) << restored.status().message();
+    EXPECT_EQ(Database(), now);
+    EXPECT_TRUE(List().empty());
+    EXPECT_FALSE(files_->Exists("/data/pinball.mdb.restored"));
+}
+
+// While it makes the snapshot of today.
+TEST_F(RestoreTest, StoppedBeforeTheExchangeItLeavesNothingBehind) {
+    MakeCatalogueLarge();
+    const Bytes then = Database();
+    Run(u"Update Tables set Name = 'Other'");
+    const Bytes now = Database();
+    std::stop_source stop;
+    const auto restored = snapshots::Restore(
+        *files_, *store_, then, kNow,
+        {[&](std::int64_t, std::int64_t) { stop.request_stop(); }, stop.get_token()});
+    EXPECT_TRUE(base::IsStopped(restored.status())) << restored.status().message();
+    EXPECT_EQ(Database(), now);
+    EXPECT_FALSE(files_->Exists("/data/pinball.mdb.restored"));
+}
 
 TEST_F(RestoreTest, BringsBackTheStateAndKeepsTheOneBefore) {
     const Bytes then = Database();

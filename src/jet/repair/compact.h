@@ -3,6 +3,7 @@
 // "Compacting".
 #pragma once
 
+#include "base/status.h"
 #include "jet/pages/file_system.h"
 #include "jet/pages/page_store.h"
 
@@ -12,9 +13,10 @@
 
 namespace jet {
 
-// Rows that are copied, and rows that there are; called once for each table and now and then for
-// its rows.
-using CompactProgress = std::function<void(std::uint64_t done, std::uint64_t total)>;
+// Rows that are copied, and rows that there are; called once for each table, now and then for its
+// rows, and before the old file is replaced. A failure ends the run and leaves everything as it
+// was.
+using CompactProgress = std::function<base::Status(std::uint64_t done, std::uint64_t total)>;
 
 struct CompactReport {
     std::uint32_t page_size = 0;  // bytes

@@ -16,6 +16,7 @@ base::Result<CompactReport> CompactInPlace(FileSystem& files, const std::filesys
     CompactReport report;
     ASSIGN_OR_RETURN(const auto content, CopyDatabase(*store, report, progress));
     ASSIGN_OR_RETURN(const auto finished, FinishedFile::Write(files, *content, path));
+    if (progress) RETURN_IF_ERROR(progress(report.rows, report.rows));
     if (before_replacing) RETURN_IF_ERROR(before_replacing(report));
     RETURN_IF_ERROR(finished->PutInPlace());
     RETURN_IF_ERROR(store->Close());

@@ -82,7 +82,7 @@ private:
                 index.other_table = ids_.NewPage(index.other_table);
         RETURN_IF_ERROR(builder.BuildIndexes());
         ++report_.tables;
-        Tell();
+        RETURN_IF_ERROR(Tell());
         return builder.WriteDefinition();
     }
 
@@ -103,13 +103,14 @@ private:
             }
             ASSIGN_OR_RETURN(IndexSet::Keys keys, builder.KeysOf(row));
             ASSIGN_OR_RETURN(places[scan.row()], builder.AddRow(row, std::move(keys)));
-            if (++report_.rows % kRowsBetweenReports == 0) Tell();
+            if (++report_.rows % kRowsBetweenReports == 0) RETURN_IF_ERROR(Tell());
         }
     }
 
     // Row counts may have drifted.
-    void Tell() const {
-        if (progress_) progress_(std::min(report_.rows, total_rows_), total_rows_);
+    base::Status Tell() const {
+        if (!progress_) return {};
+        return progress_(std::min(report_.rows, total_rows_), total_rows_);
     }
 
     // Of the indexes whose order the engine does not know: the keys are kept as they are.

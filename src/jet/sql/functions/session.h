@@ -38,7 +38,9 @@ struct Session {
     PrepareSelect prepare_select = nullptr;  // nullptr: no expression holds a subquery
     std::function<double()> clock;           // days since 1899-12-30
     double now = 0;                          // when the running statement began
-    std::int32_t identity = 0;               // the last autonumber that an INSERT took; 0: none yet
+    // Of a statement that changes rows; empty: nobody asks.
+    std::function<void(std::int64_t done, std::int64_t total)> rows_watch;
+    std::int32_t identity = 0;  // the last autonumber that an INSERT took; 0: none yet
     std::uint32_t random =
         0x50000;  // state of Rnd; the sequence is the same after each start, as Rnd's is
 

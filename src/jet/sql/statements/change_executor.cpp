@@ -150,6 +150,24 @@ Result<Selected> Select(const FromNode& from, Expression* where, Session& sessio
     }
 }
 
+// Tells who watches the rows of a statement, now and then.
+class RowCount {
+public:
+    RowCount(const Session& session, std::size_t total)
+        : watch_(session.rows_watch), total_(static_cast<std::int64_t>(total)) {}
+    // One more is about to be changed.
+    void Next() {
+        constexpr std::int64_t kRowsApart = 256;
+        if (watch_ && done_ % kRowsApart == 0) watch_(done_, total_);
+        ++done_;
+    }
+
+private:
+    const std::function<void(std::int64_t, std::int64_t)>& watch_;
+    std::int64_t total_;
+    std::int64_t done_ = 0;
+};
+
 struct BoundAssignment {
     std::size_t column = 0;
     const Expression* value = nullptr;
@@ -223,7 +241,9 @@ Result<std::int64_t> Execute(UpdateStatement& update, Session& session) {
     columns.reserve(assignments.size());
     for (const BoundAssignment& assignment : assignments)
         columns.push_back(assignment.column);
+    RowCount count(session, selected.rows.size());
     const auto make = [&](std::span<Value> new_values) -> Status {
+        count.Next();
         for (std::size_t i = 0; i < assignments.size(); ++i) {
             const ColumnDesign& column = source.table->design().columns[columns[i]];
             ASSIGN_OR_RETURN(new_values[i], StoredValue(*assignments[i].value, context, column));
