@@ -66,6 +66,7 @@ void StatusPanels::AddProgress() {
     cmdStop_->setObjectName(QStringLiteral("cmdStop"));
     cmdStop_->setText(BrowserTexts::tr("Stop"));
     cmdStop_->setToolTip(BrowserTexts::tr("Stop and leave everything as it was (Esc)"));
+    cmdStop_->setMaximumHeight(lblProgress_->sizeHint().height());  // the bar stays as high
     addWidget(cmdStop_);
     cmdStop_->hide();
     // A copy: the button's owner may end the work.

@@ -231,11 +231,15 @@ TEST_F(EditCommandsTest, ReplacedFieldsAreTold) {
     edit->TellReplaced();
     EXPECT_EQ(Message(), "Import (2 tables): 4 fields replaced. Click to see them.");
     bool was_open = false;
-    QTimer::singleShot(0, window.get(), [&] {
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
         QWidget* const modal = QApplication::activeModalWidget();
-        was_open = modal != nullptr && modal->objectName() == S(u"frmHistory");
-        if (modal != nullptr) modal->close();
+        if (modal == nullptr) return;  // the history is still being read
+        timer.stop();
+        was_open = modal->objectName() == S(u"frmHistory");
+        modal->close();
     });
+    timer.start(0);
     QTest::mouseClick(window->statusBar(), Qt::LeftButton);
     EXPECT_TRUE(was_open);
 }

@@ -237,9 +237,11 @@ void EveryWindow::Menus(const Look& look) {
 void EveryWindow::Modal(const QString& name, const Look& look, const std::function<void()>& open,
                         const std::function<bool(QWidget&)>& is_ready) {
     bool seen = false;
-    QTimer::singleShot(0, window.get(), [&] {
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
         const QPointer<QWidget> modal = QApplication::activeModalWidget();
-        ASSERT_TRUE(modal) << name.toStdString();
+        if (!modal) return;  // what it shows is still being read
+        timer.stop();
         if (is_ready) {
             EXPECT_TRUE(QTest::qWaitFor([&] { return is_ready(*modal); }, kPatienceMs))
                 << name.toStdString();
@@ -248,6 +250,7 @@ void EveryWindow::Modal(const QString& name, const Look& look, const std::functi
         look(name, *modal);
         if (modal) modal->close();
     });
+    timer.start(0);
     open();
     EXPECT_TRUE(seen) << name.toStdString();
 }
