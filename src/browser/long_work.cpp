@@ -9,8 +9,9 @@
 #include <QtCore/QEventLoop>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QPushButton>
 
-#include <memory>
+#include <algorithm>
 #include <variant>
 
 namespace browser {
@@ -20,13 +21,22 @@ namespace {
 constexpr int kShowAfterMs = 200;
 constexpr int kDrawMs = 50;
 
+// From above the lowest button to the lower edge; 0: there is none there.
+int HeightOfButtons(const QWidget& dialog) {
+    constexpr int kSpace = 3;  // pixels above it
+    int top = 0;
+    for (const auto* button : dialog.findChildren<const QPushButton*>())
+        if (button->isVisible()) top = std::max(top, button->mapTo(&dialog, QPoint()).y());
+    return top < dialog.height() / 2 ? 0 : dialog.height() - top + kSpace;
+}
+
 // At the lower edge of a dialog, over its buttons, which cannot be used meanwhile.
 StatusPanels* PanelsOver(QWidget& dialog) {
     auto* const panels = new StatusPanels(&dialog);
     panels->setObjectName(QStringLiteral("sbrWork"));
     panels->setSizeGripEnabled(false);
     panels->setAutoFillBackground(true);
-    const int height = panels->sizeHint().height();
+    const int height = std::max(panels->sizeHint().height(), HeightOfButtons(dialog));
     panels->setGeometry(0, dialog.height() - height, dialog.width(), height);
     return panels;
 }

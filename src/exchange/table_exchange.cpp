@@ -137,7 +137,7 @@ base::Status ImportTables(catalogue::Catalogue& catalogue, platform::UserPrompts
         {question, title, platform::MessageIcon::kExclamation, platform::MessageButtons::kYesNo});
     if (answer != platform::MessageAnswer::kYes) return {};
     options.dry_run = false;
-    const base::Status done = run(title).status();
+    base::Status done = run(title).status();
     if (base::IsStopped(done)) return done;
     catalogue::ShowError(prompts, done);
     refresh_tree();

@@ -151,16 +151,21 @@ TEST_F(LongWorkTest, TheCatalogueBelongsToTheWorkAlone) {
 TEST_F(LongWorkTest, OverADialogItShowsThereAndEscapeLeavesTheDialogOpen) {
     QDialog dialog(window.get());
     dialog.resize(500, 300);
+    QPushButton button(&dialog);
+    button.move(300, 250);
     dialog.setModal(true);
     dialog.show();
     QString shown;
+    bool covered = false;
     EXPECT_TRUE(Work(Stop::kOnRequest, [&] {
         const auto* const label = dialog.findChild<QLabel*>(S(u"lblProgress"));
         if (label == nullptr || !label->isVisible()) return;
         shown = label->text();
+        covered = dialog.findChild<QStatusBar*>()->geometry().contains(button.geometry());
         QTest::keyClick(&dialog, Qt::Key_Escape);
     }));
     EXPECT_EQ(shown, S(u"Testing..."));
+    EXPECT_TRUE(covered) << "half a button is seen";
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(dialog.findChild<QStatusBar*>(), nullptr);
 }
