@@ -112,6 +112,7 @@ class WindowsSetupTest(unittest.TestCase):
         # The first start in earnest: an empty catalogue among the user's data, and the search for tables.
         program = self.start()
         self.wait_window("Find New Visual Pinball Tables")
+        driver.time.sleep(2)  # for the picture: it is there before it is painted
         self.desktop.picture("first-start")
         self.assertTrue((self.data / "pinball.mdb").exists())
         subprocess.run(["wineserver", "--kill", "--wait"], env=self.env)
