@@ -36,8 +36,9 @@ def wait_told(program, text):
 
 
 def press_in_main_window(program, *keys):
+    """At once, so that the second key waits for the program when the first one has its effect."""
     wait_for(lambda: program.desktop.active_window() == program.main_window()["id"], "the keyboard in the window")
-    program.press(*keys)
+    program.desktop.xdotool("key", "--clearmodifiers", "--delay", 1, *keys)
 
 
 def main():
