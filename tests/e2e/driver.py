@@ -258,7 +258,23 @@ class Tavolo:
         return wait_for(lambda: next((w for w in self.windows() if w["title"].startswith("Tavolo -")), None), "the main window")
 
     def wait_window(self, title, timeout=TIMEOUT):
-        return wait_for(lambda: self.window(title), f"the window {title!r}", timeout)
+        """Waits for the window, and until the window manager has put it into its place, unless it is gone before: what is clicked sooner is missed."""
+        found = wait_for(lambda: self.window(title), f"the window {title!r}", timeout)
+        wait_for(lambda: self._is_in_place(title) and self._is_in_place(title), f"the window {title!r} in its place", timeout)
+        return self.window(title) or found
+
+    def _is_in_place(self, title):
+        """Whether the window manager has it, and the X server has it where the program has it."""
+        window = self.window(title)
+        if not window:
+            return True
+        time.sleep(0.03)
+        number = f"{window['id']:#010x}"
+        if number not in subprocess.run(["wmctrl", "-l"], env=self.desktop.env, capture_output=True, text=True).stdout:
+            return False
+        told = subprocess.run(["xwininfo", "-id", number], env=self.desktop.env, capture_output=True, text=True).stdout
+        at = [int(line.split()[-1]) for line in told.splitlines() if "Absolute upper-left" in line]
+        return not at or at == [window["x"], window["y"]]
 
     def wait_front(self, title):
         """Waits until the window gets what is typed."""

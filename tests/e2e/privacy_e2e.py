@@ -74,11 +74,7 @@ def main():
         folder.mkdir()
         with Tavolo(desktop, folder, env={"PATH": f"{nothing}:/usr/bin:/bin", "DBUS_SESSION_BUS_ADDRESS": f"unix:path={work}/no bus"}, program=traced(work, BUILD / "bin" / "tavolo", log)) as program:
             program.wait_window("Find New Visual Pinball Tables", timeout=60)
-            program.click("cmdgo")
-            program.choose_file(tables)
-            program.wait_text("Label2", "Process Complete", timeout=60)
-            program.click("cmdExit")
-            program.wait_window("Settings")
+            program.first_scan(tables)
             program.type_into("txtDet_0", str(work / "simulator"))
             program.click("OKButton")
             program.wait_window_gone("Settings")
