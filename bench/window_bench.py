@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
 """How long the real window takes from an input to the painted answer, on a catalogue of 100 tables and on one of 100,000.
 
-    TAVOLO_BUILD=build/release bench/window_bench.py [--tables N] [--rounds R] [--only TEXT] [--keep FOLDER] [--accessible]
+    TAVOLO_BUILD=build/release bench/window_bench.py [--tables N] [--rounds R] [--only TEXT] [--without TEXT] [--keep FOLDER]
+        [--accessible]
 
 Needs what tests/e2e needs, and the targets tavolo, tavolo_probe, make_catalogue and ask_catalogue. Both programs run at once, each on a
 display of its own, and take turns; of R rounds (5) the best counts. An input begins when the X server has made it, and ends when the
 program has painted for the last time before it has nothing more to do. The time that an action's questions to the database take by
 themselves is measured by ask_catalogue on the same files beforehand and taken off; what is left is to stay within 100 ms, and within
-twice of what it is with 100 tables (less than 10 ms more is no difference: a frame is longer). --only runs the actions whose names hold TEXT; --keep
-makes the catalogues in FOLDER, or takes those that an earlier run has left there. --accessible has a screen reader (screen_reader.py) listen
-to both programs; what it is told belongs to the answer.
+twice of what it is with 100 tables (less than 10 ms more is no difference: a frame is longer). --only runs the actions whose names hold TEXT,
+--without leaves those out; --keep makes the catalogues in FOLDER, or takes those that an earlier run has left there. --accessible has a
+screen reader (screen_reader.py) listen to both programs; what it is told belongs to the answer.
 """
 
 import argparse
@@ -450,10 +451,11 @@ def main():
     parser.add_argument("--tables", type=int, default=100_000)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--only", default="")
+    parser.add_argument("--without")
     parser.add_argument("--keep")
     parser.add_argument("--accessible", action="store_true")
     options = parser.parse_args()
-    chosen = [action for action in actions() if options.only in action.name]
+    chosen = [action for action in actions() if options.only in action.name and not (options.without and options.without in action.name)]
     questions = list(dict.fromkeys(q for action in chosen for q in action.questions))
     with tempfile.TemporaryDirectory(prefix="tavolo-window-") as temporary:
         windows = [Window(Path(options.keep or temporary).resolve() / str(tables), tables, options.accessible)

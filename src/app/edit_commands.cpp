@@ -7,6 +7,7 @@
 #include "history/change_texts.h"
 #include "history/frmHistory.h"
 #include "history/refusals_text.h"
+#include "platform/free_memory.h"
 
 #include <algorithm>
 #include <climits>
@@ -105,6 +106,8 @@ void EditCommands::ShowHistory() {
     history::frmHistory(
         catalogue_, file_, prompts_, [this] { window_.ShowChangedRows(); }, &window_)
         .exec();
+    // A change of all tables takes as much as the window without it.
+    platform::ReleaseFreeMemory();
 }
 
 void EditCommands::Show(const base::Result<std::optional<history::UndoRedo::Done>>& done,

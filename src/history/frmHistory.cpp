@@ -18,9 +18,10 @@
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QVBoxLayout>
 
+#include <algorithm>
 #include <memory>
-#include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace history {
 namespace {
@@ -29,19 +30,42 @@ QString Text(std::u16string_view text) {
     return QString::fromUtf16(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// What the pinball tables are called now, by the noted bytes of their ID.
-using NamesById = std::unordered_map<std::int32_t, std::u16string>;
-
-NamesById DisplayNames(jet::Connection& connection) {
-    NamesById names;
-    auto rows = connection.Execute(u"Select ID, DisplayName from Tables");
-    for (; rows.ok() && !rows->Eof(); rows->MoveNext().Ignore()) {
-        const auto id = rows->Fields(std::size_t{0});
-        const auto name = rows->Fields(std::size_t{1});
-        if (id.ok() && name.ok() && id->is<std::int32_t>())
-            names[id->as<std::int32_t>()] = jet::ToText(*name);
+// What the pinball tables are called now, by their ID. All texts lie end to end.
+class NamesById {
+public:
+    // Requires: after all smaller IDs.
+    void Add(std::int32_t id, std::u16string_view name) {
+        places_.push_back({id, static_cast<std::uint32_t>(texts_.size()),
+                           static_cast<std::uint32_t>(name.size())});
+        texts_ += name;
     }
-    return names;
+    // Empty: it has none.
+    std::u16string Of(std::int32_t id) const {
+        const auto place = std::ranges::lower_bound(places_, id, {}, &Place::id);
+        if (place == places_.end() || place->id != id) return {};
+        return texts_.substr(place->start, place->length);
+    }
+
+private:
+    struct Place {
+        std::int32_t id;
+        std::uint32_t start, length;  // in texts_
+    };
+    std::vector<Place> places_;
+    std::u16string texts_;
+};
+
+// After a failure `names` has those that were read before.
+base::Status ReadNames(jet::Connection& connection, NamesById& names) {
+    ASSIGN_OR_RETURN(auto rows,
+                     connection.Execute(u"Select ID, DisplayName from Tables Order By ID"));
+    while (!rows.Eof()) {
+        ASSIGN_OR_RETURN(const jet::Value id, rows.Fields(std::size_t{0}));
+        ASSIGN_OR_RETURN(const jet::Value name, rows.Fields(std::size_t{1}));
+        if (id.is<std::int32_t>()) names.Add(id.as<std::int32_t>(), jet::ToText(name));
+        RETURN_IF_ERROR(rows.MoveNext());
+    }
+    return {};
 }
 
 // The name that the change itself tells; empty: it does not.
@@ -171,9 +195,11 @@ void frmHistory::ShowChanges() {
 
 // A table is called by its name, as it is now or as the change tells it.
 ChangeLines::RowNames frmHistory::NamesOfRows() {
-    auto names = std::make_shared<NamesById>(catalogue::RunLong(
+    const auto names = std::make_shared<NamesById>();
+    const base::Status read = catalogue::RunLong(
         catalogue_, {HistoryTexts::tr("Reading the names of the tables")},
-        [&](const base::RunSteps&) { return DisplayNames(*catalogue_.CatalogueConnection); }));
+        [&](const base::RunSteps&) { return ReadNames(*catalogue_.CatalogueConnection, *names); });
+    catalogue::ShowError(prompts_, read);
     return [names](const jet::NoteTable& table, const FoldedRow& row) -> std::u16string {
         if (!jet::SameName(table.name, u"Tables") || table.key.size() != 1) return {};
         std::u16string noted = NotedName(table, row);
@@ -181,8 +207,7 @@ ChangeLines::RowNames frmHistory::NamesOfRows() {
         const auto& key = row.change == jet::RowChange::kInserted ? row.key_after : row.key_before;
         const auto id = table.Decode(table.key.front(), key.front());
         if (!id.ok() || !id->is<std::int32_t>()) return {};
-        const auto known = names->find(id->as<std::int32_t>());
-        return known != names->end() ? known->second : std::u16string();
+        return names->Of(id->as<std::int32_t>());
     };
 }
 
