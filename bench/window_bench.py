@@ -14,6 +14,7 @@ screen reader (screen_reader.py) listen to both programs; what it is told belong
 """
 
 import argparse
+import shutil
 import signal
 import subprocess
 import sys
@@ -51,8 +52,16 @@ class Window:
         self.is_changed = False
 
     def make(self):
-        if self.folder.exists():
-            return
+        """The actions change the catalogue: each run begins with the same one."""
+        catalogue, made = self.folder / "pinball.mdb", self.folder / "as made.mdb"
+        if not made.exists():
+            self.make_anew()
+            shutil.copyfile(catalogue, made)
+        for beside in self.folder.glob("pinball.mdb-*"):
+            shutil.rmtree(beside) if beside.is_dir() else beside.unlink()
+        shutil.copyfile(made, catalogue)
+
+    def make_anew(self):
         self.folder.mkdir(parents=True)
         subprocess.run([BUILD / "bin" / "make_catalogue", "--folder", self.folder, "--tables", str(self.tables)], check=True,
                        stdout=subprocess.DEVNULL)
