@@ -514,7 +514,6 @@ void frmPinball::RestoreDefaultSize() {
     if (IsNormal()) resize(ToPixels(kDefaultWidthTwips), ToPixels(kRestoredHeightTwips));
 }
 
-// Runs the commands that have keys, wherever the focus is in this window.
 // A menu that says nothing about its entries would wipe what the status bar tells.
 bool frmPinball::event(QEvent* event) {
     if (event->type() == QEvent::StatusTip && static_cast<QStatusTipEvent*>(event)->tip().isEmpty())
@@ -522,6 +521,7 @@ bool frmPinball::event(QEvent* event) {
     return QMainWindow::event(event);
 }
 
+// Runs the commands that have keys, wherever the focus is in this window.
 bool frmPinball::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyRelease || !watched->isWidgetType()) return false;
     const auto* const key = static_cast<QKeyEvent*>(event);

@@ -12,6 +12,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
 from driver import BUILD, DATA, SAMPLES, Desktop, Tavolo, check, check_equal, export_rows, make_table_file, run, wait_for  # noqa: E402
+from kept_edit import check_edit_is_kept, go_on_with_edit  # noqa: E402
 
 EMPTY = BUILD / "share" / "tavolo" / "pinball.mdb"
 ALL_COLUMNS = ["ID", "DisplayName", "FileName", "Author", "Company", "Year", "Version", "ImageFile", "FlyerFile", "Notes",
@@ -29,17 +30,13 @@ def columns(database):
     return text.splitlines()[0].split(",")
 
 
-def leave_settings(program):
-    program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
-
-
 def first_start(desktop, folder):
     with Tavolo(desktop, folder) as program:
         program.wait_window("Find New Visual Pinball Tables")
         program.picture("first start")
         program.click("cmdExit")
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         check(program.window("Tavolo -    v. 1.6 - RC 1"), "the main window")
         program.picture("empty catalogue")
         program.close()
@@ -79,7 +76,7 @@ def made(desktop, work):
         program.wait_window("Find New Visual Pinball Tables")
         program.click("cmdExit")
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         check(program.visible("WelcomePage"), "the page of an empty catalogue")
         check(not program.visible("tvwDB"), "the tree is not shown")
         program.picture("welcome")
@@ -130,14 +127,14 @@ def raw_names(desktop, work):
     (tables / "sys").symlink_to("/sys")
     with Tavolo(desktop, folder) as program:
         program.first_scan(tables)
-        leave_settings(program)
+        program.leave_settings()
         wait_for(lambda: program.text("sbrDB_1") == "2 Tables in list.  ", "two tables")
         program.picture("names that are no UTF-8")
         program.close()
     check_equal(len(export_rows(folder / "pinball.mdb")), 2, "rows of the catalogue")
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         program.menu("mnuUtilities", "mnuPurge")
         program.click("cmdYes")
         wait_for(lambda: program.text("sbrDB_1") == "2 Tables in list.  ", "the tables are still there")
@@ -189,27 +186,15 @@ def asked_to_end(desktop, work):
     make_table_file(tables / "Attack.vpt", {"TableName": "Attack"})
     with Tavolo(desktop, folder, [str(tables / "Attack.vpt")]) as program:
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         wait_for(lambda: program.text("txtDet_2") == "Attack", "the details")
         program.type_into("txtDet_4", "Anna")
         program.menu("mnuHelp", "mnuAbout")
         wait_for(lambda: program.visible("cmdOK"), "the about box")
         program.process.send_signal(signal.SIGTERM)
         program.wait_end()
-    left = sorted(path.name for path in folder.iterdir())
-    check("pinball.mdb-edit" in left, f"the edit is kept: {left}")
-    check(not [name for name in left if name.endswith((".ldb", "-journal"))], f"no lock and no journal is left: {left}")
-    check_equal(export_rows(folder / "pinball.mdb")[0]["Author"], "", "what nobody has saved")
-    with Tavolo(desktop, folder) as program:
-        program.wait_window("Settings")
-        leave_settings(program)
-        check_equal(program.text("txtDet_4"), "Anna", "the edit goes on")
-        program.picture("the edit goes on")
-        program.press("ctrl+s")
-        wait_for(lambda: export_rows(folder / "pinball.mdb")[0]["Author"] == "Anna", "the stored edit")
-        program.press("ctrl+q")
-        program.wait_end()
-    check(not (folder / "pinball.mdb-edit").exists(), "the edit is no longer kept")
+    check_edit_is_kept(folder)
+    go_on_with_edit(desktop, folder, "Anna")
 
 
 def old_catalogue(desktop, work, source):
@@ -221,7 +206,7 @@ def old_catalogue(desktop, work, source):
     check(len(before) >= 40, f"{source.name} has rows")
     with Tavolo(desktop, folder) as program:
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         wait_for(lambda: program.text("sbrDB_1") == f"{len(before)} Tables in list.  ", "all tables")
         program.click_item("All")
         program.picture("old catalogue")
@@ -242,7 +227,7 @@ def read_only(desktop, work):
         make_table_file(work / "tables" / f"{name}.vpt")
     with Tavolo(desktop, folder) as program:
         program.first_scan(work / "tables")
-        leave_settings(program)
+        program.leave_settings()
         program.close()
     (folder / "pinball.mdb").chmod(0o444)
     folder.chmod(0o555)
@@ -257,7 +242,7 @@ def read_only(desktop, work):
             os.chown(path, NOBODY, NOBODY)
     with Tavolo(desktop, folder, program=wrapper) as program:
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         wait_for(lambda: program.text("sbrDB_1") == "3 Tables in list.  ", "three tables")
         program.picture("read only")
         program.close()

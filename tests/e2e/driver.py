@@ -416,6 +416,9 @@ class Tavolo:
         self.wait_text("Label2", "Process Complete")
         self.click_until("cmdExit", lambda: self.window("Settings"), "the settings")
 
+    def leave_settings(self):
+        self.click_until("CancelButton", lambda: not self.window("Settings"), "the end of the settings")
+
     def _opened(self, menu, action):
         found = self.actions(menu).get(action)
         return found if found and found["visible"] else None

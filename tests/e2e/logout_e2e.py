@@ -5,7 +5,8 @@ import subprocess
 import tempfile
 from pathlib import Path
 
-from driver import Desktop, Tavolo, check, check_equal, export_rows, make_table_file, run, wait_for
+from driver import Desktop, Tavolo, check_equal, make_table_file, run, wait_for
+from kept_edit import check_edit_is_kept, go_on_with_edit
 
 
 class SessionManager:
@@ -71,24 +72,17 @@ class SessionManager:
         self.desktop.xdotool("click", 1)
 
 
-def leave_settings(program):
-    program.click_until("CancelButton", lambda: not program.window("Settings"), "the end of the settings")
-
-
 def end_by(manager, desktop, folder, arguments, author, end):
     """Types an author and has the session ended."""
     with Tavolo(desktop, folder, arguments, env={"SESSION_MANAGER": manager.address}) as program:
         program.wait_window("Settings")
-        leave_settings(program)
+        program.leave_settings()
         wait_for(lambda: program.text("txtDet_2") == "Attack", "the details")
         program.type_into("txtDet_4", author)
         program.picture("an edit")
         end()
         program.wait_end()
-    left = sorted(path.name for path in folder.iterdir())
-    check("pinball.mdb-edit" in left, f"the edit is kept: {left}")
-    check(not [name for name in left if name.endswith((".ldb", "-journal"))], f"no lock and no journal is left: {left}")
-    check_equal(export_rows(folder / "pinball.mdb")[0]["Author"], "", "what nobody has saved")
+    check_edit_is_kept(folder)
 
 
 def main():
@@ -105,15 +99,7 @@ def main():
             check_equal(manager.process.wait(30), 0, "exit status of the session manager")
         with SessionManager(desktop) as manager:
             end_by(manager, desktop, folder, [], "Berta", lambda: manager.shut_down(1))
-        with Tavolo(desktop, folder) as program:
-            program.wait_window("Settings")
-            leave_settings(program)
-            check_equal(program.text("txtDet_4"), "Berta", "the edit that goes on")
-            program.picture("the edit goes on")
-            program.press("ctrl+s")
-            wait_for(lambda: export_rows(folder / "pinball.mdb")[0]["Author"] == "Berta", "the stored edit")
-            program.press("ctrl+q")
-            program.wait_end()
+        go_on_with_edit(desktop, folder, "Berta")
 
 
 run(main)
