@@ -103,7 +103,8 @@ void Commands::TakeTables(const QString& path) {
     const bool may_be_new = !added.ok() || *added > 0;
     if (may_be_new && window_.TreeSelection()) window_.RefreshTree();
     if (!added.ok()) return catalogue::ShowError(prompts_, added.status());
-    if (window_.SelectTable(IsGiven(path))) return window_.TellInPassing(passed_over.Summary());
+    if (window_.SelectTable(IsGiven(path, catalogue_.values->paths)))
+        return window_.TellInPassing(passed_over.Summary());
     window_.TellInPassing({base::StatusCode::kNotFound,
                            AppTexts::tr("There is no table in %1").arg(path).toStdString()});
 }
@@ -202,7 +203,7 @@ browser::CommandActions Commands::Actions() {
 
 void Commands::ShowInFolder() {
     if (!window_.TableIsSelected()) return;
-    const QString folder = catalogue::GetFolder(window_.SelectedTag());
+    const QString folder = catalogue::GetFolder(catalogue_.values->paths.Of(window_.SelectedTag()));
     base::Status shown;
     if (!platform::FolderExists(folder))
         shown = {base::StatusCode::kNotFound,
@@ -310,8 +311,8 @@ void Commands::ShowAbout() {
 }
 
 void Commands::ViewTableInfo() {
-    browser::ViewTableInfo(window_.SelectedTag(), window_.details(), prompts_, outside_.shell,
-                           &window_);
+    browser::ViewTableInfo(catalogue_.values->paths.Of(window_.SelectedTag()), window_.details(),
+                           prompts_, outside_.shell, &window_);
 }
 
 void Commands::LoadPicture() {
@@ -319,7 +320,8 @@ void Commands::LoadPicture() {
     const auto assign = [this](const QString& path) {
         const jet::NamedChange named(*catalogue_.CatalogueConnection,
                                      MARKED_TEXT("HistoryTexts", "Load Picture"));
-        window_.details().SetDetailText(catalogue::kImageFile, path);
+        window_.details().SetDetailText(catalogue::kImageFile,
+                                        catalogue_.values->paths.Stored(path));
         window_.details().Save();
     };
     pictures::LoadPictureFromClipboard(*catalogue_.values, prompts_, window_.SelectedText(), assign,

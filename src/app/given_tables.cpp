@@ -89,18 +89,24 @@ base::Result<std::int64_t> AddNewTables(catalogue::Catalogue& catalogue, const Q
     return added;
 }
 
-std::function<bool(const QString& file_name)> IsGiven(const QString& path) {
+std::function<bool(const QString& file_name)> IsGiven(const QString& path,
+                                                      const catalogue::LocalPaths& paths) {
     // The catalogue may have them under the path that links in this one lead to.
     const QString real = platform::RealPath(path);
-    if (!platform::FolderExists(path))
-        return [name = platform::ExistingName(path), real](const QString& file_name) {
+    std::function<bool(const QString& name)> is_meant;
+    if (platform::FolderExists(path))
+        is_meant = [folder = catalogue::WithTrailingSeparator(path),
+                    real_folder = catalogue::WithTrailingSeparator(real)](const QString& name) {
+            return name.startsWith(folder, Qt::CaseInsensitive) ||
+                   name.startsWith(real_folder, Qt::CaseInsensitive);
+        };
+    else
+        is_meant = [name = platform::ExistingName(path), real](const QString& file_name) {
             return file_name.compare(name, Qt::CaseInsensitive) == 0 ||
                    (!real.isEmpty() && file_name.compare(real, Qt::CaseInsensitive) == 0);
         };
-    return [folder = catalogue::WithTrailingSeparator(path),
-            real_folder = catalogue::WithTrailingSeparator(real)](const QString& file_name) {
-        return file_name.startsWith(folder, Qt::CaseInsensitive) ||
-               file_name.startsWith(real_folder, Qt::CaseInsensitive);
+    return [is_meant, map = paths.map()](const QString& stored) {
+        return is_meant(stored) || (map->PairOf(stored) && is_meant(map->Local(stored)));
     };
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/run_steps.h"
 #include "catalogue/catalogue.h"
+#include "catalogue/local_paths.h"
 #include "catalogue/passed_over.h"
 
 #include <QtCore/QString>
@@ -32,7 +33,8 @@ base::Result<std::int64_t> AddNewTables(catalogue::Catalogue& catalogue, const Q
                                         const base::RunSteps& steps,
                                         catalogue::PassedOver& passed_over);
 
-// Whether a table of this FileName is meant by `path`.
-std::function<bool(const QString& file_name)> IsGiven(const QString& path);
+// Whether a table of this FileName is meant by `path`, a path of this system.
+std::function<bool(const QString& file_name)> IsGiven(const QString& path,
+                                                      const catalogue::LocalPaths& paths);
 
 }  // namespace app

@@ -172,6 +172,7 @@ int RunProgram(const app::Arguments& arguments) {
         });
     window.TellInPassing(receiver.status());
     window.TellInPassing(UpgradeFailure(catalogue));
+    window.TellInPassing(values.PathMapFailure);
     TakeGiven(commands, given_paths, given);
     // The example collection is looked at without a simulator.
     if (!arguments.demo) window.AskForWhatIsMissing();

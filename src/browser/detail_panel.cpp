@@ -158,15 +158,16 @@ void DetailPanel::ShowRecord(const TableRecord& record) {
 
 // The picture file that a field names; empty if it names none.
 PictureSource DetailPanel::FileIn(DetailField field) const {
-    const QString path = controls_.txtDet[field].Text();
+    const QString path = catalogue_.values->paths.Of(controls_.txtDet[field].Text());
     return thumbnails::IsUsablePictureFile(path) ? PictureSource::File(path) : PictureSource();
 }
 
 // Without an image file, the screenshot in the table file is shown; if that is damaged, the
 // sequence continues.
 widgets::PictureStep DetailPanel::ScreenshotStep() const {
-    auto source = thumbnails::ScreenshotOf(
-        {controls_.txtDet[kImageFile].Text(), controls_.txtDet[kFileName].Text()});
+    const catalogue::LocalPaths& paths = catalogue_.values->paths;
+    auto source = thumbnails::ScreenshotOf({paths.Of(controls_.txtDet[kImageFile].Text()),
+                                            paths.Of(controls_.txtDet[kFileName].Text())});
     const bool is_file = !source.path.isEmpty();
     return {controls_.imgShot, std::move(source), kLoadingScreenShot, is_file};
 }
@@ -245,7 +246,7 @@ void DetailPanel::GoToField(DetailField field) {
 void DetailPanel::Save() {
     const TableRecord record = EditedRecord();
     if (record.fields[kId].isEmpty()) return;
-    if (const auto field = FirstMissingFile(record)) {
+    if (const auto field = FirstMissingFile(record, catalogue_.values->paths)) {
         prompts_.Ask({BrowserTexts::tr("Please select a valid file name or leave blank"), {}});
         return GoToField(*field);
     }
@@ -326,7 +327,7 @@ base::Status DetailPanel::TakeFile(const QString& path, bool is_rules_text) {
     if (record_changed() && CurrentTab() != tab)
         return {base::StatusCode::kBusy,
                 BrowserTexts::tr("Save or cancel the edit first.").toStdString()};
-    QString text = path;
+    QString text = catalogue_.values->paths.Stored(path);
     if (is_rules_text) {
         ASSIGN_OR_RETURN(text, ReadRulesFile(path));
     }
@@ -355,12 +356,12 @@ void DetailPanel::ChoosePicture(DetailField field, const QString& title) {
     dialog.title = title;
     dialog.filter =
         BrowserTexts::tr("Pictures") + QStringLiteral(" (*.bmp;*.jpg;*.gif)|*.bmp;*.jpg;*.gif");
-    dialog.file_name = controls_.txtDet[field].Text();
+    dialog.file_name = catalogue_.values->paths.Of(controls_.txtDet[field].Text());
     dialog.folder = catalogue_.values->LastPictureDir;
     const QString chosen = prompts_.ChooseFileToOpen(dialog);
     if (chosen.isEmpty()) return;
     catalogue_.values->LastPictureDir = catalogue::GetFolder(chosen);
-    controls_.txtDet[field].SetText(chosen);
+    controls_.txtDet[field].SetText(catalogue_.values->paths.Stored(chosen));
 }
 
 void DetailPanel::ReadRules() {

@@ -22,6 +22,7 @@
 #include "dialogs/program_version.h"
 #include "jet/connection.h"
 #include "jet/tables/database.h"
+#include "platform/files.h"
 #include "thumbnails/table_picture.h"
 #include "thumbnails/trim_folder.h"
 
@@ -56,7 +57,10 @@ QString ForDisplay(QString text) {
 
 frmPinball::frmPinball(catalogue::Catalogue& catalogue, platform::UserPrompts& prompts)
     : catalogue_(catalogue), prompts_(prompts),
-      model_([this](const QString& key) -> QVariant { return imlSmallIcons_.Icon(key); }) {
+      model_([this](const QString& key) -> QVariant { return imlSmallIcons_.Icon(key); },
+             [paths = catalogue.values->paths](const QString& stored) {
+                 return platform::FileExists(paths.Of(stored));
+             }) {
     setObjectName(QStringLiteral("frmPinball"));
     menu_ = std::make_unique<MainMenu>(*menuBar());
     CreateControls();
@@ -181,8 +185,10 @@ void frmPinball::CreateWall() {
         WallController::Actions{[this](const QModelIndex& node) { tree_->ShowNode(node); },
                                 [this](std::size_t table) { return find_->MarkOf(table); },
                                 [own = folders.own] { thumbnails::TrimThumbnails(own); }},
-        [folders](const thumbnails::TablePicture& picture, QSize box) {
-            return thumbnails::LoadThumbnail(picture, box, folders);
+        [folders, paths = catalogue_.values->paths](const thumbnails::TablePicture& stored,
+                                                    QSize box) {
+            return thumbnails::LoadThumbnail(
+                {paths.Of(stored.image_file), paths.Of(stored.table_file)}, box, folders);
         });
     connect(find_.get(), &FindController::MarksChanged, wall_.get(), &WallController::ShowMarks);
     connect(find_.get(), &FindController::PlaceShown, wall_.get(), &WallController::ShowPlace);

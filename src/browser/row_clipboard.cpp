@@ -40,10 +40,11 @@ QString RowsAsText(const TableTreeModel& model, const std::vector<std::size_t>& 
 }
 
 std::unique_ptr<QMimeData> RowsAsFiles(const TableTreeModel& model,
-                                       const std::vector<std::size_t>& tables) {
+                                       const std::vector<std::size_t>& tables,
+                                       const catalogue::LocalPaths& paths) {
     QList<QUrl> urls;
     for (const std::size_t table : tables) {
-        const QString path = TableTreeModel::Tag(model.IndexOfTable(table));
+        const QString path = paths.Of(TableTreeModel::Tag(model.IndexOfTable(table)));
         if (platform::FileExists(path))
             urls.append(QUrl::fromLocalFile(platform::ExistingName(path)));
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "browser/table_tree_model.h"
+#include "catalogue/local_paths.h"
 
 #include <QtCore/QMimeData>
 #include <QtCore/QModelIndex>
@@ -21,6 +22,7 @@ QString RowsAsText(const TableTreeModel& model, const std::vector<std::size_t>& 
 // The table files that exist, as file managers put them on the clipboard to be copied; null: none
 // exists.
 std::unique_ptr<QMimeData> RowsAsFiles(const TableTreeModel& model,
-                                       const std::vector<std::size_t>& tables);
+                                       const std::vector<std::size_t>& tables,
+                                       const catalogue::LocalPaths& paths);
 
 }  // namespace browser

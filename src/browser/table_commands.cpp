@@ -8,6 +8,7 @@
 #include "browser/table_tree_model.h"
 #include "browser/table_tree_view.h"
 #include "browser/texts.h"
+#include "catalogue/process_values.h"
 #include "catalogue/start_up.h"
 
 #include <QtCore/QRandomGenerator>
@@ -30,7 +31,7 @@ void TableCommands::CopyAsText() {
 void TableCommands::CopyAsFile() {
     const auto tables = TablesOf(parts_.model, parts_.tree.currentIndex());
     if (tables.empty()) return;
-    if (auto files = RowsAsFiles(parts_.model, tables))
+    if (auto files = RowsAsFiles(parts_.model, tables, parts_.catalogue.values->paths))
         QGuiApplication::clipboard()->setMimeData(files.release());
     else
         actions_.tell(BrowserTexts::tr("There is no table file to copy"));

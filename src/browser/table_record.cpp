@@ -104,10 +104,11 @@ base::Status LoadTableRecord(jet::Connection& connection, const QString& file_na
     return {};
 }
 
-std::optional<DetailField> FirstMissingFile(const TableRecord& record) {
+std::optional<DetailField> FirstMissingFile(const TableRecord& record,
+                                            const catalogue::LocalPaths& paths) {
     for (const DetailField field : {kImageFile, kFlyerFile, kRulesFile}) {
         const QString& path = record.fields[field];
-        if (!path.trimmed().isEmpty() && !platform::FileExists(path)) return field;
+        if (!path.trimmed().isEmpty() && !platform::FileExists(paths.Of(path))) return field;
     }
     return std::nullopt;
 }

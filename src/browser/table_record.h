@@ -4,6 +4,7 @@
 
 #include "base/status.h"
 #include "catalogue/detail_field.h"
+#include "catalogue/local_paths.h"
 #include "jet/connection.h"
 
 #include <QtCore/QString>
@@ -35,7 +36,8 @@ base::Status LoadTableRecord(jet::Connection& connection, const QString& file_na
 
 // The first of the fields image, flyer and rules file that is not blank and does not name an
 // existing file; nullopt if there is none.
-std::optional<DetailField> FirstMissingFile(const TableRecord& record);
+std::optional<DetailField> FirstMissingFile(const TableRecord& record,
+                                            const catalogue::LocalPaths& paths);
 
 // How many characters the columns of the fields take; 0: any number, or the column is missing.
 using FieldLimits = std::array<int, kDetailFieldCount>;

@@ -2,6 +2,7 @@
 
 #include "browser/favourites.h"
 #include "catalogue/error_report.h"
+#include "catalogue/process_values.h"
 #include "platform/files.h"
 
 #include <QtWidgets/QMenu>
@@ -109,7 +110,7 @@ void TreeController::NodeClick(const QModelIndex& index) {
 bool TreeController::PlaySelected() {
     const QString tag = SelectedTag();
     if (!parts_.model.has_nodes() || tag.isEmpty() || tag == kDetailTag) return false;
-    if (play_table_ && platform::FileExists(tag))
+    if (play_table_ && platform::FileExists(parts_.catalogue.values->paths.Of(tag)))
         play_table_(tag, SelectedText(), parts_.details.DetailText(kId).toInt());
     // Events are processed while a table is played: another node may be selected now, or a record
     // may be changed.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/status.h"
+#include "catalogue/local_paths.h"
 
 #include <QtCore/QString>
 
@@ -30,6 +31,8 @@ struct ProcessValues {
     bool WaitForSimulator = false;  // before the watch of a play
     QString LastPictureDir;
     LastFolders last_folders;
+    LocalPaths paths;
+    base::Status PathMapFailure;  // why the path map cannot be read; ok: it was
     base::Status UpgradeFailure;  // why the catalogue could not be brought up to date; ok: it was
 };
 

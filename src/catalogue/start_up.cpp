@@ -64,6 +64,9 @@ base::Status StampUndatedRows(jet::Connection& connection, const QString& today)
 void PrepareValues(Catalogue& catalogue) {
     FillProcessValues(*catalogue.values);
     catalogue.values->VisualPinballExe = ReadSetting(*catalogue.settings, kExecutableKey);
+    const auto pairs = ReadPathPairs(*catalogue.settings);
+    if (pairs.ok()) catalogue.values->paths.Use(PathMap(*pairs));
+    catalogue.values->PathMapFailure = pairs.status();
 }
 
 base::Status OpenCatalogue(Catalogue& catalogue) {

@@ -2,6 +2,7 @@
 
 #include "base/marked_text.h"
 #include "catalogue/field_text.h"
+#include "catalogue/process_values.h"
 #include "catalogue/progress_meter.h"
 #include "checksum/checksum_text.h"
 #include "checksum/clsCRC.h"
@@ -25,11 +26,11 @@ std::optional<std::u16string> ChecksumTextOf(clsCRC& crc, const QString& path,
     return std::nullopt;
 }
 
-base::Status RefreshRow(jet::Recordset& rows, clsCRC& crc,
+base::Status RefreshRow(jet::Recordset& rows, const catalogue::LocalPaths& paths, clsCRC& crc,
                         const std::function<void(const QString&)>& show,
                         catalogue::PassedOver& passed_over) {
     ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
-    const auto text = ChecksumTextOf(crc, path, passed_over);
+    const auto text = ChecksumTextOf(crc, paths.Of(path), passed_over);
     if (!text) return base::Status::Ok();
     ASSIGN_OR_RETURN(const QString display_name, catalogue::FieldText(rows, u"DisplayName"));
     show(ChecksumTexts::tr("Processing: %1  %2")
@@ -68,12 +69,13 @@ base::Status RefreshCrcs(catalogue::Catalogue& catalogue, platform::UserEvents& 
     RETURN_IF_ERROR(rows.Open(u"select * From Tables order by displayname",
                               *catalogue.CatalogueConnection, jet::CursorType::kKeyset,
                               jet::LockType::kOptimistic, jet::CursorLocation::kServer));
+    const catalogue::LocalPaths& paths = catalogue.values->paths;
     clsCRC crc;
     catalogue::PassedOver unasked;
     catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
         events.ProcessEvents();
-        RETURN_IF_ERROR(RefreshRow(rows, crc, show, passed_over ? *passed_over : unasked));
+        RETURN_IF_ERROR(RefreshRow(rows, paths, crc, show, passed_over ? *passed_over : unasked));
         RETURN_IF_ERROR(rows.MoveNext());
         meter.Step();
     }

@@ -20,6 +20,8 @@ base::Result<std::unique_ptr<OpenedCatalogue>> OpenedCatalogue::Open(Program& pr
     std::unique_ptr<OpenedCatalogue> opened(new OpenedCatalogue(program));
     jet::FileSystem& files = program.outside.files;
     catalogue::PrepareValues(opened->catalogue_);
+    if (const base::Status& failure = opened->values_.PathMapFailure; !failure.ok())
+        program.console.Complain(QString::fromStdString(failure.message()));
     if (access == Access::kWrite)
         catalogue::PrepareFirstStart(opened->values_.ApplicationFolder, program.outside.folders);
     opened->history_ = std::make_unique<history::HistoryFile>(

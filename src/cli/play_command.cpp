@@ -136,12 +136,13 @@ int RunPlay(Program& program) {
     const auto table = FindTable((*opened)->connection(), program.arguments.operands.front());
     if (!table.ok()) return Fail(program, table.status());
     // As in the window's tree: a table whose file is gone is not played, nor counted.
-    if (!platform::FileExists(table->path))
-        return Fail(program, {base::StatusCode::kNotFound,
-                              table->path.toStdString() + ": there is no such file"});
+    const QString file = (*opened)->get().values->paths.Of(table->path);
+    if (!platform::FileExists(file))
+        return Fail(program,
+                    {base::StatusCode::kNotFound, file.toStdString() + ": there is no such file"});
     if (!program.is_dry_run()) return Play(program, **opened, *table);
     program.console.Print(launcher::SimulatorCommandLine((*opened)->get().values->VisualPinballExe,
-                                                         platform::ExistingName(table->path)));
+                                                         platform::ExistingName(file)));
     return kDone;
 }
 

@@ -57,14 +57,16 @@ struct Report {
     }
 };
 
-// Texts of checksums are compared as the database compares them: without regard to letter case.
-void Judge(checksum::clsCRC& crc, FileFinding& finding, const QString& known, bool is_quick) {
-    if (!platform::FileExists(finding.path)) {
+// `path`: where the file of the finding is on this system. Texts of checksums are compared as the
+// database compares them: without regard to letter case.
+void Judge(checksum::clsCRC& crc, const QString& path, FileFinding& finding, const QString& known,
+           bool is_quick) {
+    if (!platform::FileExists(path)) {
         finding.verdict = Verdict::kMissing;
     } else if (!is_quick && known.isEmpty()) {
         finding.verdict = Verdict::kNoChecksum;
     } else if (!is_quick) {
-        const auto value = crc.CalculateFile(platform::ToPath(finding.path));
+        const auto value = crc.CalculateFile(platform::ToPath(path));
         if (!value.ok()) {
             finding.verdict = Verdict::kUnreadable;
             finding.reason = value.status().message();
@@ -76,12 +78,14 @@ void Judge(checksum::clsCRC& crc, FileFinding& finding, const QString& known, bo
     }
 }
 
-base::Status CheckFiles(Program& program, jet::Connection& connection, Report& report) {
+base::Status CheckFiles(Program& program, OpenedCatalogue& opened, Report& report) {
     jet::Recordset rows;
-    RETURN_IF_ERROR(rows.Open(u"Select * from Tables", connection, jet::CursorType::kStatic));
+    RETURN_IF_ERROR(
+        rows.Open(u"Select * from Tables", opened.connection(), jet::CursorType::kStatic));
     const bool is_quick = program.arguments.Has("quick");
     // Catalogues of the first versions have no checksums.
     const bool has_checksums = exchange::ColumnPlaces(rows, {QStringLiteral("CRC")}).ok();
+    const catalogue::LocalPaths& paths = opened.get().values->paths;
     checksum::clsCRC crc;
     const catalogue::Progress progress = [&](std::int64_t done, std::int64_t total) {
         program.console.ShowProgress(done, total);
@@ -95,7 +99,7 @@ base::Status CheckFiles(Program& program, jet::Connection& connection, Report& r
         if (has_checksums) {
             ASSIGN_OR_RETURN(known, catalogue::FieldText(rows, u"CRC"));
         }
-        Judge(crc, finding, known, is_quick);
+        Judge(crc, paths.Of(finding.path), finding, known, is_quick);
         if (finding.verdict != Verdict::kSound) report.files.push_back(finding);
         ++report.tables;
         meter.Step();
@@ -168,7 +172,7 @@ int RunVerify(Program& program) {
     if (!opened.ok()) return Fail(program, opened.status());
     Report report;
     report.database = jet::CheckIntegrity((*opened)->connection().database()->pages());
-    const base::Status checked = CheckFiles(program, (*opened)->connection(), report);
+    const base::Status checked = CheckFiles(program, **opened, report);
     // A database that is damaged may not be readable; that is said first.
     if (program.arguments.Has("json"))
         PrintJson(program.console, report);

@@ -4,6 +4,7 @@
 #include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/path_names.h"
+#include "catalogue/process_values.h"
 #include "catalogue/quoting.h"
 #include "checksum/checksum_text.h"
 #include "jet/connection.h"
@@ -18,7 +19,7 @@ namespace discovery {
 FolderScan::FolderScan(catalogue::Catalogue& catalogue, platform::UserEvents& events,
                        ScanObserver& observer)
     : catalogue_(catalogue), events_(events), observer_(observer),
-      known_(*catalogue.CatalogueConnection) {}
+      known_(*catalogue.CatalogueConnection, catalogue.values->paths) {}
 
 base::Status FolderScan::Run(const QString& folder, const std::stop_token& stop) {
     const jet::NamedChange named(*catalogue_.CatalogueConnection, kScanName);
@@ -146,13 +147,15 @@ base::Result<QString> FolderScan::ChecksumOf(const QString& path) {
 
 base::Status FolderScan::Store(const QString& path, const QString& checksum_text) {
     const QString display_name = BaseName(path);
+    const QString stored_path = catalogue_.values->paths.Stored(path);
+    const QString file_date = catalogue::GeneralDate(platform::LastModified(path));
     known_.BeginAttempt();
-    base::Status stored = Insert(path, display_name, checksum_text);
+    base::Status stored = Insert({stored_path, display_name, file_date, checksum_text});
     if (!stored.ok()) {
         known_.NoteRefused();
         return stored;
     }
-    known_.NoteStored(path);
+    known_.NoteStored(stored_path);
     RETURN_IF_ERROR(NoteId());
     observer_.TableAdded(display_name, checksum_text);
     ++found_count_;
@@ -166,17 +169,16 @@ base::Status FolderScan::NoteId() {
     return {};
 }
 
-base::Status FolderScan::Insert(const QString& path, const QString& display_name,
-                                const QString& checksum_text) {
+base::Status FolderScan::Insert(const NewRow& row) {
     using catalogue::QuoteSql;
-    const QString file_date = catalogue::GeneralDate(platform::LastModified(path));
     const QString date_added = catalogue::StoredDate(catalogue_.clock->Now());
     const QString statement =
         QStringLiteral(
             "INSERT INTO TABLES (DisplayName,FileName,FIleDate,CRC,DateAdded) Values ('") +
-        QuoteSql(display_name) + QStringLiteral("', '") + QuoteSql(path) + QStringLiteral("','") +
-        QuoteSql(file_date) + QStringLiteral("','") + QuoteSql(checksum_text) +
-        QStringLiteral("','") + QuoteSql(date_added) + QStringLiteral("')");
+        QuoteSql(row.display_name) + QStringLiteral("', '") + QuoteSql(row.file_name) +
+        QStringLiteral("','") + QuoteSql(row.file_date) + QStringLiteral("','") +
+        QuoteSql(row.checksum_text) + QStringLiteral("','") + QuoteSql(date_added) +
+        QStringLiteral("')");
     return catalogue_.CatalogueConnection->Execute(statement.toStdU16String()).status();
 }
 

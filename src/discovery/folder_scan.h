@@ -5,7 +5,8 @@
 // catalogue holds under its real path, or that another link has led to, is not added again. Each
 // folder is listed once, although links may form cycles. Skipped: folders that cannot be listed,
 // folders of pseudo file systems (processes, devices), and files that cannot be read or whose path
-// is too long for its column. Paths are texts as the catalogue stores them. Threads: the
+// is too long for its column. A file that a row names by the path map is held by the catalogue; a
+// new one below a folder of the map is stored as the others there. Threads: the
 // user-interface thread; pending events are processed before each directory entry but the first of
 // its folder.
 #pragma once
@@ -86,6 +87,13 @@ private:
         bool is_folder = false;
     };
 
+    struct NewRow {
+        QString file_name;
+        QString display_name;
+        QString file_date;
+        QString checksum_text;
+    };
+
     void Queue(const Folder& folder);
     base::Status FollowNextLink();
     base::Status ListFolder(const Folder& folder);
@@ -95,8 +103,7 @@ private:
     base::Result<QString> ChecksumOf(const QString& path);
     base::Status Store(const QString& path, const QString& checksum_text);
     base::Status NoteId();
-    base::Status Insert(const QString& path, const QString& display_name,
-                        const QString& checksum_text);
+    base::Status Insert(const NewRow& row);
 
     catalogue::Catalogue& catalogue_;
     platform::UserEvents& events_;

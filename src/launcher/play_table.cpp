@@ -56,7 +56,7 @@ void Launcher::PlayTable(const QString& path, const QString& display_name, qint6
         AskForExecutable();
         return;
     }
-    Play play{platform::ExistingName(path), display_name, {}};
+    Play play{platform::ExistingName(parts_.catalogue.values->paths.Of(path)), display_name, {}};
     const base::Status played = Run(play);
     if (!played.ok()) ShowFailure(played);
     if (play.state_before && watching_) main_window_.restore(*play.state_before);

@@ -4,6 +4,7 @@
 #include "catalogue/date_texts.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
+#include "catalogue/process_values.h"
 #include "jet/connection.h"
 #include "maintenance/row_walk.h"
 #include "maintenance/texts.h"
@@ -20,9 +21,9 @@ bool UserAgrees(platform::UserPrompts& prompts) {
     return prompts.Ask(question) == platform::MessageAnswer::kYes;
 }
 
-base::Status StoreFileDate(jet::Recordset& rows) {
+base::Status StoreFileDate(jet::Recordset& rows, const catalogue::LocalPaths& paths) {
     ASSIGN_OR_RETURN(const QString file, catalogue::FieldText(rows, u"FileName"));
-    const QDateTime modified = platform::LastModified(file);
+    const QDateTime modified = platform::LastModified(paths.Of(file));
     if (!modified.isValid()) return {};
     RETURN_IF_ERROR(
         rows.SetField(u"FileDate", jet::Value::DateTime(catalogue::ToOleDate(modified))));
@@ -41,8 +42,11 @@ void UpdateFileDates(CommandContext context) {
             u"Alter table tables alter column filedate DATE NULL");
         !altered.ok())
         altered.status().Ignore();
-    catalogue::ShowError(context.prompts,
-                         WalkRows(context, QStringLiteral("select * from tables"), StoreFileDate));
+    const catalogue::LocalPaths& paths = context.catalogue.values->paths;
+    catalogue::ShowError(context.prompts, WalkRows(context, QStringLiteral("select * from tables"),
+                                                   [&paths](jet::Recordset& rows) {
+                                                       return StoreFileDate(rows, paths);
+                                                   }));
     context.refresh_tree();
 }
 

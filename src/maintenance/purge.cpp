@@ -3,6 +3,7 @@
 #include "base/marked_text.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
+#include "catalogue/process_values.h"
 #include "jet/connection.h"
 #include "maintenance/confirm_change.h"
 #include "maintenance/row_walk.h"
@@ -12,9 +13,9 @@
 namespace maintenance {
 namespace {
 
-base::Status DeleteWhenMissing(jet::Recordset& rows) {
+base::Status DeleteWhenMissing(jet::Recordset& rows, const catalogue::LocalPaths& paths) {
     ASSIGN_OR_RETURN(const QString file, catalogue::FieldText(rows, u"FileName"));
-    if (platform::FileExists(file)) return {};
+    if (platform::FileExists(paths.Of(file))) return {};
     return rows.Delete();
 }
 
@@ -31,8 +32,11 @@ void PurgeMissingTables(CommandContext context) {
         return;
     const jet::NamedChange named(*context.catalogue.CatalogueConnection,
                                  MARKED_TEXT("HistoryTexts", "Purge"));
+    const catalogue::LocalPaths& paths = context.catalogue.values->paths;
     catalogue::ShowError(context.prompts, WalkRows(context, QStringLiteral("Select * from Tables"),
-                                                   DeleteWhenMissing));
+                                                   [&paths](jet::Recordset& rows) {
+                                                       return DeleteWhenMissing(rows, paths);
+                                                   }));
     context.refresh_tree();
 }
 

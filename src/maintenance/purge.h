@@ -5,9 +5,9 @@
 
 namespace maintenance {
 
-// Asks first. Deletes every row whose FileName names no existing file (a folder, an empty text and
-// a path on a drive that cannot be reached name none), then rebuilds the tree. A database error is
-// shown; rows already deleted stay deleted.
+// Asks first. Deletes every row whose FileName names no existing file of this system (a folder, an
+// empty text and a path on a drive that cannot be reached name none), then rebuilds the tree. A
+// database error is shown; rows already deleted stay deleted.
 void PurgeMissingTables(CommandContext context);
 
 }  // namespace maintenance

@@ -4,6 +4,7 @@
 #include "base/trim_spaces.h"
 #include "catalogue/error_report.h"
 #include "catalogue/field_text.h"
+#include "catalogue/process_values.h"
 #include "catalogue/quoting.h"
 #include "jet/connection.h"
 #include "jet/recordset.h"
@@ -63,8 +64,10 @@ base::Status StoreWhatFits(jet::Recordset& rows, const NewFields& fields) {
     return base::Status::Ok();
 }
 
-base::Status UpdateRow(jet::Recordset& rows, catalogue::PassedOver* passed_over) {
-    ASSIGN_OR_RETURN(const QString path, catalogue::FieldText(rows, u"FileName"));
+base::Status UpdateRow(jet::Recordset& rows, const catalogue::LocalPaths& paths,
+                       catalogue::PassedOver* passed_over) {
+    ASSIGN_OR_RETURN(const QString file_name, catalogue::FieldText(rows, u"FileName"));
+    const QString path = paths.Of(file_name);
     TableInfoFile file(path);
     const bool has_information = file.HasTableInfo();
     const NewFields fields = has_information ? FieldsFrom(file) : NewFields();
@@ -76,30 +79,30 @@ base::Status UpdateRow(jet::Recordset& rows, catalogue::PassedOver* passed_over)
     return catalogue::IsValueTrouble(stored) ? StoreWhatFits(rows, fields) : stored;
 }
 
-base::Status UpdateRows(jet::Connection& connection, platform::StatusDisplay* status,
+base::Status UpdateRows(catalogue::Catalogue& catalogue, platform::StatusDisplay* status,
                         const catalogue::Progress& progress, catalogue::PassedOver* passed_over) {
     jet::Recordset rows;
-    RETURN_IF_ERROR(rows.Open(u"Select *  from Tables", connection, jet::CursorType::kDynamic,
-                              jet::LockType::kOptimistic));
+    RETURN_IF_ERROR(rows.Open(u"Select *  from Tables", *catalogue.CatalogueConnection,
+                              jet::CursorType::kDynamic, jet::LockType::kOptimistic));
     if (rows.Bof() && rows.Eof()) return base::Status::Ok();
     RETURN_IF_ERROR(rows.MoveFirst());
     if (status) status->Show(TableinfoTexts::tr("Updating from VPTs..."));
     catalogue::ProgressMeter meter(progress, rows.RecordCount());
     while (!rows.Eof()) {
-        RETURN_IF_ERROR(UpdateRow(rows, passed_over));
+        RETURN_IF_ERROR(UpdateRow(rows, catalogue.values->paths, passed_over));
         RETURN_IF_ERROR(rows.MoveNext());
         meter.Step();
     }
     return base::Status::Ok();
 }
 
-base::Status UpdateRowWithId(jet::Connection& connection, std::int64_t id,
+base::Status UpdateRowWithId(catalogue::Catalogue& catalogue, std::int64_t id,
                              catalogue::PassedOver* passed_over) {
     const QString sql = QStringLiteral("Select * from Tables where ID = ") + QString::number(id);
     jet::Recordset rows;
-    RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), connection, jet::CursorType::kDynamic,
-                              jet::LockType::kOptimistic));
-    return rows.Eof() ? base::Status() : UpdateRow(rows, passed_over);
+    RETURN_IF_ERROR(rows.Open(sql.toStdU16String(), *catalogue.CatalogueConnection,
+                              jet::CursorType::kDynamic, jet::LockType::kOptimistic));
+    return rows.Eof() ? base::Status() : UpdateRow(rows, catalogue.values->paths, passed_over);
 }
 
 }  // namespace
@@ -112,7 +115,7 @@ base::Status UpdateRowsFromTableFiles(catalogue::Catalogue& catalogue,
     catalogue::ProgressMeter meter(progress, std::ssize(ids));
     for (const std::int64_t id : ids) {
         events.ProcessEvents();
-        RETURN_IF_ERROR(UpdateRowWithId(*catalogue.CatalogueConnection, id, passed_over));
+        RETURN_IF_ERROR(UpdateRowWithId(catalogue, id, passed_over));
         meter.Step();
     }
     return {};
@@ -125,7 +128,7 @@ base::Status UpdateFromTableFiles(catalogue::Catalogue& catalogue, int show_prog
     const bool shows = show_progress == 1;
     const jet::NamedChange named(*catalogue.CatalogueConnection,
                                  MARKED_TEXT("HistoryTexts", "Import Data from VPTs"));
-    base::Status done = UpdateRows(*catalogue.CatalogueConnection, shows ? status : nullptr,
+    base::Status done = UpdateRows(catalogue, shows ? status : nullptr,
                                    shows ? progress : catalogue::Progress(), passed_over);
     if (status) status->Unload();
     return done;

@@ -648,5 +648,65 @@ TEST_F(CommandsTest, BackupMakesItsCopy) {
     EXPECT_TRUE(QFile::exists(folder.filePath(S(u"pinball.BU"))));
 }
 
+// A catalogue that came from another system.
+
+TEST_F(GivenTablesTest, AFileOfThePathMapIsTheTableThatIsThere) {
+    const QString file = MakeTable(u"Known.vpt", u"Of the file");
+    const QString stored = S(u"C:\\Tables\\GIVEN\\known.vpt");
+    Execute(S(u"Update Tables set FileName = '%1' where DisplayName = 'Beta'").arg(stored));
+    MapTablesHere();
+    window->RefreshTree();
+    for (const QString& given : {file, QFileInfo(file).path()}) {
+        Select(0);
+        commands->TakeTables(given);
+        EXPECT_EQ(window->SelectedTag(), stored);
+    }
+    EXPECT_EQ(Count(), S(u"2"));
+    EXPECT_EQ(Scalar(S(u"Select DisplayName from Tables where FileName = '%1'").arg(stored)),
+              S(u"Beta"));
+}
+
+TEST_F(GivenTablesTest, CommandsFindTheFileOfTheSelectedTableByThePathMap) {
+    const QString file = MakeTable(u"Known.vpt", u"Of the file");
+    Execute(S(u"Update Tables set FileName = 'C:\\Tables\\GIVEN\\known.vpt' where DisplayName = "
+              u"'Beta'"));
+    MapTablesHere();
+    window->RefreshTree();
+    Select(1);
+    Run(u"mnuShowInFolder");
+    ASSERT_EQ(shell.opened.size(), 1U);
+    EXPECT_EQ(QDir(shell.opened[0]), QDir(QFileInfo(file).path()));
+    Run(u"mnuCopyFile");
+    const QMimeData* const held = QGuiApplication::clipboard()->mimeData();
+    ASSERT_TRUE(held != nullptr && held->hasUrls());
+    EXPECT_EQ(held->urls()[0].toLocalFile(), file);
+    Press(u"cmdPlay");
+    EXPECT_EQ(programs.started,
+              std::vector<QString>{QStringLiteral("\"/bin/vp\" /Play -\"%1\"").arg(file)});
+    InTheModalWindow([](QWidget& modal) {
+        EXPECT_EQ(modal.findChild<QLineEdit*>(S(u"txtInfo_0"))->text(), S(u"Of the file"));
+    });
+    Run(u"mnuTI");
+    EXPECT_TRUE(prompts.messages.empty());
+    Run(u"mnuPurge");
+    EXPECT_EQ(Scalar(S(u"Select DisplayName from Tables where DisplayName = 'Beta'")), S(u"Beta"));
+}
+
+TEST_F(CommandsTest, ANewPictureBelowAFolderOfThePathMapIsStoredForAllSystems) {
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QGuiApplication::clipboard()->setImage(picture);
+    prompts.files = {folder.filePath(S(u"shot.jpg"))};
+    MapTablesHere();
+    Select(1);
+    InTheModalWindow([&](QWidget& modal) { QTest::keyClick(modal.focusWidget(), Qt::Key_F2); });
+    QTest::keyClick(Tree(), Qt::Key_F2);
+    EXPECT_EQ(Scalar(S(u"Select ImageFile from Tables where DisplayName = 'Beta'")),
+              S(u"C:\\Tables\\shot.jpg"));
+    EXPECT_TRUE(QFile::exists(folder.filePath(S(u"shot.jpg"))));
+    EXPECT_FALSE(window->details().record_changed());
+    EXPECT_TRUE(prompts.messages.empty());
+}
+
 }  // namespace
 }  // namespace app

@@ -247,5 +247,51 @@ TEST_F(DetailPicturesTest, TheOneBesideTheDetailsFollows) {
     EXPECT_TRUE(Box("imgBeside")->toolTip().isEmpty());
 }
 
+// A catalogue that came from another system.
+
+TEST_F(DetailPicturesTest, PicturesThatThePathMapFindsAreShown) {
+    const QString shot = WritePicture(QStringLiteral("Shot.jpg"));
+    const QString flyer = WritePicture(QStringLiteral("Flyer.jpg"));
+    const QString rules = WritePicture(QStringLiteral("Rules.jpg"));
+    MapTablesHere();
+    ShowTable(QStringLiteral("Attack"),
+              Assign("ImageFile", QStringLiteral("C:\\Tables\\Shot.jpg")) + u',' +
+                  Assign("FlyerFile", QStringLiteral("C:\\Tables\\Flyer.jpg")) + u',' +
+                  Assign("RulesFile", QStringLiteral("C:\\Tables\\Rules.jpg")));
+    EXPECT_TRUE(ShowsFile("imgShot", shot));
+    EXPECT_TRUE(ShowsFile("imgFlyer", flyer));
+    EXPECT_TRUE(ShowsFile("imgRules", rules));
+    // Their files are there, so the record can be saved.
+    Line(2)->setText(QStringLiteral("Attack!"));
+    Click("cmdChange");
+    EXPECT_TRUE(prompts.messages.empty());
+    EXPECT_EQ(Stored(QStringLiteral("ImageFile"), QStringLiteral("Attack!")),
+              QStringLiteral("C:\\Tables\\Shot.jpg"));
+}
+
+TEST_F(DetailPicturesTest, TheScreenshotInsideOfATableFileThatThePathMapFindsIsShown) {
+    WriteTable(QStringLiteral("Inside"), Jpeg());
+    Execute(QStringLiteral("insert into tables (DisplayName, FileName, FileDate) values ('Inside', "
+                           "'C:\\Tables\\INSIDE.vpt', #1/1/2026#)"));
+    MapTablesHere();
+    panel->ShowTableDetails(QStringLiteral("C:\\Tables\\INSIDE.vpt"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return AllAreDecided(); }, 20'000));
+    EXPECT_FALSE(Box("imgShot")->source().is_empty());
+}
+
+TEST_F(DetailPicturesTest, AChosenPictureBelowAFolderOfThePathMapIsStoredForAllSystems) {
+    const QString shot = WritePicture(QStringLiteral("Shot.jpg"));
+    MapTablesHere();
+    ShowTable(QStringLiteral("Attack"), Assign("ImageFile", QStringLiteral("C:\\Tables\\Old.jpg")));
+    prompts.files = {shot};
+    Click("Command2");
+    ASSERT_EQ(prompts.dialogs.size(), 1U);
+    EXPECT_EQ(prompts.dialogs[0].file_name, folder.filePath(QStringLiteral("Old.jpg")));
+    EXPECT_EQ(Line(7)->text(), QStringLiteral("C:\\Tables\\Shot.jpg"));
+    Click("cmdChange");
+    EXPECT_EQ(Stored(QStringLiteral("ImageFile"), QStringLiteral("Attack")),
+              QStringLiteral("C:\\Tables\\Shot.jpg"));
+}
+
 }  // namespace
 }  // namespace browser

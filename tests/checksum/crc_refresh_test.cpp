@@ -189,5 +189,15 @@ TEST_F(CrcRefreshTest, ProgressGoesUpToTheTotal) {
               (std::vector<std::pair<std::int64_t, std::int64_t>>{{1, 4}, {2, 4}, {3, 4}, {4, 4}}));
 }
 
+TEST_F(CrcRefreshTest, AFileThatThePathMapFindsGetsItsChecksum) {
+    MakeFile(QStringLiteral("one.vpt"));
+    AddRow(QStringLiteral("One"), QStringLiteral("C:\\Tables\\One.vpt"));
+    MapTablesHere();
+    Refresh();
+    EXPECT_EQ(CrcOf(QStringLiteral("One")), QStringLiteral("CBF43926"));
+    EXPECT_EQ(Scalar(QStringLiteral("Select FileName from Tables")),
+              QStringLiteral("C:\\Tables\\One.vpt"));
+}
+
 }  // namespace
 }  // namespace checksum

@@ -298,5 +298,26 @@ TEST_F(ReadingCommandsTest, VerifySeesEachKindOfTrouble) {
     EXPECT_EQ(Json()[S("sound")].toBool(true), false);
 }
 
+// A catalogue that came from another system.
+
+TEST_F(ReadingCommandsTest, FilesThatThePathMapFindsAreVerifiedAndPlayed) {
+    Sql("UPDATE Tables SET FileName = 'C:\\Tables\\' & DisplayName & '.VPT'");
+    settings.values[QStringLiteral("TAVOLO/GENERAL/VPEXE")] = QStringLiteral("/bin/vp");
+    EXPECT_EQ(Run("verify --quick"), kFailed);
+    EXPECT_EQ(Run("play --dry-run Taxi"), kFailed);
+    const catalogue::PathPair pair{QStringLiteral("c:/tables"),
+                                   folder.filePath(QStringLiteral("tables"))};
+    ASSERT_TRUE(catalogue::WritePathPairs(settings, {pair}).ok());
+    EXPECT_EQ(Run("verify --quick"), kDone) << console.out;
+    EXPECT_EQ(Run("play --dry-run Taxi"), kDone);
+    EXPECT_EQ(console.out, "\"/bin/vp\" /Play -\"" + TablePath("Taxi") + "\"\n");
+}
+
+TEST_F(ReadingCommandsTest, APathMapThatCannotBeReadIsToldAndTheCommandGoesOn) {
+    settings.values[QStringLiteral("TAVOLO/PATHS/MAP")] = QStringLiteral("[");
+    EXPECT_EQ(Run("verify --quick"), kDone);
+    EXPECT_THAT(console.error, testing::HasSubstr("path map"));
+}
+
 }  // namespace
 }  // namespace cli

@@ -505,5 +505,40 @@ TEST(IsTableFileNameTest, LooksAtTheLastFourCharacters) {
     EXPECT_FALSE(IsTableFileName(QString()));
 }
 
+// A catalogue that came from another system.
+
+TEST_F(FolderScanTest, ATableThatThePathMapFindsIsNotAddedAndItsPathStays) {
+    MakeFile(QStringLiteral("Old/Attack.vpt"));
+    const QString stored = QStringLiteral("C:\\VP\\old\\ATTACK.VPT");
+    Execute(QStringLiteral("Insert into Tables (FileName) Values ('%1')").arg(stored));
+    values.paths.Use(catalogue::PathMap({{QStringLiteral("C:\\VP"), tables.path()}}));
+    EXPECT_EQ(Scan(), 0);
+    FolderScan scan(catalogue, events, observer);
+    ASSERT_TRUE(scan.AddFile(Path(QStringLiteral("Old/Attack.vpt"))).ok());
+    EXPECT_EQ(scan.found_count(), 0);
+    EXPECT_EQ(Count(), QStringLiteral("1"));
+    EXPECT_EQ(Scalar(QStringLiteral("Select FileName from Tables")), stored);
+}
+
+TEST_F(FolderScanTest, ANewTableBelowAFolderOfThePathMapIsStoredForAllSystems) {
+    const QString modified_path = MakeFile(QStringLiteral("new/Taxi.vpt"));
+    values.paths.Use(catalogue::PathMap({{QStringLiteral("C:\\VP"), tables.path()}}));
+    EXPECT_EQ(Scan(), 1);
+    const QString stored = QStringLiteral("C:\\VP\\new\\Taxi.vpt");
+    EXPECT_EQ(Scalar(QStringLiteral("Select FileName from Tables")), stored);
+    EXPECT_EQ(FieldOf(QStringLiteral("DisplayName"), stored), QStringLiteral("Taxi"));
+    EXPECT_EQ(FieldOf(QStringLiteral("CRC"), stored), QStringLiteral("CBF43926"));
+    EXPECT_EQ(FieldOf(QStringLiteral("FileDate"), stored),
+              catalogue::GeneralDate(platform::LastModified(modified_path)));
+    EXPECT_EQ(Scan(), 0);
+}
+
+TEST_F(FolderScanTest, ANewTableElsewhereIsStoredAsItIsCalledHere) {
+    const QString path = MakeFile(QStringLiteral("Taxi.vpt"));
+    values.paths.Use(catalogue::PathMap({{QStringLiteral("C:\\VP"), Path(QStringLiteral("vp"))}}));
+    EXPECT_EQ(Scan(), 1);
+    EXPECT_EQ(Scalar(QStringLiteral("Select FileName from Tables")), path);
+}
+
 }  // namespace
 }  // namespace discovery

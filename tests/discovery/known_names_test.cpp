@@ -5,6 +5,7 @@
 #include "support/catalogue_fixture.h"
 #include "support/test_data.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 
 namespace discovery {
@@ -26,7 +27,7 @@ protected:
 
 TEST_F(KnownNamesTest, NamesAreTheSameThatTheDatabaseTakesForTheSame) {
     AddRow(QStringLiteral("/tables/It's an \u00E4ttack.vpt"));
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     EXPECT_FALSE(Contains(names, Number(1)));
     EXPECT_TRUE(Contains(names, QStringLiteral("/Tables/IT'S AN \u00C4TTACK.VPT")));
     EXPECT_FALSE(Contains(names, QStringLiteral("/tables/It's an attack.vpt")));
@@ -38,7 +39,7 @@ TEST_F(KnownNamesTest, AllQuestionsOfAScanAreTwoWalksThroughTheTable) {
         AddRow(Number(i));
     Execute(QStringLiteral("DROP INDEX FileName ON Tables"));
     CountWalks();
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     for (int i = 0; i < 100; ++i)
         EXPECT_EQ(Contains(names, Number(i)), i < 50) << i;
     EXPECT_EQ(walks.all(), 2);
@@ -48,14 +49,14 @@ TEST_F(KnownNamesTest, ASingleQuestionReadsNoOtherName) {
     for (int i = 0; i < 50; ++i)
         AddRow(Number(i));
     CountWalks();
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     EXPECT_TRUE(Contains(names, Number(7)));
     EXPECT_EQ(walks.scans, 0);
 }
 
 TEST_F(KnownNamesTest, RowsThatTheScanItselfStoresAreNoReasonToReadAgain) {
     CountWalks();
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     for (int i = 0; i < 50; ++i) {
         EXPECT_FALSE(Contains(names, Number(i)));
         names.BeginAttempt();
@@ -68,7 +69,7 @@ TEST_F(KnownNamesTest, RowsThatTheScanItselfStoresAreNoReasonToReadAgain) {
 
 TEST_F(KnownNamesTest, ARefusedRowIsNeitherKnownNorAReasonToReadAgain) {
     CountWalks();
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     const QString name = Number(1);
     EXPECT_FALSE(Contains(names, name));
     EXPECT_FALSE(Contains(names, name));
@@ -85,7 +86,7 @@ TEST_F(KnownNamesTest, ARefusedRowIsNeitherKnownNorAReasonToReadAgain) {
 }
 
 TEST_F(KnownNamesTest, WhatChangesTheCatalogueMeanwhileIsSeen) {
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     EXPECT_FALSE(Contains(names, Number(1)));
     AddRow(Number(1));
     EXPECT_TRUE(Contains(names, Number(1)));
@@ -133,8 +134,8 @@ TEST(KnownNamesInVersion3Test, NamesAreTheSameThatTheDatabaseTakesForTheSame) {
                                                    QStringLiteral("/t/coop.vpt"),
                                                    QStringLiteral("/t/pl\u00E4in.vpt")};
     for (const QString& name : asked) {
-        KnownNames by_database(connection);
-        KnownNames from_memory(connection);
+        KnownNames by_database(connection, {});
+        KnownNames from_memory(connection, {});
         ASSERT_TRUE(from_memory.Contains(QStringLiteral("/t/the first question.vpt")).ok());
         const auto theirs = by_database.Contains(name);
         const auto ours = from_memory.Contains(name);
@@ -147,7 +148,7 @@ TEST(KnownNamesInVersion3Test, NamesAreTheSameThatTheDatabaseTakesForTheSame) {
 TEST_F(KnownNamesTest, ANameThatSqlMayReadInItsOwnWayIsAskedForInSql) {
     const QString bar = QStringLiteral("/tables/a | b.vpt");
     const QString lines = QStringLiteral("/tables/a\nb.vpt");
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     EXPECT_FALSE(Contains(names, bar));
     AddRow(bar);
     AddRow(lines);
@@ -162,7 +163,7 @@ TEST_F(KnownNamesTest, NamesTooLongForAKeyAreComparedByTheDatabase) {
     const QString start = QStringLiteral("/tables/") + QString(260, u'x');
     AddRow(start + QStringLiteral("one.vpt"));
     AddRow(Number(1));
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     EXPECT_FALSE(Contains(names, Number(3)));
     EXPECT_TRUE(Contains(names, start + QStringLiteral("ONE.vpt")));
     EXPECT_FALSE(Contains(names, start + QStringLiteral("two.vpt")));
@@ -173,10 +174,51 @@ TEST_F(KnownNamesTest, NamesTooLongForAKeyAreComparedByTheDatabase) {
 TEST_F(KnownNamesTest, AQuestionThatFailsIsAFailure) {
     Execute(QStringLiteral("DROP INDEX FileName ON Tables"));
     Execute(QStringLiteral("ALTER TABLE Tables DROP COLUMN FileName"));
-    KnownNames names(*connection);
+    KnownNames names(*connection, values.paths);
     EXPECT_FALSE(names.Contains(Number(1)).ok());
     connection->Close().Ignore();
     EXPECT_FALSE(names.Contains(Number(1)).ok());
+}
+
+TEST_F(KnownNamesTest, WhatThePathMapLeadsToIsKnown) {
+    AddRow(QStringLiteral("C:\\Tables\\Old\\Table 1.vpt"));
+    MapTablesHere();
+    KnownNames names(*connection, values.paths);
+    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("Old/Table 1.vpt"))));
+    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("OLD/table 1.VPT"))));
+    EXPECT_TRUE(Contains(names, QStringLiteral("C:\\Tables\\Old\\Table 1.vpt")));
+    EXPECT_FALSE(Contains(names, folder.filePath(QStringLiteral("Table 1.vpt"))));
+    AddRow(QStringLiteral("c:/tables/new.vpt"));
+    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("new.vpt"))));
+}
+
+TEST_F(KnownNamesTest, TheFolderOfThePathMapMayBeALink) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("real")));
+    ASSERT_TRUE(QFile::link(folder.filePath(QStringLiteral("real")),
+                            folder.filePath(QStringLiteral("link"))));
+    AddRow(QStringLiteral("D:\\x.vpt"));
+    values.paths.Use(
+        catalogue::PathMap({{QStringLiteral("D:\\"), folder.filePath(QStringLiteral("link"))}}));
+    KnownNames names(*connection, values.paths);
+    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("link/x.vpt"))));
+    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("real/x.vpt"))));
+    EXPECT_FALSE(Contains(names, folder.filePath(QStringLiteral("x.vpt"))));
+}
+
+TEST_F(KnownNamesTest, WithAPathMapTheRowsAreReadOnceMore) {
+    CountWalks();
+    MapTablesHere();
+    KnownNames names(*connection, values.paths);
+    for (int i = 0; i < 50; ++i) {
+        const QString stored = QStringLiteral("C:\\Tables\\%1.vpt").arg(i);
+        const QString here = folder.filePath(QStringLiteral("%1.vpt").arg(i));
+        EXPECT_FALSE(Contains(names, here));
+        names.BeginAttempt();
+        AddRow(stored);
+        names.NoteStored(stored);
+        EXPECT_TRUE(Contains(names, here));
+    }
+    EXPECT_EQ(walks.scans, 2);
 }
 
 }  // namespace

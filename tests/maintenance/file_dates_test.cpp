@@ -98,5 +98,15 @@ TEST_F(FileDatesTest, AColumnOfAnotherTypeBecomesADate) {
     EXPECT_FALSE(column->required);
 }
 
+TEST_F(FileDatesTest, AFileThatThePathMapFindsHasItsDate) {
+    MakeDatedFile(QStringLiteral("a.vpt"), modified);
+    AddTable(QStringLiteral("C:\\Tables\\A.vpt"));
+    MapTablesHere();
+    UpdateFileDates(Context());
+    EXPECT_EQ(FileDate(1), QStringLiteral("4/5/2003 6:07:09 PM"));
+    EXPECT_EQ(Scalar(QStringLiteral("select FileName from Tables")),
+              QStringLiteral("C:\\Tables\\A.vpt"));
+}
+
 }  // namespace
 }  // namespace maintenance

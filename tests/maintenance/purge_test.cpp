@@ -110,5 +110,16 @@ TEST_F(PurgeTest, AFileInOtherLetterCaseIsThere) {
     EXPECT_EQ(RowCount(), QStringLiteral("1"));
 }
 
+TEST_F(PurgeTest, WhatThePathMapFindsStays) {
+    MakeFile(QStringLiteral("Kept.vpt"));
+    AddTable(QStringLiteral("c:\\tables\\KEPT.vpt"));
+    AddTable(QStringLiteral("C:\\Tables\\gone.vpt"));
+    MapTablesHere();
+    PurgeMissingTables(Context());
+    EXPECT_EQ(RowCount(), QStringLiteral("1"));
+    EXPECT_EQ(Scalar(QStringLiteral("select FileName from Tables")),
+              QStringLiteral("c:\\tables\\KEPT.vpt"));
+}
+
 }  // namespace
 }  // namespace maintenance

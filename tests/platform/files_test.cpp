@@ -352,4 +352,27 @@ TEST(PseudoFileSystemTest, ProcessesAndDevicesAreNoFolders) {
     EXPECT_TRUE(platform::IsPseudoFileSystem(folder.filePath(QStringLiteral("me"))));
 }
 
+// A catalogue names tables and pictures in turn: their folders are not read again for each.
+TEST_F(FilesTest, NamesOfOtherLetterCaseInTwoFoldersInTurnAreFoundQuickly) {
+    constexpr int kFiles = 2000;
+    for (const char16_t* const name : {u"Tables", u"Pictures"}) {
+        const QString made = In(QString::fromUtf16(name));
+        ASSERT_TRUE(QDir().mkpath(made));
+        for (int i = 0; i < kFiles; ++i)
+            WriteFile(QString::fromUtf16(name) + QStringLiteral("/File %1.x").arg(i));
+        // A folder that was just changed is read anew each time.
+        const std::filesystem::path path = made.toStdString();
+        std::filesystem::last_write_time(path, std::filesystem::last_write_time(path) -
+                                                   std::chrono::hours(1));
+    }
+    const auto before = std::chrono::steady_clock::now();
+    for (int i = 0; i < kFiles; ++i)
+        for (const char16_t* const name : {u"tables", u"pictures"})
+            ASSERT_TRUE(platform::FileExists(
+                In(QString::fromUtf16(name) + QStringLiteral("/FILE %1.X").arg(i))));
+    // To read the folders each time takes half a minute, a sanitizer's or a busy machine's second
+    // is far from that.
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5));
+}
+
 }  // namespace

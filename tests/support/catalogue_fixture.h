@@ -56,6 +56,11 @@ protected:
         catalogue.CatalogueConnection = connection.get();
     }
 
+    // From now on what is stored below C:\Tables is looked for in the folder of the test.
+    void MapTablesHere() {
+        values.paths.Use(catalogue::PathMap({{QStringLiteral("C:\\Tables"), folder.path()}}));
+    }
+
     // Runs a statement that must succeed.
     void Execute(const QString& sql) {
         const auto done = connection->Execute(sql.toStdU16String());

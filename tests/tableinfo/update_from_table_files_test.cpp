@@ -285,5 +285,14 @@ TEST_F(UpdateFromTableFilesTest, OnlyTheRowsThatAreAskedForAreReadAndChanged) {
     EXPECT_EQ(Scalar(of + u'3'), QStringLiteral("Three"));
 }
 
+TEST_F(UpdateFromTableFilesTest, AFileThatThePathMapFindsIsRead) {
+    Build(VptBuilder().Text(u"TableName", u"Attack"), QStringLiteral("table.vpt"));
+    AddRow(QStringLiteral("C:\\Tables\\Table.vpt"));
+    MapTablesHere();
+    Update();
+    EXPECT_EQ(Field(QStringLiteral("DisplayName")), QStringLiteral("Attack"));
+    EXPECT_EQ(Field(QStringLiteral("FileName")), QStringLiteral("C:\\Tables\\Table.vpt"));
+}
+
 }  // namespace
 }  // namespace tableinfo
