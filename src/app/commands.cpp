@@ -25,6 +25,7 @@
 #include "maintenance/compact.h"
 #include "maintenance/file_dates.h"
 #include "maintenance/frmImport.h"
+#include "maintenance/frmPathMap.h"
 #include "maintenance/frmUtility.h"
 #include "maintenance/play_counts.h"
 #include "maintenance/purge.h"
@@ -58,7 +59,12 @@ Commands::Commands(catalogue::Catalogue& catalogue, platform::UserPrompts& promp
       refresh_tree_([this] { window_.RefreshTree(); }), splash_(&window),
       launcher_({catalogue, outside_.windows, outside_.programs, outside_.sounds, events_, splash_,
                  prompts},
-                WindowActions()) {
+                WindowActions()),
+      path_hint_(catalogue, [this] {
+          window_.TellResult(
+              AppTexts::tr("Most table files are not found here. Click for the path map"),
+              [this] { ShowPathMap(); });
+      }) {
     browser::CommandActions actions = Actions();
     MakeSnapshotsBefore(actions);
     window_.SetActions(actions);
@@ -194,11 +200,21 @@ browser::CommandActions Commands::Actions() {
                     [&] { done = exchange::ImportTables(catalogue_, prompts_, refresh_tree_); });
                 TellIfStopped(done);
             },
+        .show_path_map = [this] { ShowPathMap(); },
         .restore = [this] { Restore(); },
         .compact = [this] { Compact(); },
         .look_for_new_tables = [this] { LookForNewTables(); },
         .show_in_folder = [this] { ShowInFolder(); },
     };
+}
+
+void Commands::HintAtPathMap() {
+    window_.TellInPassing(path_hint_.Start());
+}
+
+void Commands::ShowPathMap() {
+    if (!MayTakeTables()) return;
+    maintenance::frmPathMap(catalogue_, prompts_, refresh_tree_, &window_).exec();
 }
 
 void Commands::ShowInFolder() {

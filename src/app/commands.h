@@ -2,6 +2,7 @@
 // they need.
 #pragma once
 
+#include "app/path_hint.h"
 #include "browser/frmPinball.h"
 #include "browser/frmSplash.h"
 #include "catalogue/catalogue.h"
@@ -55,6 +56,9 @@ public:
     // A command is at work; dialogs apart.
     bool is_at_work() const;
 
+    // Says in the status bar when most table files are not found here, and leads to the path map.
+    void HintAtPathMap();
+
     // What is called before and after the commands that replace fields of many tables: scan and
     // imports.
     struct Watch {
@@ -97,6 +101,7 @@ private:
     void ShowAbout();
     void ViewTableInfo();
     void LoadPicture();
+    void ShowPathMap();
     void Restore();
     // Start the program again, for another application folder.
     void OpenExample();
@@ -125,6 +130,7 @@ private:
     dialogs::HelpKey help_key_{outside_.shell, catalogue_.values->ApplicationFolder};
     QPointer<dialogs::frmSettings> settings_;  // as long as it is open
     launcher::Launcher launcher_;
+    PathHint path_hint_;
 };
 
 }  // namespace app

@@ -104,6 +104,12 @@ void TakeGiven(app::Commands& commands, app::GivenPaths& given_paths, const QStr
         given_paths.Add(given);
 }
 
+// Not of the example collection, which is looked at without a simulator.
+void AskForWhatIsMissing(app::Commands& commands, browser::frmPinball& window) {
+    commands.HintAtPathMap();
+    window.AskForWhatIsMissing();
+}
+
 void EndWith(browser::frmPinball& window) {
     window.CloseForGood();
     QApplication::quit();
@@ -174,8 +180,7 @@ int RunProgram(const app::Arguments& arguments) {
     window.TellInPassing(UpgradeFailure(catalogue));
     window.TellInPassing(values.PathMapFailure);
     TakeGiven(commands, given_paths, given);
-    // The example collection is looked at without a simulator.
-    if (!arguments.demo) window.AskForWhatIsMissing();
+    if (!arguments.demo) AskForWhatIsMissing(commands, window);
     return QApplication::exec();
 }
 

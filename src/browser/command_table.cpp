@@ -63,6 +63,8 @@ constexpr MenuItem kData[] = {
     {u"mnuExportTables", MARKED_TEXT("BrowserTexts", "&Export..."), &A::export_tables},
     {u"mnuImportTables", MARKED_TEXT("BrowserTexts", "&Import..."), &A::import_tables,
      EnabledWhen::kRulesTextIsNotShown},
+    kSeparator,
+    {u"mnuPathMap", MARKED_TEXT("BrowserTexts", "&Path Map..."), &A::show_path_map},
 };
 
 constexpr MenuItem kEdit[] = {

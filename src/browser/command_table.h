@@ -40,6 +40,7 @@ struct CommandActions {
     Action view_table_info{};
     Action export_tables{};
     Action import_tables{};
+    Action show_path_map{};
     Action undo{};
     Action redo{};
     Action show_history{};

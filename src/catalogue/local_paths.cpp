@@ -1,6 +1,7 @@
 #include "catalogue/local_paths.h"
 
 #include "catalogue/program_settings.h"
+#include "catalogue/texts.h"
 #include "platform/files.h"
 
 #include <QtCore/QJsonArray>
@@ -30,8 +31,9 @@ QString TextOf(const std::vector<PathPair>& pairs) {
 }
 
 base::Result<std::vector<PathPair>> PairsOf(const QString& text) {
-    const base::Status wrong(base::StatusCode::kCorruption,
-                             "The path map in the settings is not a list of pairs");
+    const base::Status wrong(
+        base::StatusCode::kCorruption,
+        CatalogueTexts::tr("The path map in the settings cannot be read.").toStdString());
     if (text.size() > kMaxMapText) return wrong;
     const QJsonDocument all = QJsonDocument::fromJson(text.toUtf8());
     if (!all.isArray()) return wrong;

@@ -1,6 +1,7 @@
 #include "catalogue/path_map.h"
 
 #include "catalogue/path_names.h"
+#include "catalogue/texts.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QSet>
@@ -96,22 +97,26 @@ QString Below(const QString& folder, const QString& path, qsizetype length) {
     return begun + rest;
 }
 
-base::Status Wrong(const QString& folder, const char* why) {
-    return {base::StatusCode::kInvalidArgument, "\"" + folder.toStdString() + "\" " + why};
+base::Status Wrong(const QString& text, const QString& folder) {
+    constexpr qsizetype kShownLetters = 100;
+    return {base::StatusCode::kInvalidArgument, text.arg(folder.left(kShownLetters)).toStdString()};
 }
 
 base::Status CheckFolder(const QString& folder) {
-    if (folder.size() > kMaxFolderLength) return Wrong(folder.left(80), "is too long");
-    if (folder.contains(QChar(0))) return Wrong(folder, "is not the name of a folder");
+    if (folder.size() > kMaxFolderLength)
+        return Wrong(CatalogueTexts::tr("\"%1\" is too long."), folder);
+    if (folder.contains(QChar(0)))
+        return Wrong(CatalogueTexts::tr("\"%1\" is not the name of a folder."), folder);
     return {};
 }
 
 base::Status CheckPair(const PathPair& pair) {
     RETURN_IF_ERROR(CheckFolder(pair.stored));
     RETURN_IF_ERROR(CheckFolder(pair.here));
-    if (KeyOf(pair.stored).key.isEmpty()) return Wrong(pair.stored, "is not an absolute path");
+    if (KeyOf(pair.stored).key.isEmpty())
+        return Wrong(CatalogueTexts::tr("\"%1\" is not a whole path."), pair.stored);
     if (!QDir::isAbsolutePath(pair.here) || KeyOf(pair.here).key.isEmpty())
-        return Wrong(pair.here, "is not an absolute path of this system");
+        return Wrong(CatalogueTexts::tr("\"%1\" is not a whole path of this system."), pair.here);
     return {};
 }
 
@@ -119,12 +124,14 @@ base::Status CheckPair(const PathPair& pair) {
 
 base::Status CheckPairs(const std::vector<PathPair>& pairs) {
     if (std::ssize(pairs) > kMaxPathPairs)
-        return {base::StatusCode::kInvalidArgument, "There are too many pairs"};
+        return {base::StatusCode::kInvalidArgument,
+                CatalogueTexts::tr("The path map has too many lines.").toStdString()};
     QSet<QString> keys;
     for (const PathPair& pair : pairs) {
         RETURN_IF_ERROR(CheckPair(pair));
         const QString key = KeyOf(pair.stored).key;
-        if (keys.contains(key)) return Wrong(pair.stored, "is in two pairs");
+        if (keys.contains(key))
+            return Wrong(CatalogueTexts::tr("The path map has \"%1\" already."), pair.stored);
         keys.insert(key);
     }
     return {};

@@ -164,6 +164,16 @@ constexpr Example kRestoreExamples[] = {
     {"tavolo-cli restore", "lists what can be restored"},
     {"tavolo-cli restore --dry-run 1", "tells how the first snapshot differs from today"}};
 
+constexpr std::string_view kPathMapActions[] = {"list", "add", "remove", "propose"};
+constexpr Operand kPathMapOperands[] = {
+    {.name = "ACTION", .is_optional = true, .completes = kChoices, .choices = kPathMapActions},
+    {.name = "FOLDER", .is_optional = true, .repeats = true, .completes = kFolders}};
+constexpr Option kPathMapOptions[] = {
+    {.name = "take", .letter = 't', .help = "add what is proposed"}};
+constexpr Example kPathMapExamples[] = {{"tavolo-cli path-map add 'C:\\Tables' tables",
+                                         "looks for what is stored below C:\\Tables here"},
+                                        {"tavolo-cli path-map", "lists the path map"}};
+
 constexpr Operand kPlayOperands[] = {{.name = "NAME|ID"}};
 constexpr Option kPlayOptions[] = {kDryRunOption};
 constexpr Example kPlayExamples[] = {
@@ -287,6 +297,17 @@ constexpr Command kCommands[] = {
      kVerifyOptions,
      kVerifyExamples,
      RunVerify},
+    {"path-map", "say where the files of stored paths are on this machine",
+     "A catalogue may have been written on another system, or its files moved to another disk. "
+     "The path map of this user says that what is stored below one folder is below another one "
+     "here; the paths in the catalogue stay as they are. Every command looks for files by it.\n\n"
+     "list, or nothing, prints a line for each pair: the stored folder, the folder here, how many "
+     "stored paths it counts for and how many of their files are found, with tabs between them; "
+     "the last line is for all other paths. add STORED HERE adds a pair, and remove STORED takes "
+     "it away. propose looks for the files that are not found in the folders that the program "
+     "knows, or in those that are given, and prints the pairs that lead to them, with the number "
+     "of those files and of the paths below the stored folder; --take adds them.",
+     kPathMapOperands, kPathMapOptions, kPathMapExamples, RunPathMap},
     {"play", "play a table",
      "Counts the play and starts the simulator on the table with this name or ID, as the program "
      "does: with the executable of its settings. Returns when the play has ended. A name is taken "

@@ -20,6 +20,7 @@ int RunCompact(Program& program);
 int RunRepair(Program& program);
 int RunSnapshot(Program& program);
 int RunRestore(Program& program);
+int RunPathMap(Program& program);
 int RunPlay(Program& program);
 int RunExport(Program& program);
 int RunImport(Program& program);

@@ -11,7 +11,7 @@ struct WindowPage {
     QStringView page;
 };
 
-constexpr std::array<WindowPage, 12> kWindowPages = {{
+constexpr std::array<WindowPage, 14> kWindowPages = {{
     {u"frmPinball", u"main-window.html"},
     {u"frmsearch", u"scan.html"},
     {u"frmReadVPT", u"table-information.html"},
@@ -19,6 +19,8 @@ constexpr std::array<WindowPage, 12> kWindowPages = {{
     {u"frmSplash", u"playing.html"},
     {u"frmSettings", u"settings.html"},
     {u"frmUtility", u"reset-paths.html"},
+    {u"frmPathMap", u"path-map.html"},
+    {u"frmPathPair", u"path-map.html"},
     {u"frmCRC", u"crc.html"},
     {u"frmImport", u"import-launcher.html"},
     {u"frmAbout", u"about.html"},

@@ -380,6 +380,41 @@ TEST_F(CommandsTest, DialogsOpenOverTheMainWindow) {
     }
 }
 
+TEST_F(CommandsTest, ThePathMapShowsWhatIsFoundAndClosesWhenThatIsKnown) {
+    QTimer timer;
+    QString seen;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
+        QWidget* const modal = QApplication::activeModalWidget();
+        if (modal == nullptr) return;
+        seen = modal->findChild<QLabel*>(S(u"lblOthers"))->text();
+        if (!seen.endsWith(S(u"..."))) modal->close();
+    });
+    timer.start(0);
+    Run(u"mnuPathMap");
+    EXPECT_EQ(seen, S(u"Of the paths that begin otherwise 1 of 1 are found here."));
+}
+
+TEST_F(CommandsTest, WhereMostTableFilesAreMissingTheStatusBarLeadsToThePathMap) {
+    const auto told = [this] { return window->statusBar()->currentMessage(); };
+    for (int i = 2; i < PathHint::kFewestTables; ++i) {
+        commands->HintAtPathMap();
+        QTest::qWait(20);
+        EXPECT_EQ(told(), QString()) << i;
+        AddTable(S(u"Gone %1").arg(i), S(u"C:\\Tables\\%1.vpt").arg(i));
+    }
+    commands->HintAtPathMap();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !told().isEmpty(); }));
+    EXPECT_EQ(told(), S(u"Most table files are not found here. Click for the path map"));
+    window->statusBar()->clearMessage();
+    for (int i = 2; i < PathHint::kFewestTables; ++i)
+        MakeFile(S(u"%1.vpt").arg(i));
+    MapTablesHere();
+    PathHint with_map(catalogue, [] { FAIL() << "the files are there"; });
+    ASSERT_TRUE(with_map.Start().ok());
+    QTest::qWait(200);
+    EXPECT_EQ(told(), QString());
+}
+
 TEST_F(CommandsTest, PurgeTakesTheMissingTablesOutOfTheTree) {
     AddTable(S(u"Gone"), S(u"/gone/gone.vpt"));
     window->RefreshTree();

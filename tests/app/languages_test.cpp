@@ -43,8 +43,8 @@ protected:
             QStringLiteral("Another company"), QStringLiteral("Company"), QStringLiteral("Gamma"),
             QStringLiteral("The Machine of the Bride and of all her Guests"),
             QStringLiteral("A note of this table."), QStringLiteral("/gone/beta.vpt"),
-            folder.path(), QStringLiteral("shot.png"), QStringLiteral("alpha.vpt"),
-            QStringLiteral("/bin/vp"),
+            QStringLiteral("C:\\Games\\Tables"), folder.path(), QStringLiteral("shot.png"),
+            QStringLiteral("alpha.vpt"), QStringLiteral("/bin/vp"),
             // What the tests themselves ask.
             QStringLiteral("A sentence that the box says."), QStringLiteral("And a second one."),
             QStringLiteral("Select Image File"), QStringLiteral("Visual Pinball"),

@@ -364,5 +364,49 @@ TEST_F(ChangingCommandsTest, AFullDiskLeavesTheCatalogueWhole) {
     EXPECT_GT(failures, 0);
 }
 
+// The path map, which is a setting and no part of the catalogue.
+
+TEST_F(ChangingCommandsTest, ThePathMapIsListedChangedAndProposed) {
+    Sql("UPDATE Tables SET FileName = 'C:\\Tables\\' & DisplayName & '.VPT'");
+    const QByteArray before = DatabaseBytes();
+    const std::string tables = folder.filePath(QStringLiteral("tables")).toStdString();
+    EXPECT_EQ(Run("path-map"), kDone);
+    EXPECT_EQ(console.out, "\t\t3\t0\n");
+    EXPECT_EQ(Run({QStringLiteral("path-map"), QStringLiteral("add"), QStringLiteral("c:/tables"),
+                   QString::fromStdString(tables + "/.")}),
+              kDone);
+    EXPECT_EQ(Run("path-map list"), kDone);
+    EXPECT_EQ(console.out, "c:/tables\t" + tables + "\t3\t3\n\t\t0\t0\n");
+    EXPECT_EQ(Run("verify --quick"), kDone);
+    EXPECT_EQ(Run("path-map add C:\\Tables\\ /elsewhere"), kFailed);
+    EXPECT_THAT(console.error, testing::HasSubstr("already"));
+    EXPECT_EQ(Run("path-map remove D:\\"), kFailed);
+    EXPECT_EQ(Run("path-map remove C:\\TABLES\\"), kDone);
+    EXPECT_EQ(Run("path-map propose"), kDone);
+    const std::string proposal = "C:\\Tables\\\t" + tables + "/\t3\t3\n";
+    EXPECT_EQ(console.out, proposal);
+    EXPECT_EQ(Run("path-map"), kDone);
+    EXPECT_EQ(console.out, "\t\t3\t0\n");
+    EXPECT_EQ(Run({QStringLiteral("path-map"), QStringLiteral("propose"), QStringLiteral("--take"),
+                   QString::fromStdString(tables)}),
+              kDone);
+    EXPECT_EQ(console.out, proposal);
+    EXPECT_EQ(Run("verify --quick"), kDone);
+    EXPECT_EQ(Run("path-map propose"), kDone);
+    EXPECT_EQ(console.out, "");
+    EXPECT_EQ(DatabaseBytes(), before);
+    for (const char* const wrong :
+         {"path-map dance", "path-map add C:\\", "path-map remove", "path-map list all"})
+        EXPECT_EQ(Run(wrong), kWrongUsage) << wrong;
+}
+
+TEST_F(ChangingCommandsTest, APathMapThatCannotBeReadIsEmptiedByRemoving) {
+    settings.values[QStringLiteral("TAVOLO/PATHS/MAP")] = QStringLiteral("{");
+    EXPECT_EQ(Run("path-map"), kFailed);
+    EXPECT_EQ(Run("path-map add C:\\ /c"), kFailed);
+    EXPECT_EQ(Run("path-map remove C:\\"), kDone);
+    EXPECT_EQ(Run("path-map"), kDone);
+}
+
 }  // namespace
 }  // namespace cli

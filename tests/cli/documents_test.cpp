@@ -46,7 +46,9 @@ TEST(DocumentsTest, EveryDocumentHasEveryCommandAndOption) {
     for (const Command& command : Commands()) {
         const std::string name(command.name);
         EXPECT_THAT(GeneralHelp(), HasSubstr("  " + name + " "));
-        EXPECT_THAT(man, HasSubstr(".SS " + name + "\n"));
+        const std::string roff_name =
+            QString::fromStdString(name).replace(u'-', QStringLiteral("\\-")).toStdString();
+        EXPECT_THAT(man, HasSubstr(".SS " + roff_name + "\n"));
         EXPECT_THAT(BashCompletion(), HasSubstr("    " + name + ")\n"));
         EXPECT_THAT(ZshCompletion(), HasSubstr("        " + name + ") _arguments"));
         EXPECT_THAT(FishCompletion(), HasSubstr("__fish_use_subcommand -a " + name + " "));

@@ -20,6 +20,8 @@ TEST(HelpPagesTest, EveryWindowsPageIsAmongTheSourcesOfTheHelpFile) {
         {"frmSplash", "playing.html"},
         {"frmSettings", "settings.html"},
         {"frmUtility", "reset-paths.html"},
+        {"frmPathMap", "path-map.html"},
+        {"frmPathPair", "path-map.html"},
         {"frmCRC", "crc.html"},
         {"frmImport", "import-launcher.html"},
         {"frmAbout", "about.html"},

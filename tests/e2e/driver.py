@@ -281,6 +281,13 @@ class Tavolo:
         self.wait_window(title)
         wait_for(lambda: self.desktop.active_window() == (self.window(title) or {}).get("id"), f"the window {title!r} in front")
 
+    def wait_active(self):
+        """The main window in front: one that has just come up may move under the pointer."""
+        window = self.main_window()
+        self.desktop.manage(window, "-a")
+        wait_for(lambda: self.desktop.active_window() == window["id"], "the main window in front")
+        self.wait_window(window["title"])
+
     def wait_window_gone(self, title, timeout=TIMEOUT):
         wait_for(lambda: not self.window(title), f"the end of the window {title!r}", timeout)
 

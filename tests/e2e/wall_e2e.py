@@ -14,15 +14,8 @@ def colours(program, item):
     return int(out)
 
 
-def wait_active(program):
-    """A window that has just come up may move under the pointer."""
-    window = program.main_window()
-    program.desktop.manage(window, "-a")
-    wait_for(lambda: program.desktop.active_window() == window["id"], "the window in front")
-
-
 def wall(program):
-    wait_active(program)
+    program.wait_active()
     program.click_item("Copper Comet")
     program.wait_text("txtDet_2", "Copper Comet")
     program.press("F9")
@@ -79,7 +72,7 @@ def main():
         check(len(kept) >= 12, f"small pictures are kept: {len(kept)}")
         with Tavolo(desktop, None, ["--demo"]) as program:
             wait_for(lambda: program.visible("PictureWall") and not program.visible("tvwDB"), "the wall of the last time")
-            wait_active(program)
+            program.wait_active()
             check_equal(program.ask("item", name="PictureWall", text="Seventh Wave")["h"], height, "the height of a picture and its name")
             program.press("F9")
             wait_for(lambda: program.visible("tvwDB") and not program.visible("PictureWall"), "the tree")
