@@ -45,7 +45,7 @@ void AskList(jet::Connection& connection, const std::u16string& sql) {
     if (rows.Eof()) return;
     bench::Require(rows.MoveLast());
     bench::Require(rows.MoveFirst());
-    Walk(rows, PlacesOf(rows));
+    bench::Require(rows.Hold(PlacesOf(rows)).status());
 }
 
 void Ask(jet::Connection& connection, const std::string& kind, const std::u16string& sql) {

@@ -20,7 +20,8 @@ constexpr int kHundred = 100;
 // time.
 constexpr std::int64_t kWorthShowing = 2000;
 
-// Between two drawings of the bar, each of which costs as much as reading a hundred tables.
+// Between two drawings of the bar, and before the first: each costs as much as reading a thousand
+// tables.
 constexpr int kDrawMs = 50;
 
 constexpr int kInPassingMs = 15'000;
@@ -119,8 +120,9 @@ void StatusPanels::mouseReleaseEvent(QMouseEvent* event) {
 
 void StatusPanels::StartProgress(std::int64_t steps) {
     what_.clear();
-    since_drawn_.invalidate();
+    since_drawn_.start();
     hundredths_ = 0;
+    is_painted_ = true;
     SetSteps(std::max<std::int64_t>(steps, 1));
     ShowProgress();
 }
@@ -170,11 +172,14 @@ QString StatusPanels::TextOf(std::int64_t step) const {
 
 void StatusPanels::Advance(std::int64_t step) {
     const int hundredths = static_cast<int>(step * kHundred / steps_);
-    if (hundredths == hundredths_) return;
-    if (since_drawn_.isValid() && !since_drawn_.hasExpired(kDrawMs)) return;
+    if (hundredths == hundredths_ && is_painted_) return;
+    const bool is_due = since_drawn_.hasExpired(kDrawMs);
+    if (!is_due && hundredths_ > 0) return;
+    if (hundredths != hundredths_) ShowStep(step);
     hundredths_ = hundredths;
+    is_painted_ = is_due;
+    if (!is_due) return;
     since_drawn_.start();
-    ShowStep(step);
     if (steps_ >= kWorthShowing && isVisible())
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }

@@ -77,7 +77,8 @@ private:
     QString what_;  // is at work; empty: that is not said
     std::int64_t steps_ = 0;
     int hundredths_ = 0;
-    QElapsedTimer since_drawn_;  // invalid: not drawn yet
+    QElapsedTimer since_drawn_;  // or since the progress began
+    bool is_painted_ = true;     // what the bar shows
     bool in_progress_ = false;
 };
 

@@ -1,14 +1,12 @@
-// TableSnapshot: what the tree shows of the selected tables and what Find looks at, read when the
-// query runs. Takes 96 bytes per table and its texts (text_store.h).
+// TableSnapshot: what the tree shows of the selected tables and what Find looks at, as it was when
+// the query ran; made into texts when it is asked for.
 #pragma once
 
 #include "base/status.h"
-#include "browser/text_store.h"
 #include "jet/recordset.h"
 
 #include <QtCore/QString>
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -34,16 +32,16 @@ public:
     std::size_t size() const { return rows_.size(); }
 
     // Requires for all: table < size().
-    std::int32_t Id(std::size_t table) const { return rows_[table].id; }
-    QString DisplayName(std::size_t table) const { return Text(rows_[table].display_name); }
-    QString FileName(std::size_t table) const { return Text(rows_[table].file_name); }
+    std::int32_t Id(std::size_t table) const;
+    QString DisplayName(std::size_t table) const;
+    QString FileName(std::size_t table) const;
     // Empty for Null.
-    QString ImageFile(std::size_t table) const { return Text(rows_[table].image_file); }
-    bool Favorite(std::size_t table) const { return rows_[table].favorite; }
-    bool PinMame(std::size_t table) const { return rows_[table].pinmame; }
-    QString Version(std::size_t table) const { return Text(rows_[table].version); }
+    QString ImageFile(std::size_t table) const;
+    bool Favorite(std::size_t table) const;
+    bool PinMame(std::size_t table) const;
+    QString Version(std::size_t table) const;
     // 0 for Null.
-    std::int32_t TimesPlayed(std::size_t table) const { return rows_[table].times_played; }
+    std::int32_t TimesPlayed(std::size_t table) const;
     // The value of a detail line as text; empty for Null.
     QString DetailText(std::size_t table, int detail) const;
     // In days since 1899-12-30; nullopt: the value is no date.
@@ -51,39 +49,19 @@ public:
     // Label and value; the label alone if the value is Null. Dates are in the general format.
     QString DetailLine(std::size_t table, int detail) const;
 
-    // Reads `rows` from the current row to the end. Columns that are missing in `rows` count as
-    // Null. `progress` (may be empty) is called after each row with the number of tables read.
+    // All rows. Columns that are missing in `rows` count as Null. `progress` (may be empty) is
+    // called with the number of tables read so far, unless the question has read them all.
     static base::Result<TableSnapshot> Read(jet::Recordset& rows,
                                             const std::function<void(std::int64_t)>& progress = {});
 
 private:
-    // Details are formatted when they are shown.
-    enum class DetailKind : std::uint8_t { kNull, kDate, kText };
-    struct Row {
-        std::int32_t id = 0;
-        std::int32_t times_played = 0;
-        std::uint16_t detail_kinds = 0;  // two bits each
-        bool favorite = false;
-        bool pinmame = false;
-        TextStore::Reference display_name;
-        TextStore::Reference file_name;
-        TextStore::Reference version;
-        TextStore::Reference image_file;
-        std::array<std::uint64_t, kDetailCount>
-            details{};  // bits of a double or TextStore::Reference
-    };
+    jet::Value ValueOf(std::size_t table, int column) const;
+    QString Text(std::size_t table, int column) const;
 
-    struct Columns;
-    DetailKind KindOf(const Row& row, int detail) const {
-        return static_cast<DetailKind>((row.detail_kinds >> (2 * detail)) & 3);
-    }
-    base::Status AddRow(jet::Recordset& rows, const Columns& columns);
-    TextStore::Reference KeepText(const jet::Value& value);
-    void KeepDetail(Row& row, int detail, const jet::Value& value);
-    QString Text(TextStore::Reference reference) const;
-
-    TextStore texts_;
-    std::vector<Row> rows_;
+    jet::HeldRows rows_;
+    // Of each column that is shown, its place in rows_; nullopt: an old read-only catalogue does
+    // not have it.
+    std::vector<std::optional<std::size_t>> places_;
 };
 
 // Shared by the model and by the thread that makes Find's index of it; nobody changes it.

@@ -76,6 +76,11 @@ Result<Value> Recordset::Fields(std::size_t field) {
     return impl_->Field(field);
 }
 
+Result<HeldRows> Recordset::Hold(std::span<const std::size_t> fields,
+                                 const std::function<void(std::int64_t)>& progress) {
+    return impl_->Hold(fields, progress);
+}
+
 Status Recordset::SetField(std::u16string_view name, Value value) {
     return impl_->SetField(name, std::move(value));
 }

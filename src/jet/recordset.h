@@ -8,10 +8,13 @@
 #pragma once
 
 #include "base/status.h"
+#include "jet/held_rows.h"
 #include "jet/values/value.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,6 +66,13 @@ public:
     // meanwhile.
     base::Result<Value> Fields(std::u16string_view name);
     base::Result<Value> Fields(std::size_t field);
+
+    // The values of `fields` in all rows as they are now, those not yet written by Update left out.
+    // The current row stays the one it is. `progress` (may be empty) is called with the number of
+    // rows read so far, after each; not at all where sorting them has read what is wanted. 3219: a
+    // forward-only recordset; 3167: a row was deleted meanwhile.
+    base::Result<HeldRows> Hold(std::span<const std::size_t> fields,
+                                const std::function<void(std::int64_t)>& progress = {});
 
     // 3027: the lock type or the query does not allow changes.
     base::Status SetField(std::u16string_view name, Value value);

@@ -177,6 +177,16 @@ Result<Value> Recordset::Impl::Field(std::size_t field) {
     return rows_->Field(field);
 }
 
+Result<HeldRows> Recordset::Impl::Hold(std::span<const std::size_t> fields,
+                                       const RowProgress& progress) {
+    if (!is_open()) return JetError(ErrorNumber::kClosed);
+    for (const std::size_t field : fields)
+        if (field >= names_.size()) return JetError(ErrorNumber::kNoSuchItem);
+    if (query_ == nullptr && !rows_->holds_values())
+        return JetError(ErrorNumber::kNoSuchObject, text_);
+    return rows_->Hold(fields, progress);
+}
+
 Result<Table*> Recordset::Impl::WritableTable() {
     RETURN_IF_ERROR(CheckRow());
     sql::TableQuery* const query = query_ != nullptr ? query_->AsTableQuery() : nullptr;

@@ -43,6 +43,7 @@ public:
     const std::vector<std::u16string>& names() const { return names_; }
     base::Result<std::size_t> FindField(std::u16string_view name) const;
     base::Result<Value> Field(std::size_t field);
+    base::Result<HeldRows> Hold(std::span<const std::size_t> fields, const RowProgress& progress);
     base::Status SetField(std::u16string_view name, Value value);
     base::Status Update();
     void CancelUpdate() { pending_.clear(); }

@@ -40,6 +40,40 @@ Status RecordsetRows::MoveTo(std::int64_t row) {
     return Status::Ok();
 }
 
+Result<HeldRows> RecordsetRows::Hold(std::span<const std::size_t> fields,
+                                     const RowProgress& progress) {
+    if (count() < 0) return JetError(ErrorNumber::kNotAllowedHere);
+    const auto held = std::make_shared<HeldRows::Content>();
+    held->rows = static_cast<std::size_t>(count());
+    const std::int64_t position = position_;
+    const Status done = HoldFields(fields, *held, progress);
+    StandOn(position);
+    RETURN_IF_ERROR(done);
+    return HeldRows(held);
+}
+
+Status RecordsetRows::HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
+                                 const RowProgress& progress) {
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        held.places.push_back({false, i});
+    held.loose.resize(fields.size());
+    for (std::int64_t row = 0; row < count(); ++row) {
+        RETURN_IF_ERROR(AddLoose(row, fields, held));
+        if (progress) progress(row + 1);
+    }
+    return Status::Ok();
+}
+
+Status RecordsetRows::AddLoose(std::int64_t row, std::span<const std::size_t> loose,
+                               HeldRows::Content& held) {
+    StandOn(row);
+    for (std::size_t i = 0; i < loose.size(); ++i) {
+        ASSIGN_OR_RETURN(Value value, Field(loose[i]));
+        held.loose[i].push_back(std::move(value));
+    }
+    return Status::Ok();
+}
+
 Result<Value> TableRows::Field(std::size_t field) {
     RETURN_IF_ERROR(FillCache(field));
     const std::size_t place = place_in_cache_[field];
@@ -113,6 +147,52 @@ Result<Value> KeysetRows::Field(std::size_t field) {
     Result<Value> value{Value()};
     RETURN_IF_ERROR(found_.stored.Read(static_cast<std::size_t>(position_), field, *value));
     return value;
+}
+
+KeysetRows::HoldPlan KeysetRows::PlanHolding(std::span<const std::size_t> fields,
+                                             HeldRows::Content& held) const {
+    HoldPlan plan;
+    const bool are_here = found_.stored.are_fresh();
+    for (const std::size_t field : fields) {
+        const auto column = query_ != nullptr ? query_->TableColumn(field) : std::nullopt;
+        const StoredFieldReader* const reader = column ? query_->table()->stored_reader() : nullptr;
+        if (reader == nullptr || !StoredFieldDecoder::CanDecode(reader->stored_column(*column))) {
+            held.places.push_back({false, plan.loose.size()});
+            plan.loose.push_back(field);
+            continue;
+        }
+        if (!held.decoder) held.decoder.emplace(reader->text());
+        held.decoder->Add(reader->stored_column(*column), are_here ? field : plan.columns.size());
+        held.places.push_back({true, plan.columns.size()});
+        plan.columns.push_back(*column);
+    }
+    return plan;
+}
+
+// Fields that the question has put away already are shared, others are put away now.
+Status KeysetRows::HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
+                              const RowProgress& progress) {
+    const HoldPlan plan = PlanHolding(fields, held);
+    held.loose.resize(plan.loose.size());
+    std::shared_ptr<sql::FieldStore> store;
+    if (!plan.columns.empty() && found_.stored.are_fresh()) {
+        held.stored = found_.stored.store();
+        if (plan.loose.empty()) return Status::Ok();
+    } else if (!plan.columns.empty()) {
+        held.stored = store = std::make_shared<sql::FieldStore>();
+        store->Reserve(held.rows);
+    }
+    std::vector<std::byte> bytes;
+    for (std::size_t row = 0; row < held.rows; ++row) {
+        if (store != nullptr) {
+            bytes.clear();
+            RETURN_IF_ERROR(query_->table()->AppendStored(found_.ids[row], plan.columns, bytes));
+            store->Add(bytes);
+        }
+        RETURN_IF_ERROR(AddLoose(static_cast<std::int64_t>(row), plan.loose, held));
+        if (progress) progress(static_cast<std::int64_t>(row + 1));
+    }
+    return Status::Ok();
 }
 
 void KeysetRows::AfterDesignChange(sql::TableQuery* query) {

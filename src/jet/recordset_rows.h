@@ -4,15 +4,20 @@
 #pragma once
 
 #include "jet/change_counter.h"
+#include "jet/held_rows_content.h"
 #include "jet/sql/plans/query.h"
 #include "jet/sql/plans/table_query.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
 namespace jet {
+
+// Called with the number of rows read so far; may be empty.
+using RowProgress = std::function<void(std::int64_t)>;
 
 class RecordsetRows {
 public:
@@ -42,6 +47,8 @@ public:
     // Of the current row, by its place among the query's outputs. Requires: on_row(), and
     // holds_values() or a query that is there.
     virtual base::Result<Value> Field(std::size_t field) = 0;
+    // See Recordset::Hold. 3219: these rows are met in one direction only.
+    base::Result<HeldRows> Hold(std::span<const std::size_t> fields, const RowProgress& progress);
     // The current row's field was given a new value in the table.
     virtual void NoteWritten(std::size_t field, const Value& value) = 0;
 
@@ -56,6 +63,13 @@ protected:
     RecordsetRows() = default;
     // In a list of count() rows.
     void StandOn(std::int64_t position);
+
+    // Fills in places and fields for all rows; may move. Here each field is loose.
+    virtual base::Status HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
+                                    const RowProgress& progress);
+    // Adds the values of the fields `loose` of row `row`, and stands on it.
+    base::Status AddLoose(std::int64_t row, std::span<const std::size_t> loose,
+                          HeldRows::Content& held);
 
     bool has_rows_ = false;
     bool at_end_ = false;
@@ -112,6 +126,16 @@ public:
     void AfterDesignChange(sql::TableQuery* query) override;
 
 private:
+    // Which of `fields` are held as they are stored, and which columns these are.
+    struct HoldPlan {
+        std::vector<std::size_t> columns;
+        std::vector<std::size_t> loose;
+    };
+
+    base::Status HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
+                            const RowProgress& progress) override;
+    HoldPlan PlanHolding(std::span<const std::size_t> fields, HeldRows::Content& held) const;
+
     sql::FoundRows found_;
 };
 

@@ -113,6 +113,19 @@ TEST_F(StatusPanelsTest, ABarThatAdvancesQuicklyIsNotDrawnAtEachHundredth) {
     EXPECT_LE(drawings.count(), 1 + elapsed.elapsed() / kBetweenDrawingsMs);
 }
 
+// As quickly as a tree of many tables is there, for one.
+TEST_F(StatusPanelsTest, AProgressThatIsOverAtOnceIsNotPainted) {
+    constexpr int kBetweenDrawingsMs = 50;
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    QElapsedTimer elapsed;
+    elapsed.start();
+    panels.StartProgress(100'000);
+    const test_support::EventCounter painted(*Bar(), QEvent::Paint);
+    for (int step = 1; step <= 2'000; ++step)
+        panels.Advance(step);
+    EXPECT_LE(painted.count(), elapsed.elapsed() / kBetweenDrawingsMs);
+}
+
 // The next hundredth may take minutes.
 TEST_F(StatusPanelsTest, AHundredthThatCameTooSoonIsDrawnAtALaterStep) {
     panels.StartProgress(10'000);

@@ -25,7 +25,11 @@
 
 namespace jet {
 
-// Reads the fields that StoredFields::Append has put away. Belongs to the table and lives as long.
+struct ColumnDefinition;
+class TextCodec;
+
+// Reads the fields that StoredFields::Append or Table::AppendStored has put away. Belongs to the
+// table and lives as long.
 class StoredFieldReader {
 public:
     virtual ~StoredFieldReader() = default;
@@ -33,6 +37,9 @@ public:
     // appended. Requires: Database::changes() is as it was then, outside of a transaction.
     virtual base::Status ReadStored(std::span<const std::byte> fields, std::size_t place,
                                     std::size_t column, Value& value) const = 0;
+    // What StoredFieldDecoder needs to give the same values when the table is gone.
+    virtual const ColumnDefinition& stored_column(std::size_t column) const = 0;
+    virtual const TextCodec& text() const = 0;
 };
 
 // The fields of the row that a cursor met last, as they are stored: cheaper to look at and smaller
@@ -109,6 +116,14 @@ public:
     // kNotFound with number 3167 ("Record is deleted."): no live row there.
     virtual base::Status Read(RowId row, std::span<const std::size_t> columns,
                               std::span<Value> values) = 0;
+    // nullptr: the rows have no stored form.
+    virtual const StoredFieldReader* stored_reader() const { return nullptr; }
+    // Appends the fields `columns` of a row as they are stored, for stored_reader(). Requires that
+    // there is one. 3167: no live row there.
+    virtual base::Status AppendStored(RowId /*row*/, std::span<const std::size_t> /*columns*/,
+                                      std::vector<std::byte>& /*fields*/) {
+        return {};
+    }
 
     // `values` has one entry per column, already of the column's type or convertible to it by
     // Coerce (jet/coerce.h). An autonumber column given as Null takes the next number. `inserted`

@@ -95,6 +95,12 @@ base::Status StoredTable::Read(RowId row, std::span<const std::size_t> columns,
     return DecodeFields(Source(), stored.bytes, columns, values);
 }
 
+base::Status StoredTable::AppendStored(RowId row, std::span<const std::size_t> columns,
+                                       std::vector<std::byte>& fields) {
+    ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
+    return AppendStoredFields(Source(), stored.bytes, columns, fields);
+}
+
 base::Status StoredTable::ReadStored(std::span<const std::byte> fields, std::size_t place,
                                      std::size_t column, Value& value) const {
     return DecodeStoredField(Source(), fields, place, column, value);

@@ -36,6 +36,9 @@ public:
                                                    const KeyBound& to, bool backwards) override;
     base::Status Read(RowId row, std::span<const std::size_t> columns,
                       std::span<Value> values) override;
+    base::Status AppendStored(RowId row, std::span<const std::size_t> columns,
+                              std::vector<std::byte>& fields) override;
+    const StoredFieldReader* stored_reader() const override { return this; }
     base::Result<RowId> Insert(std::span<Value> values) override;
     base::Status Update(RowId row, std::span<const ColumnChange> changes) override;
     base::Status Update(std::span<const RowId> rows, const RowUpdate& update) override;
@@ -66,6 +69,10 @@ private:
     CursorSource Source() const { return {&file_, &definition_, &positions_, this}; }
     base::Status ReadStored(std::span<const std::byte> fields, std::size_t place,
                             std::size_t column, Value& value) const override;
+    const ColumnDefinition& stored_column(std::size_t column) const override {
+        return definition_.columns[positions_[column]];
+    }
+    const TextCodec& text() const override { return file_.text; }
     base::Result<Bytes> BoundKey(const LogicalIndex& index, const KeyBound& bound) const;
 
     base::Status CheckWritable() const;

@@ -2,15 +2,12 @@
 
 #include "jet/errors.h"
 #include "jet/rows/field_codec.h"
+#include "jet/rows/stored_fields.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace jet {
 namespace {
-
-constexpr std::size_t kFieldHead = 2;
-constexpr std::uint16_t kNoField = 0xFFFF;  // no field of a page is that long
 
 base::Status Unreadable() {
     return Damaged("a row is unreadable");
@@ -193,39 +190,28 @@ base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
                                 std::vector<std::byte>& fields) {
     for (const std::size_t shown : columns) {
         const ColumnDefinition& column = source.definition->columns[(*source.positions)[shown]];
-        std::span<const std::byte> bytes;
-        const bool is_set = row.Bit(column.number);
-        if (is_set && column.type != ColumnType::kBoolean) {
-            const auto field = row.Field(column);
-            if (!field) return Damaged("a row's fields lie outside of it");
-            bytes = *field;
-        }
-        const std::size_t size = is_set ? bytes.size() : kNoField;
-        fields.push_back(static_cast<std::byte>(size & 0xFF));
-        fields.push_back(static_cast<std::byte>(size >> 8));
-        fields.insert(fields.end(), bytes.begin(), bytes.end());
+        RETURN_IF_ERROR(AppendStoredField(column, row, fields));
     }
     return {};
+}
+
+base::Status AppendStoredFields(const CursorSource& source, std::span<const std::byte> row,
+                                std::span<const std::size_t> columns,
+                                std::vector<std::byte>& fields) {
+    const auto view = RowView::Parse(row, source.file->format);
+    return view ? AppendStoredFields(source, *view, columns, fields) : Unreadable();
 }
 
 base::Status DecodeStoredField(const CursorSource& source, std::span<const std::byte> fields,
                                std::size_t place, std::size_t column, Value& value) {
     const ColumnDefinition& definition = source.definition->columns[(*source.positions)[column]];
-    const auto size_at = [&](std::size_t at) -> std::size_t {
-        const auto size = base::LoadLittle<std::uint16_t>(fields.data() + at);
-        return size == kNoField ? 0 : size;
-    };
-    std::size_t at = 0;
-    for (; place > 0; --place)
-        at += kFieldHead + size_at(at);
-    const bool is_set = base::LoadLittle<std::uint16_t>(fields.data() + at) != kNoField;
+    const auto field = StoredField(fields, place);
     if (definition.type == ColumnType::kBoolean) {
-        value = Value::Boolean(is_set);
-    } else if (!is_set) {
+        value = Value::Boolean(field.has_value());
+    } else if (!field) {
         value = Value::Null();
     } else {
-        return DecodeFieldBytes(*source.file, definition,
-                                fields.subspan(at + kFieldHead, size_at(at)), value);
+        return DecodeFieldBytes(*source.file, definition, *field, value);
     }
     return {};
 }

@@ -22,8 +22,10 @@ base::Status DecodeFields(const CursorSource& source, std::span<const std::byte>
 base::Status DecodeFields(const CursorSource& source, const RowView& row,
                           std::span<const std::size_t> columns, std::span<Value> values);
 
-// Appends the fields `columns` of a row as they stand in it: for each a u16, its size or kNoField,
-// and its bytes.
+// Appends the fields `columns` of a row as they stand in it (rows/stored_fields.h).
+base::Status AppendStoredFields(const CursorSource& source, std::span<const std::byte> row,
+                                std::span<const std::size_t> columns,
+                                std::vector<std::byte>& fields);
 base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
                                 std::span<const std::size_t> columns,
                                 std::vector<std::byte>& fields);

@@ -8,10 +8,30 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace jet::sql {
+
+// The bytes of stored fields, row by row. Stays as it is once it is made.
+class FieldStore {
+public:
+    void Reserve(std::size_t rows) { rows_.reserve(rows); }
+    void Add(std::span<const std::byte> fields) {
+        rows_.emplace_back(arena_.Add(fields.data(), fields.size()), fields.size());
+    }
+    std::span<const std::byte> operator[](std::size_t row) const { return rows_[row]; }
+    std::size_t size() const { return rows_.size(); }
+    // Bytes of memory taken.
+    std::size_t memory() const {
+        return arena_.size() + rows_.size() * sizeof(std::span<const std::byte>);
+    }
+
+private:
+    ByteArena arena_;
+    std::vector<std::span<const std::byte>> rows_;
+};
 
 class StoredRows {
 public:
@@ -27,23 +47,21 @@ public:
     void Arrange(std::span<const std::uint32_t> order);
 
     // Whether the rows are held and nothing has changed since.
-    bool are_fresh() const { return !rows_.empty() && database_->changes() == changes_; }
+    bool are_fresh() const {
+        return store_ != nullptr && store_->size() > 0 && database_->changes() == changes_;
+    }
     // Of row `row`, the value of the `place`th column. Requires: are_fresh(); row < rows held.
     base::Status Read(std::size_t row, std::size_t place, Value& value) const;
+    // The fields themselves, of whoever wants to keep them. Requires: are_fresh().
+    std::shared_ptr<const FieldStore> store() const { return store_; }
 
 private:
-    using Fields = std::span<const std::byte>;
-
-    void Drop();
-
     Database* database_ = nullptr;
     const StoredFieldReader* reader_ = nullptr;
     std::vector<std::size_t> columns_;
     std::uint64_t changes_ = 0;
-    bool gathers_ = false;  // further rows are taken
-    ByteArena arena_;
-    std::vector<Fields> rows_;
-    std::vector<std::byte> fields_;  // of the row being added
+    std::shared_ptr<FieldStore> store_;  // nullptr: no rows are taken
+    std::vector<std::byte> fields_;      // of the row being added
 };
 
 }  // namespace jet::sql
