@@ -32,7 +32,8 @@ public:
     std::size_t size() const { return rows_.size(); }
 
     // Requires for all: table < size().
-    std::int32_t Id(std::size_t table) const;
+    std::int32_t Id(std::size_t table) const { return ids_[table]; }
+    const std::vector<std::int32_t>& ids() const { return ids_; }
     QString DisplayName(std::size_t table) const;
     QString FileName(std::size_t table) const;
     // Empty for Null.
@@ -59,6 +60,7 @@ private:
     QString Text(std::size_t table, int column) const;
 
     jet::HeldRows rows_;
+    std::vector<std::int32_t> ids_;
     // Of each column that is shown, its place in rows_; nullopt: an old read-only catalogue does
     // not have it.
     std::vector<std::optional<std::size_t>> places_;

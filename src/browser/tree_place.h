@@ -25,6 +25,9 @@ public:
     void Select(TableTreeView& tree, const QModelIndex& node) const;
 
 private:
+    // The nearest of the tables that are there now, in the order of ids_; nullopt: none is.
+    std::optional<std::int32_t> Neighbour(std::vector<std::int32_t> now) const;
+
     std::optional<std::size_t> row_;  // of the table among `ids_`
     std::vector<std::int32_t> ids_;   // of all tables, in the order of the tree
     int lines_above_ = 0;             // in the view, above the table

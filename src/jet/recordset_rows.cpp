@@ -56,20 +56,19 @@ Status RecordsetRows::HoldFields(std::span<const std::size_t> fields, HeldRows::
                                  const RowProgress& progress) {
     for (std::size_t i = 0; i < fields.size(); ++i)
         held.places.push_back({false, i});
-    held.loose.resize(fields.size());
-    for (std::int64_t row = 0; row < count(); ++row) {
-        RETURN_IF_ERROR(AddLoose(row, fields, held));
-        if (progress) progress(row + 1);
-    }
-    return Status::Ok();
+    return HoldLoose(fields, held, progress);
 }
 
-Status RecordsetRows::AddLoose(std::int64_t row, std::span<const std::size_t> loose,
-                               HeldRows::Content& held) {
-    StandOn(row);
-    for (std::size_t i = 0; i < loose.size(); ++i) {
-        ASSIGN_OR_RETURN(Value value, Field(loose[i]));
-        held.loose[i].push_back(std::move(value));
+Status RecordsetRows::HoldLoose(std::span<const std::size_t> loose, HeldRows::Content& held,
+                                const RowProgress& progress) {
+    held.loose.resize(loose.size());
+    for (std::int64_t row = 0; row < count(); ++row) {
+        StandOn(row);
+        for (std::size_t i = 0; i < loose.size(); ++i) {
+            ASSIGN_OR_RETURN(Value value, Field(loose[i]));
+            held.loose[i].push_back(std::move(value));
+        }
+        if (progress) progress(row + 1);
     }
     return Status::Ok();
 }
@@ -173,26 +172,23 @@ KeysetRows::HoldPlan KeysetRows::PlanHolding(std::span<const std::size_t> fields
 Status KeysetRows::HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
                               const RowProgress& progress) {
     const HoldPlan plan = PlanHolding(fields, held);
-    held.loose.resize(plan.loose.size());
-    std::shared_ptr<sql::FieldStore> store;
-    if (!plan.columns.empty() && found_.stored.are_fresh()) {
+    if (!plan.columns.empty() && found_.stored.are_fresh())
         held.stored = found_.stored.store();
-        if (plan.loose.empty()) return Status::Ok();
-    } else if (!plan.columns.empty()) {
-        held.stored = store = std::make_shared<sql::FieldStore>();
-        store->Reserve(held.rows);
-    }
-    std::vector<std::byte> bytes;
-    for (std::size_t row = 0; row < held.rows; ++row) {
-        if (store != nullptr) {
-            bytes.clear();
-            RETURN_IF_ERROR(query_->table()->AppendStored(found_.ids[row], plan.columns, bytes));
-            store->Add(bytes);
-        }
-        RETURN_IF_ERROR(AddLoose(static_cast<std::int64_t>(row), plan.loose, held));
-        if (progress) progress(static_cast<std::int64_t>(row + 1));
-    }
-    return Status::Ok();
+    else if (!plan.columns.empty())
+        RETURN_IF_ERROR(PutAway(plan.columns, held, plan.loose.empty() ? progress : RowProgress()));
+    return plan.loose.empty() ? Status::Ok() : HoldLoose(plan.loose, held, progress);
+}
+
+Status KeysetRows::PutAway(std::span<const std::size_t> columns, HeldRows::Content& held,
+                           const RowProgress& progress) const {
+    const auto store = std::make_shared<sql::FieldStore>(held.rows);
+    held.stored = store;
+    std::int64_t done = 0;
+    return query_->table()->VisitStored(found_.ids, columns,
+                                        [&](std::size_t row, std::span<const std::byte> fields) {
+                                            store->Set(row, fields);
+                                            if (progress) progress(++done);
+                                        });
 }
 
 void KeysetRows::AfterDesignChange(sql::TableQuery* query) {

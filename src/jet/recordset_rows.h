@@ -67,9 +67,9 @@ protected:
     // Fills in places and fields for all rows; may move. Here each field is loose.
     virtual base::Status HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
                                     const RowProgress& progress);
-    // Adds the values of the fields `loose` of row `row`, and stands on it.
-    base::Status AddLoose(std::int64_t row, std::span<const std::size_t> loose,
-                          HeldRows::Content& held);
+    // Adds the values of the fields `loose` of all rows.
+    base::Status HoldLoose(std::span<const std::size_t> loose, HeldRows::Content& held,
+                           const RowProgress& progress);
 
     bool has_rows_ = false;
     bool at_end_ = false;
@@ -135,6 +135,8 @@ private:
     base::Status HoldFields(std::span<const std::size_t> fields, HeldRows::Content& held,
                             const RowProgress& progress) override;
     HoldPlan PlanHolding(std::span<const std::size_t> fields, HeldRows::Content& held) const;
+    base::Status PutAway(std::span<const std::size_t> columns, HeldRows::Content& held,
+                         const RowProgress& progress) const;
 
     sql::FoundRows found_;
 };

@@ -28,34 +28,6 @@ Value DecodeNumeric(Field field, std::uint8_t scale) {
     return Value::Decimal(numeric);
 }
 
-// Texts and long values excepted. Requires: field.size() == FixedSize(column.type) where that is
-// not 0.
-Value DecodePlain(const ColumnDefinition& column, Field field) {
-    const std::byte* at = field.data();
-    switch (column.type) {
-    case ColumnType::kByte:
-        return Value::Byte(std::to_integer<std::uint8_t>(*at));
-    case ColumnType::kShort:
-        return Value::Short(LoadLittle<std::int16_t>(at));
-    case ColumnType::kLong:
-        return Value::Long(LoadLittle<std::int32_t>(at));
-    case ColumnType::kMoney:
-        return Value::Currency(Money{LoadLittle<std::int64_t>(at)});
-    case ColumnType::kSingle:
-        return Value::Single(base::LoadFloat(at));
-    case ColumnType::kDouble:
-        return Value::Double(base::LoadDouble(at));
-    case ColumnType::kDate:
-        return Value::DateTime(base::LoadDouble(at));
-    case ColumnType::kGuid:
-        return DecodeGuid(field);
-    case ColumnType::kNumeric:
-        return DecodeNumeric(field, column.scale);
-    default:
-        return Value::Binary(Bytes(field.begin(), field.end()));
-    }
-}
-
 }  // namespace
 
 std::size_t FixedSize(ColumnType type) {
@@ -135,11 +107,37 @@ base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
     return DecodePlainField(column, field, value);
 }
 
+Value DecodeWholeField(const ColumnDefinition& column, std::span<const std::byte> field) {
+    const std::byte* at = field.data();
+    switch (column.type) {
+    case ColumnType::kByte:
+        return Value::Byte(std::to_integer<std::uint8_t>(*at));
+    case ColumnType::kShort:
+        return Value::Short(LoadLittle<std::int16_t>(at));
+    case ColumnType::kLong:
+        return Value::Long(LoadLittle<std::int32_t>(at));
+    case ColumnType::kMoney:
+        return Value::Currency(Money{LoadLittle<std::int64_t>(at)});
+    case ColumnType::kSingle:
+        return Value::Single(base::LoadFloat(at));
+    case ColumnType::kDouble:
+        return Value::Double(base::LoadDouble(at));
+    case ColumnType::kDate:
+        return Value::DateTime(base::LoadDouble(at));
+    case ColumnType::kGuid:
+        return DecodeGuid(field);
+    case ColumnType::kNumeric:
+        return DecodeNumeric(field, column.scale);
+    default:
+        return Value::Binary(Bytes(field.begin(), field.end()));
+    }
+}
+
 base::Status DecodePlainField(const ColumnDefinition& column, std::span<const std::byte> field,
                               Value& value) {
     const std::size_t size = FixedSize(column.type);
     if (field.size() < size) return Damaged("a field is shorter than its type");
-    value = DecodePlain(column, size == 0 ? field : field.first(size));
+    value = DecodeWholeField(column, size == 0 ? field : field.first(size));
     return {};
 }
 

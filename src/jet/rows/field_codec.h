@@ -24,6 +24,10 @@ base::Status DecodeFieldBytes(FileContext& file, const ColumnDefinition& column,
 base::Status DecodePlainField(const ColumnDefinition& column, std::span<const std::byte> field,
                               Value& value);
 
+// The same for fields that are known to be long enough. Requires: field.size() >=
+// FixedSize(column.type).
+Value DecodeWholeField(const ColumnDefinition& column, std::span<const std::byte> field);
+
 // Bytes in the row of a value of a type of fixed size; 0: the size varies, or nothing is stored
 // (boolean).
 std::size_t FixedSize(ColumnType type);

@@ -2,6 +2,9 @@
 
 #include "jet/errors.h"
 
+#include <algorithm>
+#include <numeric>
+
 namespace jet {
 namespace {
 
@@ -9,6 +12,20 @@ namespace {
 constexpr int kMaxHops = 16;
 
 }  // namespace
+
+// Counts the rows of each page first, as the numbers of pages are few.
+std::vector<std::uint32_t> OrderByPage(std::span<const RowId> rows) {
+    std::vector<std::uint32_t> order(rows.size());
+    if (rows.empty()) return order;
+    const auto [least, most] = std::ranges::minmax(rows, {}, &RowId::page);
+    std::vector<std::uint32_t> next(most.page - least.page + std::size_t{2});
+    for (const RowId row : rows)
+        ++next[row.page - least.page + std::size_t{1}];
+    std::partial_sum(next.begin(), next.end(), next.begin());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        order[next[rows[i].page - least.page]++] = static_cast<std::uint32_t>(i);
+    return order;
+}
 
 base::Result<StoredRow> FollowMovedRow(FileContext& file, PageNumber table,
                                        std::span<const std::byte> pointer) {

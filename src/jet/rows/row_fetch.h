@@ -32,6 +32,9 @@ private:
     std::optional<DataPage> page_;  // nullopt: not one of the table
 };
 
+// The places of `rows` in the order of their pages.
+std::vector<std::uint32_t> OrderByPage(std::span<const RowId> rows);
+
 // Follows a moved row from its pointer bytes. Damage is kCorruption.
 base::Result<StoredRow> FollowMovedRow(FileContext& file, PageNumber table,
                                        std::span<const std::byte> pointer);

@@ -3,31 +3,19 @@
 #include "jet/errors.h"
 #include "jet/rows/field_codec.h"
 
-#include <cassert>
-#include <cstring>
-
 namespace jet {
-namespace {
-
-constexpr std::size_t kHead = 2;
-constexpr std::uint16_t kNone = 0xFFFF;  // no field of a page is that long
-
-}  // namespace
 
 base::Status AppendStoredField(const ColumnDefinition& column, const RowView& row,
-                               std::vector<std::byte>& fields) {
-    std::span<const std::byte> bytes;
-    const bool is_set = row.Bit(column.number);
-    if (is_set && column.type != ColumnType::kBoolean) {
+                               FieldBytes& fields) {
+    if (!row.Bit(column.number)) {
+        fields.AddNone();
+    } else if (column.type == ColumnType::kBoolean) {
+        fields.Add({});
+    } else {
         const auto field = row.Field(column);
         if (!field) return Damaged("a row's fields lie outside of it");
-        bytes = *field;
+        fields.Add(*field);
     }
-    const auto size = is_set ? static_cast<std::uint16_t>(bytes.size()) : kNone;
-    const std::size_t at = fields.size();
-    fields.resize(at + kHead + bytes.size());
-    base::StoreLittle(fields.data() + at, size);
-    if (!bytes.empty()) std::memcpy(fields.data() + at + kHead, bytes.data(), bytes.size());
     return {};
 }
 
@@ -39,11 +27,11 @@ std::optional<std::span<const std::byte>> StoredField(std::span<const std::byte>
     std::size_t at = 0;
     for (; place > 0; --place) {
         const std::uint16_t size = size_at(at);
-        at += kHead + (size == kNone ? 0 : size);
+        at += FieldBytes::kHead + (size == FieldBytes::kNone ? 0 : size);
     }
     const std::uint16_t size = size_at(at);
-    if (size == kNone) return std::nullopt;
-    return fields.subspan(at + kHead, size);
+    if (size == FieldBytes::kNone) return std::nullopt;
+    return fields.subspan(at + FieldBytes::kHead, size);
 }
 
 bool StoredFieldDecoder::CanDecode(const ColumnDefinition& column) {
@@ -56,14 +44,10 @@ Value StoredFieldDecoder::Read(std::span<const std::byte> fields, std::size_t nu
     const auto& [column, place] = columns_[number];
     const auto field = StoredField(fields, place);
     if (column.type == ColumnType::kBoolean) return Value::Boolean(field.has_value());
+    if (!field) return Value::Null();
+    if (column.type != ColumnType::kText) return DecodeWholeField(column, *field);
     Value value;
-    if (!field) return value;
-    if (column.type == ColumnType::kText) {
-        text_.DecodeValue(*field, value.MakeText());
-        return value;
-    }
-    [[maybe_unused]] const base::Status decoded = DecodePlainField(column, *field, value);
-    assert(decoded.ok());  // CanDecode
+    text_.DecodeValue(*field, value.MakeText());
     return value;
 }
 

@@ -2,6 +2,7 @@
 // row, table and file may be gone.
 #pragma once
 
+#include "jet/rows/field_bytes.h"
 #include "jet/rows/row_view.h"
 #include "jet/rows/table_definition.h"
 #include "jet/text/text_codec.h"
@@ -14,11 +15,11 @@
 
 namespace jet {
 
-// Appends the field `column` of a row as it stands in it: a u16, its size or "none" (Null, or
-// false), and its bytes. Damage: the row's fields lie outside of it.
+// Appends the field `column` of a row as it stands in it. Damage: the row's fields lie outside of
+// it.
 base::Status AppendStoredField(const ColumnDefinition& column, const RowView& row,
-                               std::vector<std::byte>& fields);
-// The bytes of the `place`th of the fields that were appended; nullopt: none.
+                               FieldBytes& fields);
+// The bytes of the `place`th of these fields; nullopt: none.
 std::optional<std::span<const std::byte>> StoredField(std::span<const std::byte> fields,
                                                       std::size_t place);
 

@@ -25,10 +25,11 @@
 
 namespace jet {
 
+class FieldBytes;
 struct ColumnDefinition;
 class TextCodec;
 
-// Reads the fields that StoredFields::Append or Table::AppendStored has put away. Belongs to the
+// Reads the fields that StoredFields::Append or Table::VisitStored has given. Belongs to the
 // table and lives as long.
 class StoredFieldReader {
 public:
@@ -51,8 +52,7 @@ public:
     // until the next call of Next. nullopt: they are not, or the field is Null.
     virtual std::optional<std::string_view> NarrowText(std::size_t column) = 0;
     // Appends the fields `columns` (positions in TableDesign::columns) for reader().
-    virtual base::Status Append(std::span<const std::size_t> columns,
-                                std::vector<std::byte>& fields) = 0;
+    virtual base::Status Append(std::span<const std::size_t> columns, FieldBytes& fields) = 0;
     virtual const StoredFieldReader& reader() const = 0;
 };
 
@@ -118,10 +118,13 @@ public:
                               std::span<Value> values) = 0;
     // nullptr: the rows have no stored form.
     virtual const StoredFieldReader* stored_reader() const { return nullptr; }
-    // Appends the fields `columns` of a row as they are stored, for stored_reader(). Requires that
-    // there is one. 3167: no live row there.
-    virtual base::Status AppendStored(RowId /*row*/, std::span<const std::size_t> /*columns*/,
-                                      std::vector<std::byte>& /*fields*/) {
+    // Gives the fields `columns` of many rows as they are stored, for stored_reader(), page by page
+    // and not in the order of `rows`; `take` gets a row's place in that and bytes that are valid
+    // during the call. Requires that there is a stored_reader(). 3167: no live row there.
+    using TakeStored = std::function<void(std::size_t row, std::span<const std::byte> fields)>;
+    virtual base::Status VisitStored(std::span<const RowId> /*rows*/,
+                                     std::span<const std::size_t> /*columns*/,
+                                     const TakeStored& /*take*/) {
         return {};
     }
 

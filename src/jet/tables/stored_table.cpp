@@ -2,6 +2,7 @@
 
 #include "base/unicode.h"
 #include "jet/errors.h"
+#include "jet/rows/field_bytes.h"
 #include "jet/rows/field_codec.h"
 #include "jet/rows/row_fetch.h"
 #include "jet/tables/table_designer.h"
@@ -95,10 +96,18 @@ base::Status StoredTable::Read(RowId row, std::span<const std::size_t> columns,
     return DecodeFields(Source(), stored.bytes, columns, values);
 }
 
-base::Status StoredTable::AppendStored(RowId row, std::span<const std::size_t> columns,
-                                       std::vector<std::byte>& fields) {
-    ASSIGN_OR_RETURN(const StoredRow stored, FetchRow(file_, definition_.page, row));
-    return AppendStoredFields(Source(), stored.bytes, columns, fields);
+base::Status StoredTable::VisitStored(std::span<const RowId> rows,
+                                      std::span<const std::size_t> columns,
+                                      const TakeStored& take) {
+    RowFetcher fetcher(file_, definition_.page);
+    FieldBytes fields;
+    for (const std::uint32_t row : OrderByPage(rows)) {
+        ASSIGN_OR_RETURN(const StoredRow stored, fetcher.Fetch(rows[row]));
+        fields.Clear();
+        RETURN_IF_ERROR(AppendStoredFields(Source(), stored.bytes, columns, fields));
+        take(row, fields.bytes());
+    }
+    return {};
 }
 
 base::Status StoredTable::ReadStored(std::span<const std::byte> fields, std::size_t place,

@@ -36,8 +36,8 @@ public:
                                                    const KeyBound& to, bool backwards) override;
     base::Status Read(RowId row, std::span<const std::size_t> columns,
                       std::span<Value> values) override;
-    base::Status AppendStored(RowId row, std::span<const std::size_t> columns,
-                              std::vector<std::byte>& fields) override;
+    base::Status VisitStored(std::span<const RowId> rows, std::span<const std::size_t> columns,
+                             const TakeStored& take) override;
     const StoredFieldReader* stored_reader() const override { return this; }
     base::Result<RowId> Insert(std::span<Value> values) override;
     base::Status Update(RowId row, std::span<const ColumnChange> changes) override;

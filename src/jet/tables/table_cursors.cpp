@@ -25,8 +25,7 @@ public:
         return field ? source_.file->text.NarrowValue(*field) : std::nullopt;
     }
 
-    base::Status Append(std::span<const std::size_t> columns,
-                        std::vector<std::byte>& fields) final {
+    base::Status Append(std::span<const std::size_t> columns, FieldBytes& fields) final {
         ASSIGN_OR_RETURN(const RowView* const row, CurrentRow());
         return AppendStoredFields(source_, *row, columns, fields);
     }
@@ -186,8 +185,7 @@ base::Status DecodeFields(const CursorSource& source, const RowView& row,
 }
 
 base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
-                                std::span<const std::size_t> columns,
-                                std::vector<std::byte>& fields) {
+                                std::span<const std::size_t> columns, FieldBytes& fields) {
     for (const std::size_t shown : columns) {
         const ColumnDefinition& column = source.definition->columns[(*source.positions)[shown]];
         RETURN_IF_ERROR(AppendStoredField(column, row, fields));
@@ -196,8 +194,7 @@ base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
 }
 
 base::Status AppendStoredFields(const CursorSource& source, std::span<const std::byte> row,
-                                std::span<const std::size_t> columns,
-                                std::vector<std::byte>& fields) {
+                                std::span<const std::size_t> columns, FieldBytes& fields) {
     const auto view = RowView::Parse(row, source.file->format);
     return view ? AppendStoredFields(source, *view, columns, fields) : Unreadable();
 }

@@ -24,11 +24,9 @@ base::Status DecodeFields(const CursorSource& source, const RowView& row,
 
 // Appends the fields `columns` of a row as they stand in it (rows/stored_fields.h).
 base::Status AppendStoredFields(const CursorSource& source, std::span<const std::byte> row,
-                                std::span<const std::size_t> columns,
-                                std::vector<std::byte>& fields);
+                                std::span<const std::size_t> columns, FieldBytes& fields);
 base::Status AppendStoredFields(const CursorSource& source, const RowView& row,
-                                std::span<const std::size_t> columns,
-                                std::vector<std::byte>& fields);
+                                std::span<const std::size_t> columns, FieldBytes& fields);
 // The value of one of them, the `place`th; its column is `column` (position shown).
 base::Status DecodeStoredField(const CursorSource& source, std::span<const std::byte> fields,
                                std::size_t place, std::size_t column, Value& value);

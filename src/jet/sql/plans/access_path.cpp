@@ -250,7 +250,7 @@ private:
     std::optional<std::string_view> NarrowText(std::size_t column) override {
         return stored_->NarrowText(column);
     }
-    Status Append(std::span<const std::size_t> columns, std::vector<std::byte>& fields) override {
+    Status Append(std::span<const std::size_t> columns, FieldBytes& fields) override {
         return stored_->Append(columns, fields);
     }
     const StoredFieldReader& reader() const override { return stored_->reader(); }

@@ -16,9 +16,9 @@ StoredRows::StoredRows(Database& database, const StoredFieldReader& reader,
 
 base::Status StoredRows::Add(StoredFields& row) {
     if (store_ == nullptr) return base::Status::Ok();
-    fields_.clear();
+    fields_.Clear();
     RETURN_IF_ERROR(row.Append(columns_, fields_));
-    store_->Add(fields_);
+    store_->Add(fields_.bytes());
     if (store_->memory() > kMaxBytes) store_.reset();
     return base::Status::Ok();
 }
@@ -26,10 +26,9 @@ base::Status StoredRows::Add(StoredFields& row) {
 // The bytes are moved too, since they will be read in this order.
 void StoredRows::Arrange(std::span<const std::uint32_t> order) {
     if (store_ == nullptr) return;
-    const auto arranged = std::make_shared<FieldStore>();
-    arranged->Reserve(order.size());
-    for (const std::uint32_t row : order)
-        arranged->Add((*store_)[row]);
+    const auto arranged = std::make_shared<FieldStore>(order.size());
+    for (std::size_t row = 0; row < order.size(); ++row)
+        arranged->Set(row, (*store_)[order[row]]);
     store_ = arranged;
 }
 

@@ -3,6 +3,7 @@
 // (Database::changes), and are dropped when they would take too much memory.
 #pragma once
 
+#include "jet/rows/field_bytes.h"
 #include "jet/sql/plans/byte_arena.h"
 #include "jet/tables/database.h"
 
@@ -17,10 +18,12 @@ namespace jet::sql {
 // The bytes of stored fields, row by row. Stays as it is once it is made.
 class FieldStore {
 public:
-    void Reserve(std::size_t rows) { rows_.reserve(rows); }
-    void Add(std::span<const std::byte> fields) {
-        rows_.emplace_back(arena_.Add(fields.data(), fields.size()), fields.size());
-    }
+    FieldStore() = default;
+    // `rows` rows without fields, each to be Set.
+    explicit FieldStore(std::size_t rows) : rows_(rows) {}
+
+    void Add(std::span<const std::byte> fields) { rows_.push_back(Keep(fields)); }
+    void Set(std::size_t row, std::span<const std::byte> fields) { rows_[row] = Keep(fields); }
     std::span<const std::byte> operator[](std::size_t row) const { return rows_[row]; }
     std::size_t size() const { return rows_.size(); }
     // Bytes of memory taken.
@@ -29,6 +32,10 @@ public:
     }
 
 private:
+    std::span<const std::byte> Keep(std::span<const std::byte> fields) {
+        return {arena_.Add(fields.data(), fields.size()), fields.size()};
+    }
+
     ByteArena arena_;
     std::vector<std::span<const std::byte>> rows_;
 };
@@ -61,7 +68,7 @@ private:
     std::vector<std::size_t> columns_;
     std::uint64_t changes_ = 0;
     std::shared_ptr<FieldStore> store_;  // nullptr: no rows are taken
-    std::vector<std::byte> fields_;      // of the row being added
+    FieldBytes fields_;                  // of the row being added
 };
 
 }  // namespace jet::sql

@@ -1,5 +1,6 @@
 #include "jet/sql/plans/value_query.h"
 
+#include "jet/rows/field_bytes.h"
 #include "jet/sql/plans/filtered_cursor.h"
 #include "jet/sql/plans/stored_row_set.h"
 
@@ -92,14 +93,14 @@ Status DistinctQuery::ForEachOtherRow(const std::vector<std::size_t>& columns,
                      FilteredCursor::Open(scope_, path_, select_.where.get(), session_));
     StoredFields* const stored = cursor->stored_fields();
     StoredRowSet known;
-    std::vector<std::byte> fields;
+    FieldBytes fields;
     for (;;) {
         ASSIGN_OR_RETURN(const std::optional<RowId> row, cursor->Next());
         if (!row) return Status::Ok();
         if (stored != nullptr && known.is_worth_it()) {
-            fields.clear();
+            fields.Clear();
             RETURN_IF_ERROR(stored->Append(columns, fields));
-            if (known.Add(fields)) continue;
+            if (known.Add(fields.bytes())) continue;
         }
         RETURN_IF_ERROR(cursor->ReadInUse());
         RETURN_IF_ERROR(take(cursor->rows()).status());

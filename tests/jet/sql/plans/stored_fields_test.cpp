@@ -1,5 +1,6 @@
 // Every cursor over the rows of a file shows them as they are stored, too, whatever path it takes.
 #include "jet/connection.h"
+#include "jet/rows/field_bytes.h"
 #include "jet/sql/plans/access_path.h"
 #include "jet/tables/storage_support.h"
 #include "platform/file_system.h"
@@ -81,13 +82,14 @@ TEST_P(StoredFieldsOf, AreThoseOfTheRowMetLast) {
         const auto row = (*cursor)->Next();
         ASSERT_TRUE(row.ok());
         if (!row->has_value()) break;
-        std::vector<std::byte> fields;
+        FieldBytes fields;
         ASSERT_TRUE(stored->Append(columns, fields).ok());
         std::vector<Value> values(3);
         ASSERT_TRUE((*cursor)->Read(columns, values).ok());
         for (std::size_t place = 0; place < std::size(columns); ++place) {
             Value value;
-            ASSERT_TRUE(stored->reader().ReadStored(fields, place, columns[place], value).ok());
+            ASSERT_TRUE(
+                stored->reader().ReadStored(fields.bytes(), place, columns[place], value).ok());
             EXPECT_EQ(value, values[place]);
         }
         const std::int32_t id = *values[2].get_if<std::int32_t>();
