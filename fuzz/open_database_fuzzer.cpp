@@ -1,13 +1,15 @@
-// Opens a database in memory, reads every row of every table, changes rows and takes that back, and
-// runs the checker. Input: byte 0 even: the rest is the file itself. Odd: the rest are patches (u24
-// offset, u8 size, bytes) of a sound file that the engine made; so small inputs reach deep. With
-// bit 1 the file of the patches is encoded.
+// Opens a database in memory, reads every row of every table, both ways, changes rows and takes
+// that back, and runs the checker. Input: byte 0 even: the rest is the file itself. Odd: the rest
+// are patches (u24 offset, u8 size, bytes) of a sound file that the engine made; so small inputs
+// reach deep. With bit 1 the file of the patches is encoded.
 #include "damaged_database.h"
 #include "jet/check/check.h"
 #include "jet/connection.h"
+#include "jet/rows/stored_fields.h"
 #include "jet/tables/database.h"
 #include "support/encoded_file.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -34,6 +36,30 @@ void ReadRows(jet::Table& table, std::vector<jet::RowId>& some) {
         cursor.value()->Read(columns, values).Ignore();
         if (some.size() < 3) some.push_back(**row);
     }
+}
+
+// A number that is none equals nothing, not even itself.
+bool AreSame(const jet::Value& one, const jet::Value& other) {
+    return one == other || jet::ToText(one) == jet::ToText(other);
+}
+
+// What is put away of a row must give the values that its table reads.
+void PutAway(jet::Table& table, const std::vector<jet::RowId>& rows) {
+    const jet::StoredFieldReader& reader = *table.stored_reader();
+    jet::StoredFieldDecoder decoder(reader.text());
+    std::vector<std::size_t> columns;
+    for (std::size_t i = 0; i < table.design().columns.size(); ++i) {
+        if (!jet::StoredFieldDecoder::CanDecode(reader.stored_column(i))) continue;
+        decoder.Add(reader.stored_column(i), columns.size());
+        columns.push_back(i);
+    }
+    std::vector<jet::Value> values(columns.size());
+    const auto compare = [&](std::size_t row, std::span<const std::byte> fields) {
+        if (!table.Read(rows[row], columns, values).ok()) std::abort();
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            if (!AreSame(decoder.Read(fields, i), values[i])) std::abort();
+    };
+    table.VisitStored(rows, columns, compare).Ignore();
 }
 
 void WalkIndexes(jet::Table& table) {
@@ -71,6 +97,7 @@ void Walk(const Bytes& file) {
         if (!table.ok()) continue;
         std::vector<jet::RowId> rows;
         ReadRows(**table, rows);
+        PutAway(**table, rows);
         WalkIndexes(**table);
         ChangeRows(*database.value(), **table, rows);
     }
