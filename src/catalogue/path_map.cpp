@@ -82,15 +82,18 @@ FolderKey KeyOf(QStringView folder) {
     return key;
 }
 
-// What follows `length` letters of `path`, put below `folder` with the separators of that.
+// What follows `length` letters of `path`, put below `folder` with the separators of that; a
+// Windows path has "\\" only, as Windows itself tells it.
 QString Below(const QString& folder, const QString& path, qsizetype length) {
     const Folders folders(path);
     qsizetype start = length;
     while (start < path.size() && folders.IsSeparator(path[start]))
         ++start;
-    if (start == length && start == path.size()) return folder;
-    const QString begun = WithTrailingSeparator(folder);
-    const QChar separator = RootOf(folder) == Root::kSlash ? u'/' : u'\\';
+    const bool is_slash = RootOf(folder) == Root::kSlash;
+    const QChar separator = is_slash ? u'/' : u'\\';
+    const bool is_folder_itself = start == length && start == path.size();
+    QString begun = is_folder_itself ? folder : WithTrailingSeparator(folder);
+    if (!is_slash) begun.replace(u'/', separator);
     QString rest = path.sliced(start);
     for (QChar& c : rest)
         if (folders.IsSeparator(c)) c = separator;

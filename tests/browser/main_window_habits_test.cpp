@@ -333,5 +333,19 @@ TEST_F(HabitsTest, ADroppedTextBecomesTheRulesOfTheEdit) {
     EXPECT_EQ(FieldText(7), QString());
 }
 
+// A catalogue that came from another computer.
+
+TEST_F(HabitsTest, AFileThatThePathMapFindsHasNoStopSign) {
+    const auto icon = [this] { return Table(1).data(TableTreeModel::kIconKeyRole).toString(); };
+    MakeFile(S(u"Beta.vpt"));
+    Open();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return icon() == S(u"stop"); }));
+    values.paths.Use(catalogue::PathMap({{S(u"/gone"), folder.path()}}));
+    window->RefreshTree();
+    EXPECT_EQ(icon(), S(u"favorite"));
+    QTest::qWait(300);  // for the answer of the disk
+    EXPECT_EQ(icon(), S(u"favorite"));
+}
+
 }  // namespace
 }  // namespace browser

@@ -19,7 +19,10 @@ protected:
         EXPECT_TRUE(QDir().mkpath(path.left(path.lastIndexOf(u'/'))));
         QFile file(path);
         EXPECT_TRUE(file.open(QFile::WriteOnly) && file.write("x") == 1);
-        return path;
+        return QDir::toNativeSeparators(path);
+    }
+    QString In(const char* name) const {
+        return QDir::toNativeSeparators(folder.filePath(QLatin1String(name)));
     }
     void Use(const QString& stored, const QString& here) { paths.Use(PathMap({{stored, here}})); }
     void Keep(const QString& text) { settings.values[QStringLiteral("TAVOLO/PATHS/MAP")] = text; }
@@ -33,13 +36,13 @@ TEST_F(LocalPathsTest, CopiesFollowTheMap) {
     const LocalPaths copy = paths;
     EXPECT_EQ(copy.Of(QStringLiteral("C:\\t\\x")), QStringLiteral("C:\\t\\x"));
     Use(QStringLiteral("C:\\t"), folder.path());
-    EXPECT_EQ(copy.Of(QStringLiteral("C:\\t\\x")), folder.filePath(QStringLiteral("x")));
-    EXPECT_EQ(copy.Stored(folder.filePath(QStringLiteral("x"))), QStringLiteral("C:\\t\\x"));
+    EXPECT_EQ(copy.Of(QStringLiteral("C:\\t\\x")), In("x"));
+    EXPECT_EQ(copy.Stored(In("x")), QStringLiteral("C:\\t\\x"));
 }
 
 TEST_F(LocalPathsTest, WhatIsThereAsStoredAndNotWhereTheMapSaysIsTakenAsStored) {
     const QString stored = Make(QStringLiteral("old/x.vpt"));
-    Use(folder.filePath(QStringLiteral("old")), folder.filePath(QStringLiteral("new")));
+    Use(In("old"), In("new"));
     EXPECT_EQ(paths.Of(stored), stored);
     const QString here = Make(QStringLiteral("new/x.vpt"));
     EXPECT_EQ(paths.Of(stored), here);
@@ -59,11 +62,11 @@ TEST_F(LocalPathsTest, FoldersAndFilesOfAnotherLetterCaseAreFoundBelowTheFolder)
 
 TEST_F(LocalPathsTest, ThePairsAreKeptInTheSettings) {
     EXPECT_TRUE(ReadPathPairs(settings).ok());
-    const std::vector<PathPair> pairs = {
-        {QStringLiteral("C:\\\"Tables\", \u00e9"), QStringLiteral("/data/;#=%20/\U0001F3B1\n/")},
-        {QStringLiteral("\\\\s\\d"), QStringLiteral("/net")},
-        // A name that is no Unicode text, as Linux has them.
-        {QStringLiteral("/b"), QStringLiteral("/a/") + QChar(0xDCE9)}};
+    const std::vector<PathPair> pairs = {{QStringLiteral("C:\\\"Tables\", \u00e9"),
+                                          folder.path() + QStringLiteral("/;#=%20/\U0001F3B1\n/")},
+                                         {QStringLiteral("\\\\s\\d"), In("net")},
+                                         // A name that is no Unicode text, as Linux has them.
+                                         {QStringLiteral("/b"), In("a") + QChar(0xDCE9)}};
     ASSERT_TRUE(WritePathPairs(settings, pairs).ok());
     const auto read = ReadPathPairs(settings);
     ASSERT_TRUE(read.ok()) << read.status().message();
@@ -77,8 +80,7 @@ TEST_F(LocalPathsTest, WhatCannotBeKeptIsSaid) {
     EXPECT_FALSE(WritePathPairs(settings, {{QString(), QStringLiteral("/a")}}).ok());
     EXPECT_TRUE(settings.values.isEmpty());
     settings.failure = {base::StatusCode::kIoError, "no room"};
-    EXPECT_EQ(WritePathPairs(settings, {{QStringLiteral("/b"), QStringLiteral("/a")}}).message(),
-              "no room");
+    EXPECT_EQ(WritePathPairs(settings, {{QStringLiteral("/b"), In("a")}}).message(), "no room");
 }
 
 TEST_F(LocalPathsTest, HostileSettingsAreSaidAndNotUsed) {

@@ -31,7 +31,9 @@ protected:
     std::vector<ProposedPair> Propose(const QStringList& stored, const base::RunSteps& steps = {}) {
         return ProposePairs(stored, {disk.path()}, *values.paths.map(), steps);
     }
-    QString Here(const QString& name) const { return disk.filePath(name) + u'/'; }
+    QString Here(const QString& name) const {
+        return QDir::toNativeSeparators(disk.filePath(name) + u'/');
+    }
 
     const QStringList some{QStringLiteral("Attack"), QStringLiteral("Fathom"),
                            QStringLiteral("Taxi")};
@@ -134,11 +136,11 @@ TEST_F(PathProposalsTest, TheStoredPathsAreThoseOfFilesAndPicturesEachOnce) {
 
 TEST_F(PathProposalsTest, EachPairCountsItsPathsAndThoseThatAreFound) {
     MakeTables(QStringLiteral("a"), some);
-    const PathMap map({{QStringLiteral("C:\\One"), disk.filePath(QStringLiteral("a"))},
-                       {QStringLiteral("C:\\"), QStringLiteral("/nowhere")}});
+    const PathMap map({{QStringLiteral("Q:\\One"), disk.filePath(QStringLiteral("a"))},
+                       {QStringLiteral("Q:\\"), QStringLiteral("/nowhere")}});
     const PathCounts counts = CountPaths(
-        Stored(QStringLiteral("c:\\one"), some + QStringList{QStringLiteral("gone")}) +
-            QStringList{QStringLiteral("C:\\x"), disk.filePath(QStringLiteral("a/Taxi.vpt")),
+        Stored(QStringLiteral("q:\\one"), some + QStringList{QStringLiteral("gone")}) +
+            QStringList{QStringLiteral("Q:\\x"), disk.filePath(QStringLiteral("a/Taxi.vpt")),
                         QStringLiteral("/gone")},
         map);
     EXPECT_EQ(counts.pairs, (std::vector<PathCount>{{4, 3}, {1, 0}}));

@@ -530,11 +530,11 @@ TEST_F(LauncherTest, AFileThatThePathMapFindsIsPlayedThere) {
     MapTablesHere();
     QFile file(TablePath(QStringLiteral("Foo.vpt")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    launcher_.PlayTable(QStringLiteral("c:\\TABLES\\My Tables\\foo.vpt"), QStringLiteral("Foo"),
+    launcher_.PlayTable(QStringLiteral("c:\\TABLES\\my tables\\Foo.vpt"), QStringLiteral("Foo"),
                         Id(QStringLiteral("Foo")));
     EXPECT_EQ(StepsOf(QStringLiteral("start ")),
               QStringList{QStringLiteral("start \"/opt/my vp/VPinball.exe\" /Play -\"%1\"")
-                              .arg(file.fileName())});
+                              .arg(QDir::toNativeSeparators(file.fileName()))});
     EXPECT_EQ(QDir(programs_.folder), QDir(folder.filePath(QStringLiteral("my tables"))));
     EXPECT_EQ(TimesPlayed(QStringLiteral("Foo")), QStringLiteral("1"));
 }

@@ -16,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
 
 #include <memory>
@@ -58,7 +59,8 @@ protected:
 
     // From now on what is stored below C:\Tables is looked for in the folder of the test.
     void MapTablesHere() {
-        values.paths.Use(catalogue::PathMap({{QStringLiteral("C:\\Tables"), folder.path()}}));
+        values.paths.Use(catalogue::PathMap(
+            {{QStringLiteral("C:\\Tables"), QDir::toNativeSeparators(folder.path())}}));
     }
 
     // Runs a statement that must succeed.
