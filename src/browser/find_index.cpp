@@ -52,6 +52,7 @@ std::unique_ptr<const FindIndex> FindIndex::Make(TableSnapshotPointer tables, co
     index->years_.reserve(count);
     for (std::size_t table = 0; table < count; ++table) {
         if (stop()) return nullptr;
+        index->tables_->ExpectAfter(table);
         index->Add(table);
     }
     index->CountBytes();

@@ -78,6 +78,19 @@ QString TableSnapshot::Text(std::size_t table, int column) const {
     return TextOf(ValueOf(table, column));
 }
 
+std::int32_t TableSnapshot::Id(std::size_t table) const {
+    return static_cast<std::int32_t>(jet::ToInteger(ValueOf(table, kId)));
+}
+
+const std::vector<std::int32_t>& TableSnapshot::Ids() const {
+    std::call_once(ids_->once, [this] {
+        ids_->ids.resize(size());
+        for (std::size_t table = 0; table < size(); ++table)
+            ids_->ids[table] = Id(table);
+    });
+    return ids_->ids;
+}
+
 QString TableSnapshot::DisplayName(std::size_t table) const {
     return Text(table, kDisplayName);
 }
@@ -134,10 +147,6 @@ base::Result<TableSnapshot> TableSnapshot::Read(jet::Recordset& rows,
     for (const DetailColumn& detail : kDetails)
         add(detail.column);
     ASSIGN_OR_RETURN(snapshot.rows_, rows.Hold(fields, progress));
-    snapshot.ids_.reserve(snapshot.size());
-    for (std::size_t table = 0; table < snapshot.size(); ++table)
-        snapshot.ids_.push_back(
-            static_cast<std::int32_t>(jet::ToInteger(snapshot.ValueOf(table, kId))));
     return snapshot;
 }
 

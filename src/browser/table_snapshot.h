@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -32,8 +33,9 @@ public:
     std::size_t size() const { return rows_.size(); }
 
     // Requires for all: table < size().
-    std::int32_t Id(std::size_t table) const { return ids_[table]; }
-    const std::vector<std::int32_t>& ids() const { return ids_; }
+    std::int32_t Id(std::size_t table) const;
+    // Of all tables; kept once they were asked for.
+    const std::vector<std::int32_t>& Ids() const;
     QString DisplayName(std::size_t table) const;
     QString FileName(std::size_t table) const;
     // Empty for Null.
@@ -45,6 +47,8 @@ public:
     std::int32_t TimesPlayed(std::size_t table) const;
     // The value of a detail line as text; empty for Null.
     QString DetailText(std::size_t table, int detail) const;
+    // Who reads all tables tells each before; see HeldRows::Expect.
+    void ExpectAfter(std::size_t table) const { rows_.Expect(table + jet::HeldRows::kAhead); }
     // In days since 1899-12-30; nullopt: the value is no date.
     std::optional<double> DetailDate(std::size_t table, int detail) const;
     // Label and value; the label alone if the value is Null. Dates are in the general format.
@@ -60,10 +64,14 @@ private:
     QString Text(std::size_t table, int column) const;
 
     jet::HeldRows rows_;
-    std::vector<std::int32_t> ids_;
     // Of each column that is shown, its place in rows_; nullopt: an old read-only catalogue does
     // not have it.
     std::vector<std::optional<std::size_t>> places_;
+    struct KeptIds {
+        std::once_flag once;
+        std::vector<std::int32_t> ids;
+    };
+    std::unique_ptr<KeptIds> ids_ = std::make_unique<KeptIds>();
 };
 
 // Shared by the model and by the thread that makes Find's index of it; nobody changes it.

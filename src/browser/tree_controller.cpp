@@ -7,6 +7,8 @@
 
 #include <QtWidgets/QMenu>
 
+#include <algorithm>
+
 namespace browser {
 
 bool OpensPopup(const TableTreeModel& model, const QModelIndex& selected, int x_twips) {
@@ -86,14 +88,14 @@ bool TreeController::SelectTableWithId(const QString& id) {
     bool is_number = false;
     const std::int32_t wanted = id.toInt(&is_number);
     if (!is_number) return false;
-    for (std::size_t table = 0; table < parts_.model.table_count(); ++table) {
-        if (parts_.model.Id(table) != wanted) continue;
-        const QModelIndex index = parts_.model.IndexOfTable(table);
-        parts_.tree.SelectNode(index);
-        NodeClick(index);
-        return true;
-    }
-    return false;
+    const std::vector<std::int32_t>& ids = parts_.model.tables()->Ids();
+    const auto found = std::find(ids.begin(), ids.end(), wanted);
+    if (found == ids.end()) return false;
+    const QModelIndex index =
+        parts_.model.IndexOfTable(static_cast<std::size_t>(found - ids.begin()));
+    parts_.tree.SelectNode(index);
+    NodeClick(index);
+    return true;
 }
 
 void TreeController::NodeClick(const QModelIndex& index) {

@@ -11,7 +11,7 @@ void TreePlace::Remember(const TableTreeModel& model, const TableTreeView& tree)
     const auto table = model.TableOfNode(selected);
     if (!table) return;
     row_ = table;
-    ids_ = model.tables()->ids();
+    ids_ = model.tables()->Ids();
     const QRect place = tree.visualRect(selected);
     const bool is_seen = place.isValid() && tree.viewport()->rect().intersects(place);
     lines_above_ = is_seen ? std::max(0, place.top() / std::max(1, place.height())) : 0;
@@ -19,7 +19,7 @@ void TreePlace::Remember(const TableTreeModel& model, const TableTreeView& tree)
 
 QModelIndex TreePlace::Find(const TableTreeModel& model, Gone gone) const {
     if (!row_) return {};
-    const std::vector<std::int32_t>& now = model.tables()->ids();
+    const std::vector<std::int32_t>& now = model.tables()->Ids();
     const auto node = [&](std::int32_t id) {
         const auto found = std::find(now.begin(), now.end(), id);
         return found == now.end()

@@ -23,6 +23,10 @@ public:
     // `field`: its place among those that were asked for. Requires: row < size(); the field was
     // asked for.
     Value Field(std::size_t row, std::size_t field) const;
+    // A row that will be asked for soon: has its bytes brought near, as sorted rows lie all over
+    // the memory. Who reads all rows tells the one that is kAhead of the current one. Any `row`.
+    void Expect(std::size_t row) const;
+    static constexpr std::size_t kAhead = 8;
 
 private:
     std::shared_ptr<const Content> content_;  // nullptr: no rows

@@ -201,6 +201,20 @@ TEST_P(HeldRowsOf, TellsHowFarItIs) {
     EXPECT_EQ(told, (std::vector<std::int64_t>{1, 2, 3, 4}));
 }
 
+// It only says what comes next: nothing that it is told does harm.
+TEST_P(HeldRowsOf, MayExpectAnyRow) {
+    HeldRows().Expect(0);
+    for (const auto* question :
+         {u"SELECT * FROM T", u"SELECT * FROM T ORDER BY Name", u"SELECT DISTINCT Seen FROM T",
+          u"SELECT * FROM T WHERE Id = 99"}) {
+        Recordset rows = Open(question);
+        const HeldRows held = Hold(rows, AllFields(rows));
+        for (const std::size_t row : {std::size_t{0}, held.size(), std::size_t{1} << 40})
+            held.Expect(row);
+        EXPECT_EQ(Read(held, rows.FieldCount()), Read(rows));
+    }
+}
+
 TEST_P(HeldRowsOf, NoRowsAreNone) {
     Recordset rows = Open(u"SELECT * FROM T WHERE Id = 99 ORDER BY Name");
     EXPECT_EQ(Hold(rows, AllFields(rows)).size(), 0U);

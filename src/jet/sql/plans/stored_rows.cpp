@@ -23,13 +23,8 @@ base::Status StoredRows::Add(StoredFields& row) {
     return base::Status::Ok();
 }
 
-// The bytes are moved too, since they will be read in this order.
 void StoredRows::Arrange(std::span<const std::uint32_t> order) {
-    if (store_ == nullptr) return;
-    const auto arranged = std::make_shared<FieldStore>(order.size());
-    for (std::size_t row = 0; row < order.size(); ++row)
-        arranged->Set(row, (*store_)[order[row]]);
-    store_ = arranged;
+    if (store_ != nullptr) store_->Arrange(order);
 }
 
 base::Status StoredRows::Read(std::size_t row, std::size_t place, Value& value) const {
