@@ -24,8 +24,8 @@ public:
 
     void Add(std::span<const std::byte> fields) { rows_.push_back(Keep(fields)); }
     void Set(std::size_t row, std::span<const std::byte> fields) { rows_[row] = Keep(fields); }
-    // Row `order[i]` becomes row `i`; the others are no more. The bytes stay where they are: to move
-    // them costs as much as reading them once in the new order.
+    // Row `order[i]` becomes row `i`; the others are no more. The bytes stay where they are: to
+    // move them costs as much as reading them once in the new order.
     void Arrange(std::span<const std::uint32_t> order) {
         std::vector<std::span<const std::byte>> rows;
         rows.reserve(order.size());
