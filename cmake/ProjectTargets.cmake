@@ -105,7 +105,7 @@ function(add_unit_test name)
         add_test(NAME ${name} COMMAND ${name})
         # What may take long comes first, so that nobody waits for it in the end.
         set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST ${T_TIMEOUT} FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
-            ENVIRONMENT "WINEPREFIX=${CMAKE_BINARY_DIR}/wine;QT_QPA_PLATFORM=offscreen")
+            ENVIRONMENT "WINEPREFIX=${CMAKE_BINARY_DIR}/wine;TAVOLO_FONTS=Z:/usr/share/fonts/truetype/dejavu")
         if(T_WIDGETS)
             qt_import_plugins(${name} INCLUDE Qt6::QOffscreenIntegrationPlugin)
         endif()

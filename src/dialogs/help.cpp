@@ -5,7 +5,6 @@
 #include "platform/application_folder.h"
 #include "platform/files.h"
 
-#include <QtCore/QDir>
 #include <QtCore/QStringList>
 
 namespace dialogs {
@@ -14,7 +13,7 @@ namespace {
 // Where the help can be, the first that has it counting: names of files and folders in them.
 QStringList HelpPlaces(const QString& application_folder, const QString& program_folder) {
     return {application_folder, program_folder,
-            QDir::cleanPath(program_folder + QStringLiteral("/../share/tavolo"))};
+            platform::AbsolutePath(program_folder + QStringLiteral("/../share/tavolo"))};
 }
 
 QString FirstPresent(const QStringList& places, const QString& name) {
@@ -50,8 +49,8 @@ QString HelpFile(const QString& application_folder, const QString& program_folde
 
 QString HelpPageFile(const QString& application_folder, const QString& program_folder,
                      const QString& page) {
-    return FirstPresent(HelpPlaces(application_folder, program_folder),
-                        QStringLiteral("help/") + page);
+    const QString name = QStringLiteral("help") + platform::NativeSeparator() + page;
+    return FirstPresent(HelpPlaces(application_folder, program_folder), name);
 }
 
 void OpenHelp(platform::Shell& shell, const QString& application_folder,

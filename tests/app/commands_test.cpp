@@ -2,19 +2,18 @@
 // fake world outside.
 #include "app/commands.h"
 
-#include "app/edit_commands.h"
+#include "app/commands_fixture.h"
 #include "app/given_paths.h"
 #include "browser/command_table.h"
 #include "browser/frmSplash.h"
-#include "browser/tree_fixture.h"
 #include "catalogue/collection_folders.h"
 #include "catalogue/program_files.h"
 #include "dialogs/frmSettings.h"
 #include "pictures/frmPicture.h"
 #include "platform/files.h"
 #include "snapshots/restore_dialog.h"
-#include "support/as_nobody.h"
 #include "support/qt_text.h"
+#include "support/unreadable.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -42,79 +41,6 @@ using test_support::S;
 
 const QString kPlaying = QStringLiteral("Visual Pinball - [alpha*]");
 const QString kEnded = QStringLiteral("Visual Pinball - [alpha]");
-
-class CommandsTest : public browser::TreeFixture {
-protected:
-    void SetUp() override {
-        TreeFixture::SetUp();
-        QGuiApplication::clipboard()->clear();
-        values.VisualPinballExe = S(u"/bin/vp");
-        alpha = MakeFile(S(u"alpha.vpt"));
-        AddTable(S(u"Alpha"), alpha);
-        AddTable(S(u"Beta"), {});
-        window = std::make_unique<browser::frmPinball>(catalogue, prompts);
-        keeper = std::make_unique<snapshots::SnapshotKeeper>(
-            *files, snapshots::DatabaseOf(catalogue), clock);
-        commands = std::make_unique<Commands>(
-            catalogue, prompts, OutsideWorld{shell, programs, sounds, windows}, *keeper, *window);
-        edit_commands = std::make_unique<EditCommands>(catalogue, history, prompts, *window);
-        window->Load();
-        window->show();
-    }
-    QAction* Action(const QString& name) {
-        auto* const action = window->findChild<QAction*>(name);
-        EXPECT_TRUE(action) << name.toStdString();
-        return action;
-    }
-    void Run(const char16_t* item) { Action(S(item))->trigger(); }
-    QTreeView* Tree() { return window->findChild<QTreeView*>(S(u"tvwDB")); }
-    void Select(int table) {
-        const QAbstractItemModel& model = *Tree()->model();
-        Tree()->setCurrentIndex(model.index(table, 0, model.index(0, 0)));
-    }
-    void SelectRoot() { Tree()->setCurrentIndex(Tree()->model()->index(0, 0)); }
-    void Press(const char16_t* button) {
-        QTest::mouseClick(window->findChild<QWidget*>(S(button)), Qt::LeftButton);
-    }
-    std::vector<dialogs::frmSettings*> SettingsWindows() {
-        std::vector<dialogs::frmSettings*> open;
-        for (auto* settings_window : window->findChildren<dialogs::frmSettings*>())
-            if (settings_window->isVisible()) open.push_back(settings_window);
-        return open;
-    }
-    // Calls `look` with the modal window that the next command opens, and closes it. Before it
-    // opens, events are processed while a snapshot is made.
-    void InTheModalWindow(const std::function<void(QWidget&)>& look) {
-        ++expected_windows;
-        auto* const timer = new QTimer(window.get());
-        QObject::connect(timer, &QTimer::timeout, timer, [this, timer, look] {
-            QWidget* const modal = QApplication::activeModalWidget();
-            if (modal == nullptr) return;
-            timer->stop();
-            timer->deleteLater();
-            --expected_windows;
-            look(*modal);
-            modal->close();
-        });
-        timer->start(0);
-    }
-    void TearDown() override {
-        EXPECT_EQ(expected_windows, 0) << "a window did not open";
-        TreeFixture::TearDown();
-    }
-
-    int expected_windows = 0;
-    test_support::FakeShell shell;
-    test_support::FakeProcessStarter programs;
-    test_support::FakeSound sounds;
-    test_support::FakeWindows windows;
-    QString alpha;
-    std::unique_ptr<snapshots::SnapshotKeeper> keeper;
-    std::unique_ptr<browser::frmPinball> window;
-    std::unique_ptr<Commands> commands;
-    history::HistoryFile history{*files, "no.mdb"};
-    std::unique_ptr<EditCommands> edit_commands;
-};
 
 TEST_F(CommandsTest, EveryItemOfTheMenusDoesSomething) {
     Action(QStringLiteral("mnuWall"))->trigger();  // what changes its pictures needs it
@@ -339,7 +265,7 @@ TEST_F(CommandsTest, F2TwiceSavesThePictureAndSetsItForTheTable) {
     EXPECT_EQ(window->details().DetailText(7), shot);
     EXPECT_FALSE(window->details().record_changed());
     EXPECT_TRUE(prompts.messages.empty());
-    EXPECT_EQ(values.LastPictureDir, folder.path() + u'/');
+    EXPECT_EQ(values.LastPictureDir, folder.prefix());
 }
 
 // The rest of the menus.
@@ -447,6 +373,7 @@ protected:
         EXPECT_TRUE(builder.Write(path.toStdU16String()).ok());
         return path;
     }
+    QString Given() const { return folder.filePath(S(u"given")); }
     QString Count() { return Scalar(S(u"Select count(*) from Tables")); }
 };
 
@@ -464,7 +391,7 @@ TEST_F(GivenTablesTest, AFileIsAddedAndSelected) {
 TEST_F(GivenTablesTest, AFolderBringsItsTablesAndSelectsTheFirst) {
     commands->TakeTables(MakeTable(u"B.vpt", u"Bb"));
     const QString first = MakeTable(u"A.vpt", u"Aa");
-    commands->TakeTables(QFileInfo(first).path());
+    commands->TakeTables(Given());
     EXPECT_EQ(Count(), S(u"4"));
     EXPECT_EQ(window->SelectedTag(), first);
 }
@@ -496,26 +423,11 @@ TEST_F(GivenTablesTest, RowsThatAreThereStayAsTheyAre) {
     Execute(S(u"Update Tables set DisplayName = 'Mine', Author = 'Me', Notes = 'Mine, too'"));
     commands->TakeTables(MakeTable(u"New.vpt", u"Brand new"));
     commands->TakeTables(edited);
-    commands->TakeTables(QFileInfo(edited).path());
+    commands->TakeTables(Given());
     EXPECT_EQ(Scalar(S(u"Select count(*) from Tables where DisplayName = 'Mine' and Author = 'Me' "
                        u"and Notes = 'Mine, too'")),
               S(u"3"));
     EXPECT_EQ(Count(), S(u"4"));
-}
-
-TEST_F(GivenTablesTest, ALinkSelectsTheTableThatItLeadsTo) {
-    const QString file = MakeTable(u"Real.vpt", u"Real");
-    commands->TakeTables(file);
-    const QString link = folder.filePath(S(u"link.vpt"));
-    const QString folder_link = folder.filePath(S(u"link"));
-    ASSERT_TRUE(QFile::link(file, link));
-    ASSERT_TRUE(QFile::link(folder.filePath(S(u"given")), folder_link));
-    for (const QString& given : {link, folder_link}) {
-        Select(0);
-        commands->TakeTables(given);
-        EXPECT_EQ(window->SelectedTag(), file) << given.toStdString();
-    }
-    EXPECT_EQ(Count(), S(u"3"));
 }
 
 TEST_F(GivenTablesTest, WhatCannotBeAddedIsSaid) {
@@ -524,10 +436,8 @@ TEST_F(GivenTablesTest, WhatCannotBeAddedIsSaid) {
     commands->TakeTables(DatabasePath());
     EXPECT_EQ(prompts.messages.back().text, DatabasePath() + S(u" is not a table file"));
     const QString unreadable = MakeTable(u"../unreadable.vpt", u"Secret");
-    ASSERT_TRUE(QFile::setPermissions(unreadable, {}));
-    ASSERT_TRUE(QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)));
     {
-        const test_support::AsNobody nobody;
+        const test_support::Unreadable locked({unreadable.toStdU16String()});
         commands->TakeTables(platform::AbsolutePath(unreadable));
     }
     EXPECT_EQ(prompts.messages.back().text, S(u"unreadable.vpt: cannot be read"));

@@ -29,8 +29,10 @@ public:
     void Check(const QString& where, QString text) {
         static const QRegularExpression markup(QStringLiteral("<[^>]*>"));
         static const QRegularExpression word(QStringLiteral("[A-Za-z]{2,}"));
+        static const QRegularExpression checksum(
+            QStringLiteral("\\b(?=[A-F]*[0-9])[0-9A-F]{5,8}\\b"));
         const QString whole = text;
-        text.remove(markup).remove(u'&');
+        text.remove(markup).remove(checksum).remove(u'&');
         for (const QString& known : data_)
             text.remove(known);
         if (text.contains(word)) found_.append(where + QStringLiteral(": ") + whole);

@@ -4,12 +4,12 @@
 
 #include "support/fakes.h"
 #include "support/qt_text.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace app {
 namespace {
@@ -35,7 +35,7 @@ protected:
         return PrepareFolder(FolderOf(arguments, folders), arguments, folders, prompts);
     }
 
-    QTemporaryDir root;
+    test_support::TemporaryDir root;
     catalogue::KnownFolders folders;
     test_support::FakePrompts prompts;
     QString nowhere = root.filePath(S(u"deep/down"));
@@ -69,13 +69,15 @@ TEST_F(FirstStartTest, HalfAnInstallationSaysWhatItLacks) {
     EXPECT_FALSE(Prepare({.folder = nowhere}));
     ASSERT_EQ(prompts.messages.size(), 2U);
     for (const platform::Message& message : prompts.messages)
-        EXPECT_TRUE(message.text.contains(folders.delivered + S(u"/pinball.mdb")));
+        EXPECT_TRUE(message.text.contains(
+            QDir::toNativeSeparators(folders.delivered + S(u"/pinball.mdb"))));
     EXPECT_TRUE(QDir(empty).isEmpty());
     EXPECT_FALSE(QDir(nowhere).exists());
 }
 
 TEST_F(FirstStartTest, TheExampleHasAFolderOfItsOwn) {
-    EXPECT_EQ(FolderOf({.demo = true}, folders), folders.user_data + S(u"/Example Collection"));
+    EXPECT_EQ(FolderOf({.demo = true}, folders),
+              QDir::toNativeSeparators(folders.user_data + S(u"/Example Collection")));
     EXPECT_EQ(FolderOf({.folder = nowhere, .demo = true}, folders), nowhere);
 }
 

@@ -1,8 +1,8 @@
 // New tables of known folders, without a window.
 #include "app/given_tables.h"
 
-#include "support/as_nobody.h"
 #include "support/catalogue_fixture.h"
+#include "support/unreadable.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -71,10 +71,8 @@ TEST_F(NewTablesTest, AFolderThatCannotBeListedIsNotedAndTheOthersFollow) {
     const QString gone = folder.filePath(QStringLiteral("gone"));
     const QString locked = MakeFolder(QStringLiteral("locked"));
     const QString last = MakeFolderOfTables(QStringLiteral("last"));
-    ASSERT_TRUE(QFile::setPermissions(locked, {}));
-    ASSERT_TRUE(QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)));
     {
-        const test_support::AsNobody nobody;
+        const test_support::Unreadable unreadable({locked.toStdU16String()});
         const auto added = Add({gone, locked, last});
         ASSERT_TRUE(added.ok()) << added.status().message();
         EXPECT_EQ(*added, 2);
@@ -82,7 +80,6 @@ TEST_F(NewTablesTest, AFolderThatCannotBeListedIsNotedAndTheOthersFollow) {
     EXPECT_EQ(passed_over.count(), 2);
     EXPECT_EQ(passed_over.Summary().message(),
               "2 could not be read. The first: There is no folder " + gone.toStdString());
-    ASSERT_TRUE(QFile::setPermissions(locked, QFile::Permissions(0x7700)));
 }
 
 TEST_F(NewTablesTest, WhatIsKnownIsReadOnceForAllFolders) {

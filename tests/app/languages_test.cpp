@@ -4,14 +4,14 @@
 #include "app/every_window.h"
 #include "app/pseudo_translator.h"
 #include "app/window_walk.h"
+#include "support/programs.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
 #include <QtCore/QXmlStreamReader>
 #include <QtTest/QTest>
 #include <QtWidgets/QComboBox>
@@ -61,12 +61,9 @@ protected:
 
 // The template for translators, made by lupdate of the sources as they are.
 QSet<Text> Template() {
-    const QTemporaryDir folder;
+    const test_support::TemporaryDir folder;
     const QString file = folder.filePath(QStringLiteral("texts.ts"));
-    QProcess process;
-    process.start(QStringLiteral(TAVOLO_SOURCE "/scripts/texts"), {file});
-    EXPECT_TRUE(process.waitForFinished()) << process.errorString().toStdString();
-    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    EXPECT_TRUE(test_support::OutputOf({TAVOLO_SOURCE "/scripts/texts", file.toStdString()}));
     QFile texts(file);
     EXPECT_TRUE(texts.open(QIODevice::ReadOnly));
     QSet<Text> found;

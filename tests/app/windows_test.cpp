@@ -3,6 +3,8 @@
 #include "app/every_window.h"
 #include "app/window_walk.h"
 #include "browser/picture_wall.h"
+#include "support/offscreen_letters.h"
+#include "support/temporary_dir.h"
 #include "widgets/program_palette.h"
 #include "widgets/program_style.h"
 #include "widgets/svg_icon.h"
@@ -10,9 +12,9 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QPointer>
-#include <QtCore/QTemporaryDir>
+#include <QtCore/QTemporaryFile>
 #include <QtGui/QAction>
 #include <QtGui/QImage>
 #include <QtTest/QTest>
@@ -256,7 +258,7 @@ TEST_F(WalkTest, AControlOutsideOfTheTabOrderIsFound) {
     window.show();
     EXPECT_EQ(Count(test_support::LostToTheTabKey(window)), 0U);
     // The third leads back to the second.
-    QObject::connect(qApp, &QApplication::focusChanged, &window, [&](QWidget*, QWidget* now) {
+    QObject::connect(qApp, &QApplication::focusChanged, &window, [fields](QWidget*, QWidget* now) {
         if (now == fields[3]) fields[1]->setFocus();
     });
     EXPECT_EQ(Count(test_support::LostToTheTabKey(window)), 2U);
@@ -267,9 +269,8 @@ TEST_F(WalkTest, AControlOutsideOfTheTabOrderIsFound) {
 // A screen of an ordinary size; without this it has 800x800 pixels.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const QTemporaryDir folder;
-    QFile screens(folder.filePath(QStringLiteral("screens.json")));
-    if (!screens.open(QIODevice::WriteOnly)) return 1;
+    QTemporaryFile screens(QStringLiteral("screens-XXXXXX.json"));
+    if (!screens.open()) return 1;
     const int scale = std::max(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
     screens.write(QStringLiteral("{\"screens\": [{\"name\": \"screen\", \"x\": 0, \"y\": 0, "
                                  "\"width\": %1, \"height\": %2, \"logicalDpi\": 96, "
@@ -278,8 +279,12 @@ int main(int argc, char** argv) {
                       .arg(1000 * scale)
                       .toUtf8());
     screens.close();
-    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screens.fileName().toUtf8());
+    // By its name alone, in this folder: a colon, as drives have one, would end the option.
+    const QString name = QFileInfo(screens).fileName();
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + name.toUtf8());
+    test_support::FindFonts();
     QApplication application(argc, argv);
+    test_support::ChooseLetters();
     QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();
 }

@@ -8,12 +8,12 @@
 #include "jet/connection.h"
 #include "platform/file_system.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 #include "support/test_data.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtWidgets/QAbstractButton>
 
 namespace browser {
@@ -39,7 +39,7 @@ protected:
         panel->ShowTableDetails(host.selected_tag);
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
     jet::Connection connection{*files};
     test_support::FakeClock clock;

@@ -82,7 +82,7 @@ protected:
         QFile file(folder.filePath(name));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(bytes);
-        return file.fileName();
+        return folder.filePath(name);
     }
     QString WritePicture(const QString& name, int width = 40, int height = 30) {
         QImage image(width, height, QImage::Format_RGB32);

@@ -1,16 +1,17 @@
 #include "browser/kept_edit.h"
 
+#include "support/temporary_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace browser {
 namespace {
 
 class KeptEditTest : public testing::Test {
 protected:
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QString file = KeptEditFile(folder.filePath(QStringLiteral("pinball.mdb")));
 };
 

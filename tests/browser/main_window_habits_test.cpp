@@ -3,6 +3,7 @@
 #include "browser/main_window_fixture.h"
 #include "catalogue/collection_folders.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QTimer>
@@ -202,7 +203,7 @@ TEST_F(HabitsTest, FilesThatExistAreCopiedAsFiles) {
     const QMimeData* held = QGuiApplication::clipboard()->mimeData();
     ASSERT_TRUE(held);
     ASSERT_EQ(held->urls().size(), 2) << "the file of Beta is gone";
-    EXPECT_EQ(held->urls()[0].toLocalFile(), alpha);
+    EXPECT_EQ(QDir::toNativeSeparators(held->urls()[0].toLocalFile()), alpha);
     EXPECT_TRUE(held->data(S(u"x-special/gnome-copied-files")).startsWith("copy\nfile:///"));
     Click(Table(1));
     Action(u"mnuCopyFile")->trigger();

@@ -1,9 +1,10 @@
 #include "browser/rules_file.h"
 
+#include "support/temporary_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace browser {
 namespace {
@@ -64,7 +65,7 @@ protected:
         EXPECT_EQ(file.write(bytes), bytes.size());
         return file.fileName();
     }
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
 };
 
 TEST_F(ReadRulesFileTest, TheWholeFileIsReadLineByLine) {

@@ -1,9 +1,10 @@
 #include "catalogue/collection_folders.h"
 
+#include "support/temporary_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace catalogue {
 namespace {
@@ -21,7 +22,7 @@ protected:
         ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write(content) == content.size());
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
 };
 
 TEST_F(CollectionFoldersTest, NoneIsKnownAtFirst) {

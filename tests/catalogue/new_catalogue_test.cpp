@@ -4,12 +4,10 @@
 #include "jet/tables/database.h"
 #include "platform/file_system.h"
 #include "support/full_disk.h"
+#include "support/programs.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
-
-#include <QtCore/QProcess>
-#include <QtCore/QStandardPaths>
-#include <QtCore/QTemporaryDir>
 
 namespace catalogue {
 namespace {
@@ -23,14 +21,14 @@ protected:
     }
     // What a program of mdbtools prints; nullopt when it is not installed.
     std::optional<QString> OutputOf(const QString& program, const QStringList& arguments) {
-        if (QStandardPaths::findExecutable(program).isEmpty()) return std::nullopt;
-        QProcess process;
-        process.start(program, arguments);
-        process.waitForFinished();
-        return QString::fromUtf8(process.readAllStandardOutput());
+        std::vector<std::string> command{program.toStdString()};
+        for (const QString& argument : arguments)
+            command.push_back(argument.toStdString());
+        const auto output = test_support::OutputOf(command);
+        return output ? std::optional(QString::fromStdString(*output)) : std::nullopt;
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QString path;
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
 };

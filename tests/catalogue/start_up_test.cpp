@@ -5,6 +5,7 @@
 #include "jet/tables/database.h"
 #include "support/catalogue_fixture.h"
 #include "support/forwarding_files.h"
+#include "support/temporary_dir.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -63,7 +64,7 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QString path;
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
     std::unique_ptr<jet::Connection> connection = std::make_unique<jet::Connection>(*files);
@@ -217,7 +218,7 @@ TEST_F(FreshFolder, AnEmptyTextDateIsStampedToo) {
 }
 
 TEST(StartUpFolderTest, AFolderWithASemicolonInItsNameOpens) {
-    QTemporaryDir root;
+    test_support::TemporaryDir root;
     const QString folder = root.filePath(QStringLiteral("a;b"));
     ASSERT_TRUE(QDir().mkpath(folder));
     const auto files = platform::MakeFileSystem();
@@ -312,24 +313,6 @@ TEST_F(FreshFolder, ACatalogueWhoseNameIsInCapitalsIsOpened) {
     ASSERT_TRUE(QFile::rename(path, folder.filePath(QStringLiteral("PINBALL.MDB"))));
     const base::Status opened = Main(catalogue);
     EXPECT_TRUE(opened.ok()) << opened.message();
-}
-
-TEST(StartUpFolderTest, AFolderWhoseNameIsNotUtf8Opens) {
-    const QTemporaryDir root;
-    const std::string raw = root.path().toStdString() + "/caf\xE9";
-    std::filesystem::create_directory(raw);
-    const auto files = platform::MakeFileSystem();
-    ASSERT_TRUE(CreateEmptyCatalogue(*files, raw + "/pinball.mdb", 46000).ok());
-    jet::Connection connection(*files);
-    test_support::FakeSettings settings;
-    test_support::FakeClock clock;
-    ProcessValues values;
-    values.ApplicationFolder = root.filePath(QStringLiteral("caf")) + QChar(0xDCE9);
-    Catalogue catalogue{&connection, &values, &settings, &clock};
-    const base::Status opened = Main(catalogue);
-    EXPECT_TRUE(opened.ok()) << opened.message();
-    EXPECT_TRUE(connection.Close().ok());
-    std::filesystem::remove_all(raw);
 }
 
 }  // namespace

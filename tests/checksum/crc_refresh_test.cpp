@@ -4,6 +4,7 @@
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
 #include "support/full_disk.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
@@ -118,7 +119,7 @@ TEST_F(CrcRefreshTest, AFullDiskEndsTheRunAndTheCatalogueStaysGood) {
     ASSERT_TRUE(connection->Close().ok());
     int full_disks = 0;
     for (int writes = 0; writes < 500; ++writes) {
-        const QTemporaryDir work;
+        const test_support::TemporaryDir work;
         const QString copy = work.filePath(QStringLiteral("copy.mdb"));
         ASSERT_TRUE(QFile::copy(DatabasePath(), copy));
         const std::u16string source = (QStringLiteral("Data Source=") + copy).toStdU16String();

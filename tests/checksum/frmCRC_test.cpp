@@ -1,8 +1,8 @@
 #include "checksum/frmCRC.h"
 
-#include "support/as_nobody.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
+#include "support/unreadable.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,6 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
-
-#include <sys/stat.h>
 
 namespace checksum {
 namespace {
@@ -128,12 +126,11 @@ TEST_F(FrmCrcTest, AFailureIsKeptForTheStatusBar) {
 
 TEST_F(FrmCrcTest, AFileThatCannotBeReadIsNamedAtTheEnd) {
     AddTables(2);
-    ASSERT_EQ(chmod(QFile::encodeName(folder.path()).constData(), 0755), 0);
-    for (const auto* name : {"t0.vpt", "t1.vpt"})
-        ASSERT_EQ(chmod(QFile::encodeName(folder.filePath(QLatin1String(name))).constData(), 0), 0);
     base::Status done;
     {
-        const test_support::AsNobody nobody;
+        const test_support::Unreadable unreadable(
+            {folder.filePath(QStringLiteral("t0.vpt")).toStdU16String(),
+             folder.filePath(QStringLiteral("t1.vpt")).toStdU16String()});
         done = UpdateCrcs(catalogue, prompts, nullptr);
     }
     EXPECT_EQ(done.message().rfind("2 could not be read. The first: ", 0), 0U) << done.message();

@@ -1,8 +1,12 @@
 #include "cli/cli_fixture.h"
 
-#include "support/as_nobody.h"
 #include "support/full_disk.h"
 #include "support/qt_text.h"
+#include "support/temporary_dir.h"
+#include "support/unreadable.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 
 namespace cli {
 namespace {
@@ -42,16 +46,14 @@ TEST_F(ChangingCommandsTest, ScanAddsNewTables) {
 TEST_F(ChangingCommandsTest, AFolderThatCannotBeListedIsAFailure) {
     const QString locked = folder.filePath(S("locked"));
     ASSERT_TRUE(QDir().mkdir(locked));
-    ASSERT_TRUE(QFile::setPermissions(locked, {}));
-    ASSERT_TRUE(QFile::setPermissions(folder.path(), QFile::Permissions(0x7755)));
     ASSERT_TRUE(QFile::setPermissions(DatabasePath(), QFile::Permissions(0x6666)));
-    const test_support::AsNobody nobody;
+    const test_support::Unreadable unreadable({locked.toStdU16String()});
     EXPECT_EQ(Run(QStringList{S("scan"), S("-n"), locked}), kFailed);
     EXPECT_THAT(console.error, HasSubstr("locked"));
 }
 
 TEST_F(ChangingCommandsTest, ScanDryRunsBeforeTheFirstStart) {
-    QTemporaryDir first;
+    test_support::TemporaryDir first;
     ASSERT_TRUE(QDir(folder.path()).mkpath(S("share")));
     ASSERT_TRUE(catalogue::CreateEmptyCatalogue(
                     *files, folder.filePath(S("share/pinball.mdb")).toStdU16String(), 46346)
@@ -98,12 +100,13 @@ TEST_F(ChangingCommandsTest, UpdateCopiesWhatTheFilesSay) {
 }
 
 TEST_F(ChangingCommandsTest, FilesThatCannotBeReadAreSaid) {
-    QFile file(QDir(Tables()).filePath(S("damaged.vpt")));
+    const QString damaged = folder.filePath(S("tables/damaged.vpt"));
+    QFile file(damaged);
     ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write("no table") == 8);
     file.close();
     for (const QStringList& words : {QStringList{S("scan"), Tables()}, QStringList{S("update")}}) {
         EXPECT_EQ(Run(words), kDone);
-        EXPECT_THAT(console.error, HasSubstr("tavolo-cli: " + file.fileName().toStdString()));
+        EXPECT_THAT(console.error, HasSubstr("tavolo-cli: " + damaged.toStdString()));
     }
     ASSERT_TRUE(file.remove());
     EXPECT_EQ(Run("update"), kDone);
@@ -324,8 +327,9 @@ TEST_F(ChangingCommandsTest, ImportNamesBadRowsAndColumns) {
 }
 
 TEST_F(ChangingCommandsTest, ImportFindsRowsAsAsked) {
-    console.in = QByteArray::fromStdString("{\"FileName\": \"" + TablePath("Taxi") +
-                                           "\", \"Author\": \"Found\"}");
+    const QJsonObject found{{S("FileName"), QString::fromStdString(TablePath("Taxi"))},
+                            {S("Author"), S("Found")}};
+    console.in = QJsonDocument(found).toJson();
     EXPECT_EQ(Run("import --match=file --format=json -"), kDone) << console.error;
     EXPECT_EQ(Scalar("Select Author from Tables where ID = 2"), "Found");
     Run("crc");

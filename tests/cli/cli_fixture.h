@@ -10,6 +10,7 @@
 #include "platform/file_system.h"
 #include "platform/standard_streams.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 #include "support/vpt_builder.h"
 
 #include <gmock/gmock.h>
@@ -17,7 +18,6 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace cli {
 
@@ -134,7 +134,7 @@ protected:
     // Words separated by blanks.
     int Run(const char* words) { return Run(QString::fromUtf8(words).split(u' ')); }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
     test_support::FakeSettings settings;
     test_support::FakeClock clock;

@@ -1,6 +1,6 @@
 #include "cli/cli_fixture.h"
-#include "support/as_nobody.h"
 #include "support/qt_text.h"
+#include "support/unreadable.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -67,12 +67,10 @@ TEST_F(ReadingCommandsTest, ControlCharactersAreNotObeyed) {
 
 // U+009B alone begins a command to a terminal, too.
 TEST_F(ReadingCommandsTest, NoResultOnATerminalIsObeyed) {
-    Sql("UPDATE Tables SET DisplayName = 'a' & chr(27) & '[2J', Author = 'b' & chrw(155) & 'c', "
-        "FileName = FileName & chr(7) WHERE ID = 1");
-    QFile::copy(QString::fromStdString(TablePath("Attack")),
-                QString::fromStdString(TablePath("Attack") + "\a"));
+    Sql("UPDATE Tables SET DisplayName = 'a' & chr(27) & '[2J', Author = 'b' & chrw(155) & 'c' "
+        "WHERE ID = 1");
     console.is_terminal = true;
-    settings.values[S("TAVOLO/GENERAL/VPEXE")] = S("/vp/vp.exe");
+    settings.values[S("TAVOLO/GENERAL/VPEXE")] = S("/vp/vp\a.exe");
     for (const char* words : {"list", "list --json", "show 1", "show --json 1", "play 1",
                               "play --dry-run 1", "verify --json", "set -v 1 Author=x"}) {
         Run(words);
@@ -264,11 +262,8 @@ TEST_F(ReadingCommandsTest, InfoOfOtherFilesIsToldSo) {
 TEST_F(ReadingCommandsTest, VerifySaysWhyAFileCannotBeRead) {
     Run("crc");
     const QString path = QString::fromStdString(TablePath("Attack"));
-    ASSERT_TRUE(QFile::setPermissions(path, {}));
-    for (const QString& open : {folder.path(), folder.filePath(S("tables"))})
-        ASSERT_TRUE(QFile::setPermissions(open, QFile::Permissions(0x7755)));
     ASSERT_TRUE(QFile::setPermissions(DatabasePath(), QFile::Permissions(0x6644)));
-    const test_support::AsNobody nobody;
+    const test_support::Unreadable unreadable({path.toStdU16String()});
     EXPECT_EQ(Run("verify"), kFailed);
     EXPECT_THAT(console.out, HasSubstr("1\tunreadable\t" + TablePath("Attack") +
                                        "\tAttack.vpt: cannot be read\n"));

@@ -3,11 +3,11 @@
 #include "catalogue/catalogue.h"
 #include "catalogue/process_values.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace dialogs {
 namespace {
@@ -40,7 +40,7 @@ protected:
         EXPECT_EQ(values.VisualPinballExe, QStringLiteral("before"));
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     test_support::FakeSettings settings;
     test_support::FakePrompts prompts;
     catalogue::ProcessValues values;

@@ -3,11 +3,11 @@
 #include "dialogs/box_driver.h"
 #include "dialogs/qt_user_prompts.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QLineEdit>
@@ -29,7 +29,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
     }
 
-    QTemporaryDir application;
+    test_support::TemporaryDir application;
     test_support::FakeShell shell;
     HelpKey key{shell, application.path()};
     QDialog window;

@@ -3,55 +3,57 @@
 #include "dialogs/program_version.h"
 #include "dialogs/system_information.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace dialogs {
 namespace {
 
-QString MakeHelpFile(const QTemporaryDir& folder) {
-    QFile file(folder.filePath(QStringLiteral("tavolo.chm")));
+QString MakeHelpFile(const test_support::TemporaryDir& folder) {
+    const QString path = folder.filePath(QStringLiteral("tavolo.chm"));
+    QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    return file.fileName();
+    return path;
 }
 
 TEST(HelpTest, TheHelpFileOfTheApplicationFolderComesFirst) {
-    const QTemporaryDir application;
-    const QTemporaryDir program;
+    const test_support::TemporaryDir application;
+    const test_support::TemporaryDir program;
     const QString own = MakeHelpFile(application);
     MakeHelpFile(program);
     EXPECT_EQ(HelpFile(application.path(), program.path()), own);
 }
 
 TEST(HelpTest, AnApplicationFolderWithoutHelpUsesTheProgramsOwn) {
-    const QTemporaryDir application;
-    const QTemporaryDir program;
+    const test_support::TemporaryDir application;
+    const test_support::TemporaryDir program;
     const QString delivered = MakeHelpFile(program);
     EXPECT_EQ(HelpFile(application.path(), program.path()), delivered);
 }
 
 TEST(HelpTest, AnInstalledProgramHasItsHelpInTheSharedFolder) {
-    const QTemporaryDir root;
+    const test_support::TemporaryDir root;
     QDir(root.path()).mkpath(QStringLiteral("bin"));
     QDir(root.path()).mkpath(QStringLiteral("share/tavolo"));
-    QFile file(root.filePath(QStringLiteral("share/tavolo/tavolo.chm")));
+    const QString path = root.filePath(QStringLiteral("share/tavolo/tavolo.chm"));
+    QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    EXPECT_EQ(HelpFile(root.path(), root.filePath(QStringLiteral("bin"))), file.fileName());
+    EXPECT_EQ(HelpFile(root.path(), root.filePath(QStringLiteral("bin"))), path);
 }
 
 TEST(HelpTest, WithoutAnyHelpFileTheOneOfTheApplicationFolderIsAskedFor) {
-    const QTemporaryDir application;
-    const QTemporaryDir program;
+    const test_support::TemporaryDir application;
+    const test_support::TemporaryDir program;
     EXPECT_EQ(HelpFile(application.path(), program.path()),
               application.filePath(QStringLiteral("tavolo.chm")));
 }
 
 TEST(HelpTest, TheShellOpensTheHelpFile) {
-    const QTemporaryDir application;
+    const test_support::TemporaryDir application;
     const QString own = MakeHelpFile(application);
     test_support::FakeShell shell;
     OpenHelp(shell, application.path());
@@ -59,8 +61,8 @@ TEST(HelpTest, TheShellOpensTheHelpFile) {
 }
 
 TEST(HelpTest, AMissingHelpFileReachesNobody) {
-    const QTemporaryDir application;
-    const QTemporaryDir program;
+    const test_support::TemporaryDir application;
+    const test_support::TemporaryDir program;
     test_support::FakeShell shell;
     OpenHelp(shell, application.path(), program.path());
     OpenHelpAtWindow(shell, application.path(), QStringLiteral("frmSettings"), program.path());
@@ -68,7 +70,7 @@ TEST(HelpTest, AMissingHelpFileReachesNobody) {
 }
 
 TEST(HelpTest, AShellThatCannotOpenItIsIgnored) {
-    const QTemporaryDir application;
+    const test_support::TemporaryDir application;
     MakeHelpFile(application);
     test_support::FakeShell shell;
     shell.answer = base::Status(base::StatusCode::kNotFound, "no viewer");
@@ -91,8 +93,8 @@ protected:
                          viewer);
     }
 
-    QTemporaryDir application;
-    QTemporaryDir program;
+    test_support::TemporaryDir application;
+    test_support::TemporaryDir program;
     test_support::FakeShell shell;
     std::vector<QString> shown;
     ShowHelpPage viewer = [this](const QString& page) { shown.push_back(page); };
@@ -133,11 +135,12 @@ TEST_F(HelpWithoutAViewerTest, LeaveTheHelpFileToTheDesktopsViewer) {
 TEST_F(HelpWithoutAViewerTest, OfTheInstalledProgramAreInTheSharedFolder) {
     QDir(program.path()).mkpath(QStringLiteral("bin"));
     QDir(program.path()).mkpath(QStringLiteral("share/tavolo/help"));
-    QFile page(program.filePath(QStringLiteral("share/tavolo/help/crc.html")));
+    const QString path = program.filePath(QStringLiteral("share/tavolo/help/crc.html"));
+    QFile page(path);
     ASSERT_TRUE(page.open(QIODevice::WriteOnly));
     EXPECT_EQ(HelpPageFile(application.path(), program.filePath(QStringLiteral("bin")),
                            QStringLiteral("crc.html")),
-              page.fileName());
+              path);
     EXPECT_EQ(HelpPageFile(application.path(), program.path(), QStringLiteral("none.html")),
               QString());
 }

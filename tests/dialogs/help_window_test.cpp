@@ -2,13 +2,13 @@
 #include "dialogs/help_window.h"
 
 #include "dialogs/help_pages.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QPointer>
-#include <QtCore/QTemporaryDir>
 #include <QtGui/QAction>
 #include <QtTest/QTest>
 #include <QtWidgets/QDialog>
@@ -39,7 +39,7 @@ protected:
         return "<html><head><title>" + title + "</title></head><body><p>" + text +
                "</p></body></html>";
     }
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
 };
 
 TEST_F(HelpSearchTest, AllWordsMustBeThereInAnyCase) {

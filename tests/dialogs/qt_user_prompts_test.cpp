@@ -2,12 +2,13 @@
 
 #include "dialogs/box_driver.h"
 #include "dialogs/qt_user_events.h"
+#include "support/system_facts.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtGui/QAbstractFileIconProvider>
 #include <QtTest/QTest>
@@ -175,7 +176,7 @@ protected:
         QTest::keyClick(edit, Qt::Key_Return);
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     platform::FileDialog request;
     QtUserPrompts prompts;
 };
@@ -217,8 +218,9 @@ TEST_F(FileDialogTest, ANamedDialogHasItsName) {
 }
 
 TEST_F(FileDialogTest, ANameWithAQuoteIsChosen) {
-    Make(QStringLiteral("a \"quoted\" name.bmp"));
-    request.file_name = folder.filePath(QStringLiteral("a \"quoted\" name.bmp"));
+    const QString name = QString::fromLatin1(test_support::kQuotedName) + QStringLiteral(".bmp");
+    Make(name);
+    request.file_name = folder.filePath(name);
     // For a file that does not exist the dialog would open a box of its own.
     QTimer boxes;
     QObject::connect(&boxes, &QTimer::timeout, [] {
@@ -260,9 +262,10 @@ TEST_F(FileDialogTest, APresetPathOpensItsFolderAndNamesTheFile) {
     request.file_name = folder.filePath(QStringLiteral("LOUD.BMP"));
     request.folder.clear();
     OpenWhile([this](QFileDialog& dialog) {
-        EXPECT_EQ(dialog.directory().absolutePath(), folder.path());
+        EXPECT_EQ(dialog.directory(), QDir(folder.path()));
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Select a Picture"));
-        EXPECT_EQ(dialog.selectedFiles(), QStringList{folder.filePath(QStringLiteral("LOUD.BMP"))});
+        EXPECT_EQ(dialog.selectedFiles(),
+                  QStringList{QDir::fromNativeSeparators(request.file_name)});
         dialog.reject();
     });
 }
@@ -296,8 +299,8 @@ TEST(FolderDialogTest, WithoutATitleItAsksForAFolder) {
 }
 
 TEST(FolderDialogTest, AFolderWithAQuoteIsChosen) {
-    const QTemporaryDir folder;
-    const QString wanted = folder.filePath(QStringLiteral("the \"best\""));
+    const test_support::TemporaryDir folder;
+    const QString wanted = folder.filePath(QString::fromLatin1(test_support::kQuotedName));
     ASSERT_TRUE(QDir().mkpath(wanted));
     QtUserPrompts prompts;
     BoxDriver driver(QStringLiteral("FolderDialog"), [&](QWidget& widget) {
@@ -311,7 +314,7 @@ TEST(FolderDialogTest, AFolderWithAQuoteIsChosen) {
 }
 
 TEST(FolderDialogTest, ATypedFolderIsChosen) {
-    const QTemporaryDir folder;
+    const test_support::TemporaryDir folder;
     QtUserPrompts prompts;
     BoxDriver driver(QStringLiteral("FolderDialog"), [&folder](QWidget& widget) {
         auto* edit = widget.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));

@@ -5,11 +5,11 @@
 #include "dialogs/frmSettings.h"
 #include "support/control.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
@@ -35,7 +35,7 @@ protected:
     }
 
     const QString kKey = QStringLiteral("TAVOLO/GENERAL/VPEXE");
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QString simulator = folder.filePath(QStringLiteral("VPinball.exe"));
     test_support::FakeSettings settings;
     test_support::FakePrompts prompts;

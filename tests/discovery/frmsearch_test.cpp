@@ -3,6 +3,7 @@
 #include "catalogue/collection_folders.h"
 #include "support/catalogue_fixture.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +43,7 @@ protected:
     void Search() { QTest::mouseClick(Find<QPushButton>("cmdgo"), Qt::LeftButton); }
     QString TextOf(const char* label) { return Find<QLabel>(label)->text(); }
 
-    QTemporaryDir tables;
+    test_support::TemporaryDir tables;
     std::unique_ptr<frmsearch> dialog;
     int refreshes = 0;
 };

@@ -3,6 +3,7 @@
 #include "catalogue/quoting.h"
 #include "jet/tables/database.h"
 #include "support/catalogue_fixture.h"
+#include "support/temporary_dir.h"
 #include "support/test_data.h"
 
 #include <QtCore/QDir>
@@ -106,10 +107,10 @@ TEST_F(KnownNamesTest, WhatChangesTheCatalogueMeanwhileIsSeen) {
 
 // Files of version 3 have other keys in their indexes; what equals a text is the same in both.
 TEST(KnownNamesInVersion3Test, NamesAreTheSameThatTheDatabaseTakesForTheSame) {
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("pinball.mdb"));
     const auto source = test_support::DataFolder() / "databases/catalogue-jet3.mdb";
-    ASSERT_TRUE(QFile::copy(QString::fromStdString(source), path));
+    ASSERT_TRUE(QFile::copy(QString::fromStdU16String(source.u16string()), path));
     ASSERT_TRUE(QFile(path).setPermissions(QFile::ReadOwner | QFile::WriteOwner));
     const auto files = platform::MakeFileSystem();
     jet::Connection connection(*files);

@@ -23,6 +23,8 @@ import time
 from pathlib import Path
 
 BUILD = Path(os.environ.get("TAVOLO_BUILD", "build/debug")).resolve()
+# Programs of the tests for this machine, where BUILD is another one's.
+TOOLS = Path(os.environ.get("TAVOLO_TOOLS", BUILD / "bin")).resolve()
 DATA = Path(__file__).resolve().parent.parent / "data"
 # Real files, where there are some.
 SAMPLES = Path(os.environ["TAVOLO_SHARED"]).resolve() / "samples" if os.environ.get("TAVOLO_SHARED") else None
@@ -69,7 +71,7 @@ def export_rows(database, table="Tables"):
 def make_table_file(path, texts=None, screenshot=None, filler=3000):
     """Writes a table file (a compound file) through libgsf; `texts` maps stream names to their texts."""
     Path(path).parent.mkdir(parents=True, exist_ok=True)
-    words = [str(BUILD / "bin" / "make_table_file"), str(path), "--filler", str(filler)]
+    words = [str(TOOLS / "make_table_file"), str(path), "--filler", str(filler)]
     for stream, text in (texts or {}).items():
         words += ["--text", stream, text]
     if screenshot:

@@ -7,6 +7,7 @@
 #include "platform/files.h"
 #include "support/catalogue_fixture.h"
 #include "support/qt_text.h"
+#include "support/temporary_dir.h"
 #include "tableinfo/storage_tools.h"
 
 #include <QtCore/QDir>
@@ -39,7 +40,7 @@ protected:
         return values_of_rows;
     }
 
-    QTemporaryDir root;
+    test_support::TemporaryDir root;
     QString folder = root.filePath(S(u"it's | mine/example"));
     QString delivered = QStringLiteral(EXAMPLE_FOLDER);
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();

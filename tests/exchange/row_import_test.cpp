@@ -7,12 +7,10 @@
 #include "support/catalogue_fixture.h"
 #include "support/check_database.h"
 #include "support/qt_text.h"
+#include "support/temporary_dir.h"
 #include "support/told_runner.h"
 
 #include <QtCore/QFile>
-
-#include <sys/stat.h>
-#include <thread>
 
 namespace exchange {
 namespace {
@@ -222,32 +220,15 @@ TEST_F(RowImportTest, ANameAsItIsWrittenComesFirst) {
                 ElementsAre("3: an earlier line has the same FileName"));
 }
 
-// A file that cannot be read on would look like one that ends there.
-TEST(ExchangeFileTest, AFileThatCannotBeReadIsAFailure) {
-    const auto bytes = ReadFile(S("/proc/self/mem"));
-    EXPECT_EQ(bytes.status().code(), base::StatusCode::kIoError) << bytes.status().message();
-    EXPECT_EQ(ReadFile(S("/none.csv")).status().message(), "File not found: /none.csv");
-    EXPECT_FALSE(ReadFile(S("/tmp")).ok());
-}
-
-TEST(ExchangeFileTest, APipeIsReadToItsEnd) {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(S("pipe"));
-    ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-    const QByteArray content = QByteArray("ID,Author\r\n1,x\r\n").repeated(10'000);
-    std::thread writer([&] {
-        QFile pipe(path);
-        EXPECT_TRUE(pipe.open(QIODevice::WriteOnly));
-        EXPECT_EQ(pipe.write(content), content.size());
-    });
-    const auto bytes = ReadFile(path);
-    writer.join();
-    ASSERT_TRUE(bytes.ok()) << bytes.status().message();
-    EXPECT_EQ(*bytes, content);
+TEST(ExchangeFileTest, WhatIsNoFileIsAFailure) {
+    const test_support::TemporaryDir folder;
+    const QString none = folder.filePath(S("none.csv"));
+    EXPECT_EQ(ReadFile(none).status().message(), "File not found: " + none.toStdString());
+    EXPECT_FALSE(ReadFile(folder.path()).ok());
 }
 
 TEST(ExchangeFileTest, TheWholeFileIsRead) {
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QFile file(folder.filePath(S("rows.csv")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     const QByteArray content = QByteArray("ID,Author\r\n1,x\r\n").repeated(100'000);

@@ -11,10 +11,9 @@
 #include "support/changing_commands.h"
 #include "support/check_database.h"
 #include "support/fakes.h"
+#include "support/programs.h"
 
 #include <gtest/gtest.h>
-
-#include <QtCore/QProcess>
 
 #include <algorithm>
 
@@ -28,13 +27,11 @@ constexpr char kRowEnd = '\x1E';
 
 // The header, then all rows.
 QList<QByteArray> Exported(const QString& database) {
-    QProcess exporting;
-    exporting.start(QStringLiteral("mdb-export"),
-                    {QStringLiteral("-R"), QString(QLatin1Char(kRowEnd)), QStringLiteral("-T"),
-                     QStringLiteral("%Y-%m-%d %H:%M:%S"), database, QStringLiteral("Tables")});
-    EXPECT_TRUE(exporting.waitForFinished(-1) && exporting.exitCode() == 0)
-        << exporting.errorString().toStdString();
-    QList<QByteArray> rows = exporting.readAllStandardOutput().split(kRowEnd);
+    const auto exported =
+        test_support::OutputOf({"mdb-export", "-R", std::string(1, kRowEnd), "-T",
+                                "%Y-%m-%d %H:%M:%S", database.toStdString(), "Tables"});
+    EXPECT_TRUE(exported) << "mdb-export failed";
+    QList<QByteArray> rows = QByteArray::fromStdString(exported.value_or("")).split(kRowEnd);
     std::sort(rows.begin(), rows.end());
     return rows;
 }

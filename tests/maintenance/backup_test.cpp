@@ -57,9 +57,9 @@ TEST_F(BackupTest, TheMessageSaysWhereItIsAndHowToRestore) {
     Backup();
     EXPECT_EQ(prompts.messages,
               std::vector{(platform::Message{
-                  QStringLiteral("Database copied to:%1/pinball.BU\r\nRename to %1/pinball.mdb "
+                  QStringLiteral("Database copied to:%1pinball.BU\r\nRename to %1pinball.mdb "
                                  "WHILE TAVOLO IS NOT RUNNING to restore.")
-                      .arg(folder.path()),
+                      .arg(folder.prefix()),
                   QStringLiteral("the caption"), platform::MessageIcon::kInformation,
                   platform::MessageButtons::kOk})});
     EXPECT_EQ(refreshes, 0);

@@ -10,11 +10,11 @@
 #include "maintenance/reset_paths.h"
 #include "platform/files.h"
 #include "support/catalogue_fixture.h"
+#include "support/programs.h"
 #include "support/test_data.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QProcess>
 
 namespace maintenance {
 namespace {
@@ -64,18 +64,16 @@ protected:
         EXPECT_TRUE(done.ok()) << done.message();
         return moved;
     }
-    static QByteArray Output(const QString& program, const QStringList& arguments) {
-        QProcess process;
-        process.start(program, arguments);
-        EXPECT_TRUE(process.waitForFinished(60'000)) << program.toStdString();
-        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardOutput().toStdString();
-        return process.readAllStandardOutput();
-    }
     static QByteArray ExportedRows(const QString& database) {
-        return Output(QStringLiteral("mdb-export"), {database, QStringLiteral("Tables")});
+        const auto exported =
+            test_support::OutputOf({"mdb-export", database.toStdString(), "Tables"});
+        EXPECT_TRUE(exported) << "mdb-export failed";
+        return QByteArray::fromStdString(exported.value_or(""));
     }
     static void ExpectSound(const QString& database) {
-        Output(QStringLiteral(TAVOLO_BIN_FOLDER "/tavolo-dbcheck"), {database});
+        const auto run =
+            test_support::RunProgram({TAVOLO_BIN_FOLDER "/tavolo-dbcheck", database.toStdString()});
+        EXPECT_EQ(run.status, 0) << run.output;
     }
     void CloseAndExpectSound() {
         ASSERT_TRUE(connection->Close().ok());

@@ -2,12 +2,12 @@
 
 #include "maintenance/failing_files.h"
 #include "platform/file_system.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
 #include <QtCore/QStringList>
-#include <QtCore/QTemporaryDir>
 
 namespace maintenance {
 namespace {
@@ -28,7 +28,7 @@ protected:
         return all;
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QString path = folder.filePath(QStringLiteral("lines.dat"));
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
 };

@@ -5,17 +5,14 @@ Pictures go to FOLDER/pictures/setup.
 """
 
 import os
-import shutil
 import subprocess
 import sys
-import tempfile
 import unittest
 from pathlib import Path
 
 FOLDER = Path(sys.argv.pop()).resolve()
 os.environ["TAVOLO_BUILD"] = str(FOLDER)
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "e2e"))
-import driver  # noqa: E402
+from wine_desktop import Wine, driver  # noqa: E402
 
 CLASSES = r"HKCU\Software\Classes"
 LISTED = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tavolo"
@@ -25,41 +22,22 @@ class WindowsSetupTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.desktop = driver.Desktop("setup").__enter__()
-        cls.prefix = Path(tempfile.mkdtemp(prefix="tavolo-setup-"))
-        cls.env = dict(cls.desktop.env, WINEPREFIX=str(cls.prefix), WINEDEBUG="-all", WINEDLLOVERRIDES="mscoree,mshtml=")
-        subprocess.run(["wineboot", "--init"], env=cls.env, check=True, capture_output=True)
-        subprocess.run(["wineserver", "--wait"], env=cls.env, check=True)
-        local = next(cls.prefix.glob("drive_c/users/*/AppData/Local"))
-        cls.installed = local / "Programs/Tavolo"
-        cls.data = local / "Tavolo"
+        cls.wine = Wine(cls.desktop).__enter__()
+        cls.prefix, cls.installed, cls.data = cls.wine.prefix, cls.wine.installed, cls.wine.data
 
     @classmethod
     def tearDownClass(cls):
-        subprocess.run(["wineserver", "--kill", "--wait"], env=cls.env)
-        shutil.rmtree(cls.prefix, ignore_errors=True)
+        cls.wine.__exit__()
         cls.desktop.__exit__()
-
-    def wine(self, *words):
-        return subprocess.run(["wine", *map(str, words)], env=self.env, capture_output=True, text=True, timeout=300)
 
     def registry(self, key, name=None):
         """The text of a value, the unnamed one for None; None: there is none."""
-        ran = self.wine("reg", "query", key, *(["/v", name] if name else ["/ve"]))
+        ran = self.wine.run("reg", "query", key, *(["/v", name] if name else ["/ve"]))
         lines = [line for line in ran.stdout.splitlines() if "REG_" in line]
         return lines[0].split("REG_SZ")[1].strip() if ran.returncode == 0 and lines else None
 
-    def set_up(self):
-        return self.wine(FOLDER / "tavolo-setup.exe", "/S").returncode
-
-    def remove(self):
-        self.wine(self.installed / "uninstall.exe", "/S")
-        # It goes on in a copy of itself, so that it can remove itself.
-        driver.wait_for(lambda: not (self.installed / "uninstall.exe").exists(), "the end of the removal")
-        subprocess.run(["wineserver", "--wait"], env=self.env, timeout=60)
-
     def start(self, *words):
-        program = subprocess.Popen(["wine", str(self.installed / "bin/tavolo.exe"), *words], env=self.env,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        program = self.wine.start(self.installed / "bin/tavolo.exe", *words)
         self.addCleanup(program.wait)
         return program
 
@@ -68,12 +46,12 @@ class WindowsSetupTest(unittest.TestCase):
                                f"a window {begin!r}", timeout=90)
 
     def close(self, title, program):
-        subprocess.run(["wmctrl", "-F", "-c", title], env=self.env, check=True)
+        subprocess.run(["wmctrl", "-F", "-c", title], env=self.wine.env, check=True)
         self.assertEqual(program.wait(timeout=60), 0)
 
     def test_what_is_installed_is_removed_and_nothing_else(self):
-        self.wine("reg", "add", CLASSES + r"\.vpt", "/ve", "/d", "Other.Kind", "/f")
-        self.assertEqual(self.set_up(), 0)
+        self.wine.run("reg", "add", CLASSES + r"\.vpt", "/ve", "/d", "Other.Kind", "/f")
+        self.assertEqual(self.wine.set_up(), 0)
         staged = FOLDER / "tavolo"
         beside = {"bin/pinball.mdb", "bin/tavolo.chm", "bin/Pinball.wav", "bin/slingshot.wav"}  # of the folder that is carried about
         wanted = {str(path.relative_to(staged)) for path in staged.rglob("*") if path.is_file()} - beside
@@ -84,10 +62,10 @@ class WindowsSetupTest(unittest.TestCase):
         self.assertEqual(self.registry(CLASSES + r"\.vpt"), "Tavolo.Table")
         self.assertIn(r"bin\tavolo.exe", self.registry(CLASSES + r"\Tavolo.Table\shell\open\command"))
         # Once more, over it: what opened table files before is not forgotten.
-        self.assertEqual(self.set_up(), 0)
+        self.assertEqual(self.wine.set_up(), 0)
         self.data.mkdir(exist_ok=True)
         (self.data / "kept").write_text("of the user")
-        self.remove()
+        self.wine.remove()
         self.assertFalse(self.installed.exists())
         self.assertEqual(list(self.prefix.rglob("Tavolo.lnk")), [])
         self.assertIsNone(self.registry(LISTED, "DisplayName"))
@@ -95,17 +73,17 @@ class WindowsSetupTest(unittest.TestCase):
         self.assertTrue((self.data / "kept").exists())
 
     def test_the_installed_programs_work(self):
-        self.assertEqual(self.set_up(), 0)
+        self.assertEqual(self.wine.set_up(), 0)
         program = self.start("--demo")
         title = self.wait_window("Tavolo")
         driver.time.sleep(3)
         self.desktop.picture("example")
-        self.assertEqual(self.set_up(), 2)  # while it runs
+        self.assertEqual(self.wine.set_up(), 2)  # while it runs
         self.close(title, program)
         catalogue = next(self.data.rglob("pinball.mdb"))
-        checked = self.wine(self.installed / "bin/tavolo-dbcheck.exe", catalogue)
+        checked = self.wine.run(self.installed / "bin/tavolo-dbcheck.exe", catalogue)
         self.assertEqual(checked.returncode, 0, checked.stdout + checked.stderr)
-        listed = self.wine(self.installed / "bin/tavolo-cli.exe", "--folder", catalogue.parent, "list")
+        listed = self.wine.run(self.installed / "bin/tavolo-cli.exe", "--folder", catalogue.parent, "list")
         self.assertEqual(listed.returncode, 0, listed.stderr)
         self.assertIn("Harbour Lights", listed.stdout)
 
@@ -115,7 +93,7 @@ class WindowsSetupTest(unittest.TestCase):
         driver.time.sleep(2)  # for the picture: it is there before it is painted
         self.desktop.picture("first-start")
         self.assertTrue((self.data / "pinball.mdb").exists())
-        subprocess.run(["wineserver", "--kill", "--wait"], env=self.env)
+        subprocess.run(["wineserver", "--kill", "--wait"], env=self.wine.env)
         program.wait(timeout=60)
 
 

@@ -4,13 +4,13 @@
 #include "pictures/test_pictures.h"
 #include "platform/application_folder.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
 #include <QtGui/QImageReader>
 
 namespace pictures {
@@ -21,7 +21,7 @@ protected:
     CaptureSessionTest() { values.ApplicationFolder = folder.path(); }
     QString In(const char16_t* name) const { return folder.filePath(QString::fromUtf16(name)); }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     catalogue::ProcessValues values;
     test_support::FakePrompts prompts;
     CaptureSession session{values, prompts};
@@ -107,7 +107,7 @@ TEST_F(CaptureSessionTest, TheDialogOpensWhereACaptureWasSavedLast) {
     prompts.files = {In(u"shot.jpg")};
     EXPECT_FALSE(session.Save().isEmpty());
     session.Save();
-    EXPECT_EQ(prompts.dialogs[2].folder, folder.path() + u'/');
+    EXPECT_EQ(prompts.dialogs[2].folder, folder.prefix());
     EXPECT_EQ(values.LastPictureDir, QString()) << "that is another folder";
 }
 

@@ -3,10 +3,10 @@
 #include "catalogue/process_values.h"
 #include "pictures/test_pictures.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QTemporaryDir>
 #include <QtGui/QClipboard>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QScreen>
@@ -30,7 +30,7 @@ protected:
         return window.findChild<QAction*>(QString::fromUtf16(name));
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     catalogue::ProcessValues values;
     test_support::FakePrompts prompts;
     std::vector<QString> assigned;
@@ -83,7 +83,7 @@ TEST_F(CaptureWindowTest, F2InThePictureSavesAndAssigns) {
     prompts.files = {path};
     QTest::keyClick(window.findChild<QWidget*>(QStringLiteral("view")), Qt::Key_F2);
     EXPECT_EQ(assigned, std::vector<QString>{path});
-    EXPECT_EQ(values.LastPictureDir, folder.path() + u'/');
+    EXPECT_EQ(values.LastPictureDir, folder.prefix());
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(window.result(), QDialog::Accepted);
 }

@@ -2,11 +2,11 @@
 
 #include "pictures/test_pictures.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace pictures {
 namespace {
@@ -54,7 +54,7 @@ protected:
         return section.Load(path, prompts);
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     test_support::FakePrompts prompts;
     cDIBSection section;
 };

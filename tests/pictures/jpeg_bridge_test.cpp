@@ -2,17 +2,14 @@
 
 #include "pictures/test_pictures.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
 
-#include <sys/resource.h>
-
-#include <csignal>
 #include <vector>
 
 namespace pictures::Helpers {
@@ -20,7 +17,7 @@ namespace {
 
 class JpegBridgeTest : public testing::Test {
 protected:
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     QString path = folder.filePath(QStringLiteral("picture.jpg"));
     test_support::FakePrompts prompts;
     cDIBSection section;
@@ -134,40 +131,6 @@ TEST_F(JpegBridgeTest, UnwritableFolderLeavesNothingBehind) {
     const auto section_of = test_pictures::SectionOf(test_pictures::Colourful(8, 8));
     EXPECT_FALSE(SaveJPG(section_of, nowhere, prompts).ok());
     EXPECT_FALSE(QFileInfo::exists(nowhere));
-}
-
-// No file of this process may grow past so many bytes while the guard lives: a full disk in small.
-class SmallDisk {
-public:
-    explicit SmallDisk(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-private:
-    rlimit before_{};
-    void (*handler_)(int) = nullptr;
-};
-
-TEST_F(JpegBridgeTest, FullDiskKeepsWhatWasThere) {
-    Write("the old picture");
-    {
-        const SmallDisk disk(1000);
-        const auto picture = test_pictures::SectionOf(test_pictures::Colourful(400, 300));
-        EXPECT_FALSE(SaveJPG(picture, path, prompts).ok());
-    }
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), QByteArrayLiteral("the old picture"));
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
 }
 
 TEST_F(JpegBridgeTest, NullAddressIsAnEmptyText) {

@@ -1,11 +1,12 @@
 #include "pictures/jpeg_codec.h"
 
 #include "pictures/test_pictures.h"
+#include "support/programs.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QProcess>
-#include <QtCore/QTemporaryDir>
+#include <QtCore/QFile>
 #include <QtGui/QImageReader>
 
 #include <cstdio>
@@ -54,15 +55,14 @@ std::vector<std::uint8_t> FourChannelJpeg(int width, int height, std::array<std:
 
 // What djpeg of libjpeg-turbo makes of the file at a scale; a null image without that program.
 QImage DjpegOutput(const std::vector<std::uint8_t>& jpeg, int scale) {
-    QProcess djpeg;
-    djpeg.start(
-        QStringLiteral("djpeg"),
-        {QStringLiteral("-scale"), QStringLiteral("1/%1").arg(scale), QStringLiteral("-pnm")});
-    if (!djpeg.waitForStarted()) return {};
-    djpeg.write(reinterpret_cast<const char*>(jpeg.data()), static_cast<qint64>(jpeg.size()));
-    djpeg.closeWriteChannel();
-    djpeg.waitForFinished();
-    return QImage::fromData(djpeg.readAllStandardOutput(), "PNM");
+    const test_support::TemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("in.jpg")));
+    if (!file.open(QFile::WriteOnly)) return {};
+    file.write(reinterpret_cast<const char*>(jpeg.data()), static_cast<qint64>(jpeg.size()));
+    file.close();
+    const auto written = test_support::OutputOf(
+        {"djpeg", "-scale", "1/" + std::to_string(scale), "-pnm", file.fileName().toStdString()});
+    return QImage::fromData(QByteArray::fromStdString(written.value_or("")), "PNM");
 }
 
 TEST(JpegCodecTest, ReducedSizesRoundUp) {

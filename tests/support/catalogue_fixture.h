@@ -13,11 +13,11 @@
 #include "platform/file_system.h"
 #include "support/counting_database.h"
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QTemporaryDir>
 
 #include <memory>
 
@@ -79,7 +79,7 @@ protected:
         return value.ok() ? catalogue::FieldText(*value) : QStringLiteral("<error>");
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     std::unique_ptr<jet::FileSystem> files = platform::MakeFileSystem();
     WalkCounts walks;
     std::unique_ptr<jet::Connection> connection = std::make_unique<jet::Connection>(

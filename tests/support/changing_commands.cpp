@@ -84,7 +84,8 @@ QString PlaceForManyFiles() {
 }
 
 QString TableFile(const QString& folder, int i) {
-    return QStringLiteral("%1/table %2.vpt").arg(folder).arg(i % kTableFiles);
+    return QDir::toNativeSeparators(
+        QStringLiteral("%1/table %2.vpt").arg(folder).arg(i % kTableFiles));
 }
 
 QString Checksum(int row) {

@@ -4,9 +4,9 @@
 
 #include "base/status.h"
 #include "catalogue/catalogue.h"
+#include "support/temporary_dir.h"
 
 #include <QtCore/QStringList>
-#include <QtCore/QTemporaryDir>
 
 #include <functional>
 #include <vector>
@@ -42,7 +42,7 @@ private:
     void WriteLauncherFile() const;
     void WriteRowsFile() const;
 
-    QTemporaryDir folder_;
+    test_support::TemporaryDir folder_;
     int rows_;
 };
 

@@ -21,8 +21,8 @@ extern const char* const kHardFileName;
 
 // Whether this machine has the tool.
 bool HasTool(const std::string& name);
-// Standard output of a tool of this machine; nullopt: it failed. Words that name files that are
-// there reach the tool as it knows them.
+// Standard output of a tool of this machine; nullopt: it failed. Words that name files, or
+// files to be made in folders that are there, reach the tool as it knows them.
 std::optional<std::string> OutputOf(const std::vector<std::string>& command);
 
 }  // namespace test_support

@@ -2,6 +2,7 @@
 #include "tableinfo/frmReadVPT.h"
 
 #include "support/fakes.h"
+#include "support/temporary_dir.h"
 #include "support/vpt_builder.h"
 #include "tableinfo/recorded_details.h"
 #include "widgets/picture_box.h"
@@ -10,7 +11,6 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
@@ -68,7 +68,7 @@ protected:
         QTest::mouseClick(Find<QPushButton>(QLatin1String(button)), Qt::LeftButton);
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
     test_support::FakePrompts prompts;
     test_support::FakeShell shell;
     RecordedDetails details;

@@ -1,12 +1,12 @@
 #include "tableinfo/storage_tools.h"
 
+#include "support/temporary_dir.h"
 #include "support/test_data.h"
 #include "support/vpt_builder.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
 
 namespace tableinfo {
 namespace {
@@ -39,7 +39,7 @@ protected:
         EXPECT_EQ(LoadTableScreenshot(path), std::nullopt);
     }
 
-    QTemporaryDir folder_;
+    test_support::TemporaryDir folder_;
 };
 
 TEST_F(StorageToolsTest, AStreamIsReadAsItsText) {

@@ -1,11 +1,11 @@
 #include "thumbnails/table_picture.h"
 
+#include "support/temporary_dir.h"
 #include "support/vpt_builder.h"
 #include "thumbnails/pictures_of_tests.h"
 #include "thumbnails/thumbnail_file.h"
 
 #include <QtCore/QDateTime>
-#include <QtCore/QTemporaryDir>
 
 namespace thumbnails {
 namespace {
@@ -38,7 +38,7 @@ protected:
         ASSERT_TRUE(WriteThumbnail(kept_in, *original, 128, Painted(80, 60, color)).ok());
     }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
 };
 
 TEST_F(TablePictureTest, TheFileOfTheRowComesFirst) {

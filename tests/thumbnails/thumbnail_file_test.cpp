@@ -1,10 +1,10 @@
 #include "thumbnails/thumbnail_file.h"
 
+#include "support/temporary_dir.h"
 #include "thumbnails/pictures_of_tests.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtCore/QTemporaryDir>
 
 namespace thumbnails {
 namespace {
@@ -18,30 +18,8 @@ protected:
     }
     QString Folder() const { return folder.filePath(QStringLiteral("cache/thumbnails")); }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
 };
-
-// The example of the standard.
-TEST_F(ThumbnailFileTest, TheNameIsThatOfTheStandard) {
-    EXPECT_EQ(UriOf(QStringLiteral("/home/jens/photos/me.png")), kMe.uri);
-    EXPECT_EQ(ThumbnailPath(QStringLiteral("/c"), kMe.uri, 128).toStdString(),
-              "/c/normal/c6ee772d9e49320e97ec29a7eb5b1697.png");
-    EXPECT_EQ(ThumbnailPath(QStringLiteral("/c"), kMe.uri, 256).toStdString(),
-              "/c/large/c6ee772d9e49320e97ec29a7eb5b1697.png");
-}
-
-TEST_F(ThumbnailFileTest, AUriEscapesWhatDesktopsEscape) {
-    EXPECT_EQ(UriOf(QStringLiteral("/a b/\u00F6;[1]%#?.png")).toStdString(),
-              "file:///a%20b/%C3%B6%3B%5B1%5D%25%23%3F.png");
-    EXPECT_EQ(UriOf(QStringLiteral("/-_.!~*'()&=:@+$,aZ09")).toStdString(),
-              "file:///-_.!~*'()&=:@+$,aZ09");
-}
-
-TEST_F(ThumbnailFileTest, AUriHasTheWholePath) {
-    EXPECT_EQ(UriOf(QStringLiteral("/a/../b/./c.png")).toStdString(), "file:///b/c.png");
-    EXPECT_TRUE(UriOf(QStringLiteral("c.png")).startsWith("file:///"));
-    EXPECT_TRUE(UriOf(QStringLiteral("c.png")).endsWith("/c.png"));
-}
 
 TEST_F(ThumbnailFileTest, TheKindFillsTheBox) {
     EXPECT_EQ(SideFor({96, 72}), 128);
@@ -70,15 +48,6 @@ TEST_F(ThumbnailFileTest, OtherProgramsFindTheirTexts) {
     EXPECT_EQ(read.text(QStringLiteral("Thumb::MTime")).toStdString(), "1000000");
     EXPECT_EQ(read.text(QStringLiteral("Software")).toStdString(), "Tavolo");
     EXPECT_FALSE(read.textKeys().contains(QStringLiteral("Comment")));
-}
-
-TEST_F(ThumbnailFileTest, TheyAreTheUsersAlone) {
-    ASSERT_TRUE(WriteThumbnail(Folder(), kMe, 128, Painted(10, 10)).ok());
-    const QFileInfo file(PathOf(kMe));
-    const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
-    EXPECT_FALSE(file.permissions() & others);
-    EXPECT_FALSE(QFileInfo(file.path()).permissions() & others);
-    EXPECT_EQ(QDir(file.path()).entryList(QDir::Files).size(), 1) << "nothing is left beside it";
 }
 
 TEST_F(ThumbnailFileTest, AnotherStateOfTheFileHasNone) {

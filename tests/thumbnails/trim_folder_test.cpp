@@ -1,10 +1,11 @@
 #include "thumbnails/trim_folder.h"
 
+#include "support/temporary_dir.h"
 #include "thumbnails/pictures_of_tests.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
-#include <QtCore/QTemporaryDir>
+#include <QtCore/QFileInfo>
 
 namespace thumbnails {
 namespace {
@@ -13,7 +14,7 @@ class TrimFolderTest : public testing::Test {
 protected:
     void Write(const QString& name, int bytes, qint64 written_s) {
         const QString path = folder.filePath(name);
-        ASSERT_TRUE(QDir().mkpath(path.section(u'/', 0, -2)));
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
         WriteBytes(path, QByteArray(bytes, 'x'));
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
@@ -22,7 +23,7 @@ protected:
     }
     bool Has(const QString& name) { return QFile::exists(folder.filePath(name)); }
 
-    QTemporaryDir folder;
+    test_support::TemporaryDir folder;
 };
 
 TEST_F(TrimFolderTest, TheOldestGoUntilThreeQuartersAreLeft) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QtGui/QHelpEvent>
+#include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolTip>
@@ -32,6 +33,7 @@ TEST(ElidedLabelTest, BeginningAndEndOfALongTextAreShownAndTheWholeIsItsToolTip)
     AskForToolTip(label);
     EXPECT_TRUE(QToolTip::text().contains(kLong.toHtmlEscaped()));
     QToolTip::hideText();
+    EXPECT_TRUE(QTest::qWaitFor([] { return QToolTip::text().isEmpty(); }));  // it fades
 }
 
 TEST(ElidedLabelTest, AShortTextIsWholeAndHasNoToolTip) {

@@ -24,6 +24,7 @@ base::Status FolderFailure(const base::Status& failure, const QString& folder) {
         return failure;
     case base::StatusCode::kNotFound:
         return FileError(base::StatusCode::kNotFound, "Path not found", folder, kPathNotFound);
+    case base::StatusCode::kBusy:  // another program has it to itself
     case base::StatusCode::kPermissionDenied:
         return FileError(base::StatusCode::kPermissionDenied, "Permission denied", folder,
                          kPermissionDenied);

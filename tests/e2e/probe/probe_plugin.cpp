@@ -1,7 +1,9 @@
 // A Qt plugin of the tests that is loaded into the real, unchanged program
-// (QT_QPA_GENERIC_PLUGINS=tavolo_probe) and answers, on the local socket named by
-// TAVOLO_PROBE_SOCKET, where its widgets are and what they show, so that a test can click them with
-// a real pointer. It changes nothing in the program. One JSON object per line in, one per line out:
+// (QT_QPA_GENERIC_PLUGINS=tavolo_probe), or linked to it, and answers, on the local socket named by
+// TAVOLO_PROBE_SOCKET ("port:FILE": on a port of this machine, whose number it writes into FILE,
+// for programs of another system than the test's), where its widgets are and what they show, so
+// that a test can click them with a real pointer. It changes nothing in the program. One JSON
+// object per line in, one per line out:
 //   {"op":"widgets","name":N}           every widget named N
 //   {"op":"windows"}                    visible top-level windows
 //   {"op":"item","name":N,"text":T}     the item with text T of the item view (or open combo box
@@ -19,6 +21,8 @@
 //   {"op":"watch"}                      from now on a timer ticks every two milliseconds
 //   {"op":"stall"}                      the longest time between two ticks, and the most that the
 //   thread has worked between two, in milliseconds; the timer ends
+#include "window_number.h"
+
 #include <QtCore/QAbstractNativeEventFilter>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QHash>
@@ -26,12 +30,15 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QPointer>
+#include <QtCore/QSaveFile>
 #include <QtCore/QVariant>
 #include <QtGui/QAction>
 #include <QtGui/QStyleHints>
 #include <QtGui/qgenericplugin.h>
 #include <QtNetwork/QLocalServer>
 #include <QtNetwork/QLocalSocket>
+#include <QtNetwork/QTcpServer>
+#include <QtNetwork/QTcpSocket>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QComboBox>
@@ -80,7 +87,7 @@ QJsonObject Describe(const QWidget& widget) {
     object[QStringLiteral("focus")] = widget.hasFocus();
     object[QStringLiteral("checked")] = widget.property("checked").toBool();
     // Of its window, as X11 numbers it; 0 while it has none.
-    object[QStringLiteral("id")] = static_cast<qint64>(widget.window()->effectiveWinId());
+    object[QStringLiteral("id")] = probe::WindowNumber(widget.window()->effectiveWinId());
     object[QStringLiteral("modal")] = QApplication::activeModalWidget() == widget.window();
     return object;
 }
@@ -391,17 +398,38 @@ public:
         qApp->installNativeEventFilter(g_answer);
         g_ticker = new Ticker;
         g_ticker->setParent(qApp);
-        QLocalServer::removeServer(socket_name);
-        connect(&server_, &QLocalServer::newConnection, this, [this] {
-            QLocalSocket* socket = server_.nextPendingConnection();
-            connect(socket, &QLocalSocket::readyRead, socket, [socket] { Serve(*socket); });
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        });
-        server_.listen(socket_name);
+        const QLatin1String port("port:");
+        if (socket_name.startsWith(port))
+            ListenAtPort(socket_name.mid(port.size()));
+        else
+            ListenAtSocket(socket_name);
     }
 
 private:
-    static void Serve(QLocalSocket& socket) {
+    void ListenAtSocket(const QString& name) {
+        QLocalServer::removeServer(name);
+        connect(&server_, &QLocalServer::newConnection, this,
+                [this] { ServeNext<QLocalSocket>(server_); });
+        server_.listen(name);
+    }
+    void ListenAtPort(const QString& file_of_number) {
+        connect(&port_server_, &QTcpServer::newConnection, this,
+                [this] { ServeNext<QTcpSocket>(port_server_); });
+        port_server_.listen(QHostAddress::LocalHost);
+        QSaveFile file(file_of_number);
+        if (!file.open(QIODevice::WriteOnly)) return;
+        file.write(QByteArray::number(port_server_.serverPort()));
+        file.commit();
+    }
+
+    template <typename Socket>
+    static void ServeNext(auto& server) {
+        Socket* socket = server.nextPendingConnection();
+        connect(socket, &Socket::readyRead, socket, [socket] { Serve(*socket); });
+        connect(socket, &Socket::disconnected, socket, &QObject::deleteLater);
+    }
+    template <typename Socket>
+    static void Serve(Socket& socket) {
         while (socket.canReadLine()) {
             const QJsonObject question = QJsonDocument::fromJson(socket.readLine()).object();
             socket.write(QJsonDocument(Answer(question)).toJson(QJsonDocument::Compact) + '\n');
@@ -410,6 +438,7 @@ private:
     }
 
     QLocalServer server_;
+    QTcpServer port_server_;
 };
 
 }  // namespace

@@ -21,15 +21,20 @@ constexpr std::string_view kStatusMark = "\n<status>";
 constexpr std::string_view kEndMark = "<end>";
 constexpr std::chrono::seconds kMaxRunLength{60};
 
-// How the system around Wine calls a file of this one.
+bool HasDrive(const std::string& word) {
+    return word.size() > 2 && word[1] == ':' && (word[2] == '\\' || word[2] == '/');
+}
+
+// How the system around Wine calls a file of this one, or one that is to be made.
 std::string NameOutside(const std::string& word) {
     using GetName = char*(CDECL*)(const wchar_t*);
     static const auto get_name = reinterpret_cast<GetName>(reinterpret_cast<void*>(
         GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
     std::error_code failed;
-    if (get_name == nullptr || word.find('\\') == std::string::npos) return word;
+    if (get_name == nullptr || (word.find('\\') == std::string::npos && !HasDrive(word)))
+        return word;
     const std::filesystem::path full = std::filesystem::absolute(Wide(word), failed);
-    if (failed || !std::filesystem::exists(full, failed)) return word;
+    if (failed || !std::filesystem::exists(full.parent_path(), failed)) return word;
     char* const name = get_name(full.c_str());
     if (name == nullptr) return word;
     const std::string copy = name;

@@ -1,0 +1,11 @@
+#include "support/system_facts.h"
+
+namespace test_support {
+
+const char* const kQuotedName = "a \"quoted\" name";
+
+std::vector<const char*> PictureFormats() {
+    return {"bmp", "jpg", "png", "webp"};
+}
+
+}  // namespace test_support
