@@ -30,7 +30,8 @@ constexpr int kListLetters = 84;
 enum Column { kStored, kHere, kPaths, kFound };
 
 QString NumberText(std::int64_t number) {
-    return QLocale::c().toString(static_cast<qlonglong>(number));
+    return QLocale(QLocale::English, QLocale::UnitedStates)
+        .toString(static_cast<qlonglong>(number));
 }
 
 QTreeWidgetItem* ItemOf(const PathPair& pair) {
@@ -174,9 +175,12 @@ void frmPathMap::Count() {
         item->setText(kPaths, NumberText(counts.pairs[i].stored));
         item->setText(kFound, NumberText(counts.pairs[i].found));
     }
+    const QString others =
+        pairs_.empty()
+            ? MaintenanceTexts::tr("%1 of the %2 paths in the catalogue are found here.")
+            : MaintenanceTexts::tr("Of the paths that begin otherwise %1 of %2 are found here.");
     lblOthers_->setText(
-        MaintenanceTexts::tr("Of the paths that begin otherwise %1 of %2 are found here.")
-            .arg(NumberText(counts.others.found), NumberText(counts.others.stored)));
+        others.arg(NumberText(counts.others.found), NumberText(counts.others.stored)));
     Q_EMIT Counted();
 }
 
@@ -243,27 +247,34 @@ void frmPathMap::LookInFolder() {
 }
 
 void frmPathMap::ProposeFrom(const QStringList& folders) {
+    bool was_stopped = false;
     const auto proposed = catalogue::RunLong(
         catalogue_,
         {MaintenanceTexts::tr("Looking for the files"), catalogue::LongRun::Stop::kOnRequest},
         [&](const base::RunSteps& steps) {
-            return catalogue::ProposePairs(stored_, folders, catalogue::PathMap(pairs_), steps);
+            auto pairs =
+                catalogue::ProposePairs(stored_, folders, catalogue::PathMap(pairs_), steps);
+            was_stopped = steps.stop.stop_requested();
+            return pairs;
         });
-    if (proposed.empty()) {
-        platform::Message message;
-        message.text = MaintenanceTexts::tr("None of the files that are missing was found in the "
-                                            "folders that were looked through.");
-        message.title = windowTitle();
-        message.icon = platform::MessageIcon::kInformation;
-        prompts_.Ask(message);
-        return;
-    }
+    if (was_stopped) return;
+    if (proposed.empty()) return SayNothingWasFound();
     if (!Agrees(proposed)) return;
     std::vector<PathPair> pairs = pairs_;
     for (const catalogue::ProposedPair& each : proposed)
         pairs.push_back(each.pair);
     catalogue::ShowError(prompts_, Change(std::move(pairs)));
     Count();
+}
+
+void frmPathMap::SayNothingWasFound() {
+    platform::Message message;
+    message.text = MaintenanceTexts::tr(
+        "None of the missing files was found in the folders that were looked through. \"Look in "
+        "Folder...\" looks through another one.");
+    message.title = windowTitle();
+    message.icon = platform::MessageIcon::kInformation;
+    prompts_.Ask(message);
 }
 
 bool frmPathMap::Agrees(const std::vector<catalogue::ProposedPair>& proposed) {

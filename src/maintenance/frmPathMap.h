@@ -53,6 +53,7 @@ private:
     void Propose();
     void LookInFolder();
     void ProposeFrom(const QStringList& folders);
+    void SayNothingWasFound();
     bool Agrees(const std::vector<catalogue::ProposedPair>& proposed);
     int ChosenRow() const;  // -1: none
 

@@ -317,7 +317,7 @@ TEST_F(CommandsTest, ThePathMapShowsWhatIsFoundAndClosesWhenThatIsKnown) {
     });
     timer.start(0);
     Run(u"mnuPathMap");
-    EXPECT_EQ(seen, S(u"Of the paths that begin otherwise 1 of 1 are found here."));
+    EXPECT_EQ(seen, S(u"1 of the 1 paths in the catalogue are found here."));
 }
 
 TEST_F(CommandsTest, WhereMostTableFilesAreMissingTheStatusBarLeadsToThePathMap) {

@@ -74,7 +74,7 @@ def without_a_map(program, work):
 def propose(program, work):
     program.menu("mnuData", "mnuPathMap")
     program.wait_window("Path Map")
-    program.wait_text("lblOthers", "Of the paths that begin otherwise 0 of 4 are found here.")
+    program.wait_text("lblOthers", "0 of the 4 paths in the catalogue are found here.")
     program.click_until("cmdLookInFolder", lambda: program.visible("fileNameEdit"), "the folder dialog")
     program.choose_file(work / "Data")
     told = program.message()

@@ -92,7 +92,7 @@ protected:
 TEST_F(PathMapWindowTest, WithoutAMapItSaysHowManyFilesAreFoundAsTheyAreStored) {
     Open();
     EXPECT_TRUE(Lines().isEmpty());
-    EXPECT_EQ(Others(), QStringLiteral("Of the paths that begin otherwise 0 of 4 are found here."));
+    EXPECT_EQ(Others(), QStringLiteral("0 of the 4 paths in the catalogue are found here."));
     EXPECT_FALSE(IsEnabled("cmdEdit"));
     EXPECT_FALSE(IsEnabled("cmdRemove"));
     ClickOn("cmdClose");
@@ -178,7 +178,8 @@ TEST_F(PathMapWindowTest, WhatIsProposedIsAddedAfterAQuestion) {
     ClickOn("cmdPropose");
     EXPECT_EQ(Lines(), QStringList{QStringLiteral("C:\\VP\\|%1/|3|2").arg(Tables())});
     ClickOn("cmdPropose");
-    EXPECT_TRUE(prompts.messages.back().text.startsWith(QStringLiteral("None of the files")));
+    EXPECT_TRUE(
+        prompts.messages.back().text.startsWith(QStringLiteral("None of the missing files")));
     EXPECT_EQ(Kept().size(), 1U);
 }
 
