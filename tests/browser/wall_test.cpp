@@ -220,6 +220,17 @@ TEST_F(WallTest, APictureComesInItsPlace) {
     EXPECT_NE(ColorInTheMiddleOf(1), QColor(Qt::red));
 }
 
+TEST_F(WallTest, APictureThatThePathMapFindsComesWhenTheMapIsThere) {
+    WritePicture(u"red.png", Qt::red);
+    SetImageFile(u"Alpha", S(u"C:\\Tables\\RED.png"));
+    OpenWall();
+    QTest::qWait(200);
+    EXPECT_NE(ColorInTheMiddleOf(0), QColor(Qt::red));
+    MapTablesHere();
+    window->RefreshTree();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ColorInTheMiddleOf(0) == QColor(Qt::red); }, 20'000));
+}
+
 TEST_F(WallTest, ASavedPictureIsShownAtOnce) {
     OpenWall();
     ClickItem(0);
