@@ -7,8 +7,8 @@ set(engine_libraries base jet_base jet_values jet_text jet_pages jet_rows jet_in
     jet_sql_syntax jet_sql_functions jet_sql_expressions jet_sql_plans jet_sql_statements jet platform_files)
 # What connection.h, database.h and check.h include, and the file system of this system.
 set(engine_headers base/byte_reader.h base/byte_writer.h base/file_names.h base/status.h base/unicode.h
-    jet/check/check.h jet/connection.h jet/ids.h jet/pages/commit_notes.h jet/pages/definition_layout.h jet/pages/file_system.h
-    jet/pages/format.h jet/pages/page_store.h jet/recordset.h jet/repair/compact.h jet/repair/repair.h jet/rows/table_definition.h
+    jet/check/check.h jet/connection.h jet/held_rows.h jet/ids.h jet/pages/commit_notes.h jet/pages/definition_layout.h
+    jet/pages/file_system.h jet/pages/format.h jet/pages/page_store.h jet/recordset.h jet/repair/compact.h jet/repair/repair.h jet/rows/table_definition.h
     jet/tables/change_note.h jet/tables/database.h jet/tables/row_rules.h jet/text/text_codec.h jet/values/schema.h jet/values/value.h
     platform/file_system.h)
 set(engine_component COMPONENT tavolo_jet EXCLUDE_FROM_ALL)
