@@ -64,6 +64,8 @@ TEST(CommandTableTest, EveryItemHasItsNameCaptionAndPlace) {
                                              "mnuAbout &About\n"
                                              "mnuExportTables &Export...\n"
                                              "mnuImportTables &Import...\n"
+                                             "-\n"
+                                             "mnuPathMap &Path Map...\n"
                                              "mnuUndo &Undo\n"
                                              "mnuRedo Re&do\n"
                                              "-\n"

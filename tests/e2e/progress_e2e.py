@@ -6,7 +6,7 @@ from pathlib import Path
 
 from driver import Desktop, Tavolo, check_equal, make_table_file, run, wait_for
 
-COUNT = 2100  # whose file dates take longer to read than the bar waits before it is painted
+COUNT = 6000  # whose file dates take several times as long to read as the bar waits before it is painted
 
 
 def names():
