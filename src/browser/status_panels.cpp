@@ -105,10 +105,18 @@ void StatusPanels::ShowFailure(const QString& text) {
 }
 
 void StatusPanels::ShowInPassing(const QString& text, std::function<void()> clicked) {
-    showMessage(text, kInPassingMs);
+    passing_ = {text, std::move(clicked), QDeadlineTimer(kInPassingMs)};
     last_told_ = text;
     ShowCountTip();
-    clicked_ = std::move(clicked);
+    if (!in_progress_) ShowPassing();
+}
+
+// Nothing if its time is over.
+void StatusPanels::ShowPassing() {
+    const auto left = static_cast<int>(passing_.until.remainingTime());
+    if (passing_.text.isEmpty() || left <= 0) return;
+    showMessage(passing_.text, left);
+    clicked_ = passing_.clicked;
     if (clicked_) setCursor(Qt::PointingHandCursor);
 }
 
@@ -130,7 +138,7 @@ void StatusPanels::StartProgress(std::int64_t steps) {
 void StatusPanels::StartWork(const QString& what, std::function<void()> stop) {
     what_ = what;
     stop_ = std::move(stop);
-    clearMessage();
+    passing_ = {};
     SetSteps(0);
     ShowProgress();
     cmdStop_->setEnabled(true);
@@ -138,6 +146,7 @@ void StatusPanels::StartWork(const QString& what, std::function<void()> stop) {
 }
 
 void StatusPanels::ShowProgress() {
+    clearMessage();  // first, as it shows the panels
     for (QLabel* const panel : panels_)
         panel->hide();
     lblProgress_->show();
@@ -207,6 +216,7 @@ void StatusPanels::EndProgress() {
     stop_ = {};
     for (QLabel* const panel : panels_)
         panel->show();
+    ShowPassing();  // behind the panels, as it hides them
 }
 
 }  // namespace browser

@@ -2,6 +2,7 @@
 // replaces them during long work.
 #pragma once
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QElapsedTimer>
 #include <QtWidgets/QStatusBar>
 
@@ -35,7 +36,8 @@ public:
     // Shows what has failed in place of the table's name, until the next table is shown.
     void ShowFailure(const QString& text);
     // Shows a text over all panels for 15 seconds; a click on it meanwhile calls `clicked`, if that
-    // is not empty. Until the next one it can be read in the tool tip of the count.
+    // is not empty. A progress is shown instead as long as it lasts. Until the next one it can be
+    // read in the tool tip of the count.
     void ShowInPassing(const QString& text, std::function<void()> clicked = {});
 
     // Shows the progress bar instead of the panels; `steps` is the total number of steps.
@@ -61,11 +63,18 @@ private:
     void AddProgress();
     void ShowCountTip();
     void ShowProgress();
+    void ShowPassing();
     void SetSteps(std::int64_t steps);
     void ShowStep(std::int64_t step);
     // What stands beside the bar at this step.
     QString TextOf(std::int64_t step) const;
 
+    struct Passing {
+        QString text;
+        std::function<void()> clicked;
+        QDeadlineTimer until;
+    };
+    Passing passing_;                // what was told last
     std::function<void()> clicked_;  // while its message is shown
     std::array<QLabel*, kPanelCount> panels_{};
     QLabel* read_only_ = nullptr;

@@ -31,6 +31,12 @@ protected:
             EXPECT_EQ(Panel(number)->isVisible(), visible) << number;
         EXPECT_EQ(Bar()->isVisible(), !visible);
     }
+    void ExpectMessage(const QString& text) {
+        EXPECT_EQ(panels.currentMessage(), text);
+        for (int number = 1; number <= 4; ++number)
+            EXPECT_FALSE(Panel(number)->isVisible()) << number;
+        EXPECT_FALSE(Bar()->isVisible());
+    }
 
     QMainWindow window;
     StatusPanels& panels = *new StatusPanels;  // the window's
@@ -200,6 +206,40 @@ TEST_F(StatusPanelsTest, ReadOnlyStaysBesideAPassingText) {
     EXPECT_TRUE(sign->isVisible());
     panels.ShowReadOnly({});
     EXPECT_FALSE(sign->isVisible());
+}
+
+// One of the two would be painted over the other.
+TEST_F(StatusPanelsTest, APassingTextGivesWayToAProgressAndComesBack) {
+    int clicks = 0;
+    panels.ShowInPassing(QStringLiteral("done"), [&clicks] { ++clicks; });
+    ExpectMessage(QStringLiteral("done"));
+    panels.StartProgress(200);
+    EXPECT_EQ(panels.currentMessage(), QString());
+    ExpectPanels(false);
+    panels.EndProgress();
+    ExpectMessage(QStringLiteral("done"));
+    QTest::mouseClick(&panels, Qt::LeftButton);
+    EXPECT_EQ(clicks, 1);
+    panels.clearMessage();
+    ExpectPanels(true);
+}
+
+TEST_F(StatusPanelsTest, WhatIsToldDuringAProgressIsShownAfterIt) {
+    panels.StartProgress(200);
+    panels.ShowInPassing(QStringLiteral("done"));
+    EXPECT_EQ(panels.currentMessage(), QString());
+    ExpectPanels(false);
+    panels.EndProgress();
+    ExpectMessage(QStringLiteral("done"));
+}
+
+TEST_F(StatusPanelsTest, WorkEndsWhatWasToldBefore) {
+    panels.ShowInPassing(QStringLiteral("done"));
+    panels.StartWork(QStringLiteral("Undo"), {});
+    ExpectPanels(false);
+    panels.EndProgress();
+    EXPECT_EQ(panels.currentMessage(), QString());
+    ExpectPanels(true);
 }
 
 }  // namespace
