@@ -139,10 +139,12 @@ void AppendTextKey(std::u16string_view text, Bytes& key) {
 namespace {
 
 std::weak_ordering CompareKeys(std::u16string_view a, std::u16string_view b) {
-    thread_local Bytes key_a;
-    thread_local Bytes key_b;
-    key_a.clear();
-    key_b.clear();
+    // Not kept for the thread: what a thread has of its own is freed by mingw-w64's runtime before
+    // it is destroyed, at the end of the thread.
+    Bytes key_a;
+    Bytes key_b;
+    key_a.reserve(TextKeyRoom(a));
+    key_b.reserve(TextKeyRoom(b));
     AppendTextKey(a, key_a);
     AppendTextKey(b, key_b);
     const int order = std::memcmp(key_a.data(), key_b.data(), std::min(key_a.size(), key_b.size()));

@@ -5,6 +5,7 @@
 
 #include "jet/values/value.h"
 
+#include <algorithm>
 #include <compare>
 #include <string_view>
 
@@ -15,6 +16,10 @@ inline constexpr std::size_t kKeyUnits = 255;
 
 // Ascending key without the leading flag byte, of the text's first kKeyUnits.
 void AppendTextKey(std::u16string_view text, Bytes& key);
+// Bytes that most keys fit into: two for a letter, and the end.
+constexpr std::size_t TextKeyRoom(std::u16string_view text) {
+    return 2 * std::min(text.size(), kKeyUnits) + 16;
+}
 // Compares whole texts: where the keys are equal, the rest decides by the same rules.
 std::weak_ordering CompareText(std::u16string_view a, std::u16string_view b);
 

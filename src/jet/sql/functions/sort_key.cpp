@@ -31,8 +31,8 @@ void AppendNumber(double number, std::string& key) {
 
 void AppendText(std::u16string_view text, std::string& key) {
     if (AppendPlainKey(text, key)) return;
-    thread_local Bytes bytes;
-    bytes.clear();
+    Bytes bytes;
+    bytes.reserve(TextKeyRoom(text));
     AppendTextKey(text, bytes);
     for (const std::byte b : bytes)
         key += static_cast<char>(b);
