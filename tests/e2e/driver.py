@@ -202,7 +202,8 @@ class Tavolo:
     def start(self):
         self.socket_name = str(self.desktop.home / f"probe-{os.getpid()}-{time.monotonic_ns()}")
         env = dict(self.desktop.env, QT_QPA_PLATFORM="xcb", QT_PLUGIN_PATH=str(BUILD / "plugins"),
-                   QT_QPA_GENERIC_PLUGINS="tavolo_probe", TAVOLO_PROBE_SOCKET=self.socket_name, **self.extra_env)
+                   QT_QPA_GENERIC_PLUGINS="tavolo_probe", TAVOLO_PROBE_SOCKET=self.socket_name)
+        env.update(self.extra_env)
         self.process = subprocess.Popen([str(self.program), *self._folder(), *self.arguments], env=env)
         self.connection = wait_for(self._connect, "the probe inside the program")
 
@@ -472,8 +473,10 @@ class Tavolo:
 
     def answer(self, key="Return"):
         """Answers the message box in front by a key ("Return", "alt+y", "alt+n", "Escape") and waits for its end."""
-        before = [w for w in self.windows() if w["class"].endswith("MessageBox")]
-        wait_for(lambda: self.desktop.active_window() in [w["id"] for w in before], "the keyboard in the message box")
+        def active_boxes():
+            return [w["id"] for w in self.windows() if w["class"].endswith("MessageBox") and w["active"]]
+
+        wait_for(lambda: self.desktop.active_window() in active_boxes(), "the keyboard in the message box")
         front = self.desktop.active_window()
         self.press(key)
         # Another box may come up at once.

@@ -4,6 +4,7 @@ Environment: TAVOLO_BUILD names the folder of what packaging/windows/build has m
 (build/release/bin).
 """
 
+import contextlib
 import shutil
 import socket
 import subprocess
@@ -36,6 +37,8 @@ class Wine:
         self.env = dict(self.desktop.env, WINEPREFIX=str(self.prefix), WINEDEBUG="-all", WINEDLLOVERRIDES="mscoree,mshtml=")
         subprocess.run([*FIXED, "wineboot", "--init"], env=self.env, check=True, capture_output=True)
         self.run("reg", "import", windows_path(TESTS / "support" / "windows_letters.reg"))
+        # A program that ends by a fault is no question: where it ended goes to its standard error.
+        self.run("reg", "add", r"HKCU\Software\Wine\WineDbg", "/v", "ShowCrashDialog", "/t", "REG_DWORD", "/d", "0", "/f")
         subprocess.run(["wineserver", "--wait"], env=self.env, check=True)
         local = next(self.prefix.glob("drive_c/users/*/AppData/Local"))
         self.installed = local / "Programs/Tavolo"
@@ -50,8 +53,9 @@ class Wine:
         return subprocess.run([*FIXED, "wine", *map(str, words)], env=self.env, capture_output=True, text=True, timeout=timeout)
 
     def start(self, *words, env=None):
-        return subprocess.Popen([*FIXED, "wine", *map(str, words)], env=dict(self.env, **(env or {})), stdout=subprocess.DEVNULL,
-                                stderr=subprocess.DEVNULL)
+        """What it says of itself is kept beside the pictures."""
+        with open(self.desktop.pictures / "said", "ab") as said:
+            return subprocess.Popen([*FIXED, "wine", *map(str, words)], env=dict(self.env, **(env or {})), stdout=said, stderr=said)
 
     def set_up(self):
         return self.run(driver.BUILD / "tavolo-setup.exe", "/S").returncode
@@ -88,6 +92,10 @@ class WindowsTavolo(driver.Tavolo):
         return client.makefile("rw", encoding="utf-8")
 
     def __exit__(self, kind, *exception):
+        said = self.desktop.pictures / "said"
+        if kind is not None and b"Unhandled" in said.read_bytes():  # the debugger tells where
+            with contextlib.suppress(driver.Failure):
+                driver.wait_for(lambda: b"Backtrace:" in said.read_bytes() and b"Modules:" in said.read_bytes(), "the debugger")
         super().__exit__(kind, *exception)
         if kind is not None:  # Wine's own end does not end the program that it has started
             subprocess.run(["wineserver", "--kill", "--wait"], env=self.wine.env)

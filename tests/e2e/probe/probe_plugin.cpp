@@ -85,6 +85,8 @@ QJsonObject Describe(const QWidget& widget) {
     object[QStringLiteral("visible")] = widget.isVisible();
     object[QStringLiteral("enabled")] = widget.isEnabled();
     object[QStringLiteral("focus")] = widget.hasFocus();
+    // Whether keys go to its window, as the program sees it.
+    object[QStringLiteral("active")] = widget.isActiveWindow();
     object[QStringLiteral("checked")] = widget.property("checked").toBool();
     // Of its window, as X11 numbers it; 0 while it has none.
     object[QStringLiteral("id")] = probe::WindowNumber(widget.window()->effectiveWinId());
