@@ -3,7 +3,9 @@
 #include "maintenance/command_fixture.h"
 #include "maintenance/frmPathMap.h"
 #include "maintenance/frmPathPair.h"
+#include "platform/files.h"
 #include "support/control.h"
+#include "support/temporary_dir.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTimer>
@@ -172,11 +174,13 @@ TEST_F(PathMapWindowTest, WhatIsProposedIsAddedAfterAQuestion) {
     EXPECT_TRUE(Kept().empty());
     ASSERT_EQ(prompts.messages.size(), 1U);
     EXPECT_EQ(prompts.messages[0].text,
-              QStringLiteral("C:\\VP\\ is here %1/: 2 of 3 missing files are found\n\nAdd this to "
+              QStringLiteral("C:\\VP\\ is here %1: 2 of 3 missing files are found\n\nAdd this to "
                              "the path map?")
-                  .arg(Tables()));
+                  .arg(Tables() + platform::NativeSeparator()));
     ClickOn("cmdPropose");
-    EXPECT_EQ(Lines(), QStringList{QStringLiteral("C:\\VP\\|%1/|3|2").arg(Tables())});
+    EXPECT_EQ(
+        Lines(),
+        QStringList(QStringLiteral("C:\\VP\\|%1|3|2").arg(Tables() + platform::NativeSeparator())));
     ClickOn("cmdPropose");
     EXPECT_TRUE(
         prompts.messages.back().text.startsWith(QStringLiteral("None of the missing files")));
@@ -184,7 +188,7 @@ TEST_F(PathMapWindowTest, WhatIsProposedIsAddedAfterAQuestion) {
 }
 
 TEST_F(PathMapWindowTest, AnyFolderCanBeLookedThrough) {
-    QTemporaryDir elsewhere;
+    const test_support::TemporaryDir elsewhere;
     for (const char* const name : {"/gone.vpt", "/x.vpt"}) {
         QFile file(elsewhere.path() + QLatin1String(name));
         ASSERT_TRUE(file.open(QFile::WriteOnly));
@@ -195,8 +199,7 @@ TEST_F(PathMapWindowTest, AnyFolderCanBeLookedThrough) {
     ClickOn("cmdLookInFolder");
     EXPECT_EQ(Kept().size(), 1U);
     ClickOn("cmdLookInFolder");
-    EXPECT_EQ(Kept().back(),
-              (PathPair{QStringLiteral("/nowhere/"), elsewhere.path() + QStringLiteral("/")}));
+    EXPECT_EQ(Kept().back(), (PathPair{QStringLiteral("/nowhere/"), elsewhere.prefix()}));
 }
 
 }  // namespace
