@@ -1,5 +1,6 @@
 #include "cli/cli_fixture.h"
 
+#include "catalogue/path_names.h"
 #include "support/full_disk.h"
 #include "support/qt_text.h"
 #include "support/temporary_dir.h"
@@ -387,7 +388,9 @@ TEST_F(ChangingCommandsTest, ThePathMapIsListedChangedAndProposed) {
     EXPECT_EQ(Run("path-map remove D:\\"), kFailed);
     EXPECT_EQ(Run("path-map remove C:\\TABLES\\"), kDone);
     EXPECT_EQ(Run("path-map propose"), kDone);
-    const std::string proposal = "C:\\Tables\\\t" + tables + "/\t3\t3\n";
+    const std::string proposal =
+        "C:\\Tables\\\t" +
+        catalogue::WithTrailingSeparator(QString::fromStdString(tables)).toStdString() + "\t3\t3\n";
     EXPECT_EQ(console.out, proposal);
     EXPECT_EQ(Run("path-map"), kDone);
     EXPECT_EQ(console.out, "\t\t3\t0\n");

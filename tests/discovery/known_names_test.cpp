@@ -1,8 +1,6 @@
-#include "discovery/known_names.h"
+#include "discovery/known_names_fixture.h"
 
-#include "catalogue/quoting.h"
 #include "jet/tables/database.h"
-#include "support/catalogue_fixture.h"
 #include "support/temporary_dir.h"
 #include "support/test_data.h"
 
@@ -11,20 +9,6 @@
 
 namespace discovery {
 namespace {
-
-class KnownNamesTest : public test_support::CatalogueFixture {
-protected:
-    void AddRow(const QString& path) {
-        Execute(QStringLiteral("Insert into Tables (FileName) Values ('%1')")
-                    .arg(catalogue::QuoteSql(path)));
-    }
-    static bool Contains(KnownNames& names, const QString& path) {
-        const auto known = names.Contains(path);
-        EXPECT_TRUE(known.ok()) << known.status().message();
-        return known.value_or(false);
-    }
-    static QString Number(int i) { return QStringLiteral("/tables/Table %1.vpt").arg(i); }
-};
 
 TEST_F(KnownNamesTest, NamesAreTheSameThatTheDatabaseTakesForTheSame) {
     AddRow(QStringLiteral("/tables/It's an \u00E4ttack.vpt"));
@@ -191,19 +175,6 @@ TEST_F(KnownNamesTest, WhatThePathMapLeadsToIsKnown) {
     EXPECT_FALSE(Contains(names, folder.filePath(QStringLiteral("Table 1.vpt"))));
     AddRow(QStringLiteral("c:/tables/new.vpt"));
     EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("new.vpt"))));
-}
-
-TEST_F(KnownNamesTest, TheFolderOfThePathMapMayBeALink) {
-    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("real")));
-    ASSERT_TRUE(QFile::link(folder.filePath(QStringLiteral("real")),
-                            folder.filePath(QStringLiteral("link"))));
-    AddRow(QStringLiteral("D:\\x.vpt"));
-    values.paths.Use(
-        catalogue::PathMap({{QStringLiteral("D:\\"), folder.filePath(QStringLiteral("link"))}}));
-    KnownNames names(*connection, values.paths);
-    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("link/x.vpt"))));
-    EXPECT_TRUE(Contains(names, folder.filePath(QStringLiteral("real/x.vpt"))));
-    EXPECT_FALSE(Contains(names, folder.filePath(QStringLiteral("x.vpt"))));
 }
 
 TEST_F(KnownNamesTest, WithAPathMapTheRowsAreReadOnceMore) {

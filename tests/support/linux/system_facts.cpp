@@ -3,6 +3,7 @@
 namespace test_support {
 
 const char* const kQuotedName = "a \"quoted\" name";
+const bool kNamesHaveLetterCase = true;
 
 std::vector<const char*> PictureFormats() {
     return {"bmp", "jpg", "png", "webp"};
