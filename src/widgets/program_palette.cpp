@@ -10,6 +10,8 @@ namespace {
 // The steps in which a colour is moved, each a part of what there is left to black or white.
 constexpr int kSteps = 100;
 constexpr int kDark = 128;  // of 255
+// Between a selection and what is not selected.
+constexpr double kLeastSeen = 1.5;
 
 double Luminance(const QColor& colour) {
     const auto linear = [](double channel) {
@@ -73,11 +75,25 @@ QColor MovedAwayFrom(const QColor& colour, const QColor& other) {
     return colour;  // does not happen: black or white has it on every ground
 }
 
+namespace {
+
+// Windows marks the selection in a window without the keyboard by a grey that is all but white.
+void MakeSelectionSeen(QPalette& palette) {
+    const QColor marked = palette.color(QPalette::Inactive, QPalette::Highlight);
+    const QColor ground = palette.color(QPalette::Inactive, QPalette::Base);
+    if (ContrastOf(marked, ground) >= kLeastSeen) return;
+    for (const auto role : {QPalette::Highlight, QPalette::HighlightedText})
+        palette.setColor(QPalette::Inactive, role, palette.color(QPalette::Active, role));
+}
+
+}  // namespace
+
 bool IsDark(const QPalette& palette) {
     return palette.color(QPalette::Active, QPalette::Window).lightness() < kDark;
 }
 
 void MakeReadable(QPalette& palette) {
+    MakeSelectionSeen(palette);
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
         const auto color = [&](QPalette::ColorRole role) { return palette.color(group, role); };
         for (const Pair& pair : kTexts) {

@@ -165,5 +165,23 @@ TEST_F(StyleTest, TheDesktopsColoursAreMadeReadable) {
     }
 }
 
+// As Windows has it: light grey with black letters on white.
+TEST_F(StyleTest, ASelectionIsSeenInAWindowWithoutTheKeyboard) {
+    QPalette palette(Qt::lightGray);
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::Active, QPalette::Highlight, QColor(0x00, 0x78, 0xd7));
+    palette.setColor(QPalette::Active, QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xf0, 0xf0, 0xf0));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, Qt::black);
+    MakeReadable(palette);
+    for (const auto role : {QPalette::Highlight, QPalette::HighlightedText})
+        EXPECT_EQ(palette.color(QPalette::Inactive, role), palette.color(QPalette::Active, role));
+    // What is seen stays as the desktop has it.
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, QColor(0xc0, 0xc0, 0xc0));
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, Qt::black);
+    MakeReadable(palette);
+    EXPECT_EQ(palette.color(QPalette::Inactive, QPalette::Highlight), QColor(0xc0, 0xc0, 0xc0));
+}
+
 }  // namespace
 }  // namespace widgets
