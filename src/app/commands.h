@@ -18,6 +18,7 @@
 #include "platform/window_control.h"
 #include "snapshots/snapshot_keeper.h"
 #include "widgets/enter_key.h"
+#include "widgets/focus_return.h"
 
 #include <QtCore/QPointer>
 
@@ -127,6 +128,7 @@ private:
     PaintEvents held_back_events_;
     bool is_taking_tables_ = false;
     widgets::EnterKey enter_key_;
+    widgets::FocusReturn focus_return_;
     dialogs::HelpKey help_key_{outside_.shell, catalogue_.values->ApplicationFolder};
     QPointer<dialogs::frmSettings> settings_;  // as long as it is open
     launcher::Launcher launcher_;
