@@ -75,6 +75,9 @@ TEST_F(FocusReturnTest, AModalWindowComesBeforeTheOwner) {
 TEST_F(FocusReturnTest, WhoWentToAnotherWindowStaysThere) {
     QWidget other;
     Show(dialog);
+    Show(box);
+    box.hide();
+    EXPECT_TRUE(GetsKeyboard(dialog));
     Show(other);
     dialog.hide();
     QTest::qWait(100);
