@@ -7,14 +7,21 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <span>
+#include <type_traits>
 
 namespace base {
 
 // Requires: sizeof(T) bytes at `from`.
 template <std::integral T>
 constexpr T LoadLittle(const std::byte* from) {
+    if (!std::is_constant_evaluated() && std::endian::native == std::endian::little) {
+        T copy;
+        std::memcpy(&copy, from, sizeof(T));  // gcc does not make one load of a loop of eight
+        return copy;
+    }
     using U = std::make_unsigned_t<T>;
     U value = 0;
     for (std::size_t i = 0; i < sizeof(T); ++i)

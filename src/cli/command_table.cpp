@@ -339,8 +339,9 @@ constexpr Command kCommands[] = {
     {"history",
      "list what was changed",
      "Lists the changes of the catalogue, the oldest first, one a line: number, time, name, rows "
-     "and changed fields, with tabs between them. Every command of the program that changes tables "
-     "is a change; the newest changes that fit into 200 MB are kept.\n\nJSON is one object: "
+     "and fields, with tabs between them. Of a row that was added or removed, the fields that hold "
+     "something count. Every command of the program that changes tables is a change; the newest "
+     "changes that fit into 200 MB are kept.\n\nJSON is one object: "
      "\"schema\" is 1, and \"changes\" has an object for each change.",
      {},
      kHistoryOptions,

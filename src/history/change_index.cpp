@@ -40,11 +40,10 @@ std::uint64_t Change::rows() const {
 }
 
 void ChangeIndex::Count(const jet::NotedRow& row, const jet::NoteTable& table, Change& change) {
-    if (row.change == jet::RowChange::kUpdated)
-        change.fields += static_cast<std::uint64_t>(
-            std::ranges::count_if(row.cells, [](const jet::NotedRow::Cell& cell) {
-                return !jet::SameCell(cell.before, cell.after);
-            }));
+    change.fields += static_cast<std::uint64_t>(
+        std::ranges::count_if(row.cells, [](const jet::NotedRow::Cell& cell) {
+            return !jet::SameCell(cell.before, cell.after);
+        }));
     auto known = std::ranges::find(change.tables, table.name, &Change::TableCount::table);
     if (known == change.tables.end()) {
         known = change.tables.insert(known, Change::TableCount{table.name, 0});

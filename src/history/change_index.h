@@ -21,7 +21,7 @@ struct Change {
     std::uint64_t number = 0;  // grows from change to change
     jet::ChangeLabel label;
     std::vector<TableCount> tables;
-    std::uint64_t fields = 0;  // of changed rows
+    std::uint64_t fields = 0;  // that differ; of an inserted or deleted row all that hold something
     std::uint64_t missed = 0;  // rows that could not be read when they were changed
 
     std::uint64_t rows() const;

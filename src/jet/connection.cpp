@@ -197,7 +197,7 @@ Result<Recordset> Connection::Execute(std::u16string_view sql, std::int64_t* rec
     Recordset rows;
     auto* select = std::get_if<sql::SelectStatement>(&statement);
     if (select != nullptr && select->into.empty()) {
-        RETURN_IF_ERROR(rows.impl_->OpenQuery(std::move(*select), sql, *impl_,
+        RETURN_IF_ERROR(rows.impl_->OpenQuery(std::move(*select), std::u16string(sql), *impl_,
                                               CursorType::kForwardOnly, LockType::kReadOnly));
         return rows;
     }

@@ -38,20 +38,20 @@ Status Recordset::Impl::OpenText(std::u16string_view text, Connection::Impl& con
     if (is_open()) return JetError(ErrorNumber::kOpen);
     if (connection.database() == nullptr) return JetError(ErrorNumber::kClosed);
     connection.session().StartStatement();
-    const std::u16string select = AsSelect(text);
+    std::u16string select = AsSelect(text);
     ASSIGN_OR_RETURN(sql::Statement statement,
                      sql::Parse(select, connection.session().current_year()));
     if (!std::holds_alternative<sql::SelectStatement>(statement))
         return JetError(ErrorNumber::kSyntaxInSelect);
-    return OpenQuery(std::get<sql::SelectStatement>(std::move(statement)), select, connection,
-                     cursor, lock);
+    return OpenQuery(std::get<sql::SelectStatement>(std::move(statement)), std::move(select),
+                     connection, cursor, lock);
 }
 
-Status Recordset::Impl::OpenQuery(sql::SelectStatement select, std::u16string_view text,
+Status Recordset::Impl::OpenQuery(sql::SelectStatement&& select, std::u16string text,
                                   Connection::Impl& connection, CursorType cursor, LockType lock) {
     ASSIGN_OR_RETURN(query_, sql::Query::Prepare(std::move(select), connection.session()));
     connection_ = &connection;
-    text_ = text;
+    text_ = std::move(text);
     cursor_ = cursor;
     lock_ = lock;
     names_ = query_->names();

@@ -23,7 +23,7 @@ public:
 
     base::Status OpenText(std::u16string_view text, Connection::Impl& connection, CursorType cursor,
                           LockType lock);
-    base::Status OpenQuery(sql::SelectStatement select, std::u16string_view text,
+    base::Status OpenQuery(sql::SelectStatement&& select, std::u16string text,
                            Connection::Impl& connection, CursorType cursor, LockType lock);
     void Close();
     bool is_open() const { return connection_ != nullptr; }

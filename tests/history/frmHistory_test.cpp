@@ -107,8 +107,9 @@ TEST_F(HistoryWindowTest, ShowsTheNewestChangeFieldByField) {
     RunNamed(u"Purge", u"Delete from Tables where ID = 1");
     Open();
     ASSERT_EQ(Lines(u"tblChanges"), 2);
-    EXPECT_THAT(Line(u"tblChanges", 0), testing::EndsWith("|Purge (1 table)|0"));
+    EXPECT_THAT(Line(u"tblChanges", 0), testing::EndsWith("|Purge (1 table)|7"));
     EXPECT_THAT(Line(u"tblChanges", 1), testing::EndsWith("|Edit (1 table)|2"));
+    EXPECT_EQ(Lines(u"tblFields"), 7);
     EXPECT_EQ(Line(u"tblFields", 1), "Alpha|DisplayName|Alpha|");
     Select(u"tblChanges", 1);
     ASSERT_EQ(Lines(u"tblFields"), 2);

@@ -44,6 +44,8 @@ TEST_F(HistoryFileTest, TellsWhatWasDone) {
     EXPECT_EQ(changes[1].tables, (std::vector<Change::TableCount>{{u"Games", 2}}));
     EXPECT_EQ(changes[1].fields, 4U);
     EXPECT_EQ(changes[1].label.time, 46000.25);
+    EXPECT_EQ(changes[2].fields, 4U) << "those that held something";
+    EXPECT_EQ(changes[0].fields, 12U);
     EXPECT_EQ(changes[2].number, 3U);
     EXPECT_EQ(changes[3].label.name, u"");
     Reopen();

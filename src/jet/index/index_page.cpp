@@ -5,6 +5,7 @@
 #include <bit>
 #include <cassert>
 #include <cstring>
+#include <limits>
 
 namespace jet {
 namespace {
@@ -65,10 +66,11 @@ bool IndexPageView::FindEnds(std::span<const std::byte> mask) {
     // What an entry leaves out may be part of its row id, never of its child.
     const std::size_t least_stored = std::max(
         {std::size_t{1}, prefix_ > 0 ? child_bytes : least, least > prefix_ ? least - prefix_ : 0});
-    bool are_long_enough = true;
+    // Below kMaxEntries, so that the compiler can take the least of eight at a time.
+    auto shortest = std::numeric_limits<std::int16_t>::max();
     for (std::size_t i = 1; i < count; ++i)
-        are_long_enough &= std::size_t{ends_[i]} - ends_[i - 1] >= least_stored;
-    return are_long_enough;
+        shortest = std::min(shortest, static_cast<std::int16_t>(ends_[i] - ends_[i - 1]));
+    return static_cast<std::size_t>(shortest) >= least_stored;
 }
 
 int IndexPageView::Compare(std::size_t i, std::span<const std::byte> target) const {

@@ -6,6 +6,11 @@
 #include <algorithm>
 
 namespace jet {
+namespace {
+
+constexpr std::size_t kRoomOfNumbers = 16;  // bytes of a key that need not grow for one or two
+
+}  // namespace
 
 IndexSet::IndexSet(FileContext& file, const TableDefinition& definition)
     : file_(file), definition_(definition) {
@@ -27,6 +32,7 @@ bool IndexSet::IsPrimary(std::size_t index) const {
 Bytes IndexSet::KeyOf(std::size_t index, std::span<const Value> values) const {
     const RealIndex& real = definition_.real_indexes[index];
     Bytes key;
+    key.reserve(kRoomOfNumbers);
     for (std::size_t i = 0; i < values.size() && i < columns_[index].size(); ++i)
         AppendKeyPart(file_, definition_.columns[columns_[index][i]], real.columns[i].ascending,
                       values[i], key);
@@ -39,6 +45,7 @@ std::optional<Bytes> IndexSet::RowKeyOf(std::size_t index, std::span<const Value
     const auto is_null = [&](std::size_t column) { return values[column].is_null(); };
     if (real.ignore_nulls() && std::ranges::all_of(columns, is_null)) return std::nullopt;
     Bytes key;
+    key.reserve(kRoomOfNumbers);
     for (std::size_t i = 0; i < columns.size(); ++i)
         AppendKeyPart(file_, definition_.columns[columns[i]], real.columns[i].ascending,
                       values[columns[i]], key);

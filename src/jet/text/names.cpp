@@ -25,6 +25,8 @@ std::optional<bool> IsSamePlainly(std::u16string_view a, std::u16string_view b) 
         if (AsciiLower(a[i]) != AsciiLower(b[i])) return false;
     }
     if (a.size() == b.size() && a.size() == size) return true;
+    const std::u16string_view longer = a.size() > b.size() ? a : b;
+    if (longer.size() > size && size < kMaxNameLength && IsPlain(longer[size])) return false;
     return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 #include "jet/sql/expressions/subquery.h"
 #include "jet/sql/expressions/value_set.h"
 #include "jet/sql/functions/functions.h"
+#include "jet/values/calendar_names.h"
 
 #include <algorithm>
 
@@ -41,7 +42,7 @@ Status BindOuterName(Expression& name, Scope& scope, Status failure) {
 }
 
 Status BindName(Expression& name, Scope& scope, const Session& session) {
-    if (SameName(name.name, u"@@IDENTITY") && name.qualifier.empty()) {
+    if (name.qualifier.empty() && SameWord(name.name, u"@@IDENTITY")) {
         name.kind = NodeKind::kLiteral;
         name.value = Value::Long(session.identity);
         return Status::Ok();

@@ -264,6 +264,17 @@ private:
 
 }  // namespace
 
+namespace {
+
+// Whether anything is known of what the index is sorted by first.
+bool IsAbout(const std::vector<ColumnBounds>& facts, const std::vector<IndexColumn>& columns) {
+    return !columns.empty() && std::ranges::any_of(facts, [&](const ColumnBounds& bounds) {
+        return bounds.column == columns.front().column;
+    });
+}
+
+}  // namespace
+
 Result<AccessPath> ChoosePath(const Scope& scope, const Expression* where,
                               const std::vector<OrderItem>& order, Session& session,
                               bool outer_known) {
@@ -277,7 +288,7 @@ Result<AccessPath> ChoosePath(const Scope& scope, const Expression* where,
     int best_score = 0;
     for (std::size_t i = 0; i < design.indexes.size(); ++i) {
         const IndexDesign& index = design.indexes[i];
-        if (!index.maintainable) continue;
+        if (!index.maintainable || (order.empty() && !IsAbout(facts, index.columns))) continue;
         Candidate candidate(design, i, version);
         candidate.Narrow(facts);
         const bool narrowed = candidate.score > 0;

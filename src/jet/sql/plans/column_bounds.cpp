@@ -17,6 +17,13 @@ constexpr std::size_t kFewIntervals = 2000;
 
 using Facts = std::vector<ColumnBounds>;
 
+// A list in braces would copy it.
+Facts Fact(ColumnBounds bounds) {
+    Facts facts;
+    facts.push_back(std::move(bounds));
+    return facts;
+}
+
 const ColumnBounds* Find(const Facts& facts, std::size_t column) {
     for (const ColumnBounds& known : facts)
         if (known.column == column) return &known;
@@ -141,7 +148,7 @@ private:
             bounds.exact = equal->exact && e.children.size() == 2;
         }
         SortIntervals(bounds.intervals);
-        return {std::move(bounds)};
+        return Fact(std::move(bounds));
     }
 
     Facts StudyInQuery(const Expression& e) {
@@ -158,7 +165,7 @@ private:
             bounds.intervals.push_back(std::move(equal->interval));
         }
         SortIntervals(bounds.intervals);
-        return {std::move(bounds)};
+        return Fact(std::move(bounds));
     }
 
     Facts StudyIsNull(const Expression& e) {
@@ -168,7 +175,7 @@ private:
         const IntervalEnd null{Value::Null()};
         bounds.intervals.push_back({null, null});
         bounds.null = true;
-        return {std::move(bounds)};
+        return Fact(std::move(bounds));
     }
 
     // A column of truths alone, or denied.
@@ -178,7 +185,7 @@ private:
         if (DesignOf(bounds.column).type != ColumnType::kBoolean) return {};
         const IntervalEnd end{Value::Boolean(truth)};
         bounds.intervals.push_back({end, end});
-        return {std::move(bounds)};
+        return Fact(std::move(bounds));
     }
 
     Facts StudyLike(const Expression& e) {
@@ -193,7 +200,7 @@ private:
         if (prefix.empty()) return {};
         const IntervalEnd end{Value::Text(prefix), true};
         bounds.intervals.push_back({end, end});
-        return {std::move(bounds)};
+        return Fact(std::move(bounds));
     }
 
     Facts Compared(const Expression& column, Operator op, const Expression& other) {
@@ -210,7 +217,7 @@ private:
         if (high) values->interval.low.reset();
         bounds.exact = equal && values->exact;
         bounds.intervals.push_back(std::move(values->interval));
-        return {std::move(bounds)};
+        return Fact(std::move(bounds));
     }
 
     // An expression that cannot be computed fails when the condition is tested, if it comes to

@@ -28,8 +28,8 @@ bool IsGrouped(const SelectStatement& select) {
            });
 }
 
-std::unique_ptr<SelectQuery> MakeSelectQuery(SelectStatement select, Session& session,
-                                             Scope scope) {
+std::unique_ptr<SelectQuery> MakeSelectQuery(SelectStatement&& select, Session& session,
+                                             Scope&& scope) {
     if (IsGrouped(select))
         return std::make_unique<GroupedQuery>(std::move(select), session, std::move(scope));
     if (select.distinct)
@@ -41,7 +41,7 @@ std::unique_ptr<SelectQuery> MakeSelectQuery(SelectStatement select, Session& se
 
 }  // namespace
 
-Result<std::unique_ptr<Query>> Query::Prepare(SelectStatement select, Session& session,
+Result<std::unique_ptr<Query>> Query::Prepare(SelectStatement&& select, Session& session,
                                               Scope* outer) {
     // Rows for a new table are no result.
     if (!select.into.empty()) return JetError(ErrorNumber::kNotAllowedHere);

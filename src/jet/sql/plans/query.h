@@ -26,7 +26,7 @@ class Query : public PreparedSelect {
 public:
     // `session` must outlive the query; its tables must not be altered while it lives.
     // `outer` is the scope of the expression around a subquery; it is needed during this call only.
-    static base::Result<std::unique_ptr<Query>> Prepare(SelectStatement select, Session& session,
+    static base::Result<std::unique_ptr<Query>> Prepare(SelectStatement&& select, Session& session,
                                                         Scope* outer = nullptr);
 
     // Of the output columns, in order.

@@ -33,7 +33,7 @@ Status AppendKeyOf(const Expression& e, bool descending, EvalContext& context, s
     return Status::Ok();
 }
 
-SelectQuery::SelectQuery(SelectStatement select, Session& session, Scope scope)
+SelectQuery::SelectQuery(SelectStatement&& select, Session& session, Scope&& scope)
     : select_(std::move(select)), session_(session), scope_(std::move(scope)) {}
 
 SelectQuery::~SelectQuery() = default;
@@ -71,6 +71,8 @@ const ColumnDesign* SelectQuery::OutputColumn(std::size_t output) const {
 }
 
 Status SelectQuery::ExpandStars() {
+    const auto is_star = [](const OutputItem& item) { return item.expression == nullptr; };
+    if (std::ranges::none_of(select_.outputs, is_star)) return Status::Ok();
     std::vector<OutputItem> expanded;
     for (OutputItem& item : select_.outputs) {
         if (item.expression != nullptr) {
@@ -156,13 +158,13 @@ void SelectQuery::NameOutputs() {
     std::size_t unnamed = 1000;
     for (const OutputItem& item : select_.outputs)
         names_.push_back(NameOf(item, unnamed));
+    if (scope_.sources().size() < 2) return;
     const std::vector<std::u16string> plain = names_;
     for (std::size_t i = 0; i < names_.size(); ++i) {
         const Expression& e = *select_.outputs[i].expression;
         if (e.kind != NodeKind::kName || !select_.outputs[i].alias.empty()) continue;
         const auto equal = [&](const std::u16string& name) { return SameName(name, plain[i]); };
-        if (scope_.sources().size() < 2 || std::count_if(plain.begin(), plain.end(), equal) < 2)
-            continue;
+        if (std::count_if(plain.begin(), plain.end(), equal) < 2) continue;
         const auto place = scope_.Find(e.qualifier, e.name);
         if (place.ok()) names_[i] = scope_.sources()[place->source].name + u"." + plain[i];
     }

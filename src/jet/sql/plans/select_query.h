@@ -26,7 +26,7 @@ base::Status AppendKeyOf(const Expression& e, bool descending, EvalContext& cont
 class SelectQuery : public Query {
 public:
     // `scope` holds the sources of the FROM clause.
-    SelectQuery(SelectStatement select, Session& session, Scope scope);
+    SelectQuery(SelectStatement&& select, Session& session, Scope&& scope);
     ~SelectQuery() override;
 
     // Checks and binds all names. To be called once, before anything else.

@@ -23,7 +23,7 @@ struct FoundRows {
 class TableQuery final : public SelectQuery {
 public:
     // Requires: `scope` has one source.
-    TableQuery(SelectStatement select, Session& session, Scope scope)
+    TableQuery(SelectStatement&& select, Session& session, Scope&& scope)
         : SelectQuery(std::move(select), session, std::move(scope)), output_scope_(scope_) {}
 
     std::vector<OuterUse> outer_uses() const override;

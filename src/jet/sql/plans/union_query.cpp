@@ -12,7 +12,7 @@ namespace jet::sql {
 using base::Result;
 using base::Status;
 
-Result<std::unique_ptr<Query>> UnionQuery::Prepare(SelectStatement select, Session& session,
+Result<std::unique_ptr<Query>> UnionQuery::Prepare(SelectStatement&& select, Session& session,
                                                    Scope* outer) {
     auto query = std::make_unique<UnionQuery>();
     const auto others = std::exchange(select.unions, {});

@@ -12,7 +12,7 @@ class UnionQuery final : public Query {
 public:
     // `select` is the first SELECT with the others in its `unions`; its order is that of the whole.
     // Otherwise as Query::Prepare. 3307: the parts differ in their number of columns.
-    static base::Result<std::unique_ptr<Query>> Prepare(SelectStatement select, Session& session,
+    static base::Result<std::unique_ptr<Query>> Prepare(SelectStatement&& select, Session& session,
                                                         Scope* outer);
 
     std::vector<OuterUse> outer_uses() const override;

@@ -68,6 +68,8 @@ constexpr OperatorSpelling kOperators[] = {
 const OperatorSpelling* OperatorAt(const TokenReader& tokens) {
     const Token& token = tokens.Peek();
     if (token.kind != TokenKind::kWord && token.kind != TokenKind::kSymbol) return nullptr;
+    constexpr std::size_t kLongest = 3;
+    if (token.text.size() > kLongest) return nullptr;
     for (const OperatorSpelling& spelling : kOperators)
         if (spelling.word == (token.kind == TokenKind::kWord) &&
             SameWord(spelling.text, token.text))
@@ -387,7 +389,7 @@ Result<ExpressionPtr> ExpressionParser::ParseParentheses() {
 Result<ExpressionPtr> ExpressionParser::ParseName() {
     const std::size_t begin = tokens_.Peek().begin;
     if (!tokens_.IsName()) return MissingOperator();
-    std::u16string name = tokens_.Take().text;
+    std::u16string name(tokens_.Take().text);
     std::u16string qualifier;
     if (tokens_.IsSymbol(u".") || tokens_.IsSymbol(u"!")) {
         tokens_.Take();
@@ -405,7 +407,7 @@ Result<ExpressionPtr> ExpressionParser::ParseName() {
 
 Result<ExpressionPtr> ExpressionParser::ParseCall() {
     const std::size_t begin = tokens_.Peek().begin;
-    std::u16string name = tokens_.Take().text;
+    std::u16string name(tokens_.Take().text);
     tokens_.Take();  // the parenthesis
     const auto aggregate = FindAggregate(name);
     ExpressionPtr node = NewNode(aggregate ? NodeKind::kAggregate : NodeKind::kCall, begin);

@@ -47,7 +47,7 @@ public:
     Lexer(std::u16string_view sql, int current_year) : sql_(sql), current_year_(current_year) {}
 
     Result<std::vector<Token>> Run() {
-        constexpr std::size_t kUsualUnitsPerToken = 4;
+        constexpr std::size_t kUsualUnitsPerToken = 5;
         tokens_.reserve(sql_.size() / kUsualUnitsPerToken + 2);
         for (SkipBlanks(); at_ < sql_.size(); SkipBlanks())
             RETURN_IF_ERROR(TakeToken());
@@ -65,14 +65,14 @@ private:
             ++at_;
     }
 
-    Token& Add(TokenKind kind, std::size_t begin, std::u16string text) {
-        Token token;
+    Token& Add(TokenKind kind, std::size_t begin, std::u16string_view text) {
+        static_assert(kMaxSqlLength <= std::numeric_limits<std::uint32_t>::max());
+        Token& token = tokens_.emplace_back();
         token.kind = kind;
-        token.text = std::move(text);
-        token.begin = begin;
-        token.end = at_;
-        tokens_.push_back(std::move(token));
-        return tokens_.back();
+        token.text = text;
+        token.begin = static_cast<std::uint32_t>(begin);
+        token.end = static_cast<std::uint32_t>(at_);
+        return token;
     }
 
     void AddLiteral(std::size_t begin, Value value) {
@@ -126,7 +126,7 @@ private:
         if (end == std::u16string_view::npos || end == begin + 1)
             return SyntaxError("", sql_.substr(begin));
         at_ = end + 1;
-        Add(TokenKind::kQuoted, begin, std::u16string(sql_.substr(begin + 1, end - begin - 1)));
+        Add(TokenKind::kQuoted, begin, sql_.substr(begin + 1, end - begin - 1));
         return Status::Ok();
     }
 
@@ -195,9 +195,9 @@ private:
         const std::size_t begin = at_;
         while (IsNameUnit(Peek()))
             ++at_;
-        std::u16string text(sql_.substr(begin, at_ - begin));
+        const std::u16string_view text = sql_.substr(begin, at_ - begin);
         if (Peek() == u'$') ++at_;  // Left$ is Left
-        Add(TokenKind::kWord, begin, std::move(text));
+        Add(TokenKind::kWord, begin, text);
         return Status::Ok();
     }
 
@@ -208,7 +208,7 @@ private:
         for (const std::u16string_view pair : kPairs) {
             if (sql_.substr(at_, 2) != pair) continue;
             at_ += 2;
-            Add(TokenKind::kSymbol, begin, std::u16string(pair));
+            Add(TokenKind::kSymbol, begin, pair);
             return Status::Ok();
         }
         const char16_t c = Peek();
@@ -219,7 +219,7 @@ private:
         }
         if (kSingles.find(c) == std::u16string_view::npos)
             return SyntaxError("", sql_.substr(begin));
-        Add(TokenKind::kSymbol, begin, std::u16string(1, c));
+        Add(TokenKind::kSymbol, begin, sql_.substr(begin, 1));
         return Status::Ok();
     }
 

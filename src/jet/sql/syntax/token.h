@@ -3,9 +3,8 @@
 
 #include "jet/values/value.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <string_view>
 
 namespace jet::sql {
 
@@ -20,10 +19,11 @@ enum class TokenKind : std::uint8_t {
 
 struct Token {
     TokenKind kind = TokenKind::kEnd;
-    std::u16string text;  // the word or name without its quotes, or the symbol
+    std::uint32_t begin = 0;  // place in the SQL text, in UTF-16 units
+    std::uint32_t end = 0;
+    // The word or name without its quotes, or the symbol. Borrowed from the SQL text.
+    std::u16string_view text;
     Value value;
-    std::size_t begin = 0;  // place in the SQL text, in UTF-16 units
-    std::size_t end = 0;
 };
 
 }  // namespace jet::sql

@@ -3,10 +3,13 @@
 #include "jet/values/calendar_names.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace jet::sql {
 namespace {
 
+// In alphabetical order.
 constexpr std::u16string_view kReserved[] = {
     u"ADD",     u"ALL",        u"ALTER",      u"AND",    u"ANY",     u"AS",     u"BETWEEN",
     u"BY",      u"COLUMN",     u"CONSTRAINT", u"CREATE", u"DEFAULT", u"DELETE", u"DISTINCT",
@@ -17,10 +20,21 @@ constexpr std::u16string_view kReserved[] = {
     u"UNION",   u"UNIQUE",     u"UPDATE",     u"VALUES", u"WHERE",
 };
 
+// Where in kReserved the words begin that begin with each letter, and where those of Z end.
+constexpr auto kFirstOfLetter = [] {
+    std::array<std::uint8_t, 27> first{};
+    for (std::size_t letter = 0; letter < first.size(); ++letter)
+        for (const std::u16string_view word : kReserved)
+            if (static_cast<std::size_t>(word[0] - u'A') < letter) ++first[letter];
+    return first;
+}();
+
 }  // namespace
 
 bool IsReservedWord(std::u16string_view word) {
-    return std::any_of(std::begin(kReserved), std::end(kReserved),
+    if (word.empty() || !IsAsciiLetter(word[0])) return false;
+    const auto letter = static_cast<std::size_t>(AsciiLower(word[0]) - u'a');
+    return std::any_of(kReserved + kFirstOfLetter[letter], kReserved + kFirstOfLetter[letter + 1],
                        [&](std::u16string_view reserved) { return SameWord(reserved, word); });
 }
 
@@ -60,12 +74,12 @@ bool TokenReader::IsName(std::size_t ahead) const {
 
 base::Result<std::u16string> TokenReader::TakeName(const base::Status& failure) {
     if (!IsName()) return failure;
-    return Take().text;
+    return std::u16string(Take().text);
 }
 
 base::Result<std::u16string> TokenReader::TakeName(ErrorNumber failure) {
     if (!IsName()) return JetError(failure);
-    return Take().text;
+    return std::u16string(Take().text);
 }
 
 std::u16string_view TokenReader::TextSince(std::size_t begin) const {
