@@ -23,7 +23,7 @@ protected:
     }
     // An existing file of that name in the test's folder.
     QString MakeFile(const QString& name) {
-        const QString path = folder.filePath(name);
+        QString path = folder.filePath(name);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         return path;
