@@ -10,9 +10,12 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 # Programs are this machine's, everything else is the target's.
 execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../packaging/windows/build_libraries --where
     OUTPUT_VARIABLE libraries OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../packaging/windows/build_qt --where
+execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../packaging/windows/build_webp --where
     OUTPUT_VARIABLE qt OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${libraries} ${qt})
+# What it is made of, as long as it is not there.
+execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../packaging/windows/build_qt --where
+    OUTPUT_VARIABLE plain_qt OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${libraries} ${qt} ${plain_qt})
 # Qt's tools are this machine's, too.
 set(QT_HOST_PATH /usr)
 file(GLOB QT_HOST_PATH_CMAKE_DIR /usr/lib/*-linux-gnu/cmake)

@@ -1,6 +1,5 @@
 #include "widgets/picture_loader.h"
 
-#include "support/system_facts.h"
 #include "support/temporary_dir.h"
 
 #include <gtest/gtest.h>
@@ -49,8 +48,7 @@ TEST_P(PictureFormatTest, AFileIsDecodedWhateverItsNameSays) {
     EXPECT_GT(qRed(picture->pixel(20, 15)), 250);
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, PictureFormatTest,
-                         testing::ValuesIn(test_support::PictureFormats()),
+INSTANTIATE_TEST_SUITE_P(Formats, PictureFormatTest, testing::Values("bmp", "jpg", "png", "webp"),
                          [](const auto& test) { return std::string(test.param); });
 
 TEST(PictureLoaderTest, AGifIsDecoded) {
@@ -261,8 +259,7 @@ TEST_P(DamagedPictureTest, WithEveryByteFlippedItGivesAPictureOrAStatus) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictureTest,
-                         testing::ValuesIn(test_support::PictureFormats()),
+INSTANTIATE_TEST_SUITE_P(Formats, DamagedPictureTest, testing::Values("bmp", "jpg", "png", "webp"),
                          [](const auto& test) { return std::string(test.param); });
 
 }  // namespace
