@@ -79,10 +79,10 @@ endfunction()
 # add_unit_test(name SOURCES file... LIBS lib... [TIMEOUT seconds]): a GoogleTest program named
 # `name`; each of its tests is one ctest. Windows are drawn offscreen; the locale and the time
 # zone are fixed so that no machine's setting matters; TAVOLO_SHARED is the caller's. DISPLAY: each test has a virtual display and
-# a window manager of its own instead (tests/support/with_display.sh) and carries the label "display"; UNMANAGED: the same without the
-# window manager. SOUND: each test has a sound server of its own (tests/support/with_sound_server.sh).
+# a window manager of its own instead (tests/support/with_display.sh) and carries the label "display". SOUND: each test has a sound
+# server of its own (tests/support/with_sound_server.sh).
 function(add_unit_test name)
-    cmake_parse_arguments(T "QT;WIDGETS;DISPLAY;UNMANAGED;SOUND" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
+    cmake_parse_arguments(T "QT;WIDGETS;DISPLAY;SOUND" "TIMEOUT" "SOURCES;LIBS" ${ARGN})
     if(NOT T_TIMEOUT)
         set(T_TIMEOUT 120)
     endif()
@@ -114,11 +114,8 @@ function(add_unit_test name)
     # A launcher and not the tests' ENVIRONMENT: discovery loses all but the first of several variables.
     set(launcher ${CMAKE_COMMAND} -E env LC_ALL=C.UTF-8 TZ=UTC0)
     set(labels)
-    if(T_DISPLAY OR T_UNMANAGED)
+    if(T_DISPLAY)
         set(labels LABELS display)
-        if(T_UNMANAGED)
-            list(APPEND launcher DISPLAY_MANAGER=none)
-        endif()
         list(APPEND launcher QT_QPA_PLATFORM=xcb ${CMAKE_SOURCE_DIR}/tests/support/with_display.sh)
     elseif(T_SOUND)
         list(APPEND launcher QT_QPA_PLATFORM=offscreen ${CMAKE_SOURCE_DIR}/tests/support/with_sound_server.sh)

@@ -1,6 +1,7 @@
 // Compact: the catalogue written anew without the space that nothing uses.
 #pragma once
 
+#include "base/run_steps.h"
 #include "base/status.h"
 #include "jet/pages/file_system.h"
 #include "jet/repair/compact.h"

@@ -24,7 +24,7 @@ private:
     void HandBackFrom(const QWidget& window);
     void HandBack();
 
-    QPointer<QWidget> next_;  // gets the keyboard; null: it has arrived
+    QPointer<QWidget> next_;  // gets the keyboard; null: a window of the program has it
 };
 
 }  // namespace widgets

@@ -1,10 +1,9 @@
 #!/bin/bash
 # with_display.sh COMMAND [ARGUMENT...]: runs a command on a virtual display of its own with a window manager, and ends with
 # the command's exit status. Needs Xvfb, openbox and wmctrl. The display has one screen of 1280x1024 pixels
-# (DISPLAY_SIZE=WIDTHxHEIGHT asks for another one, DISPLAY_MANAGER=none for no window manager) and is gone when the command
-# has ended.
+# (DISPLAY_SIZE=WIDTHxHEIGHT asks for another one) and is gone when the command has ended.
 set -u
-[ $# -gt 0 ] || { sed -n '2,5p' "$0"; exit 2; }
+[ $# -gt 0 ] || { sed -n '2,4p' "$0"; exit 2; }
 for tool in Xvfb openbox wmctrl; do
     command -v "$tool" >/dev/null || { echo "with_display.sh: $tool is not installed" >&2; exit 127; }
 done
@@ -46,17 +45,15 @@ DISPLAY=":$(<"$work/display")"
 export DISPLAY
 unset WAYLAND_DISPLAY
 
+openbox --sm-disable >"$work/manager.log" 2>&1 &
+manager=$!
+wait_until "openbox does not start" wmctrl -m
 # It announces itself before it listens: a message that comes in between is lost. When it obeys, it listens.
 obeys() {
     wmctrl -n 2
     xprop -root _NET_NUMBER_OF_DESKTOPS | grep -q '= 2$'
 }
-if [ "${DISPLAY_MANAGER:-openbox}" != none ]; then
-    openbox --sm-disable >"$work/manager.log" 2>&1 &
-    manager=$!
-    wait_until "openbox does not start" wmctrl -m
-    wait_until "openbox does not listen" obeys
-fi
+wait_until "openbox does not listen" obeys
 
 "$@" &
 command=$!

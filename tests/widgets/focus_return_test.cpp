@@ -16,7 +16,6 @@ bool GetsKeyboard(const QWidget& window) {
 }
 
 void Show(QWidget& window) {
-    window.setGeometry(0, 0, 200, 100);  // not below the pointer, which gives the keyboard, too
     window.show();
     window.activateWindow();
     EXPECT_TRUE(GetsKeyboard(window));
@@ -72,13 +71,32 @@ TEST_F(FocusReturnTest, AModalWindowComesBeforeTheOwner) {
     EXPECT_TRUE(GetsKeyboard(dialog));
 }
 
+TEST_F(FocusReturnTest, AWindowThatIsShownThenKeepsIt) {
+    QWidget next;
+    ShowModal(dialog);
+    dialog.hide();
+    Show(next);
+    QTest::qWait(100);
+    EXPECT_EQ(QGuiApplication::focusWindow(), next.windowHandle());
+}
+
+TEST_F(FocusReturnTest, AToolTipTakesNoKeyboard) {
+    ShowModal(dialog);
+    dialog.hide();
+    QWidget tip(&window, Qt::ToolTip);
+    tip.show();
+    EXPECT_TRUE(GetsKeyboard(window));
+}
+
 TEST_F(FocusReturnTest, WhoWentToAnotherWindowStaysThere) {
     QWidget other;
+    Show(other);
     Show(dialog);
     Show(box);
     box.hide();
     EXPECT_TRUE(GetsKeyboard(dialog));
-    Show(other);
+    other.activateWindow();
+    EXPECT_TRUE(GetsKeyboard(other));
     dialog.hide();
     QTest::qWait(100);
     EXPECT_EQ(QGuiApplication::focusWindow(), other.windowHandle());
