@@ -161,10 +161,10 @@ base::Result<Restored> RestoreCatalogue(catalogue::Catalogue& catalogue, jet::Fi
     ASSIGN_OR_RETURN(auto state, ReadEntry(files, store, entry));
     RETURN_IF_ERROR(base::StatusOf(steps.stop));
     const base::Status closed = catalogue.CatalogueConnection->Close();
-    base::Result<Restored> restored = closed;
-    if (closed.ok())
-        restored =
-            Restore(files, store, std::move(state), ToLocalSeconds(catalogue.clock->Now()), steps);
+    base::Result<Restored> restored =
+        closed.ok()
+            ? Restore(files, store, std::move(state), ToLocalSeconds(catalogue.clock->Now()), steps)
+            : closed;
     RETURN_IF_ERROR(catalogue::Main(catalogue));
     return restored;
 }
