@@ -65,11 +65,15 @@ constexpr OperatorSpelling kOperators[] = {
     {u"^", false, Operator::kPower, kPowerLevel},
 };
 
+constexpr std::size_t kLongestOperator =
+    std::ranges::max(kOperators, {}, [](const OperatorSpelling& o) {
+        return o.text.size();
+    }).text.size();
+
 const OperatorSpelling* OperatorAt(const TokenReader& tokens) {
     const Token& token = tokens.Peek();
     if (token.kind != TokenKind::kWord && token.kind != TokenKind::kSymbol) return nullptr;
-    constexpr std::size_t kLongest = 3;
-    if (token.text.size() > kLongest) return nullptr;
+    if (token.text.size() > kLongestOperator) return nullptr;
     for (const OperatorSpelling& spelling : kOperators)
         if (spelling.word == (token.kind == TokenKind::kWord) &&
             SameWord(spelling.text, token.text))

@@ -9,7 +9,6 @@
 namespace jet::sql {
 namespace {
 
-// In alphabetical order.
 constexpr std::u16string_view kReserved[] = {
     u"ADD",     u"ALL",        u"ALTER",      u"AND",    u"ANY",     u"AS",     u"BETWEEN",
     u"BY",      u"COLUMN",     u"CONSTRAINT", u"CREATE", u"DEFAULT", u"DELETE", u"DISTINCT",
@@ -19,6 +18,8 @@ constexpr std::u16string_view kReserved[] = {
     u"PRIMARY", u"REFERENCES", u"RIGHT",      u"SELECT", u"SET",     u"TABLE",  u"TOP",
     u"UNION",   u"UNIQUE",     u"UPDATE",     u"VALUES", u"WHERE",
 };
+
+static_assert(std::ranges::is_sorted(kReserved));
 
 // Where in kReserved the words begin that begin with each letter, and where those of Z end.
 constexpr auto kFirstOfLetter = [] {
